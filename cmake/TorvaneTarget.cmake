@@ -1,0 +1,26 @@
+# One library target a folder of src/. A target sees the headers of its own folder and of those that
+# it links, and no others: every folder has an include root of its own in the build tree, holding
+# nothing but a link to that folder. A wrong include does not compile.
+function(torvane_library folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  set(target torvane_${folder})
+  set(root ${PROJECT_BINARY_DIR}/include/${folder})
+  file(MAKE_DIRECTORY ${root})
+  file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h *.ui *.qrc)
+  add_library(${target} STATIC ${sources})
+  target_include_directories(${target} PUBLIC ${root})
+  target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE torvane_warnings)
+endfunction()
+
+# One GoogleTest program a folder of tests/. Each case runs in a process of its own, so the memory
+# that a model class keeps between models of one run cannot leak from one case into the next.
+function(torvane_test folder)
+  cmake_parse_arguments(ARG "" "" "LINKS;PROPERTIES" ${ARGN})
+  set(target test_${folder})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  add_executable(${target} ${sources})
+  target_link_libraries(${target} PRIVATE torvane_test_support ${ARG_LINKS} torvane_warnings)
+  gtest_discover_tests(${target} TEST_PREFIX ${folder}/ DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300 ${ARG_PROPERTIES})
+endfunction()

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "core/instrument.h"
+#include "core/time_driven.h"
+#include "core/undo.h"
+#include "core/variable.h"
+
+namespace torvane {
+
+class Constant;
+class ZelSolver;
+
+/// Registry of one model: its signals, constants, simulated time, solver, undo history and
+/// instruments. Lists keep the order of registration and own nothing.
+class ZelBenchTop {
+ public:
+  ZelBenchTop() = default;
+  ZelBenchTop(const ZelBenchTop&) = delete;
+  ZelBenchTop& operator=(const ZelBenchTop&) = delete;
+
+  void SetTimeVar(Variable& timeVar);
+  void AddVar(Variable& variable);
+  void AddStateVar(StateVariable& state);
+  void AddConst(Constant& constant);
+  void AttachSolver(ZelSolver& solver);
+  void AddTimeDriven(TimeDriven& object) { timeDriven_.push_back(&object); }
+  void AddInstrument(Instrument& instrument);
+  void RemoveInstrument(Instrument& instrument);
+
+  Variable* TimeVar() const { return timeVar_; }
+  ZelSolver* Solver() const { return solver_; }
+  ZelUndo& History() { return history_; }
+  const std::vector<Variable*>& Variables() const { return variables_; }
+  const std::vector<Constant*>& Constants() const { return constants_; }
+  const std::vector<Instrument*>& Instruments(InstrumentKind kind) const {
+    return instruments_[static_cast<std::size_t>(kind)];
+  }
+
+  /// By position; an index out of range is reported and gives nullptr.
+  Variable* VarAt(int index) const;
+  Constant* ConstAt(int index) const;
+  /// By name, in registration order; nullptr when there is none. The time variable is not searched.
+  Variable* FindVar(const std::string& name) const;
+  Constant* FindConst(const std::string& name) const;
+  Instrument* FindInstrument(InstrumentKind kind, const std::string& name) const;
+
+  /// Simulated time, seconds.
+  double Time() const { return time_; }
+  void AdvanceTime(double h) { time_ += h; }
+
+  void UpdateTimeDriven(double t) {
+    for (TimeDriven* object : timeDriven_) object->AtTime(t);
+  }
+
+  /// The time up to which the solver may run before an instrument needs attention.
+  double NextStopTime() const;
+
+  /// Hands the present time to every instrument; false when one of them wants the run to stop.
+  bool ServiceInstruments();
+
+  bool AnyScopeBusy() const;
+
+  /// An FFT or swept-sine analyser has a measurement in progress.
+  bool AnyAnalyserMeasuring() const;
+
+  /// Sum of what the meters add to the model's command.
+  double MeterExcitation() const;
+
+  /// Resets every variable but the first one registered, which keeps its value.
+  void ResetVariables();
+
+  void RefreshInstruments();
+  void StartScopes();
+  /// Every scope's constants grid is to show the constant's new value.
+  void TellConstantChanged(const std::string& name);
+
+  /// Set when a constant has a new value, cleared when the constants have been saved.
+  bool ConstantsChanged() const { return constantsChanged_; }
+  void SetConstantsChanged(bool changed) { constantsChanged_ = changed; }
+
+ private:
+  static constexpr std::size_t KindCount = 5;
+
+  ZelUndo history_;
+  ZelSolver* solver_ = nullptr;
+  double time_ = 0.0;
+  Variable* timeVar_ = nullptr;
+  std::array<std::vector<Instrument*>, KindCount> instruments_;
+  std::vector<TimeDriven*> timeDriven_;
+  std::vector<Variable*> variables_;
+  std::vector<Constant*> constants_;
+  bool constantsChanged_ = false;
+};
+
+}  // namespace torvane

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/undo.h"
+
+namespace torvane {
+
+class ZelBenchTop;
+
+/// A named number of a model that the user may change while the model runs, within limits or from a
+/// list of choices. Registered with the bench at construction.
+///
+/// The changed flag starts set, so that the first evaluation hands the default to blocks that were
+/// built with another value.
+class Constant : public Undoable {
+ public:
+  /// Limits may come in either order.
+  Constant(ZelBenchTop& bench, std::string name, std::string unit, double defaultValue,
+           double limit, double otherLimit);
+
+  /// A list constant: its value is the index of the choice.
+  Constant(ZelBenchTop& bench, std::string name, std::vector<std::string> choices,
+           int defaultChoice = 0);
+
+  Constant(const Constant&) = delete;
+  Constant& operator=(const Constant&) = delete;
+
+  const std::string& Name() const { return name_; }
+  const std::string& Unit() const { return unit_; }
+  double Default() const { return default_; }
+  double Lower() const { return lower_; }
+  double Upper() const { return upper_; }
+  double Value() const { return value_; }
+
+  bool IsList() const { return !choices_.empty(); }
+  const std::vector<std::string>& Choices() const { return choices_; }
+  int Choice() const { return static_cast<int>(value_); }
+
+  /// True once after each change, and once after construction.
+  bool TakeChanged() {
+    const bool changed = changed_;
+    changed_ = false;
+    return changed;
+  }
+
+  /// Limits the value (a list constant: to a choice) and stores it. A change is recorded for undo
+  /// and marks the bench's constants as changed. Not-a-number is ignored.
+  void Set(double value);
+
+  /// Sets from text: a finite number, or exactly one of the choices. Anything else is reported and
+  /// keeps the value; the result tells whether the text was accepted.
+  bool SetFromText(const std::string& text);
+
+  void RestoreDefault() { Set(default_); }
+
+  /// As shown to the user: five significant digits, or the choice's text.
+  std::string DisplayText() const;
+
+  /// As stored in files: shortest exact form, or the choice's text.
+  std::string FileText() const;
+
+  void Undo(const UndoEntry& entry) override;
+  void Redo(const UndoEntry& entry) override;
+
+ private:
+  void Store(double value);
+
+  ZelBenchTop& bench_;
+  std::string name_;
+  std::string unit_;
+  double lower_;
+  double upper_;
+  double default_;
+  double value_;
+  std::vector<std::string> choices_;
+  bool changed_ = true;
+};
+
+}  // namespace torvane

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/bench.h"
+#include "core/solver.h"
+
+namespace torvane {
+
+/// Base of the built-in models: blocks wired by their variables, a bench that lists them, a solver
+/// that integrates them and the instruments that the model opens on itself.
+class ZelModel {
+ public:
+  explicit ZelModel(std::string name);
+  ZelModel(const ZelModel&) = delete;
+  ZelModel& operator=(const ZelModel&) = delete;
+  virtual ~ZelModel();
+
+  /// Evaluates all blocks at time t and writes every state's derivative.
+  virtual void Derivatives(double t) = 0;
+
+  const std::string& Name() const { return name_; }
+  /// File names of the block diagram and of the description; empty when there is none.
+  const std::string& PictureFile() const { return pictureFile_; }
+  const std::string& TextFile() const { return textFile_; }
+
+  ZelBenchTop& Bench() { return bench_; }
+  const ZelBenchTop& Bench() const { return bench_; }
+  ZelSolver& Solver() { return *solver_; }
+  double Time() const { return bench_.Time(); }
+
+  /// Runs to the next time that an instrument asks for and services the instruments; false when one
+  /// of them wants the run to stop.
+  bool RunChunk();
+
+  /// States to their initial values, variables (but the first) to 0, then one evaluation at time -1
+  /// so that every output agrees with the reset states. The time stays.
+  void Reset();
+
+  /// Every constant back to its default.
+  void RestoreDefaults();
+
+  /// Keeps an instrument that the user added for as long as the model lives.
+  void Own(std::unique_ptr<Instrument> instrument);
+
+ protected:
+  void MakeSolver(double step, int maxOrder);
+  void SetFiles(std::string picture, std::string text);
+
+ private:
+  std::string name_;
+  std::string pictureFile_;
+  std::string textFile_;
+  ZelBenchTop bench_;
+  std::unique_ptr<ZelSolver> solver_;
+  std::vector<std::unique_ptr<Instrument>> added_;
+};
+
+}  // namespace torvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <exception>
+
+namespace torvane {
+
+class ZelModel;
+
+/// Chunks in one pass of the run loop: after them control goes back to the message loop.
+inline constexpr int ChunksPerPass = 25;
+
+enum class PassResult {
+  Running,  ///< all chunks ran, more may follow
+  Paused,   ///< a scope is busy; try again when it is free
+  Stopped,  ///< an instrument wants the run to stop
+};
+
+/// One pass of a running model: up to ChunksPerPass chunks. Lets SolverOverflow and whatever else a
+/// chunk throws through.
+PassResult RunPass(ZelModel& model);
+
+/// What to do about an overflow: asks whether to reset the state variables and does so on OK. The
+/// caller has stopped the model.
+void OfferResetAfterOverflow(ZelModel& model);
+
+/// Reports any other exception of a chunk. The caller has stopped the model.
+void ReportRunTimeError(const std::exception& error);
+
+}  // namespace torvane

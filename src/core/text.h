@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torvane {
+
+/// The number that the whole text stands for, surrounding blanks apart; nothing when the text is
+/// anything else or not finite. Independent of the locale.
+std::optional<double> ParseNumber(std::string_view text);
+std::optional<int> ParseInteger(std::string_view text);
+
+/// As ParseNumber and ParseInteger, with a report when the text cannot be converted. Callers keep
+/// their value then.
+std::optional<double> ToNumber(std::string_view text);
+std::optional<int> ToInteger(std::string_view text);
+
+/// Shortest text that reads back as the same number.
+std::string FormatShortest(double x);
+
+/// Five significant digits, right-aligned in eight characters ("%8.5g").
+std::string FormatG(double x);
+
+/// FormatG without the alignment, for edits and tables.
+std::string FormatEdit(double x);
+
+/// Number in general form: at most `precision` significant digits, without trailing zeros; an
+/// exponent, when there is one, has at least `exponentDigits` digits.
+std::string FormatGeneral(double x, int precision, int exponentDigits);
+
+/// The text followed by CR LF.
+std::string AppendLine(std::string_view text);
+
+/// The text up to the first blank that stands before a "(", searching from the second character.
+std::string StripRemark(const std::string& text);
+
+/// Splits at blanks, CR, LF and commas; a run of separators counts as one. Returns the number of
+/// fields, or -2 when there are more than `max`.
+int SplitFields(std::string_view text, std::vector<std::string>& fields, int max);
+
+}  // namespace torvane

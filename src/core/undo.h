@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace torvane {
+
+struct UndoEntry;
+
+/// Something whose changes can be taken back. It reads what it needs from the entry that it pushed.
+class Undoable {
+ public:
+  virtual ~Undoable() = default;
+  virtual void Undo(const UndoEntry& entry) = 0;
+  virtual void Redo(const UndoEntry& entry) = 0;
+};
+
+/// One reversible change. Pointers are not owned and must outlive the history.
+struct UndoEntry {
+  Undoable* Target = nullptr;
+  std::string Description;  ///< shown as "Undo " + Description and "Redo " + Description
+  void* Object = nullptr;   ///< an extra reference that the target may need
+  std::array<std::int32_t, 4> Ints{};
+  std::array<double, 4> Doubles{};
+  std::array<std::string, 4> Strings;
+};
+
+/// The user-interface items that a history drives.
+enum class UndoItem { UndoMenu, RedoMenu, UndoButton, RedoButton };
+
+class UndoItems {
+ public:
+  virtual ~UndoItems() = default;
+  virtual void SetCaption(UndoItem item, const std::string& caption) = 0;
+  virtual void SetEnabled(UndoItem item, bool enabled) = 0;
+};
+
+/// History of the user's last 50 changes to one model.
+///
+/// Undo and Redo trust their caller: only the disabled items keep them from being called with
+/// nothing to undo or redo.
+class ZelUndo {
+ public:
+  static constexpr std::int32_t Depth = 50;
+
+  /// Attaches the items to drive and brings them up to date; nullptr detaches.
+  void Attach(UndoItems* items);
+
+  /// Records a change that has just been made; the redo chain is forgotten and, when the history is
+  /// full, the oldest change too.
+  void Push(const UndoEntry& entry);
+  void Undo();
+  void Redo();
+
+  bool CanUndo() const { return current_ >= 0; }
+  bool CanRedo() const { return current_ < top_; }
+
+ private:
+  void DropOldest();
+  void ShowUndo();
+  void ShowRedo(bool available);
+  void SetItems(UndoItem menu, UndoItem button, const std::string& caption, bool enabled);
+
+  std::int32_t current_ = -1;
+  std::int32_t top_ = -1;
+  std::array<UndoEntry, Depth> entries_;
+  UndoItems* items_ = nullptr;
+};
+
+}  // namespace torvane

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <string>
+
+namespace torvane {
+
+class ZelBenchTop;
+
+/// How instruments first show a signal.
+struct DisplayDefaults {
+  double Scale = 1.0;       ///< signal units per division
+  double Offset = 0.0;      ///< signal units
+  double Multiplier = 1.0;  ///< factor from Value to what every instrument shows
+  bool Shown = false;       ///< a new scope displays the signal at once
+};
+
+/// Whether instruments are offered the signal. Internal signals belong to blocks; several may share
+/// a name.
+enum class Visibility { Offered, Internal };
+
+/// A named signal of a model, registered with the model's bench at construction.
+class Variable {
+ public:
+  Variable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display = {},
+           Visibility visibility = Visibility::Offered);
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+  virtual ~Variable() = default;
+
+  /// Back to the value before the first run: 0.
+  virtual void Reset() { Value = 0.0; }
+
+  const std::string& Name() const { return name_; }
+  const std::string& Unit() const { return unit_; }
+  double DefaultScale() const { return display_.Scale; }
+  double DefaultOffset() const { return display_.Offset; }
+  double Multiplier() const { return display_.Multiplier; }
+  bool ShownByDefault() const { return display_.Shown; }
+  bool Internal() const { return visibility_ == Visibility::Internal; }
+  bool IsState() const { return isState_; }
+
+  /// The value as instruments show it.
+  double DisplayValue() const { return Value * display_.Multiplier; }
+
+  double Value = 0.0;
+
+ protected:
+  enum class Kind { Plain, State, Time };
+  Variable(Kind kind, std::string name, std::string unit, DisplayDefaults display,
+           Visibility visibility);
+
+ private:
+  std::string name_;
+  std::string unit_;
+  DisplayDefaults display_;
+  Visibility visibility_;
+  bool isState_;
+};
+
+/// The simulated time as a signal. Its construction installs it as the bench's time variable.
+class TimeVariable : public Variable {
+ public:
+  TimeVariable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display);
+};
+
+/// A signal that the solver integrates.
+class StateVariable : public Variable {
+ public:
+  StateVariable(ZelBenchTop& bench, std::string name, std::string unit, double initialValue,
+                DisplayDefaults display = {}, Visibility visibility = Visibility::Offered);
+
+  void Reset() override { Value = InitialValue; }
+
+  /// Asks for a value from outside; it replaces the integrated result at the end of the step in
+  /// progress. A plain assignment to Value would be overwritten at the next sub-step.
+  void SetPending(double value) {
+    PendingValue = value;
+    PendingSet = true;
+  }
+
+  double InitialValue;
+  double Derivative = 0.0;  ///< per second, written by the model or the owning block
+  double PendingValue = 0.0;
+  bool PendingSet = false;
+};
+
+}  // namespace torvane

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/instrument.h"
+#include "core/time_driven.h"
+#include "core/variable.h"
+
+namespace torvane {
+
+enum class Waveform { Sine, Square, Triangle, Sawtooth, Pulse, BipolarPulse, Trapezoid, SCurve, Dc };
+
+/// What a generator is set to. Frequency in Hz (never negative), phase in degrees, duty cycle in per
+/// cent (0 to 100).
+struct WaveSettings {
+  int Index = 0;  ///< a Waveform, 0 to 8
+  double FreqHz = 10.0;
+  double Amplitude = 10.0;
+  double Offset = 0.0;
+  double PhaseDeg = 0.0;
+  double DutyCycle = 50.0;
+};
+
+/// Waveform generator: one of nine periodic waveforms of the simulated time.
+///
+/// The value computed for the end of a step reaches the output through a state variable, so models
+/// read it one step later; the second output follows one step behind the first.
+class ZelWave final : public TimeDriven, public Instrument {
+ public:
+  static constexpr int WaveformCount = 9;
+
+  ZelWave(ZelBenchTop& bench, std::string name, const WaveSettings& settings, double gain = 1.0);
+
+  /// The waveforms' names, as listed to the user.
+  static const std::array<const char*, WaveformCount>& WaveformNames();
+
+  void AtTime(double t) override;
+
+  /// Published outputs, the live values of the two state variables.
+  double Output() const { return next_.Value; }
+  double DelayedOutput() const { return delayed_.Value; }
+  /// The value last computed, and 1 during the first half of each period, else 0.
+  double Computed() const { return computed_; }
+  double Sync() const { return sync_; }
+
+  const WaveSettings& Settings() const { return settings_; }
+  /// Setters: the index is limited to 0..8, the duty cycle to 0..100, the frequency stored as its
+  /// absolute value.
+  void SetWaveform(int index);
+  void SetFreqHz(double hz);
+  void SetAmplitude(double amplitude);
+  void SetOffset(double offset);
+  void SetPhaseDeg(double degrees);
+  void SetDutyCycle(double percent);
+
+ private:
+  double ValueAt(double x) const;
+
+  WaveSettings settings_;
+  double gain_;
+  double computed_ = 0.0;
+  double sync_ = 0.0;
+  StateVariable next_;
+  StateVariable delayed_;
+};
+
+}  // namespace torvane
