@@ -73,6 +73,9 @@ class ZelBenchTop {
   /// Resets every variable but the first one registered, which keeps its value.
   void ResetVariables();
 
+  /// Tells every time-driven object that the model was reset.
+  void ResetTimeDriven();
+
   void RefreshInstruments();
   void StartScopes();
   /// Every scope's constants grid is to show the constant's new value.

@@ -13,7 +13,10 @@ namespace torvane {
 /// that integrates them and the instruments that the model opens on itself.
 class ZelModel {
  public:
+  /// Without a solver; MakeSolver is to be called before any state is registered.
   explicit ZelModel(std::string name);
+  /// With a solver of the given step, seconds, for at most maxOrder states.
+  ZelModel(std::string name, double step, int maxOrder = 50);
   ZelModel(const ZelModel&) = delete;
   ZelModel& operator=(const ZelModel&) = delete;
   virtual ~ZelModel();

@@ -42,8 +42,7 @@ class ZelSolver {
  private:
   void RkStep(double t);
   void Evaluate(double t);
-  void CheckStep(double t) const;
-  [[noreturn]] void ThrowOverflow(double t) const;
+  [[noreturn]] void ThrowOverflow() const;
 
   ZelBenchTop& bench_;
   double h_;

@@ -1,0 +1,104 @@
+#include "core/constant.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/bench.h"
+#include "core/messages.h"
+#include "core/text.h"
+
+namespace torvane {
+
+namespace {
+
+// Kinds of undo entry, kept in Ints[0].
+constexpr int ValueEntry = 0;
+constexpr int IndexEntry = 1;
+
+}  // namespace
+
+Constant::Constant(ZelBenchTop& bench, std::string name, std::string unit, double defaultValue,
+                   double limit, double otherLimit)
+    : bench_(bench),
+      name_(std::move(name)),
+      unit_(std::move(unit)),
+      lower_(std::min(limit, otherLimit)),
+      upper_(std::max(limit, otherLimit)),
+      default_(defaultValue),
+      value_(defaultValue) {
+  bench.AddConst(*this);
+}
+
+Constant::Constant(ZelBenchTop& bench, std::string name, std::vector<std::string> choices,
+                   int defaultChoice)
+    : bench_(bench),
+      name_(std::move(name)),
+      lower_(0.0),
+      upper_(static_cast<double>(choices.size()) - 1.0),
+      default_(defaultChoice),
+      value_(defaultChoice),
+      choices_(std::move(choices)) {
+  bench.AddConst(*this);
+}
+
+void Constant::Set(double value) {
+  if (std::isnan(value)) return;
+  double limited = std::clamp(value, lower_, upper_);
+  if (IsList()) limited = std::trunc(limited);
+  if (limited == value_) return;
+
+  UndoEntry entry;
+  entry.Target = this;
+  if (IsList()) {
+    entry.Ints = {IndexEntry, Choice(), static_cast<std::int32_t>(limited), 0};
+  } else {
+    entry.Ints[0] = ValueEntry;
+    entry.Doubles = {value_, limited, 0.0, 0.0};
+  }
+  Store(limited);
+  entry.Description = name_ + " = " + DisplayText();
+  bench_.History().Push(entry);
+}
+
+bool Constant::SetFromText(const std::string& text) {
+  if (!IsList()) {
+    const std::optional<double> number = ToNumber(text);
+    if (number) Set(*number);
+    return number.has_value();
+  }
+  const auto choice = std::find(choices_.begin(), choices_.end(), text);
+  if (choice == choices_.end()) {
+    Error("\"" + text + "\" is not a valid selection for \"" + name_ +
+          "\". \n(Note:  you can double-click on the grid at the \nright of \"" + name_ +
+          "\" and use adjust buttons.)");
+    return false;
+  }
+  Set(static_cast<double>(choice - choices_.begin()));
+  return true;
+}
+
+std::string Constant::DisplayText() const {
+  return IsList() ? choices_[static_cast<std::size_t>(Choice())] : FormatEdit(value_);
+}
+
+std::string Constant::FileText() const {
+  return IsList() ? choices_[static_cast<std::size_t>(Choice())] : FormatShortest(value_);
+}
+
+void Constant::Undo(const UndoEntry& entry) {
+  Store(entry.Ints[0] == IndexEntry ? entry.Ints[1] : entry.Doubles[0]);
+}
+
+void Constant::Redo(const UndoEntry& entry) {
+  Store(entry.Ints[0] == IndexEntry ? entry.Ints[2] : entry.Doubles[1]);
+}
+
+void Constant::Store(double value) {
+  value_ = value;
+  changed_ = true;
+  bench_.SetConstantsChanged(true);
+  bench_.TellConstantChanged(name_);
+}
+
+}  // namespace torvane

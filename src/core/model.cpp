@@ -1,0 +1,49 @@
+#include "core/model.h"
+
+#include <utility>
+
+#include "core/constant.h"
+
+namespace torvane {
+
+ZelModel::ZelModel(std::string name) : name_(std::move(name)) {}
+
+ZelModel::ZelModel(std::string name, double step, int maxOrder) : ZelModel(std::move(name)) {
+  MakeSolver(step, maxOrder);
+}
+
+ZelModel::~ZelModel() = default;
+
+bool ZelModel::RunChunk() {
+  solver_->RunUntil(bench_.NextStopTime());
+  return bench_.ServiceInstruments();
+}
+
+void ZelModel::Reset() {
+  bench_.ResetVariables();
+  solver_->Reset();
+  bench_.ResetTimeDriven();
+  Derivatives(-1.0);
+}
+
+void ZelModel::RestoreDefaults() {
+  for (Constant* constant : bench_.Constants()) {
+    constant->RestoreDefault();
+    bench_.TellConstantChanged(constant->Name());
+  }
+}
+
+void ZelModel::Own(std::unique_ptr<Instrument> instrument) {
+  added_.push_back(std::move(instrument));
+}
+
+void ZelModel::MakeSolver(double step, int maxOrder) {
+  solver_ = std::make_unique<ZelSolver>(bench_, step, *this, maxOrder);
+}
+
+void ZelModel::SetFiles(std::string picture, std::string text) {
+  pictureFile_ = std::move(picture);
+  textFile_ = std::move(text);
+}
+
+}  // namespace torvane

@@ -1,0 +1,31 @@
+#include "core/run_loop.h"
+
+#include "core/messages.h"
+#include "core/model.h"
+
+namespace torvane {
+
+PassResult RunPass(ZelModel& model) {
+  for (int chunk = 0; chunk < ChunksPerPass; ++chunk) {
+    if (model.Bench().AnyScopeBusy()) return PassResult::Paused;
+    if (!model.RunChunk()) return PassResult::Stopped;
+  }
+  return PassResult::Running;
+}
+
+void OfferResetAfterOverflow(ZelModel& model) {
+  if (ErrorQuestion("An overflow occurred, posibly because "
+                    "the state equation solver became unstable.\n"
+                    "The model will be automatically stopped.  Also, it is "
+                    "recommended that you reset the state variables.\n\n"
+                    "Reset Variables?")) {
+    model.Reset();
+  }
+}
+
+void ReportRunTimeError(const std::exception& error) {
+  torvane::Error(std::string("The following run-time error occurred:   ") + error.what() +
+                 ".\nThe model will be automatically stopped.");
+}
+
+}  // namespace torvane
