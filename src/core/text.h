@@ -26,8 +26,9 @@ std::string FormatG(double x);
 /// FormatG without the alignment, for edits and tables.
 std::string FormatEdit(double x);
 
-/// Number in general form: at most `precision` significant digits, without trailing zeros; an
-/// exponent, when there is one, has at least `exponentDigits` digits.
+/// Number in general form: at most `precision` significant digits, without trailing zeros. Written
+/// with an exponent ("1.5E-07", at least `exponentDigits` digits) below 0.00001 and where there are
+/// more than `precision` digits before the point.
 std::string FormatGeneral(double x, int precision, int exponentDigits);
 
 /// The text followed by CR LF.
