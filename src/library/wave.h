@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <string>
 
 #include "core/instrument.h"
@@ -9,10 +10,20 @@
 
 namespace torvane {
 
-enum class Waveform { Sine, Square, Triangle, Sawtooth, Pulse, BipolarPulse, Trapezoid, SCurve, Dc };
+enum class Waveform {
+  Sine,
+  Square,
+  Triangle,
+  Sawtooth,
+  Pulse,
+  BipolarPulse,
+  Trapezoid,
+  SCurve,
+  Dc
+};
 
-/// What a generator is set to. Frequency in Hz (never negative), phase in degrees, duty cycle in per
-/// cent (0 to 100).
+/// What a generator is set to. Frequency in Hz (never negative), phase in degrees, duty cycle in
+/// per cent (0 to 100).
 struct WaveSettings {
   int Index = 0;  ///< a Waveform, 0 to 8
   double FreqHz = 10.0;
@@ -56,11 +67,15 @@ class ZelWave final : public TimeDriven, public Instrument {
 
  private:
   double ValueAt(double x) const;
+  void Recompute(double t);
+  void ForgetComputed() { computedAt_ = std::numeric_limits<double>::quiet_NaN(); }
 
   WaveSettings settings_;
   double gain_;
   double computed_ = 0.0;
   double sync_ = 0.0;
+  // The time that the computed value stands for; not-a-number asks for a new one.
+  double computedAt_ = std::numeric_limits<double>::quiet_NaN();
   StateVariable next_;
   StateVariable delayed_;
 };

@@ -1,0 +1,19 @@
+#include "library/d_controller.h"
+
+#include "core/bench.h"
+#include "core/messages.h"
+
+namespace torvane {
+
+ZelDController::ZelDController(ZelBenchTop& bench, double period) try : period_(period) {
+  bench.AddTimeDriven(*this);
+} catch (...) {
+  Error("Fault in ZelDController :: ZelDController");
+}
+
+void ZelDController::AtTime(double t) {
+  sampleDue_ = t >= nextSample_;
+  if (sampleDue_) nextSample_ += period_;
+}
+
+}  // namespace torvane

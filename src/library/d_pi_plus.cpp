@@ -1,0 +1,68 @@
+#include "library/d_pi_plus.h"
+
+#include <cmath>
+
+#include "core/messages.h"
+#include "library/d_gain.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr const char* Family = "ZelPI_Plus";
+
+}  // namespace
+
+ZelDPiBase::ZelDPiBase(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,
+                       Shaping shaping, DOutputLimit limit)
+    : ZelDLibraryClass(clock), kVI_(kVI), kVP_(kVP), kVFR_(kVFR), limit_(limit), shaping_(shaping) {
+  RequireGain(kVI, "kVI", Family);
+  RequireGain(kVP, "kVP", Family);
+}
+
+double ZelDPiBase::Update(double command, double feedback, double feedForward) {
+  if (!HasClock()) return 0.0;
+  const double kVI = GainValue(kVI_);
+  const double kVP = GainValue(kVP_);
+  const double period = Period();
+  if (TakeGainChanged(kVI_)) integrator_ = 0.0;
+  filteredCommand_ = ShapeCommand(command, kVI, period);
+  previousCommand_ = command;
+  error_ = filteredCommand_ - feedback;
+  integrator_ += error_ * period * kVI;
+  const double unlimited = (error_ + integrator_) * kVP + feedForward;
+  const double output = limit_.Apply(unlimited, error_, kVI, kVP, integrator_);
+  ForgetIfNotFinite();
+  return output;
+}
+
+double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
+  if (shaping_ == Shaping::None) return command;
+  const double direct = 0.01 * GainValue(kVFR_);
+  if (kVI == 0.0) return direct * command;
+  return ((direct + kVI * period) * command + filteredCommand_ - direct * previousCommand_) /
+         (kVI * period + 1.0);
+}
+
+// An overflowing loop is stopped and its states are reset; the histories must not carry the
+// overflow into the next run.
+void ZelDPiBase::ForgetIfNotFinite() {
+  if (std::isfinite(integrator_) && std::isfinite(previousCommand_) &&
+      std::isfinite(filteredCommand_)) {
+    return;
+  }
+  integrator_ = previousCommand_ = filteredCommand_ = 0.0;
+}
+
+ZelDPiPlus::ZelDPiPlus(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,
+                       double limit, double windUpFactor)
+    : ZelDPiBase(clock, kVI, kVP, kVFR, Shaping::CommandFilter, {limit, windUpFactor}) {
+  RequireGain(kVFR, "kVFR", Family);
+  if (!clock) torvane::Error("DController in ZelPI_Plus not initialized.");
+}
+
+ZelDPi::ZelDPi(const ZelDController* clock, Constant* kVI, Constant* kVP, double limit,
+               double windUpFactor)
+    : ZelDPiBase(clock, kVI, kVP, nullptr, Shaping::None, {limit, windUpFactor}) {}
+
+}  // namespace torvane

@@ -1,0 +1,165 @@
+#include "library/wave.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/bench.h"
+#include "core/messages.h"
+#include "library/angular.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr double PerTwoPi = 0.15915494580678602;  // 1 / 2 pi
+constexpr double CyclesPerDegree = 0.002777777777777778;
+
+int LimitedIndex(int index) {
+  return std::clamp(index, 0, ZelWave::WaveformCount - 1);
+}
+
+// Not-a-number becomes 0.
+double LimitedDuty(double percent) {
+  return percent > 0.0 ? std::min(percent, 100.0) : 0.0;
+}
+
+WaveSettings Limited(WaveSettings settings) {
+  settings.Index = LimitedIndex(settings.Index);
+  settings.FreqHz = std::abs(settings.FreqHz);
+  settings.DutyCycle = LimitedDuty(settings.DutyCycle);
+  return settings;
+}
+
+double Triangle(const WaveSettings& s, double x) {
+  return (x < 0.5 ? 4.0 * x - 1.0 : 3.0 - 4.0 * x) * s.Amplitude + s.Offset;
+}
+
+double BipolarPulse(const WaveSettings& s, double x) {
+  const double width = s.DutyCycle / 200.0;
+  if (x < width) return s.Offset + s.Amplitude;
+  if (0.5 < x && x < 0.5 + width) return s.Offset - s.Amplitude;
+  return s.Offset;
+}
+
+double Trapezoid(const WaveSettings& s, double x) {
+  const double third = s.DutyCycle / 300.0;
+  if (x < third) return x / third * s.Amplitude + s.Offset;
+  if (x < 2.0 * third) return s.Offset + s.Amplitude;
+  if (x < 3.0 * third) return (1.0 - (x - 2.0 * third) / third) * s.Amplitude + s.Offset;
+  return s.Offset;
+}
+
+// The trapezoid with ramps of one sine period, u - sin(2 pi u) / 2 pi.
+double SCurve(const WaveSettings& s, double x) {
+  const double third = s.DutyCycle / 300.0;
+  const auto bend = [&](double into) {
+    return PerTwoPi * std::sin(into * TwoPi * 300.0 / s.DutyCycle);
+  };
+  if (x < third) return s.Amplitude * (x / third - bend(x)) + s.Offset;
+  if (x < 2.0 * third) return s.Offset + s.Amplitude;
+  if (x < 3.0 * third) {
+    const double into = x - 2.0 * third;
+    return s.Amplitude * (1.0 - into / third + bend(into)) + s.Offset;
+  }
+  return s.Offset;
+}
+
+}  // namespace
+
+ZelWave::ZelWave(ZelBenchTop& bench, std::string name, const WaveSettings& settings,
+                 double gain) try
+    : Instrument(InstrumentKind::WaveGenerator, std::move(name)),
+      settings_(Limited(settings)),
+      gain_(gain),
+      next_(bench, "ZelWave #1", "Null", 0.0, {}, Visibility::Internal),
+      delayed_(bench, "ZelWave #2", "Null", 0.0, {}, Visibility::Internal) {
+  bench.AddTimeDriven(*this);
+  bench.AddInstrument(*this);
+} catch (...) {
+  Error("Fault in ZelWave :: ZelWave");
+}
+
+const std::array<const char*, ZelWave::WaveformCount>& ZelWave::WaveformNames() {
+  static constexpr std::array<const char*, WaveformCount> names = {
+      "Sine",          "Square",    "Triangle", "Sawtooth", "Pulse",
+      "Bipolar Pulse", "Trapezoid", "S-Curve",  "DC (None)"};
+  return names;
+}
+
+// Both states keep a derivative of 0: they move only by what is published here, and of the four
+// evaluations in a step the last one, at its end, has the final word. Two evaluations share the
+// middle of the step and the end of one step is the start of the next, so half of them ask for a
+// value that is there already.
+void ZelWave::AtTime(double t) {
+  if (t != computedAt_) Recompute(t);
+  next_.SetPending(computed_);
+  delayed_.SetPending(next_.Value);
+}
+
+void ZelWave::Recompute(double t) {
+  const double cycles = t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
+  const double x = cycles - std::floor(cycles);
+  computed_ = gain_ * ValueAt(x);
+  sync_ = x < 0.5 ? 1.0 : 0.0;
+  computedAt_ = t;
+}
+
+// The value at the fraction x of a cycle, 0 <= x < 1.
+double ZelWave::ValueAt(double x) const {
+  const double amplitude = settings_.Amplitude;
+  const double offset = settings_.Offset;
+  switch (static_cast<Waveform>(settings_.Index)) {
+    case Waveform::Sine:
+      return amplitude * std::sin(2.0 * Pi * x) + offset;
+    case Waveform::Square:
+      return x < 0.5 ? offset + amplitude : offset - amplitude;
+    case Waveform::Triangle:
+      return Triangle(settings_, x);
+    case Waveform::Sawtooth:
+      return (2.0 * x - 1.0) * amplitude + offset;
+    case Waveform::Pulse:
+      return x < settings_.DutyCycle / 100.0 ? offset + amplitude : offset - amplitude;
+    case Waveform::BipolarPulse:
+      return BipolarPulse(settings_, x);
+    case Waveform::Trapezoid:
+      return Trapezoid(settings_, x);
+    case Waveform::SCurve:
+      return SCurve(settings_, x);
+    case Waveform::Dc:
+      break;
+  }
+  return offset;
+}
+
+void ZelWave::SetWaveform(int index) {
+  settings_.Index = LimitedIndex(index);
+  ForgetComputed();
+}
+
+void ZelWave::SetFreqHz(double hz) {
+  settings_.FreqHz = std::abs(hz);
+  ForgetComputed();
+}
+
+void ZelWave::SetAmplitude(double amplitude) {
+  settings_.Amplitude = amplitude;
+  ForgetComputed();
+}
+
+void ZelWave::SetOffset(double offset) {
+  settings_.Offset = offset;
+  ForgetComputed();
+}
+
+void ZelWave::SetPhaseDeg(double degrees) {
+  settings_.PhaseDeg = degrees;
+  ForgetComputed();
+}
+
+void ZelWave::SetDutyCycle(double percent) {
+  settings_.DutyCycle = LimitedDuty(percent);
+  ForgetComputed();
+}
+
+}  // namespace torvane
