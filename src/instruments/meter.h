@@ -1,0 +1,137 @@
+#pragma once
+
+#include <string>
+
+#include "core/bench.h"
+#include "core/instrument.h"
+#include "instruments/sample_clock.h"
+
+namespace torvane {
+
+class ZelModel;
+
+enum class MeterKind { Rms, Average, Harmonic, Correlation };
+
+/// Meter: one number computed every T seconds from a signal x of the bench (and for two kinds a
+/// second signal y), each multiplied by its display multiplier:
+///   RMS          r := sqrt(a r^2 + (1 - a) x^2), a = e^(-6.2831852 low-pass frequency T)
+///   average      m := a m + (1 - a) x
+///   harmonic     amplitude and phase of x at f over whole periods, or their ratio to those of y
+///   correlation  the gain P / Q, P and Q the averages of x y and y y
+/// AC coupling passes each signal through a high-pass with the pole
+/// b = e^(-6.2831852 high-pass frequency T) before any of these.
+class ZelMeter final : public Instrument {
+ public:
+  static constexpr int MaxMeters = 15;
+
+  /// Measures the RMS value of the bench's first offered signal until told otherwise.
+  ZelMeter(ZelBenchTop& bench, std::string name);
+  ~ZelMeter() override;
+
+  double NextTime() const override;
+  bool Service(double t) override;
+
+  /// What the meter adds to the model's command while its excitation is on: a sine at the harmonic
+  /// frequency times the multiplier, which sets which multiple of the excited frequency is measured
+  /// (1 measures the response itself, 1/2 the second harmonic).
+  double Excitation(double now) const override;
+
+  double Value() const { return value_; }
+  /// In degrees, of the harmonic kind; in (-270, 90].
+  double AngleDeg() const;
+  /// Unit of the value shown; "(Unitless)" when there is none.
+  std::string UnitText() const;
+  /// Simulated time for which the meter has been updated, seconds.
+  double ElapsedTime() const { return elapsed_; }
+
+  /// The signals chosen; nullptr on a bench without offered signals.
+  const Variable* Measured() const { return measured_.Signal; }
+  const Variable* CorrVar() const { return correlated_.Signal; }
+  const Variable* HarmonicXferVar() const { return transfer_.Signal; }
+  // By name; an unknown name is reported and gives false.
+  bool SetVariable(const std::string& name);
+  bool SetCorrVar(const std::string& name);
+  bool SetHarmonicXferVar(const std::string& name);
+
+  MeterKind Measurement() const { return kind_; }
+  bool AcCoupled() const { return ac_; }
+  double TSample() const { return tSample_; }
+  double Lpf() const { return lpf_; }
+  double AcHpf() const { return hpf_; }
+  double HarmonicFreq() const { return harmonicFreq_; }
+  double TWindow() const { return tWindow_; }
+  bool HarmonicXfer() const { return harmonicXfer_; }
+  bool UseDb() const { return useDb_; }
+
+  void SetKind(MeterKind kind);
+  void SetAcCoupled(bool on);
+  void SetHarmonicXfer(bool on);
+  void SetUseDb(bool on);
+  // Seconds and Hz; a value out of range is reported and refused.
+  void SetTSample(double seconds);
+  void SetLpf(double hz);
+  void SetAcHpf(double hz);
+  void SetHarmonicFreq(double hz);
+  void SetTWindow(double seconds);
+
+  bool UseExcitation = false;
+  double ExcitationMag = 1.0;
+  double ExcitationOff = 0.0;
+  double ExcitationMult = 1.0;
+  bool ShowSetup = false;  ///< the window's set-up panel is open
+
+ private:
+  /// A signal read by the meter, with its harmonic sums and the slow part that AC coupling removes.
+  struct Source {
+    const Variable* Signal = nullptr;
+    double Slow = 0.0;
+    bool Primed = false;
+    double S = 0.0;
+    double C = 0.0;
+  };
+
+  bool Choose(Source& source, const std::string& name, const char* message);
+  void ComputePoles();
+  double Read(Source& source);
+  void Update(double t);
+  void UpdateCorrelation(double x);
+  void UpdateHarmonic(double t, double x);
+  void FinishWindow();
+  void StartWindow(double t);
+  void Restart();
+  double PeriodCount() const;
+
+  ZelBenchTop& bench_;
+  MeterKind kind_ = MeterKind::Rms;
+  Source measured_;
+  Source correlated_;
+  Source transfer_;
+  bool ac_ = false;
+  double tSample_ = 0.00025;
+  double lpf_ = 24.5;
+  double hpf_ = 2.0;
+  double harmonicFreq_ = 2.0;
+  double tWindow_ = 0.5;
+  bool harmonicXfer_ = false;
+  bool useDb_ = false;
+
+  double lowPole_ = 0.0;
+  double highPole_ = 0.0;
+  SampleClock clock_;
+  double elapsed_ = 0.0;
+  double rms_ = 0.0;
+  double mean_ = 0.0;
+  double p_ = 0.0;
+  double q_ = 0.0;
+  bool windowOpen_ = false;
+  double windowEnd_ = 0.0;
+  double ratio_ = 0.0;
+  double value_ = 0.0;
+  double angle_ = 0.0;
+};
+
+/// Adds a meter that lives as long as the model. Reports and gives nullptr when the bench already
+/// holds MaxMeters.
+ZelMeter* AddMeter(ZelModel& model, const std::string& name);
+
+}  // namespace torvane
