@@ -16,4 +16,8 @@ void ZelDController::AtTime(double t) {
   if (sampleDue_) nextSample_ += period_;
 }
 
+void ZelDController::Reset() {
+  for (const auto& block : blocks_) block->DropNonFinite();
+}
+
 }  // namespace torvane

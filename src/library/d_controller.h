@@ -25,6 +25,7 @@ class ZelDController final : public TimeDriven {
   ZelDController& operator=(const ZelDController&) = delete;
 
   void AtTime(double t) override;
+  void Reset() override;
 
   /// Sampled blocks run only in evaluations in which this is true.
   bool SampleDue() const { return sampleDue_; }

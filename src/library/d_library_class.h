@@ -22,6 +22,10 @@ class ZelDLibraryClass {
   /// Works the coefficients out again from the parameters and the clock's present period.
   virtual void ComputeCoefficients() {}
 
+  /// Past values outlive a reset of the model, except those that an overflowing loop has left: they
+  /// would never become numbers again, so a history that is not finite starts again at 0.
+  virtual void DropNonFinite() {}
+
  protected:
   bool HasClock() const { return clock_ != nullptr; }
 

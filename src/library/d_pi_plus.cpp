@@ -1,9 +1,8 @@
 #include "library/d_pi_plus.h"
 
-#include <cmath>
-
 #include "core/messages.h"
 #include "library/d_gain.h"
+#include "library/not_finite.h"
 
 namespace torvane {
 
@@ -31,9 +30,7 @@ double ZelDPiBase::Update(double command, double feedback, double feedForward) {
   error_ = filteredCommand_ - feedback;
   integrator_ += error_ * period * kVI;
   const double unlimited = (error_ + integrator_) * kVP + feedForward;
-  const double output = limit_.Apply(unlimited, error_, kVI, kVP, integrator_);
-  ForgetIfNotFinite();
-  return output;
+  return limit_.Apply(unlimited, error_, kVI, kVP, integrator_);
 }
 
 double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
@@ -44,14 +41,8 @@ double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
          (kVI * period + 1.0);
 }
 
-// An overflowing loop is stopped and its states are reset; the histories must not carry the
-// overflow into the next run.
-void ZelDPiBase::ForgetIfNotFinite() {
-  if (std::isfinite(integrator_) && std::isfinite(previousCommand_) &&
-      std::isfinite(filteredCommand_)) {
-    return;
-  }
-  integrator_ = previousCommand_ = filteredCommand_ = 0.0;
+void ZelDPiBase::DropNonFinite() {
+  ZeroNonFinite({&integrator_, &previousCommand_, &filteredCommand_, &error_});
 }
 
 ZelDPiPlus::ZelDPiPlus(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,

@@ -20,6 +20,8 @@ class ZelDPiBase : public ZelDLibraryClass {
   /// Controllers are stepped through Update only.
   double Step(double /*x*/) final { return 0.0; }
 
+  void DropNonFinite() final;
+
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);
 
@@ -34,7 +36,6 @@ class ZelDPiBase : public ZelDLibraryClass {
 
  private:
   double ShapeCommand(double command, double kVI, double period);
-  void ForgetIfNotFinite();
 
   Constant* kVI_;
   Constant* kVP_;

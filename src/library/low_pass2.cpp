@@ -4,6 +4,7 @@
 #include "core/constant.h"
 #include "core/messages.h"
 #include "library/angular.h"
+#include "library/not_finite.h"
 
 namespace torvane {
 
@@ -26,6 +27,11 @@ void ZelLowPass2::AtTime(double /*t*/) {
   position_.Derivative = x2;
   rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
   y_ = x1;
+}
+
+void ZelLowPass2::Reset() {
+  ZeroNonFinite({&u_});
+  y_ = position_.Value;
 }
 
 void ZelLowPass2::SetFrequency(double hz) {

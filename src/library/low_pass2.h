@@ -18,6 +18,7 @@ class ZelLowPass2 final : public TimeDriven {
   ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping);
 
   void AtTime(double t) override;
+  void Reset() override;
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

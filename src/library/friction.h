@@ -1,0 +1,44 @@
+#pragma once
+
+namespace torvane {
+
+/// Friction parameters as a user states them.
+struct FrictionSettings {
+  double TC = 0.0;  ///< Coulomb (sliding) torque, 0 or above
+  double TS = 0.0;  ///< static (breakaway) torque, 0 or above
+  double PS = 1.0;  ///< travel of the static region, position units, above 0
+};
+
+/// Coulomb friction with a static region that behaves as a stiff spring of limited travel:
+///
+///     sliding:  torque = -TC sign(velocity)
+///     stuck:    torque = -max(TS, TC) d / PS, d the displacement from the anchor, |d| <= PS
+///
+/// A body that stops sticks with the torque it had while sliding, and one that is pushed past the
+/// static region breaks away to the sliding torque.
+class ZelFricCalc {
+ public:
+  /// A travel that is not positive is reported and becomes 1e-10, a negative torque 0.
+  explicit ZelFricCalc(const FrictionSettings& settings);
+
+  /// The friction torque at this position and velocity; it opposes motion, so it is negative while
+  /// sliding forwards. Moves the anchor and the motion state along.
+  double Friction(double position, double velocity);
+
+  /// Forgets an anchor that an overflow has left.
+  void DropNonFinite();
+
+ private:
+  enum class Motion { Backwards = -1, Stuck = 0, Forwards = 1 };
+
+  double StuckFriction(double position);
+  double StickingTravel() const;
+
+  double tC_;
+  double tS_;
+  double pS_;
+  double anchor_ = 0.0;  // where the spring of the static region is relaxed
+  Motion motion_ = Motion::Stuck;
+};
+
+}  // namespace torvane

@@ -1,0 +1,32 @@
+#include "library/low_pass1.h"
+
+#include "core/bench.h"
+#include "core/messages.h"
+#include "library/angular.h"
+#include "library/not_finite.h"
+
+namespace torvane {
+
+ZelLowPass1::ZelLowPass1(ZelBenchTop& bench, double frequencyHz) try
+    : state_(bench, "LowPass1", "Null", 0.0, {}, Visibility::Internal) {
+  SetFrequency(frequencyHz);
+  bench.AddTimeDriven(*this);
+} catch (...) {
+  Error("Fault in ZelLowPass1 :: ZelLowPass1");
+}
+
+void ZelLowPass1::AtTime(double /*t*/) {
+  state_.Derivative = omega_ * (u_ - state_.Value);
+  y_ = state_.Value;
+}
+
+void ZelLowPass1::Reset() {
+  ZeroNonFinite({&u_});
+  y_ = state_.Value;
+}
+
+void ZelLowPass1::SetFrequency(double hz) {
+  omega_ = 2.0 * Pi * hz;
+}
+
+}  // namespace torvane

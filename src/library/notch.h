@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/time_driven.h"
+#include "core/variable.h"
+
+namespace torvane {
+
+/// Continuous two-pole, two-zero filter in observer form, unity gain at DC:
+///
+///     H(s) = (wp/wz)^2 (s^2 + 2 zz wz s + wz^2) / (s^2 + 2 zp wp s + wp^2)
+///
+/// With one frequency and undamped zeros it is a true notch. Frequencies in Hz and dampings are 0
+/// or above; with the zeros at 0 Hz the ratio wp/wz counts as 1, its limit when poles and zeros
+/// move together. The model writes the input and reads the output that the last evaluation left.
+class ZelNotch final : public TimeDriven {
+ public:
+  /// A true notch.
+  ZelNotch(ZelBenchTop& bench, double frequencyHz, double damping);
+
+  /// The general form.
+  ZelNotch(ZelBenchTop& bench, double poleHz, double poleDamping, double zeroHz,
+           double zeroDamping);
+
+  void AtTime(double t) override;
+  void Reset() override;
+
+  void SetInput(double u) { u_ = u; }
+  double Output() const { return y_; }
+
+  /// Frequency of poles and zeros alike.
+  void SetFrequency(double hz);
+  /// Damping of the poles.
+  void SetDamping(double damping);
+
+ private:
+  void ComputeCoefficients();
+
+  double b0_ = 0.0;
+  double b1_ = 0.0;
+  double a2_ = 0.0;
+  double a1_ = 0.0;
+  double poleOmega_;
+  double zeroOmega_;
+  double poleZeta_;
+  double zeroZeta_;
+  double u_ = 0.0;
+  double y_ = 0.0;
+  StateVariable first_;
+  StateVariable second_;
+};
+
+}  // namespace torvane

@@ -1,0 +1,91 @@
+#include "library/two_inertia_mechanism.h"
+
+#include "core/bench.h"
+#include "core/messages.h"
+#include "core/numeric.h"
+#include "library/not_finite.h"
+
+namespace torvane {
+
+namespace {
+
+// In the order of the parameters, so that the reports come in that order too.
+MechanismSettings Checked(MechanismSettings s) {
+  s.JM = Positive(s.JM, "Zel2JMech, jM");
+  s.JL = Positive(s.JL, "Zel2JMech, jL");
+  s.KS = Positive(s.KS, "Zel2JMech, kS");
+  s.KCV = Positive(s.KCV, "Zel2JMech, kCV");
+  s.Gear = Positive(s.Gear, "Zel2JMech, Gear");
+  s.KVM = NonNegative(s.KVM, "Zel2JMech, kVM");
+  s.MotorFriction.TC = NonNegative(s.MotorFriction.TC, "Zel2JMech, tCM");
+  s.MotorFriction.TS = NonNegative(s.MotorFriction.TS, "Zel2JMech, tSM");
+  s.MotorFriction.PS = Positive(s.MotorFriction.PS, "Zel2JMech, pSM");
+  s.KVL = NonNegative(s.KVL, "Zel2JMech, kVL");
+  s.LoadFriction.TC = NonNegative(s.LoadFriction.TC, "Zel2JMech, tCL");
+  s.LoadFriction.TS = NonNegative(s.LoadFriction.TS, "Zel2JMech, tSL");
+  s.LoadFriction.PS = Positive(s.LoadFriction.PS, "Zel2JMech, pSL");
+  return s;
+}
+
+}  // namespace
+
+// The friction elements get their parameters as they were given: each object reports for itself.
+Zel2JMech::Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings) try
+    : parameters_(Checked(settings)),
+      vM_(bench, "Zel2JMech-vM", "Null", 0.0, {}, Visibility::Internal),
+      pM_(bench, "Zel2JMech-pM", "Null", 0.0, {}, Visibility::Internal),
+      vL_(bench, "Zel2JMech-vL", "Null", 0.0, {}, Visibility::Internal),
+      pL_(bench, "Zel2JMech-pL", "Null", 0.0, {}, Visibility::Internal),
+      motorFriction_(settings.MotorFriction),
+      loadFriction_(settings.LoadFriction) {
+  bench.AddTimeDriven(*this);
+} catch (...) {
+  Error("Fault #1 in Zel2JMech :: Zel2JMech");
+}
+
+void Zel2JMech::AtTime(double /*t*/) {
+  const MechanismSettings& p = parameters_;
+  CopyOutputs();
+  shaftTorque_ = (motor_.Velocity - p.Gear * load_.Velocity) * p.KCV +
+                 (motor_.Position - p.Gear * load_.Position) * p.KS;
+
+  motor_.FrictionTorque = motorFriction_.Friction(motor_.Position, motor_.Velocity);
+  motor_.ViscousTorque = -p.KVM * motor_.Velocity;
+  motor_.NetTorque = motorTorque_ + secondMotorTorque_ + motor_.FrictionTorque +
+                     motor_.ViscousTorque - shaftTorque_;
+  motor_.Acceleration = motor_.NetTorque / p.JM;
+  vM_.Derivative = motor_.Acceleration;
+  pM_.Derivative = motor_.Velocity;
+
+  load_.FrictionTorque = loadFriction_.Friction(load_.Position, load_.Velocity);
+  load_.ViscousTorque = -p.KVL * load_.Velocity;
+  load_.NetTorque =
+      loadTorque_ + load_.FrictionTorque + load_.ViscousTorque + shaftTorque_ * p.Gear;
+  load_.Acceleration = load_.NetTorque / p.JL;
+  vL_.Derivative = load_.Acceleration;
+  pL_.Derivative = load_.Velocity;
+}
+
+void Zel2JMech::Reset() {
+  CopyOutputs();
+  ZeroNonFinite({&motorTorque_, &loadTorque_, &secondMotorTorque_});
+  motorFriction_.DropNonFinite();
+  loadFriction_.DropNonFinite();
+}
+
+void Zel2JMech::CopyOutputs() {
+  motor_.Velocity = vM_.Value;
+  motor_.Position = pM_.Value;
+  load_.Velocity = vL_.Value;
+  load_.Position = pL_.Value;
+}
+
+void Zel2JMech::SetJM(double inertia) {
+  parameters_.JM = Positive(inertia, "Zel2JMech, jM");
+}
+
+void Zel2JMech::SetJL(double inertia) {
+  parameters_.JL = Positive(inertia, "Zel2JMech, jL");
+}
+
+}  // namespace torvane

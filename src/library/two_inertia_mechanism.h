@@ -1,0 +1,84 @@
+#pragma once
+
+#include "core/time_driven.h"
+#include "core/variable.h"
+#include "library/friction.h"
+
+namespace torvane {
+
+/// What a two-inertia mechanism is made of, in SI units.
+struct MechanismSettings {
+  double JM = 0.0;    ///< motor inertia, above 0
+  double JL = 0.0;    ///< load inertia, above 0
+  double KS = 0.0;    ///< shaft stiffness, above 0
+  double KCV = 0.0;   ///< damping across the shaft, above 0
+  double Gear = 1.0;  ///< N, motor turns per load turn, above 0
+  double KVM = 0.0;   ///< viscous damping of the motor, 0 or above
+  FrictionSettings MotorFriction{};
+  double KVL = 0.0;  ///< viscous damping of the load, 0 or above
+  FrictionSettings LoadFriction{};
+};
+
+/// Motor and load inertia joined by a gear and a compliant shaft, each with viscous damping and
+/// friction:
+///
+///     Ts          = (vM - N vL) kCV + (pM - N pL) kS
+///     jM d(vM)/dt = T1 + T3 + friction(pM, vM) - kVM vM - Ts
+///     jL d(vL)/dt = T2 + friction(pL, vL) - kVL vL + N Ts
+///
+/// The shaft torque enters the motor with the factor 1 and the load with N. The model writes the
+/// torques T1 (motor), T2 (load) and T3 (second motor torque) before each evaluation and reads what
+/// the last evaluation left.
+class Zel2JMech final : public TimeDriven {
+ public:
+  /// One side of the shaft at the last evaluation: rad/s, rad, Nm, rad/s^2.
+  struct Side {
+    double Velocity = 0.0;
+    double Position = 0.0;
+    double FrictionTorque = 0.0;
+    double ViscousTorque = 0.0;
+    double NetTorque = 0.0;
+    double Acceleration = 0.0;
+  };
+
+  /// Parameters out of their range are reported; 1e-10 replaces what must be positive, 0 what must
+  /// not be negative.
+  Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings);
+
+  void AtTime(double t) override;
+  void Reset() override;
+
+  void SetMotorTorque(double torque) { motorTorque_ = torque; }
+  void SetLoadTorque(double torque) { loadTorque_ = torque; }
+  void SetSecondMotorTorque(double torque) { secondMotorTorque_ = torque; }
+
+  const Side& Motor() const { return motor_; }
+  const Side& Load() const { return load_; }
+  double ShaftTorque() const { return shaftTorque_; }
+
+  /// An inertia that is not positive is reported and becomes 1e-10.
+  void SetJM(double inertia);
+  void SetJL(double inertia);
+  /// 0 is allowed in a mechanism that is built: the shaft then has no spring or no damping.
+  void SetKS(double stiffness) { parameters_.KS = stiffness; }
+  void SetKCV(double damping) { parameters_.KCV = damping; }
+
+ private:
+  void CopyOutputs();
+
+  double motorTorque_ = 0.0;
+  double loadTorque_ = 0.0;
+  double secondMotorTorque_ = 0.0;
+  MechanismSettings parameters_;
+  double shaftTorque_ = 0.0;
+  Side motor_;
+  Side load_;
+  StateVariable vM_;
+  StateVariable pM_;
+  StateVariable vL_;
+  StateVariable pL_;
+  ZelFricCalc motorFriction_;
+  ZelFricCalc loadFriction_;
+};
+
+}  // namespace torvane
