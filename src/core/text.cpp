@@ -78,7 +78,7 @@ std::string FormatShortest(double x) {
 }
 
 std::string FormatG(double x) {
-  const std::string number = FormatEdit(x);
+  std::string number = FormatEdit(x);
   if (number.size() >= ShownWidth) return number;
   return std::string(ShownWidth - number.size(), ' ') + number;
 }
