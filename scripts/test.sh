@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Builds everything, with whatever that needs, and runs every test. Needs no display. Arguments are
+# handed to ctest, for example: scripts/test.sh -R scope
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scripts/install-packages.sh build desktop test
+
+cmake --preset release -DTORVANE_TESTS=ON
+cmake --build --preset release
+
+# The tests drive real windows, which stay in memory whatever display there is.
+export QT_QPA_PLATFORM=offscreen
+ctest --preset release --no-tests=error -j 2 "$@"
