@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/instrument.h"
+
+namespace torvane::test {
+
+/// Instrument whose answers the test gives; writes what it is asked into a shared log.
+class FakeInstrument : public Instrument {
+ public:
+  FakeInstrument(InstrumentKind kind, std::string name, std::vector<std::string>& log)
+      : Instrument(kind, std::move(name)), log_(log) {}
+
+  double NextTime() const override { return Requested; }
+  bool Service(double t) override {
+    ServicedAt.push_back(t);
+    log_.push_back(Name() + " serviced");
+    return static_cast<int>(ServicedAt.size()) != StopsAtService;
+  }
+  bool Busy() const override { return IsBusy; }
+  bool Measuring() const override { return IsMeasuring; }
+  double Excitation(double now) const override { return Gain * now; }
+  void Start() override { log_.push_back(Name() + " started"); }
+  void Refresh() override { log_.push_back(Name() + " refreshed"); }
+  void ConstantChanged(const std::string& name) override {
+    log_.push_back(Name() + " told of " + name);
+  }
+
+  double Requested = -1.0;
+  int StopsAtService = 0;  ///< the service, counted from 1, that wants the run to stop
+  bool IsBusy = false;
+  bool IsMeasuring = false;
+  double Gain = 0.0;
+  std::vector<double> ServicedAt;
+
+ private:
+  std::vector<std::string>& log_;
+};
+
+}  // namespace torvane::test
