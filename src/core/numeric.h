@@ -17,7 +17,9 @@ inline double FloorToStep(double x, double step) {
 }
 
 /// x rounded to the nearest multiple of step, halves upwards.
-inline double RoundToStep(double x, double step) { return FloorToStep(x + step / 2.0, step); }
+inline double RoundToStep(double x, double step) {
+  return FloorToStep(x + step / 2.0, step);
+}
 
 /// x limited to the range between a and b, given in either order.
 double Clamp(double x, double a, double b);
