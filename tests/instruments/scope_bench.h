@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/model.h"
+#include "instruments/scope.h"
+
+namespace torvane::test {
+
+/// A bench with a time and one shown signal, for driving a scope by hand. At 40 s a division the
+/// 400 intervals of a screen are 1 s each, so sample n is taken at time n exactly.
+struct ScopeBench {
+  void At(double t, double value) {
+    Time.Value = t;
+    Signal.Value = value;
+    GoesOn = Scope.Sample(t);
+  }
+  /// Samples first..last at one a second, the signal a ramp that equals the time.
+  void Ramp(int first, int last) {
+    for (int n = first; n <= last; ++n) At(n, n);
+  }
+  ZelChannel& Trace() { return *Scope.Channels()[0]; }
+
+  ZelBenchTop Bench;
+  TimeVariable Time{Bench, "Time", "sec", {.Scale = 40.0}};
+  Variable Signal{Bench, "Signal", "", {.Shown = true}};
+  ZelScope Scope{Bench, "MainScope"};
+  bool GoesOn = true;
+};
+
+/// A model without equations, for the chunks of the run loop.
+class IdleModel : public ZelModel {
+ public:
+  explicit IdleModel(double step) : ZelModel("Idle") { MakeSolver(step, 1); }
+  void Derivatives(double /*t*/) override {}
+
+  TimeVariable TimeVar{Bench(), "Time", "sec", {.Scale = 40.0}};
+};
+
+}  // namespace torvane::test
