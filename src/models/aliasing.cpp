@@ -1,0 +1,50 @@
+#include "core/constant.h"
+#include "instruments/scope.h"
+#include "library/wave.h"
+#include "models/factories.h"
+#include "models/units.h"
+
+namespace torvane {
+
+namespace {
+
+// Kept once for the class on purpose: it starts at 0 when the program starts and is never reset.
+double nextSample = 0.0;
+
+/// A bare sample-and-hold: shows the alias of a signal that is sampled too slowly.
+class MAliasing final : public ZelModel {
+ public:
+  explicit MAliasing(const std::string& name);
+  void Derivatives(double t) override;
+
+ private:
+  Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
+
+  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  Variable vC_{Bench(), "vC", "volts", Shown(1, 2)};
+  Variable vSample_{Bench(), "vSample", "volts", Shown(1, -2)};
+
+  // Sampled at 1000 Hz, 1030 Hz show up at 30 Hz.
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 0, .FreqHz = 1030, .Amplitude = 1.5}};
+  ZelScope scope_{Bench(), "MainScope"};
+};
+
+MAliasing::MAliasing(const std::string& name) : ZelModel(name, 1e-5) {
+  SetFiles("BWTX05-01.bmp", "BWTX05-01.txt");
+}
+
+void MAliasing::Derivatives(double t) {
+  vC_.Value = generator_.Output();
+  if (t > nextSample) {
+    vSample_.Value = vC_.Value;
+    nextSample += tSample_.Value();
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<ZelModel> MakeAliasing(const std::string& name) {
+  return std::make_unique<MAliasing>(name);
+}
+
+}  // namespace torvane

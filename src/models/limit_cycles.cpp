@@ -1,0 +1,91 @@
+#include "core/constant.h"
+#include "core/numeric.h"
+#include "instruments/scope.h"
+#include "library/d_controller.h"
+#include "library/wave.h"
+#include "models/factories.h"
+#include "models/units.h"
+
+namespace torvane {
+
+namespace {
+
+// Kept once for the class on purpose, and never reset: the three previous outputs and the sign of
+// the dither.
+struct Memory {
+  double Y1 = 0.0;
+  double Y2 = 0.0;
+  double Y3 = 0.0;
+  double Sign = 1.0;
+};
+Memory memory;
+
+/// Sampled low-pass with a triple pole and quantised arithmetic: shows limit cycles, and how dither
+/// breaks them.
+class MLimitCycles final : public ZelModel {
+ public:
+  explicit MLimitCycles(const std::string& name);
+  void Derivatives(double t) override;
+
+ private:
+  enum Quantising { Float, Round, Truncate };
+
+  void Sample();
+  double Filtered(double x) const;
+
+  Constant pole_{Bench(), "Pole", "", 0.85, 0.001, 0.999};
+  Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
+  Constant res_{Bench(), "Res", "Counts", 0.001, 1e-7, 100};
+  Constant dither_{Bench(), "Dither", "Counts", 0, 0, 10000};
+  Constant quantize_{Bench(), "Quantize?", {"Float", "Round", "Truncate"}, Round};
+
+  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
+  Variable input_{Bench(), "Input", "", Shown(0.02, 0)};
+  Variable output_{Bench(), "Output", "", Shown(0.02, 0)};
+
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 5, .Amplitude = 0.05}};
+  ZelDController clock_{Bench(), tSample_.Default()};
+  ZelScope scope_{Bench(), "MainScope"};
+};
+
+MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name, 1e-5) {
+  SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
+}
+
+double MLimitCycles::Filtered(double x) const {
+  const double p = pole_.Value();
+  const double in = (1.0 - p) * (1.0 - p) * (1.0 - p) * x;
+  const double back1 = 3.0 * p * memory.Y1;
+  const double back2 = 3.0 * p * p * memory.Y2;
+  const double back3 = p * p * p * memory.Y3;
+  if (quantize_.Choice() == Float) return in + back1 - back2 + back3;
+
+  // The input term is truncated in both quantised forms.
+  const double res = res_.Value();
+  const auto quantise = quantize_.Choice() == Round ? RoundToStep : FloorToStep;
+  return FloorToStep(in, res) + quantise(back1, res) - quantise(back2, res) + quantise(back3, res) +
+         dither_.Value() * res * memory.Sign;
+}
+
+void MLimitCycles::Sample() {
+  input_.Value = generator_.Output();
+  output_.Value = Filtered(input_.Value);
+  memory.Y3 = memory.Y2;
+  memory.Y2 = memory.Y1;
+  // A run that overflowed must not carry on into the next one.
+  memory.Y1 = std::isfinite(output_.Value) ? output_.Value : 0.0;
+  memory.Sign = -memory.Sign;
+}
+
+void MLimitCycles::Derivatives(double /*t*/) {
+  if (tSample_.TakeChanged()) clock_.SetPeriod(tSample_.Value());
+  if (clock_.SampleDue()) Sample();
+}
+
+}  // namespace
+
+std::unique_ptr<ZelModel> MakeLimitCycles(const std::string& name) {
+  return std::make_unique<MLimitCycles>(name);
+}
+
+}  // namespace torvane

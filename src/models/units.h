@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/variable.h"
+
+namespace torvane {
+
+// Loops compute in radians and seconds; instruments show what users think in.
+inline constexpr double RpmToRad = 0.10471975333333333;  ///< rad/s per RPM
+inline constexpr double RadToRpm = 9.549296748407162;    ///< RPM per rad/s
+inline constexpr double RadToRevs = 0.15915494580678602;
+inline constexpr double RadToDeg = 57.295780490442965;
+
+/// Display defaults of a signal that a new scope shows or does not show; scale and offset are in
+/// the shown unit.
+constexpr DisplayDefaults Shown(double scale, double offset = 0.0, double multiplier = 1.0) {
+  return {scale, offset, multiplier, true};
+}
+constexpr DisplayDefaults Hidden(double scale, double multiplier = 1.0) {
+  return {scale, 0.0, multiplier, false};
+}
+
+/// The time axis: seconds per division.
+constexpr DisplayDefaults TimeBase(double secondsPerDivision) {
+  return {secondsPerDivision, 1.0, 1.0, false};
+}
+
+}  // namespace torvane
