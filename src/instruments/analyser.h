@@ -92,6 +92,8 @@ class FrequencyAnalyser : public Instrument {
   // Values out of range are reported and refused.
   void SetFreqMin(double hz);
   void SetFreqMax(double hz);
+  /// Both limits at once, whatever they were before.
+  void SetFreqRange(double low, double high);
   void SetGainScale(double scale);
   void SetGainOffset(double offset);
   void SetPhaseScale(double scale);
@@ -123,12 +125,16 @@ class FrequencyAnalyser : public Instrument {
   /// from its top.
   static double LimitExcitation(double value, double amplitude, double offset);
 
+  /// The first channel becomes the input, the second the output.
   void AddChannel(std::unique_ptr<AnalyserChannel> channel);
+  /// Reports that there are too few channels to measure a response.
+  void CheckChannels() const;
   void EnableTrace(int slot);
   void DisableTrace(int slot);
   /// Settings or data have changed: repaint, and the view re-reads the settings.
   void Changed();
-  void RequestRedraw() { needsRedraw_ = true; }
+  /// Stores a setting; a value that is not finite is ignored.
+  void SetSetting(double& setting, double value);
 
   /// The response is the output's alone.
   virtual bool OutputOnly() const { return false; }
@@ -147,8 +153,8 @@ class FrequencyAnalyser : public Instrument {
   double WrappedPhase(int slot, int index) const;
   template <class Value>
   double Interpolate(int slot, double index, Value value) const;
-  void SetScale(double& scale, double value, const char* what);
-  void SetFreq(double hz);
+  bool Choose(AnalyserChannel*& chosen, const std::string& name);
+  void SetPositive(double& setting, double value, const char* what);
 
   std::string label_;
   std::vector<std::unique_ptr<AnalyserChannel>> channels_;

@@ -92,8 +92,12 @@ class ZelMeter final : public Instrument {
 
   bool Choose(Source& source, const std::string& name, const char* message);
   void ComputePoles();
-  double Read(Source& source);
+  double Read(Source& source) const;
+  template <class T>
+  void Store(T& setting, T value);
+  void SetNumber(double& setting, double value, bool good, const char* message);
   void Update(double t);
+  void Show(double value, double angle);
   void UpdateCorrelation(double x);
   void UpdateHarmonic(double t, double x);
   void FinishWindow();

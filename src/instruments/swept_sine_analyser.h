@@ -77,11 +77,15 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   int LastIndex(int slot) const override;
 
  private:
+  bool InProgress() const;
+  void BeginSweep();
   void BeginPoint(double t);
   void StepFrequency(double t);
   void CompletePoint();
   void Finish(State state);
+  /// Periods measured at the present frequency.
   double PeriodCount() const;
+  void SetChecked(double& setting, double value, bool good, const char* message);
 
   double tSample_ = 0.005;
   double startFreq_ = 10.0;

@@ -10,22 +10,25 @@ namespace torvane {
 /// One signal of the swept-sine analyser: the sums of the point being measured and, for each slot,
 /// the gain and phase of every point.
 ///
-/// The signal is correlated with sine and cosine at f and the result divided by the correlations of
-/// sine, cosine and constant with each other over the same ticks. So a sine at f on a constant
-/// reads its exact amplitude and phase whether or not its period is a whole number of ticks.
+/// The signal is correlated with sine and cosine at f, and the correlations are solved with those
+/// of sine, cosine and constant among each other over the same ticks:
+///   x = A sin + B cos + D, gain 20 log10 sqrt(A^2 + B^2), phase atan2(B, A).
+/// Over whole periods of ticks this is A = 2/N sum x sin, B = 2/N sum x cos. It reads a sine at f
+/// on a constant exactly whether or not the period is a whole number of ticks.
 class ZelSweptDSAChannel final : public AnalyserChannel {
  public:
   /// Room for `capacity` points a slot.
   ZelSweptDSAChannel(const Variable& variable, int capacity);
 
+  /// Forgets slot 0's points, for a new sweep.
+  void ClearPoints();
   void ResetSums();
-  /// Adds the signal's present value. The last tick of a point begins the next period, so a value
-  /// counts only once another has followed it.
+  /// Adds the signal's present value at f Hz. The last tick of a point belongs to the period after
+  /// it, so a value counts only once another one has followed.
   void Accumulate(double f, double t);
-  /// Stores the point's gain and phase in slot 0.
-  void Measure(int index);
-  /// Makes slot 0's first points readable, `count` of them.
-  void SetCount(int count) { slots_[0].Count = count; }
+  /// Stores the point's gain and phase in slot 0; an index beyond the capacity is reported and
+  /// gives false.
+  bool Measure(int index);
 
   double Gain(int slot, int index) override;
   double Phase(int slot, int index) override;
@@ -33,23 +36,36 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
 
  private:
   struct Slot {
-    int Count = 0;
     std::vector<double> Gains;
     std::vector<double> Phases;
   };
+  struct Tick {
+    double Sin = 0.0;
+    double Cos = 0.0;
+    double X = 0.0;
+  };
   /// Sums over the ticks of products of sine, cosine, one and the signal.
   struct Sums {
-    double Count = 0.0;
-    double S = 0.0, C = 0.0, SS = 0.0, SC = 0.0, CC = 0.0;
-    double X = 0.0, XS = 0.0, XC = 0.0;
+    double N = 0.0;
+    double S = 0.0, C = 0.0, X = 0.0;
+    double SS = 0.0, SC = 0.0, CC = 0.0;
+    double XS = 0.0, XC = 0.0;
+
+    void Add(const Tick& tick);
+  };
+  /// Amplitudes of the sine and the cosine.
+  struct Phasor {
+    double Sin = 0.0;
+    double Cos = 0.0;
   };
 
+  Phasor Solve() const;
   bool Readable(int slot, int index, const char* message) const;
 
-  int capacity_;
+  std::size_t capacity_;
   Sums sums_;
   bool pending_ = false;
-  double pendingSin_ = 0.0, pendingCos_ = 0.0, pendingX_ = 0.0;
+  Tick last_;
   std::array<Slot, SlotCount> slots_;
 };
 

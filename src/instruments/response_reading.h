@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cmath>
+
+namespace torvane {
+
+/// 180 / 3.1415926.
+inline constexpr double DegreesPerRadian = 57.295780490442965;
+
+/// Reads instead of the gain of nothing, dB.
+inline constexpr double NoGain = -200.0;
+
+/// 20 log10 of a magnitude; NoGain when it is not positive.
+inline double GainDb(double magnitude) {
+  return magnitude > 0.0 ? 20.0 * std::log10(magnitude) : NoGain;
+}
+
+/// Phase of a spectral line in degrees, in (-270, 90]; exactly +-90 when the real part is 0.
+inline double PhaseDeg(double re, double im) {
+  if (re == 0.0) return im < 0.0 ? -90.0 : 90.0;
+  const double phase = std::atan(im / re) * DegreesPerRadian;
+  return re < 0.0 ? phase - 180.0 : phase;
+}
+
+/// One turn back from above 90 degrees, or forth from below -270.
+inline double WrapPhase(double degrees) {
+  if (degrees > 90.0) return degrees - 360.0;
+  if (degrees < -270.0) return degrees + 360.0;
+  return degrees;
+}
+
+}  // namespace torvane
