@@ -23,7 +23,7 @@ class ZelDLibraryClass {
   virtual void ComputeCoefficients() {}
 
   /// Past values outlive a reset of the model, except those that an overflowing loop has left: they
-  /// would never become numbers again, so a history that is not finite starts again at 0.
+  /// would never become numbers again, so a history that is not all finite starts again at 0.
   virtual void DropNonFinite() {}
 
  protected:

@@ -23,7 +23,7 @@ void ZelDLowPass1::ComputeCoefficients() {
 }
 
 void ZelDLowPass1::DropNonFinite() {
-  ZeroNonFinite({&y1_});
+  ForgetUnlessFinite({&y1_});
 }
 
 void ZelDLowPass1::SetFrequency(double hz) {

@@ -42,7 +42,7 @@ double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
 }
 
 void ZelDPiBase::DropNonFinite() {
-  ZeroNonFinite({&integrator_, &previousCommand_, &filteredCommand_, &error_});
+  ForgetUnlessFinite({&integrator_, &previousCommand_, &filteredCommand_, &error_});
 }
 
 ZelDPiPlus::ZelDPiPlus(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,

@@ -51,7 +51,7 @@ double ZelDPid::FilteredDerivative(double period) {
 }
 
 void ZelDPid::DropNonFinite() {
-  ZeroNonFinite({&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_});
+  ForgetUnlessFinite({&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_});
 }
 
 }  // namespace torvane

@@ -29,7 +29,7 @@ double ZelDSecondOrder::Step(double x) {
 }
 
 void ZelDSecondOrder::DropNonFinite() {
-  ZeroNonFinite({&y1_, &y2_, &x1_, &x2_});
+  ForgetUnlessFinite({&y1_, &y2_, &x1_, &x2_});
 }
 
 }  // namespace torvane

@@ -21,7 +21,7 @@ void ZelLowPass1::AtTime(double /*t*/) {
 }
 
 void ZelLowPass1::Reset() {
-  ZeroNonFinite({&u_});
+  ForgetUnlessFinite({&u_});
   y_ = state_.Value;
 }
 

@@ -30,7 +30,7 @@ void ZelLowPass2::AtTime(double /*t*/) {
 }
 
 void ZelLowPass2::Reset() {
-  ZeroNonFinite({&u_});
+  ForgetUnlessFinite({&u_});
   y_ = position_.Value;
 }
 

@@ -31,7 +31,7 @@ void ZelNotch::AtTime(double /*t*/) {
 }
 
 void ZelNotch::Reset() {
-  ZeroNonFinite({&u_});
+  ForgetUnlessFinite({&u_});
   y_ = b0_ * u_ + first_.Value;
 }
 

@@ -68,7 +68,7 @@ void Zel2JMech::AtTime(double /*t*/) {
 
 void Zel2JMech::Reset() {
   CopyOutputs();
-  ZeroNonFinite({&motorTorque_, &loadTorque_, &secondMotorTorque_});
+  ForgetUnlessFinite({&motorTorque_, &loadTorque_, &secondMotorTorque_});
   motorFriction_.DropNonFinite();
   loadFriction_.DropNonFinite();
 }
