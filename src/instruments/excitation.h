@@ -39,9 +39,9 @@ class SmoothingFilter {
 
  private:
   struct Section {
-    double B0;
-    double A1;
-    double A2;
+    double B0 = 0.0;
+    double A1 = 0.0;
+    double A2 = 0.0;
     double Y1 = 0.0;
     double Y2 = 0.0;
   };

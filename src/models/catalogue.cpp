@@ -39,6 +39,7 @@ constexpr std::array Entries = {
 const std::vector<std::string>& ModelNames() {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> list;
+    list.reserve(Entries.size());
     for (const Entry& entry : Entries) list.emplace_back(entry.Name);
     return list;
   }();
