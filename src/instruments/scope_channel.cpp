@@ -86,18 +86,31 @@ ZelTimeChannel::ZelTimeChannel(Variable& timeVar, int ringLength, int screenLeng
 }
 
 void ZelTimeChannel::ComputeX(int index) {
-  if (width_ == 0 || height_ == 0) {
-    Error("Internal Error: Uninit ScreenDimension");
-    return;
-  }
-  const double value = screen_[Slot(index)] * Signal().Multiplier();
-  const double x = ((value - startTime_) / Horizontal.Scale) * width_ * 0.1;
-  xPixels_[Slot(index)] = LimitedPixel(x, 1, width_ - 2);
+  ComputeXRange(index, index + 1);
 }
 
 void ZelTimeChannel::SetStartIndex(int index) {
   startTime_ = screen_[Slot(index)] * Signal().Multiplier();
-  for (int i = 0; i < ScreenLength(); ++i) ComputeX(i);
+  ComputeXRange(0, ScreenLength());
+}
+
+void ZelTimeChannel::ComputeXRange(int first, int end) {
+  if (width_ == 0 || height_ == 0) {
+    Error("Internal Error: Uninit ScreenDimension");
+    return;
+  }
+  // A rolling screen runs this over all of its points every few samples, so nothing that the loop
+  // stores may alias what it reads.
+  const double multiplier = Signal().Multiplier();
+  const double start = startTime_;
+  const double scale = Horizontal.Scale;
+  const double width = width_;
+  const double high = width_ - 2;
+  const float* const values = screen_.data();
+  int* const pixels = xPixels_.data();
+  for (int i = first; i < end; ++i) {
+    pixels[i] = LimitedPixel(((values[i] * multiplier - start) / scale) * width * 0.1, 1, high);
+  }
 }
 
 const TraceColour& TraceColourAt(int index) {

@@ -90,6 +90,8 @@ class ZelTimeChannel : public ZelChannel {
   void SetStartIndex(int index) override;
 
  private:
+  void ComputeXRange(int first, int end);
+
   double startTime_ = 0.0;  // as displayed
 };
 

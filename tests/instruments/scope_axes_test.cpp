@@ -19,10 +19,11 @@ TEST(ScopeAxes, VerticalPixelsTruncateAndEndAboveTheBottomEdge) {
     channel.ComputeY(0);
     return channel.YPixel(0);
   };
-  EXPECT_EQ(pixel(-0.5), 200);  // minus the offset: the centre line
-  EXPECT_EQ(pixel(1.0), 162);   // 200 - 3/4 * 401/8 = 162.4
-  EXPECT_EQ(pixel(7.5), -0);    // 200 - 4 * 401/8 = -0.5 truncates towards zero
-  EXPECT_EQ(pixel(8.5), -25);   // 200 - 4.5 * 401/8 = -25.6: above the screen is kept
+  EXPECT_EQ(pixel(-0.5), 200);    // minus the offset: the centre line
+  EXPECT_EQ(pixel(-0.524), 200);  // 200.6: half of 401 is 200
+  EXPECT_EQ(pixel(1.0), 162);     // 200 - 3/4 * 401/8 = 162.4
+  EXPECT_EQ(pixel(7.5), -0);      // 200 - 4 * 401/8 = -0.5 truncates towards zero
+  EXPECT_EQ(pixel(8.5), -25);     // 200 - 4.5 * 401/8 = -25.6: above the screen is kept
   EXPECT_EQ(pixel(-8.5), 399);
   EXPECT_EQ(pixel(-1e30), 399);
   EXPECT_LT(pixel(1e30), -1000000);
@@ -36,6 +37,8 @@ TEST(ScopeAxes, TimeAxisIsMeasuredFromTheStartAndXYFromTheCentre) {
   b.Ramp(0, 399);
   ZelChannel& time = b.Scope.TimeChannel();
   EXPECT_EQ(b.Scope.HorizontalChannel(), &time);
+  b.Scope.SetHorizontalScale(b.Trace(), 5.0);  // no time scale: the screen fills on
+  EXPECT_EQ(b.Scope.State(), ZelScope::Capture::Filling);
   EXPECT_EQ(time.XPixel(0), 1);
   EXPECT_EQ(time.XPixel(1), 2);               // 80.1 / 40 = 2.0025
   EXPECT_EQ(time.XPixel(399), 798);           // 798.99

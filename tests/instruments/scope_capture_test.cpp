@@ -11,10 +11,13 @@ using Capture = ZelScope::Capture;
 
 TEST(ScopeCapture, FirstScreenStartsAtExactlyTimeZeroInAutoOnly) {
   ScopeBench atZero;
+  atZero.Scope.ShowScreen({{5.0F, 6.0F}, {{1.0F, 1.0F}}});  // as left by an earlier run
   atZero.At(0.0, 7.0);
   EXPECT_EQ(atZero.Scope.State(), Capture::Filling);
   EXPECT_EQ(atZero.Scope.FillIndex(), 0);
   EXPECT_EQ(atZero.Trace().ScreenValue(0), 7.0F);
+  atZero.Ramp(1, 40);
+  EXPECT_EQ(atZero.Scope.TimeChannel().XPixel(40), 64);
 
   // A moment later Auto has to time out first, which shows history: all points but one.
   ScopeBench later;
@@ -195,9 +198,10 @@ TEST(ScopeCapture, NoTimeScaleStopsTheClock) {
     EXPECT_TRUE(scope.SetHorizontalScale(scope.TimeChannel(), scale));
     EXPECT_EQ(scope.State(), Capture::Waiting);
     EXPECT_GT(scope.SampleInterval(), 0.0);
-    if (scale == 1e300) continue;  // the next sample is for ever away, until the scale changes
-    for (int k = 0; k < 3; ++k) model.RunChunk();
-    EXPECT_EQ(model.Time(), expected += 3.0);
+    // After one sample at 1e300 the next is for ever away, until the scale changes.
+    const int chunks = scale == 1e300 ? 1 : 3;
+    for (int k = 0; k < chunks; ++k) model.RunChunk();
+    EXPECT_EQ(model.Time(), expected += chunks);
   }
   EXPECT_EQ(scope.SampleInterval(), 1.0);
 }
