@@ -31,6 +31,10 @@ double WrapAngle(double angle) {
 
 }  // namespace
 
+double ZelMeter::NextTime() const {
+  return clock_.Request();
+}
+
 bool ZelMeter::Service(double t) {
   if (clock_.TakeDue(t, tSample_)) Update(t);
   return true;
