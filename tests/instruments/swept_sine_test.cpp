@@ -1,0 +1,247 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "instruments/swept_sine_analyser.h"
+#include "support/bare_model.h"
+#include "support/recorder.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+using State = ZelSweptDSA::State;
+
+constexpr double TwoPi = 6.2831852;  // as the analyser has it
+
+/// A first-order low-pass of 20 Hz behind the analyser's excitation, with ticks at every eighth
+/// step.
+class SweptSine : public testing::Test {
+ protected:
+  SweptSine() {
+    Model.Loop = [this](double) {
+      X.Value = Sweep.Excitation(Model.Time());
+      Y.Derivative = W * (X.Value - Y.Value);
+    };
+    Sweep.SetTSample(Tick);
+    Sweep.SetFreqRange(1.0, 10.0);
+    Sweep.SetSettleTime(0.25);
+  }
+
+  void RunToTheEnd() {
+    Sweep.Run();
+    while (Sweep.Measuring()) Advance();
+  }
+  /// One chunk, up to the next tick also where none is asked for.
+  void Advance() {
+    Model.Solver().RunUntil(Sweep.NextTick());
+    Model.Bench().ServiceInstruments();
+  }
+
+  static constexpr double Tick = 1.0 / 512.0;
+  static constexpr double W = 2.0 * 3.1415926 * 20.0;
+
+  test::Recorder Reports;
+  test::BareModel Model{Tick / 8.0};
+  Variable X{Model.Bench(), "x", ""};
+  StateVariable Y{Model.Bench(), "y", "", 0.0};
+  ZelSweptDSA Sweep{Model.Bench(), "Sweep"};
+};
+
+TEST_F(SweptSine, ReadsASineExactly) {
+  // A sine of amplitude 3, 50 degrees ahead, on a constant: over whole periods of 32 ticks, and
+  // over periods of 21.3 ticks, where the sums are not orthogonal. Some hundred units of rounding.
+  for (const double f : {16.0, 24.0}) {
+    ZelSweptDSAChannel channel(X, 4);
+    const double lead = 50.0 / 57.295780490442965;
+    const double start = 0.3;
+    for (double t = start; t < start + 2.0 / f + Tick; t += Tick) {
+      X.Value = 3.0 * std::sin(TwoPi * f * t + lead) + 7.0;
+      channel.Accumulate(f, t);
+    }
+    ASSERT_TRUE(channel.Measure(0));
+    EXPECT_NEAR(channel.Gain(0, 0), 20.0 * std::log10(3.0), 1e-10) << f;
+    EXPECT_NEAR(channel.Phase(0, 0), 50.0, 1e-9) << f;
+  }
+}
+
+TEST_F(SweptSine, KeepsHarmonicsOutOfWholePeriods) {
+  // The tick that closes the period opens the next one. Counted twice, the harmonics would leak in
+  // by one part in 32.
+  ZelSweptDSAChannel channel(X, 1);
+  for (int i = 0; i <= 32; ++i) {
+    const double t = i * Tick;
+    X.Value = std::sin(TwoPi * 16.0 * t) + std::cos(TwoPi * 32.0 * t) + std::cos(TwoPi * 48.0 * t);
+    channel.Accumulate(16.0, t);
+  }
+  channel.Measure(0);
+  // The truncated 2 pi leaves the period open by 5e-8 of a radian.
+  EXPECT_NEAR(channel.Gain(0, 0), 0.0, 1e-6);
+  EXPECT_NEAR(channel.Phase(0, 0), 0.0, 1e-5);
+}
+
+TEST_F(SweptSine, ReadsAFinitePointFromTooFewTicks) {
+  ZelSweptDSAChannel channel(X, 3);
+  channel.Measure(0);
+  EXPECT_EQ(channel.Gain(0, 0), -200.0);
+  X.Value = 1.0;
+  channel.Accumulate(256.0, 0.001);
+  channel.Measure(1);
+  channel.Accumulate(256.0, 0.002);
+  channel.Measure(2);
+  EXPECT_TRUE(std::isfinite(channel.Gain(0, 1)) && std::isfinite(channel.Gain(0, 2)));
+  EXPECT_FALSE(channel.Measure(3));
+  channel.Gain(0, 3);
+  channel.Phase(1, 0);
+  channel.StoreData(5);
+  EXPECT_EQ(Reports.Take(),
+            (Messages{"Error: Index overrun in ZelSweptDSAChannel :: Measure",
+                      "Error: ZelSweptDSAChannel:  Attempt to get gain outside range",
+                      "Error: ZelSweptDSAChannel:  Attempt to get phase outside range",
+                      "Error: Fault in ZelSweptDSAChannel :: StoreData"}));
+}
+
+TEST_F(SweptSine, MeasuresALowPassAt26Points) {
+  Sweep.SetOffset(3.0);
+  EXPECT_EQ(Sweep.Excitation(0.0), 0.0);
+  EXPECT_EQ(Sweep.NextTime(), -1.0);
+  RunToTheEnd();
+  EXPECT_EQ(Sweep.SweepState(), State::Done);
+  EXPECT_EQ(Sweep.NextTime(), -1.0);
+  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
+  ASSERT_EQ(Sweep.PointCount(), 26);
+  EXPECT_EQ(Sweep.PointFrequency(0, 0), 1.0);
+  // 25 rounded products.
+  EXPECT_NEAR(Sweep.PointFrequency(0, 25), 10.0 * std::pow(1.000001, 25), 1e-13 * 25 * 10);
+  EXPECT_TRUE(Sweep.TraceAt(0).Shown);
+
+  // At a tick, x is still what was set a tick before: y[k] = a y[k-1] + (1 - a) x[k]. The transient
+  // has settled to e^(-31); the rest of the gain is the solver's error, (W h)^5 / 120 = 2e-10 a
+  // step. A phase that passes -90 degrees is off by 180 degrees in two values of pi, 3e-6.
+  const double a = std::exp(-W * Tick);
+  for (int i = 0; i < 26; ++i) {
+    const std::complex<double> z1 = std::polar(1.0, -TwoPi * Sweep.PointFrequency(0, i) * Tick);
+    const std::complex<double> h = (1.0 - a) / (1.0 - a * z1);
+    EXPECT_NEAR(Sweep.ResponseGain(0, i), 20.0 * std::log10(std::abs(h)), 1e-7) << i;
+    EXPECT_NEAR(Sweep.ResponsePhase(0, i), std::arg(h) * 57.295780490442965, 1e-5) << i;
+  }
+  EXPECT_EQ(Reports.Take(), Messages{});
+}
+
+TEST_F(SweptSine, StepsTheFrequencyWithoutAPhaseJump) {
+  Sweep.Run();
+  Advance();
+  double last = Sweep.Excitation(Model.Time());
+  double largest = 0.0;
+  int betweenPoints = 0;
+  while (Sweep.Measuring()) {
+    if (Sweep.SweepState() == State::Advance) {
+      // No time is asked for between two points; the next call after the tick goes on.
+      EXPECT_EQ(Sweep.NextTime(), -1.0);
+      EXPECT_GT(Sweep.NextTick(), Model.Time());
+      ++betweenPoints;
+    }
+    Advance();
+    // The sine moves by less than 2 pi f a tick, of the higher frequency; a jump would not.
+    const double now = Sweep.Excitation(Model.Time());
+    if (Sweep.Measuring()) {
+      largest = std::max(largest, std::abs(now - last) / Sweep.Frequency());
+    }
+    last = now;
+  }
+  EXPECT_EQ(betweenPoints, 25);
+  EXPECT_LE(largest, TwoPi * Tick);
+}
+
+TEST_F(SweptSine, MeasuresMorePeriodsWhenMeasurementTimeExceedsTheFrequency) {
+  // Measurement time divided by frequency: 2.5 / 1 and 2.5 / 2 give three and two periods, 0 one.
+  const auto measured = [&](double f, double time) {
+    Sweep.SetFreqRange(f, 1000.0);
+    Sweep.SetMeasurementTime(time);
+    Sweep.Run();
+    const double start = Model.Time();
+    while (Sweep.SweepState() != State::Advance) Advance();
+    return (Model.Time() - start - 0.25) * f;
+  };
+  // A sweep that begins on a tick already served starts a step late: its ends move by a tick.
+  EXPECT_NEAR(measured(1.0, 2.5), 3.0, 1.0 * Tick);
+  EXPECT_NEAR(measured(2.0, 2.5), 2.0, 2.0 * Tick);
+  EXPECT_NEAR(measured(2.0, 0.0), 1.0, 2.0 * Tick);
+}
+
+TEST_F(SweptSine, EndsASweepThatWouldNotEnd) {
+  Sweep.SetFreqRange(200.0, 1e6);
+  Sweep.SetStepsPerDecade(100000);
+  Sweep.SetSettleTime(0.0);
+  RunToTheEnd();
+  EXPECT_EQ(Sweep.PointCount(), ZelSweptDSA::Capacity);
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Index overrun in ZelSweptDSAChannel :: Measure"});
+}
+
+TEST_F(SweptSine, ReadsBetweenPointsAndFromMemoriesOfAnotherRange) {
+  RunToTheEnd();
+  EXPECT_TRUE(Sweep.StoreData(1));
+  const double stored = Sweep.GainAt(1, 2.0);
+  Sweep.SetFreqRange(2.0, 4.0);
+  RunToTheEnd();
+  EXPECT_EQ(Sweep.DataRange(0).Low, 2.0);
+  EXPECT_EQ(Sweep.DataRange(1).Low, 1.0);
+  EXPECT_EQ(Sweep.GainAt(1, 2.0), stored);
+  // Interpolated on the logarithm: 1e-3 dB is the curvature between two of 25 points a decade.
+  EXPECT_NEAR(stored, Sweep.GainAt(0, 2.0), 1e-3);
+  EXPECT_NEAR(Sweep.IndexAt(1, std::sqrt(Sweep.PointFrequency(1, 3) * Sweep.PointFrequency(1, 4))),
+              3.5, 1e-9);
+
+  Sweep.SetVisible(true);
+  EXPECT_TRUE(Sweep.TraceAt(1).Enabled);
+  Sweep.SetVisible(false);
+  EXPECT_FALSE(Sweep.TraceAt(0).Enabled || Sweep.TraceAt(1).Enabled);
+  EXPECT_FALSE(Sweep.HasData(1));
+  EXPECT_EQ(Reports.Take(), Messages{});
+}
+
+TEST_F(SweptSine, StopsByHand) {
+  Sweep.Run();
+  for (int i = 0; i < 100; ++i) Advance();
+  EXPECT_NE(Sweep.Excitation(Model.Time()), 0.0);
+  Sweep.Halt();
+  EXPECT_FALSE(Sweep.Measuring());
+  EXPECT_EQ(Sweep.SweepState(), State::Idle);
+  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
+  Sweep.SetOffset(3.0);
+  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
+}
+
+TEST_F(SweptSine, StartsFromTheDialogsTextsAndRefusesSettingsOutOfRange) {
+  const ZelSweptDSA fresh(Model.Bench(), "Fresh");
+  EXPECT_FALSE(fresh.Visible());
+  EXPECT_EQ(fresh.FreqMin(), 0.2);
+  EXPECT_EQ(fresh.FreqMax(), 10.0);
+  const std::vector<std::pair<std::function<void()>, std::string>> refused = {
+      {[&] { Sweep.SetFreqMin(-1.0); }, "Attempt to set SweptDSA FreqMin <= 0"},
+      {[&] { Sweep.SetGainScale(0.0); }, "Attempt to set SweptDSA Gain Scale <= 0"},
+      {[&] { Sweep.SetPhaseScale(0.0); }, "Attempt to set SweptDSA Phase Scale <= 0"},
+      {[&] { Sweep.SetStartFreq(0.0); }, "Attempt to set Start Frequency <= MinOrder"},
+      {[&] { Sweep.SetEndFreq(-2.0); }, "Attempt to set End Frequency <= MinOrder"},
+      {[&] { Sweep.SetTSample(0.0); }, "Attempt to set TSample < 0"},
+      {[&] { Sweep.SetStepsPerDecade(0); }, "Attempt to set Steps/Decade < 0"},
+      {[&] { Sweep.SetMeasurementTime(-1.0); }, "Attempt to set Measurement Time < 0"},
+      {[&] { Sweep.SetSettleTime(std::nan("")); }, "Attempt to set Settle Time < 0"},
+      {[&] { Sweep.SetAmplitude(-1.0); }, "Attempt to set Excitation Amplitude < 0"},
+  };
+  for (const auto& [set, message] : refused) {
+    set();
+    EXPECT_EQ(Reports.Take(), Messages{"Error: " + message});
+  }
+  EXPECT_EQ(Sweep.TSample(), Tick);
+  EXPECT_EQ(Sweep.StepsPerDecade(), 25);
+}
+
+}  // namespace
+}  // namespace torvane
