@@ -77,10 +77,8 @@ void ZelMeter::Update(double t) {
       UpdateCorrelation(x);
       break;
   }
-  // A diverged loop's values would stay in the filters for good.
-  if (!std::isfinite(x) || !std::isfinite(rms_ + mean_ + p_ + q_ + transfer_.S)) {
-    Restart();
-  }
+  // A diverged loop's values, or their squares, would stay in the filters for good.
+  if (!std::isfinite(x * x + rms_ + mean_ + p_ + q_ + transfer_.S)) Restart();
 }
 
 void ZelMeter::Show(double value, double angle) {

@@ -84,15 +84,18 @@ void ZelMeter::Store(T& setting, T value) {
   if (setting == value) return;
   setting = value;
   ComputePoles();
-  Restart();
+  // A window's sums belong to one frequency and one period.
+  windowOpen_ = false;
   TellSettingsChanged();
 }
 
 void ZelMeter::SetKind(MeterKind kind) {
+  if (kind != kind_) Restart();
   Store(kind_, kind);
 }
 
 void ZelMeter::SetAcCoupled(bool on) {
+  if (on != ac_) Restart();
   Store(ac_, on);
 }
 
@@ -101,7 +104,8 @@ void ZelMeter::SetHarmonicXfer(bool on) {
 }
 
 void ZelMeter::SetUseDb(bool on) {
-  Store(useDb_, on);
+  useDb_ = on;
+  TellSettingsChanged();
 }
 
 void ZelMeter::SetNumber(double& setting, double value, bool good, const char* message) {
