@@ -13,6 +13,10 @@ namespace torvane {
 /// Swept-sine analyser: excites the model with a sine, lets it settle, correlates every offered
 /// signal over whole periods, and steps the frequency by a fixed ratio from FreqMin until it has
 /// reached FreqMax. Its window is hidden until it is asked for.
+///
+/// The sine is held from tick to tick and the signals are read just before it moves on, so a
+/// response reads 180 f tSample degrees early: choose tSample a hundredth of the shortest period or
+/// less.
 class ZelSweptDSA final : public FrequencyAnalyser {
  public:
   enum class State { Idle, Start, Measuring, Advance, Done };
