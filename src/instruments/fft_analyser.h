@@ -1,6 +1,5 @@
 #pragma once
 
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -110,7 +109,9 @@ class ZelXfer final : public FrequencyAnalyser {
 
   double excitation_ = 0.0;
   double previousExcitation_ = 0.0;
-  double previousInstant_ = -std::numeric_limits<double>::infinity();
+  // Nothing was drawn before the program's first sample: a first record that starts at time 0
+  // excites with 0 for half a sample before it rests at the offset.
+  double previousInstant_ = 0.0;
   RandomSequence sequence_;
   SmoothingFilter filter_;
 

@@ -331,15 +331,25 @@ TEST_F(FftAnalyser, RefusesSettingsOutOfRange) {
   EXPECT_EQ(Xfer.Input()->Name(), "In");
 }
 
+TEST_F(FftAnalyser, ARecordFromTimeZeroRestsAtZeroForHalfASample) {
+  Xfer.SetOffset(5.0);
+  Xfer.Run();
+  Xfer.Service(0.0);
+  EXPECT_EQ(Xfer.Excitation(0.0), 0.0);
+  EXPECT_EQ(Xfer.Excitation(0.49 * Xfer.TSample()), 0.0);
+  EXPECT_EQ(Xfer.Excitation(0.5 * Xfer.TSample()), 5.0);
+}
+
 TEST_F(FftAnalyser, OffsetSetterThrowsLowExcitationsToTheTop) {
+  constexpr double Later = 1.0;  // past the half sample for which the excitation is held
   Xfer.SetAmplitude(2.0);
   Xfer.SetOffset(0.5);
-  EXPECT_EQ(Xfer.Excitation(0.0), 0.0);
+  EXPECT_EQ(Xfer.Excitation(Later), 0.0);
   Xfer.SetOffset(-3.0);
-  EXPECT_EQ(Xfer.Excitation(0.0), -2.0);
+  EXPECT_EQ(Xfer.Excitation(Later), -2.0);
   // Below the lower bound of 9 it becomes the upper one all the same.
   Xfer.SetOffset(10.0);
-  EXPECT_EQ(Xfer.Excitation(0.0), 11.0);
+  EXPECT_EQ(Xfer.Excitation(Later), 11.0);
 }
 
 TEST_F(FftAnalyser, KeepsTheFrequencyAxisOpen) {
