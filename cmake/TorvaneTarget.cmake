@@ -1,13 +1,17 @@
 # One library target a folder of src/. A target sees the headers of its own folder and of those that
 # it links, and no others: every folder has an include root of its own in the build tree, holding
-# nothing but a link to that folder. A wrong include does not compile.
+# nothing but a link to that folder. A wrong include does not compile. EXCLUDE names sources of the
+# folder that do not belong into the library.
 function(torvane_library folder)
-  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "LINKS;EXCLUDE" ${ARGN})
   set(target torvane_${folder})
   set(root ${PROJECT_BINARY_DIR}/include/${folder})
   file(MAKE_DIRECTORY ${root})
   file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
   file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h *.ui *.qrc)
+  foreach(file IN LISTS ARG_EXCLUDE)
+    list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${file})
+  endforeach()
   add_library(${target} STATIC ${sources})
   target_include_directories(${target} PUBLIC ${root})
   target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE torvane_warnings)
@@ -19,6 +23,9 @@ function(torvane_test folder)
   cmake_parse_arguments(ARG "" "" "LINKS;PROPERTIES" ${ARGN})
   set(target test_${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
   add_executable(${target} ${sources})
   target_link_libraries(${target} PRIVATE torvane_test_support ${ARG_LINKS} torvane_warnings)
   gtest_discover_tests(${target} TEST_PREFIX ${folder}/ DISCOVERY_TIMEOUT 60

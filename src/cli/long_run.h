@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+
+#include "cli/console.h"
+#include "cli/interrupt.h"
+#include "core/model.h"
+
+namespace torvane::cli {
+
+/// Runs a model in simulated time for a command. An interrupt or an overflow ends the command with
+/// ExitCode::Stopped; progress is shown when somebody can see it.
+class LongRun {
+ public:
+  /// `until` is when the run is expected to end, seconds.
+  LongRun(ZelModel& model, Console& console, double until, bool showProgress);
+  ~LongRun() { console_.ShowProgress(""); }
+  LongRun(const LongRun&) = delete;
+  LongRun& operator=(const LongRun&) = delete;
+
+  double Time() const { return model_.Time(); }
+
+  /// Steps to the first step boundary at or past the time; no instrument is serviced.
+  void StepTo(double time);
+
+ private:
+  void CheckIn();
+  void ShowProgress();
+
+  ZelModel& model_;
+  Console& console_;
+  double until_;
+  bool showProgress_;
+  InterruptGuard guard_;
+  std::chrono::steady_clock::time_point nextProgress_;
+};
+
+}  // namespace torvane::cli

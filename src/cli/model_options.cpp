@@ -1,0 +1,79 @@
+#include "cli/model_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/names.h"
+#include "cli/settings.h"
+#include "core/text.h"
+#include "models/catalogue.h"
+
+namespace torvane::cli {
+
+void AddModelName(CLI::App& command, std::string& model) {
+  command.add_option("MODEL", model, "Name or index of a model, as \"models\" lists them")
+      ->required()
+      ->type_name("");
+}
+
+void AddModelOptions(CLI::App& command, ModelOptions& options) {
+  AddModelName(command, options.Model);
+  command
+      .add_option(
+          "--set", options.Settings,
+          "Set a constant; VALUE of a list constant is a choice's text or index. Repeatable")
+      ->allow_extra_args(false)
+      ->type_name("NAME=VALUE");
+  command
+      .add_option(
+          "--wave", options.Waves,
+          "Set the waveform generator: Waveform (name or index), Amplitude, FreqHz, Offset, "
+          "PhaseDeg or DutyCycle; GENERATOR:KEY=VALUE addresses one by name. Repeatable")
+      ->allow_extra_args(false)
+      ->type_name("KEY=VALUE");
+  command.add_flag("--yes", options.AnswerOk,
+                   "Answer OK to every question; without it the answer is Cancel");
+}
+
+std::unique_ptr<ZelModel> OpenModel(const std::string& text) {
+  int index = FindModel(text);
+  const int count = static_cast<int>(ModelNames().size());
+  if (index < 0) {
+    const std::optional<int> number = ParseInteger(text);
+    if (!number) throw UnknownName("model", text, ModelNames());
+    if (*number < 0 || *number >= count) {
+      throw UsageError("no model has the index " + text + "; they go from 0 to " +
+                       std::to_string(count - 1));
+    }
+    index = *number;
+  }
+  std::unique_ptr<ZelModel> model = LoadModel(index);
+  if (!model) throw StoppedError("model " + text + " could not be built");
+  return model;
+}
+
+std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console) {
+  console.SetAnswerOk(options.AnswerOk);
+  std::unique_ptr<ZelModel> model = OpenModel(options.Model);
+  for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
+  for (const std::string& wave : options.Waves) ApplyWave(model->Bench(), wave);
+  return model;
+}
+
+std::vector<Variable*> OfferedSignals(const ZelBenchTop& bench) {
+  std::vector<Variable*> signals;
+  for (Variable* variable : bench.Variables()) {
+    if (!variable->Internal()) signals.push_back(variable);
+  }
+  return signals;
+}
+
+Variable& NamedSignal(const ZelBenchTop& bench, const std::string& name) {
+  std::vector<std::string> names;
+  for (Variable* signal : OfferedSignals(bench)) {
+    if (signal->Name() == name) return *signal;
+    names.push_back(signal->Name());
+  }
+  throw UnknownName("signal", name, names);
+}
+
+}  // namespace torvane::cli

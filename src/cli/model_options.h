@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/console.h"
+#include "core/model.h"
+
+namespace CLI {
+class App;
+}
+
+namespace torvane::cli {
+
+/// Which model a command works on, and what is set on it before it runs.
+struct ModelOptions {
+  std::string Model;
+  std::vector<std::string> Settings;
+  std::vector<std::string> Waves;
+  bool AnswerOk = false;
+};
+
+/// MODEL alone, for commands that only describe it.
+void AddModelName(CLI::App& command, std::string& model);
+
+/// MODEL and what is set on it.
+void AddModelOptions(CLI::App& command, ModelOptions& options);
+
+/// Builds the model that the text names: a catalogue name or index.
+std::unique_ptr<ZelModel> OpenModel(const std::string& text);
+
+/// Builds the model and applies the options to it and to the console.
+std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console);
+
+/// Signals that instruments are offered, in registration order.
+std::vector<Variable*> OfferedSignals(const ZelBenchTop& bench);
+
+/// The offered signal of that name; any other name is wrong usage.
+Variable& NamedSignal(const ZelBenchTop& bench, const std::string& name);
+
+}  // namespace torvane::cli

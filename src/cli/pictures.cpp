@@ -1,0 +1,40 @@
+#include "cli/pictures.h"
+
+#include <string_view>
+
+#include "cli/command_error.h"
+#include "cli/names.h"
+
+#ifdef TORVANE_PICTURES
+#include "plot/picture_export.h"
+#endif
+
+namespace torvane::cli {
+
+void CheckPictureFile(const std::string& file) {
+  if (file.empty()) return;
+#ifdef TORVANE_PICTURES
+  const std::string name = Lower(file);
+  for (const std::string_view ending : {".png", ".svg", ".pdf"}) {
+    if (name.ends_with(ending)) return;
+  }
+  throw UsageError("--picture needs a name that ends in .png, .svg or .pdf, not \"" + file + "\"");
+#else
+  throw UsageError("--picture: this torvane-cli was built without pictures");
+#endif
+}
+
+#ifdef TORVANE_PICTURES
+void WriteScopePicture(ZelScope& scope, const std::string& file) {
+  std::string reason;
+  if (!ExportScopePicture(scope, file, reason)) {
+    throw FileError(reason);
+  }
+}
+#else
+void WriteScopePicture(ZelScope&, const std::string& file) {
+  CheckPictureFile(file);
+}
+#endif
+
+}  // namespace torvane::cli

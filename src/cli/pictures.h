@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "instruments/scope.h"
+
+namespace torvane::cli {
+
+/// Refuses a picture file that cannot be made, before anything is run for it: one whose name does
+/// not end in png, svg or pdf, or any at all when the program was built without pictures. An empty
+/// name asks for no picture.
+void CheckPictureFile(const std::string& file);
+
+/// Writes what the scope's window would show.
+void WriteScopePicture(ZelScope& scope, const std::string& file);
+
+}  // namespace torvane::cli

@@ -1,0 +1,104 @@
+#include "cli/program.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/commands.h"
+#include "cli/console.h"
+#include "cli/names.h"
+#include "cli/result_file.h"
+#include "core/version.h"
+
+namespace torvane::cli {
+namespace {
+
+constexpr const char* Footer =
+    "Exit codes: 0 done; 1 the run was stopped by an error; 2 wrong usage;\n"
+    "3 a file could not be read or written. Messages go to standard error.";
+
+void AddCommands(CLI::App& app, Console& console) {
+  app.set_version_flag("--version", std::string("torvane-cli ") + Version(),
+                       "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.require_subcommand(1);
+  app.footer(Footer);
+  AddModelsCommand(app);
+  AddConstantsCommand(app);
+  AddSignalsCommand(app);
+  AddRunCommand(app, console);
+  AddScopeCommand(app, console);
+  AddSpeedCommand(app, console);
+  AddBodeCommand(app, console);
+  AddSweepCommand(app, console);
+  AddMeterCommand(app, console);
+}
+
+std::vector<std::string> LongOptions(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+// What is left on the command line explains a failure better than what is missing because of it.
+CommandError ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
+  const auto commands = app.get_subcommands();
+  const CLI::App& command = commands.empty() ? app : *commands.front();
+  if (leftOver.starts_with("-")) {
+    return UnknownName("option", leftOver.substr(0, leftOver.find('=')), LongOptions(command));
+  }
+  if (!commands.empty()) return UsageError("unexpected argument \"" + leftOver + "\"");
+  std::vector<std::string> names;
+  for (const CLI::App* known : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(known->get_name());
+  }
+  return UnknownName("command", leftOver, names);
+}
+
+CommandError ExplainParseError(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> leftOver = app.remaining(true);
+  if (!leftOver.empty()) return ExplainLeftOver(app, leftOver.front());
+  if (app.get_subcommands().empty()) {
+    return UsageError("a command is needed; --help lists them");
+  }
+  return UsageError(error.what());
+}
+
+// Help and version, which the parser hands over as errors of their own.
+void PrintAnswer(const CLI::App& app, const CLI::ParseError& request) {
+  std::ostringstream text;
+  app.exit(request, text, text);
+  ResultFile output("");
+  output.Write(text.str());
+  output.Close();
+}
+
+void ParseAndRun(CLI::App& app, int argc, const char* const* argv) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {
+    PrintAnswer(app, request);
+  } catch (const CLI::ParseError& error) {
+    throw ExplainParseError(app, error);
+  }
+}
+
+}  // namespace
+
+int RunProgram(int argc, const char* const* argv) {
+  Console console;
+  try {
+    CLI::App app("Simulator of feedback control systems", "torvane-cli");
+    AddCommands(app, console);
+    ParseAndRun(app, argc, argv);
+    return static_cast<int>(console.Ended() ? ExitCode::Stopped : ExitCode::Done);
+  } catch (const CommandError& error) {
+    if (*error.what()) console.Report("Error", error.what());
+    return static_cast<int>(error.Code());
+  } catch (const std::exception& error) {
+    console.Report("Error", error.what());
+    return static_cast<int>(ExitCode::Stopped);
+  }
+}
+
+}  // namespace torvane::cli

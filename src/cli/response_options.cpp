@@ -1,0 +1,37 @@
+#include "cli/response_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/command_error.h"
+#include "cli/number_options.h"
+
+namespace torvane::cli {
+
+void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
+  AddModelOptions(command, options.Model);
+  command.add_option("--input", options.Input, "Signal that the response is measured against")
+      ->required()
+      ->type_name("A");
+  command.add_option("--output", options.Output, "Signal whose response is measured")
+      ->required()
+      ->type_name("B");
+  AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
+            "The analyser's sample time, seconds");
+  AddNumber(command, "--amplitude", options.Amplitude, NumberRange::NotNegative,
+            "Amplitude of the excitation, in the command's units");
+  AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
+  command.add_option("--out", options.Out, "File to write; standard output without it")
+      ->type_name("FILE");
+}
+
+FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
+                                  const ResponseOptions& options) {
+  const auto& analysers = bench.Instruments(kind);
+  if (analysers.empty()) throw UsageError("the model has no such analyser");
+  auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());
+  analyser.SetInput(NamedSignal(bench, options.Input).Name());
+  analyser.SetOutput(NamedSignal(bench, options.Output).Name());
+  return analyser;
+}
+
+}  // namespace torvane::cli

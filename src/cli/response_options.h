@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/model_options.h"
+#include "instruments/analyser.h"
+
+namespace torvane::cli {
+
+/// What the commands that measure a frequency response have in common. A setting that is not given
+/// is the model's analyser's own.
+struct ResponseOptions {
+  ModelOptions Model;
+  std::string Input;
+  std::string Output;
+  std::optional<double> TSample;
+  std::optional<double> Amplitude;
+  std::optional<double> Offset;
+  std::string Out;
+};
+
+void AddResponseOptions(CLI::App& command, ResponseOptions& options);
+
+/// The model's first analyser of that kind with its channels chosen; a model without one, or an
+/// unknown signal, is wrong usage.
+FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
+                                  const ResponseOptions& options);
+
+}  // namespace torvane::cli

@@ -1,0 +1,74 @@
+#include <array>
+
+#include "cli/assignment.h"
+#include "cli/names.h"
+#include "cli/settings.h"
+#include "core/bench.h"
+#include "core/text.h"
+#include "library/wave.h"
+
+namespace torvane::cli {
+namespace {
+
+// A setting that is a number: how it is stored and what the generator made of it.
+struct NumberKey {
+  const char* Name;
+  void (ZelWave::*Set)(double);
+  double WaveSettings::*Stored;
+};
+constexpr std::array NumberKeys{
+    NumberKey{"Amplitude", &ZelWave::SetAmplitude, &WaveSettings::Amplitude},
+    NumberKey{"FreqHz", &ZelWave::SetFreqHz, &WaveSettings::FreqHz},
+    NumberKey{"Offset", &ZelWave::SetOffset, &WaveSettings::Offset},
+    NumberKey{"PhaseDeg", &ZelWave::SetPhaseDeg, &WaveSettings::PhaseDeg},
+    NumberKey{"DutyCycle", &ZelWave::SetDutyCycle, &WaveSettings::DutyCycle},
+};
+constexpr const char* WaveformKey = "Waveform";
+
+// The generator that the assignment's name addresses; what addresses it is taken off the name.
+ZelWave& AddressedGenerator(const ZelBenchTop& bench, Assignment& assignment) {
+  const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
+  if (generators.empty()) throw UsageError("--wave: the model has no waveform generator");
+  Instrument* generator = generators.front();
+  const auto colon = assignment.Name.rfind(':');
+  if (colon != std::string::npos) {
+    const std::string name = assignment.Name.substr(0, colon);
+    generator = bench.FindInstrument(InstrumentKind::WaveGenerator, name);
+    if (!generator) {
+      std::vector<std::string> names;
+      for (const Instrument* other : generators) names.push_back(other->Name());
+      throw UnknownName("generator", name, names);
+    }
+    assignment.Name.erase(0, colon + 1);
+  }
+  return dynamic_cast<ZelWave&>(*generator);
+}
+
+CommandError UnknownKey(const std::string& key) {
+  std::vector<std::string> names{WaveformKey};
+  for (const NumberKey& known : NumberKeys) names.emplace_back(known.Name);
+  return UnknownName("generator setting", key, names);
+}
+
+}  // namespace
+
+void ApplyWave(ZelBenchTop& bench, const std::string& text) {
+  Assignment assignment = SplitAssignment("--wave", text);
+  ZelWave& generator = AddressedGenerator(bench, assignment);
+  if (assignment.Name == WaveformKey) {
+    const auto& names = ZelWave::WaveformNames();
+    generator.SetWaveform(AssignedChoice(assignment, {names.begin(), names.end()}));
+    return;
+  }
+  for (const NumberKey& key : NumberKeys) {
+    if (assignment.Name != key.Name) continue;
+    const double wanted = AssignedNumber(assignment);
+    (generator.*key.Set)(wanted);
+    const double stored = generator.Settings().*key.Stored;
+    if (stored != wanted) NoteLimited(assignment.Name, FormatShortest(stored));
+    return;
+  }
+  throw UnknownKey(assignment.Name);
+}
+
+}  // namespace torvane::cli
