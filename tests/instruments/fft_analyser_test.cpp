@@ -133,6 +133,15 @@ TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
   EXPECT_TRUE(Xfer.TakeNeedsRedraw());
 }
 
+TEST_F(FftAnalyser, BeginsTheFirstRecordAtTimeZeroHalfASampleLate) {
+  // No sample has been drawn, but time 0 counts as one of value 0.
+  Xfer.SetOffset(5.0);
+  Xfer.Run();
+  Step(0.0, 0.0);
+  EXPECT_EQ(Xfer.Excitation(0.4999 * Period), 0.0);
+  EXPECT_EQ(Xfer.Excitation(0.5 * Period), 5.0);
+}
+
 TEST_F(FftAnalyser, RepeatsItsSequenceButKeepsTheFiltersMemory) {
   const auto record = [&] {
     std::vector<double> excitation;
