@@ -5,6 +5,7 @@
 #include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/number_options.h"
+#include "cli/pictures.h"
 #include "cli/response_options.h"
 #include "cli/result_file.h"
 #include "core/text.h"
@@ -62,6 +63,9 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   ResultFile file(options.Response.Out);
   TakeRecord(*model, xfer, console, Console::CanShowProgress(false));
   WriteBins(xfer, file);
+  if (options.Response.Picture.empty()) return;
+  xfer.AutoRange();
+  WritePicture(xfer, options.Response.Picture);
 }
 
 }  // namespace

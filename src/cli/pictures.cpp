@@ -25,14 +25,21 @@ void CheckPictureFile(const std::string& file) {
 }
 
 #ifdef TORVANE_PICTURES
-void WriteScopePicture(ZelScope& scope, const std::string& file) {
+void WritePicture(ZelScope& scope, const std::string& file) {
   std::string reason;
-  if (!ExportScopePicture(scope, file, reason)) {
-    throw FileError(reason);
-  }
+  if (!ExportScopePicture(scope, file, reason)) throw FileError(reason);
+}
+
+void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
+  std::string reason;
+  if (!ExportResponsePicture(analyser, file, reason)) throw FileError(reason);
 }
 #else
-void WriteScopePicture(ZelScope&, const std::string& file) {
+void WritePicture(ZelScope&, const std::string& file) {
+  CheckPictureFile(file);
+}
+
+void WritePicture(FrequencyAnalyser&, const std::string& file) {
   CheckPictureFile(file);
 }
 #endif

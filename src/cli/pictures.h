@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "instruments/analyser.h"
 #include "instruments/scope.h"
 
 namespace torvane::cli {
@@ -12,6 +13,8 @@ namespace torvane::cli {
 void CheckPictureFile(const std::string& file);
 
 /// Writes what the scope's window would show.
-void WriteScopePicture(ZelScope& scope, const std::string& file);
+void WritePicture(ZelScope& scope, const std::string& file);
+/// The same of an analyser's gain and phase.
+void WritePicture(FrequencyAnalyser& analyser, const std::string& file);
 
 }  // namespace torvane::cli

@@ -4,6 +4,7 @@
 
 #include "cli/command_error.h"
 #include "cli/number_options.h"
+#include "cli/pictures.h"
 
 namespace torvane::cli {
 
@@ -22,10 +23,13 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
   command.add_option("--out", options.Out, "File to write; standard output without it")
       ->type_name("FILE");
+  command.add_option("--picture", options.Picture, "Draw gain and phase into this file as well")
+      ->type_name("FILE.png|svg|pdf");
 }
 
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options) {
+  CheckPictureFile(options.Picture);
   const auto& analysers = bench.Instruments(kind);
   if (analysers.empty()) throw UsageError("the model has no such analyser");
   auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());

@@ -18,6 +18,7 @@ struct ResponseOptions {
   std::optional<double> Amplitude;
   std::optional<double> Offset;
   std::string Out;
+  std::string Picture;
 };
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options);

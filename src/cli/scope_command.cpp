@@ -85,7 +85,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   WriteScreen(scope, *screen, file);
   if (options.Picture.empty()) return;
   scope.ShowScreen(*screen);
-  WriteScopePicture(scope, options.Picture);
+  WritePicture(scope, options.Picture);
 }
 
 }  // namespace

@@ -7,8 +7,10 @@
 #include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/number_options.h"
+#include "cli/pictures.h"
 #include "cli/response_options.h"
 #include "cli/result_file.h"
+#include "core/text.h"
 #include "instruments/swept_sine_analyser.h"
 
 namespace torvane::cli {
@@ -25,8 +27,14 @@ struct SweepOptions {
 
 void SetUp(ZelSweptDSA& analyser, const SweepOptions& options) {
   const ResponseOptions& response = options.Response;
-  analyser.SetStartFreq(options.From.value_or(analyser.FreqMin()));
-  analyser.SetEndFreq(options.To.value_or(analyser.FreqMax()));
+  const double from = options.From.value_or(analyser.FreqMin());
+  const double to = options.To.value_or(analyser.FreqMax());
+  if (from >= to) {
+    throw UsageError("--from must be below --to: " + FormatShortest(from) + " is not below " +
+                     FormatShortest(to));
+  }
+  analyser.SetStartFreq(from);
+  analyser.SetEndFreq(to);
   analyser.ApplySweepRange();
   if (options.PerDecade) analyser.SetStepsPerDecade(*options.PerDecade);
   if (options.Settle) analyser.SetSettleTime(*options.Settle);
@@ -77,6 +85,7 @@ void MeasureSweep(const SweepOptions& options, Console& console) {
   ResultFile file(options.Response.Out);
   Sweep(*model, analyser, console);
   WritePoints(analyser, file);
+  if (!options.Response.Picture.empty()) WritePicture(analyser, options.Response.Picture);
 }
 
 }  // namespace

@@ -65,6 +65,9 @@ class FrequencyAnalyser : public Instrument {
   double GainAt(int slot, double hz) { return ResponseGain(slot, IndexAt(slot, hz)); }
   double PhaseAt(int slot, double hz) { return ResponsePhase(slot, IndexAt(slot, hz)); }
 
+  /// The response is the output's alone.
+  virtual bool OutputOnly() const { return false; }
+
   /// Whether a slot holds a measurement that may be read, and its lowest and highest frequency, Hz.
   virtual bool HasData(int slot) const = 0;
   struct Range {
@@ -136,8 +139,6 @@ class FrequencyAnalyser : public Instrument {
   /// Stores a setting; a value that is not finite is ignored.
   void SetSetting(double& setting, double value);
 
-  /// The response is the output's alone.
-  virtual bool OutputOnly() const { return false; }
   /// The last index that has no upper neighbour.
   virtual int LastIndex(int slot) const = 0;
 

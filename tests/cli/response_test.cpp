@@ -83,5 +83,22 @@ TEST(Bode, SpectrumDropsTheInput) {
   EXPECT_NE(vC.Out, RunCliLine(line + "--input vC").Out);
 }
 
+#ifdef TORVANE_PICTURES
+TEST(Bode, DrawsGainAndPhase) {
+  for (const std::string command :
+       {"bode --order 8 --end-delay 0.05", "sweep --from 10 --to 100"}) {
+    const std::string picture = TemporaryPath("response.svg");
+    const Outcome outcome = RunCliLine(
+        command + " '9-1 Analog Filters' --input vC --output vLP1 --picture '" + picture + "'");
+    EXPECT_EQ(outcome.Code, 0);
+    EXPECT_EQ(outcome.Err, "");
+    const std::string drawn = ReadWholeFile(picture);
+    for (const char* part : {"Gain (dB)", "Phase (deg)", "vLP1 / vC", "<polyline"}) {
+      EXPECT_NE(drawn.find(part), std::string::npos) << command << ": " << part;
+    }
+  }
+}
+#endif
+
 }  // namespace
 }  // namespace torvane::test

@@ -61,7 +61,8 @@ TEST(Scope, DrawsTheScreen) {
        {std::pair{".png", "\x89PNG"}, {".svg", "<?xml"}, {".pdf", "%PDF"}}) {
     const std::string picture = TemporaryPath(std::string("screen") + ending);
     const Outcome outcome = RunCli({"scope", "1", "--until", "1", "--picture", picture});
-    EXPECT_EQ(outcome.Code, 0) << outcome.Err;
+    EXPECT_EQ(outcome.Code, 0);
+    EXPECT_EQ(outcome.Err, "");
     EXPECT_TRUE(ReadWholeFile(picture).starts_with(start)) << picture;
     EXPECT_GT(std::filesystem::file_size(picture), 1000U);
   }

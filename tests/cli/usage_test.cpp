@@ -101,6 +101,8 @@ TEST(WrongUsage, OfInstruments) {
       {"sweep 1 --input Command --output Respons", "did you mean \"Response\"?"},
       {"sweep 1 --input Command --output Response --per-decade -1", "Steps/Decade"},
       {"sweep 1 --input Command --output Response --from 0", "--from must be above 0"},
+      {"sweep 1 --input Command --output Response --from 5 --to 5", "--from must be below --to"},
+      {"sweep 1 --input Command --output Response --picture a.bmp", "--picture"},
       {"meter 1 --variable Response --kind peak --until 1", "unknown meter kind \"peak\""},
       {"meter 1 --variable Respons --kind rms --until 1", "did you mean \"Response\"?"},
       {"meter 1 --variable Response --kind correlation --until 1", "--with"},

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QFont>
+#include <QFontMetrics>
+#include <algorithm>
+
+namespace torvane {
+
+/// The font at `share` of its size, where `ratio` pixels make one pixel of design. Its size is set
+/// in pixels, so that one layout serves screens and pages of any resolution.
+inline QFont ScaledFont(QFont font, double ratio, double share) {
+  const QFontMetrics metrics(font);
+  const int pixels = font.pixelSize() > 0 ? font.pixelSize() : qRound(metrics.height() * 0.86);
+  font.setPixelSize(std::max(1, qRound(pixels * ratio * share)));
+  return font;
+}
+
+}  // namespace torvane
