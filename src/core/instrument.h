@@ -28,6 +28,8 @@ struct WindowPlacement {
   int Left = 0;
   int Top = 0;
   int Width = 0;
+
+  bool operator==(const WindowPlacement&) const = default;
 };
 
 /// What the bench sees of an instrument. Engines derive from it; they own all their settings and

@@ -1,0 +1,74 @@
+#include "command_line.h"
+
+#include "core/text.h"
+#include "models/catalogue.h"
+
+namespace torvane {
+
+namespace {
+
+// By name or by index.
+std::optional<int> ModelIndex(const std::string& text) {
+  if (const int found = FindModel(text); found >= 0) return found;
+  const std::optional<int> index = ParseInteger(text);
+  if (index && *index >= 0 && *index < static_cast<int>(ModelNames().size())) return index;
+  return {};
+}
+
+}  // namespace
+
+std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& arguments,
+                                           std::string& error) {
+  CommandLine command;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument == "--help" || argument == "-h") {
+      command.What = CommandLine::Action::Help;
+      return command;
+    }
+    if (argument == "--version") {
+      command.What = CommandLine::Action::Version;
+      return command;
+    }
+    if (argument == "--speed-test") {
+      const std::optional<double> seconds =
+          i + 1 < arguments.size() ? ParseNumber(arguments[++i]) : std::nullopt;
+      if (!seconds || *seconds <= 0.0 || *seconds > 86400.0) {
+        error = "--speed-test needs a number of seconds, above 0 and up to 86400";
+        return {};
+      }
+      command.What = CommandLine::Action::SpeedTest;
+      command.SpeedSeconds = *seconds;
+    } else if (argument.starts_with("-")) {
+      error = "Unknown option " + argument + " (see --help)";
+      return {};
+    } else if (command.ModelNamed) {
+      error = "One model at most: " + argument;
+      return {};
+    } else if (const std::optional<int> index = ModelIndex(argument)) {
+      command.Model = *index;
+      command.ModelNamed = true;
+    } else {
+      error = "There is no model \"" + argument + "\" (see --help)";
+      return {};
+    }
+  }
+  return command;
+}
+
+std::string HelpText() {
+  std::string text =
+      "Usage: torvane [MODEL] [--speed-test SECONDS]\n"
+      "Simulator of feedback control systems.\n\n"
+      "  MODEL                 model to start with, by name or number\n"
+      "  --speed-test SECONDS  press Run, print the speed after that time, and end\n"
+      "  --help                print this text\n"
+      "  --version             print the version\n\n"
+      "Models:\n";
+  for (std::size_t index = 0; index < ModelNames().size(); ++index) {
+    text += (index < 10 ? "  " : " ") + std::to_string(index) + "  " + ModelNames()[index] + "\n";
+  }
+  return text;
+}
+
+}  // namespace torvane

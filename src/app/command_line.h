@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace torvane {
+
+/// What the desktop program is asked to do.
+struct CommandLine {
+  enum class Action { Run, SpeedTest, Help, Version };
+  Action What = Action::Run;
+  int Model = 0;              ///< index in the catalogue
+  double SpeedSeconds = 0.0;  ///< wall time of the speed test
+  bool ModelNamed = false;
+};
+
+/// Reads the arguments after the program's name. On a wrong one gives nothing and a one-line
+/// reason.
+std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& arguments,
+                                           std::string& error);
+
+/// Text of --help.
+std::string HelpText();
+
+}  // namespace torvane

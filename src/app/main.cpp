@@ -1,0 +1,81 @@
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QIcon>
+#include <QTimer>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "command_line.h"
+#include "core/text.h"
+#include "ui/control_panel.h"
+#include "ui/message_boxes.h"
+
+namespace {
+
+constexpr int WrongUsage = 2;
+
+// Presses Run, and prints how far the model got in that wall time.
+void StartSpeedTest(torvane::TZelControlPanelF& panel, double seconds) {
+  const double start = panel.Model()->Time();
+  const int framesBefore = panel.Frames();
+  QElapsedTimer wall;
+  wall.start();
+  panel.Run();
+  QTimer::singleShot(std::chrono::milliseconds(qRound64(seconds * 1e3)), Qt::PreciseTimer, &panel,
+                     [&panel, start, framesBefore, wall] {
+                       const double elapsed = static_cast<double>(wall.nsecsElapsed()) * 1e-9;
+                       const double simulated = panel.Model()->Time() - start;
+                       std::printf("simulated_s=%s wall_s=%s ratio=%s refreshes=%d\n",
+                                   torvane::FormatShortest(simulated).c_str(),
+                                   torvane::FormatShortest(elapsed).c_str(),
+                                   torvane::FormatShortest(simulated / elapsed).c_str(),
+                                   panel.Frames() - framesBefore);
+                       std::fflush(stdout);
+                       QCoreApplication::exit(0);
+                     });
+}
+
+int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
+  QApplication application(argc, argv);
+  QCoreApplication::setApplicationName(QStringLiteral("torvane"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(TORVANE_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));
+  torvane::MessageBoxes messages;
+  torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
+                                   command.Model);
+  if (!panel.Model()) return 1;
+  QApplication::setWindowIcon(panel.windowIcon());
+  const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
+  panel.ShowAtStart(!speedTest);
+  if (speedTest) {
+    // From the message loop, so that the window is on the screen before the clock starts.
+    QTimer::singleShot(0, &panel, [&] { StartSpeedTest(panel, command.SpeedSeconds); });
+  }
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::string error;
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  const auto command = torvane::ReadCommandLine(arguments, error);
+  if (!command) {
+    std::fprintf(stderr, "Error: %s\n", error.c_str());
+    return WrongUsage;
+  }
+  switch (command->What) {
+    case torvane::CommandLine::Action::Help:
+      std::fputs(torvane::HelpText().c_str(), stdout);
+      return 0;
+    case torvane::CommandLine::Action::Version:
+      std::puts("torvane " TORVANE_VERSION);
+      return 0;
+    case torvane::CommandLine::Action::Run:
+    case torvane::CommandLine::Action::SpeedTest:
+      break;
+  }
+  return RunDesktop(argc, argv, *command);
+}

@@ -1,0 +1,73 @@
+#include "plot/scope_labels.h"
+
+#include <cmath>
+
+#include "core/text.h"
+
+namespace torvane {
+
+namespace {
+
+std::string PerDivision(const ZelChannel& channel, const AxisScale& axis) {
+  const std::string& unit = channel.Signal().Unit();
+  return channel.Name() + " " + FormatEdit(axis.Scale) + (unit.empty() ? "" : " " + unit) + "/div";
+}
+
+std::string WithOffset(const ZelChannel& channel, const AxisScale& axis) {
+  return PerDivision(channel, axis) + " (Off: " + FormatEdit(axis.Offset) + ")";
+}
+
+// The difference of a scale's multiple and an offset often is a rounding error away from 0.
+std::string TickText(double value, double scale) {
+  if (std::abs(value) < std::abs(scale) * 1e-9) value = 0.0;
+  return FormatGeneral(value, 4, 1);
+}
+
+const ZelChannel* LeftAxisChannel(const ZelScope& scope, const ZelChannel* reference) {
+  if (reference && reference->Displayed) return reference;
+  const ZelChannel& first = scope.FirstDisplayedChannel();
+  return first.Displayed ? &first : nullptr;
+}
+
+}  // namespace
+
+std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
+  std::vector<LegendEntry> entries;
+  for (const auto& channel : scope.Channels()) {
+    if (!channel->Displayed) continue;
+    entries.push_back({WithOffset(*channel, channel->Vertical), channel->Colour});
+  }
+  if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
+    const AxisScale& axis = horizontal->Horizontal;
+    const std::string text =
+        scope.XYMode() ? WithOffset(*horizontal, axis) : PerDivision(*horizontal, axis);
+    entries.push_back({"[Horiz]: " + text, -1});
+  }
+  return entries;
+}
+
+ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) {
+  ScopeLabels labels;
+  labels.Legend = ScopeLegend(scope);
+  if (const ZelChannel* left = LeftAxisChannel(scope, reference)) {
+    labels.LeftColour = left->Colour;
+    const AxisScale& axis = left->Vertical;
+    for (int line = 0; line <= ZelScope::VerticalDivisions; ++line) {
+      const int divisions = ZelScope::VerticalDivisions / 2 - line;
+      labels.Left.push_back(TickText(divisions * axis.Scale - axis.Offset, axis.Scale));
+    }
+  }
+  if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
+    const AxisScale& axis = horizontal->Horizontal;
+    for (int line = 0; line <= ZelScope::HorizontalDivisions; ++line) {
+      // The time axis counts from the screen's left edge, any other channel from its centre.
+      const double value =
+          scope.XYMode() ? (line - ZelScope::HorizontalDivisions / 2) * axis.Scale - axis.Offset
+                         : line * axis.Scale;
+      labels.Bottom.push_back(TickText(value, axis.Scale));
+    }
+  }
+  return labels;
+}
+
+}  // namespace torvane

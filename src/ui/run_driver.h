@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+namespace torvane {
+
+class ZelModel;
+
+/// Runs a model from the message loop: one pass of at most 25 chunks whenever the loop has nothing
+/// else to do. Stopped, it uses no processor.
+class RunDriver : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit RunDriver(QObject* parent);
+
+  /// The model must live until Stop, or until the run ends by itself.
+  void Start(ZelModel& model);
+  void Stop();
+  bool Running() const { return timer_.isActive(); }
+
+ signals:
+  /// While the model runs, as often as a display can follow.
+  void Frame();
+  /// The run ended by itself: an instrument asked for it, or an error did. Comes before the error
+  /// is reported.
+  void Ended();
+
+ private:
+  void Pass();
+  void End();
+
+  QTimer timer_;
+  QElapsedTimer sinceFrame_;
+  ZelModel* model_ = nullptr;
+};
+
+}  // namespace torvane
