@@ -52,6 +52,7 @@ class ZelBenchTop {
   double Time() const { return time_; }
   void AdvanceTime(double h) { time_ += h; }
 
+  const std::vector<TimeDriven*>& TimeDrivenObjects() const { return timeDriven_; }
   void UpdateTimeDriven(double t) {
     for (TimeDriven* object : timeDriven_) object->AtTime(t);
   }

@@ -40,9 +40,11 @@ class Constant : public Undoable {
 
   /// True once after each change, and once after construction.
   bool TakeChanged() {
-    const bool changed = changed_;
+    if (!changed_) [[likely]] {
+      return false;
+    }
     changed_ = false;
-    return changed;
+    return true;
   }
 
   /// Limits the value (a list constant: to a choice) and stores it. A change is recorded for undo

@@ -24,6 +24,13 @@ class ZelModel {
   /// Evaluates all blocks at time t and writes every state's derivative.
   virtual void Derivatives(double t) = 0;
 
+  /// One evaluation as the solver makes it: Derivatives, then every time-driven object in the order
+  /// of its registration.
+  void Evaluate(double t) {
+    Derivatives(t);
+    bench_.UpdateTimeDriven(t);
+  }
+
   const std::string& Name() const { return name_; }
   /// File names of the block diagram and of the description; empty when there is none.
   const std::string& PictureFile() const { return pictureFile_; }
@@ -50,6 +57,8 @@ class ZelModel {
 
  protected:
   void MakeSolver(double step, int maxOrder);
+  /// Takes a solver of the model's own kind; to be called before any state is registered.
+  ZelSolver& SetSolver(std::unique_ptr<ZelSolver> solver);
   void SetFiles(std::string picture, std::string text);
 
  private:

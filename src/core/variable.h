@@ -78,6 +78,13 @@ class StateVariable : public Variable {
     PendingSet = true;
   }
 
+  /// Puts a pending value in force.
+  void TakePending() {
+    if (!PendingSet) return;
+    Value = PendingValue;
+    PendingSet = false;
+  }
+
   double InitialValue;
   double Derivative = 0.0;  ///< per second, written by the model or the owning block
   double PendingValue = 0.0;

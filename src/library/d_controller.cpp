@@ -11,11 +11,6 @@ ZelDController::ZelDController(ZelBenchTop& bench, double period) try : period_(
   Error("Fault in ZelDController :: ZelDController");
 }
 
-void ZelDController::AtTime(double t) {
-  sampleDue_ = t >= nextSample_;
-  if (sampleDue_) nextSample_ += period_;
-}
-
 void ZelDController::Reset() {
   for (const auto& block : blocks_) block->DropNonFinite();
 }

@@ -24,7 +24,10 @@ class ZelDController final : public TimeDriven {
   ZelDController(const ZelDController&) = delete;
   ZelDController& operator=(const ZelDController&) = delete;
 
-  void AtTime(double t) override;
+  void AtTime(double t) override {
+    sampleDue_ = t >= nextSample_;
+    if (sampleDue_) nextSample_ += period_;
+  }
   void Reset() override;
 
   /// Sampled blocks run only in evaluations in which this is true.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+
 #include "core/time_driven.h"
 #include "core/variable.h"
 
@@ -17,6 +19,8 @@ class ZelLowPass1 final : public TimeDriven {
 
   void AtTime(double t) override;
   void Reset() override;
+
+  auto States() { return std::tie(state_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

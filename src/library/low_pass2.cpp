@@ -19,14 +19,9 @@ ZelLowPass2::ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping)
   Error("Fault in ZelLowPass2 :: ZelLowPass2");
 }
 
-void ZelLowPass2::AtTime(double /*t*/) {
+void ZelLowPass2::FollowLinks() {
   if (frequencyLink_ && frequencyLink_->TakeChanged()) SetFrequency(frequencyLink_->Value());
   if (dampingLink_ && dampingLink_->TakeChanged()) SetDamping(dampingLink_->Value());
-  const double x1 = position_.Value;
-  const double x2 = rate_.Value;
-  position_.Derivative = x2;
-  rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
-  y_ = x1;
 }
 
 void ZelLowPass2::Reset() {

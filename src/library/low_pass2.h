@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+
 #include "core/time_driven.h"
 #include "core/variable.h"
 
@@ -17,8 +19,19 @@ class ZelLowPass2 final : public TimeDriven {
  public:
   ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping);
 
-  void AtTime(double t) override;
+  void AtTime(double /*t*/) override {
+    if (linked_) [[unlikely]] {
+      FollowLinks();
+    }
+    const double x1 = position_.Value;
+    const double x2 = rate_.Value;
+    position_.Derivative = x2;
+    rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
+    y_ = x1;
+  }
   void Reset() override;
+
+  auto States() { return std::tie(position_, rate_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }
@@ -30,16 +43,24 @@ class ZelLowPass2 final : public TimeDriven {
 
   /// From now on the block follows the constant: it takes each new value, once, at the next
   /// evaluation. The block reads the constant's changed flag, so nothing else may.
-  void LinkFrequency(Constant& hz) { frequencyLink_ = &hz; }
-  void LinkDamping(Constant& damping) { dampingLink_ = &damping; }
+  void LinkFrequency(Constant& hz) {
+    frequencyLink_ = &hz;
+    linked_ = true;
+  }
+  void LinkDamping(Constant& damping) {
+    dampingLink_ = &damping;
+    linked_ = true;
+  }
 
  private:
+  void FollowLinks();
   void ComputeCoefficients();
 
   double u_ = 0.0;
   double y_ = 0.0;
   Constant* frequencyLink_ = nullptr;
   Constant* dampingLink_ = nullptr;
+  bool linked_ = false;
   double frequency_;
   double damping_;
   double twoZetaOmega_ = 0.0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+
 #include "core/time_driven.h"
 #include "core/variable.h"
 
@@ -23,6 +25,8 @@ class ZelNotch final : public TimeDriven {
 
   void AtTime(double t) override;
   void Reset() override;
+
+  auto States() { return std::tie(first_, second_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

@@ -43,41 +43,11 @@ Zel2JMech::Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings) try
   Error("Fault #1 in Zel2JMech :: Zel2JMech");
 }
 
-void Zel2JMech::AtTime(double /*t*/) {
-  const MechanismSettings& p = parameters_;
-  CopyOutputs();
-  shaftTorque_ = (motor_.Velocity - p.Gear * load_.Velocity) * p.KCV +
-                 (motor_.Position - p.Gear * load_.Position) * p.KS;
-
-  motor_.FrictionTorque = motorFriction_.Friction(motor_.Position, motor_.Velocity);
-  motor_.ViscousTorque = -p.KVM * motor_.Velocity;
-  motor_.NetTorque = motorTorque_ + secondMotorTorque_ + motor_.FrictionTorque +
-                     motor_.ViscousTorque - shaftTorque_;
-  motor_.Acceleration = motor_.NetTorque / p.JM;
-  vM_.Derivative = motor_.Acceleration;
-  pM_.Derivative = motor_.Velocity;
-
-  load_.FrictionTorque = loadFriction_.Friction(load_.Position, load_.Velocity);
-  load_.ViscousTorque = -p.KVL * load_.Velocity;
-  load_.NetTorque =
-      loadTorque_ + load_.FrictionTorque + load_.ViscousTorque + shaftTorque_ * p.Gear;
-  load_.Acceleration = load_.NetTorque / p.JL;
-  vL_.Derivative = load_.Acceleration;
-  pL_.Derivative = load_.Velocity;
-}
-
 void Zel2JMech::Reset() {
   CopyOutputs();
   ForgetUnlessFinite({&motorTorque_, &loadTorque_, &secondMotorTorque_});
   motorFriction_.DropNonFinite();
   loadFriction_.DropNonFinite();
-}
-
-void Zel2JMech::CopyOutputs() {
-  motor_.Velocity = vM_.Value;
-  motor_.Position = pM_.Value;
-  load_.Velocity = vL_.Value;
-  load_.Position = pL_.Value;
 }
 
 void Zel2JMech::SetJM(double inertia) {

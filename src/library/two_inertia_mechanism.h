@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+
 #include "core/time_driven.h"
 #include "core/variable.h"
 #include "library/friction.h"
@@ -48,6 +50,8 @@ class Zel2JMech final : public TimeDriven {
   void AtTime(double t) override;
   void Reset() override;
 
+  auto States() { return std::tie(vM_, pM_, vL_, pL_); }
+
   void SetMotorTorque(double torque) { motorTorque_ = torque; }
   void SetLoadTorque(double torque) { loadTorque_ = torque; }
   void SetSecondMotorTorque(double torque) { secondMotorTorque_ = torque; }
@@ -80,5 +84,36 @@ class Zel2JMech final : public TimeDriven {
   ZelFricCalc motorFriction_;
   ZelFricCalc loadFriction_;
 };
+
+// In the header, as is the friction: four evaluations a step inline them.
+inline void Zel2JMech::CopyOutputs() {
+  motor_.Velocity = vM_.Value;
+  motor_.Position = pM_.Value;
+  load_.Velocity = vL_.Value;
+  load_.Position = pL_.Value;
+}
+
+inline void Zel2JMech::AtTime(double /*t*/) {
+  const MechanismSettings& p = parameters_;
+  CopyOutputs();
+  shaftTorque_ = (motor_.Velocity - p.Gear * load_.Velocity) * p.KCV +
+                 (motor_.Position - p.Gear * load_.Position) * p.KS;
+
+  motor_.FrictionTorque = motorFriction_.Friction(motor_.Position, motor_.Velocity);
+  motor_.ViscousTorque = -p.KVM * motor_.Velocity;
+  motor_.NetTorque = motorTorque_ + secondMotorTorque_ + motor_.FrictionTorque +
+                     motor_.ViscousTorque - shaftTorque_;
+  motor_.Acceleration = motor_.NetTorque / p.JM;
+  vM_.Derivative = motor_.Acceleration;
+  pM_.Derivative = motor_.Velocity;
+
+  load_.FrictionTorque = loadFriction_.Friction(load_.Position, load_.Velocity);
+  load_.ViscousTorque = -p.KVL * load_.Velocity;
+  load_.NetTorque =
+      loadTorque_ + load_.FrictionTorque + load_.ViscousTorque + shaftTorque_ * p.Gear;
+  load_.Acceleration = load_.NetTorque / p.JL;
+  vL_.Derivative = load_.Acceleration;
+  pL_.Derivative = load_.Velocity;
+}
 
 }  // namespace torvane

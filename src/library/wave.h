@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include "core/instrument.h"
 #include "core/time_driven.h"
@@ -46,7 +47,19 @@ class ZelWave final : public TimeDriven, public Instrument {
   /// The waveforms' names, as listed to the user.
   static const std::array<const char*, WaveformCount>& WaveformNames();
 
-  void AtTime(double t) override;
+  // Both states keep a derivative of 0: they move only by what is published here.
+  void AtTime(double t) override {
+    if (t != computedAt_) Recompute(t);
+    next_.SetPending(computed_);
+    delayed_.SetPending(next_.Value);
+  }
+
+  /// What is published within a step never shows: of its four evaluations the last one, at the end,
+  /// has the final word.
+  void AtTimeWithinStep(double /*t*/) {}
+
+  /// The states, which nothing integrates.
+  auto HeldStates() { return std::tie(next_, delayed_); }
 
   /// Published outputs, the live values of the two state variables.
   double Output() const { return next_.Value; }

@@ -2,6 +2,7 @@
 #include "instruments/scope.h"
 #include "library/wave.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/units.h"
 
 namespace torvane {
@@ -17,7 +18,12 @@ class MAliasing final : public ZelModel {
   explicit MAliasing(const std::string& name);
   void Derivatives(double t) override;
 
+  static auto States() { return std::tuple<>(); }
+  auto Blocks() { return std::tie(generator_); }
+
  private:
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MAliasing>>(Bench(), 1e-5, *this));
+
   Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
@@ -29,7 +35,7 @@ class MAliasing final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MAliasing::MAliasing(const std::string& name) : ZelModel(name, 1e-5) {
+MAliasing::MAliasing(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-01.bmp", "BWTX05-01.txt");
 }
 

@@ -4,6 +4,7 @@
 #include "library/notch.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/loop_parts.h"
 
 namespace torvane {
@@ -16,7 +17,13 @@ class MAnalogFilters final : public ZelModel {
   explicit MAnalogFilters(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(onePole_.States(), twoPole_.States(), notch_.States()); }
+  auto Blocks() { return std::tie(onePole_, twoPole_, notch_, generator_); }
+
  private:
+  ZelSolver& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MAnalogFilters>>(Bench(), 5e-5, *this));
+
   Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", 45, 0, 10000};
   Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", 45, 0, 10000};
   Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", 0.707, 0, 10};
@@ -38,7 +45,7 @@ class MAnalogFilters final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MAnalogFilters::MAnalogFilters(const std::string& name) : ZelModel(name, 5e-5) {
+MAnalogFilters::MAnalogFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-01.txt");
   analysers_.Fft.AddSetup("1-Pole", "vC", "vLP1");
   analysers_.Fft.AddSetup("2-Pole", "vC", "vLP2");

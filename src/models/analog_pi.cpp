@@ -1,6 +1,7 @@
 #include "instruments/scope.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/loop_parts.h"
 
 namespace torvane {
@@ -14,7 +15,15 @@ class MAnalogPI final : public ZelModel {
   explicit MAnalogPI(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() {
+    return std::tuple_cat(std::tie(response_, errorInt_), powerConverter_.States(),
+                          feedbackFilter_.States());
+  }
+  auto Blocks() { return std::tie(powerConverter_, feedbackFilter_, generator_); }
+
  private:
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MAnalogPI>>(Bench(), 1e-5, *this));
+
   Constant kp_{Bench(), "KP", "", 0.6, 0, 1000000};
   Constant ki_{Bench(), "KI", "", 100, 0, 10000};
   Constant g_{Bench(), "G", "", 500, 0.1, 100000};
@@ -40,7 +49,7 @@ class MAnalogPI final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MAnalogPI::MAnalogPI(const std::string& name) : ZelModel(name, 1e-5) {
+MAnalogPI::MAnalogPI(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX03-01.bmp", "BWTX03-01.txt");
   analysers_.Fft.AddSetup("Closed", "Command", "Response");
   analysers_.Fft.AddSetup("Open", "Error", "Feedback");

@@ -25,16 +25,20 @@ class CommandSource {
       : bench_(bench), generator_(generator), analysers_(analysers) {}
 
   double Value() const {
-    const double value = Chosen();
-    return bench_.Instruments(InstrumentKind::Meter).empty() ? value
-                                                             : value + bench_.MeterExcitation();
+    if (analysers_.Fft.Measuring() || analysers_.Swept.Measuring() ||
+        !bench_.Instruments(InstrumentKind::Meter).empty()) [[unlikely]] {
+      return Excited();
+    }
+    return generator_.Output();
   }
 
  private:
-  double Chosen() const {
-    if (analysers_.Fft.Measuring()) return analysers_.Fft.Excitation(bench_.Time());
-    if (analysers_.Swept.Measuring()) return analysers_.Swept.Excitation(bench_.Time());
-    return generator_.Output();
+  double Excited() const {
+    const double now = bench_.Time();
+    const double meters = bench_.MeterExcitation();
+    if (analysers_.Fft.Measuring()) return analysers_.Fft.Excitation(now) + meters;
+    if (analysers_.Swept.Measuring()) return analysers_.Swept.Excitation(now) + meters;
+    return generator_.Output() + meters;
   }
 
   const ZelBenchTop& bench_;

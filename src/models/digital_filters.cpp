@@ -5,6 +5,7 @@
 #include "library/d_notch.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/loop_parts.h"
 
 namespace torvane {
@@ -18,7 +19,13 @@ class MDigitalFilters final : public ZelModel {
   explicit MDigitalFilters(const std::string& name);
   void Derivatives(double t) override;
 
+  static auto States() { return std::tuple<>(); }
+  auto Blocks() { return std::tie(generator_, clock_); }
+
  private:
+  ZelSolver& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MDigitalFilters>>(Bench(), 5e-5, *this));
+
   Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", 45, 0, 10000};
   Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", 45, 0, 10000};
   Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", 0.707, 0, 10};
@@ -43,7 +50,7 @@ class MDigitalFilters final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name, 5e-5) {
+MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-02.txt");
   analysers_.Fft.AddSetup("1-Pole", "vSample", "vLP1");
   analysers_.Fft.AddSetup("2-Pole", "vSample", "vLP2");

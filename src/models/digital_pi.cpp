@@ -2,6 +2,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -19,8 +20,15 @@ class MDigitalPI final : public ZelModel {
   explicit MDigitalPI(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() {
+    return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());
+  }
+  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
+
  private:
   void Sample(double t);
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MDigitalPI>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -46,7 +54,7 @@ class MDigitalPI final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDigitalPI::MDigitalPI(const std::string& name) : ZelModel(name, 1e-5) {
+MDigitalPI::MDigitalPI(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX04-01.bmp", "BWTX04-01.txt");
   AddVelocitySetups(analysers_.Fft);
 }

@@ -2,6 +2,7 @@
 #include "library/d_pid.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -18,8 +19,15 @@ class MDigitalPID final : public ZelModel {
   explicit MDigitalPID(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() {
+    return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());
+  }
+  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
+
  private:
   void Sample(double t);
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MDigitalPID>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -48,7 +56,7 @@ class MDigitalPID final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name, 1e-5) {
+MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX06-01.bmp", "BWTX06-01.txt");
   analysers_.Fft.SetOrder(11);
   analysers_.Fft.SetTSample(0.00025);

@@ -3,6 +3,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -20,10 +21,15 @@ class MDisturbance final : public ZelModel {
   explicit MDisturbance(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }
+
  private:
   enum BodeType { Command, Disturbance };
 
   void Sample(double t);
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MDisturbance>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -65,7 +71,7 @@ class MDisturbance final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDisturbance::MDisturbance(const std::string& name) : ZelModel(name, 1e-5) {
+MDisturbance::MDisturbance(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX07-01.bmp", "BWTX07-01.txt");
   AddVelocitySetups(analysers_.Fft);
   analysers_.Fft.AddSetup("Command Source", "vC", "vM");

@@ -3,6 +3,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -22,8 +23,15 @@ class MFeedForward final : public ZelModel {
   explicit MFeedForward(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() {
+    return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());
+  }
+  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
+
  private:
   void Sample(double t);
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MFeedForward>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -54,7 +62,7 @@ class MFeedForward final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MFeedForward::MFeedForward(const std::string& name) : ZelModel(name, 1e-5) {
+MFeedForward::MFeedForward(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX08-01.bmp", "BWTX08-01.txt");
   AddVelocitySetups(analysers_.Fft);
 }

@@ -4,6 +4,7 @@
 #include "library/d_controller.h"
 #include "library/wave.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/units.h"
 
 namespace torvane {
@@ -27,11 +28,16 @@ class MLimitCycles final : public ZelModel {
   explicit MLimitCycles(const std::string& name);
   void Derivatives(double t) override;
 
+  static auto States() { return std::tuple<>(); }
+  auto Blocks() { return std::tie(generator_, clock_); }
+
  private:
   enum Quantising { Float, Round, Truncate };
 
   void Sample();
   double Filtered(double x) const;
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MLimitCycles>>(Bench(), 1e-5, *this));
 
   Constant pole_{Bench(), "Pole", "", 0.85, 0.001, 0.999};
   Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
@@ -48,7 +54,7 @@ class MLimitCycles final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name, 1e-5) {
+MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
 }
 

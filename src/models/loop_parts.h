@@ -58,7 +58,23 @@ class PreviousSample {
 /// Limits a continuous PI controller's output to -limit..limit. The integral gives way only when
 /// the output passes the wind-up level, which lies above the limit: then the state is set to what
 /// would hold the output at that level.
-double LimitWithAntiWindUp(double output, double error, StateVariable& errorIntegral, double kp,
-                           double ki, double limit, double windUp);
+inline double LimitWithAntiWindUp(double output, double error, StateVariable& errorIntegral,
+                                  double kp, double ki, double limit, double windUp) {
+  if (output > limit) {
+    if (ki > 0.0 && output > windUp) {
+      const double bound = (windUp / kp - error) / ki;
+      if (errorIntegral.Value > bound) errorIntegral.SetPending(bound);
+    }
+    return limit;
+  }
+  if (output < -limit) {
+    if (ki > 0.0 && output < -windUp) {
+      const double bound = (-windUp / kp - error) / ki;
+      if (errorIntegral.Value < bound) errorIntegral.SetPending(bound);
+    }
+    return -limit;
+  }
+  return output;
+}
 
 }  // namespace torvane

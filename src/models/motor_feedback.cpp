@@ -5,6 +5,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -24,8 +25,14 @@ class MMotorFeedback final : public ZelModel {
   explicit MMotorFeedback(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
+
  private:
   void Sample(double t);
+
+  ZelSolver& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MMotorFeedback>>(Bench(), 1e-5, *this));
 
   Constant res_{Bench(), "Res", "Counts/rev", 4000, 100, 1e10};
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
@@ -68,7 +75,7 @@ class MMotorFeedback final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name, 1e-5) {
+MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX13-01.bmp", "BWTX13-01.txt");
   AddVelocitySetups(analysers_.Fft);
 }

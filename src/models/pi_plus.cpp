@@ -2,6 +2,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/loop_parts.h"
 
 namespace torvane {
@@ -18,7 +19,12 @@ class MPiPlus final : public ZelModel {
   explicit MPiPlus(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
+
  private:
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MPiPlus>>(Bench(), 1e-5, *this));
+
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 100};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
   Constant kvfr_{Bench(), "KVFR", "%", 65, -100, 200};
@@ -47,7 +53,7 @@ class MPiPlus final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPiPlus::MPiPlus(const std::string& name) : ZelModel(name, 1e-5) {
+MPiPlus::MPiPlus(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX02-01.bmp", "BWTX02-01.txt");
   analysers_.Fft.AddSetup("Closed", "vC", "vF");
 }

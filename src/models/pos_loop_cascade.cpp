@@ -2,6 +2,7 @@
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/position_signals.h"
 
 namespace torvane {
@@ -20,8 +21,14 @@ class MPosLoopCascade final : public ZelModel {
   explicit MPosLoopCascade(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(motion_.vM, motion_.pM), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }
+
  private:
   void Sample(double t);
+
+  ZelSolver& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MPosLoopCascade>>(Bench(), 1e-5, *this));
 
   Constant kp_{Bench(), "KP", "mps/m", 250, 0, 1000};
   Constant kvp_{Bench(), "KVP", "", 1.2, 0, 1000};
@@ -55,7 +62,7 @@ class MPosLoopCascade final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name, 1e-5) {
+MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX16-01.bmp", "BWTX16-01.txt");
   analysers_.Fft.AddSetup("Closed", "vPC", "vF");
 }

@@ -3,6 +3,7 @@
 #include "instruments/scope.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/position_signals.h"
 
 namespace torvane {
@@ -22,9 +23,14 @@ class MPosLoopPID final : public ZelModel {
   explicit MPosLoopPID(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(motion_.vM, motion_.pM), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }
+
  private:
   void Sample(double t);
   void Integrate();
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MPosLoopPID>>(Bench(), 1e-5, *this));
 
   Constant kpd_{Bench(), "KPD", "", 1.1, 0, 1000};
   Constant kpp_{Bench(), "KPP", "", 10, 0, 1000};
@@ -57,7 +63,7 @@ class MPosLoopPID final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPosLoopPID::MPosLoopPID(const std::string& name) : ZelModel(name, 1e-5) {
+MPosLoopPID::MPosLoopPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
   analysers_.Fft.AddSetup("Closed", "vPC", "vF");
 }

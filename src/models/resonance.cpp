@@ -5,6 +5,7 @@
 #include "library/two_inertia_mechanism.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -23,9 +24,14 @@ class MResonance final : public ZelModel {
   explicit MResonance(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(mechanism_.States(), currentLoop_.States()); }
+  auto Blocks() { return std::tie(mechanism_, currentLoop_, generator_, clock_); }
+
  private:
   void HandOnChanges();
   void Sample(double t);
+
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MResonance>>(Bench(), 5e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 0, 0, 10000};
@@ -72,7 +78,7 @@ class MResonance final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MResonance::MResonance(const std::string& name) : ZelModel(name, 5e-5) {
+MResonance::MResonance(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX15-01.bmp", "BWTX15-01.txt");
   AddVelocitySetups(analysers_.Fft);
 }

@@ -1,6 +1,7 @@
 #include "instruments/scope.h"
 #include "models/command_source.h"
 #include "models/factories.h"
+#include "models/fused_solver.h"
 #include "models/velocity_signals.h"
 
 namespace torvane {
@@ -13,7 +14,12 @@ class MSeminarPI final : public ZelModel {
   explicit MSeminarPI(const std::string& name);
   void Derivatives(double t) override;
 
+  auto States() { return std::tuple_cat(std::tie(vM_, vEInt_, pM_), currentLoop_.States()); }
+  auto Blocks() { return std::tie(currentLoop_, generator_); }
+
  private:
+  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MSeminarPI>>(Bench(), 1e-5, *this));
+
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
   Constant cLoop_{Bench(), "CLoop", "Hz", 800, 100, 2000};
@@ -38,7 +44,7 @@ class MSeminarPI final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MSeminarPI::MSeminarPI(const std::string& name) : ZelModel(name, 1e-5) {
+MSeminarPI::MSeminarPI(const std::string& name) : ZelModel(name) {
   SetFiles("SeminarAnalogVelocityPI.bmp", "");
   AddVelocitySetups(analysers_.Fft);
 }
