@@ -36,7 +36,7 @@ std::string CsvLine(std::span<const double> numbers) {
 }
 
 std::string FormatShortestSingle(float x) {
-  std::array<char, 32> text;
+  std::array<char, 32> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), x);
   return std::string(text.data(), end.ptr);
 }

@@ -8,7 +8,7 @@
 namespace torvane::cli {
 namespace {
 
-constexpr std::size_t PieceSize = 64 * 1024;
+constexpr std::size_t PieceSize = 65536;
 constexpr std::chrono::milliseconds LongestDelay(500);
 
 std::string Reason() {

@@ -36,6 +36,7 @@ ZelWave& AddressedGenerator(const ZelBenchTop& bench, Assignment& assignment) {
     generator = bench.FindInstrument(InstrumentKind::WaveGenerator, name);
     if (!generator) {
       std::vector<std::string> names;
+      names.reserve(generators.size());
       for (const Instrument* other : generators) names.push_back(other->Name());
       throw UnknownName("generator", name, names);
     }
