@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QPaintEngine>
 #include <algorithm>
 #include <cmath>
 
@@ -22,7 +23,19 @@ constexpr double EntryGap = 18.0;    // between legend entries of one row
 constexpr int TicksPerDivision = 5;
 constexpr int WidestTick = 7;  // characters of the left labels that always have room
 constexpr int SmallestPlate = 40;
+constexpr int SegmentsPerPiece = 4;
 constexpr int FarOutside = 32000;  // beyond it the line drawing of some devices overflows
+
+// On pixels in short pieces: the smooth filling of an outline gets slower with the square of the
+// number of its edges that share a row of pixels, and a trace that swings to and fro has hundreds.
+void DrawTrace(QPainter& painter, const QPolygon& line) {
+  const int last = static_cast<int>(line.size()) - 1;
+  const bool pixels = painter.paintEngine()->type() == QPaintEngine::Raster;
+  const int piece = pixels ? SegmentsPerPiece : std::max(1, last);
+  for (int from = 0; from < last; from += piece) {
+    painter.drawPolyline(line.constData() + from, std::min(piece, last - from) + 1);
+  }
+}
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -205,7 +218,7 @@ QRect ScopePainter::PaintSegment(QPainter& painter, int from, int to) {
   ForEachTrace(painter, [&](const ZelChannel& channel) {
     line_.resize(count);
     for (int k = 0; k < count; ++k) line_[k] = PointAt(channel, (from + k) % length);
-    painter.drawPolyline(line_);
+    DrawTrace(painter, line_);
     area |= line_.boundingRect();
   });
   const int room = Scaled(TraceWidth) + 1;
@@ -273,7 +286,7 @@ void ScopePainter::PaintPreviousSweep(QPainter& painter) {
       line_[k] =
           QPoint(previousX_[static_cast<std::size_t>(k - 1)], PointAt(channel, fill + k).y());
     }
-    painter.drawPolyline(line_);
+    DrawTrace(painter, line_);
   });
 }
 

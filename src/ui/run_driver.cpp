@@ -1,17 +1,22 @@
 #include "ui/run_driver.h"
 
+#include <algorithm>
+
 #include "core/run_loop.h"
 #include "core/solver.h"
+#include "ui/vector_state.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr int FrameMilliseconds = 33;
+constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
+constexpr qint64 LongestFrame = 100'000'000;
+constexpr qint64 FrameShare = 20;  // of the time, painting may take one part in so many
 
 }  // namespace
 
-RunDriver::RunDriver(QObject* parent) : QObject(parent) {
+RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(ShortestFrame) {
   timer_.setInterval(0);
   connect(&timer_, &QTimer::timeout, this, &RunDriver::Pass);
 }
@@ -35,6 +40,7 @@ void RunDriver::End() {
 // same timer within its own delivery, so a pass never begins inside another.
 void RunDriver::Pass() {
   ZelModel& model = *model_;
+  ReleaseUpperVectorHalves();
   try {
     if (RunPass(model) == PassResult::Stopped) End();
   } catch (const SolverOverflow&) {
@@ -44,10 +50,13 @@ void RunDriver::Pass() {
     End();
     ReportRunTimeError(error);
   }
-  if (sinceFrame_.hasExpired(FrameMilliseconds)) {
-    sinceFrame_.start();
-    emit Frame();
-  }
+  if (sinceFrame_.nsecsElapsed() >= frameInterval_) ShowFrame();
+}
+
+void RunDriver::ShowFrame() {
+  sinceFrame_.start();
+  emit Frame();
+  frameInterval_ = std::clamp(FrameShare * sinceFrame_.nsecsElapsed(), ShortestFrame, LongestFrame);
 }
 
 }  // namespace torvane

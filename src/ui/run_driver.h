@@ -22,7 +22,8 @@ class RunDriver : public QObject {
   bool Running() const { return timer_.isActive(); }
 
  signals:
-  /// While the model runs, as often as a display can follow.
+  /// While the model runs, thirty times a second. When the slots take long, as dense traces do,
+  /// less often, down to ten times, so that the simulation keeps most of the processor.
   void Frame();
   /// The run ended by itself: an instrument asked for it, or an error did. Comes before the error
   /// is reported.
@@ -31,9 +32,11 @@ class RunDriver : public QObject {
  private:
   void Pass();
   void End();
+  void ShowFrame();
 
   QTimer timer_;
   QElapsedTimer sinceFrame_;
+  qint64 frameInterval_;  // nanoseconds
   ZelModel* model_ = nullptr;
 };
 
