@@ -45,17 +45,19 @@ class MLimitCycles final : public ZelModel {
   Constant dither_{Bench(), "Dither", "Counts", 0, 0, 10000};
   Constant quantize_{Bench(), "Quantize?", {"Float", "Round", "Truncate"}, Round};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
-  Variable input_{Bench(), "Input", "", Shown(0.02, 0)};
-  Variable output_{Bench(), "Output", "", Shown(0.02, 0)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.05)};
+  Variable input_{Bench(), "Input", "", Shown(0.1, -0.75)};
+  Variable output_{Bench(), "Output", "", Shown(0.1, -0.75)};
 
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 5, .Amplitude = 0.05}};
+  ZelWave generator_{
+      Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 3, .Amplitude = 0.1, .Offset = 0.85}};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelScope scope_{Bench(), "MainScope"};
 };
 
 MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
+  scope_.Trigger().Level = generator_.Settings().Offset;
 }
 
 double MLimitCycles::Filtered(double x) const {

@@ -52,13 +52,13 @@ class MMotorFeedback final : public ZelModel {
 
   TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
   Variable vC_{Bench(), "vC", "RPM", Hidden(50, RadToRpm)};
-  StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(50, -100, RadToRpm)};
+  StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(100, -200, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(50, RadToRpm)};
-  Variable vF_{Bench(), "vF", "RPM", Shown(50, 0, RadToRpm)};
+  Variable vF_{Bench(), "vF", "RPM", Shown(100, 200, RadToRpm)};
   Variable vFFilt_{Bench(), "vF-Filt", "RPM", Hidden(50, RadToRpm)};
   StateVariable pM_{Bench(), "pM", "Deg", 0, Hidden(50, RadToDeg)};
   Variable pF_{Bench(), "pF", "Deg", Hidden(50, RadToDeg)};
-  Variable pE_{Bench(), "pE", "Deg", Shown(0.2, -0.6, RadToDeg)};
+  Variable pE_{Bench(), "pE", "Deg", Hidden(0.2, RadToDeg)};
   Variable pC_{Bench(), "pC", "Deg", Hidden(50, RadToDeg)};
   Variable iC_{Bench(), "iC", "Amps", Hidden(5)};
   Variable iF_{Bench(), "iF", "Amps", Hidden(5)};
