@@ -39,7 +39,14 @@ class MAnalogFilters final : public ZelModel {
   ZelLowPass1 onePole_{Bench(), 45};
   ZelLowPass2 twoPole_{Bench(), 45, Butterworth};
   ZelNotch notch_{Bench(), 40, Butterworth};
-  Analysers analysers_{Bench(), 13};
+  Analysers analysers_{Bench(),
+                       13,
+                       {.Order = 10,
+                        .TSample = 0.001,
+                        .RestTime = 0.2,
+                        .Amplitude = 1,
+                        .SweepTo = 400,
+                        .SweepTSample = 5e-5}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
@@ -47,9 +54,9 @@ class MAnalogFilters final : public ZelModel {
 
 MAnalogFilters::MAnalogFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-01.txt");
-  analysers_.Fft.AddSetup("1-Pole", "vC", "vLP1");
-  analysers_.Fft.AddSetup("2-Pole", "vC", "vLP2");
-  analysers_.Fft.AddSetup("Notch", "vC", "vNotch");
+  analysers_.AddSetup("1-Pole", "vC", "vLP1");
+  analysers_.AddSetup("2-Pole", "vC", "vLP2");
+  analysers_.AddSetup("Notch", "vC", "vNotch");
 }
 
 void MAnalogFilters::Derivatives(double /*t*/) {

@@ -43,7 +43,7 @@ class MAnalogPI final : public ZelModel {
 
   ZelLowPass2 powerConverter_{Bench(), 900, Butterworth};
   ZelLowPass2 feedbackFilter_{Bench(), 900, Butterworth};
-  Analysers analysers_{Bench(), 13};
+  Analysers analysers_{Bench(), 13, {.Order = 12, .Amplitude = 2}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 10}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
@@ -51,8 +51,8 @@ class MAnalogPI final : public ZelModel {
 
 MAnalogPI::MAnalogPI(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX03-01.bmp", "BWTX03-01.txt");
-  analysers_.Fft.AddSetup("Closed", "Command", "Response");
-  analysers_.Fft.AddSetup("Open", "Error", "Feedback");
+  analysers_.AddSetup("Closed", "Command", "Response");
+  analysers_.AddSetup("Open", "Error", "Feedback");
 }
 
 void MAnalogPI::Derivatives(double /*t*/) {

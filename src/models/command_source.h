@@ -1,21 +1,10 @@
 #pragma once
 
 #include "core/bench.h"
-#include "instruments/fft_analyser.h"
-#include "instruments/swept_sine_analyser.h"
 #include "library/wave.h"
+#include "models/analysers.h"
 
 namespace torvane {
-
-/// The two analysers of a model: FFT and, hidden until it is asked for, swept sine.
-struct Analysers {
-  /// maxOrder: largest record of the FFT analyser, as a power of two.
-  Analysers(ZelBenchTop& bench, int maxOrder)
-      : Fft(bench, maxOrder), Swept(bench, "MainSweptDSA") {}
-
-  ZelXfer Fft;
-  ZelSweptDSA Swept;
-};
 
 /// Where a loop's command comes from: the FFT analyser while it measures, else the swept-sine
 /// analyser while it sweeps, else the generator; what the meters excite is added.

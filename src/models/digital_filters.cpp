@@ -40,7 +40,14 @@ class MDigitalFilters final : public ZelModel {
   Variable vNotch_{Bench(), "vNotch", "volts", Shown(0.5, 0)};
   Variable vC_{Bench(), "vC", "volts", Shown(0.5, 0)};
 
-  Analysers analysers_{Bench(), 13};
+  Analysers analysers_{Bench(),
+                       13,
+                       {.Order = 10,
+                        .TSample = 0.001,
+                        .RestTime = 0.2,
+                        .Amplitude = 1,
+                        .SweepTo = 400,
+                        .SweepTSample = 5e-5}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
@@ -52,9 +59,9 @@ class MDigitalFilters final : public ZelModel {
 
 MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-02.txt");
-  analysers_.Fft.AddSetup("1-Pole", "vSample", "vLP1");
-  analysers_.Fft.AddSetup("2-Pole", "vSample", "vLP2");
-  analysers_.Fft.AddSetup("Notch", "vSample", "vNotch");
+  analysers_.AddSetup("1-Pole", "vSample", "vLP1");
+  analysers_.AddSetup("2-Pole", "vSample", "vLP2");
+  analysers_.AddSetup("Notch", "vSample", "vNotch");
 }
 
 void MDigitalFilters::Derivatives(double /*t*/) {

@@ -56,7 +56,7 @@ class MDigitalPI final : public ZelModel {
 
 MDigitalPI::MDigitalPI(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX04-01.bmp", "BWTX04-01.txt");
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MDigitalPI::Sample(double t) {

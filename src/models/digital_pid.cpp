@@ -58,9 +58,7 @@ class MDigitalPID final : public ZelModel {
 
 MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX06-01.bmp", "BWTX06-01.txt");
-  analysers_.Fft.SetOrder(11);
-  analysers_.Fft.SetTSample(0.00025);
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MDigitalPID::Sample(double t) {

@@ -36,7 +36,7 @@ class MDisturbance final : public ZelModel {
   Constant kdd_{Bench(), "KDD", "", 0, 0, 2};
   Constant ddLpf_{Bench(), "DD LPF", "Hz", 20, 2, 2000};
   Constant ktEst_{Bench(), "KT-Est", "Nm/Amp", 1, 0.1, 10};
-  Constant bodeType_{Bench(), "Bode type", {"Cmd", "Dist"}};
+  Constant bodeType_{Bench(), "Bode type", {"Cmd", "Dist"}, Disturbance};
   Constant cLoop_{Bench(), "CLoop", "Hz", 800, 100, 10000};
   Constant tSample_{Bench(), "TSample", "Sec", 0.00025, 0.0001, 100};
   Constant tCalc_{Bench(), "TCalc", "%", 65, 0, 95};
@@ -73,10 +73,10 @@ class MDisturbance final : public ZelModel {
 
 MDisturbance::MDisturbance(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX07-01.bmp", "BWTX07-01.txt");
-  AddVelocitySetups(analysers_.Fft);
-  analysers_.Fft.AddSetup("Command Source", "vC", "vM");
-  analysers_.Fft.AddSetup("Disturbance Source", "tD", "vM");
-  analysers_.Fft.AddSetup("Open+180", "vE", "vF", 180.0);
+  analysers_.AddSetup("Disturbance Source", "tD", "vM");
+  analysers_.AddSetup("Command Source", "vC", "vM");
+  analysers_.AddVelocitySetups();
+  analysers_.AddSetup("Open+180", "vE", "vF", 180.0);
 }
 
 void MDisturbance::Sample(double t) {

@@ -64,7 +64,7 @@ class MFeedForward final : public ZelModel {
 
 MFeedForward::MFeedForward(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX08-01.bmp", "BWTX08-01.txt");
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MFeedForward::Sample(double t) {

@@ -65,7 +65,8 @@ class MMotorFeedback final : public ZelModel {
   Variable tM_{Bench(), "tM", "Nm", Hidden(5)};
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
-  Analysers analysers_{Bench(), 13};
+  // Well above the noise of the sensor's resolution.
+  Analysers analysers_{Bench(), 13, {.Amplitude = 150}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 7, .Amplitude = 100}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
@@ -77,7 +78,7 @@ class MMotorFeedback final : public ZelModel {
 
 MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX13-01.bmp", "BWTX13-01.txt");
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MMotorFeedback::Sample(double t) {

@@ -55,7 +55,7 @@ class MPiPlus final : public ZelModel {
 
 MPiPlus::MPiPlus(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX02-01.bmp", "BWTX02-01.txt");
-  analysers_.Fft.AddSetup("Closed", "vC", "vF");
+  analysers_.AddSetup("Closed", "vC", "vF");
 }
 
 void MPiPlus::Derivatives(double /*t*/) {

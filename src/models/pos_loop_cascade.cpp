@@ -64,7 +64,7 @@ class MPosLoopCascade final : public ZelModel {
 
 MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX16-01.bmp", "BWTX16-01.txt");
-  analysers_.Fft.AddSetup("Closed", "vPC", "vF");
+  analysers_.AddSetup("Closed", "vPC", "vF");
 }
 
 void MPosLoopCascade::Sample(double t) {

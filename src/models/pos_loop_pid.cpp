@@ -65,7 +65,7 @@ class MPosLoopPID final : public ZelModel {
 
 MPosLoopPID::MPosLoopPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
-  analysers_.Fft.AddSetup("Closed", "vPC", "vF");
+  analysers_.AddSetup("Closed", "vPC", "vF");
 }
 
 void MPosLoopPID::Integrate() {

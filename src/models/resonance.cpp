@@ -67,7 +67,7 @@ class MResonance final : public ZelModel {
       Bench(),
       {.JM = jm_.Default(), .JL = jl_.Default(), .KS = ks_.Default(), .KCV = kcv_.Default()}};
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
-  Analysers analysers_{Bench(), 13};
+  Analysers analysers_{Bench(), 13, {.Order = 12, .SweepTSample = 5e-5}};
   ZelWave generator_{Bench(), "Command Source", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
@@ -80,7 +80,7 @@ class MResonance final : public ZelModel {
 
 MResonance::MResonance(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX15-01.bmp", "BWTX15-01.txt");
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MResonance::HandOnChanges() {

@@ -46,7 +46,7 @@ class MSeminarPI final : public ZelModel {
 
 MSeminarPI::MSeminarPI(const std::string& name) : ZelModel(name) {
   SetFiles("SeminarAnalogVelocityPI.bmp", "");
-  AddVelocitySetups(analysers_.Fft);
+  analysers_.AddVelocitySetups();
 }
 
 void MSeminarPI::Derivatives(double /*t*/) {

@@ -2,7 +2,6 @@
 
 #include "core/constant.h"
 #include "core/numeric.h"
-#include "instruments/fft_analyser.h"
 #include "models/loop_parts.h"
 
 namespace torvane {
@@ -40,12 +39,6 @@ struct VelocitySignals {
 /// minus infinity to whole encoder counts.
 inline double EncoderPosition(double position, const Constant& useRes, const Constant& res) {
   return useRes.Choice() == Yes ? FloorToStep(position, EncoderCount(res.Value())) : position;
-}
-
-/// The two responses that every velocity loop is asked for.
-inline void AddVelocitySetups(ZelXfer& analyser) {
-  analyser.AddSetup("Closed", "vC", "vF");
-  analyser.AddSetup("Open", "vE", "vF");
 }
 
 }  // namespace torvane
