@@ -15,6 +15,10 @@ void Instrument::ConstantChanged(const std::string& name) {
   if (view_) view_->ConstantChanged(name);
 }
 
+void Instrument::FinishLoading(const std::function<void(int line)>& /*atLine*/) {
+  TellSettingsChanged();
+}
+
 void Instrument::TellSettingsChanged() {
   if (view_) view_->SettingsChanged();
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace torvane {
+
+struct Record;
+class RecordWriter;
 
 enum class InstrumentKind { WaveGenerator, Meter, Scope, SweptSine, FftAnalyser };
 
@@ -67,6 +71,17 @@ class Instrument {
 
   /// The named constant has a new value.
   virtual void ConstantChanged(const std::string& name);
+
+  /// Writes the instrument's settings as records of a model file.
+  virtual void SaveRecords(RecordWriter& /*writer*/) const {}
+
+  /// Takes one record of a file that names this instrument. Reports what is wrong with it and keeps
+  /// the setting then.
+  virtual void LoadRecord(const Record& /*record*/) {}
+
+  /// The file has been read: settings that had to wait for others are taken. Before a report about
+  /// one, atLine is told the line that it stood in. Overriders call this one last.
+  virtual void FinishLoading(const std::function<void(int line)>& atLine);
 
   void SetView(InstrumentView* view) { view_ = view; }
   InstrumentView* View() const { return view_; }

@@ -13,6 +13,10 @@ void ZelUndo::Attach(UndoItems* items) {
 }
 
 void ZelUndo::Push(const UndoEntry& entry) {
+  if (suspended_) {
+    missedChange_ = true;
+    return;
+  }
   if (current_ >= Depth) {
     FatalError("Fatal Error 1 in ZelUndo");
     return;
@@ -22,6 +26,15 @@ void ZelUndo::Push(const UndoEntry& entry) {
   entries_[current_] = entry;
   ShowUndo();
   top_ = current_;
+  ShowRedo(false);
+}
+
+void ZelUndo::Resume() {
+  suspended_ = false;
+  if (!missedChange_) return;
+  missedChange_ = false;
+  current_ = top_ = -1;
+  ShowUndo();
   ShowRedo(false);
 }
 

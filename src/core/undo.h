@@ -53,6 +53,12 @@ class ZelUndo {
   void Undo();
   void Redo();
 
+  /// Changes that follow are not recorded.
+  void Suspend() { suspended_ = true; }
+  /// Changes are recorded again. When some were not, the history before them is forgotten: its
+  /// steps lead from values that are no more.
+  void Resume();
+
   bool CanUndo() const { return current_ >= 0; }
   bool CanRedo() const { return current_ < top_; }
 
@@ -66,6 +72,8 @@ class ZelUndo {
   std::int32_t top_ = -1;
   std::array<UndoEntry, Depth> entries_;
   UndoItems* items_ = nullptr;
+  bool suspended_ = false;
+  bool missedChange_ = false;
 };
 
 }  // namespace torvane

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/model.h"
+
+namespace torvane {
+
+/// Title of the program, by which its files are told from others.
+inline constexpr const char* ApplicationTitle = "Torvane--Melkorin, 2nd Edition";
+
+/// What loading a file needs of the program that loads it.
+class ModelFileHost {
+ public:
+  virtual ~ModelFileHost() = default;
+
+  /// The model that records are read into; nullptr when there is none yet, then records before the
+  /// file's "Model" line have no effect.
+  virtual ZelModel* CurrentModel() = 0;
+
+  virtual bool InCatalogue(const std::string& model) const = 0;
+
+  /// Builds the model and makes it the current one, in place of the old; false ends the loading.
+  /// Questions have been asked before.
+  virtual bool ChangeModel(const std::string& name) = 0;
+
+  /// Adds a meter to the current model; nullptr after a report when there can be no more.
+  virtual Instrument* AddMeter(const std::string& name) = 0;
+
+  /// Whether windows are to go where the file says.
+  virtual bool RestoresWindows() const { return true; }
+
+  /// Reports that follow are about this line of the file, counted from 1; 0: about no line.
+  virtual void AtLine(int /*number*/) {}
+};
+
+/// Reads the file into the host's model. Reports what is wrong with it and goes on where that is
+/// possible; false when the file could not be read or loading stopped before its end.
+///
+/// Constants that a file sets are no steps to undo: when it changes any, the history of earlier
+/// steps, which led to other values, is forgotten. Afterwards the constants count as saved.
+bool LoadModelFile(const std::string& path, ModelFileHost& host);
+
+/// As LoadModelFile, of a file's text.
+bool LoadModelText(std::string_view text, ModelFileHost& host);
+
+/// The file's text. A file that cannot be read, is above MaxModelFileSize or has a line above
+/// MaxModelLineLength is reported and gives false; no more than that much of it is read.
+bool ReadModelText(const std::string& path, std::string& text);
+inline constexpr std::size_t MaxModelFileSize = 16U * 1024 * 1024;
+inline constexpr std::size_t MaxModelLineLength = 64U * 1024;
+
+/// Name in the text's first well-formed "Model" line; empty when there is none.
+std::string ModelNameIn(std::string_view text);
+
+/// Constants and instruments of the model as a file holds them.
+std::string ModelFileText(const ZelModel& model);
+
+/// Writes the model's file; the old one is replaced when the new one is complete. A failure is
+/// reported, gives false and leaves the old file as it was. Afterwards the constants count as
+/// saved.
+bool SaveModelFile(ZelModel& model, const std::string& path);
+
+/// Before anything that discards the constants: whether they are unchanged or the user agrees to
+/// lose them.
+bool MayDiscardConstants(const ZelBenchTop& bench);
+
+}  // namespace torvane

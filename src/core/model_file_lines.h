@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/instrument.h"
+
+namespace torvane {
+
+/// First field of the records of instruments of a kind.
+std::string_view RecordKeyword(InstrumentKind kind);
+
+/// Takes the lines of a text one by one: LF ends a line, CR is ignored, what follows the last LF is
+/// a line too.
+class LineReader {
+ public:
+  explicit LineReader(std::string_view text) : rest_(text) {}
+
+  /// False at the end of the text.
+  bool Next(std::string& line);
+  int Number() const { return number_; }
+
+ private:
+  std::string_view rest_;
+  int number_ = 0;
+};
+
+}  // namespace torvane
