@@ -1,12 +1,15 @@
 #include "core/run_loop.h"
 
+#include <algorithm>
+
 #include "core/messages.h"
 #include "core/model.h"
 
 namespace torvane {
 
-PassResult RunPass(ZelModel& model) {
-  for (int chunk = 0; chunk < ChunksPerPass; ++chunk) {
+PassResult RunPass(ZelModel& model, int chunks) {
+  chunks = std::min(chunks, ChunksPerPass);
+  for (int chunk = 0; chunk < chunks; ++chunk) {
     if (model.Bench().AnyScopeBusy()) return PassResult::Paused;
     if (!model.RunChunk()) return PassResult::Stopped;
   }

@@ -15,9 +15,9 @@ enum class PassResult {
   Stopped,  ///< an instrument wants the run to stop
 };
 
-/// One pass of a running model: up to ChunksPerPass chunks. Lets SolverOverflow and whatever else a
-/// chunk throws through.
-PassResult RunPass(ZelModel& model);
+/// One pass of a running model: up to `chunks` chunks, at most ChunksPerPass. Lets SolverOverflow
+/// and whatever else a chunk throws through.
+PassResult RunPass(ZelModel& model, int chunks = ChunksPerPass);
 
 /// What to do about an overflow: asks whether to reset the state variables and does so on OK. The
 /// caller has stopped the model.

@@ -20,8 +20,8 @@ namespace {
 
 constexpr QSize PictureSize(960, 640);  // of the picture's design, in pixels
 constexpr int PictureDpi = 96;
-constexpr int ImageRatio = 2;    // a png is read on dense screens too
-constexpr int VectorRatio = 10;  // the engine's pixels are whole: finer ones keep curves smooth
+constexpr int ImageRatio = 2;  // a png is read on dense screens too
+constexpr int Ratio = 10;      // the engine's pixels are whole: finer ones keep curves smooth
 
 // Fonts and pictures need an application object; a program without one gets a silent one, without
 // a display whatever the environment says.
@@ -41,10 +41,10 @@ class ApplicationForPictures {
   std::optional<QGuiApplication> application_;
 };
 
-// What a picture shows: painted over an area of PictureSize times the ratio.
+// What a picture shows: painted over an area of PictureSize times Ratio.
 struct Subject {
   std::string Title;
-  std::function<void(QPainter& painter, int ratio)> Paint;
+  std::function<void(QPainter& painter)> Paint;
 };
 
 bool WriteImage(QIODevice& device, const Subject& subject) {
@@ -52,7 +52,8 @@ bool WriteImage(QIODevice& device, const Subject& subject) {
   image.setDotsPerMeterX(PictureDpi * ImageRatio * 10000 / 254);
   image.setDotsPerMeterY(PictureDpi * ImageRatio * 10000 / 254);
   QPainter painter(&image);
-  subject.Paint(painter, ImageRatio);
+  painter.scale(1.0 * ImageRatio / Ratio, 1.0 * ImageRatio / Ratio);
+  subject.Paint(painter);
   painter.end();
   return image.save(&device, "PNG");
 }
@@ -61,23 +62,24 @@ bool WriteSvg(QIODevice& device, const Subject& subject) {
   QSvgGenerator svg;
   svg.setOutputDevice(&device);
   svg.setSize(PictureSize);
-  svg.setViewBox(QRect(QPoint(0, 0), PictureSize * VectorRatio));
+  svg.setResolution(PictureDpi);
+  svg.setViewBox(QRect(QPoint(0, 0), PictureSize * Ratio));
   svg.setTitle(QString::fromStdString(subject.Title));
   QPainter painter;
   if (!painter.begin(&svg)) return false;
-  subject.Paint(painter, VectorRatio);
+  subject.Paint(painter);
   return painter.end();
 }
 
 bool WritePdf(QIODevice& device, const Subject& subject) {
   QPdfWriter pdf(&device);
   pdf.setTitle(QString::fromStdString(subject.Title));
-  pdf.setResolution(PictureDpi * VectorRatio);
+  pdf.setResolution(PictureDpi * Ratio);
   pdf.setPageMargins(QMarginsF());
   pdf.setPageSize(QPageSize(QSizeF(PictureSize) * 72.0 / PictureDpi, QPageSize::Point));
   QPainter painter;
   if (!painter.begin(&pdf)) return false;
-  subject.Paint(painter, VectorRatio);
+  subject.Paint(painter);
   return painter.end();
 }
 
@@ -90,11 +92,11 @@ Writer WriterFor(const QString& ending) {
   return nullptr;
 }
 
-void PaintScope(QPainter& painter, ZelScope& scope, int ratio) {
+void PaintScope(QPainter& painter, ZelScope& scope) {
   const int width = scope.Width();
   const int height = scope.Height();
   ScopePainter picture(scope);
-  picture.Layout(PictureSize * ratio, ratio, MakeScopeLabels(scope, nullptr));
+  picture.Layout(PictureSize * Ratio, Ratio, MakeScopeLabels(scope, nullptr));
   picture.PaintBackground(painter, ScopeColours::Light());
   picture.PaintTraces(painter, false);
   if (width > 0 && height > 0) scope.SetScreenSize(width, height);
@@ -123,15 +125,15 @@ bool Export(const Subject& subject, const std::string& file, std::string& error)
 }  // namespace
 
 bool ExportScopePicture(ZelScope& scope, const std::string& file, std::string& error) {
-  const auto paint = [&](QPainter& painter, int ratio) { PaintScope(painter, scope, ratio); };
+  const auto paint = [&](QPainter& painter) { PaintScope(painter, scope); };
   return Export({scope.Name(), paint}, file, error);
 }
 
 bool ExportResponsePicture(FrequencyAnalyser& analyser, const std::string& file,
                            std::string& error) {
-  const auto paint = [&](QPainter& painter, int ratio) {
+  const auto paint = [&](QPainter& painter) {
     ResponsePainter picture(analyser);
-    picture.Layout(PictureSize * ratio, ratio);
+    picture.Layout(PictureSize * Ratio, Ratio);
     picture.Paint(painter, ScopeColours::Light());
   };
   return Export({analyser.Name(), paint}, file, error);

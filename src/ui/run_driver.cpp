@@ -10,6 +10,7 @@ namespace torvane {
 
 namespace {
 
+constexpr qint64 LongestPass = 10'000'000;    // nanoseconds, as a rule
 constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
 constexpr qint64 LongestFrame = 100'000'000;
 constexpr qint64 FrameShare = 20;  // of the time, painting may take one part in so many
@@ -24,6 +25,7 @@ RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(Shortest
 void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
+  chunks_ = 1;
   timer_.start();
 }
 
@@ -41,8 +43,9 @@ void RunDriver::End() {
 void RunDriver::Pass() {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
+  const qint64 start = sinceFrame_.nsecsElapsed();
   try {
-    if (RunPass(model) == PassResult::Stopped) End();
+    if (RunPass(model, chunks_) == PassResult::Stopped) End();
   } catch (const SolverOverflow&) {
     End();
     OfferResetAfterOverflow(model);
@@ -50,7 +53,19 @@ void RunDriver::Pass() {
     End();
     ReportRunTimeError(error);
   }
-  if (sinceFrame_.nsecsElapsed() >= frameInterval_) ShowFrame();
+  const qint64 now = sinceFrame_.nsecsElapsed();
+  SizeNextPass(now - start);
+  if (now >= frameInterval_) ShowFrame();
+}
+
+// Chunks of one model are about equally long until a time base changes, so the next pass takes its
+// measure from this one.
+void RunDriver::SizeNextPass(qint64 nanoseconds) {
+  if (nanoseconds > LongestPass) {
+    chunks_ = std::max(1, chunks_ / 2);
+  } else if (nanoseconds < LongestPass / 2) {
+    chunks_ = std::min(ChunksPerPass, 2 * chunks_);
+  }
 }
 
 void RunDriver::ShowFrame() {

@@ -9,7 +9,8 @@ namespace torvane {
 class ZelModel;
 
 /// Runs a model from the message loop: one pass of at most 25 chunks whenever the loop has nothing
-/// else to do. Stopped, it uses no processor.
+/// else to do. Passes have fewer chunks when these are long, as with a slow time base, so that the
+/// windows go on answering. Stopped, it uses no processor.
 class RunDriver : public QObject {
   Q_OBJECT
 
@@ -32,12 +33,14 @@ class RunDriver : public QObject {
  private:
   void Pass();
   void End();
+  void SizeNextPass(qint64 nanoseconds);
   void ShowFrame();
 
   QTimer timer_;
   QElapsedTimer sinceFrame_;
   qint64 frameInterval_;  // nanoseconds
   ZelModel* model_ = nullptr;
+  int chunks_ = 1;  // of the next pass
 };
 
 }  // namespace torvane

@@ -1,0 +1,70 @@
+#include "plot/picture_export.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include "two_traces.h"
+
+namespace torvane {
+namespace {
+
+using test::TwoTraces;
+
+class PictureExportTest : public testing::Test {
+ protected:
+  PictureExportTest() {
+    set_.Speed.Value = 1.0;
+    set_.Sample(390);
+    set_.Scope.SetScreenSize(300, 200);
+  }
+  std::string Path(const char* name) { return folder_.filePath(QString(name)).toStdString(); }
+  QByteArray Read(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  }
+
+  QTemporaryDir folder_;
+  TwoTraces set_;
+  std::string error_;
+};
+
+TEST_F(PictureExportTest, ImagesShowTheTraces) {
+  ASSERT_TRUE(ExportScopePicture(set_.Scope, Path("scope.PNG"), error_)) << error_;
+  const QImage image(QString::fromStdString(Path("scope.PNG")));
+  ASSERT_FALSE(image.isNull());
+  int blue = 0;
+  for (int x = 0; x < image.width(); ++x) {
+    for (int y = 0; y < image.height(); ++y) {
+      const QColor colour = image.pixelColor(x, y);
+      blue += colour.blue() > 200 && colour.red() < 50 && colour.green() < 50;
+    }
+  }
+  // The trace runs across nearly the whole screen, which is most of the picture.
+  EXPECT_GT(blue, image.width() / 2);
+  // The window's own screen is left as it was.
+  EXPECT_EQ(set_.Scope.Width(), 300);
+  EXPECT_EQ(set_.Scope.Height(), 200);
+}
+
+TEST_F(PictureExportTest, DrawingsKeepTextAndLines) {
+  ASSERT_TRUE(ExportScopePicture(set_.Scope, Path("scope.svg"), error_)) << error_;
+  const QByteArray svg = Read(Path("scope.svg"));
+  EXPECT_TRUE(svg.contains("Speed 5/div (Off: 0)"));
+  EXPECT_TRUE(svg.contains("#0000ff"));
+  ASSERT_TRUE(ExportScopePicture(set_.Scope, Path("scope.pdf"), error_)) << error_;
+  EXPECT_TRUE(Read(Path("scope.pdf")).startsWith("%PDF-"));
+}
+
+TEST_F(PictureExportTest, RefusesOtherEndingsAndUnwritablePlaces) {
+  EXPECT_FALSE(ExportScopePicture(set_.Scope, Path("scope.gif"), error_));
+  EXPECT_EQ(error_, "A picture's name must end in .png, .svg or .pdf: " + Path("scope.gif"));
+  EXPECT_FALSE(ExportScopePicture(set_.Scope, Path("none/scope.png"), error_));
+  EXPECT_EQ(error_.rfind("Cannot open " + Path("none/scope.png"), 0), 0U) << error_;
+}
+
+}  // namespace
+}  // namespace torvane

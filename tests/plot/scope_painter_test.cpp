@@ -1,0 +1,162 @@
+#include "plot/scope_painter.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include "two_traces.h"
+
+namespace torvane {
+namespace {
+
+using test::TwoTraces;
+
+constexpr QSize PictureSize(640, 480);
+
+class ScopePainterTest : public testing::Test {
+ protected:
+  ScopePainterTest() {
+    painter_.Layout(PictureSize, 1.0, MakeScopeLabels(set_.Scope, nullptr));
+    picture_.fill(Qt::magenta);
+    QPainter painter(&picture_);
+    painter_.PaintBackground(painter, ScopeColours::Light());
+  }
+
+  QRect PaintNew() {
+    QPainter painter(&picture_);
+    return painter_.PaintNew(painter);
+  }
+  void PaintTraces(bool previousSweep) {
+    QPainter painter(&picture_);
+    painter_.PaintBackground(painter, ScopeColours::Light());
+    painter_.PaintTraces(painter, previousSweep);
+  }
+
+  // Whether the picture is blue, the colour of "Speed", at a point of the screen. Smooth lines
+  // spread over neighbouring pixels, so one pixel to each side counts too.
+  bool BlueAt(int x, int y) const {
+    for (int dy = -1; dy <= 1; ++dy) {
+      const QPoint at = painter_.Plate().topLeft() + QPoint(x, y + dy);
+      const QColor colour = picture_.pixelColor(at);
+      if (colour.blue() > 180 && colour.red() < 120 && colour.green() < 120) return true;
+    }
+    return false;
+  }
+  bool BlueAtPoint(int index) const {
+    const ZelChannel& speed = *set_.Scope.Channels()[2];
+    return BlueAt(set_.Scope.TimeChannel().XPixel(index), speed.YPixel(index));
+  }
+  int Y(double divisions) const {
+    return qRound(painter_.Plate().height() * (0.5 - divisions / 8));
+  }
+
+  TwoTraces set_;
+  ScopePainter painter_{set_.Scope};
+  QImage picture_{PictureSize, QImage::Format_RGB32};
+};
+
+TEST_F(ScopePainterTest, TheScopeIsToldTheSizeOfTheScreen) {
+  EXPECT_EQ(set_.Scope.Width(), painter_.Plate().width());
+  EXPECT_EQ(set_.Scope.Height(), painter_.Plate().height());
+  EXPECT_TRUE(QRect(QPoint(0, 0), PictureSize).contains(painter_.Plate()));
+}
+
+TEST_F(ScopePainterTest, BackgroundCoversThePictureWithTenByEightDivisions) {
+  for (int y = 0; y < picture_.height(); ++y) {
+    for (int x = 0; x < picture_.width(); ++x) {
+      ASSERT_NE(picture_.pixelColor(x, y), QColor(Qt::magenta)) << x << "," << y;
+    }
+  }
+  // Along a row between the horizontal lines: nine vertical ones besides the border.
+  const QRect plate = painter_.Plate();
+  int lines = 0;
+  for (int x = plate.left() + 1; x < plate.right(); ++x) {
+    if (picture_.pixelColor(x, plate.top() + plate.height() / 16) != ScopeColours::Light().Plate) {
+      ++lines;
+    }
+  }
+  EXPECT_EQ(lines, 9);
+}
+
+TEST_F(ScopePainterTest, TracesGrowByWhatIsNew) {
+  EXPECT_TRUE(PaintNew().isEmpty());
+  set_.Speed.Value = 1.0;  // times the multiplier 10 over 5 a division: two divisions up
+  set_.Sample(200);
+  const QRect first = PaintNew();
+  EXPECT_TRUE(BlueAtPoint(150));
+  EXPECT_FALSE(BlueAt(painter_.Plate().width() * 3 / 4, Y(2)));
+  EXPECT_TRUE(PaintNew().isEmpty());
+
+  set_.Sample(150);
+  const QRect second = PaintNew();
+  EXPECT_TRUE(BlueAtPoint(300));
+  // The second area begins where the first one ended, give or take the width of a line.
+  EXPECT_GT(second.left(), first.right() - 8);
+  EXPECT_TRUE(painter_.Plate().contains(second));
+}
+
+TEST_F(ScopePainterTest, PaintingAnewShowsWhatGrowingShowed) {
+  for (int i = 0; i < 300; ++i) {
+    set_.Speed.Value = (i % 60 - 30) / 30.0;
+    set_.Sample(1);
+    if (i % 7 == 0) PaintNew();
+  }
+  PaintNew();
+  const QImage grown = picture_;
+  PaintTraces(false);
+  // Lines begin at other points, so single pixels at the joints may differ, in shade more than in
+  // place: less than one in a hundred of the pixels, none of them by much at a distance.
+  int different = 0;
+  for (int y = 0; y < picture_.height(); ++y) {
+    for (int x = 0; x < picture_.width(); ++x) {
+      if (qAbs(qGray(grown.pixel(x, y)) - qGray(picture_.pixel(x, y))) > 64) ++different;
+    }
+  }
+  EXPECT_LT(different, PictureSize.width() * PictureSize.height() / 100 / 10);
+}
+
+TEST_F(ScopePainterTest, PointsOfTheSweepBeforeStayUntilTheyAreOverwritten) {
+  set_.Speed.Value = 1.0;
+  set_.Sample(401);
+  set_.Speed.Value = -1.0;
+  set_.Sample(200);
+  const int early = painter_.Plate().width() / 4;
+  const int late = painter_.Plate().width() * 3 / 4;
+  PaintTraces(false);
+  EXPECT_TRUE(BlueAt(early, Y(-2)));
+  EXPECT_FALSE(BlueAt(late, Y(2)));
+  PaintTraces(true);
+  EXPECT_TRUE(BlueAt(early, Y(-2)));
+  EXPECT_TRUE(BlueAt(late, Y(2)));
+  EXPECT_FALSE(BlueAt(late, Y(-2)));
+}
+
+TEST_F(ScopePainterTest, APartOfTheFirstSweepHasNoSweepBefore) {
+  set_.Speed.Value = 1.0;
+  set_.Sample(200);
+  PaintTraces(true);
+  EXPECT_TRUE(BlueAtPoint(150));
+  for (int x = painter_.Plate().width() * 6 / 10; x < painter_.Plate().width(); ++x) {
+    ASSERT_FALSE(BlueAt(x, Y(2))) << x;
+    ASSERT_FALSE(BlueAt(x, Y(0))) << x;
+  }
+}
+
+TEST_F(ScopePainterTest, ATraceFarOffTheScreenStaysInsideItsFrame) {
+  set_.Speed.Value = 1e30;
+  set_.Sample(200);
+  set_.Speed.Value = -1e30;
+  set_.Sample(100);
+  const QImage background = picture_;
+  PaintNew();
+  const QRect plate = painter_.Plate();
+  for (int y = 0; y < picture_.height(); ++y) {
+    for (int x = 0; x < picture_.width(); ++x) {
+      if (plate.contains(x, y)) continue;
+      ASSERT_EQ(picture_.pixel(x, y), background.pixel(x, y)) << x << "," << y;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace torvane

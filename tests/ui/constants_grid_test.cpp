@@ -1,0 +1,94 @@
+#include "ui/constants_grid.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+
+#include "core/constant.h"
+#include "desktop.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+
+class ConstantsGridTest : public test::Desktop {
+ protected:
+  QTableWidget& Grid() { return Find<QTableWidget>("SGConsts"); }
+  int Row(const QString& name) {
+    const auto items = Grid().findItems(name, Qt::MatchExactly);
+    return items.isEmpty() ? -1 : items.front()->row();
+  }
+  QString Value(const char* name) {
+    return Grid().item(Row(name), ConstantsGrid::ValueColumn)->text();
+  }
+  // As a user does: chooses the cell, types, presses Enter.
+  void Enter(const char* name, const char* text) {
+    Grid().setFocus();
+    Grid().setCurrentCell(Row(name), ConstantsGrid::ValueColumn);
+    QTest::keyClick(&Grid(), Qt::Key_F2);
+    QLineEdit* editor = Grid().findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, QString::fromLatin1(text));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTest::qWait(1);
+  }
+};
+
+TEST_F(ConstantsGridTest, ListsNameValueAndUnit) {
+  ASSERT_EQ(Grid().rowCount(), static_cast<int>(Bench().Constants().size()));
+  const int row = Row("TSample");
+  ASSERT_GE(row, 0);
+  EXPECT_EQ(Value("TSample").toDouble(), Const("TSample").Value());
+  EXPECT_EQ(Grid().item(row, ConstantsGrid::UnitColumn)->text(),
+            QString::fromStdString(Const("TSample").Unit()));
+}
+
+TEST_F(ConstantsGridTest, EditsReachTheConstantWhileTheModelRuns) {
+  Click("SBRun");
+  Enter("KVP", "0.5");
+  EXPECT_EQ(Const("KVP").Value(), 0.5);
+  EXPECT_TRUE(Panel->Running());
+  EXPECT_EQ(Find<QAction>("MIUndo").text(), "Undo KVP = 0.5");
+  Trigger("MIUndo");
+  EXPECT_EQ(Value("KVP").toDouble(), Const("KVP").Default());
+}
+
+TEST_F(ConstantsGridTest, ShowsTheLimitedAndKeepsTheRefused) {
+  const double upper = Const("KVP").Upper();
+  Enter("KVP", "1e300");
+  EXPECT_EQ(Const("KVP").Value(), upper);
+  EXPECT_EQ(Value("KVP").toDouble(), upper);
+  Enter("KVP", "big");
+  EXPECT_EQ(Reports.Take(), Messages{"Message Box: Cannot convert \"big\" to a Number"});
+  EXPECT_EQ(Value("KVP").toDouble(), upper);
+}
+
+TEST_F(ConstantsGridTest, AnUntouchedCellKeepsTheDigitsItDoesNotShow) {
+  Const("KVP").Set(0.123456789);
+  EXPECT_EQ(Value("KVP"), "0.12346");
+  Enter("KVP", "0.12346");
+  EXPECT_EQ(Const("KVP").Value(), 0.123456789);
+}
+
+TEST_F(ConstantsGridTest, ChoicesAreOfferedAsAList) {
+  Find<QComboBox>("ModelCmB").setCurrentText("4-1 Digital PI Controller");
+  const Constant* list = nullptr;
+  for (const Constant* constant : Bench().Constants()) {
+    if (constant->IsList()) list = constant;
+  }
+  ASSERT_NE(list, nullptr);
+  Grid().setCurrentCell(Row(QString::fromStdString(list->Name())), ConstantsGrid::ValueColumn);
+  QTest::keyClick(&Grid(), Qt::Key_F2);
+  QComboBox* editor = Grid().findChild<QComboBox*>();
+  ASSERT_NE(editor, nullptr);
+  ASSERT_EQ(editor->count(), static_cast<int>(list->Choices().size()));
+  const int other = list->Choice() == 0 ? 1 : 0;
+  editor->setCurrentIndex(other);
+  emit editor->activated(other);
+  EXPECT_EQ(list->Choice(), other);
+  EXPECT_EQ(Value(list->Name().c_str()), QString::fromStdString(list->DisplayText()));
+}
+
+}  // namespace
+}  // namespace torvane

@@ -1,0 +1,54 @@
+#include "ui/message_boxes.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+#include <functional>
+
+namespace torvane {
+namespace {
+
+// What the box that `report` shows looks like; it is answered with the button.
+QString Seen(QMessageBox::StandardButton answer, const std::function<void()>& report) {
+  QString seen = "no box";
+  QTimer::singleShot(0, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box) return;
+    seen = box->windowTitle() + "|" + box->text();
+    for (QAbstractButton* button : box->buttons()) seen += "|" + button->text().remove('&');
+    box->button(answer)->click();
+  });
+  report();
+  return seen;
+}
+
+TEST(MessageBoxesTest, ReportsAreModalBoxesWithTheirCaption) {
+  const MessageBoxes boxes;
+  EXPECT_EQ(Seen(QMessageBox::Ok, [] { Note("a < b"); }), "Note|a < b|OK");
+  EXPECT_EQ(Seen(QMessageBox::Ok, [] { Warning("w"); }), "Warning|w|OK");
+  EXPECT_EQ(Seen(QMessageBox::Ok, [] { Error("first\rsecond"); }), "Error|first\nsecond|OK");
+  EXPECT_EQ(Seen(QMessageBox::Ok, [] { ConversionError("c"); }), "Message Box|c|OK");
+}
+
+TEST(MessageBoxesTest, QuestionsAreAnswered) {
+  const MessageBoxes boxes;
+  bool answer = false;
+  EXPECT_EQ(Seen(QMessageBox::Ok, [&] { answer = ErrorQuestion("q"); }), "Error|q|OK|Cancel");
+  EXPECT_TRUE(answer);
+  EXPECT_EQ(Seen(QMessageBox::Cancel, [&] { answer = WarningQuestion("q"); }),
+            "Warning|q|OK|Cancel");
+  EXPECT_FALSE(answer);
+}
+
+TEST(MessageBoxesTest, AFatalErrorEndsTheEventLoop) {
+  const MessageBoxes boxes;
+  QTimer::singleShot(0, [] { Seen(QMessageBox::Ok, [] { FatalError("over"); }); });
+  QTimer::singleShot(10000, [] { QCoreApplication::exit(99); });
+  EXPECT_EQ(QCoreApplication::exec(), EXIT_FAILURE);
+}
+
+}  // namespace
+}  // namespace torvane

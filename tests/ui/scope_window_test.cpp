@@ -1,0 +1,222 @@
+#include "ui/scope_window.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QRadioButton>
+
+#include "desktop.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+
+class ScopeWindowTest : public test::Desktop {
+ protected:
+  ZelScope& Scope() {
+    return static_cast<ZelScope&>(*Bench().Instruments(InstrumentKind::Scope).front());
+  }
+  QComboBox& List(const char* name) { return Find<QComboBox>(name); }
+  ZelChannel& Channel() { return *Scope().Channels()[List("CmBVertChan").currentIndex()]; }
+  void RunFor(double simulated) {
+    const double until = Panel->Model()->Time() + simulated;
+    Click("SBRun");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() >= until; }));
+    Click("SBStop");
+  }
+  // Pixels of the screen in the colours of the model's two traces, black and blue.
+  int TracePixels() {
+    const QImage image = Find<QWidget>("PBScreen").grab().toImage();
+    int count = 0;
+    for (int y = 10; y < image.height() * 4 / 5; ++y) {
+      for (int x = image.width() / 5; x < image.width() - 20; ++x) {
+        const QColor colour = image.pixelColor(x, y);
+        count += colour.red() < 60 && colour.green() < 60;
+      }
+    }
+    return count;
+  }
+};
+
+TEST_F(ScopeWindowTest, TracesGrowWhileTheModelRuns) {
+  EXPECT_EQ(TracePixels(), 0);
+  Type("EHorizScale", "200");  // a screen of half an hour, which takes a machine seconds
+  Click("SBRun");
+  int before = 0;
+  for (int look = 0; look < 3; ++look) {
+    ASSERT_TRUE(QTest::qWaitFor([&] { return TracePixels() > before; }, 20000));
+    before = TracePixels();
+  }
+  Click("SBStop");
+  const int stopped = TracePixels();
+  QTest::qWait(150);
+  EXPECT_EQ(TracePixels(), stopped);
+}
+
+TEST_F(ScopeWindowTest, FastSweepsGiveASteadyPicture) {
+  Click("SBRun");
+  QTest::qWait(300);
+  int least = 1 << 30;
+  int most = 0;
+  for (int look = 0; look < 10; ++look) {
+    QTest::qWait(40);
+    const int pixels = TracePixels();
+    least = std::min(least, pixels);
+    most = std::max(most, pixels);
+  }
+  Click("SBStop");
+  // A trace cut at the point that the sweep has reached would vary by all of its length; the edges
+  // of the square move by a sample and its smooth lines change their shades.
+  EXPECT_GT(least, most * 3 / 4);
+}
+
+TEST_F(ScopeWindowTest, TheScreenFollowsAResize) {
+  RunFor(0.5);
+  const int width = Scope().Width();
+  const int height = Scope().Height();
+  auto& frame = *qobject_cast<QMdiSubWindow*>(Find<QWidget>("TZelScopeF").parentWidget());
+  frame.resize(frame.width() - 100, frame.height() - 80);
+  EXPECT_EQ(Scope().Width(), width - 100);
+  EXPECT_EQ(Scope().Height(), height - 80);
+  EXPECT_GT(TracePixels(), 0);  // painted anew, though stopped
+}
+
+TEST_F(ScopeWindowTest, VerticalScaleAndOffset) {
+  Type("EVertScale", "-2");
+  EXPECT_EQ(Channel().Vertical.Scale, -2.0);
+  Click("BVScaleUp");
+  EXPECT_EQ(Text("EVertScale"), "-5");
+  Click("BBVertScaleSign");
+  Click("BVScaleDown");
+  EXPECT_EQ(Text("EVertScale"), "2");
+  Type("EVertOffset", "1");
+  Click("BVOffsetUp");
+  EXPECT_EQ(Channel().Vertical.Offset, 3.0);
+  Click("BVertOffsetSign");
+  Click("BVOffsetDown");
+  EXPECT_EQ(Text("EVertOffset"), "-5");
+  Click("BVertZero");
+  EXPECT_EQ(Text("EVertOffset"), "0");
+
+  Type("EVertScale", "-0.5");
+  Click("BVOffsetUp");
+  EXPECT_EQ(Text("EVertOffset"), "-0.5");
+  Type("EVertScale", "0");
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Scale cannot be set to zero"});
+  EXPECT_EQ(Text("EVertScale"), "-0.5");
+  Type("EVertScale", "nan");
+  EXPECT_EQ(Reports.Take(), Messages{"Message Box: Cannot convert \"nan\" to a Number"});
+  EXPECT_EQ(Channel().Vertical.Scale, -0.5);
+}
+
+TEST_F(ScopeWindowTest, AutoAndFillScaleToTheScreen) {
+  RunFor(0.5);
+  Type("EVertScale", "1000");
+  Click("BVertFill");
+  EXPECT_LT(Text("EVertScale").toDouble(), 100.0);
+  Type("EVertOffset", "3");
+  Click("BVertAuto");
+  EXPECT_EQ(Text("EVertOffset"), "0");
+  EXPECT_TRUE(Reports.Take().empty());
+}
+
+TEST_F(ScopeWindowTest, FillOfAFlatTraceIsNoted) {
+  Click("BVertFill");
+  EXPECT_EQ(Reports.Take(), Messages{"Note: Cannot Fill because Max = Min"});
+}
+
+TEST_F(ScopeWindowTest, HorizontalScaleSetsTheTimeBase) {
+  Type("EHorizScale", "0.004");
+  EXPECT_EQ(Scope().SampleInterval(), 0.004 * 10.0 / 400.0);
+  Click("BHorizScaleUp");
+  EXPECT_EQ(Text("EHorizScale"), "0.005");
+  Click("BHorizScaleDown");
+  EXPECT_EQ(Text("EHorizScale"), "0.002");
+  Type("EHorizScale", "0");
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Horizontal scale cannot be set to zero"});
+  Type("EHorizOffset", "1");
+  Click("BHorizOffsetUp");
+  EXPECT_NEAR(Scope().TimeChannel().Horizontal.Offset, 1.002, 1e-15);
+  Click("BBHorizOffsetSign");
+  EXPECT_EQ(Text("EHorizOffset"), "-1.002");
+  Click("BHorizZero");
+  EXPECT_EQ(Text("EHorizOffset"), "0");
+}
+
+TEST_F(ScopeWindowTest, AnotherChannelAsXAxisTakesTheTriggersLevelAway) {
+  List("CmBHorizChan").setCurrentIndex(2);
+  EXPECT_TRUE(Scope().XYMode());
+  EXPECT_EQ(Scope().HorizontalChannel(), Scope().Channels()[1].get());
+  EXPECT_FALSE(Find<QWidget>("ETrigLevel").isEnabled());
+  RunFor(0.5);
+  List("CmBHorizChan").setCurrentIndex(0);
+  EXPECT_FALSE(Scope().XYMode());
+  EXPECT_TRUE(Find<QWidget>("ETrigLevel").isEnabled());
+}
+
+TEST_F(ScopeWindowTest, TracesAreShownAndHidden) {
+  ASSERT_TRUE(Find<QCheckBox>("CBVertShow").isChecked());
+  EXPECT_EQ(List("CmBVertChan").currentText(), QString::fromStdString(Channel().Name() + " (Blk)"));
+  Click("CBVertShow");
+  EXPECT_FALSE(Channel().Displayed);
+  EXPECT_EQ(List("CmBVertChan").currentText(), QString::fromStdString(Channel().Name()));
+  QTest::mouseDClick(&List("CmBVertChan"), Qt::LeftButton);
+  EXPECT_TRUE(Channel().Displayed);
+  EXPECT_TRUE(Find<QCheckBox>("CBVertShow").isChecked());
+}
+
+TEST_F(ScopeWindowTest, TriggerSettingsReachTheTrigger) {
+  const ZelTrigger& trigger = Scope().Trigger();
+  EXPECT_TRUE(Find<QRadioButton>("RBTrigAuto").isChecked());
+  Click("RBTrigNormal");
+  EXPECT_EQ(trigger.Mode(), SweepMode::Normal);
+  Click("RBTrigCont");
+  EXPECT_EQ(trigger.Mode(), SweepMode::Cont);
+  Click("RBTrigNeg");
+  EXPECT_FALSE(trigger.PositiveSlope());
+  Type("ETrigLevel", "2.5");
+  EXPECT_EQ(trigger.Level, 2.5);
+  Type("ETrigPosition", "50");
+  EXPECT_EQ(trigger.Position, 50.0);
+  List("CmBTrigSource").setCurrentIndex(1);
+  EXPECT_EQ(&trigger.Source(), Scope().Channels()[1].get());
+}
+
+TEST_F(ScopeWindowTest, ASingleShotStopsTheRun) {
+  Click("CBSingleShot");
+  EXPECT_TRUE(Scope().SingleShot());
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
+  const double first = Panel->Model()->Time();
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
+  EXPECT_GT(Panel->Model()->Time(), first);
+}
+
+TEST_F(ScopeWindowTest, TheLampShowsTriggerEvents) {
+  const auto colour = [&] { return Find<QLabel>("TriggeredP").palette().color(QPalette::Window); };
+  EXPECT_EQ(colour(), QColor(0xc0c0c0));
+  Click("SBRun");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(0x00ff00); }));
+  Click("SBStop");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(0xc0c0c0); }, 2000));
+}
+
+TEST_F(ScopeWindowTest, SettingsChangedElsewhereAreShown) {
+  Scope().SetVerticalScale(Channel(), 12.5);
+  Scope().Trigger().SetMode(SweepMode::Normal);
+  Find<TZelScopeF>("TZelScopeF").SettingsChanged();
+  EXPECT_EQ(Text("EVertScale"), "12.5");
+  EXPECT_TRUE(Find<QRadioButton>("RBTrigNormal").isChecked());
+}
+
+TEST_F(ScopeWindowTest, CannotBeClosed) {
+  EXPECT_FALSE(Find<QWidget>("TZelScopeF").parentWidget()->close());
+  EXPECT_EQ(Reports.Take(), Messages{"Note: Scope cannot be closed."});
+}
+
+}  // namespace
+}  // namespace torvane

@@ -1,0 +1,87 @@
+#include "ui/workspace.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+
+#include "desktop.h"
+#include "models/catalogue.h"
+#include "ui/instrument_pane.h"
+
+namespace torvane {
+namespace {
+
+class WorkspaceTest : public test::Desktop {
+ protected:
+  Workspace& Area() { return Find<Workspace>("InstrumentArea"); }
+};
+
+TEST_F(WorkspaceTest, SubWindowsFillASmallDisplayWithoutOverlap) {
+  for (int index = 0; index < static_cast<int>(ModelNames().size()); ++index) {
+    Find<QComboBox>("ModelCmB").setCurrentIndex(index);
+    const auto& frames = Area().Frames();
+    ASSERT_GE(frames.size(), 2U);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+      EXPECT_TRUE(Area().rect().contains(frames[i]->geometry())) << ModelNames()[index];
+      for (std::size_t k = 0; k < i; ++k) {
+        EXPECT_FALSE(frames[i]->geometry().intersects(frames[k]->geometry()))
+            << ModelNames()[index];
+      }
+    }
+  }
+}
+
+TEST_F(WorkspaceTest, SubWindowsFollowTheAreaUntilTheUserMovesOne) {
+  InstrumentFrame& scope = *Area().Frames()[0];
+  const int width = scope.width();
+  Panel->resize(Small + QSize(200, 0));
+  QTest::qWait(10);
+  EXPECT_EQ(scope.width(), width + 200);
+  scope.resize(500, 400);
+  Panel->resize(Small);
+  QTest::qWait(10);
+  EXPECT_EQ(scope.size(), QSize(500, 400));
+  Trigger("MIFillScreen");
+  EXPECT_EQ(scope.width(), width);
+}
+
+TEST_F(WorkspaceTest, TheEngineKnowsTheWindowsPlacement) {
+  InstrumentFrame& scope = *Area().Frames()[0];
+  const WindowPlacement& placement = scope.Pane().Engine().Placement;
+  scope.setGeometry(30, 40, 600, 500);
+  EXPECT_EQ(placement, (WindowPlacement{WindowState::Normal, 500, 30, 40, 600}));
+  scope.showMaximized();
+  EXPECT_EQ(placement, (WindowPlacement{WindowState::Maximised, 500, 30, 40, 600}));
+  scope.showNormal();
+  EXPECT_EQ(placement.State, WindowState::Normal);
+}
+
+TEST_F(WorkspaceTest, AGivenPlacementIsKept) {
+  auto model = LoadModel(0);
+  Instrument& scope = *model->Bench().Instruments(InstrumentKind::Scope).front();
+  scope.Placement = {WindowState::Normal, 420, 11, 22, 640};
+  Panel->MakeCurrent(std::move(model));
+  QTest::qWait(10);
+  EXPECT_EQ(Area().Frames()[0]->geometry(), QRect(11, 22, 640, 420));
+}
+
+// Every control says what it does, to the eye and to a screen reader, and the keyboard gets there.
+TEST_F(WorkspaceTest, EveryControlIsExplainedAndReachable) {
+  int controls = 0;
+  for (QWidget* widget : Panel->findChildren<QWidget*>()) {
+    const bool isControl = widget->inherits("QAbstractButton") || widget->inherits("QLineEdit") ||
+                           widget->inherits("QComboBox") || widget->inherits("QTableWidget");
+    // Parts of controls and of the window frames have no names of their own.
+    if (!isControl || widget->objectName().isEmpty() || widget->objectName().startsWith("qt_")) {
+      continue;
+    }
+    ++controls;
+    const std::string name = widget->objectName().toStdString();
+    EXPECT_FALSE(widget->toolTip().isEmpty()) << name;
+    EXPECT_FALSE(widget->accessibleName().isEmpty()) << name;
+    EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << name;
+  }
+  EXPECT_GT(controls, 50);
+}
+
+}  // namespace
+}  // namespace torvane
