@@ -100,6 +100,10 @@ DisplayFault LoadDisplay(const Record& record, WindowPlacement& placement) {
   return DisplayFault::None;
 }
 
+void ReportUnknownRecord(const Record& record) {
+  Error("Unrecognized line to load in \"" + record.Line + "\"");
+}
+
 void LoadDisplayReporting(const Record& record, WindowPlacement& placement,
                           const std::string& wrongCount) {
   switch (LoadDisplay(record, placement)) {

@@ -68,4 +68,7 @@ DisplayFault LoadDisplay(const Record& record, WindowPlacement& placement);
 void LoadDisplayReporting(const Record& record, WindowPlacement& placement,
                           const std::string& wrongCount);
 
+/// Reports a record whose keyword its instrument does not know.
+void ReportUnknownRecord(const Record& record);
+
 }  // namespace torvane

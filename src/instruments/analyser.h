@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -115,6 +116,10 @@ class FrequencyAnalyser : public Instrument {
   int CursorSlot = 0;                      ///< the trace that the cursors read
   bool SplitScreen = true;                 ///< gain above, phase below; else one plot for both
 
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+
   /// Displayed data has changed since the last call.
   bool TakeNeedsRedraw();
 
@@ -139,6 +144,12 @@ class FrequencyAnalyser : public Instrument {
   /// Stores a setting; a value that is not finite is ignored.
   void SetSetting(double& setting, double value);
 
+  /// The records between the channels and the scales of the plot, the analyser's own.
+  virtual void SaveSetup(RecordWriter& writer) const = 0;
+  /// Takes one of them, of four entries; false when its keyword is unknown.
+  virtual bool LoadSetup(const Record& record) = 0;
+  void SaveFreqRange(RecordWriter& writer) const;
+
   /// The last index that has no upper neighbour.
   virtual int LastIndex(int slot) const = 0;
 
@@ -155,6 +166,8 @@ class FrequencyAnalyser : public Instrument {
   template <class Value>
   double Interpolate(int slot, double index, Value value) const;
   bool Choose(AnalyserChannel*& chosen, const std::string& name);
+  bool LoadChoice(const Record& record);
+  bool LoadAxis(const Record& record);
   void SetPositive(double& setting, double value, const char* what);
 
   std::string label_;
@@ -170,6 +183,8 @@ class FrequencyAnalyser : public Instrument {
   double phaseOffset_ = 0.0;
   std::string findType_ = "-3 dB";
   bool visible_;
+  std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
+  std::optional<double> fileFreqMax_;
   bool needsRedraw_ = false;
 };
 

@@ -13,6 +13,14 @@ namespace {
 constexpr double AboveMin = 1.01;
 constexpr double BelowMax = 0.99;
 
+// Beyond these the ratio of the axis' ends would not be a number any more. Hz.
+constexpr double LowestFrequency = 1e-100;
+constexpr double HighestFrequency = 1e100;
+
+double LimitedFrequency(double hz) {
+  return hz > 0.0 ? std::clamp(hz, LowestFrequency, HighestFrequency) : hz;
+}
+
 }  // namespace
 
 void FrequencyAnalyser::SetSetting(double& setting, double value) {
@@ -30,16 +38,17 @@ void FrequencyAnalyser::SetPositive(double& setting, double value, const char* w
 }
 
 void FrequencyAnalyser::SetFreqMin(double hz) {
-  SetPositive(freqMin_, hz > BelowMax * freqMax_ ? BelowMax * freqMax_ : hz, "FreqMin");
+  SetPositive(freqMin_, hz > BelowMax * freqMax_ ? BelowMax * freqMax_ : LimitedFrequency(hz),
+              "FreqMin");
 }
 
 void FrequencyAnalyser::SetFreqMax(double hz) {
-  SetSetting(freqMax_, hz < AboveMin * freqMin_ ? AboveMin * freqMin_ : hz);
+  SetSetting(freqMax_, hz < AboveMin * freqMin_ ? AboveMin * freqMin_ : LimitedFrequency(hz));
 }
 
 void FrequencyAnalyser::SetFreqRange(double low, double high) {
   if (!std::isfinite(high)) return;
-  SetPositive(freqMin_, low, "FreqMin");
+  SetPositive(freqMin_, LimitedFrequency(low), "FreqMin");
   SetFreqMax(high);
 }
 

@@ -81,8 +81,11 @@ class ZelXfer final : public FrequencyAnalyser {
   Range DataRange(int slot) const override;
   double IndexAt(int slot, double hz) const override;
   bool StoreData(int slot) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
 
  protected:
+  void SaveSetup(RecordWriter& writer) const override;
+  bool LoadSetup(const Record& record) override;
   bool OutputOnly() const override { return spectrum_; }
   int LastIndex(int slot) const override;
 
@@ -99,6 +102,12 @@ class ZelXfer final : public FrequencyAnalyser {
   double amplitude_ = 1.0;
   double offset_ = 0.0;
   bool spectrum_ = false;
+
+  struct FileEndDelay {
+    double Seconds;
+    int Line;
+  };
+  std::optional<FileEndDelay> fileEndDelay_;  // read from a file that has not ended yet
 
   State state_ = State::Halted;
   SampleClock clock_;

@@ -36,6 +36,9 @@ class ZelMeter final : public Instrument {
   /// (1 measures the response itself, 1/2 the second harmonic).
   double Excitation(double now) const override;
 
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+
   double Value() const { return value_; }
   /// In degrees, of the harmonic kind; in (-270, 90].
   double AngleDeg() const;
@@ -90,7 +93,11 @@ class ZelMeter final : public Instrument {
     double C = 0.0;
   };
 
-  bool Choose(Source& source, const std::string& name, const char* message);
+  bool Choose(Source& source, const std::string& name, const std::string& message);
+  void LoadMeterDisplay(const Record& record);
+  bool LoadSwitch(const Record& record);
+  bool LoadVariable(const Record& record);
+  bool LoadNumber(const Record& record);
   void ComputePoles();
   double Read(Source& source) const;
   template <class T>

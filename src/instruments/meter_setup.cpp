@@ -52,7 +52,7 @@ std::string ZelMeter::UnitText() const {
   return unit.empty() ? Unitless : unit;
 }
 
-bool ZelMeter::Choose(Source& source, const std::string& name, const char* message) {
+bool ZelMeter::Choose(Source& source, const std::string& name, const std::string& message) {
   const auto& variables = bench_.Variables();
   const auto found = std::find_if(variables.begin(), variables.end(), [&](const Variable* v) {
     return !v->Internal() && v->Name() == name;

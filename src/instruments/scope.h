@@ -14,6 +14,16 @@
 
 namespace torvane {
 
+/// The panel of a scope's window that lists the model's constants; a width of 0 is the window's
+/// choice. Pixels.
+struct ConstantsPanel {
+  static constexpr int Widest = 32767;
+
+  bool Shown = true;
+  int Width = 0;
+  int NameWidth = 0;  ///< of the column of names
+};
+
 /// Copy of what one screen of a scope holds, oldest point first, as recorded: without the signals'
 /// display multipliers.
 struct ScopeScreen {
@@ -62,7 +72,8 @@ class ZelScope final : public Instrument {
 
   /// Shows or hides a trace; at most eight are shown, the later ones in channel order lose.
   void SetDisplayed(ZelChannel& channel, bool displayed);
-  /// A scale of 0 (or not a finite number) is refused with a report and gives false.
+  /// A scale of 0 (or not a finite number) is refused with a report and gives false; its magnitude
+  /// is limited to 1e-100 ... 1e100.
   bool SetVerticalScale(ZelChannel& channel, double scale);
   /// An offset that is not a finite number is ignored.
   void SetVerticalOffset(ZelChannel& channel, double offset);
@@ -98,6 +109,12 @@ class ZelScope final : public Instrument {
   /// More than new points has changed since the last call: paint everything.
   bool TakeNeedsRedraw();
 
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+
+  ConstantsPanel ConstForm;
+
   ScopeScreen CopyScreen() const;
   /// Puts a copied screen back, for showing. Capture, if it goes on, begins with a new screen.
   void ShowScreen(const ScopeScreen& screen);
@@ -108,6 +125,9 @@ class ZelScope final : public Instrument {
   void Wait();
   void StartScreen(double percent);
   void AssignColours();
+  void LoadChannel(const Record& record);
+  void LoadTriggerRecord(const Record& record);
+  void LoadConstForm(const Record& record);
   void ComputePixels(ZelChannel& channel);
 
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none

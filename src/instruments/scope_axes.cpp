@@ -29,8 +29,16 @@ std::optional<Extremes> ScreenExtremes(const ScopeMemory& memory, const ZelChann
   return found;
 }
 
+// Beyond these a screen's time, or a pixel, would not be a number any more.
+constexpr double SmallestScale = 1e-100;
+constexpr double LargestScale = 1e100;
+
 bool UsableScale(double scale) {
   return std::isfinite(scale) && scale != 0.0;
+}
+
+double LimitedScale(double scale) {
+  return std::copysign(std::clamp(std::abs(scale), SmallestScale, LargestScale), scale);
 }
 
 }  // namespace
@@ -99,7 +107,7 @@ bool ZelScope::SetVerticalScale(ZelChannel& channel, double scale) {
     Error("Scale cannot be set to zero");
     return false;
   }
-  channel.Vertical.Scale = scale;
+  channel.Vertical.Scale = LimitedScale(scale);
   ComputePixels(channel);
   return true;
 }
@@ -115,7 +123,7 @@ bool ZelScope::SetHorizontalScale(ZelChannel& channel, double scale) {
     Error("Horizontal scale cannot be set to zero");
     return false;
   }
-  channel.Horizontal.Scale = scale;
+  channel.Horizontal.Scale = LimitedScale(scale);
   if (&channel == &TimeChannel()) SetSampleInterval();
   ComputePixels(channel);
   return true;

@@ -78,6 +78,8 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   bool StoreData(int slot) override;
 
  protected:
+  void SaveSetup(RecordWriter& writer) const override;
+  bool LoadSetup(const Record& record) override;
   int LastIndex(int slot) const override;
 
  private:

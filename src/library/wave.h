@@ -68,6 +68,9 @@ class ZelWave final : public TimeDriven, public Instrument {
   double Computed() const { return computed_; }
   double Sync() const { return sync_; }
 
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+
   const WaveSettings& Settings() const { return settings_; }
   /// Setters: the index is limited to 0..8, the duty cycle to 0..100, the frequency stored as its
   /// absolute value.

@@ -1,0 +1,63 @@
+// A waveform generator's part of a model file.
+
+#include <array>
+
+#include "core/messages.h"
+#include "core/record.h"
+#include "core/text.h"
+#include "library/wave.h"
+
+namespace torvane {
+namespace {
+
+struct NumberRecord {
+  const char* Keyword;
+  double WaveSettings::*Value;
+  void (ZelWave::*Set)(double);
+};
+constexpr std::array NumberRecords{
+    NumberRecord{"Amplitude", &WaveSettings::Amplitude, &ZelWave::SetAmplitude},
+    NumberRecord{"FreqHz", &WaveSettings::FreqHz, &ZelWave::SetFreqHz},
+    NumberRecord{"Offset", &WaveSettings::Offset, &ZelWave::SetOffset},
+    NumberRecord{"PhaseDeg", &WaveSettings::PhaseDeg, &ZelWave::SetPhaseDeg},
+    NumberRecord{"DutyCycle", &WaveSettings::DutyCycle, &ZelWave::SetDutyCycle},
+};
+
+// A keyword's record has one value.
+bool HasOneValue(const Record& record) {
+  if (record.Fields.size() == 4) return true;
+  Error("Wrong number of entries in " + record.Line);
+  return false;
+}
+
+}  // namespace
+
+void ZelWave::SaveRecords(RecordWriter& writer) const {
+  SaveDisplay(writer, Placement);
+  writer.Write("Waveform", {std::to_string(settings_.Index)});
+  for (const NumberRecord& number : NumberRecords) {
+    writer.Write(number.Keyword, {FormatShortest(settings_.*number.Value)});
+  }
+}
+
+void ZelWave::LoadRecord(const Record& record) {
+  const std::string& keyword = record.Keyword();
+  if (keyword == "Display") {
+    LoadDisplayReporting(record, Placement, "File error:  wrong number entries in ");
+    return;
+  }
+  if (keyword == "Waveform") {
+    if (!HasOneValue(record)) return;
+    if (const auto index = ToInteger(record.Fields[3])) SetWaveform(*index);
+    return;
+  }
+  for (const NumberRecord& number : NumberRecords) {
+    if (keyword != number.Keyword) continue;
+    if (!HasOneValue(record)) return;
+    if (const auto value = ToNumber(record.Fields[3])) (this->*number.Set)(*value);
+    return;
+  }
+  ReportUnknownRecord(record);
+}
+
+}  // namespace torvane

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "core/model_file.h"
+
+namespace torvane {
+
+/// Host of model files for programs without windows: holds one model of the catalogue and replaces
+/// it when a file names another.
+class CatalogueHost : public ModelFileHost {
+ public:
+  explicit CatalogueHost(std::unique_ptr<ZelModel> model = nullptr) : Model(std::move(model)) {}
+
+  ZelModel* CurrentModel() override { return Model.get(); }
+  bool InCatalogue(const std::string& model) const override;
+  bool ChangeModel(const std::string& name) override;
+  Instrument* AddMeter(const std::string& name) override;
+
+  std::unique_ptr<ZelModel> Model;
+};
+
+}  // namespace torvane
