@@ -81,6 +81,13 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(&table, bench));
   Fill();
   connect(&table, &QTableWidget::cellChanged, this, &ConstantsGrid::CommitCell);
+  // The whole row stands for its value.
+  connect(&table, &QTableWidget::currentCellChanged, this, [this](int row, int column) {
+    if (row >= 0 && column != ValueColumn) table_.setCurrentCell(row, ValueColumn);
+  });
+  connect(&table, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
+    if (column != ValueColumn) table_.editItem(table_.item(row, ValueColumn));
+  });
 }
 
 void ConstantsGrid::Fill() {

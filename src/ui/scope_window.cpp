@@ -11,6 +11,7 @@
 #include "core/scale_steps.h"
 #include "plot/scope_colours.h"
 #include "ui/constants_grid.h"
+#include "ui/double_click.h"
 #include "ui/edit_binding.h"
 #include "ui_scope.h"
 
@@ -99,7 +100,7 @@ void TZelScopeF::ConnectVertical() {
     ShowVertical();
   });
   connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &TZelScopeF::ShowVertical);
-  ui_->CmBVertChan->installEventFilter(this);
+  new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed); });
   connect(ui_->CBVertShow, &QCheckBox::toggled, this, &TZelScopeF::SetShown);
 }
 
@@ -313,15 +314,6 @@ void TZelScopeF::resizeEvent(QResizeEvent* event) {
       width() - margins.left() - margins.right() < ui_->Controls->minimumSizeHint().width();
   const int scrollBar = narrow ? ui_->ControlArea->horizontalScrollBar()->sizeHint().height() : 0;
   ui_->ControlArea->setFixedHeight(ui_->Controls->sizeHint().height() + scrollBar);
-}
-
-bool TZelScopeF::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::MouseButtonDblClick && watched == ui_->CmBVertChan) {
-    ui_->CmBVertChan->hidePopup();
-    SetShown(!VerticalChannel().Displayed);
-    return true;
-  }
-  return InstrumentPane::eventFilter(watched, event);
 }
 
 }  // namespace torvane

@@ -33,9 +33,9 @@ QPixmap SplashPicture() {
   font.setPixelSize(12);
   painter.setFont(font);
   painter.setPen(QColor(0x9fbbd4));
-  painter.drawText(QPoint(152, 140),
-                   QStringLiteral("Simulator of feedback control systems, version ") +
-                       QCoreApplication::applicationVersion());
+  painter.drawText(QPoint(152, 144), QStringLiteral("Simulator of feedback control systems"));
+  painter.drawText(QPoint(152, 162),
+                   QStringLiteral("Version %1").arg(QCoreApplication::applicationVersion()));
   return picture;
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
+#include "ui/double_click.h"
 #include "ui/edit_binding.h"
 #include "ui_wave_gen.h"
 
@@ -26,7 +27,10 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
   for (const char* name : ZelWave::WaveformNames()) {
     ui_->CmBWaveform->addItem(QLatin1String(name));
   }
-  ui_->CmBWaveform->installEventFilter(this);
+  new DoubleClick(*ui_->CmBWaveform, [this] {
+    const int next = ui_->CmBWaveform->currentIndex() + 1;
+    ui_->CmBWaveform->setCurrentIndex(next % ui_->CmBWaveform->count());
+  });
   connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this,
           [this](int index) { wave_.SetWaveform(index); });
   Bind(ui_->EFreqHz, &ZelWave::SetFreqHz, &WaveSettings::FreqHz);
@@ -90,16 +94,6 @@ void TZelWaveGenF::SettingsChanged() {
 void TZelWaveGenF::closeEvent(QCloseEvent* event) {
   event->ignore();
   Note("Waveform Generator cannot be closed.");
-}
-
-bool TZelWaveGenF::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::MouseButtonDblClick && watched == ui_->CmBWaveform) {
-    ui_->CmBWaveform->hidePopup();
-    const int count = ui_->CmBWaveform->count();
-    ui_->CmBWaveform->setCurrentIndex((ui_->CmBWaveform->currentIndex() + 1) % count);
-    return true;
-  }
-  return InstrumentPane::eventFilter(watched, event);
 }
 
 }  // namespace torvane

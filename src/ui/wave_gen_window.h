@@ -31,7 +31,6 @@ class TZelWaveGenF : public InstrumentPane {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   /// One number of the generator: its edit, and the buttons that change it.

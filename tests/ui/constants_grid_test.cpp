@@ -44,6 +44,17 @@ TEST_F(ConstantsGridTest, ListsNameValueAndUnit) {
             QString::fromStdString(Const("TSample").Unit()));
 }
 
+TEST_F(ConstantsGridTest, AClickAnywhereInARowChoosesItsValue) {
+  const int row = Row("TSample");
+  for (int column : {ConstantsGrid::NameColumn, ConstantsGrid::UnitColumn}) {
+    Grid().setCurrentCell(0, ConstantsGrid::ValueColumn);
+    const QRect cell = Grid().visualItemRect(Grid().item(row, column));
+    QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {}, cell.center());
+    EXPECT_EQ(Grid().currentRow(), row);
+    EXPECT_EQ(Grid().currentColumn(), ConstantsGrid::ValueColumn);
+  }
+}
+
 TEST_F(ConstantsGridTest, EditsReachTheConstantWhileTheModelRuns) {
   Click("SBRun");
   Enter("KVP", "0.5");

@@ -1,6 +1,7 @@
 #include "ui/scope_window.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -166,6 +167,11 @@ TEST_F(ScopeWindowTest, TracesAreShownAndHidden) {
   QTest::mouseDClick(&List("CmBVertChan"), Qt::LeftButton);
   EXPECT_TRUE(Channel().Displayed);
   EXPECT_TRUE(Find<QCheckBox>("CBVertShow").isChecked());
+  // The first click has opened the list, which takes the second.
+  List("CmBVertChan").showPopup();
+  QTest::mouseDClick(List("CmBVertChan").view()->viewport(), Qt::LeftButton);
+  EXPECT_FALSE(Channel().Displayed);
+  EXPECT_FALSE(List("CmBVertChan").view()->isVisible());
 }
 
 TEST_F(ScopeWindowTest, TriggerSettingsReachTheTrigger) {
