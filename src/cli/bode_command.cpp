@@ -19,7 +19,7 @@ struct BodeOptions {
   std::optional<int> Order;
   std::optional<double> StartDelay;
   std::optional<double> EndDelay;
-  bool Spectrum = false;
+  std::optional<bool> Spectrum;
 };
 
 // Order and sample time first: they decide which end delays are possible.
@@ -31,7 +31,7 @@ void SetUp(ZelXfer& xfer, const BodeOptions& options) {
   if (options.EndDelay) xfer.SetTEndDelay(*options.EndDelay);
   if (response.Amplitude) xfer.SetAmplitude(*response.Amplitude);
   if (response.Offset) xfer.SetOffset(*response.Offset);
-  xfer.SetSpectrum(options.Spectrum);
+  if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
 }
 
 // One record, from Run to Complete. No other instrument asks for times.
@@ -56,6 +56,7 @@ void WriteBins(ZelXfer& xfer, ResultFile& file) {
 }
 
 void MeasureBode(const BodeOptions& options, Console& console) {
+  CheckChannels(options.Response);
   const auto model = OpenModel(options.Response.Model, console);
   auto& xfer = dynamic_cast<ZelXfer&>(
       ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
@@ -64,7 +65,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   TakeRecord(*model, xfer, console, Console::CanShowProgress(false));
   WriteBins(xfer, file);
   if (options.Response.Picture.empty()) return;
-  xfer.AutoRange();
+  // A file's range of frequencies is part of its set-up.
+  if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();
   WritePicture(xfer, options.Response.Picture);
 }
 
@@ -80,8 +82,9 @@ void AddBodeCommand(CLI::App& app, Console& console) {
             "Time before the first sample, seconds");
   AddNumber(*command, "--end-delay", options->EndDelay, NumberRange::NotNegative,
             "Last part of the record without excitation, seconds");
-  command->add_flag("--spectrum", options->Spectrum,
-                    "Give the output's spectrum alone, under a triangular window");
+  command->add_flag_function(
+      "--spectrum,!--no-spectrum", [options](std::int64_t count) { options->Spectrum = count > 0; },
+      "Give the output's spectrum alone, under a triangular window, or the response");
   command->callback([options, &console] { MeasureBode(*options, console); });
 }
 

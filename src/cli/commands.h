@@ -11,13 +11,15 @@ class Console;
 // Each adds one command to the program. The command runs when the command line has been read, and
 // throws CommandError when it cannot be carried out.
 void AddModelsCommand(CLI::App& app);
-void AddConstantsCommand(CLI::App& app);
-void AddSignalsCommand(CLI::App& app);
+void AddConstantsCommand(CLI::App& app, Console& console);
+void AddSignalsCommand(CLI::App& app, Console& console);
 void AddRunCommand(CLI::App& app, Console& console);
 void AddScopeCommand(CLI::App& app, Console& console);
 void AddSpeedCommand(CLI::App& app, Console& console);
 void AddBodeCommand(CLI::App& app, Console& console);
 void AddSweepCommand(CLI::App& app, Console& console);
 void AddMeterCommand(CLI::App& app, Console& console);
+void AddCheckCommand(CLI::App& app, Console& console);
+void AddConvertCommand(CLI::App& app, Console& console);
 
 }  // namespace torvane::cli

@@ -42,12 +42,14 @@ Console::~Console() {
 }
 
 void Console::Show(MessageKind kind, const std::string& text) {
+  ++reports_;
   if (kind != MessageKind::Note && kind != MessageKind::Warning) ++errors_;
-  Report(Label(kind), text);
+  Report(Label(kind), place_ + text);
 }
 
 bool Console::Ask(MessageKind kind, const std::string& text) {
-  Report(Label(kind), text + (answerOk_ ? " (OK)" : " (Cancel; --yes answers OK)"));
+  ++reports_;
+  Report(Label(kind), place_ + text + (answerOk_ ? " (OK)" : " (Cancel; --yes answers OK)"));
   return answerOk_;
 }
 

@@ -30,6 +30,12 @@ class Console final : public MessageSink {
   /// Changes settings whose setters report what they refuse; a report is wrong usage.
   void ApplySettings(const std::function<void()>& apply);
 
+  /// What reports are about from now on, a file's line say; it begins each. Empty for nothing.
+  void SetPlace(const std::string& place) { place_ = place; }
+
+  /// Reports and questions so far.
+  int Reports() const { return reports_; }
+
   /// A fatal error was reported.
   bool Ended() const { return ended_; }
 
@@ -40,7 +46,9 @@ class Console final : public MessageSink {
 
  private:
   MessageSink* previous_;
+  std::string place_;
   int errors_ = 0;
+  int reports_ = 0;
   bool ended_ = false;
   bool answerOk_ = false;
   bool progressShown_ = false;

@@ -19,26 +19,37 @@ std::string JoinedChoices(const Constant& constant) {
   return joined;
 }
 
-void ListConstants(const std::string& modelName) {
-  const auto model = OpenModel(modelName);
+void ListConstants(const std::string& modelName, Console& console) {
+  const auto model = OpenModel(modelName, console);
+  // A model's constants are at their defaults; only a file's values need a column.
+  const bool withValues = NamesModelFile(modelName);
   ResultFile output("");
-  output.Write(CsvLine({"Name", "Unit", "Default", "Lower", "Upper", "Choices"}));
+  std::vector<std::string> line{"Name", "Unit", "Default", "Lower", "Upper", "Choices"};
+  if (withValues) line.emplace_back("Value");
+  output.Write(CsvLine(line));
   for (const Constant* constant : model->Bench().Constants()) {
-    output.Write(CsvLine({constant->Name(), constant->Unit(), FormatShortest(constant->Default()),
-                          FormatShortest(constant->Lower()), FormatShortest(constant->Upper()),
-                          JoinedChoices(*constant)}));
+    line = {constant->Name(),
+            constant->Unit(),
+            FormatShortest(constant->Default()),
+            FormatShortest(constant->Lower()),
+            FormatShortest(constant->Upper()),
+            JoinedChoices(*constant)};
+    if (withValues) line.push_back(FormatShortest(constant->Value()));
+    output.Write(CsvLine(line));
   }
   output.Close();
 }
 
 }  // namespace
 
-void AddConstantsCommand(CLI::App& app) {
+void AddConstantsCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
-      "constants", "List a model's constants as CSV; those of a list by the choices' index");
+      "constants",
+      "List a model's constants as CSV, with the values of a model file; those of a list by the "
+      "choices' index");
   const auto model = std::make_shared<std::string>();
   AddModelName(*command, *model);
-  command->callback([model] { ListConstants(*model); });
+  command->callback([model, &console] { ListConstants(*model, console); });
 }
 
 }  // namespace torvane::cli

@@ -26,8 +26,8 @@ struct MeterOptions {
   std::optional<double> Lpf;
   std::optional<double> Hpf;
   std::optional<double> TSample;
-  bool Ac = false;
-  bool Db = false;
+  std::optional<bool> Ac;
+  std::optional<bool> Db;
 };
 
 // In the order of MeterKind.
@@ -43,12 +43,6 @@ MeterKind NamedKind(const std::string& name) {
 }
 
 void SetSecondSignal(ZelMeter& meter, const ZelBenchTop& bench, const std::string& name) {
-  if (name.empty()) {
-    if (meter.Measurement() == MeterKind::Correlation) {
-      throw UsageError("--with names the signal to correlate with; it is needed");
-    }
-    return;
-  }
   const std::string& known = NamedSignal(bench, name).Name();
   switch (meter.Measurement()) {
     case MeterKind::Correlation:
@@ -69,8 +63,8 @@ void SetUp(ZelMeter& meter, const MeterOptions& options) {
   if (options.Hpf) meter.SetAcHpf(*options.Hpf);
   if (options.Harmonic) meter.SetHarmonicFreq(*options.Harmonic);
   if (options.Window) meter.SetTWindow(*options.Window);
-  meter.SetAcCoupled(options.Ac);
-  meter.SetUseDb(options.Db);
+  if (options.Ac) meter.SetAcCoupled(*options.Ac);
+  if (options.Db) meter.SetUseDb(*options.Db);
 }
 
 // A harmonic is read from whole windows; before the first one ends there is nothing to read.
@@ -92,20 +86,37 @@ void Measure(ZelModel& model, ZelMeter& meter, double until, Console& console) {
   }
 }
 
-void ReadMeter(const MeterOptions& options, Console& console) {
-  const MeterKind kind = NamedKind(options.Kind);
-  const auto model = OpenModel(options.Model, console);
-  ZelMeter* const meter = AddMeter(*model, "Meter");
+// The first meter that the model's file has set up, else a new one, of which the options must say
+// what it measures.
+ZelMeter& ChooseMeter(ZelModel& model, const MeterOptions& options) {
+  const auto& meters = model.Bench().Instruments(InstrumentKind::Meter);
+  if (!meters.empty()) return dynamic_cast<ZelMeter&>(*meters.front());
+  if (options.Variable.empty()) throw UsageError("--variable is required");
+  if (options.Kind.empty()) throw UsageError("--kind is required");
+  if (options.With.empty() && NamedKind(options.Kind) == MeterKind::Correlation) {
+    throw UsageError("--with names the signal to correlate with; it is needed");
+  }
+  ZelMeter* const meter = AddMeter(model, "Meter");
   if (!meter) throw UsageError("");
-  meter->SetVariable(NamedSignal(model->Bench(), options.Variable).Name());
-  meter->SetKind(kind);
-  SetSecondSignal(*meter, model->Bench(), options.With);
+  return *meter;
+}
+
+void ReadMeter(const MeterOptions& options, Console& console) {
+  if (!options.Kind.empty()) NamedKind(options.Kind);  // refused before a model is built
+  const auto model = OpenModel(options.Model, console);
+  ZelMeter* const meter = &ChooseMeter(*model, options);
+  if (!options.Variable.empty()) {
+    meter->SetVariable(NamedSignal(model->Bench(), options.Variable).Name());
+  }
+  if (!options.Kind.empty()) meter->SetKind(NamedKind(options.Kind));
+  if (!options.With.empty()) SetSecondSignal(*meter, model->Bench(), options.With);
   console.ApplySettings([&] { SetUp(*meter, options); });
   CheckWindowFits(*meter, options.Until);
   ResultFile output("");
   Measure(*model, *meter, options.Until, console);
   std::string reading = FormatShortest(meter->Value());
-  if (kind == MeterKind::Harmonic) reading += " " + FormatShortest(meter->AngleDeg());
+  if (meter->Measurement() == MeterKind::Harmonic)
+    reading += " " + FormatShortest(meter->AngleDeg());
   output.Write(reading + "\n");
   output.Close();
 }
@@ -117,11 +128,13 @@ void AddMeterCommand(CLI::App& app, Console& console) {
       "meter", "Measure one signal: prints the value and, for a harmonic, its angle in degrees");
   const auto options = std::make_shared<MeterOptions>();
   AddModelOptions(*command, options->Model);
-  command->add_option("--variable", options->Variable, "Signal to measure")
-      ->required()
+  command
+      ->add_option("--variable", options->Variable,
+                   "Signal to measure; needed unless MODEL is a file with a meter")
       ->type_name("V");
-  command->add_option("--kind", options->Kind, "What to measure")
-      ->required()
+  command
+      ->add_option("--kind", options->Kind,
+                   "What to measure; needed unless MODEL is a file with a meter")
       ->type_name("rms|average|harmonic|correlation");
   AddNumber(*command, "--until", options->Until, NumberRange::Positive,
             "Simulated time at which to read the meter, seconds")
@@ -134,10 +147,14 @@ void AddMeterCommand(CLI::App& app, Console& console) {
             "Integration time of the harmonic, rounded up to whole periods, seconds");
   AddNumber(*command, "--lpf", options->Lpf, NumberRange::NotNegative,
             "Low-pass filter of RMS, average and correlation, Hz");
-  command->add_flag("--ac", options->Ac, "Couple through a high-pass filter");
+  command->add_flag_function(
+      "--ac,!--dc", [options](std::int64_t count) { options->Ac = count > 0; },
+      "Couple through a high-pass filter, or directly");
   AddNumber(*command, "--hpf", options->Hpf, NumberRange::NotNegative,
             "The high-pass filter's frequency, Hz");
-  command->add_flag("--db", options->Db, "Give a harmonic ratio in dB");
+  command->add_flag_function(
+      "--db,!--no-db", [options](std::int64_t count) { options->Db = count > 0; },
+      "Give a harmonic ratio in dB, or as it is");
   AddNumber(*command, "--tsample", options->TSample, NumberRange::Positive,
             "The meter's sample time, seconds");
   command->callback([options, &console] { ReadMeter(*options, console); });

@@ -1,7 +1,9 @@
 #include "cli/model_options.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 
+#include "cli/model_file_loading.h"
 #include "cli/names.h"
 #include "cli/settings.h"
 #include "core/text.h"
@@ -10,7 +12,9 @@
 namespace torvane::cli {
 
 void AddModelName(CLI::App& command, std::string& model) {
-  command.add_option("MODEL", model, "Name or index of a model, as \"models\" lists them")
+  command
+      .add_option("MODEL", model,
+                  "Name or index of a model, as \"models\" lists them, or a model file")
       ->required()
       ->type_name("");
 }
@@ -34,7 +38,15 @@ void AddModelOptions(CLI::App& command, ModelOptions& options) {
                    "Answer OK to every question; without it the answer is Cancel");
 }
 
-std::unique_ptr<ZelModel> OpenModel(const std::string& text) {
+bool NamesModelFile(const std::string& text) {
+  if (FindModel(text) >= 0 || ParseInteger(text)) return false;
+  std::error_code failure;
+  return text.ends_with(".tvf") || text.find('/') != std::string::npos ||
+         std::filesystem::exists(text, failure);
+}
+
+std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console) {
+  if (NamesModelFile(text)) return OpenModelFile(text, console);
   int index = FindModel(text);
   const int count = static_cast<int>(ModelNames().size());
   if (index < 0) {
@@ -53,7 +65,7 @@ std::unique_ptr<ZelModel> OpenModel(const std::string& text) {
 
 std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console) {
   console.SetAnswerOk(options.AnswerOk);
-  std::unique_ptr<ZelModel> model = OpenModel(options.Model);
+  std::unique_ptr<ZelModel> model = OpenModel(options.Model, console);
   for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
   for (const std::string& wave : options.Waves) ApplyWave(model->Bench(), wave);
   return model;

@@ -27,8 +27,12 @@ void AddModelName(CLI::App& command, std::string& model);
 /// MODEL and what is set on it.
 void AddModelOptions(CLI::App& command, ModelOptions& options);
 
-/// Builds the model that the text names: a catalogue name or index.
-std::unique_ptr<ZelModel> OpenModel(const std::string& text);
+/// Whether the text stands for a model file and not for a model of the catalogue.
+bool NamesModelFile(const std::string& text);
+
+/// Builds the model that the text names: a catalogue name or index, or a model file, whose set-up
+/// it then has. What is wrong with a file is reported with its line.
+std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console);
 
 /// Builds the model and applies the options to it and to the console.
 std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console);

@@ -22,14 +22,16 @@ void AddCommands(CLI::App& app, Console& console) {
   app.require_subcommand(1);
   app.footer(Footer);
   AddModelsCommand(app);
-  AddConstantsCommand(app);
-  AddSignalsCommand(app);
+  AddConstantsCommand(app, console);
+  AddSignalsCommand(app, console);
   AddRunCommand(app, console);
   AddScopeCommand(app, console);
   AddSpeedCommand(app, console);
   AddBodeCommand(app, console);
   AddSweepCommand(app, console);
   AddMeterCommand(app, console);
+  AddCheckCommand(app, console);
+  AddConvertCommand(app, console);
 }
 
 std::vector<std::string> LongOptions(const CLI::App& command) {

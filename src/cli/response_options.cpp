@@ -10,11 +10,13 @@ namespace torvane::cli {
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   AddModelOptions(command, options.Model);
-  command.add_option("--input", options.Input, "Signal that the response is measured against")
-      ->required()
+  command
+      .add_option("--input", options.Input,
+                  "Signal that the response is measured against; needed unless MODEL is a file")
       ->type_name("A");
-  command.add_option("--output", options.Output, "Signal whose response is measured")
-      ->required()
+  command
+      .add_option("--output", options.Output,
+                  "Signal whose response is measured; needed unless MODEL is a file")
       ->type_name("B");
   AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
             "The analyser's sample time, seconds");
@@ -27,14 +29,20 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
       ->type_name("FILE.png|svg|pdf");
 }
 
+void CheckChannels(const ResponseOptions& options) {
+  if (NamesModelFile(options.Model.Model)) return;
+  if (options.Input.empty()) throw UsageError("--input is required");
+  if (options.Output.empty()) throw UsageError("--output is required");
+}
+
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options) {
   CheckPictureFile(options.Picture);
   const auto& analysers = bench.Instruments(kind);
   if (analysers.empty()) throw UsageError("the model has no such analyser");
   auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());
-  analyser.SetInput(NamedSignal(bench, options.Input).Name());
-  analyser.SetOutput(NamedSignal(bench, options.Output).Name());
+  if (!options.Input.empty()) analyser.SetInput(NamedSignal(bench, options.Input).Name());
+  if (!options.Output.empty()) analyser.SetOutput(NamedSignal(bench, options.Output).Name());
   return analyser;
 }
 

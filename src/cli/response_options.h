@@ -23,6 +23,10 @@ struct ResponseOptions {
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options);
 
+/// A model of the catalogue needs input and output to be named, or it is wrong usage; a file has
+/// chosen them.
+void CheckChannels(const ResponseOptions& options);
+
 /// The model's first analyser of that kind with its channels chosen; a model without one, or an
 /// unknown signal, is wrong usage.
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,

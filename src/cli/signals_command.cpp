@@ -8,8 +8,8 @@
 namespace torvane::cli {
 namespace {
 
-void ListSignals(const std::string& modelName) {
-  const auto model = OpenModel(modelName);
+void ListSignals(const std::string& modelName, Console& console) {
+  const auto model = OpenModel(modelName, console);
   ResultFile output("");
   output.Write(CsvLine({"Name", "Unit", "State"}));
   for (const Variable* signal : OfferedSignals(model->Bench())) {
@@ -20,13 +20,13 @@ void ListSignals(const std::string& modelName) {
 
 }  // namespace
 
-void AddSignalsCommand(CLI::App& app) {
+void AddSignalsCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
       "signals",
       "List the signals that a model offers to instruments as CSV; State 1 is integrated");
   const auto model = std::make_shared<std::string>();
   AddModelName(*command, *model);
-  command->callback([model] { ListSignals(*model); });
+  command->callback([model, &console] { ListSignals(*model, console); });
 }
 
 }  // namespace torvane::cli

@@ -78,6 +78,7 @@ void WritePoints(ZelSweptDSA& analyser, ResultFile& file) {
 }
 
 void MeasureSweep(const SweepOptions& options, Console& console) {
+  CheckChannels(options.Response);
   const auto model = OpenModel(options.Response.Model, console);
   auto& analyser = dynamic_cast<ZelSweptDSA&>(
       ChooseAnalyser(model->Bench(), InstrumentKind::SweptSine, options.Response));

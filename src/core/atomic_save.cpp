@@ -136,13 +136,13 @@ void FlushFolder(const std::string& folder) {
 }  // namespace
 
 bool SaveAtomically(const std::string& path, std::string_view bytes) {
-  const std::optional<std::string> target = FollowLinks(path);
-  if (!target || target->empty()) return ReportOpening(path);
-
   struct stat old {};
-  const bool exists = stat(target->c_str(), &old) == 0;
+  const bool exists = stat(path.c_str(), &old) == 0;
   if (exists && S_ISDIR(old.st_mode)) return ReportOpening(path);
   if (exists && !S_ISREG(old.st_mode)) return WriteInPlace(path, bytes);
+
+  const std::optional<std::string> target = FollowLinks(path);
+  if (!target || target->empty()) return ReportOpening(path);
   if (exists && access(target->c_str(), W_OK) != 0) return ReportOpening(path);
 
   const std::string folder = FolderOf(*target);
