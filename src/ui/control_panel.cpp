@@ -1,7 +1,9 @@
 #include "ui/control_panel.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <utility>
@@ -10,6 +12,7 @@
 #include "core/text.h"
 #include "models/catalogue.h"
 #include "ui/digits.h"
+#include "ui/file_commands.h"
 #include "ui/instrument_windows.h"
 #include "ui/model_views.h"
 #include "ui/splash.h"
@@ -48,6 +51,8 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
       text_(new TZelModelTextF(this)) {
   InitIcons();
   ui_->setupUi(this);
+  setAcceptDrops(true);
+  files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent);
   UseFixedDigits(*ui_->LTime);
   ConnectControls();
   try {
@@ -55,6 +60,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
       ui_->ModelCmB->addItem(QString::fromStdString(name));
     }
     MakeCurrent(LoadModel(startModel));
+    files_->ForgetFile();
   } catch (const std::exception&) {
     Error("Fault in TZelControlPanelF :: FormCreate");
   }
@@ -66,6 +72,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
 
 TZelControlPanelF::~TZelControlPanelF() {
   driver_.Stop();
+  files_.reset();
   ui_->InstrumentArea->CloseAll();
   if (model_) model_->Bench().History().Attach(nullptr);
 }
@@ -91,6 +98,12 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->SBUndo, &QAbstractButton::clicked, this, undo);
   connect(ui_->MIRedo, &QAction::triggered, this, redo);
   connect(ui_->SBRedo, &QAbstractButton::clicked, this, redo);
+  connect(ui_->MILoad, &QAction::triggered, files_.get(), &FileCommands::Load);
+  connect(ui_->SpeedButton1, &QAbstractButton::clicked, files_.get(), &FileCommands::Load);
+  connect(ui_->MISave, &QAction::triggered, files_.get(), &FileCommands::Save);
+  connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);
+  connect(ui_->MIResizeWhenLoading, &QAction::toggled, this,
+          [this](bool on) { files_->SetRestoresWindows(on); });
   connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &TZelControlPanelF::RestoreDefaults);
   connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
@@ -126,6 +139,7 @@ void TZelControlPanelF::SelectModel(int index) {
       Error("Could not find model " + name);
     } else {
       MakeCurrent(LoadModel(found));
+      files_->ForgetFile();
     }
   }
   ShowModelName();
@@ -174,7 +188,24 @@ void TZelControlPanelF::ShowTime() {
 void TZelControlPanelF::RefreshTick() {
   if (!model_) return;
   ShowModelName();
+  files_->ShowTitle();
   model_->Bench().RefreshInstruments();
+}
+
+void TZelControlPanelF::RestorePlacements() {
+  ui_->InstrumentArea->RestorePlacements();
+}
+
+void TZelControlPanelF::dragEnterEvent(QDragEnterEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  if (urls.size() == 1 && urls.first().isLocalFile()) event->acceptProposedAction();
+}
+
+// Loading may ask a question, and the source of the drag waits for the end of the drop.
+void TZelControlPanelF::dropEvent(QDropEvent* event) {
+  const QString path = event->mimeData()->urls().value(0).toLocalFile();
+  event->acceptProposedAction();
+  QTimer::singleShot(0, this, [this, path] { files_->Open(path); });
 }
 
 void TZelControlPanelF::ResetVariables() {

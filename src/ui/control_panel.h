@@ -12,6 +12,7 @@ class QAction;
 
 namespace torvane {
 
+class FileCommands;
 class TZelModelPictureF;
 class TZelModelTextF;
 
@@ -33,6 +34,10 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   /// Replaces the current model: the old one is destroyed with its windows, the new one is stopped.
   void MakeCurrent(std::unique_ptr<ZelModel> model);
 
+  FileCommands& Files() { return *files_; }
+  /// Moves the instrument windows to where their placements say.
+  void RestorePlacements();
+
   void Run();
   void Stop();
   bool Running() const;
@@ -45,6 +50,8 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -70,6 +77,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   QTimer splashTimer_;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
+  std::unique_ptr<FileCommands> files_;
   int frames_ = 0;
 };
 

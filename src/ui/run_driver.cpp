@@ -17,16 +17,14 @@ constexpr qint64 FrameShare = 20;  // of the time, painting may take one part in
 
 }  // namespace
 
-RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(ShortestFrame) {
-  timer_.setInterval(0);
-  connect(&timer_, &QTimer::timeout, this, &RunDriver::Pass);
-}
+RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(ShortestFrame) {}
 
 void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
+  lastPass_ = 0;
   chunks_ = 1;
-  timer_.start();
+  timer_.start(0, this);
 }
 
 void RunDriver::Stop() {
@@ -38,12 +36,15 @@ void RunDriver::End() {
   emit Ended();
 }
 
+void RunDriver::timerEvent(QTimerEvent*) {
+  Pass();
+}
+
 // A box that a chunk shows has a message loop of its own; the message loop does not deliver the
 // same timer within its own delivery, so a pass never begins inside another.
 void RunDriver::Pass() {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
-  const qint64 start = sinceFrame_.nsecsElapsed();
   try {
     if (RunPass(model, chunks_) == PassResult::Stopped) End();
   } catch (const SolverOverflow&) {
@@ -54,13 +55,16 @@ void RunDriver::Pass() {
     ReportRunTimeError(error);
   }
   const qint64 now = sinceFrame_.nsecsElapsed();
-  SizeNextPass(now - start);
+  SizeNextPass(now);
   if (now >= frameInterval_) ShowFrame();
 }
 
 // Chunks of one model are about equally long until a time base changes, so the next pass takes its
-// measure from this one.
-void RunDriver::SizeNextPass(qint64 nanoseconds) {
+// measure from this one. A pass may be shorter than reading the clock twice, so what the message
+// loop did since the pass before counts too.
+void RunDriver::SizeNextPass(qint64 now) {
+  const qint64 nanoseconds = now - lastPass_;
+  lastPass_ = now;
   if (nanoseconds > LongestPass) {
     chunks_ = std::max(1, chunks_ / 2);
   } else if (nanoseconds < LongestPass / 2) {
@@ -70,6 +74,7 @@ void RunDriver::SizeNextPass(qint64 nanoseconds) {
 
 void RunDriver::ShowFrame() {
   sinceFrame_.start();
+  lastPass_ = 0;
   emit Frame();
   frameInterval_ = std::clamp(FrameShare * sinceFrame_.nsecsElapsed(), ShortestFrame, LongestFrame);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
-#include <QTimer>
 
 namespace torvane {
 
@@ -30,15 +30,19 @@ class RunDriver : public QObject {
   /// is reported.
   void Ended();
 
+ protected:
+  void timerEvent(QTimerEvent* event) override;
+
  private:
   void Pass();
   void End();
-  void SizeNextPass(qint64 nanoseconds);
+  void SizeNextPass(qint64 now);
   void ShowFrame();
 
-  QTimer timer_;
+  QBasicTimer timer_;  // due at once, always
   QElapsedTimer sinceFrame_;
   qint64 frameInterval_;  // nanoseconds
+  qint64 lastPass_ = 0;   // when it ended, on the clock of the frame
   ZelModel* model_ = nullptr;
   int chunks_ = 1;  // of the next pass
 };

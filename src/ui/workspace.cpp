@@ -26,6 +26,7 @@ InstrumentPane& InstrumentFrame::Pane() const {
 
 void InstrumentFrame::ApplyPlacement() {
   const WindowPlacement placement = Pane().Engine().Placement;
+  if (placement.State == WindowState::Normal && (isMinimized() || isMaximized())) showNormal();
   if (placement.Width > 0 && placement.Height > 0) {
     setGeometry(placement.Left, placement.Top, placement.Width, placement.Height);
   }
@@ -96,6 +97,15 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   if (!placed.empty()) filling_ = false;
   for (InstrumentFrame* frame : frames_) frame->show();
   if (!frames_.empty()) setActiveSubWindow(frames_.front());
+}
+
+void Workspace::RestorePlacements() {
+  const QScopedValueRollback arranging(arranging_, true);
+  for (InstrumentFrame* frame : frames_) {
+    const QRect before = frame->geometry();
+    frame->ApplyPlacement();
+    if (frame->geometry() != before) filling_ = false;
+  }
 }
 
 void Workspace::CloseAll() {

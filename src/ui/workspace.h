@@ -45,6 +45,8 @@ class Workspace : public QMdiArea {
   /// Shows the instruments; those whose placement has a size stand there, the others fill the area.
   void Open(std::vector<std::unique_ptr<InstrumentPane>> panes);
   void CloseAll();
+  /// Moves the sub-windows whose placement has a size to where it says.
+  void RestorePlacements();
 
   /// Scopes share the area's left part from top to bottom; the other instruments stand in a column
   /// at its right edge, each as large as it needs.
