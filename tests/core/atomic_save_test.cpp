@@ -1,0 +1,150 @@
+#include "core/atomic_save.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "support/recorder.h"
+
+namespace torvane {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Messages;
+
+class AtomicSave : public ::testing::Test {
+ protected:
+  AtomicSave() {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    std::ofstream(path_) << "old";
+  }
+  ~AtomicSave() override {
+    fs::permissions(folder_, fs::perms::owner_all);
+    fs::remove_all(folder_);
+  }
+
+  static std::string Content(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  std::size_t FileCount() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+  }
+  void ExpectOldFileWhole() const {
+    EXPECT_EQ(Content(path_), "old");
+    EXPECT_EQ(FileCount(), 1U) << "something was left beside the file";
+  }
+
+  /// In a process of its own, as a user without special rights; tells whether it returned true.
+  static bool AsOrdinaryUser(const std::function<bool()>& action) {
+    const pid_t child = fork();
+    if (child == 0) {
+      if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) _exit(2);
+      _exit(action() ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  }
+
+  test::Recorder messages_;
+  const fs::path folder_ = fs::path(::testing::TempDir()) / "atomic-save";
+  const fs::path path_ = folder_ / "a.tvf";
+};
+
+TEST_F(AtomicSave, ReplacesTheFileAndKeepsItsPermissions) {
+  chmod(path_.c_str(), 0640);
+  EXPECT_TRUE(SaveAtomically(path_, "new"));
+  EXPECT_EQ(Content(path_), "new");
+  struct stat status {};
+  stat(path_.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(FileCount(), 1U);
+  EXPECT_TRUE(SaveAtomically(folder_ / "b.tvf", "another"));
+  EXPECT_EQ(Content(folder_ / "b.tvf"), "another");
+  EXPECT_EQ(messages_.Take(), Messages{});
+}
+
+TEST_F(AtomicSave, FollowsSymbolicLinks) {
+  fs::create_directory(folder_ / "links");
+  fs::create_symlink("../a.tvf", folder_ / "links" / "first");
+  fs::create_symlink("first", folder_ / "links" / "second");
+  EXPECT_TRUE(SaveAtomically(folder_ / "links" / "second", "new"));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "second"));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "first"));
+  EXPECT_EQ(Content(path_), "new");
+  // One that leads nowhere yet makes the file that it names; one that leads to itself is refused.
+  fs::create_symlink("not-yet.tvf", folder_ / "dangling");
+  EXPECT_TRUE(SaveAtomically(folder_ / "dangling", "made"));
+  EXPECT_EQ(Content(folder_ / "not-yet.tvf"), "made");
+  fs::create_symlink("round", folder_ / "round");
+  EXPECT_FALSE(SaveAtomically(folder_ / "round", "new"));
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + (folder_ / "round").string()});
+}
+
+// Whatever the number of bytes that still fit on the disk.
+TEST_F(AtomicSave, ADiskThatIsFullLeavesTheOldFile) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const std::string bytes(200000, 'n');
+  for (const rlim_t room : {0U, 1U, 4096U, 199999U}) {
+    const rlimit limit{room, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const bool saved = SaveAtomically(path_, bytes);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(messages_.Take(),
+              Messages{"Error: Cannot write " + path_.string() + ": File too large"});
+    ExpectOldFileWhole();
+  }
+  std::signal(SIGXFSZ, SIG_DFL);
+}
+
+TEST_F(AtomicSave, AFullDeviceIsWrittenInPlaceAndSaysSo) {
+  EXPECT_FALSE(SaveAtomically("/dev/full", "new"));
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot write /dev/full: No space left on device"});
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  EXPECT_TRUE(SaveAtomically("/dev/null", "new"));
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(AtomicSave, WithoutRightsTheOldFileStays) {
+  chmod(path_.c_str(), 0666);
+  fs::permissions(folder_, static_cast<fs::perms>(0555));
+  // A folder that may not be written.
+  EXPECT_FALSE(AsOrdinaryUser([&] { return SaveAtomically(path_, "new"); }));
+  ExpectOldFileWhole();
+  // A file that may not, in a folder that may.
+  fs::permissions(folder_, fs::perms::all);
+  chmod(path_.c_str(), 0444);
+  EXPECT_FALSE(AsOrdinaryUser([&] { return SaveAtomically(path_, "new"); }));
+  ExpectOldFileWhole();
+  // Not even root creates files here.
+  EXPECT_FALSE(SaveAtomically("/proc/a.tvf", "new"));
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open /proc/a.tvf"});
+}
+
+TEST_F(AtomicSave, AFolderIsNoFileAndAVanishedOneHoldsNone) {
+  EXPECT_FALSE(SaveAtomically(folder_, "new"));
+  EXPECT_FALSE(SaveAtomically(folder_ / "gone" / "a.tvf", "new"));
+  EXPECT_FALSE(SaveAtomically(path_ / "a.tvf", "new"));
+  EXPECT_FALSE(SaveAtomically("", "new"));
+  EXPECT_EQ(messages_.Take(),
+            (Messages{"Error: Cannot open " + folder_.string(),
+                      "Error: Cannot open " + (folder_ / "gone" / "a.tvf").string(),
+                      "Error: Cannot open " + (path_ / "a.tvf").string(), "Error: Cannot open "}));
+  ExpectOldFileWhole();
+}
+
+}  // namespace
+}  // namespace torvane

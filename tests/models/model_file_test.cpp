@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "core/constant.h"
+#include "instruments/fft_analyser.h"
+#include "instruments/meter.h"
+#include "instruments/scope.h"
+#include "models/catalogue.h"
+#include "models/model_file_host.h"
+#include "support/recorder.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+
+class ModelFile : public ::testing::Test {
+ protected:
+  ZelBenchTop& Bench() { return host_.Model->Bench(); }
+  double Value(const std::string& name) { return Bench().FindConst(name)->Value(); }
+  template <class Kind>
+  Kind& First(InstrumentKind kind) {
+    return dynamic_cast<Kind&>(*Bench().Instruments(kind).front());
+  }
+
+  std::string Path(const std::string& name) {
+    return (std::filesystem::path(::testing::TempDir()) / name).string();
+  }
+  std::string Written(const std::string& name, const std::string& text) {
+    std::ofstream(Path(name), std::ios::binary) << text;
+    return Path(name);
+  }
+
+  test::Recorder messages_;
+  CatalogueHost host_{LoadModel(FindModel("3-1 PI Controller"))};
+};
+
+TEST_F(ModelFile, TakesEitherLineEndAndALastLineWithout) {
+  EXPECT_TRUE(LoadModelText("Constant,KP,0.7\r\nConst\rant,KI,90\n\nConstant,G,400\r", host_));
+  EXPECT_EQ(Value("KP"), 0.7);
+  EXPECT_EQ(Value("KI"), 90.0);
+  EXPECT_EQ(Value("G"), 400.0);
+  EXPECT_EQ(messages_.Take(), Messages{});
+  for (const char c : ModelFileText(*host_.Model)) ASSERT_NE(c, '\0');
+  const std::string saved = ModelFileText(*host_.Model);
+  for (std::size_t at = saved.find('\n'); at != std::string::npos; at = saved.find('\n', at + 1)) {
+    ASSERT_EQ(saved[at - 1], '\r');
+  }
+}
+
+TEST_F(ModelFile, LoadingIsNoStepToUndoAndForgetsThoseBefore) {
+  Bench().FindConst("KP")->Set(1.0);
+  EXPECT_TRUE(LoadModelText("Constant,KP,1\n", host_));
+  EXPECT_TRUE(Bench().History().CanUndo()) << "the file changed nothing";
+  EXPECT_FALSE(Bench().ConstantsChanged());
+
+  Bench().FindConst("KP")->Set(1.1);
+  EXPECT_TRUE(LoadModelText("Constant,KI,90\n", host_));
+  EXPECT_FALSE(Bench().History().CanUndo());
+  Bench().FindConst("KP")->Set(1.2);
+  EXPECT_TRUE(Bench().History().CanUndo());
+}
+
+TEST_F(ModelFile, SavingClearsTheChangedStateAndAFailureDoesNot) {
+  Bench().FindConst("KP")->Set(1.0);
+  EXPECT_FALSE(SaveModelFile(*host_.Model, Path("no/such/folder.tvf")));
+  EXPECT_TRUE(Bench().ConstantsChanged());
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + Path("no/such/folder.tvf")});
+  EXPECT_TRUE(SaveModelFile(*host_.Model, Path("saved.tvf")));
+  EXPECT_FALSE(Bench().ConstantsChanged());
+  EXPECT_TRUE(LoadModelFile(Path("saved.tvf"), host_));
+  EXPECT_EQ(messages_.Take(), Messages{});
+}
+
+TEST_F(ModelFile, AnotherModelIsBuiltAndReadInto) {
+  EXPECT_TRUE(LoadModelText("Model,2-1 PI+ Controller\nConstant,KVP,1.25\n", host_));
+  EXPECT_EQ(host_.Model->Name(), "2-1 PI+ Controller");
+  EXPECT_EQ(Value("KVP"), 1.25);
+  EXPECT_EQ(messages_.Take().size(), 1U);
+
+  // Cancel keeps the model and stops.
+  messages_.Answer = false;
+  EXPECT_FALSE(LoadModelText("Model,3-1 PI Controller\nConstant,KVP,1\n", host_));
+  EXPECT_EQ(host_.Model->Name(), "2-1 PI+ Controller");
+  EXPECT_EQ(Value("KVP"), 1.25);
+}
+
+TEST_F(ModelFile, WindowsStayWhereTheyAreWhenTheUserWantsThat) {
+  class FixedWindows : public CatalogueHost {
+   public:
+    using CatalogueHost::CatalogueHost;
+    bool RestoresWindows() const override { return false; }
+  } fixed{std::move(host_.Model)};
+  const auto placement = [](const CatalogueHost& host) {
+    return host.Model->Bench().Instruments(InstrumentKind::Scope).front()->Placement;
+  };
+  const std::string line = "Scope,MainScope,Display,wsMaximized,300,20,10,400\n";
+  EXPECT_TRUE(LoadModelText(line, fixed));
+  EXPECT_EQ(placement(fixed), WindowPlacement{});
+  host_.Model = std::move(fixed.Model);
+  EXPECT_TRUE(LoadModelText(line, host_));
+  EXPECT_EQ(placement(host_), (WindowPlacement{WindowState::Maximised, 300, 20, 10, 400}));
+}
+
+TEST_F(ModelFile, SettingsThatDependOnOthersDoNotDependOnTheirOrder) {
+  auto& xfer = First<ZelXfer>(InstrumentKind::FftAnalyser);
+  EXPECT_TRUE(
+      LoadModelText("Xfer,MainXFer,tEndDelay,500\nXfer,MainXFer,FreqMax,2e6\n"
+                    "Xfer,MainXFer,FreqMin,1e6\nXfer,MainXFer,tSample,1\nXfer,MainXFer,Order,10\n",
+                    host_));
+  EXPECT_EQ(xfer.TEndDelay(), 500.0);
+  EXPECT_EQ(xfer.FreqMin(), 1e6);
+  EXPECT_EQ(xfer.FreqMax(), 2e6);
+  EXPECT_TRUE(LoadModelText("Xfer,MainXFer,FreqMin,0.1\nXfer,MainXFer,FreqMax,0.2\n", host_));
+  EXPECT_EQ(xfer.FreqMin(), 0.1);
+  EXPECT_EQ(xfer.FreqMax(), 0.2);
+  // A record too short for the end delay from before cuts it.
+  EXPECT_TRUE(LoadModelText("Xfer,MainXFer,Order,3\n", host_));
+  EXPECT_LT(xfer.TEndDelay(), 8.0);
+  EXPECT_EQ(messages_.Take(), Messages{});
+}
+
+TEST_F(ModelFile, TracesShownAreThoseOfTheFileWhateverTheirOrder) {
+  host_.Model = LoadModel(FindModel("6-1 PID Controller"));
+  auto& scope = First<ZelScope>(InstrumentKind::Scope);
+  const auto& channels = scope.Channels();
+  ASSERT_GE(channels.size(), 9U);
+  for (std::size_t i = 0; i < 8; ++i) scope.SetDisplayed(*channels[i], true);
+  // The last channel first, while the eight from before are still shown.
+  std::string file;
+  for (std::size_t i = channels.size(); i-- > 0;) {
+    file +=
+        "Scope,MainScope,Channel," + channels[i]->Name() + (i >= 8 ? ",1" : ",0") + ",1,0,0,1,0\n";
+  }
+  EXPECT_TRUE(LoadModelText(file, host_));
+  for (std::size_t i = 0; i < channels.size(); ++i) EXPECT_EQ(channels[i]->Displayed, i >= 8) << i;
+}
+
+TEST_F(ModelFile, TellsViewsThatSettingsChanged) {
+  class View : public InstrumentView {
+   public:
+    void Redraw() override {}
+    void SettingsChanged() override { ++Told; }
+    int Told = 0;
+  } view;
+  auto& generator = *Bench().Instruments(InstrumentKind::WaveGenerator).front();
+  generator.SetView(&view);
+  EXPECT_TRUE(LoadModelText("WaveGen,MainWaveGen,FreqHz,5\n", host_));
+  EXPECT_GE(view.Told, 1);
+  generator.SetView(nullptr);
+}
+
+TEST_F(ModelFile, IsRefusedWhenItIsTooLarge) {
+  const std::string line = std::string(MaxModelLineLength - 1, 'x') + "\n";
+  std::string text;
+  EXPECT_TRUE(ReadModelText(Written("longest.tvf", line + line), text));
+  EXPECT_EQ(messages_.Take(), Messages{});
+  const std::string tooLong = Written("too-long.tvf", "\nxx" + line);
+  EXPECT_FALSE(ReadModelText(tooLong, text));
+  EXPECT_EQ(messages_.Take(), Messages{"Error: " + tooLong +
+                                       " has a line longer than 64 KiB.  It is no model file."});
+
+  std::ofstream(Path("huge.tvf")) << "Constant,KP,0.9\n";
+  std::filesystem::resize_file(Path("huge.tvf"), MaxModelFileSize + 1);
+  EXPECT_FALSE(LoadModelFile(Path("huge.tvf"), host_));
+  EXPECT_EQ(messages_.Take().size(), 1U);
+  EXPECT_EQ(Value("KP"), 0.6);
+  // Without an end, and memory to match.
+  EXPECT_FALSE(ReadModelText("/dev/zero", text));
+  EXPECT_LT(text.size(), 2 * MaxModelLineLength);
+}
+
+TEST_F(ModelFile, WhatCannotBeOpenedIsSaid) {
+  EXPECT_FALSE(LoadModelFile(Path("nothing-here.tvf"), host_));
+  EXPECT_FALSE(LoadModelFile(::testing::TempDir(), host_));
+  EXPECT_EQ(messages_.Take(), (Messages{"Error: Cannot open " + Path("nothing-here.tvf"),
+                                        "Error: Cannot open " + ::testing::TempDir()}));
+}
+
+class Examples : public ::testing::TestWithParam<std::filesystem::path> {};
+
+std::vector<std::filesystem::path> ExampleFiles() {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::filesystem::path(TORVANE_SHARE) / "examples")) {
+    files.push_back(entry.path());
+  }
+  return files;
+}
+
+TEST_P(Examples, LoadWithoutAReportAndRun) {
+  test::Recorder messages;
+  CatalogueHost host;
+  EXPECT_TRUE(LoadModelFile(GetParam().string(), host));
+  ASSERT_TRUE(host.Model);
+  host.Model->Solver().RunUntil(0.05);
+  EXPECT_EQ(messages.Take(), Messages{});
+  // As the program itself would save it.
+  std::ifstream file(GetParam(), std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  CatalogueHost again;
+  LoadModelText(text, again);
+  EXPECT_EQ(ModelFileText(*again.Model), text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Share, Examples, ::testing::ValuesIn(ExampleFiles()));
+
+}  // namespace
+}  // namespace torvane
