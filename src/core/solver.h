@@ -48,9 +48,9 @@ class ZelSolver {
  protected:
   /// The combine of a step: products and sums in extended precision, the result a double.
   static double Combine(double start, double slopeSum, double h) {
-    return static_cast<double>(static_cast<long double>(start) + static_cast<long double>(slopeSum) *
-                                                                     static_cast<long double>(h) *
-                                                                     (1.0L / 6.0L));
+    return static_cast<double>(static_cast<long double>(start) +
+                               static_cast<long double>(slopeSum) * static_cast<long double>(h) *
+                                   (1.0L / 6.0L));
   }
 
   /// Forgets an overflow that an instrument raised since the last step.
