@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "cli/cli_process.h"
+
+namespace torvane::test {
+namespace {
+
+std::string Written(const std::string& name, const std::string& text) {
+  const std::string path = TemporaryPath(name);
+  std::ofstream(path, std::ios::binary) << text;
+  return path;
+}
+
+TEST(ModelFiles, AreCheckedWithTheLineOfEachReport) {
+  const std::string good = Written("good.tvf", "Model,3-1 PI Controller\nConstant,KP,0.7\n");
+  const Outcome fine = RunCli({"check", good});
+  EXPECT_EQ(fine.Code, 0) << fine.Err;
+  EXPECT_EQ(fine.Out + fine.Err, "");
+
+  const std::string bad = Written(
+      "bad.tvf",
+      "Constant,KP\r\nXfer,MainXFer,tEndDelay,1e9\nModel,3-1 PI Controller\nConstant,K,1\n");
+  const Outcome wrong = RunCli({"check", bad});
+  EXPECT_EQ(wrong.Code, 3);
+  EXPECT_EQ(wrong.Err,
+            "Error: " + bad + ":1: File error:  wrong number entries in Constant,KP\n" + "Error: " +
+                bad + ":4: File error: Constant not found in this line: Constant,K,1\n" +
+                "Error: " + bad + ":2: Attempt to set tEndDelay >= 100% of Sample Time\n");
+
+  EXPECT_EQ(RunCli({"check", Written("none.tvf", "Constant,KP,1\n")}).Code, 3);
+  EXPECT_EQ(RunCli({"check", Written("unknown.tvf", "Model,Nothing\n")}).Code, 3);
+  const Outcome missing = RunCli({"check", TemporaryPath("missing.tvf")});
+  EXPECT_EQ(missing.Code, 3);
+  EXPECT_EQ(missing.Err, "Error: Cannot open " + TemporaryPath("missing.tvf") + "\n");
+}
+
+TEST(ModelFiles, AreConverted) {
+  const std::string first = TemporaryPath("first.tvf");
+  const std::string second = TemporaryPath("second.tvf");
+  EXPECT_EQ(RunCli({"convert", "6-1 PID Controller", first, "--set", "KVP=0.1"}).Code, 0);
+  EXPECT_EQ(RunCli({"convert", first, second}).Code, 0);
+  EXPECT_EQ(ReadWholeFile(first), ReadWholeFile(second));
+  EXPECT_NE(ReadWholeFile(first).find("Constant,KVP,0.1\r\n"), std::string::npos);
+  EXPECT_EQ(RunCli({"convert", first, "/dev/full"}).Code, 3);
+}
+
+// A file's set-up is what the options would have said; options still have the last word.
+TEST(ModelFiles, SetUpEveryCommand) {
+  const std::string file = Written(
+      "set-up.tvf",
+      "Model,3-1 PI Controller\nConstant,KP,0.9\nScope,MainScope,Channel,Error,1,1,0,0,1,0\n"
+      "Xfer,MainXFer,InputChannel,Error\nXfer,MainXFer,Order,8\nXfer,MainXFer,tEndDelay,0.01\n"
+      "SweptDSA,MainSweptDSA,FreqMin,50\nSweptDSA,MainSweptDSA,FreqMax,100\n"
+      "SweptDSA,MainSweptDSA,InputChannel,Error\nSweptDSA,MainSweptDSA,StepsPerDecade,5\n"
+      "Meter,M,VariableVar,Response\nMeter,M,Average,1\nWaveGen,MainWaveGen,Offset,3\n");
+  // `both` goes with either, `instead` with the model alone.
+  const auto same = [&](const std::string& command, const std::string& instead,
+                        const std::string& both) {
+    const Outcome a = RunCliLine(command + " '" + file + "'" + both);
+    EXPECT_EQ(a.Code, 0) << a.Err;
+    const Outcome b = RunCliLine(command + " 1 --set KP=0.9 --wave Offset=3" + instead + both);
+    EXPECT_EQ(b.Code, 0) << b.Err;
+    EXPECT_EQ(a.Out, b.Out) << command;
+    EXPECT_FALSE(a.Out.empty());
+  };
+  same("run", "", " --until 0.01 --every 0.001");
+  same("bode", " --input Error --order 8 --end-delay 0.01", " --output Response");
+  same("sweep", " --input Error --output Response --from 50 --to 100 --per-decade 5", "");
+  same("meter", " --variable Response --kind average", " --until 0.1");
+  const Outcome scope = RunCli({"scope", file, "--until", "0.5"});
+  EXPECT_EQ(Lines(scope.Out).front(), "Time,Command,Error,Control,Response");
+  EXPECT_NE(RunCli({"constants", file}).Out.find("KP,,0.6,0,"), std::string::npos);
+  EXPECT_NE(RunCli({"constants", file}).Out.find("Value\n"), std::string::npos);
+  EXPECT_EQ(RunCli({"signals", file}).Out, RunCli({"signals", "1"}).Out);
+  EXPECT_EQ(RunCli({"speed", file, "--for", "0.05"}).Code, 0);
+  EXPECT_EQ(Lines(RunCli({"bode", file, "--order", "6"}).Out).size(), 34U);
+  EXPECT_EQ(RunCliLine("bode 1 --output Response").Code, 2);
+  EXPECT_EQ(RunCliLine("meter 1 --until 1").Code, 2);
+}
+
+}  // namespace
+}  // namespace torvane::test
