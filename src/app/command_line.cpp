@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include <filesystem>
+
 #include "core/text.h"
 #include "models/catalogue.h"
 
@@ -13,6 +15,13 @@ std::optional<int> ModelIndex(const std::string& text) {
   const std::optional<int> index = ParseInteger(text);
   if (index && *index >= 0 && *index < static_cast<int>(ModelNames().size())) return index;
   return {};
+}
+
+// A file that exists, or the name of a model file, whose absence is reported when it is opened.
+bool IsFile(const std::string& text) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(text, ignored) || text.ends_with(".tvf") ||
+         text.ends_with(".TVF");
 }
 
 }  // namespace
@@ -42,14 +51,16 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
     } else if (argument.starts_with("-")) {
       error = "Unknown option " + argument + " (see --help)";
       return {};
-    } else if (command.ModelNamed) {
-      error = "One model at most: " + argument;
+    } else if (command.ModelNamed || !command.File.empty()) {
+      error = "One model or file at most: " + argument;
       return {};
     } else if (const std::optional<int> index = ModelIndex(argument)) {
       command.Model = *index;
       command.ModelNamed = true;
+    } else if (IsFile(argument)) {
+      command.File = argument;
     } else {
-      error = "There is no model \"" + argument + "\" (see --help)";
+      error = "There is no model or file \"" + argument + "\" (see --help)";
       return {};
     }
   }
@@ -58,9 +69,10 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
 
 std::string HelpText() {
   std::string text =
-      "Usage: torvane [MODEL] [--speed-test SECONDS]\n"
+      "Usage: torvane [MODEL|FILE.tvf] [--speed-test SECONDS]\n"
       "Simulator of feedback control systems.\n\n"
       "  MODEL                 model to start with, by name or number\n"
+      "  FILE.tvf              model file to open\n"
       "  --speed-test SECONDS  press Run, print the speed after that time, and end\n"
       "  --help                print this text\n"
       "  --version             print the version\n\n"

@@ -13,6 +13,7 @@ struct CommandLine {
   int Model = 0;              ///< index in the catalogue
   double SpeedSeconds = 0.0;  ///< wall time of the speed test
   bool ModelNamed = false;
+  std::string File;  ///< model file to open; empty for none
 };
 
 /// Reads the arguments after the program's name. On a wrong one gives nothing and a one-line

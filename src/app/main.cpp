@@ -10,6 +10,7 @@
 #include "command_line.h"
 #include "core/text.h"
 #include "ui/control_panel.h"
+#include "ui/file_commands.h"
 #include "ui/message_boxes.h"
 
 namespace {
@@ -49,6 +50,12 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
   QApplication::setWindowIcon(panel.windowIcon());
   const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
   panel.ShowAtStart(!speedTest);
+  // A speed test measures a model as it is built, whatever the user's configuration.
+  if (!speedTest || !command.File.empty()) {
+    QTimer::singleShot(0, &panel, [&] {
+      panel.Files().Start(QString::fromStdString(command.File), !command.ModelNamed);
+    });
+  }
   if (speedTest) {
     // From the message loop, so that the window is on the screen before the clock starts.
     QTimer::singleShot(0, &panel, [&] { StartSpeedTest(panel, command.SpeedSeconds); });

@@ -45,11 +45,12 @@ bool LoadModelFile(const std::string& path, ModelFileHost& host) {
   return ReadModelText(path, text) && LoadModelText(text, host);
 }
 
-bool MayDiscardConstants(const ZelBenchTop& bench) {
+bool MayDiscardConstants(const ZelBenchTop& bench, const std::string& toDo) {
   return !bench.ConstantsChanged() ||
          WarningQuestion(
              "Parameter values have changed since the last File Save.\r"
-             "Those values will be lost.  Press OK to continue.");
+             "Those values will be lost.  Press OK to " +
+             toDo + ".");
 }
 
 }  // namespace torvane

@@ -63,7 +63,7 @@ std::string ModelFileText(const ZelModel& model);
 bool SaveModelFile(ZelModel& model, const std::string& path);
 
 /// Before anything that discards the constants: whether they are unchanged or the user agrees to
-/// lose them.
-bool MayDiscardConstants(const ZelBenchTop& bench);
+/// lose them. The question ends in what OK does ("continue", "close").
+bool MayDiscardConstants(const ZelBenchTop& bench, const std::string& toDo = "continue");
 
 }  // namespace torvane

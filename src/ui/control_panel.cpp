@@ -32,15 +32,6 @@ constexpr int SplashMilliseconds = 4000;
 constexpr QSize LargestStartSize(1680, 1050);
 constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
 
-// Whether the user lets go of constants that have been changed since they were last saved.
-bool MayDiscardConstants(const ZelModel* model, const std::string& toDo) {
-  if (!model || !model->Bench().ConstantsChanged()) return true;
-  return WarningQuestion(
-      "Parameter values have changed since the last File Save.\r"
-      "Those values will be lost.  Press OK to " +
-      toDo + ".");
-}
-
 }  // namespace
 
 TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
@@ -133,7 +124,7 @@ void TZelControlPanelF::MakeCurrent(std::unique_ptr<ZelModel> model) {
 void TZelControlPanelF::SelectModel(int index) {
   const std::string name = ui_->ModelCmB->itemText(index).toStdString();
   if (model_ && name == model_->Name()) return;
-  if (MayDiscardConstants(model_.get(), "continue")) {
+  if (!model_ || MayDiscardConstants(model_->Bench())) {
     const int found = FindModel(name);
     if (found < 0) {
       Error("Could not find model " + name);
@@ -249,7 +240,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (MayDiscardConstants(model_.get(), "close")) {
+  if (!model_ || MayDiscardConstants(model_->Bench(), "close")) {
     Stop();
     event->accept();
     QCoreApplication::quit();

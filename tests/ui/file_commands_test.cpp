@@ -1,0 +1,221 @@
+#include "ui/file_commands.h"
+
+#include <unistd.h>
+
+#include <QDialog>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QMenu>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QUrl>
+
+#include "core/constant.h"
+#include "desktop.h"
+#include "library/wave.h"
+
+namespace torvane {
+namespace {
+
+using test::Desktop;
+using test::Messages;
+
+// Settings and kept sessions go to folders of the test's own.
+class FileCommandsTest : public Desktop {
+ protected:
+  FileCommandsTest() {
+    qputenv("XDG_STATE_HOME", Folder.filePath("state").toUtf8());
+    QSettingsToTest();
+    // The main window made by the base has read the folders of the user's own.
+    Panel = std::make_unique<TZelControlPanelF>(Data);
+    Panel->resize(Small);
+    Panel->show();
+    QTest::qWait(20);
+    Reports.Take();
+  }
+
+  void QSettingsToTest() {
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, Folder.filePath("config"));
+  }
+  QString Path(const char* name) { return Folder.filePath(QString::fromLatin1(name)); }
+  void Put(const QString& path, const QByteArray& text) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+  }
+  // Answers the next modal dialog, as soon as it is there.
+  template <typename Answer>
+  void Next(Answer answer) {
+    QTimer::singleShot(20, qApp, [this, answer] {
+      auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      dialog ? answer(*dialog) : Next(answer);
+    });
+  }
+  void ChooseFile(const QString& path) {
+    Next([path](QDialog& dialog) {
+      auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+      name->setText(path);
+      QTest::keyClick(name, Qt::Key_Return);
+    });
+  }
+  ZelWave& Generator() {
+    return dynamic_cast<ZelWave&>(*Bench().Instruments(InstrumentKind::WaveGenerator).front());
+  }
+  QString Title() {
+    Panel->Files().ShowTitle();
+    return Panel->windowTitle();
+  }
+
+  QTemporaryDir Folder;
+};
+
+TEST_F(FileCommandsTest, SavesAndLoadsThroughTheMenu) {
+  Const("KVP").Set(1.5);
+  Generator().SetAmplitude(33);
+  EXPECT_EQ(Title(), "* Torvane--Melkorin, 2nd Edition");
+  ChooseFile(Path("stiff.tvf"));
+  Trigger("MISave");  // no file yet: asks for one
+  ASSERT_TRUE(QFile::exists(Path("stiff.tvf")));
+  EXPECT_EQ(Title(), "stiff.tvf - Torvane--Melkorin, 2nd Edition");
+
+  Const("KVP").Set(3);
+  EXPECT_EQ(Title(), "* stiff.tvf - Torvane--Melkorin, 2nd Edition");
+  Generator().SetAmplitude(1);
+  ChooseFile(Path("stiff.tvf"));
+  Trigger("MILoad");
+  EXPECT_EQ(Const("KVP").Value(), 1.5);
+  EXPECT_EQ(Generator().Settings().Amplitude, 33);
+  EXPECT_EQ(Text("EAmplitude"), "33");
+  EXPECT_FALSE(Bench().ConstantsChanged());
+
+  Const("KVI").Set(7);
+  Trigger("MISave");  // the file is known: asks nothing
+  QFile file(Path("stiff.tvf"));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(file.readAll().contains("Constant,KVI,7\r\n"));
+  EXPECT_TRUE(Reports.Take().empty());
+
+  emit Find<QMenu>("MRecent").aboutToShow();
+  ASSERT_FALSE(Find<QMenu>("MRecent").actions().isEmpty());
+  EXPECT_EQ(Find<QMenu>("MRecent").actions().front()->text(), Path("stiff.tvf"));
+}
+
+TEST_F(FileCommandsTest, AsksBeforeItReplacesAFileOrAModel) {
+  Put(Path("old.tvf"), "kept");
+  ChooseFile(Path("old.tvf"));
+  QTimer::singleShot(400, qApp, [] {
+    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "File Exsits");
+    box->reject();
+  });
+  EXPECT_FALSE(Panel->Files().SaveAs());
+  QFile file(Path("old.tvf"));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.readAll(), "kept");
+
+  Put(Path("other.tvf"), "Model,3-1 PI Controller\r\nConstant,KP,0.25\r\n");
+  Const("KVP").Set(2);
+  Reports.Answer = false;
+  EXPECT_FALSE(Panel->Files().Open(Path("other.tvf")));
+  EXPECT_EQ(Panel->Model()->Name(), "2-1 PI+ Controller");
+  EXPECT_EQ(Const("KVP").Value(), 2);
+  EXPECT_EQ(Reports.Take(), Messages{"Warning: This file is for another model.  Press OK to "
+                                     "change models."});
+  Reports.Answer = true;
+  EXPECT_TRUE(Panel->Files().Open(Path("other.tvf")));
+  EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
+  EXPECT_EQ(Const("KP").Value(), 0.25);
+  EXPECT_EQ(Reports.Take().size(), 2U);  // the model and the constants that would be lost
+}
+
+TEST_F(FileCommandsTest, ADroppedFileOpens) {
+  Put(Path("dropped.tvf"), "Constant,KVP,4\n");
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(Path("dropped.tvf"))});
+  QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(Panel.get(), &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(Panel.get(), &drop);
+  QTest::qWait(20);
+  EXPECT_EQ(Const("KVP").Value(), 4);
+}
+
+TEST_F(FileCommandsTest, ABrokenFileShowsTenBoxesAndOneList) {
+  Put(Path("broken.tvf"), QByteArray("Constant,Nothing,1\n").repeated(14));
+  QString listed;
+  Next([&](QDialog& dialog) {
+    EXPECT_EQ(dialog.objectName(), "LoadReportBox");
+    listed = dialog.findChild<QPlainTextEdit*>()->toPlainText();
+    dialog.accept();
+  });
+  Panel->Files().Open(Path("broken.tvf"));
+  EXPECT_EQ(Reports.Take().size(), 10U);
+  EXPECT_EQ(listed.count("Constant not found"), 4);
+  // A file that is not there is told of and becomes nobody's current file.
+  EXPECT_FALSE(Panel->Files().Open(Path("missing.tvf")));
+  EXPECT_EQ(Reports.Take().size(), 1U);
+  EXPECT_EQ(Panel->Files().CurrentFile(), Path("broken.tvf"));
+}
+
+TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
+  const WindowPlacement before = Generator().Placement;
+  Put(Path("placed.tvf"), "WaveGen,MainWaveGen,Display,wsNormal,300,40,50,330\n");
+  Trigger("MIResizeWhenLoading");
+  Panel->Files().Open(Path("placed.tvf"));
+  EXPECT_EQ(Generator().Placement, before);
+  Trigger("MIResizeWhenLoading");
+  Panel->Files().Open(Path("placed.tvf"));
+  EXPECT_EQ(Generator().Placement.Left, 40);
+  QWidget* frame = Find<QWidget>("TZelWaveGenF").parentWidget();
+  EXPECT_EQ(frame->geometry(), QRect(40, 50, 330, 300));
+}
+
+TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedOnce) {
+  // A process number that no process can have.
+  const QString left = Path("state/torvane/session-2147483646.tvf");
+  const QByteArray session = "Model,3-1 PI Controller\r\nConstant,KP,0.125\r\n";
+  Put(left, session);
+  Panel->Files().Start({}, false);
+  EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
+  EXPECT_EQ(Const("KP").Value(), 0.125);
+  EXPECT_TRUE(Bench().ConstantsChanged());
+  EXPECT_FALSE(QFile::exists(left));
+  EXPECT_EQ(Reports.Take().size(), 1U);
+  // The session is kept again, by this process, until it ends.
+  const QString own = Path("state/torvane/session-%1.tvf").arg(::getpid());
+  EXPECT_TRUE(QFile::exists(own));
+  Panel.reset();
+  EXPECT_FALSE(QFile::exists(own));
+
+  Put(left, session);
+  Panel = std::make_unique<TZelControlPanelF>(Data);
+  Reports.Answer = false;
+  Panel->Files().Start({}, false);
+  EXPECT_EQ(Panel->Model()->Name(), "2-1 PI+ Controller");
+  EXPECT_FALSE(QFile::exists(left));
+}
+
+TEST_F(FileCommandsTest, AnUnsavedSessionIsKeptWhileItDiffers) {
+  const QString own = Path("state/torvane/session-%1.tvf").arg(::getpid());
+  QTest::qWait(2300);
+  EXPECT_FALSE(QFile::exists(own));  // nothing to lose
+  Const("KVP").Set(1.25);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(own); }, 5000));
+  QFile file(own);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(file.readAll().contains("Constant,KVP,1.25\r\n"));
+  ChooseFile(Path("safe.tvf"));
+  Trigger("MISaveAs");
+  EXPECT_FALSE(QFile::exists(own));
+}
+
+}  // namespace
+}  // namespace torvane
