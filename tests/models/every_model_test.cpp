@@ -11,6 +11,7 @@
 namespace torvane {
 namespace {
 
+using test::BringClassToRest;
 using test::Loop;
 
 std::string CaseName(const testing::TestParamInfo<std::string>& info) {
@@ -48,22 +49,6 @@ TEST_P(EveryModel, RunsTenSecondsWithItsInstruments) {
   }
   while (loop.Model().Time() < 10.0) ASSERT_EQ(RunPass(loop.Model()), PassResult::Running);
   ExpectAlive(loop.Bench());
-}
-
-/// Leaves in the memory of the model's class what a model at rest leaves. 5-1 cannot go back to an
-/// earlier sample; see below.
-void BringClassToRest(const std::string& model) {
-  Loop loop(model);
-  if (model.starts_with("16-2")) {  // a command empties the integral
-    loop.Set({{"Zero on Move?", "Yes"}});
-    loop.Generate(1.0);
-    loop.Sample(0.0);
-    loop.Generate(0.0);
-  }
-  if (model.starts_with("5-2")) {  // rounded to nothing
-    loop.Set({{"Pole", "0.001"}, {"Res", "100"}});
-  }
-  for (const double t : {0.0, 0.01, 0.02}) loop.Sample(t);
 }
 
 // A model's own solver, which is bound to it at compile time, against the general one.
