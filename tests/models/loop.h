@@ -79,7 +79,7 @@ class Loop {
 };
 
 /// Leaves in the memory of the model's class what a model at rest leaves. 5-1 cannot go back to an
-/// earlier sample.
+/// earlier sample: its next one is put off.
 inline void BringClassToRest(const std::string& model) {
   Loop loop(model);
   if (model.starts_with("16-2")) {  // a command empties the integral
@@ -87,10 +87,12 @@ inline void BringClassToRest(const std::string& model) {
     loop.Generate(1.0);
     loop.Sample(0.0);
     loop.Generate(0.0);
+    loop["pC"] = 0.0;
   }
   if (model.starts_with("5-2")) {  // rounded to nothing
     loop.Set({{"Pole", "0.001"}, {"Res", "100"}});
   }
+  if (model.starts_with("5-1")) loop.Set({{"TSample", "100"}});
   for (const double t : {0.0, 0.01, 0.02}) loop.Sample(t);
 }
 
