@@ -29,11 +29,11 @@ std::string FolderOf(const std::string& path) {
 // that go round.
 std::optional<std::string> FollowLinks(std::string path) {
   for (int i = 0; i < MaxLinks; ++i) {
-    std::array<char, PATH_MAX> target;
+    std::array<char, PATH_MAX> target{};
     const ssize_t length = readlink(path.c_str(), target.data(), target.size());
     if (length < 0) return path;
     const std::string next(target.data(), static_cast<std::size_t>(length));
-    path = next.starts_with('/') ? next : FolderOf(path) + next;
+    path = next.starts_with('/') ? next : FolderOf(path).append(next);
   }
   return std::nullopt;
 }

@@ -48,8 +48,8 @@ bool LoadModelText(std::string_view text, ModelFileHost& host);
 /// The file's text. A file that cannot be read, is above MaxModelFileSize or has a line above
 /// MaxModelLineLength is reported and gives false; no more than that much of it is read.
 bool ReadModelText(const std::string& path, std::string& text);
-inline constexpr std::size_t MaxModelFileSize = 16U * 1024 * 1024;
-inline constexpr std::size_t MaxModelLineLength = 64U * 1024;
+inline constexpr std::size_t MaxModelFileSize = std::size_t{16} << 20U;
+inline constexpr std::size_t MaxModelLineLength = std::size_t{64} << 10U;
 
 /// Name in the text's first well-formed "Model" line; empty when there is none.
 std::string ModelNameIn(std::string_view text);

@@ -105,7 +105,7 @@ bool ReadModelText(const std::string& path, std::string& text) {
     return false;
   }
   LineLength line;
-  std::array<char, PieceSize> buffer;
+  std::array<char, PieceSize> buffer{};
   text.clear();
   for (;;) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
