@@ -22,7 +22,6 @@ RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(Shortest
 void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
-  lastPass_ = 0;
   chunks_ = 1;
   timer_.start(0, this);
 }
@@ -45,6 +44,7 @@ void RunDriver::timerEvent(QTimerEvent*) {
 void RunDriver::Pass() {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
+  const qint64 start = sinceFrame_.nsecsElapsed();
   try {
     if (RunPass(model, chunks_) == PassResult::Stopped) End();
   } catch (const SolverOverflow&) {
@@ -55,16 +55,13 @@ void RunDriver::Pass() {
     ReportRunTimeError(error);
   }
   const qint64 now = sinceFrame_.nsecsElapsed();
-  SizeNextPass(now);
+  SizeNextPass(now - start);
   if (now >= frameInterval_) ShowFrame();
 }
 
 // Chunks of one model are about equally long until a time base changes, so the next pass takes its
-// measure from this one. A pass may be shorter than reading the clock twice, so what the message
-// loop did since the pass before counts too.
-void RunDriver::SizeNextPass(qint64 now) {
-  const qint64 nanoseconds = now - lastPass_;
-  lastPass_ = now;
+// measure from this one.
+void RunDriver::SizeNextPass(qint64 nanoseconds) {
   if (nanoseconds > LongestPass) {
     chunks_ = std::max(1, chunks_ / 2);
   } else if (nanoseconds < LongestPass / 2) {
@@ -74,7 +71,6 @@ void RunDriver::SizeNextPass(qint64 now) {
 
 void RunDriver::ShowFrame() {
   sinceFrame_.start();
-  lastPass_ = 0;
   emit Frame();
   frameInterval_ = std::clamp(FrameShare * sinceFrame_.nsecsElapsed(), ShortestFrame, LongestFrame);
 }

@@ -36,13 +36,12 @@ class RunDriver : public QObject {
  private:
   void Pass();
   void End();
-  void SizeNextPass(qint64 now);
+  void SizeNextPass(qint64 nanoseconds);
   void ShowFrame();
 
   QBasicTimer timer_;  // due at once, always
   QElapsedTimer sinceFrame_;
   qint64 frameInterval_;  // nanoseconds
-  qint64 lastPass_ = 0;   // when it ended, on the clock of the frame
   ZelModel* model_ = nullptr;
   int chunks_ = 1;  // of the next pass
 };
