@@ -46,12 +46,14 @@ class PreviousSample {
   /// Change since the sample before, which is replaced.
   double Difference(double now) {
     const double change = now - value_;
-    // A run that overflowed must not carry on into the next one.
-    value_ = std::isfinite(now) ? now : 0.0;
+    // A run that overflowed must not carry on into the next one: from a value near the largest
+    // number the first difference of that run would overflow again.
+    value_ = std::abs(now) < Sane ? now : 0.0;
     return change;
   }
 
  private:
+  static constexpr double Sane = 1e200;
   double value_ = 0.0;
 };
 
