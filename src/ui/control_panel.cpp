@@ -236,6 +236,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
   splashTimer_.setObjectName(QStringLiteral("TSplash"));
   splashTimer_.setSingleShot(true);
   connect(&splashTimer_, &QTimer::timeout, splash, &QWidget::close);
+  connect(ui_->SBRun, &QAbstractButton::toggled, splash, &QWidget::close);
   splashTimer_.start(SplashMilliseconds);
 }
 

@@ -43,6 +43,9 @@ QPixmap SplashPicture() {
 
 SplashF::SplashF() : QSplashScreen(SplashPicture()) {
   setObjectName(QStringLiteral("SplashF"));
+  // Keys belong to the main window from the start.
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  setWindowFlag(Qt::WindowDoesNotAcceptFocus);
 }
 
 }  // namespace torvane

@@ -1,11 +1,13 @@
 #include "ui/control_panel.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QTimer>
 
 #include "core/constant.h"
@@ -67,6 +69,19 @@ TEST_F(ControlPanelTest, RunSimulatesUntilStop) {
   QTest::qWait(150);
   EXPECT_EQ(Panel->Model()->Time(), stoppedAt);
   EXPECT_EQ(Panel->Frames(), frames);
+}
+
+TEST_F(ControlPanelTest, TheSplashLeavesTheKeysToThePanelAndGoesOnRun) {
+  Panel->ShowAtStart(true);
+  QPointer<QWidget> splash;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->objectName() == "SplashF") splash = window;
+  }
+  ASSERT_NE(splash, nullptr);
+  EXPECT_TRUE(splash->isVisible());
+  EXPECT_TRUE(splash->windowFlags() & Qt::WindowDoesNotAcceptFocus);
+  Click("SBRun");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return splash.isNull(); }));
 }
 
 TEST_F(ControlPanelTest, TheTimeIsPaintedAtMostOnceAFrame) {
