@@ -57,7 +57,9 @@ class AtomicSave : public ::testing::Test {
   }
 
   test::Recorder messages_;
-  const fs::path folder_ = fs::path(::testing::TempDir()) / "atomic-save";
+  // Cases run at the same time, each in a process of its own.
+  const fs::path folder_ =
+      fs::path(::testing::TempDir()) / ("atomic-save-" + std::to_string(::getpid()));
   const fs::path path_ = folder_ / "a.tvf";
 };
 
