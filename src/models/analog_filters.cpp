@@ -30,7 +30,7 @@ class MAnalogFilters final : public ZelModel {
   Constant notchHz_{Bench(), "Notch Freq", "Hz", 40, 0, 10000};
   Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
   Variable vC_{Bench(), "vC", "volts", Shown(0.5, 0)};
   Variable vLP1_{Bench(), "vLP1", "volts", Shown(0.5, 0)};
   Variable vLP2_{Bench(), "vLP2", "volts", Shown(0.5, 0)};
@@ -47,7 +47,7 @@ class MAnalogFilters final : public ZelModel {
                         .Amplitude = 1,
                         .SweepTo = 400,
                         .SweepTSample = 5e-5}};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 1}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
 };

@@ -33,7 +33,7 @@ class MDigitalFilters final : public ZelModel {
   Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 10};
   Constant tSample_{Bench(), "TSample", "", 0.001, 0.0001, 0.1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
   Variable vSample_{Bench(), "vSample", "volts", Hidden(0.5)};
   Variable vLP1_{Bench(), "vLP1", "volts", Shown(0.5, 0)};
   Variable vLP2_{Bench(), "vLP2", "volts", Shown(0.5, 0)};
@@ -48,7 +48,7 @@ class MDigitalFilters final : public ZelModel {
                         .Amplitude = 1,
                         .SweepTo = 400,
                         .SweepTSample = 5e-5}};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 1}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelDLowPass1& onePole_ = clock_.Add<ZelDLowPass1>(45.0, 0.0);

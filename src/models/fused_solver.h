@@ -42,8 +42,8 @@ class FusedSolver final : public ZelSolver {
   [[gnu::flatten]] void FusedStep(Model& model, double t) {
     const auto states = model.States();
     constexpr std::size_t count = std::tuple_size_v<decltype(states)>;
-    std::array<double, count> start;
-    std::array<double, count> sum;
+    std::array<double, count> start{};
+    std::array<double, count> sum{};
     const auto forEach = [&](auto&& use) {
       [&]<std::size_t... I>(std::index_sequence<I...>) {
         (use(std::get<I>(states), start[I], sum[I]), ...);
