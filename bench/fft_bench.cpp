@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "instruments/excitation.h"
-#include "instruments/fft.h"
+#include "instruments/analyser/excitation.h"
+#include "instruments/fft/fft.h"
 
 namespace torvane::bench {
 

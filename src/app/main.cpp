@@ -9,9 +9,9 @@
 
 #include "command_line.h"
 #include "core/text.h"
-#include "ui/control_panel.h"
-#include "ui/file_commands.h"
-#include "ui/message_boxes.h"
+#include "ui/desk/control_panel.h"
+#include "ui/session/file_commands.h"
+#include "ui/session/message_boxes.h"
 
 namespace {
 

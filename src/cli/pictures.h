@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "instruments/analyser.h"
-#include "instruments/scope.h"
+#include "instruments/analyser/analyser.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane::cli {
 

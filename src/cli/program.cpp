@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
 #include "cli/console.h"
 #include "cli/names.h"
 #include "cli/result_file.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cli/model_options.h"
-#include "instruments/analyser.h"
+#include "instruments/analyser/analyser.h"
 
 namespace torvane::cli {
 

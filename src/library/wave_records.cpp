@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "core/files/record.h"
 #include "core/messages.h"
-#include "core/record.h"
 #include "core/text.h"
 #include "library/wave.h"
 

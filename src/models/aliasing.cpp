@@ -1,5 +1,5 @@
 #include "core/constant.h"
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/wave.h"
 #include "models/factories.h"
 #include "models/fused_solver.h"

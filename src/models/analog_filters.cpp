@@ -1,4 +1,4 @@
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/low_pass1.h"
 #include "library/low_pass2.h"
 #include "library/notch.h"

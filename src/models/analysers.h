@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "instruments/fft_analyser.h"
-#include "instruments/swept_sine_analyser.h"
+#include "instruments/fft/fft_analyser.h"
+#include "instruments/sweep/swept_sine_analyser.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/d_controller.h"
 #include "library/d_low_pass1.h"
 #include "library/d_low_pass2.h"

@@ -1,4 +1,4 @@
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/d_pid.h"
 #include "models/command_source.h"
 #include "models/factories.h"

@@ -1,4 +1,4 @@
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/d_notch.h"
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"

@@ -1,6 +1,6 @@
 #include "core/constant.h"
 #include "core/numeric.h"
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/d_controller.h"
 #include "library/wave.h"
 #include "models/factories.h"

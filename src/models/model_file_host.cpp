@@ -1,6 +1,6 @@
 #include "models/model_file_host.h"
 
-#include "instruments/meter.h"
+#include "instruments/meter/meter.h"
 #include "models/catalogue.h"
 
 namespace torvane {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "core/model_file.h"
+#include "core/files/model_file.h"
 
 namespace torvane {
 

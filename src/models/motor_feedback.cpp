@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "library/d_low_pass1.h"
 #include "library/d_pi_plus.h"
 #include "models/command_source.h"

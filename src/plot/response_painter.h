@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/analyser.h"
+#include "instruments/analyser/analyser.h"
 #include "plot/scope_colours.h"
 
 namespace torvane {

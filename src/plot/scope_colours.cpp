@@ -1,6 +1,6 @@
 #include "plot/scope_colours.h"
 
-#include "instruments/scope_channel.h"
+#include "instruments/scope/scope_channel.h"
 
 namespace torvane {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane {
 

@@ -5,7 +5,7 @@
 #include <QPolygon>
 #include <QRect>
 
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 #include "plot/scope_colours.h"
 #include "plot/scope_labels.h"
 

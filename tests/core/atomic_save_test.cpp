@@ -1,4 +1,4 @@
-#include "core/atomic_save.h"
+#include "core/files/atomic_save.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

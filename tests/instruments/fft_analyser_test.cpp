@@ -1,4 +1,4 @@
-#include "instruments/fft_analyser.h"
+#include "instruments/fft/fft_analyser.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "instruments/excitation.h"
+#include "instruments/analyser/excitation.h"
 #include "support/bare_model.h"
 #include "support/recorder.h"
 

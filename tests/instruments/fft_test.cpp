@@ -1,4 +1,4 @@
-#include "instruments/fft.h"
+#include "instruments/fft/fft.h"
 
 #include <gtest/gtest.h>
 

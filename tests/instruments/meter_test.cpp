@@ -1,4 +1,4 @@
-#include "instruments/meter.h"
+#include "instruments/meter/meter.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/model.h"
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane::test {
 

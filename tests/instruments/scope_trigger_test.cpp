@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/bench.h"
-#include "instruments/trigger_lamp.h"
+#include "instruments/scope/trigger_lamp.h"
 
 namespace torvane::test {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "instruments/swept_sine_analyser.h"
+#include "instruments/sweep/swept_sine_analyser.h"
 #include "support/bare_model.h"
 #include "support/recorder.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/run_loop.h"
-#include "instruments/meter.h"
+#include "instruments/meter/meter.h"
 #include "models/loop.h"
 
 // What holds for each model of the catalogue.

@@ -9,7 +9,7 @@
 
 #include "core/constant.h"
 #include "core/model.h"
-#include "instruments/fft_analyser.h"
+#include "instruments/fft/fft_analyser.h"
 #include "library/wave.h"
 #include "models/catalogue.h"
 #include "support/recorder.h"

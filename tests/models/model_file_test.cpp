@@ -4,9 +4,9 @@
 #include <fstream>
 
 #include "core/constant.h"
-#include "instruments/fft_analyser.h"
-#include "instruments/meter.h"
-#include "instruments/scope.h"
+#include "instruments/fft/fft_analyser.h"
+#include "instruments/meter/meter.h"
+#include "instruments/scope/scope.h"
 #include "models/catalogue.h"
 #include "models/model_file_host.h"
 #include "support/recorder.h"

@@ -4,8 +4,8 @@
 #include <complex>
 #include <string>
 
-#include "instruments/meter.h"
-#include "instruments/swept_sine_analyser.h"
+#include "instruments/meter/meter.h"
+#include "instruments/sweep/swept_sine_analyser.h"
 #include "models/loop.h"
 
 namespace torvane::test {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/bench.h"
-#include "instruments/scope.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane::test {
 

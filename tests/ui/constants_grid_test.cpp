@@ -1,4 +1,4 @@
-#include "ui/constants_grid.h"
+#include "ui/panes/constants_grid.h"
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -1,4 +1,4 @@
-#include "ui/control_panel.h"
+#include "ui/desk/control_panel.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "support/recorder.h"
-#include "ui/control_panel.h"
+#include "ui/desk/control_panel.h"
 
 namespace torvane::test {
 

@@ -1,4 +1,4 @@
-#include "ui/file_commands.h"
+#include "ui/session/file_commands.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "ui/message_boxes.h"
+#include "ui/session/message_boxes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ui/model_views.h"
+#include "ui/panes/model_views.h"
 
 #include <QDialog>
 #include <QFile>

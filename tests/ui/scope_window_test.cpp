@@ -1,4 +1,4 @@
-#include "ui/scope_window.h"
+#include "ui/panes/scope_window.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>

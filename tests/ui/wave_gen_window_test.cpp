@@ -1,4 +1,4 @@
-#include "ui/wave_gen_window.h"
+#include "ui/panes/wave_gen_window.h"
 
 #include <QComboBox>
 #include <QMdiSubWindow>

@@ -1,11 +1,11 @@
-#include "ui/workspace.h"
+#include "ui/desk/workspace.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 
 #include "desktop.h"
 #include "models/catalogue.h"
-#include "ui/instrument_pane.h"
+#include "ui/panes/instrument_pane.h"
 
 namespace torvane {
 namespace {

@@ -1,0 +1,91 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/csv.h"
+#include "cli/long_run.h"
+#include "cli/number_options.h"
+#include "cli/pictures.h"
+#include "cli/response_options.h"
+#include "cli/result_file.h"
+#include "core/text.h"
+#include "instruments/fft/fft_analyser.h"
+
+namespace torvane::cli {
+namespace {
+
+struct BodeOptions {
+  ResponseOptions Response;
+  std::optional<int> Order;
+  std::optional<double> StartDelay;
+  std::optional<double> EndDelay;
+  std::optional<bool> Spectrum;
+};
+
+// Order and sample time first: they decide which end delays are possible.
+void SetUp(ZelXfer& xfer, const BodeOptions& options) {
+  const ResponseOptions& response = options.Response;
+  if (options.Order) xfer.SetOrder(*options.Order);
+  if (response.TSample) xfer.SetTSample(*response.TSample);
+  if (options.StartDelay) xfer.SetTStartDelay(*options.StartDelay);
+  if (options.EndDelay) xfer.SetTEndDelay(*options.EndDelay);
+  if (response.Amplitude) xfer.SetAmplitude(*response.Amplitude);
+  if (response.Offset) xfer.SetOffset(*response.Offset);
+  if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
+}
+
+// One record, from Run to Complete. No other instrument asks for times.
+void TakeRecord(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress) {
+  const double end = xfer.TStartDelay() + xfer.Length() * xfer.TSample();
+  LongRun run(model, console, end, showProgress);
+  xfer.Run();
+  while (xfer.Measuring()) {
+    run.StepTo(xfer.NextTime());
+    xfer.Service(run.Time());
+  }
+}
+
+void WriteBins(ZelXfer& xfer, ResultFile& file) {
+  file.Write(CsvLine({"Bin", "Frequency", "Gain", "Phase"}));
+  for (int bin = 0; bin <= xfer.Length() / 2; ++bin) {
+    file.Write(CsvLine({std::to_string(bin), FormatShortest(xfer.BinFrequency(bin)),
+                        FormatShortest(xfer.ResponseGain(0, bin)),
+                        FormatShortest(xfer.ResponsePhase(0, bin))}));
+  }
+  file.Close();
+}
+
+void MeasureBode(const BodeOptions& options, Console& console) {
+  CheckChannels(options.Response);
+  const auto model = OpenModel(options.Response.Model, console);
+  auto& xfer = dynamic_cast<ZelXfer&>(
+      ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
+  console.ApplySettings([&] { SetUp(xfer, options); });
+  ResultFile file(options.Response.Out);
+  TakeRecord(*model, xfer, console, Console::CanShowProgress(false));
+  WriteBins(xfer, file);
+  if (options.Response.Picture.empty()) return;
+  // A file's range of frequencies is part of its set-up.
+  if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();
+  WritePicture(xfer, options.Response.Picture);
+}
+
+}  // namespace
+
+void AddBodeCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "bode", "Measure a frequency response with the FFT analyser: one record, as CSV");
+  const auto options = std::make_shared<BodeOptions>();
+  AddResponseOptions(*command, options->Response);
+  AddInteger(*command, "--order", options->Order, "Samples of the record, as a power of two");
+  AddNumber(*command, "--start-delay", options->StartDelay, NumberRange::NotNegative,
+            "Time before the first sample, seconds");
+  AddNumber(*command, "--end-delay", options->EndDelay, NumberRange::NotNegative,
+            "Last part of the record without excitation, seconds");
+  command->add_flag_function(
+      "--spectrum,!--no-spectrum", [options](std::int64_t count) { options->Spectrum = count > 0; },
+      "Give the output's spectrum alone, under a triangular window, or the response");
+  command->callback([options, &console] { MeasureBode(*options, console); });
+}
+
+}  // namespace torvane::cli

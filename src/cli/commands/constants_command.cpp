@@ -1,0 +1,55 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/commands/commands.h"
+#include "cli/csv.h"
+#include "cli/model_options.h"
+#include "cli/result_file.h"
+#include "core/constant.h"
+#include "core/text.h"
+
+namespace torvane::cli {
+namespace {
+
+std::string JoinedChoices(const Constant& constant) {
+  std::string joined;
+  for (const std::string& choice : constant.Choices()) {
+    if (!joined.empty()) joined += '|';
+    joined += choice;
+  }
+  return joined;
+}
+
+void ListConstants(const std::string& modelName, Console& console) {
+  const auto model = OpenModel(modelName, console);
+  // A model's constants are at their defaults; only a file's values need a column.
+  const bool withValues = NamesModelFile(modelName);
+  ResultFile output("");
+  std::vector<std::string> line{"Name", "Unit", "Default", "Lower", "Upper", "Choices"};
+  if (withValues) line.emplace_back("Value");
+  output.Write(CsvLine(line));
+  for (const Constant* constant : model->Bench().Constants()) {
+    line = {constant->Name(),
+            constant->Unit(),
+            FormatShortest(constant->Default()),
+            FormatShortest(constant->Lower()),
+            FormatShortest(constant->Upper()),
+            JoinedChoices(*constant)};
+    if (withValues) line.push_back(FormatShortest(constant->Value()));
+    output.Write(CsvLine(line));
+  }
+  output.Close();
+}
+
+}  // namespace
+
+void AddConstantsCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "constants",
+      "List a model's constants as CSV, with the values of a model file; those of a list by the "
+      "choices' index");
+  const auto model = std::make_shared<std::string>();
+  AddModelName(*command, *model);
+  command->callback([model, &console] { ListConstants(*model, console); });
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,42 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/model_file_loading.h"
+#include "cli/model_options.h"
+#include "core/files/model_file.h"
+
+namespace torvane::cli {
+namespace {
+
+void Check(const std::string& path, Console& console) {
+  OpenModelFile(path, console);
+  if (console.Reports() > 0) throw FileError("");
+}
+
+void Convert(const ModelOptions& options, const std::string& path, Console& console) {
+  const auto model = OpenModel(options, console);
+  if (!SaveModelFile(*model, path)) throw FileError("");
+}
+
+}  // namespace
+
+void AddCheckCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "check", "Load a model file and report what is wrong with it; exit code 3 if anything is");
+  const auto path = std::make_shared<std::string>();
+  command->add_option("FILE", *path, "Model file")->required()->type_name("");
+  command->callback([path, &console] { Check(*path, console); });
+}
+
+void AddConvertCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "convert", "Load a model file, or a model as it is at first, and save it as a model file");
+  const auto options = std::make_shared<ModelOptions>();
+  const auto path = std::make_shared<std::string>();
+  AddModelOptions(*command, *options);
+  command->add_option("OUT", *path, "Model file to write")->required()->type_name("");
+  command->callback([options, path, &console] { Convert(*options, *path, console); });
+}
+
+}  // namespace torvane::cli

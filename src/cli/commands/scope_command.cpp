@@ -1,0 +1,108 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <optional>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/csv.h"
+#include "cli/long_run.h"
+#include "cli/model_options.h"
+#include "cli/number_options.h"
+#include "cli/pictures.h"
+#include "cli/result_file.h"
+#include "core/text.h"
+
+namespace torvane::cli {
+namespace {
+
+struct ScopeOptions {
+  ModelOptions Model;
+  double Until = 0.0;
+  std::string Out;
+  std::string Picture;
+};
+
+ZelScope& FirstScope(const ZelBenchTop& bench) {
+  const auto& scopes = bench.Instruments(InstrumentKind::Scope);
+  if (scopes.empty()) throw UsageError("the model has no scope");
+  return dynamic_cast<ZelScope&>(*scopes.front());
+}
+
+// The desktop's run loop up to the given time; keeps each screen that completes on the way.
+std::optional<ScopeScreen> LastCompleteScreen(ZelModel& model, ZelScope& scope, LongRun& run,
+                                              double until) {
+  std::optional<ScopeScreen> screen;
+  bool running = true;
+  while (running && run.Time() < until) {
+    run.StepTo(std::min(model.Bench().NextStopTime(), until));
+    running = model.Bench().ServiceInstruments();
+    if (scope.TakeScreenCompleted()) screen = scope.CopyScreen();
+  }
+  return screen;
+}
+
+// What the samples stand for, in the signal's display units. They are single-precision numbers, and
+// so is what is printed.
+std::string DisplayText(const ZelChannel& channel, float value) {
+  return FormatShortestSingle(static_cast<float>(value * channel.Signal().Multiplier()));
+}
+
+void WriteScreen(const ZelScope& scope, const ScopeScreen& screen, ResultFile& file) {
+  std::vector<std::size_t> shown;
+  std::vector<std::string> fields{"Time"};
+  for (std::size_t i = 0; i < scope.Channels().size(); ++i) {
+    if (!scope.Channels()[i]->Displayed) continue;
+    shown.push_back(i);
+    fields.push_back(scope.Channels()[i]->Name());
+  }
+  file.Write(CsvLine(fields));
+  for (std::size_t point = 0; point < screen.Time.size(); ++point) {
+    fields = {FormatShortestSingle(screen.Time[point])};
+    for (const std::size_t i : shown) {
+      fields.push_back(DisplayText(*scope.Channels()[i], screen.Values[i][point]));
+    }
+    file.Write(CsvLine(fields));
+  }
+  file.Close();
+}
+
+void ShowScope(const ScopeOptions& options, Console& console) {
+  CheckPictureFile(options.Picture);
+  const auto model = OpenModel(options.Model, console);
+  ZelScope& scope = FirstScope(model->Bench());
+  model->Bench().StartScopes();
+  ResultFile file(options.Out);
+  std::optional<ScopeScreen> screen;
+  {
+    LongRun run(*model, console, options.Until, Console::CanShowProgress(false));
+    screen = LastCompleteScreen(*model, scope, run, options.Until);
+  }
+  if (!screen) {
+    throw StoppedError("the scope completed no screen by " + FormatShortest(model->Time()) +
+                       " s; a screen lasts " +
+                       FormatShortest(scope.SampleInterval() * scope.ScreenLength()) + " s");
+  }
+  WriteScreen(scope, *screen, file);
+  if (options.Picture.empty()) return;
+  scope.ShowScreen(*screen);
+  WritePicture(scope, options.Picture);
+}
+
+}  // namespace
+
+void AddScopeCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "scope", "Run a model with its scope and give the last complete screen as CSV");
+  const auto options = std::make_shared<ScopeOptions>();
+  AddModelOptions(*command, options->Model);
+  AddNumber(*command, "--until", options->Until, NumberRange::Positive,
+            "Simulated time at which to end, seconds")
+      ->required();
+  command->add_option("--out", options->Out, "File to write; standard output without it")
+      ->type_name("FILE.csv");
+  command->add_option("--picture", options->Picture, "Draw the screen into this file as well")
+      ->type_name("FILE.png|svg|pdf");
+  command->callback([options, &console] { ShowScope(*options, console); });
+}
+
+}  // namespace torvane::cli

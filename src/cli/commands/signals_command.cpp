@@ -1,0 +1,32 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/commands/commands.h"
+#include "cli/csv.h"
+#include "cli/model_options.h"
+#include "cli/result_file.h"
+
+namespace torvane::cli {
+namespace {
+
+void ListSignals(const std::string& modelName, Console& console) {
+  const auto model = OpenModel(modelName, console);
+  ResultFile output("");
+  output.Write(CsvLine({"Name", "Unit", "State"}));
+  for (const Variable* signal : OfferedSignals(model->Bench())) {
+    output.Write(CsvLine({signal->Name(), signal->Unit(), signal->IsState() ? "1" : "0"}));
+  }
+  output.Close();
+}
+
+}  // namespace
+
+void AddSignalsCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "signals",
+      "List the signals that a model offers to instruments as CSV; State 1 is integrated");
+  const auto model = std::make_shared<std::string>();
+  AddModelName(*command, *model);
+  command->callback([model, &console] { ListSignals(*model, console); });
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,80 @@
+#include <CLI/CLI.hpp>
+#include <chrono>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/interrupt.h"
+#include "cli/model_options.h"
+#include "cli/number_options.h"
+#include "cli/result_file.h"
+#include "core/run_loop.h"
+#include "core/text.h"
+
+namespace torvane::cli {
+namespace {
+
+struct SpeedOptions {
+  ModelOptions Model;
+  double Seconds = 3.0;
+  bool NoInstruments = false;
+};
+
+// Work between two looks at the clock: a fraction of a millisecond, beside which reading the clock
+// costs nothing.
+constexpr int PassesPerLook = 16;
+constexpr double StepsPerLook = 4096.0;
+
+bool RunInstruments(ZelModel& model) {
+  for (int pass = 0; pass < PassesPerLook; ++pass) {
+    if (RunPass(model) == PassResult::Stopped) return false;
+  }
+  return true;
+}
+
+bool RunSolverAlone(ZelModel& model) {
+  model.Solver().RunUntil(model.Time() + StepsPerLook * model.Solver().Step());
+  return true;
+}
+
+std::string Figures(const ZelModel& model, double step, double wall) {
+  const double simulated = model.Time();
+  return "simulated_s=" + FormatShortest(simulated) + " wall_s=" + FormatShortest(wall) +
+         " ratio=" + FormatShortest(simulated / wall) +
+         " ns_per_step=" + FormatShortest(wall * 1e9 / (simulated / step)) + "\n";
+}
+
+void MeasureSpeed(const SpeedOptions& options, Console& console) {
+  const auto model = OpenModel(options.Model, console);
+  model->Bench().StartScopes();
+  ResultFile output("");
+  const InterruptGuard guard;
+  const auto start = std::chrono::steady_clock::now();
+  double wall = 0.0;
+  try {
+    bool running = true;
+    while (running && wall < options.Seconds && !InterruptGuard::Interrupted()) {
+      running = options.NoInstruments ? RunSolverAlone(*model) : RunInstruments(*model);
+      wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+  } catch (const SolverOverflow& overflow) {
+    OfferResetAfterOverflow(*model);
+    throw StoppedError(overflow.what());
+  }
+  output.Write(Figures(*model, model->Solver().Step(), wall));
+  output.Close();
+}
+
+}  // namespace
+
+void AddSpeedCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "speed", "Measure how fast a model runs: the desktop's run loop without a display");
+  const auto options = std::make_shared<SpeedOptions>();
+  AddModelOptions(*command, options->Model);
+  AddNumber(*command, "--for", options->Seconds, NumberRange::Positive,
+            "Wall time to run, seconds (3 without it)");
+  command->add_flag("--no-instruments", options->NoInstruments, "Leave only solver and model");
+  command->callback([options, &console] { MeasureSpeed(*options, console); });
+}
+
+}  // namespace torvane::cli

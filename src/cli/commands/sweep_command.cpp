@@ -1,0 +1,110 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cmath>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/csv.h"
+#include "cli/long_run.h"
+#include "cli/number_options.h"
+#include "cli/pictures.h"
+#include "cli/response_options.h"
+#include "cli/result_file.h"
+#include "core/text.h"
+#include "instruments/sweep/swept_sine_analyser.h"
+
+namespace torvane::cli {
+namespace {
+
+struct SweepOptions {
+  ResponseOptions Response;
+  std::optional<double> From;
+  std::optional<double> To;
+  std::optional<int> PerDecade;
+  std::optional<double> Settle;
+  std::optional<double> Measure;
+};
+
+void SetUp(ZelSweptDSA& analyser, const SweepOptions& options) {
+  const ResponseOptions& response = options.Response;
+  const double from = options.From.value_or(analyser.FreqMin());
+  const double to = options.To.value_or(analyser.FreqMax());
+  if (from >= to) {
+    throw UsageError("--from must be below --to: " + FormatShortest(from) + " is not below " +
+                     FormatShortest(to));
+  }
+  analyser.SetStartFreq(from);
+  analyser.SetEndFreq(to);
+  analyser.ApplySweepRange();
+  if (options.PerDecade) analyser.SetStepsPerDecade(*options.PerDecade);
+  if (options.Settle) analyser.SetSettleTime(*options.Settle);
+  if (options.Measure) analyser.SetMeasurementTime(*options.Measure);
+  if (response.TSample) analyser.SetTSample(*response.TSample);
+  if (response.Amplitude) analyser.SetAmplitude(*response.Amplitude);
+  if (response.Offset) analyser.SetOffset(*response.Offset);
+}
+
+// Each point takes the settling time and at least one period.
+double ExpectedEnd(const ZelSweptDSA& analyser) {
+  const double ratio = std::pow(10.0, 1.0 / analyser.StepsPerDecade());
+  double end = 0.0;
+  double f = analyser.FreqMin();
+  for (int point = 0; point < ZelSweptDSA::Capacity; ++point, f *= ratio) {
+    end += analyser.SettleTime() +
+           std::max(1.0, std::floor(analyser.MeasurementTime() / f + 0.999)) / f;
+    if (f >= analyser.FreqMax()) break;
+  }
+  return end;
+}
+
+// One sweep, from Run to its last point. No other instrument asks for times.
+void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
+  LongRun run(model, console, ExpectedEnd(analyser), Console::CanShowProgress(false));
+  analyser.Run();
+  while (analyser.Measuring()) {
+    run.StepTo(analyser.NextTick());
+    analyser.Service(run.Time());
+  }
+}
+
+void WritePoints(ZelSweptDSA& analyser, ResultFile& file) {
+  file.Write(CsvLine({"Frequency", "Gain", "Phase"}));
+  for (int point = 0; point < analyser.PointCount(); ++point) {
+    const std::array row{analyser.PointFrequency(0, point), analyser.ResponseGain(0, point),
+                         analyser.ResponsePhase(0, point)};
+    file.Write(CsvLine(row));
+  }
+  file.Close();
+}
+
+void MeasureSweep(const SweepOptions& options, Console& console) {
+  CheckChannels(options.Response);
+  const auto model = OpenModel(options.Response.Model, console);
+  auto& analyser = dynamic_cast<ZelSweptDSA&>(
+      ChooseAnalyser(model->Bench(), InstrumentKind::SweptSine, options.Response));
+  console.ApplySettings([&] { SetUp(analyser, options); });
+  ResultFile file(options.Response.Out);
+  Sweep(*model, analyser, console);
+  WritePoints(analyser, file);
+  if (!options.Response.Picture.empty()) WritePicture(analyser, options.Response.Picture);
+}
+
+}  // namespace
+
+void AddSweepCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "sweep", "Measure a frequency response with the swept-sine analyser, as CSV");
+  const auto options = std::make_shared<SweepOptions>();
+  AddResponseOptions(*command, options->Response);
+  AddNumber(*command, "--from", options->From, NumberRange::Positive, "First frequency, Hz");
+  AddNumber(*command, "--to", options->To, NumberRange::Positive,
+            "The sweep ends at the first point at or above it, Hz");
+  AddInteger(*command, "--per-decade", options->PerDecade, "Points per decade");
+  AddNumber(*command, "--settle", options->Settle, NumberRange::NotNegative,
+            "Time to settle at each frequency, seconds");
+  AddNumber(*command, "--measure", options->Measure, NumberRange::NotNegative,
+            "Divided by the frequency it gives the periods measured at each point, at least one");
+  command->callback([options, &console] { MeasureSweep(*options, console); });
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,140 @@
+#include "core/files/model_file_lines.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+
+#include "core/files/model_file.h"
+#include "core/files/record.h"
+#include "core/messages.h"
+
+namespace torvane {
+namespace {
+
+constexpr std::size_t PieceSize = 65536;
+
+/// An open file; a name without a file, or of something that is none, opens nothing.
+class InputFile {
+ public:
+  // What is no plain file is not waited for: a pipe may never have a writer.
+  explicit InputFile(const std::string& path)
+      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    struct stat status {};
+    if (descriptor_ >= 0 && (fstat(descriptor_, &status) != 0 || S_ISDIR(status.st_mode))) Close();
+  }
+  ~InputFile() { Close(); }
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+
+  /// Bytes read; 0 at the end, negative after a failure.
+  ssize_t Read(char* buffer, std::size_t size) const {
+    ssize_t count = -1;
+    do {
+      count = read(descriptor_, buffer, size);
+    } while (count < 0 && errno == EINTR);
+    return count;
+  }
+
+ private:
+  void Close() {
+    if (descriptor_ >= 0) close(descriptor_);
+    descriptor_ = -1;
+  }
+
+  int descriptor_;
+};
+
+/// Follows the length of the line that is being read.
+class LineLength {
+ public:
+  /// False as soon as a line is longer than it may be.
+  bool Add(std::string_view piece) {
+    for (;;) {
+      const std::size_t end = piece.find('\n');
+      length_ += std::min(end, piece.size());
+      if (length_ > MaxModelLineLength) return false;
+      if (end == std::string_view::npos) return true;
+      length_ = 0;
+      piece.remove_prefix(end + 1);
+    }
+  }
+
+ private:
+  std::size_t length_ = 0;
+};
+
+}  // namespace
+
+std::string_view RecordKeyword(InstrumentKind kind) {
+  switch (kind) {
+    case InstrumentKind::WaveGenerator:
+      return "WaveGen";
+    case InstrumentKind::Meter:
+      return "Meter";
+    case InstrumentKind::Scope:
+      return "Scope";
+    case InstrumentKind::SweptSine:
+      return "SweptDSA";
+    case InstrumentKind::FftAnalyser:
+      break;
+  }
+  return "Xfer";
+}
+
+bool LineReader::Next(std::string& line) {
+  if (rest_.empty()) return false;
+  const std::size_t end = rest_.find('\n');
+  line = rest_.substr(0, end);
+  std::erase(line, '\r');
+  rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+  ++number_;
+  return true;
+}
+
+bool ReadModelText(const std::string& path, std::string& text) {
+  const InputFile file(path);
+  if (!file.IsOpen()) {
+    Error("Cannot open " + path);
+    return false;
+  }
+  LineLength line;
+  std::array<char, PieceSize> buffer{};
+  text.clear();
+  for (;;) {
+    const ssize_t count = file.Read(buffer.data(), buffer.size());
+    if (count == 0) return true;
+    if (count < 0) {
+      Error("Error reading file.");
+      return false;
+    }
+    const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
+    if (text.size() + piece.size() > MaxModelFileSize) {
+      Error(path + " is larger than 16 MiB.  It is no model file.");
+      return false;
+    }
+    if (!line.Add(piece)) {
+      Error(path + " has a line longer than 64 KiB.  It is no model file.");
+      return false;
+    }
+    text += piece;
+  }
+}
+
+std::string ModelNameIn(std::string_view text) {
+  LineReader lines(text);
+  for (std::string line; lines.Next(line);) {
+    if (!line.starts_with("Model,")) continue;
+    const Record record = ParseRecord(line, lines.Number());
+    if (record.Fields.size() == 2) return record.Fields[1];
+  }
+  return {};
+}
+
+}  // namespace torvane

@@ -1,0 +1,158 @@
+#include "instruments/analyser/analyser.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/messages.h"
+#include "instruments/analyser/response_reading.h"
+
+namespace torvane {
+
+FrequencyAnalyser::FrequencyAnalyser(InstrumentKind kind, std::string name, ZelBenchTop& bench,
+                                     std::string label, bool visible)
+    : Instrument(kind, std::move(name)),
+      bench_(bench),
+      label_(std::move(label)),
+      visible_(visible) {
+  bench.AddInstrument(*this);
+}
+
+void FrequencyAnalyser::AddChannel(std::unique_ptr<AnalyserChannel> channel) {
+  channels_.push_back(std::move(channel));
+  if (channels_.size() == 1) input_ = channels_.back().get();
+  if (channels_.size() == 2) output_ = channels_.back().get();
+}
+
+void FrequencyAnalyser::CheckChannels() const {
+  if (channels_.size() < 2) Error(label_ + " initialized with fewer than 2 variables");
+}
+
+AnalyserChannel* FrequencyAnalyser::FindChannel(const std::string& name) const {
+  const auto found = std::find_if(channels_.begin(), channels_.end(),
+                                  [&](const auto& channel) { return channel->Name() == name; });
+  return found == channels_.end() ? nullptr : found->get();
+}
+
+bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name) {
+  AnalyserChannel* channel = FindChannel(name);
+  if (!channel) {
+    Error("Cannot find channel " + name);
+    return false;
+  }
+  chosen = channel;
+  phaseAdd_ = 0.0;
+  Changed();
+  return true;
+}
+
+bool FrequencyAnalyser::SetInput(const std::string& name) {
+  return Choose(input_, name);
+}
+
+bool FrequencyAnalyser::SetOutput(const std::string& name) {
+  return Choose(output_, name);
+}
+
+void FrequencyAnalyser::AddSetup(std::string name, std::string input, std::string output,
+                                 double phaseAdd) {
+  if (setups_.size() == MaxSetups) {
+    Error("Call to Set " + label_ + " Channel Button with Button out of range");
+  } else if (!FindChannel(output)) {
+    Error("Call to Set " + label_ + " Channel with unknown output channel: " + output);
+  } else if (!FindChannel(input)) {
+    Error("Call to Set " + label_ + " Channel with with unknown input channel: " + input);
+  } else {
+    setups_.push_back({std::move(name), std::move(input), std::move(output), phaseAdd});
+  }
+}
+
+bool FrequencyAnalyser::SelectSetup(int index) {
+  if (index < 0 || index >= static_cast<int>(setups_.size())) {
+    Error("Call to Enable " + label_ + " Channel Button with Illegal Value");
+    return false;
+  }
+  const AnalyserSetup& setup = setups_[static_cast<std::size_t>(index)];
+  input_ = FindChannel(setup.Input);
+  output_ = FindChannel(setup.Output);
+  phaseAdd_ = setup.PhaseAdd;
+  Changed();
+  return true;
+}
+
+int FrequencyAnalyser::CurrentSetup() const {
+  const auto found = std::find_if(setups_.begin(), setups_.end(), [&](const AnalyserSetup& setup) {
+    return input_ && output_ && setup.Input == input_->Name() && setup.Output == output_->Name() &&
+           setup.PhaseAdd == phaseAdd_;
+  });
+  return found == setups_.end() ? -1 : static_cast<int>(found - setups_.begin());
+}
+
+double FrequencyAnalyser::Difference(Reading reading, int slot, int index) const {
+  if (!input_ || !output_) return 0.0;
+  const double output = (output_->*reading)(slot, index);
+  return OutputOnly() ? output : output - (input_->*reading)(slot, index);
+}
+
+double FrequencyAnalyser::WrappedPhase(int slot, int index) const {
+  const double phase = WrapPhase(Difference(&AnalyserChannel::Phase, slot, index));
+  return phaseAdd_ == 0.0 ? phase : WrapPhase(phase + phaseAdd_);
+}
+
+template <class Value>
+double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const {
+  const int last = LastIndex(slot);
+  // A position outside the record, or that is no number, is left to the channels to report.
+  if (!(index >= 0.0 && index <= last)) return value(-1);
+  const int k = static_cast<int>(index);
+  if (k == last) return value(k);
+  return ((k + 1) - index) * value(k) + (index - k) * value(k + 1);
+}
+
+double FrequencyAnalyser::ResponseGain(int slot, double index) {
+  return Interpolate(slot, index,
+                     [&](int k) { return Difference(&AnalyserChannel::Gain, slot, k); });
+}
+
+double FrequencyAnalyser::ResponsePhase(int slot, double index) {
+  return Interpolate(slot, index, [&](int k) { return WrappedPhase(slot, k); });
+}
+
+void FrequencyAnalyser::SetShown(int slot, bool shown) {
+  Trace& trace = traces_[static_cast<std::size_t>(slot)];
+  if (!trace.Enabled || trace.Shown == shown) return;
+  trace.Shown = shown;
+  Changed();
+}
+
+void FrequencyAnalyser::EnableTrace(int slot) {
+  Trace& trace = traces_[static_cast<std::size_t>(slot)];
+  if (!trace.Enabled) trace = {true, true};
+}
+
+void FrequencyAnalyser::DisableTrace(int slot) {
+  traces_[static_cast<std::size_t>(slot)] = {};
+}
+
+double FrequencyAnalyser::LimitExcitation(double value, double amplitude, double offset) {
+  const double upper = offset + amplitude / 2.0;
+  const double lower = offset - amplitude / 2.0;
+  return value > upper || value < lower ? upper : value;
+}
+
+void FrequencyAnalyser::Changed() {
+  needsRedraw_ = true;
+  TellSettingsChanged();
+}
+
+bool FrequencyAnalyser::TakeNeedsRedraw() {
+  return std::exchange(needsRedraw_, false);
+}
+
+void FrequencyAnalyser::SetVisible(bool visible) {
+  if (visible_ == visible) return;
+  visible_ = visible;
+  Changed();
+}
+
+}  // namespace torvane

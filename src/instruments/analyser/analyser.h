@@ -1,0 +1,191 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/bench.h"
+#include "core/instrument.h"
+#include "instruments/analyser/analyser_channel.h"
+
+namespace torvane {
+
+/// A named pair of channels that is chosen with one press of a button; PhaseAdd degrees are added
+/// to the phase that is read.
+struct AnalyserSetup {
+  std::string Name;
+  std::string Input;
+  std::string Output;
+  double PhaseAdd = 0.0;
+};
+
+/// What is common to the analysers that measure gain and phase against frequency: the channels and
+/// which of them are input and output, the run button, the traces (current measurement and four
+/// memories), the plot's axes, and reading the response between two measured points.
+class FrequencyAnalyser : public Instrument {
+ public:
+  static constexpr int SlotCount = AnalyserChannel::SlotCount;
+  static constexpr int MaxSetups = 10;
+  enum class CursorMode { None, One, Two };
+
+  /// A trace can be shown once it has data.
+  struct Trace {
+    bool Enabled = false;
+    bool Shown = false;
+  };
+
+  /// The run button is down; models take their command from the excitation then.
+  bool Measuring() const final { return running_; }
+  /// Presses and releases the run button.
+  virtual void Run() = 0;
+  virtual void Halt() = 0;
+
+  const std::vector<std::unique_ptr<AnalyserChannel>>& Channels() const { return channels_; }
+  /// The chosen channels; nullptr while there are fewer than two.
+  AnalyserChannel* Input() const { return input_; }
+  AnalyserChannel* Output() const { return output_; }
+  /// An unknown name is reported and changes nothing.
+  bool SetInput(const std::string& name);
+  bool SetOutput(const std::string& name);
+
+  /// Offers a pair of channels on the next of the ten set-up buttons.
+  void AddSetup(std::string name, std::string input, std::string output, double phaseAdd = 0.0);
+  const std::vector<AnalyserSetup>& Setups() const { return setups_; }
+  bool SelectSetup(int index);
+  /// Index of the set-up that is in force, or -1.
+  int CurrentSetup() const;
+
+  /// Response at a fractional bin or point of a slot: output against input in dB and degrees (or
+  /// the output alone, in spectrum mode). Linear between two neighbours, whose phases are wrapped
+  /// to (-270, 90] first.
+  double ResponseGain(int slot, double index);
+  double ResponsePhase(int slot, double index);
+  /// The same at a frequency in Hz that lies within DataRange.
+  double GainAt(int slot, double hz) { return ResponseGain(slot, IndexAt(slot, hz)); }
+  double PhaseAt(int slot, double hz) { return ResponsePhase(slot, IndexAt(slot, hz)); }
+
+  /// The response is the output's alone.
+  virtual bool OutputOnly() const { return false; }
+
+  /// Whether a slot holds a measurement that may be read, and its lowest and highest frequency, Hz.
+  virtual bool HasData(int slot) const = 0;
+  struct Range {
+    double Low = 0.0;
+    double High = 0.0;
+  };
+  virtual Range DataRange(int slot) const = 0;
+  /// Position of a frequency among the slot's bins or points, with its fraction.
+  virtual double IndexAt(int slot, double hz) const = 0;
+
+  /// Copies the current measurement into memory 1 to 4 and shows it; false when there is none.
+  virtual bool StoreData(int slot) = 0;
+
+  const Trace& TraceAt(int slot) const { return traces_[static_cast<std::size_t>(slot)]; }
+  void SetShown(int slot, bool shown);
+
+  /// Frequency axis, Hz, logarithmic; the limits stay at least 1 % apart.
+  double FreqMin() const { return freqMin_; }
+  double FreqMax() const { return freqMax_; }
+  /// Scales per division (dB, degrees), always positive; offsets in dB and degrees.
+  double GainScale() const { return gainScale_; }
+  double GainOffset() const { return gainOffset_; }
+  double PhaseScale() const { return phaseScale_; }
+  double PhaseOffset() const { return phaseOffset_; }
+  // Values out of range are reported and refused.
+  void SetFreqMin(double hz);
+  void SetFreqMax(double hz);
+  /// Both limits at once, whatever they were before.
+  void SetFreqRange(double low, double high);
+  void SetGainScale(double scale);
+  void SetGainOffset(double offset);
+  void SetPhaseScale(double scale);
+  void SetPhaseOffset(double offset);
+
+  /// Text of the automatic search ("-3 dB", "Gain Max", ...).
+  const std::string& FindType() const { return findType_; }
+  void SetFindType(std::string text);
+
+  /// Whether the window is on the workspace; it is never destroyed.
+  bool Visible() const { return visible_; }
+  virtual void SetVisible(bool visible);
+
+  CursorMode Cursors = CursorMode::None;
+  std::array<int, 2> CursorPixel{10, 20};  ///< horizontal positions on the plot
+  int CursorSlot = 0;                      ///< the trace that the cursors read
+  bool SplitScreen = true;                 ///< gain above, phase below; else one plot for both
+
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+
+  /// Displayed data has changed since the last call.
+  bool TakeNeedsRedraw();
+
+ protected:
+  /// The label ("Xfer", "SweptDSA") stands in the messages of refused settings.
+  FrequencyAnalyser(InstrumentKind kind, std::string name, ZelBenchTop& bench, std::string label,
+                    bool visible);
+
+  /// The offset rule of the excitation's setters; returns the value to go on with. A value below
+  /// the lower bound also becomes the upper one: deliberate, both analysers start an excitation
+  /// from its top.
+  static double LimitExcitation(double value, double amplitude, double offset);
+
+  /// The first channel becomes the input, the second the output.
+  void AddChannel(std::unique_ptr<AnalyserChannel> channel);
+  /// Reports that there are too few channels to measure a response.
+  void CheckChannels() const;
+  void EnableTrace(int slot);
+  void DisableTrace(int slot);
+  /// Settings or data have changed: repaint, and the view re-reads the settings.
+  void Changed();
+  /// Stores a setting; a value that is not finite is ignored.
+  void SetSetting(double& setting, double value);
+
+  /// The records between the channels and the scales of the plot, the analyser's own.
+  virtual void SaveSetup(RecordWriter& writer) const = 0;
+  /// Takes one of them, of four entries; false when its keyword is unknown.
+  virtual bool LoadSetup(const Record& record) = 0;
+  void SaveFreqRange(RecordWriter& writer) const;
+
+  /// The last index that has no upper neighbour.
+  virtual int LastIndex(int slot) const = 0;
+
+  ZelBenchTop& bench_;
+  bool running_ = false;
+  double freqMin_ = 1.0;
+  double freqMax_ = 1000.0;
+
+ private:
+  using Reading = double (AnalyserChannel::*)(int, int);
+  AnalyserChannel* FindChannel(const std::string& name) const;
+  double Difference(Reading reading, int slot, int index) const;
+  double WrappedPhase(int slot, int index) const;
+  template <class Value>
+  double Interpolate(int slot, double index, Value value) const;
+  bool Choose(AnalyserChannel*& chosen, const std::string& name);
+  bool LoadChoice(const Record& record);
+  bool LoadAxis(const Record& record);
+  void SetPositive(double& setting, double value, const char* what);
+
+  std::string label_;
+  std::vector<std::unique_ptr<AnalyserChannel>> channels_;
+  AnalyserChannel* input_ = nullptr;
+  AnalyserChannel* output_ = nullptr;
+  double phaseAdd_ = 0.0;
+  std::vector<AnalyserSetup> setups_;
+  std::array<Trace, SlotCount> traces_;
+  double gainScale_ = 20.0;
+  double gainOffset_ = 0.0;
+  double phaseScale_ = 90.0;
+  double phaseOffset_ = 0.0;
+  std::string findType_ = "-3 dB";
+  bool visible_;
+  std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
+  std::optional<double> fileFreqMax_;
+  bool needsRedraw_ = false;
+};
+
+}  // namespace torvane

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "instruments/analyser/analyser.h"
+#include "instruments/analyser/excitation.h"
+#include "instruments/fft/fft.h"
+#include "instruments/fft/fft_channel.h"
+#include "instruments/sample_clock.h"
+
+namespace torvane {
+
+/// Dynamic signal analyser: excites the model with filtered noise, samples every offered signal of
+/// the bench over a record of 2^Order samples and reads gain and phase from their spectra.
+///
+/// From Run, the excitation rests at its offset for the start delay, then drives the record and
+/// returns to the offset for the end delay, the last part of the record.
+class ZelXfer final : public FrequencyAnalyser {
+ public:
+  static constexpr int MinOrder = 3;
+  enum class State { Armed, Sampling, Complete, Halted };
+
+  /// Records of up to 2^maxOrder samples.
+  ZelXfer(ZelBenchTop& bench, int maxOrder, std::string name = "MainXFer");
+
+  /// While a record is being taken, the time of its next sample.
+  double NextTime() const override;
+  bool Service(double t) override;
+
+  /// What the model adds to its command: a new value reaches it half a sample period after the
+  /// sample at which it was drawn.
+  double Excitation(double now) const override {
+    return now < previousInstant_ + 0.5 * tSample_ ? previousExcitation_ : excitation_;
+  }
+
+  void Run() override;
+  void Halt() override;
+  /// Starts a record without touching the run button.
+  void Arm();
+
+  void AddVar(const Variable& variable);
+
+  State SampleState() const { return state_; }
+  int SampleCount() const { return sampleCount_; }
+  int MaxOrder() const { return fft_.MaxOrder(); }
+  int Order() const { return order_; }
+  int Length() const { return 1 << order_; }
+  double TSample() const { return tSample_; }
+  double TStartDelay() const { return tStartDelay_; }
+  double TEndDelay() const { return tEndDelay_; }
+  double Amplitude() const { return amplitude_; }
+  double Offset() const { return offset_; }
+  bool Spectrum() const { return spectrum_; }
+
+  // Setters report and refuse a value out of range. A new order or sample period stops the
+  // measurement and drops the memories.
+  void SetOrder(int order);
+  void SetTSample(double seconds);
+  void SetTStartDelay(double seconds);
+  void SetTEndDelay(double seconds);
+  void SetAmplitude(double amplitude);
+  /// Keeps the present excitation within offset +- amplitude / 2.
+  void SetOffset(double offset);
+  /// Only the output's spectrum is shown, of samples under a triangular window. A record that is
+  /// being taken begins anew.
+  void SetSpectrum(bool on);
+  /// The user's click on the spectrum box: takes a record as well, of what the model does under its
+  /// generator unless the run button is down.
+  void ClickSpectrum(bool on);
+
+  bool Binary = false;        ///< excite with two levels instead of uniform noise
+  bool BypassFilter = false;  ///< excite with the unfiltered sequence
+
+  /// The frequency axis from the first bin to half the Nyquist frequency.
+  void AutoRange();
+
+  double BinFrequency(int bin) const { return bin / (Length() * tSample_); }
+
+  bool HasData(int slot) const override;
+  Range DataRange(int slot) const override;
+  double IndexAt(int slot, double hz) const override;
+  bool StoreData(int slot) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+
+ protected:
+  void SaveSetup(RecordWriter& writer) const override;
+  bool LoadSetup(const Record& record) override;
+  bool OutputOnly() const override { return spectrum_; }
+  int LastIndex(int slot) const override;
+
+ private:
+  void TakeSample(double t);
+  void CompleteRecord();
+  void DropRecords();
+
+  Fft fft_;
+  int order_;
+  double tSample_ = 0.001;
+  double tStartDelay_ = 0.4;
+  double tEndDelay_ = 0.2;
+  double amplitude_ = 1.0;
+  double offset_ = 0.0;
+  bool spectrum_ = false;
+
+  struct FileEndDelay {
+    double Seconds;
+    int Line;
+  };
+  std::optional<FileEndDelay> fileEndDelay_;  // read from a file that has not ended yet
+
+  State state_ = State::Halted;
+  SampleClock clock_;
+  double startDelayEnd_ = 0.0;
+  double excitationEnd_ = 0.0;
+  int sampleCount_ = 0;
+  bool recordWhole_ = false;
+
+  double excitation_ = 0.0;
+  double previousExcitation_ = 0.0;
+  // Nothing was drawn before the program's first sample: a first record that starts at time 0
+  // excites with 0 for half a sample before it rests at the offset.
+  double previousInstant_ = 0.0;
+  RandomSequence sequence_;
+  SmoothingFilter filter_;
+
+  std::vector<ZelXferChannel*> records_;  ///< the channels, as what they are
+};
+
+}  // namespace torvane

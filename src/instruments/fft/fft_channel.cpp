@@ -1,0 +1,100 @@
+#include "instruments/fft/fft_channel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+#include "core/messages.h"
+#include "instruments/analyser/response_reading.h"
+
+namespace torvane {
+
+namespace {
+
+double TriangularWindow(int index, int length) {
+  const int half = length / 2;
+  if (index < half) return 4.0 * index / length;
+  return 2.0 - 4.0 * (index - half) / length;
+}
+
+}  // namespace
+
+ZelXferChannel::ZelXferChannel(const Variable& variable, const Fft& fft)
+    : AnalyserChannel(variable), fft_(fft), order_(fft.MaxOrder()) {
+  const std::size_t length = std::size_t{1} << fft.MaxOrder();
+  slots_[0].Re.resize(length);
+  slots_[0].Im.resize(length);
+}
+
+void ZelXferChannel::SetOrder(int order) {
+  if (order < 1 || order > fft_.MaxOrder()) {
+    Error("ZelXferChannel:  Attempt to set order > MaxOrder");
+    return;
+  }
+  order_ = order;
+}
+
+void ZelXferChannel::Sample(int index) {
+  if (index < 0 || index >= Length()) {
+    Error("ZelXferChannel:  Attempt to sample outside range");
+    return;
+  }
+  Slot& slot = slots_[0];
+  slot.State = SlotState::Samples;
+  double x = Signal().DisplayValue();
+  if (window_) x *= TriangularWindow(index, Length());
+  slot.Re[static_cast<std::size_t>(index)] = static_cast<float>(x);
+  slot.Im[static_cast<std::size_t>(index)] = 0.0F;
+}
+
+void ZelXferChannel::RunFFT(int slot) {
+  Slot& record = slots_[static_cast<std::size_t>(slot)];
+  if (record.State != SlotState::Samples) {
+    Error("Attempt to execute RunFFT in illegal state");
+    return;
+  }
+  if (record.Re.empty()) {
+    Error("Internal Error:  Running FFT on unitiilized vector");
+    return;
+  }
+  fft_.Transform(record.Re.data(), record.Im.data(), order_);
+  record.State = SlotState::Spectrum;
+}
+
+bool ZelXferChannel::Readable(int slot, int index, const char* message) {
+  if (slot < 0 || slot >= SlotCount || index < 0 || index >= Length()) {
+    Error(message);
+    return false;
+  }
+  if (State(slot) == SlotState::Samples) RunFFT(slot);
+  return State(slot) == SlotState::Spectrum;
+}
+
+double ZelXferChannel::Gain(int slot, int index) {
+  if (!Readable(slot, index, "ZelXferChannel:  Attempt to get gain outside range")) return 0.0;
+  const double re = Real(slot, index);
+  const double im = Imaginary(slot, index);
+  return GainDb(std::sqrt(re * re + im * im));
+}
+
+double ZelXferChannel::Phase(int slot, int index) {
+  if (!Readable(slot, index, "ZelXferChannel:  Attempt to get phase outside range")) return 0.0;
+  return PhaseDeg(Real(slot, index), Imaginary(slot, index));
+}
+
+bool ZelXferChannel::StoreData(int slot) {
+  if (slot < 1 || slot >= SlotCount) {
+    Error("Fault in ZelXferChannel :: StoreData");
+    return false;
+  }
+  if (State(0) == SlotState::Samples) RunFFT(0);
+  try {
+    slots_[static_cast<std::size_t>(slot)] = slots_[0];
+  } catch (const std::bad_alloc&) {
+    Error("Fault in ZelXferChannel :: StoreData");
+    return false;
+  }
+  return true;
+}
+
+}  // namespace torvane

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "instruments/analyser/analyser_channel.h"
+#include "instruments/fft/fft.h"
+
+namespace torvane {
+
+/// One signal of the FFT analyser: records of 2^order samples in single precision and, in the same
+/// arrays after the first reading, their spectra.
+class ZelXferChannel final : public AnalyserChannel {
+ public:
+  /// What a slot's arrays hold.
+  enum class SlotState { Samples = 1, Spectrum = 3 };
+
+  /// Records of up to 2^fft.MaxOrder() samples; the transform is shared by all channels and must
+  /// outlive them.
+  ZelXferChannel(const Variable& variable, const Fft& fft);
+
+  int Order() const { return order_; }
+  int Length() const { return 1 << order_; }
+  void SetOrder(int order);
+  /// Samples are weighted with a triangular window of peak 2.
+  void SetWindow(bool on) { window_ = on; }
+  bool Window() const { return window_; }
+
+  /// Stores the signal's present value in slot 0.
+  void Sample(int index);
+  /// Slot 0 is about to receive new samples.
+  void MarkNewSamples() { slots_[0].State = SlotState::Samples; }
+
+  /// Of bin `index`, 0 to Length() - 1; transforms the slot's samples first when need be.
+  double Gain(int slot, int index) override;
+  double Phase(int slot, int index) override;
+
+  /// Transforms a slot that holds samples.
+  void RunFFT(int slot);
+  /// Copies slot 0's spectrum to slot 1 to 4; false when there is no such slot or no memory for it.
+  bool StoreData(int slot);
+
+  SlotState State(int slot) const { return slots_[static_cast<std::size_t>(slot)].State; }
+  float Real(int slot, int index) const {
+    return slots_[static_cast<std::size_t>(slot)].Re[static_cast<std::size_t>(index)];
+  }
+  float Imaginary(int slot, int index) const {
+    return slots_[static_cast<std::size_t>(slot)].Im[static_cast<std::size_t>(index)];
+  }
+
+ private:
+  struct Slot {
+    SlotState State = SlotState::Samples;
+    std::vector<float> Re;  ///< empty until the slot is first used
+    std::vector<float> Im;
+  };
+
+  bool Readable(int slot, int index, const char* message);
+
+  const Fft& fft_;
+  int order_;
+  bool window_ = false;
+  std::array<Slot, SlotCount> slots_;
+};
+
+}  // namespace torvane

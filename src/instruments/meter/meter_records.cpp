@@ -1,0 +1,170 @@
+// A meter's part of a model file.
+
+#include <array>
+
+#include "core/files/record.h"
+#include "core/messages.h"
+#include "core/text.h"
+#include "instruments/meter/meter.h"
+
+namespace torvane {
+namespace {
+
+constexpr std::size_t ValueEntries = 4;
+
+struct KindRecord {
+  const char* Keyword;
+  MeterKind Kind;
+};
+constexpr std::array KindRecords{
+    KindRecord{"RMS", MeterKind::Rms},
+    KindRecord{"Average", MeterKind::Average},
+    KindRecord{"Harmonic", MeterKind::Harmonic},
+    KindRecord{"Corr", MeterKind::Correlation},
+};
+
+struct SetRecord {
+  const char* Keyword;
+  void (ZelMeter::*Set)(double);
+};
+constexpr std::array SetRecords{
+    SetRecord{"ACHpf", &ZelMeter::SetAcHpf},
+    SetRecord{"HarmonicFreq", &ZelMeter::SetHarmonicFreq},
+    SetRecord{"Lpf", &ZelMeter::SetLpf},
+    SetRecord{"TSample", &ZelMeter::SetTSample},
+    SetRecord{"TWindow", &ZelMeter::SetTWindow},
+};
+
+struct ExcitationRecord {
+  const char* Keyword;
+  double ZelMeter::*Value;
+};
+constexpr std::array ExcitationRecords{
+    ExcitationRecord{"ExcitationMag", &ZelMeter::ExcitationMag},
+    ExcitationRecord{"ExcitationOff", &ZelMeter::ExcitationOff},
+    ExcitationRecord{"ExcitationMult", &ZelMeter::ExcitationMult},
+};
+
+void ReportBadData(const Record& record) {
+  Error("Bad data in" + record.Line);
+}
+
+void SaveVariable(RecordWriter& writer, const char* keyword, const Variable* variable) {
+  if (variable) writer.Write(keyword, {variable->Name()});
+}
+
+}  // namespace
+
+void ZelMeter::SaveRecords(RecordWriter& writer) const {
+  const auto kind = [&](const char* keyword, MeterKind meant) {
+    writer.Write(keyword, {FlagText(kind_ == meant)});
+  };
+  const auto number = [&](const char* keyword, double value) {
+    writer.Write(keyword, {FormatShortest(value)});
+  };
+  SaveDisplay(writer, Placement);
+  writer.Write("ShowSetup", {FlagText(ShowSetup)});
+  SaveVariable(writer, "VariableVar", Measured());
+  writer.Write("DC", {FlagText(!ac_)});
+  writer.Write("AC", {FlagText(ac_)});
+  number("ACHpf", hpf_);
+  kind("RMS", MeterKind::Rms);
+  kind("Average", MeterKind::Average);
+  kind("Harmonic", MeterKind::Harmonic);
+  number("HarmonicFreq", harmonicFreq_);
+  writer.Write("HarmonicXfer", {FlagText(harmonicXfer_)});
+  SaveVariable(writer, "HarmonicXferVar", HarmonicXferVar());
+  kind("Corr", MeterKind::Correlation);
+  SaveVariable(writer, "CorrVar", CorrVar());
+  number("Lpf", lpf_);
+  writer.Write("UseExcite", {FlagText(UseExcitation)});
+  for (const ExcitationRecord& excitation : ExcitationRecords) {
+    number(excitation.Keyword, this->*excitation.Value);
+  }
+  number("TSample", tSample_);
+  writer.Write("UseDB", {FlagText(useDb_)});
+  number("TWindow", tWindow_);
+}
+
+void ZelMeter::LoadRecord(const Record& record) {
+  if (record.Keyword() == "Display") {
+    LoadMeterDisplay(record);
+  } else if (record.Fields.size() != ValueEntries) {
+    Error("Wrong number of entries in" + record.Line);
+  } else if (!LoadSwitch(record) && !LoadVariable(record) && !LoadNumber(record)) {
+    ReportBadData(record);
+  }
+}
+
+void ZelMeter::LoadMeterDisplay(const Record& record) {
+  switch (LoadDisplay(record, Placement)) {
+    case DisplayFault::EntryCount:
+      Error("Wrong number of entries in" + record.Line);
+      break;
+    case DisplayFault::WindowState:
+      ReportBadData(record);
+      break;
+    case DisplayFault::None:
+      break;
+  }
+}
+
+bool ZelMeter::LoadSwitch(const Record& record) {
+  const std::string& keyword = record.Keyword();
+  const bool on = IsOn(record.Fields[3]);
+  for (const KindRecord& kind : KindRecords) {
+    if (keyword != kind.Keyword) continue;
+    if (on) SetKind(kind.Kind);
+    return true;
+  }
+  if (keyword == "DC" || keyword == "AC") {
+    if (on) SetAcCoupled(keyword == "AC");
+  } else if (keyword == "ShowSetup") {
+    ShowSetup = on;
+  } else if (keyword == "HarmonicXfer") {
+    SetHarmonicXfer(on);
+  } else if (keyword == "UseExcite") {
+    UseExcitation = on;
+  } else if (keyword == "UseDB") {
+    SetUseDb(on);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool ZelMeter::LoadVariable(const Record& record) {
+  const std::string& name = record.Fields[3];
+  const auto message = [&](const char* what) {
+    return std::string("Error in Meter:  ") + what + " " + name + " not found.";
+  };
+  if (record.Keyword() == "VariableVar") {
+    Choose(measured_, name, message("Variable"));
+  } else if (record.Keyword() == "CorrVar") {
+    Choose(correlated_, name, message("Corr Variable"));
+  } else if (record.Keyword() == "HarmonicXferVar") {
+    Choose(transfer_, name, message("Harm. Xfer Variable"));
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// A number that cannot be read is bad data; one that is out of range has its setter's own report.
+bool ZelMeter::LoadNumber(const Record& record) {
+  const auto value = ParseNumber(record.Fields[3]);
+  if (!value) return false;
+  for (const SetRecord& setting : SetRecords) {
+    if (record.Keyword() != setting.Keyword) continue;
+    (this->*setting.Set)(*value);
+    return true;
+  }
+  for (const ExcitationRecord& excitation : ExcitationRecords) {
+    if (record.Keyword() != excitation.Keyword) continue;
+    this->*excitation.Value = *value;
+    return true;
+  }
+  return false;
+}
+
+}  // namespace torvane

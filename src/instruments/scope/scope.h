@@ -1,0 +1,148 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/bench.h"
+#include "core/instrument.h"
+#include "instruments/sample_clock.h"
+#include "instruments/scope/scope_channel.h"
+#include "instruments/scope/scope_memory.h"
+#include "instruments/scope/scope_trigger.h"
+#include "instruments/scope/trigger_lamp.h"
+
+namespace torvane {
+
+/// The panel of a scope's window that lists the model's constants; a width of 0 is the window's
+/// choice. Pixels.
+struct ConstantsPanel {
+  static constexpr int Widest = 32767;
+
+  bool Shown = true;
+  int Width = 0;
+  int NameWidth = 0;  ///< of the column of names
+};
+
+/// Copy of what one screen of a scope holds, oldest point first, as recorded: without the signals'
+/// display multipliers.
+struct ScopeScreen {
+  std::vector<float> Time;
+  std::vector<std::vector<float>> Values;  ///< by channel, in the scope's channel order
+};
+
+/// Oscilloscope: records every offered signal of a bench, waits for its trigger and fills a screen
+/// of points with their pixels.
+///
+/// The points of a screen span ten divisions of the time channel's horizontal scale, one sample
+/// interval apart. Works without a window, on a screen of a default size.
+class ZelScope final : public Instrument {
+ public:
+  static constexpr int HorizontalDivisions = 10;
+  static constexpr int VerticalDivisions = 8;
+  enum class Capture { Stopped, Filling, Waiting };
+
+  /// Adds itself to the bench. Makes its own trigger, on the first displayed channel, unless it is
+  /// given one. A bench without a time variable is a fatal error.
+  ZelScope(ZelBenchTop& bench, std::string name, int screenLength = 401, int ringLength = 802,
+           ZelTrigger* trigger = nullptr);
+
+  double NextTime() const override { return clock_.Request(); }
+  bool Service(double t) override { return Sample(t); }
+  /// Takes a sample when one is due; false only when a single shot has just completed.
+  bool Sample(double t);
+  /// A completed single shot is taken anew.
+  void Start() override;
+  void Refresh() override;
+
+  const std::vector<std::unique_ptr<ZelChannel>>& Channels() const { return memory_.Channels(); }
+  ZelChannel& TimeChannel() const { return memory_.TimeChannel(); }
+  /// By name, the time channel included; nullptr when there is none.
+  ZelChannel* FindChannel(const std::string& name);
+  /// Else the first channel; without any channel, the time channel.
+  ZelChannel& FirstDisplayedChannel() const;
+  /// The X axis; without one reports and gives nullptr.
+  ZelChannel* HorizontalChannel();
+  const ZelChannel* HorizontalChannel() const;
+  void SetHorizontalChannel(ZelChannel& channel);
+  bool XYMode() const { return !memory_.TimeChannel().IsHorizontal; }
+  ZelTrigger& Trigger() const { return *trigger_; }
+  /// The trigger lamp, as of the last refresh.
+  bool TriggerLit() const { return lamp_.Lit(); }
+
+  /// Shows or hides a trace; at most eight are shown, the later ones in channel order lose.
+  void SetDisplayed(ZelChannel& channel, bool displayed);
+  /// A scale of 0 (or not a finite number) is refused with a report and gives false; its magnitude
+  /// is limited to 1e-100 ... 1e100.
+  bool SetVerticalScale(ZelChannel& channel, double scale);
+  /// An offset that is not a finite number is ignored.
+  void SetVerticalOffset(ZelChannel& channel, double offset);
+  /// As SetVerticalScale; the time channel's scale sets the sample interval too.
+  bool SetHorizontalScale(ZelChannel& channel, double scale);
+  void SetHorizontalOffset(ZelChannel& channel, double offset);
+  /// Scales to the points on the screen: the larger magnitude to the edge around zero, or the whole
+  /// trace over the eight divisions. A flat trace cannot fill and is noted.
+  void AutoVertical(ZelChannel& channel);
+  void FillVertical(ZelChannel& channel);
+
+  bool SingleShot() const { return singleShot_; }
+  void SetSingleShot(bool on) { singleShot_ = on; }
+
+  /// Pixels of the paint area (at least 3 by 3); every point is computed anew.
+  void SetScreenSize(int width, int height);
+  int Width() const { return width_; }
+  int Height() const { return height_; }
+
+  int ScreenLength() const { return memory_.ScreenLength(); }
+  int RingLength() const { return memory_.RingLength(); }
+  double SampleInterval() const { return interval_; }
+  /// Takes the interval from the time channel's scale, whatever its sign, and waits for the trigger
+  /// anew. The setters do so by themselves.
+  void SetSampleInterval();
+  Capture State() const { return state_; }
+  /// The screen is circular: points run from StartIndex to FillIndex modulo ScreenLength; a
+  /// FillIndex of -1 means an empty screen.
+  int StartIndex() const { return memory_.StartIndex(); }
+  int FillIndex() const { return memory_.FillIndex(); }
+  /// A screen has filled since the last call.
+  bool TakeScreenCompleted();
+  /// More than new points has changed since the last call: paint everything.
+  bool TakeNeedsRedraw();
+
+  void SaveRecords(RecordWriter& writer) const override;
+  void LoadRecord(const Record& record) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+
+  ConstantsPanel ConstForm;
+
+  ScopeScreen CopyScreen() const;
+  /// Puts a copied screen back, for showing. Capture, if it goes on, begins with a new screen.
+  void ShowScreen(const ScopeScreen& screen);
+
+ private:
+  ZelChannel* FindHorizontal() const;
+  bool Fill();
+  void Wait();
+  void StartScreen(double percent);
+  void AssignColours();
+  void LoadChannel(const Record& record);
+  void LoadTriggerRecord(const Record& record);
+  void LoadConstForm(const Record& record);
+  void ComputePixels(ZelChannel& channel);
+
+  std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none
+  ScopeMemory memory_;
+  SampleClock clock_;
+  double interval_ = 0.0;
+  Capture state_ = Capture::Waiting;
+  bool singleShot_ = false;
+  bool screenCompleted_ = false;
+  bool needsRedraw_ = true;
+  std::unique_ptr<ZelTrigger> ownTrigger_;
+  ZelTrigger* trigger_;
+  TriggerLamp lamp_;
+  int width_ = 0;
+  int height_ = 0;
+};
+
+}  // namespace torvane

@@ -1,0 +1,115 @@
+// A scope's part of a model file.
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "core/files/record.h"
+#include "core/messages.h"
+#include "core/text.h"
+#include "instruments/scope/scope.h"
+#include "instruments/scope/trigger_records.h"
+
+namespace torvane {
+namespace {
+
+constexpr const char* WrongCount = "Wrong number of entries in ";
+constexpr const char* WrongFileCount = "File error:  wrong number entries in ";
+
+// Of the records with a value for each setting of a channel or of the constants panel.
+constexpr std::size_t ChannelEntries = 10;
+constexpr std::size_t ConstFormEntries = 6;
+
+void SaveChannel(RecordWriter& writer, const ZelChannel& channel) {
+  writer.Write(
+      "Channel",
+      {channel.Name(), FlagText(channel.Displayed), FormatShortest(channel.Vertical.Scale),
+       FormatShortest(channel.Vertical.Offset), FlagText(channel.IsHorizontal),
+       FormatShortest(channel.Horizontal.Scale), FormatShortest(channel.Horizontal.Offset)});
+}
+
+}  // namespace
+
+void ZelScope::SaveRecords(RecordWriter& writer) const {
+  SaveDisplay(writer, Placement);
+  SaveChannel(writer, TimeChannel());
+  for (const auto& channel : Channels()) SaveChannel(writer, *channel);
+  writer.Write("ConstForm", {FlagText(ConstForm.Shown), std::to_string(ConstForm.Width),
+                             std::to_string(ConstForm.NameWidth)});
+  SaveTrigger(writer, *trigger_);
+  writer.Write("Trigger", {"StopModel", FlagText(singleShot_)});
+}
+
+void ZelScope::LoadRecord(const Record& record) {
+  const std::string& keyword = record.Keyword();
+  if (keyword == "Channel") {
+    LoadChannel(record);
+  } else if (keyword == "Trigger") {
+    LoadTriggerRecord(record);
+  } else if (keyword == "Display") {
+    LoadDisplayReporting(record, Placement, WrongFileCount);
+  } else if (keyword == "ConstForm") {
+    LoadConstForm(record);
+  } else {
+    ReportUnknownRecord(record);
+  }
+}
+
+void ZelScope::LoadChannel(const Record& record) {
+  if (record.Fields.size() != ChannelEntries) {
+    Error(WrongFileCount + record.Line);
+    return;
+  }
+  ZelChannel* const channel = FindChannel(record.Fields[3]);
+  if (!channel) {
+    Error("Cannot find channel " + record.Fields[3]);
+    return;
+  }
+  // How many traces are shown is looked at when all are known: until then those of the file mix
+  // with those from before.
+  channel->Displayed = IsOn(record.Fields[4]);
+  if (const auto scale = ToNumber(record.Fields[5])) SetVerticalScale(*channel, *scale);
+  if (const auto offset = ToNumber(record.Fields[6])) SetVerticalOffset(*channel, *offset);
+  if (IsOn(record.Fields[7])) SetHorizontalChannel(*channel);
+  if (const auto scale = ToNumber(record.Fields[8])) SetHorizontalScale(*channel, *scale);
+  if (const auto offset = ToNumber(record.Fields[9])) SetHorizontalOffset(*channel, *offset);
+}
+
+void ZelScope::LoadTriggerRecord(const Record& record) {
+  if (record.Fields.size() != TriggerEntries) {
+    Error(WrongCount + record.Line);
+    return;
+  }
+  const std::string& value = record.Fields[4];
+  if (record.Fields[3] == "Channel") {
+    if (ZelChannel* const source = FindChannel(value)) {
+      trigger_->SetSource(*source);
+    } else {
+      Error("Trigger Channel Invalid");
+    }
+  } else if (record.Fields[3] == "StopModel") {
+    singleShot_ = IsOn(value);
+  } else if (!LoadTrigger(record, *trigger_)) {
+    Error("Error:  Cannot load line: " + record.Line);
+  }
+}
+
+void ZelScope::LoadConstForm(const Record& record) {
+  if (record.Fields.size() != ConstFormEntries) {
+    Error(WrongCount + record.Line);
+    return;
+  }
+  const std::optional<int> width = ToInteger(record.Fields[4]);
+  const std::optional<int> nameWidth = ToInteger(record.Fields[5]);
+  if (!width || !nameWidth) return;
+  ConstForm = {IsOn(record.Fields[3]), std::clamp(*width, 0, ConstantsPanel::Widest),
+               std::clamp(*nameWidth, 0, ConstantsPanel::Widest)};
+}
+
+void ZelScope::FinishLoading(const std::function<void(int line)>& atLine) {
+  AssignColours();
+  for (const auto& channel : Channels()) channel->ComputePixels();
+  Instrument::FinishLoading(atLine);
+}
+
+}  // namespace torvane

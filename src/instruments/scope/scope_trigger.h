@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+
+#include "instruments/scope/scope_channel.h"
+
+namespace torvane {
+
+enum class SweepMode { Cont, Auto, Normal };
+
+/// Decides when a scope starts a new screen: watches a source against a level, with slope, initial
+/// delay, event count and delay after the event. All times are simulated seconds, read from the
+/// time reference (the scope's time channel). A positive-slope event is a sample strictly above the
+/// level after one at or below it; a negative-slope event the reverse.
+class ZelTrigger {
+ public:
+  enum class Detection { InitialDelay, Arming, Armed, DelayAfter, Unused, Idle };
+
+  /// Level 0, positive slope, armed, automatic, without delays or event count.
+  ZelTrigger(ZelChannel& source, const ZelChannel& timeReference);
+
+  /// Detection from the beginning, initial delay and event count included.
+  void Rearm();
+  void Disarm();
+  /// One detection step; true when the trigger fires. No further event is looked for until ten
+  /// divisions of time have passed.
+  bool Step();
+  /// True when an automatic sweep is due: 20.5 divisions of time after the last sweep or event.
+  bool AutoTimeout();
+  /// Whether the trigger fired since the last call.
+  bool ConsumeFired();
+
+  /// Leaves the detection state alone.
+  void SetMode(SweepMode mode);
+  // Each of these restarts detection from the beginning.
+  void SetSource(ZelChannel& source);
+  void SetPositiveSlope(bool positive);
+  void SetInitialDelay(bool on);
+  /// Absolute simulated time before which detection does not begin.
+  void SetInitialDelayTime(double seconds);
+  void SetCountEvents(bool on);
+  void SetNumberOfEvents(std::int32_t count);
+  void SetDelayAfter(bool on);
+  void SetDelayAfterTime(double seconds);
+
+  SweepMode Mode() const { return mode_; }
+  ZelChannel& Source() const { return *source_; }
+  bool PositiveSlope() const { return positiveSlope_; }
+  bool InitialDelay() const { return initialDelay_; }
+  double InitialDelayTime() const { return initialDelayTime_; }
+  bool CountEvents() const { return countEvents_; }
+  std::int32_t NumberOfEvents() const { return numberOfEvents_; }
+  bool DelayAfter() const { return delayAfter_; }
+  double DelayAfterTime() const { return delayAfterTime_; }
+  Detection State() const { return state_; }
+  /// When the trigger last fired.
+  double FireTime() const { return fireTime_; }
+
+  double Level = 0.0;      ///< in the source's display units
+  double Position = 20.0;  ///< per cent of the screen shown before the trigger point
+  bool Roll = false;       ///< acted on by the scope
+
+ private:
+  template <typename Value>
+  void Change(Value& setting, Value value);
+  double Now() const { return timeReference_.Signal().Value; }
+  double ScreenTime() const;
+  double AutoPeriod() const;
+  std::int32_t EventsWanted() const { return countEvents_ ? numberOfEvents_ : 1; }
+  bool OnStartingSide() const;
+  bool Crossed() const;
+  bool CountEvent();
+  bool FireWhenDelayed();
+  void Fire();
+
+  const ZelChannel& timeReference_;
+  ZelChannel* source_;
+  SweepMode mode_ = SweepMode::Auto;
+  Detection state_ = Detection::Idle;
+  bool positiveSlope_ = true;
+  bool initialDelay_ = false;
+  bool countEvents_ = false;
+  bool delayAfter_ = false;
+  bool fired_ = false;
+  std::int32_t numberOfEvents_ = 1;
+  std::int64_t eventsRemaining_ = 1;  // wider than the setting, which may be as low as it goes
+  double initialDelayTime_ = 0.0;
+  double delayAfterTime_ = 0.0;
+  double holdOff_ = 0.0;       // no event is looked for before this time
+  double autoDeadline_ = 0.0;  // an automatic sweep is due after this time
+  double eventTime_ = 0.0;
+  double fireTime_ = 0.0;
+};
+
+}  // namespace torvane

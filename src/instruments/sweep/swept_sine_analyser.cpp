@@ -1,0 +1,160 @@
+#include "instruments/sweep/swept_sine_analyser.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <utility>
+
+#include "core/messages.h"
+
+namespace torvane {
+
+double ZelSweptDSA::phase_ = 0.0;
+
+ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
+    : FrequencyAnalyser(InstrumentKind::SweptSine, std::move(name), bench, "SweptDSA", false) {
+  for (const Variable* variable : bench.Variables()) {
+    if (variable->Internal()) continue;
+    auto channel = std::make_unique<ZelSweptDSAChannel>(*variable, Capacity);
+    points_.push_back(channel.get());
+    AddChannel(std::move(channel));
+  }
+  CheckChannels();
+  frequencies_[0].reserve(Capacity);
+  ApplySweepRange();
+}
+
+void ZelSweptDSA::Run() {
+  running_ = true;
+  state_ = State::Start;
+  clock_.SetNext(bench_.Time());
+  Changed();
+}
+
+void ZelSweptDSA::Halt() {
+  Finish(State::Idle);
+}
+
+void ZelSweptDSA::Finish(State state) {
+  state_ = state;
+  excitation_ = 0.0;
+  running_ = false;
+  Changed();
+}
+
+bool ZelSweptDSA::InProgress() const {
+  return state_ != State::Idle && state_ != State::Done;
+}
+
+double ZelSweptDSA::NextTime() const {
+  return state_ == State::Start || state_ == State::Measuring ? clock_.Request() : -1.0;
+}
+
+double ZelSweptDSA::NextTick() const {
+  return InProgress() ? clock_.Request() : -1.0;
+}
+
+bool ZelSweptDSA::Service(double t) {
+  if (!InProgress() || !clock_.TakeDue(t, tSample_)) return true;
+  if (state_ == State::Start) {
+    BeginSweep();
+    BeginPoint(t);
+  } else if (state_ == State::Advance) {
+    StepFrequency(t);
+    BeginPoint(t);
+  }
+  excitation_ = std::sin(6.2831852 * f_ * t + phase_) * amplitude_ + offset_;
+  if (t >= settleEnd_) {
+    for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
+    if (t >= measurementEnd_) CompletePoint();
+  }
+  return true;
+}
+
+void ZelSweptDSA::BeginSweep() {
+  pointIndex_ = 0;
+  f_ = FreqMin();
+  frequencies_[0].clear();
+  for (ZelSweptDSAChannel* channel : points_) channel->ClearPoints();
+}
+
+void ZelSweptDSA::StepFrequency(double t) {
+  ++pointIndex_;
+  phase_ += 6.2831852 * f_ * t;
+  // The last factor keeps rounding from leaving the final point just short of FreqMax.
+  f_ *= std::exp(std::numbers::ln10 / stepsPerDecade_) * 1.000001;
+  phase_ -= 6.2831852 * f_ * t;
+}
+
+void ZelSweptDSA::BeginPoint(double t) {
+  state_ = State::Measuring;
+  settleEnd_ = t + settleTime_;
+  measurementEnd_ = settleEnd_ + PeriodCount() / f_;
+  for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
+}
+
+void ZelSweptDSA::CompletePoint() {
+  for (ZelSweptDSAChannel* channel : points_) {
+    if (channel->Measure(pointIndex_)) continue;
+    Finish(State::Done);
+    return;
+  }
+  frequencies_[0].push_back(f_);
+  if (f_ < FreqMax()) {
+    state_ = State::Advance;
+    EnableTrace(0);
+    Changed();
+  } else {
+    Finish(State::Done);
+  }
+}
+
+double ZelSweptDSA::PeriodCount() const {
+  return std::max(1.0, std::floor(measurementTime_ / f_ + 0.999));
+}
+
+void ZelSweptDSA::SetVisible(bool visible) {
+  if (!visible) {
+    for (int slot = 0; slot < SlotCount; ++slot) DisableTrace(slot);
+  }
+  FrequencyAnalyser::SetVisible(visible);
+}
+
+bool ZelSweptDSA::HasData(int slot) const {
+  const bool measured = !frequencies_[static_cast<std::size_t>(slot)].empty();
+  return slot == 0 ? measured : measured && TraceAt(slot).Enabled;
+}
+
+FrequencyAnalyser::Range ZelSweptDSA::DataRange(int slot) const {
+  const std::vector<double>& frequencies = frequencies_[static_cast<std::size_t>(slot)];
+  if (frequencies.empty()) return {};
+  return {frequencies.front(), frequencies.back()};
+}
+
+double ZelSweptDSA::IndexAt(int slot, double hz) const {
+  const std::vector<double>& frequencies = frequencies_[static_cast<std::size_t>(slot)];
+  if (frequencies.empty() || !(hz >= frequencies.front() && hz <= frequencies.back())) return -1.0;
+  if (hz == frequencies.back()) return static_cast<double>(frequencies.size() - 1);
+  const auto above = std::upper_bound(frequencies.begin(), frequencies.end(), hz);
+  const auto below = above - 1;
+  const double fraction = std::log(hz / *below) / std::log(*above / *below);
+  return static_cast<double>(below - frequencies.begin()) + fraction;
+}
+
+int ZelSweptDSA::LastIndex(int slot) const {
+  return static_cast<int>(frequencies_[static_cast<std::size_t>(slot)].size()) - 1;
+}
+
+bool ZelSweptDSA::StoreData(int slot) {
+  if (!HasData(0)) return false;
+  for (ZelSweptDSAChannel* channel : points_) {
+    if (!channel->StoreData(slot)) return false;
+  }
+  frequencies_[static_cast<std::size_t>(slot)] = frequencies_[0];
+  EnableTrace(slot);
+  Changed();
+  return true;
+}
+
+}  // namespace torvane

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "instruments/analyser/analyser.h"
+#include "instruments/sample_clock.h"
+#include "instruments/sweep/swept_sine_channel.h"
+
+namespace torvane {
+
+/// Swept-sine analyser: excites the model with a sine, lets it settle, correlates every offered
+/// signal over whole periods, and steps the frequency by a fixed ratio from FreqMin until it has
+/// reached FreqMax. Its window is hidden until it is asked for.
+///
+/// The sine is held from tick to tick and the signals are read just before it moves on, so a
+/// response reads 180 f tSample degrees early: choose tSample a hundredth of the shortest period or
+/// less.
+class ZelSweptDSA final : public FrequencyAnalyser {
+ public:
+  enum class State { Idle, Start, Measuring, Advance, Done };
+  /// Points of one sweep.
+  static constexpr int Capacity = 2048;
+
+  ZelSweptDSA(ZelBenchTop& bench, std::string name);
+
+  /// The next tick while a point is being measured. Between two points no time is asked for: the
+  /// step comes with the first call after the tick.
+  double NextTime() const override;
+  bool Service(double t) override;
+
+  /// What the model adds to its command; 0 unless a sweep is in progress.
+  double Excitation(double /*now*/) const override { return excitation_; }
+
+  void Run() override;
+  void Halt() override;
+
+  State SweepState() const { return state_; }
+  /// When the next tick is due, also between two points; negative while no sweep is in progress.
+  double NextTick() const;
+  double Frequency() const { return f_; }
+  /// Points measured in slot 0 and their frequencies, Hz.
+  int PointCount() const { return static_cast<int>(frequencies_[0].size()); }
+  double PointFrequency(int slot, int index) const {
+    return frequencies_[static_cast<std::size_t>(slot)][static_cast<std::size_t>(index)];
+  }
+
+  double TSample() const { return tSample_; }
+  double StartFreq() const { return startFreq_; }
+  double EndFreq() const { return endFreq_; }
+  int StepsPerDecade() const { return stepsPerDecade_; }
+  double SettleTime() const { return settleTime_; }
+  double MeasurementTime() const { return measurementTime_; }
+  double Amplitude() const { return amplitude_; }
+  double Offset() const { return offset_; }
+
+  // Setters report and refuse a value out of range.
+  void SetTSample(double seconds);
+  void SetStartFreq(double hz);
+  void SetEndFreq(double hz);
+  void SetStepsPerDecade(int steps);
+  void SetSettleTime(double seconds);
+  /// Divided by the frequency it gives the number of periods measured, rounded up, at least one.
+  void SetMeasurementTime(double seconds);
+  void SetAmplitude(double amplitude);
+  void SetOffset(double offset);
+
+  /// Makes the range between StartFreq and EndFreq, in either order, the one that is swept.
+  void ApplySweepRange();
+
+  /// Hiding the window also takes all traces off the plot.
+  void SetVisible(bool visible) override;
+
+  bool HasData(int slot) const override;
+  Range DataRange(int slot) const override;
+  double IndexAt(int slot, double hz) const override;
+  bool StoreData(int slot) override;
+
+ protected:
+  void SaveSetup(RecordWriter& writer) const override;
+  bool LoadSetup(const Record& record) override;
+  int LastIndex(int slot) const override;
+
+ private:
+  bool InProgress() const;
+  void BeginSweep();
+  void BeginPoint(double t);
+  void StepFrequency(double t);
+  void CompletePoint();
+  void Finish(State state);
+  /// Periods measured at the present frequency.
+  double PeriodCount() const;
+  void SetChecked(double& setting, double value, bool good, const char* message);
+
+  double tSample_ = 0.005;
+  double startFreq_ = 10.0;
+  double endFreq_ = 0.2;
+  int stepsPerDecade_ = 25;
+  double settleTime_ = 0.005;
+  double measurementTime_ = 0.005;
+  double amplitude_ = 1.0;
+  double offset_ = 0.0;
+
+  State state_ = State::Idle;
+  double f_ = 0.0;
+  int pointIndex_ = 0;
+  SampleClock clock_;
+  double settleEnd_ = 0.0;
+  double measurementEnd_ = 0.0;
+  double excitation_ = 0.0;
+  std::array<std::vector<double>, SlotCount> frequencies_;
+
+  /// Keeps the sine continuous when the frequency changes. One value serves every analyser of the
+  /// program, on purpose: a new model's sweep goes on from the phase of the last.
+  static double phase_;
+
+  std::vector<ZelSweptDSAChannel*> points_;  ///< the channels, as what they are
+};
+
+}  // namespace torvane

@@ -1,0 +1,117 @@
+#include "instruments/sweep/swept_sine_channel.h"
+
+#include <cmath>
+#include <new>
+
+#include "core/messages.h"
+#include "instruments/analyser/response_reading.h"
+
+namespace torvane {
+
+namespace {
+
+// The determinant of whole periods is N^2 / 4. Far below that the ticks cannot tell sine, cosine
+// and constant apart: too few of them, or the frequency is a multiple of half the tick rate.
+constexpr double LeastDeterminant = 1e-6;
+
+}  // namespace
+
+ZelSweptDSAChannel::ZelSweptDSAChannel(const Variable& variable, int capacity)
+    : AnalyserChannel(variable), capacity_(static_cast<std::size_t>(capacity)) {
+  slots_[0].Gains.reserve(capacity_);
+  slots_[0].Phases.reserve(capacity_);
+}
+
+void ZelSweptDSAChannel::ClearPoints() {
+  slots_[0].Gains.clear();
+  slots_[0].Phases.clear();
+}
+
+void ZelSweptDSAChannel::ResetSums() {
+  sums_ = {};
+  pending_ = false;
+}
+
+void ZelSweptDSAChannel::Sums::Add(const Tick& tick) {
+  N += 1.0;
+  S += tick.Sin;
+  C += tick.Cos;
+  X += tick.X;
+  SS += tick.Sin * tick.Sin;
+  SC += tick.Sin * tick.Cos;
+  CC += tick.Cos * tick.Cos;
+  XS += tick.X * tick.Sin;
+  XC += tick.X * tick.Cos;
+}
+
+void ZelSweptDSAChannel::Accumulate(double f, double t) {
+  if (pending_) sums_.Add(last_);
+  const double angle = 6.2831852 * f * t;
+  last_ = {std::sin(angle), std::cos(angle), Signal().DisplayValue()};
+  pending_ = true;
+}
+
+ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::Solve() const {
+  Sums sums = sums_;
+  if (sums.N == 0.0 && pending_) sums.Add(last_);
+  if (sums.N == 0.0) return {};
+  // Taking the means off each product removes the constant from the equations.
+  const double ss = sums.SS - sums.S * sums.S / sums.N;
+  const double sc = sums.SC - sums.S * sums.C / sums.N;
+  const double cc = sums.CC - sums.C * sums.C / sums.N;
+  const double xs = sums.XS - sums.X * sums.S / sums.N;
+  const double xc = sums.XC - sums.X * sums.C / sums.N;
+  const double determinant = ss * cc - sc * sc;
+  if (!(determinant > LeastDeterminant * sums.N * sums.N)) {
+    return {2.0 * sums.XS / sums.N, 2.0 * sums.XC / sums.N};
+  }
+  return {(xs * cc - xc * sc) / determinant, (xc * ss - xs * sc) / determinant};
+}
+
+bool ZelSweptDSAChannel::Measure(int index) {
+  if (index < 0 || static_cast<std::size_t>(index) >= capacity_) {
+    Error("Index overrun in ZelSweptDSAChannel :: Measure");
+    return false;
+  }
+  const Phasor phasor = Solve();
+  const std::size_t point = static_cast<std::size_t>(index);
+  Slot& slot = slots_[0];
+  if (slot.Gains.size() <= point) {
+    slot.Gains.resize(point + 1);
+    slot.Phases.resize(point + 1);
+  }
+  slot.Gains[point] = GainDb(std::sqrt(phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos));
+  slot.Phases[point] = PhaseDeg(phasor.Sin, phasor.Cos);
+  return true;
+}
+
+bool ZelSweptDSAChannel::Readable(int slot, int index, const char* message) const {
+  const bool known = slot >= 0 && slot < SlotCount && index >= 0;
+  if (known &&
+      static_cast<std::size_t>(index) < slots_[static_cast<std::size_t>(slot)].Gains.size()) {
+    return true;
+  }
+  Error(message);
+  return false;
+}
+
+double ZelSweptDSAChannel::Gain(int slot, int index) {
+  if (!Readable(slot, index, "ZelSweptDSAChannel:  Attempt to get gain outside range")) return 0.0;
+  return slots_[static_cast<std::size_t>(slot)].Gains[static_cast<std::size_t>(index)];
+}
+
+double ZelSweptDSAChannel::Phase(int slot, int index) {
+  if (!Readable(slot, index, "ZelSweptDSAChannel:  Attempt to get phase outside range")) return 0.0;
+  return slots_[static_cast<std::size_t>(slot)].Phases[static_cast<std::size_t>(index)];
+}
+
+bool ZelSweptDSAChannel::StoreData(int slot) {
+  if (slot < 1 || slot >= SlotCount) {
+    Error("Fault in ZelSweptDSAChannel :: StoreData");
+    return false;
+  }
+  slots_[static_cast<std::size_t>(slot)] = slots_[0];
+  return true;
+}
+
+}  // namespace torvane

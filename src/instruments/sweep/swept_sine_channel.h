@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "instruments/analyser/analyser_channel.h"
+
+namespace torvane {
+
+/// One signal of the swept-sine analyser: the sums of the point being measured and, for each slot,
+/// the gain and phase of every point.
+///
+/// The signal is correlated with sine and cosine at f, and the correlations are solved with those
+/// of sine, cosine and constant among each other over the same ticks:
+///   x = A sin + B cos + D, gain 20 log10 sqrt(A^2 + B^2), phase atan2(B, A).
+/// Over whole periods of ticks this is A = 2/N sum x sin, B = 2/N sum x cos. It reads a sine at f
+/// on a constant exactly whether or not the period is a whole number of ticks.
+class ZelSweptDSAChannel final : public AnalyserChannel {
+ public:
+  /// Room for `capacity` points a slot.
+  ZelSweptDSAChannel(const Variable& variable, int capacity);
+
+  /// Forgets slot 0's points, for a new sweep.
+  void ClearPoints();
+  void ResetSums();
+  /// Adds the signal's present value at f Hz. The last tick of a point belongs to the period after
+  /// it, so a value counts only once another one has followed.
+  void Accumulate(double f, double t);
+  /// Stores the point's gain and phase in slot 0; an index beyond the capacity is reported and
+  /// gives false.
+  bool Measure(int index);
+
+  double Gain(int slot, int index) override;
+  double Phase(int slot, int index) override;
+  bool StoreData(int slot);
+
+ private:
+  struct Slot {
+    std::vector<double> Gains;
+    std::vector<double> Phases;
+  };
+  struct Tick {
+    double Sin = 0.0;
+    double Cos = 0.0;
+    double X = 0.0;
+  };
+  /// Sums over the ticks of products of sine, cosine, one and the signal.
+  struct Sums {
+    double N = 0.0;
+    double S = 0.0, C = 0.0, X = 0.0;
+    double SS = 0.0, SC = 0.0, CC = 0.0;
+    double XS = 0.0, XC = 0.0;
+
+    void Add(const Tick& tick);
+  };
+  /// Amplitudes of the sine and the cosine.
+  struct Phasor {
+    double Sin = 0.0;
+    double Cos = 0.0;
+  };
+
+  Phasor Solve() const;
+  bool Readable(int slot, int index, const char* message) const;
+
+  std::size_t capacity_;
+  Sums sums_;
+  bool pending_ = false;
+  Tick last_;
+  std::array<Slot, SlotCount> slots_;
+};
+
+}  // namespace torvane

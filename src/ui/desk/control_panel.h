@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QTimer>
+#include <memory>
+
+#include "core/model.h"
+#include "ui/desk/run_driver.h"
+#include "ui/session/data_folder.h"
+
+class QAction;
+
+namespace torvane {
+
+class FileCommands;
+class TZelModelPictureF;
+class TZelModelTextF;
+
+namespace Ui {
+class TZelControlPanelF;
+}
+
+/// The main window: run controls, simulated time, model selector and commands above the workspace
+/// of the instruments. Owns the current model and drives it.
+class TZelControlPanelF : public QMainWindow, private UndoItems {
+  Q_OBJECT
+
+ public:
+  /// Starts with the model of that index in the catalogue, stopped.
+  explicit TZelControlPanelF(DataFolder folder, int startModel = 0);
+  ~TZelControlPanelF() override;
+
+  ZelModel* Model() const { return model_.get(); }
+  /// Replaces the current model: the old one is destroyed with its windows, the new one is stopped.
+  void MakeCurrent(std::unique_ptr<ZelModel> model);
+
+  FileCommands& Files() { return *files_; }
+  /// Moves the instrument windows to where their placements say.
+  void RestorePlacements();
+
+  void Run();
+  void Stop();
+  bool Running() const;
+
+  /// Shows the window at a size that fits the display, and over it the splash for four seconds.
+  void ShowAtStart(bool withSplash);
+
+  /// How often the instruments have been painted while a model ran.
+  int Frames() const { return frames_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void ConnectControls();
+  void SelectModel(int index);
+  void ShowModelName();
+  void RunToggled(bool down);
+  void ShowFrame();
+  void ShowTime();
+  void RefreshTick();
+  void ResetVariables();
+  void RestoreDefaults();
+  void ShowAbout();
+
+  void SetCaption(UndoItem item, const std::string& caption) override;
+  void SetEnabled(UndoItem item, bool enabled) override;
+
+  std::unique_ptr<Ui::TZelControlPanelF> ui_;
+  DataFolder data_;
+  std::unique_ptr<ZelModel> model_;
+  RunDriver driver_;
+  QTimer refreshTimer_;
+  QTimer splashTimer_;
+  TZelModelPictureF* picture_;
+  TZelModelTextF* text_;
+  std::unique_ptr<FileCommands> files_;
+  int frames_ = 0;
+};
+
+}  // namespace torvane

@@ -1,0 +1,179 @@
+#include "ui/desk/workspace.h"
+
+#include <QEvent>
+#include <QScopedValueRollback>
+#include <algorithm>
+
+#include "ui/panes/instrument_pane.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int Gap = 4;  // between sub-windows and around them, pixels
+
+}  // namespace
+
+InstrumentFrame::InstrumentFrame(std::unique_ptr<InstrumentPane> pane) {
+  setWindowTitle(pane->windowTitle());
+  setWindowIcon(pane->windowIcon());
+  setWidget(pane.release());
+}
+
+InstrumentPane& InstrumentFrame::Pane() const {
+  return *static_cast<InstrumentPane*>(widget());
+}
+
+void InstrumentFrame::ApplyPlacement() {
+  const WindowPlacement placement = Pane().Engine().Placement;
+  if (placement.State == WindowState::Normal && (isMinimized() || isMaximized())) showNormal();
+  if (placement.Width > 0 && placement.Height > 0) {
+    setGeometry(placement.Left, placement.Top, placement.Width, placement.Height);
+  }
+  if (placement.State == WindowState::Minimised) showMinimized();
+  if (placement.State == WindowState::Maximised) showMaximized();
+}
+
+void InstrumentFrame::RecordPlacement() {
+  if (!widget()) return;
+  WindowPlacement placement = Pane().Engine().Placement;
+  placement.State = isMinimized()   ? WindowState::Minimised
+                    : isMaximized() ? WindowState::Maximised
+                                    : WindowState::Normal;
+  if (placement.State == WindowState::Normal) {
+    placement.Height = height();
+    placement.Left = x();
+    placement.Top = y();
+    placement.Width = width();
+  }
+  // A window told its place again, as on activation, has not been moved.
+  if (placement == Pane().Engine().Placement) return;
+  Pane().Engine().Placement = placement;
+  // Nor has one by the user that is not shown yet: it is told its first place late.
+  if (isVisible()) emit PlacementChanged();
+}
+
+void InstrumentFrame::moveEvent(QMoveEvent* event) {
+  QMdiSubWindow::moveEvent(event);
+  RecordPlacement();
+}
+
+void InstrumentFrame::resizeEvent(QResizeEvent* event) {
+  QMdiSubWindow::resizeEvent(event);
+  RecordPlacement();
+}
+
+void InstrumentFrame::changeEvent(QEvent* event) {
+  QMdiSubWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) RecordPlacement();
+}
+
+Workspace::Workspace(QWidget* parent) : QMdiArea(parent) {
+  setActivationOrder(QMdiArea::CreationOrder);
+}
+
+void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
+  CloseAll();
+  filling_ = true;
+  std::vector<InstrumentFrame*> placed;
+  const QScopedValueRollback arranging(arranging_, true);
+  for (auto& pane : panes) {
+    const bool hasPlace = pane->Engine().Placement.Width > 0;
+    auto* frame = new InstrumentFrame(std::move(pane));
+    addSubWindow(frame);
+    frames_.push_back(frame);
+    if (hasPlace) placed.push_back(frame);
+    connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
+      if (!arranging_) filling_ = false;
+    });
+  }
+  std::vector<WindowPlacement> places;
+  for (InstrumentFrame* frame : placed) places.push_back(frame->Pane().Engine().Placement);
+  FillScreen();
+  for (std::size_t i = 0; i < placed.size(); ++i) {
+    placed[i]->Pane().Engine().Placement = places[i];
+    placed[i]->ApplyPlacement();
+  }
+  if (!placed.empty()) filling_ = false;
+  for (InstrumentFrame* frame : frames_) frame->show();
+  if (!frames_.empty()) setActiveSubWindow(frames_.front());
+}
+
+void Workspace::RestorePlacements() {
+  const QScopedValueRollback arranging(arranging_, true);
+  for (InstrumentFrame* frame : frames_) {
+    const QRect before = frame->geometry();
+    frame->ApplyPlacement();
+    if (frame->geometry() != before) filling_ = false;
+  }
+}
+
+void Workspace::CloseAll() {
+  for (InstrumentFrame* frame : frames_) {
+    removeSubWindow(frame);
+    delete frame;
+  }
+  frames_.clear();
+}
+
+void Workspace::FillScreen() {
+  const QScopedValueRollback arranging(arranging_, true);
+  std::vector<InstrumentFrame*> scopes;
+  std::vector<InstrumentFrame*> others;
+  for (InstrumentFrame* frame : frames_) {
+    if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
+    const bool isScope = frame->Pane().Engine().Kind() == InstrumentKind::Scope;
+    (isScope ? scopes : others).push_back(frame);
+  }
+  const int columnWidth = PlaceColumn(others);
+  PlaceScopes(scopes, width() - columnWidth);
+  filling_ = true;
+}
+
+// Gives the width that the column takes.
+int Workspace::PlaceColumn(const std::vector<InstrumentFrame*>& frames) {
+  int columnWidth = 0;
+  for (const InstrumentFrame* frame : frames) {
+    columnWidth = std::max(columnWidth, frame->minimumSizeHint().width());
+  }
+  int top = Gap;
+  for (InstrumentFrame* frame : frames) {
+    const int height = frame->sizeHint().height();
+    frame->setGeometry(width() - columnWidth - Gap, top, columnWidth, height);
+    top += height + Gap;
+  }
+  return frames.empty() ? 0 : columnWidth + Gap;
+}
+
+void Workspace::PlaceScopes(const std::vector<InstrumentFrame*>& frames, int width) {
+  if (frames.empty()) return;
+  const int count = static_cast<int>(frames.size());
+  const int each = (height() - Gap) / count;
+  for (int k = 0; k < count; ++k) {
+    InstrumentFrame* frame = frames[static_cast<std::size_t>(k)];
+    const QSize least = frame->minimumSizeHint();
+    frame->setGeometry(Gap, Gap + k * each, std::max(width - 2 * Gap, least.width()),
+                       std::max(each - Gap, least.height()));
+  }
+}
+
+void Workspace::Cascade() {
+  const QScopedValueRollback arranging(arranging_, true);
+  filling_ = false;
+  cascadeSubWindows();
+}
+
+void Workspace::resizeEvent(QResizeEvent* event) {
+  const QScopedValueRollback arranging(arranging_, true);
+  QMdiArea::resizeEvent(event);
+  if (filling_) FillScreen();
+}
+
+// The base class finds its own places for sub-windows when it is first shown.
+void Workspace::showEvent(QShowEvent* event) {
+  const QScopedValueRollback arranging(arranging_, true);
+  QMdiArea::showEvent(event);
+  if (filling_) FillScreen();
+}
+
+}  // namespace torvane

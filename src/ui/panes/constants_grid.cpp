@@ -1,0 +1,144 @@
+#include "ui/panes/constants_grid.h"
+
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+#include <QStyledItemDelegate>
+
+#include "core/constant.h"
+#include "core/text.h"
+#include "ui/widgets/digits.h"
+
+namespace torvane {
+
+namespace {
+
+// Edits a value as text, or by a list of choices when the constant has one.
+class ValueDelegate : public QStyledItemDelegate {
+ public:
+  ValueDelegate(QObject* parent, const ZelBenchTop& bench)
+      : QStyledItemDelegate(parent), bench_(bench) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const override {
+    const Constant& constant = *bench_.ConstAt(index.row());
+    QWidget* editor = nullptr;
+    if (constant.IsList()) {
+      auto* list = new QComboBox(parent);
+      for (const std::string& choice : constant.Choices()) {
+        list->addItem(QString::fromStdString(choice));
+      }
+      // A choice made counts at once; there is nothing more to confirm.
+      connect(list, &QComboBox::activated, this, [this, list] {
+        auto* self = const_cast<ValueDelegate*>(this);
+        emit self->commitData(list);
+        emit self->closeEditor(list);
+      });
+      editor = list;
+    } else {
+      editor = QStyledItemDelegate::createEditor(parent, option, index);
+    }
+    editor->setAccessibleName(QString::fromStdString("Value of " + constant.Name()));
+    return editor;
+  }
+
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    if (auto* list = qobject_cast<QComboBox*>(editor)) {
+      list->setCurrentText(index.data().toString());
+      return;
+    }
+    QStyledItemDelegate::setEditorData(editor, index);
+  }
+
+  void setModelData(QWidget* editor, QAbstractItemModel* model,
+                    const QModelIndex& index) const override {
+    if (auto* list = qobject_cast<QComboBox*>(editor)) {
+      model->setData(index, list->currentText());
+      return;
+    }
+    QStyledItemDelegate::setModelData(editor, model, index);
+  }
+
+ private:
+  const ZelBenchTop& bench_;
+};
+
+QString Range(const Constant& constant) {
+  if (constant.IsList()) {
+    QStringList choices;
+    for (const std::string& choice : constant.Choices()) choices << QString::fromStdString(choice);
+    return QStringLiteral("one of: ") + choices.join(QStringLiteral(", "));
+  }
+  return QString::fromStdString("from " + FormatEdit(constant.Lower()) + " to " +
+                                FormatEdit(constant.Upper()));
+}
+
+}  // namespace
+
+ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
+    : QObject(&table), table_(table), bench_(bench) {
+  table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(&table, bench));
+  Fill();
+  connect(&table, &QTableWidget::cellChanged, this, &ConstantsGrid::CommitCell);
+  // The whole row stands for its value.
+  connect(&table, &QTableWidget::currentCellChanged, this, [this](int row, int column) {
+    if (row >= 0 && column != ValueColumn) table_.setCurrentCell(row, ValueColumn);
+  });
+  connect(&table, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
+    if (column != ValueColumn) table_.editItem(table_.item(row, ValueColumn));
+  });
+}
+
+void ConstantsGrid::Fill() {
+  const QScopedValueRollback showing(showing_, true);
+  const auto& constants = bench_.Constants();
+  table_.setRowCount(static_cast<int>(constants.size()));
+  QFont digits = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  digits.setPointSizeF(table_.font().pointSizeF());
+  for (int row = 0; row < table_.rowCount(); ++row) {
+    const Constant& constant = *constants[static_cast<std::size_t>(row)];
+    const QString texts[] = {QString::fromStdString(constant.Name()), QString(),
+                             QString::fromStdString(constant.Unit())};
+    const QString hint = texts[NameColumn] + QStringLiteral(": ") + Range(constant);
+    for (int column = NameColumn; column <= UnitColumn; ++column) {
+      auto* item = new QTableWidgetItem(texts[column]);
+      item->setToolTip(hint);
+      if (column == ValueColumn) {
+        item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        item->setFont(digits);
+      } else {
+        item->setFlags(Qt::ItemIsEnabled);
+      }
+      table_.setItem(row, column, item);
+    }
+    ShowValue(row);
+  }
+  table_.resizeColumnsToContents();
+  table_.verticalHeader()->setDefaultSectionSize(table_.fontMetrics().height() + 9);
+  if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
+}
+
+void ConstantsGrid::ShowConstant(const std::string& name) {
+  const auto& constants = bench_.Constants();
+  for (std::size_t row = 0; row < constants.size(); ++row) {
+    if (constants[row]->Name() == name) ShowValue(static_cast<int>(row));
+  }
+}
+
+void ConstantsGrid::ShowValue(int row) {
+  const QScopedValueRollback showing(showing_, true);
+  const Constant& constant = *bench_.Constants()[static_cast<std::size_t>(row)];
+  table_.item(row, ValueColumn)->setText(QString::fromStdString(constant.DisplayText()));
+}
+
+void ConstantsGrid::CommitCell(int row, int column) {
+  if (showing_ || column != ValueColumn) return;
+  Constant& constant = *bench_.Constants()[static_cast<std::size_t>(row)];
+  const std::string text = table_.item(row, column)->text().toStdString();
+  // Unchanged text is no edit: it may show fewer digits than the constant has.
+  if (text != constant.DisplayText()) constant.SetFromText(text);
+  ShowValue(row);
+}
+
+}  // namespace torvane

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "core/bench.h"
+#include "ui/panes/instrument_pane.h"
+
+namespace torvane {
+
+/// Windows for the instruments that the bench lists, in the order in which they are laid out. Kinds
+/// that have no window are passed over.
+std::vector<std::unique_ptr<InstrumentPane>> MakeInstrumentPanes(ZelBenchTop& bench);
+
+}  // namespace torvane

@@ -1,0 +1,99 @@
+#include "ui/panes/model_views.h"
+
+#include <QFile>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace torvane {
+
+namespace {
+
+constexpr QSize PictureWindow(900, 560);
+constexpr QSize TextWindow(680, 560);
+constexpr QSize SmallestPicture(240, 160);
+
+void ShowAbove(QDialog& window) {
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
+}  // namespace
+
+TZelModelPictureF::TZelModelPictureF(QWidget* parent)
+    : QDialog(parent, Qt::Tool), picture_(new QLabel(this)) {
+  setObjectName(QStringLiteral("ModelPictureF"));
+  picture_->setObjectName(QStringLiteral("IPicture"));
+  picture_->setAccessibleName(QStringLiteral("Block diagram of the model"));
+  picture_->setAlignment(Qt::AlignCenter);
+  picture_->setMinimumSize(SmallestPicture);
+  picture_->setWordWrap(true);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(picture_);
+  resize(PictureWindow.boundedTo(screen()->availableSize() * 0.9));
+}
+
+void TZelModelPictureF::ShowModel(const QString& modelName, const QString& file,
+                                  const DataFolder& folder) {
+  setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(modelName));
+  const QString path = folder.Find(file);
+  original_ = path.isEmpty() ? QPixmap() : QPixmap(path);
+  picture_->setText(path.isEmpty() ? folder.MissingText(file)
+                                   : QStringLiteral("Cannot read \"%1\".").arg(path));
+  Fit();
+  ShowAbove(*this);
+}
+
+void TZelModelPictureF::Fit() {
+  if (original_.isNull()) return;
+  const double ratio = devicePixelRatioF();
+  const QSize room = (QSizeF(picture_->size()) * ratio).toSize();
+  QPixmap fitted = original_;
+  if (fitted.width() > room.width() || fitted.height() > room.height()) {
+    fitted = fitted.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  }
+  fitted.setDevicePixelRatio(ratio);
+  picture_->setPixmap(fitted);
+}
+
+void TZelModelPictureF::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  Fit();
+}
+
+TZelModelTextF::TZelModelTextF(QWidget* parent)
+    : QDialog(parent, Qt::Tool), text_(new QPlainTextEdit(this)) {
+  setObjectName(QStringLiteral("ModelTextF"));
+  text_->setObjectName(QStringLiteral("MText"));
+  text_->setAccessibleName(QStringLiteral("Description of the model"));
+  text_->setReadOnly(true);
+  text_->setTabChangesFocus(true);
+  text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  font.setPointSizeF(text_->font().pointSizeF());
+  text_->setFont(font);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(6, 6, 6, 6);
+  column->addWidget(text_);
+  resize(TextWindow.boundedTo(screen()->availableSize() * 0.9));
+}
+
+void TZelModelTextF::ShowModel(const QString& modelName, const QString& file,
+                               const DataFolder& folder) {
+  setWindowTitle(QStringLiteral("More about Model \"%1\"").arg(modelName));
+  const QString path = folder.Find(file);
+  QFile source(path);
+  if (path.isEmpty()) {
+    text_->setPlainText(folder.MissingText(file));
+  } else if (source.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    text_->setPlainText(QString::fromUtf8(source.readAll()));
+  } else {
+    text_->setPlainText(QStringLiteral("Cannot read \"%1\": %2").arg(path, source.errorString()));
+  }
+  ShowAbove(*this);
+}
+
+}  // namespace torvane

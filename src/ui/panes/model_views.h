@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDialog>
+#include <QPixmap>
+
+#include "ui/session/data_folder.h"
+
+class QLabel;
+class QPlainTextEdit;
+
+namespace torvane {
+
+/// Shows a model's block diagram, as large as the window and its own size allow. Says so when the
+/// picture file is missing.
+class TZelModelPictureF : public QDialog {
+ public:
+  explicit TZelModelPictureF(QWidget* parent);
+  void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void Fit();
+
+  QLabel* picture_;
+  QPixmap original_;
+};
+
+/// Shows a model's description. Says so when the text file is missing.
+class TZelModelTextF : public QDialog {
+ public:
+  explicit TZelModelTextF(QWidget* parent);
+  void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
+
+ private:
+  QPlainTextEdit* text_;
+};
+
+}  // namespace torvane

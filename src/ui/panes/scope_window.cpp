@@ -1,0 +1,319 @@
+#include "ui/panes/scope_window.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <array>
+
+#include "core/messages.h"
+#include "core/scale_steps.h"
+#include "plot/scope_colours.h"
+#include "ui/panes/constants_grid.h"
+#include "ui/widgets/double_click.h"
+#include "ui/widgets/edit_binding.h"
+#include "ui_scope.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int TimeAxis = -1;  // in the list of X axes, before the channels
+constexpr QRgb Lime = 0x00ff00;
+constexpr QRgb Silver = 0xc0c0c0;
+constexpr int ConstantsWidth = 250;
+
+// A square in the colour of a displayed trace, an empty place for the others.
+QIcon Swatch(int colour) {
+  QPixmap square(14, 14);
+  square.fill(Qt::transparent);
+  if (colour >= 0) {
+    QPainter painter(&square);
+    painter.setPen(QColor(0x8a9299));
+    painter.setBrush(PenColour(colour));
+    painter.drawRect(1, 1, 11, 11);
+  }
+  return QIcon(square);
+}
+
+QString ChannelLabel(const ZelChannel& channel) {
+  QString label = QString::fromStdString(channel.Name());
+  if (channel.Displayed && channel.Colour >= 0) {
+    label += QStringLiteral(" (%1)").arg(QLatin1String(TraceColourAt(channel.Colour).Label));
+  }
+  return label;
+}
+
+}  // namespace
+
+TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
+    : InstrumentPane(scope), scope_(scope), ui_(std::make_unique<Ui::TZelScopeF>()) {
+  ui_->setupUi(this);
+  setWindowIcon(QIcon(QStringLiteral(":/icons/scope.svg")));
+  if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
+  ui_->PBScreen->SetScope(scope);
+  constants_ = new ConstantsGrid(*ui_->SGConsts, bench);
+  ui_->Splitter1->setStretchFactor(0, 1);
+  ui_->Splitter1->setStretchFactor(1, 0);
+  ui_->Splitter1->setSizes({3 * ConstantsWidth, ConstantsWidth});
+  FillChannelLists();
+  ConnectVertical();
+  ConnectHorizontal();
+  ConnectTrigger();
+  SettingsChanged();
+}
+
+TZelScopeF::~TZelScopeF() = default;
+
+void TZelScopeF::ConnectVertical() {
+  const auto channel = [this]() -> ZelChannel& { return VerticalChannel(); };
+  const auto clicked = [this](QAbstractButton* button, auto action) {
+    connect(button, &QAbstractButton::clicked, this, action);
+  };
+  vertScale_ = BindNumber(
+      *ui_->EVertScale, [=, this](double s) { SetVertical(s, channel().Vertical.Offset); },
+      [=] { return channel().Vertical.Scale; });
+  vertOffset_ = BindNumber(
+      *ui_->EVertOffset, [=, this](double o) { SetVertical(channel().Vertical.Scale, o); },
+      [=] { return channel().Vertical.Offset; });
+  const auto step = [=, this](auto change) {
+    return [=, this] {
+      const AxisScale changed = change(channel().Vertical);
+      SetVertical(changed.Scale, changed.Offset);
+    };
+  };
+  using A = AxisScale;
+  clicked(ui_->BVScaleUp, step([](A a) { return A{NextHighest125(a.Scale), a.Offset}; }));
+  clicked(ui_->BVScaleDown, step([](A a) { return A{NextLowest125(a.Scale), a.Offset}; }));
+  clicked(ui_->BBVertScaleSign, step([](A a) { return A{-a.Scale, a.Offset}; }));
+  clicked(ui_->BVOffsetUp, step([](A a) { return A{a.Scale, a.Offset + a.Scale}; }));
+  clicked(ui_->BVOffsetDown, step([](A a) { return A{a.Scale, a.Offset - a.Scale}; }));
+  clicked(ui_->BVertOffsetSign, step([](A a) { return A{a.Scale, -a.Offset}; }));
+  clicked(ui_->BVertZero, step([](A a) { return A{a.Scale, 0.0}; }));
+  clicked(ui_->BVertAuto, [=, this] {
+    scope_.AutoVertical(channel());
+    ShowVertical();
+  });
+  clicked(ui_->BVertFill, [=, this] {
+    scope_.FillVertical(channel());
+    ShowVertical();
+  });
+  connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &TZelScopeF::ShowVertical);
+  new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed); });
+  connect(ui_->CBVertShow, &QCheckBox::toggled, this, &TZelScopeF::SetShown);
+}
+
+void TZelScopeF::ConnectHorizontal() {
+  const auto clicked = [this](QAbstractButton* button, auto action) {
+    connect(button, &QAbstractButton::clicked, this, action);
+  };
+  horizScale_ = BindNumber(
+      *ui_->EHorizScale, [this](double s) { SetHorizontal(s, XChannel().Horizontal.Offset); },
+      [this] { return XChannel().Horizontal.Scale; });
+  horizOffset_ = BindNumber(
+      *ui_->EHorizOffset, [this](double o) { SetHorizontal(XChannel().Horizontal.Scale, o); },
+      [this] { return XChannel().Horizontal.Offset; });
+  const auto step = [this](auto change) {
+    return [=, this] {
+      const AxisScale changed = change(XChannel().Horizontal);
+      SetHorizontal(changed.Scale, changed.Offset);
+    };
+  };
+  using A = AxisScale;
+  clicked(ui_->BHorizScaleUp, step([](A a) { return A{NextHighest125(a.Scale), a.Offset}; }));
+  clicked(ui_->BHorizScaleDown, step([](A a) { return A{NextLowest125(a.Scale), a.Offset}; }));
+  clicked(ui_->BBHorizScaleSign, step([](A a) { return A{-a.Scale, a.Offset}; }));
+  clicked(ui_->BHorizOffsetUp, step([](A a) { return A{a.Scale, a.Offset + a.Scale}; }));
+  clicked(ui_->BHorizOffsetDown, step([](A a) { return A{a.Scale, a.Offset - a.Scale}; }));
+  clicked(ui_->BBHorizOffsetSign, step([](A a) { return A{a.Scale, -a.Offset}; }));
+  clicked(ui_->BHorizZero, step([](A a) { return A{a.Scale, 0.0}; }));
+  connect(ui_->CmBHorizChan, &QComboBox::currentIndexChanged, this, [this] {
+    const int index = ui_->CmBHorizChan->currentData().toInt();
+    scope_.SetHorizontalChannel(index == TimeAxis
+                                    ? static_cast<ZelChannel&>(scope_.TimeChannel())
+                                    : *scope_.Channels()[static_cast<std::size_t>(index)]);
+    SettingsChanged();
+  });
+}
+
+void TZelScopeF::ConnectTrigger() {
+  ZelTrigger& trigger = scope_.Trigger();
+  trigLevel_ = BindNumber(
+      *ui_->ETrigLevel, [&](double level) { trigger.Level = level; },
+      [&] { return trigger.Level; });
+  trigPosition_ = BindNumber(
+      *ui_->ETrigPosition, [&](double position) { trigger.Position = position; },
+      [&] { return trigger.Position; });
+  const std::array modes = {std::pair{ui_->RBTrigCont, SweepMode::Cont},
+                            std::pair{ui_->RBTrigAuto, SweepMode::Auto},
+                            std::pair{ui_->RBTrigNormal, SweepMode::Normal}};
+  for (const auto& [button, mode] : modes) {
+    connect(button, &QAbstractButton::toggled, this, [&trigger, mode = mode](bool on) {
+      if (on) trigger.SetMode(mode);
+    });
+  }
+  connect(ui_->RBTrigPos, &QAbstractButton::toggled, this,
+          [&](bool on) { trigger.SetPositiveSlope(on); });
+  connect(ui_->CBSingleShot, &QCheckBox::toggled, this,
+          [this](bool on) { scope_.SetSingleShot(on); });
+  connect(ui_->CmBTrigSource, &QComboBox::currentIndexChanged, this, [&, this](int) {
+    const std::size_t index = ui_->CmBTrigSource->currentData().toUInt();
+    trigger.SetSource(*scope_.Channels()[index]);
+  });
+}
+
+// Lists name each displayed channel with its colour, so they change with the set of traces.
+void TZelScopeF::FillChannelLists() {
+  const auto selected = [](const QComboBox& list) {
+    return list.count() > 0 ? list.currentData().toInt() : 0;
+  };
+  const int vertical = ui_->CmBVertChan->count() > 0 ? selected(*ui_->CmBVertChan)
+                                                     : IndexOf(scope_.FirstDisplayedChannel());
+  FillList(*ui_->CmBVertChan, vertical);
+  FillList(*ui_->CmBTrigSource, IndexOf(scope_.Trigger().Source()));
+
+  const QSignalBlocker blocker(ui_->CmBHorizChan);
+  FillList(*ui_->CmBHorizChan, 0);
+  const QString time = QString::fromStdString(scope_.TimeChannel().Name());
+  ui_->CmBHorizChan->insertItem(0, Swatch(-1), time, TimeAxis);
+  const int horizontal = scope_.XYMode() ? IndexOf(XChannel()) : TimeAxis;
+  ui_->CmBHorizChan->setCurrentIndex(ui_->CmBHorizChan->findData(horizontal));
+}
+
+void TZelScopeF::FillList(QComboBox& list, int selected) {
+  const QSignalBlocker blocker(&list);
+  list.clear();
+  for (int index = 0; const auto& channel : scope_.Channels()) {
+    list.addItem(Swatch(channel->Displayed ? channel->Colour : -1), ChannelLabel(*channel),
+                 index++);
+  }
+  list.setCurrentIndex(list.findData(selected));
+}
+
+void TZelScopeF::ShowVertical() {
+  vertScale_->Show();
+  vertOffset_->Show();
+  {
+    const QSignalBlocker blocker(ui_->CBVertShow);
+    ui_->CBVertShow->setChecked(VerticalChannel().Displayed);
+  }
+  ui_->PBScreen->SetReference(&VerticalChannel());
+}
+
+void TZelScopeF::ShowHorizontal() {
+  horizScale_->Show();
+  horizOffset_->Show();
+  // Without a time axis there is no moment of the screen to tie an event to.
+  const bool timeAxis = !scope_.XYMode();
+  for (QWidget* control : std::initializer_list<QWidget*>{
+           ui_->CmBTrigSource, ui_->RBTrigPos, ui_->RBTrigNeg, ui_->ETrigLevel, ui_->ETrigPosition,
+           ui_->LTrigLevel, ui_->LTrigPosition}) {
+    control->setEnabled(timeAxis);
+  }
+  ui_->PBScreen->Refresh();
+}
+
+void TZelScopeF::ShowTrigger() {
+  const ZelTrigger& trigger = scope_.Trigger();
+  trigLevel_->Show();
+  trigPosition_->Show();
+  const std::array modes = {ui_->RBTrigCont, ui_->RBTrigAuto, ui_->RBTrigNormal};
+  // The trigger has these settings already: telling it again would restart its detection.
+  const QSignalBlocker blockers[] = {
+      QSignalBlocker(modes[0]),       QSignalBlocker(modes[1]),
+      QSignalBlocker(modes[2]),       QSignalBlocker(ui_->RBTrigPos),
+      QSignalBlocker(ui_->RBTrigNeg), QSignalBlocker(ui_->CBSingleShot)};
+  modes[static_cast<std::size_t>(trigger.Mode())]->setChecked(true);
+  (trigger.PositiveSlope() ? ui_->RBTrigPos : ui_->RBTrigNeg)->setChecked(true);
+  ui_->CBSingleShot->setChecked(scope_.SingleShot());
+}
+
+void TZelScopeF::SetVertical(double scale, double offset) {
+  ZelChannel& channel = VerticalChannel();
+  if (scale != channel.Vertical.Scale) scope_.SetVerticalScale(channel, scale);
+  if (offset != channel.Vertical.Offset) scope_.SetVerticalOffset(channel, offset);
+  ShowVertical();
+}
+
+void TZelScopeF::SetHorizontal(double scale, double offset) {
+  ZelChannel& channel = XChannel();
+  if (scale != channel.Horizontal.Scale) scope_.SetHorizontalScale(channel, scale);
+  if (offset != channel.Horizontal.Offset) scope_.SetHorizontalOffset(channel, offset);
+  ShowHorizontal();
+}
+
+void TZelScopeF::SetShown(bool shown) {
+  scope_.SetDisplayed(VerticalChannel(), shown);
+  FillChannelLists();
+  ShowVertical();
+  ui_->PBScreen->Refresh();
+}
+
+ZelChannel& TZelScopeF::VerticalChannel() const {
+  return *scope_.Channels()[static_cast<std::size_t>(ui_->CmBVertChan->currentData().toInt())];
+}
+
+ZelChannel& TZelScopeF::XChannel() const {
+  ZelChannel* horizontal = scope_.HorizontalChannel();
+  return horizontal ? *horizontal : static_cast<ZelChannel&>(scope_.TimeChannel());
+}
+
+int TZelScopeF::IndexOf(const ZelChannel& channel) const {
+  const auto& channels = scope_.Channels();
+  for (std::size_t index = 0; index < channels.size(); ++index) {
+    if (channels[index].get() == &channel) return static_cast<int>(index);
+  }
+  return 0;
+}
+
+void TZelScopeF::ShowFrame() {
+  ui_->PBScreen->Refresh();
+}
+
+void TZelScopeF::Redraw() {
+  ui_->PBScreen->Refresh();
+  ShowLamp();
+}
+
+void TZelScopeF::ShowLamp() {
+  if (lampShown_ == scope_.TriggerLit()) return;
+  lampShown_ = scope_.TriggerLit();
+  QPalette colours = ui_->TriggeredP->palette();
+  colours.setColor(QPalette::Window, QColor(lampShown_ ? Lime : Silver));
+  colours.setColor(QPalette::WindowText, Qt::black);
+  ui_->TriggeredP->setPalette(colours);
+}
+
+void TZelScopeF::SettingsChanged() {
+  FillChannelLists();
+  ShowVertical();
+  ShowHorizontal();
+  ShowTrigger();
+}
+
+void TZelScopeF::ConstantChanged(const std::string& name) {
+  constants_->ShowConstant(name);
+}
+
+void TZelScopeF::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  Note("Scope cannot be closed.");
+}
+
+void TZelScopeF::showEvent(QShowEvent* event) {
+  InstrumentPane::showEvent(event);
+  ShowLamp();
+}
+
+// In a narrow window the controls are reached by a scroll bar, which must not cover them.
+void TZelScopeF::resizeEvent(QResizeEvent* event) {
+  InstrumentPane::resizeEvent(event);
+  const QMargins margins = ui_->Column->contentsMargins();
+  const bool narrow =
+      width() - margins.left() - margins.right() < ui_->Controls->minimumSizeHint().width();
+  const int scrollBar = narrow ? ui_->ControlArea->horizontalScrollBar()->sizeHint().height() : 0;
+  ui_->ControlArea->setFixedHeight(ui_->Controls->sizeHint().height() + scrollBar);
+}
+
+}  // namespace torvane

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "instruments/scope/scope.h"
+#include "ui/panes/instrument_pane.h"
+
+class QAbstractButton;
+class QComboBox;
+
+namespace torvane {
+
+class ConstantsGrid;
+class EditBinding;
+
+namespace Ui {
+class TZelScopeF;
+}
+
+/// The window of a scope: its screen, the scales of its channels, its trigger, and the model's
+/// constants.
+class TZelScopeF : public InstrumentPane {
+  Q_OBJECT
+
+ public:
+  /// Scope and bench must outlive the window.
+  TZelScopeF(ZelScope& scope, ZelBenchTop& bench);
+  ~TZelScopeF() override;
+
+  void ShowFrame() override;
+  void Redraw() override;
+  void SettingsChanged() override;
+  void ConstantChanged(const std::string& name) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void ConnectVertical();
+  void ConnectHorizontal();
+  void ConnectTrigger();
+  void FillChannelLists();
+  void FillList(QComboBox& list, int selected);
+  void ShowVertical();
+  void ShowHorizontal();
+  void ShowTrigger();
+  void ShowLamp();
+  void SetShown(bool shown);
+  void SetVertical(double scale, double offset);
+  void SetHorizontal(double scale, double offset);
+  ZelChannel& VerticalChannel() const;
+  ZelChannel& XChannel() const;
+  int IndexOf(const ZelChannel& channel) const;
+
+  ZelScope& scope_;
+  std::unique_ptr<Ui::TZelScopeF> ui_;
+  bool lampShown_ = true;  // differs from the lamp at first, so that it is painted
+  ConstantsGrid* constants_ = nullptr;
+  EditBinding* vertScale_ = nullptr;
+  EditBinding* vertOffset_ = nullptr;
+  EditBinding* horizScale_ = nullptr;
+  EditBinding* horizOffset_ = nullptr;
+  EditBinding* trigLevel_ = nullptr;
+  EditBinding* trigPosition_ = nullptr;
+};
+
+}  // namespace torvane

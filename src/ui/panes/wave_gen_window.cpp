@@ -1,0 +1,99 @@
+#include "ui/panes/wave_gen_window.h"
+
+#include <QCloseEvent>
+#include <QSignalBlocker>
+#include <cmath>
+
+#include "core/messages.h"
+#include "core/scale_steps.h"
+#include "ui/widgets/double_click.h"
+#include "ui/widgets/edit_binding.h"
+#include "ui_wave_gen.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr double PhaseStep = 45.0;  // degrees
+constexpr double DutyStep = 10.0;   // per cent
+
+}  // namespace
+
+TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
+    : InstrumentPane(wave), wave_(wave), ui_(std::make_unique<Ui::TZelWaveGenF>()) {
+  ui_->setupUi(this);
+  setWindowIcon(QIcon(QStringLiteral(":/icons/generator.svg")));
+  if (wave.Name() != "MainWaveGen") setWindowTitle(QString::fromStdString(wave.Name()));
+  for (const char* name : ZelWave::WaveformNames()) {
+    ui_->CmBWaveform->addItem(QLatin1String(name));
+  }
+  new DoubleClick(*ui_->CmBWaveform, [this] {
+    const int next = ui_->CmBWaveform->currentIndex() + 1;
+    ui_->CmBWaveform->setCurrentIndex(next % ui_->CmBWaveform->count());
+  });
+  connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this,
+          [this](int index) { wave_.SetWaveform(index); });
+  Bind(ui_->EFreqHz, &ZelWave::SetFreqHz, &WaveSettings::FreqHz);
+  Bind(ui_->EAmplitude, &ZelWave::SetAmplitude, &WaveSettings::Amplitude);
+  Bind(ui_->EOffset, &ZelWave::SetOffset, &WaveSettings::Offset);
+  Bind(ui_->EPhaseDeg, &ZelWave::SetPhaseDeg, &WaveSettings::PhaseDeg);
+  Bind(ui_->EDutyCycle, &ZelWave::SetDutyCycle, &WaveSettings::DutyCycle);
+  ConnectButtons();
+  SettingsChanged();
+} catch (const std::exception&) {
+  Error("Fault in TZelWaveGenF :: TZelWaveGenF");
+}
+
+TZelWaveGenF::~TZelWaveGenF() = default;
+
+void TZelWaveGenF::Bind(QLineEdit* edit, Setter set, Member value) {
+  edits_.push_back(BindNumber(
+      *edit, [this, set](double number) { (wave_.*set)(number); },
+      [this, value] { return wave_.Settings().*value; }));
+}
+
+void TZelWaveGenF::BindButton(QAbstractButton* button, Setter set, Change change) {
+  connect(button, &QAbstractButton::clicked, this, [this, set, change] {
+    (wave_.*set)(change(wave_.Settings()));
+    SettingsChanged();
+  });
+}
+
+void TZelWaveGenF::ConnectButtons() {
+  using S = const WaveSettings&;
+  const auto frequency = &ZelWave::SetFreqHz;
+  BindButton(ui_->SBFreqDown, frequency,
+             [](S s) { return NextLowestThisArray(s.FreqHz, CoarseLadder()); });
+  BindButton(ui_->SBFreqUp, frequency,
+             [](S s) { return NextHighestThisArray(s.FreqHz, CoarseLadder()); });
+  const auto amplitude = &ZelWave::SetAmplitude;
+  BindButton(ui_->SBAmplitudeDown, amplitude,
+             [](S s) { return NextLowestThisArray(s.Amplitude, CoarseLadder()); });
+  BindButton(ui_->SBAmplitudeUp, amplitude,
+             [](S s) { return NextHighestThisArray(s.Amplitude, CoarseLadder()); });
+  BindButton(ui_->BAmpSign, amplitude, [](S s) { return -s.Amplitude; });
+  const auto offset = &ZelWave::SetOffset;
+  BindButton(ui_->SBOffsetDown, offset, [](S s) { return s.Offset - std::abs(s.Amplitude); });
+  BindButton(ui_->SBOffsetUp, offset, [](S s) { return s.Offset + std::abs(s.Amplitude); });
+  BindButton(ui_->BOffsetSign, offset, [](S s) { return -s.Offset; });
+  const auto phase = &ZelWave::SetPhaseDeg;
+  BindButton(ui_->SBPhaseDown, phase, [](S s) { return s.PhaseDeg - PhaseStep; });
+  BindButton(ui_->SBPhaseUp, phase, [](S s) { return s.PhaseDeg + PhaseStep; });
+  BindButton(ui_->BPhase, phase, [](S s) { return -s.PhaseDeg; });
+  const auto duty = &ZelWave::SetDutyCycle;
+  BindButton(ui_->SBDutyCycleDown, duty, [](S s) { return s.DutyCycle - DutyStep; });
+  BindButton(ui_->SBDutyCycleUp, duty, [](S s) { return s.DutyCycle + DutyStep; });
+}
+
+void TZelWaveGenF::SettingsChanged() {
+  const QSignalBlocker blocker(ui_->CmBWaveform);
+  ui_->CmBWaveform->setCurrentIndex(wave_.Settings().Index);
+  for (EditBinding* edit : edits_) edit->Show();
+}
+
+void TZelWaveGenF::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  Note("Waveform Generator cannot be closed.");
+}
+
+}  // namespace torvane
