@@ -1,5 +1,3 @@
-#include <array>
-
 #include "cli/assignment.h"
 #include "cli/names.h"
 #include "cli/settings.h"
@@ -10,19 +8,6 @@
 namespace torvane::cli {
 namespace {
 
-// A setting that is a number: how it is stored and what the generator made of it.
-struct NumberKey {
-  const char* Name;
-  void (ZelWave::*Set)(double);
-  double WaveSettings::*Stored;
-};
-constexpr std::array NumberKeys{
-    NumberKey{"Amplitude", &ZelWave::SetAmplitude, &WaveSettings::Amplitude},
-    NumberKey{"FreqHz", &ZelWave::SetFreqHz, &WaveSettings::FreqHz},
-    NumberKey{"Offset", &ZelWave::SetOffset, &WaveSettings::Offset},
-    NumberKey{"PhaseDeg", &ZelWave::SetPhaseDeg, &WaveSettings::PhaseDeg},
-    NumberKey{"DutyCycle", &ZelWave::SetDutyCycle, &WaveSettings::DutyCycle},
-};
 constexpr const char* WaveformKey = "Waveform";
 
 // The generator that the assignment's name addresses; what addresses it is taken off the name.
@@ -47,7 +32,7 @@ ZelWave& AddressedGenerator(const ZelBenchTop& bench, Assignment& assignment) {
 
 CommandError UnknownKey(const std::string& key) {
   std::vector<std::string> names{WaveformKey};
-  for (const NumberKey& known : NumberKeys) names.emplace_back(known.Name);
+  for (const WaveNumber& known : ZelWave::Numbers()) names.emplace_back(known.Name);
   return UnknownName("generator setting", key, names);
 }
 
@@ -61,11 +46,11 @@ void ApplyWave(ZelBenchTop& bench, const std::string& text) {
     generator.SetWaveform(AssignedChoice(assignment, {names.begin(), names.end()}));
     return;
   }
-  for (const NumberKey& key : NumberKeys) {
+  for (const WaveNumber& key : ZelWave::Numbers()) {
     if (assignment.Name != key.Name) continue;
     const double wanted = AssignedNumber(assignment);
     (generator.*key.Set)(wanted);
-    const double stored = generator.Settings().*key.Stored;
+    const double stored = generator.Settings().*key.Value;
     if (stored != wanted) NoteLimited(assignment.Name, FormatShortest(stored));
     return;
   }

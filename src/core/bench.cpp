@@ -1,6 +1,7 @@
 #include "core/bench.h"
 
 #include <algorithm>
+#include <span>
 
 #include "core/constant.h"
 #include "core/messages.h"
@@ -10,9 +11,9 @@ namespace torvane {
 
 namespace {
 
-// Order in which stop times are collected and instruments are serviced.
-constexpr std::array ServicedKinds = {InstrumentKind::Scope, InstrumentKind::FftAnalyser,
-                                      InstrumentKind::SweptSine, InstrumentKind::Meter};
+// Those that ask for stop times and are serviced: all but the generators, which the solver drives.
+constexpr std::span ServicedKinds = std::span(AllInstrumentKinds).first<4>();
+static_assert(AllInstrumentKinds[4] == InstrumentKind::WaveGenerator);
 
 // How far the solver may run when no instrument asks for an earlier time, seconds.
 constexpr double LongestChunk = 1e6;
@@ -62,11 +63,14 @@ void ZelBenchTop::AttachSolver(ZelSolver& solver) {
 }
 
 void ZelBenchTop::AddInstrument(Instrument& instrument) {
-  instruments_[static_cast<std::size_t>(instrument.Kind())].push_back(&instrument);
+  instruments_[IndexOf(instrument.Kind())].push_back(&instrument);
+  instrument.SetHistory(&history_);
 }
 
 void ZelBenchTop::RemoveInstrument(Instrument& instrument) {
-  std::erase(instruments_[static_cast<std::size_t>(instrument.Kind())], &instrument);
+  std::erase(instruments_[IndexOf(instrument.Kind())], &instrument);
+  instrument.SetHistory(nullptr);
+  history_.Forget(instrument);
 }
 
 Variable* ZelBenchTop::VarAt(int index) const {

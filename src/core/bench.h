@@ -37,7 +37,7 @@ class ZelBenchTop {
   const std::vector<Variable*>& Variables() const { return variables_; }
   const std::vector<Constant*>& Constants() const { return constants_; }
   const std::vector<Instrument*>& Instruments(InstrumentKind kind) const {
-    return instruments_[static_cast<std::size_t>(kind)];
+    return instruments_[IndexOf(kind)];
   }
 
   /// By position; an index out of range is reported and gives nullptr.
@@ -87,13 +87,11 @@ class ZelBenchTop {
   void SetConstantsChanged(bool changed) { constantsChanged_ = changed; }
 
  private:
-  static constexpr std::size_t KindCount = 5;
-
   ZelUndo history_;
   ZelSolver* solver_ = nullptr;
   double time_ = 0.0;
   Variable* timeVar_ = nullptr;
-  std::array<std::vector<Instrument*>, KindCount> instruments_;
+  std::array<std::vector<Instrument*>, AllInstrumentKinds.size()> instruments_;
   std::vector<TimeDriven*> timeDriven_;
   std::vector<Variable*> variables_;
   std::vector<Constant*> constants_;

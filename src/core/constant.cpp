@@ -94,6 +94,15 @@ void Constant::Redo(const UndoEntry& entry) {
   Store(entry.Ints[0] == IndexEntry ? entry.Ints[2] : entry.Doubles[1]);
 }
 
+Undoable::Merged Constant::Merge(UndoEntry& earlier, const UndoEntry& later) const {
+  earlier.Ints[2] = later.Ints[2];
+  earlier.Doubles[1] = later.Doubles[1];
+  earlier.Description = later.Description;
+  const bool same = earlier.Ints[0] == IndexEntry ? earlier.Ints[1] == earlier.Ints[2]
+                                                  : earlier.Doubles[0] == earlier.Doubles[1];
+  return same ? Merged::Nothing : Merged::Yes;
+}
+
 void Constant::Store(double value) {
   value_ = value;
   changed_ = true;

@@ -65,6 +65,7 @@ class Constant : public Undoable {
 
   void Undo(const UndoEntry& entry) override;
   void Redo(const UndoEntry& entry) override;
+  Merged Merge(UndoEntry& earlier, const UndoEntry& later) const override;
 
  private:
   void Store(double value);

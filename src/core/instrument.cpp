@@ -1,8 +1,49 @@
 #include "core/instrument.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
+
+#include "core/files/model_file_lines.h"
+#include "core/files/record.h"
 
 namespace torvane {
+
+namespace {
+
+// What an instrument puts into its entries' strings: the records that differ.
+constexpr std::size_t Before = 0;
+constexpr std::size_t After = 1;
+
+std::vector<std::string> LinesOf(const std::string& records) {
+  std::vector<std::string> lines;
+  LineReader reader(records);
+  for (std::string line; reader.Next(line);) lines.push_back(line);
+  return lines;
+}
+
+std::string Joined(const std::vector<std::string>& lines) {
+  std::string records;
+  for (const std::string& line : lines) records += line + "\n";
+  return records;
+}
+
+// Leaves of both states only the lines in which they differ. States of one instrument have their
+// lines in the same order; where one has more of them, both stay whole.
+void KeepDifferences(std::string& before, std::string& after) {
+  const std::vector<std::string> old = LinesOf(before);
+  const std::vector<std::string> now = LinesOf(after);
+  if (old.size() != now.size()) return;
+  before.clear();
+  after.clear();
+  for (std::size_t i = 0; i < old.size(); ++i) {
+    if (old[i] == now[i]) continue;
+    before += old[i] + "\n";
+    after += now[i] + "\n";
+  }
+}
+
+}  // namespace
 
 Instrument::Instrument(InstrumentKind kind, std::string name)
     : kind_(kind), name_(std::move(name)) {}
@@ -15,7 +56,78 @@ void Instrument::ConstantChanged(const std::string& name) {
   if (view_) view_->ConstantChanged(name);
 }
 
+std::string Instrument::StateText() const {
+  std::string text;
+  RecordWriter writer(text, RecordKeyword(kind_), name_);
+  SaveState(writer);
+  return text;
+}
+
+void Instrument::Change(const std::function<void()>& change,
+                        const std::function<std::string()>& caption) {
+  // What a file or an undo brings is neither recorded nor shown before it is whole.
+  if (changing_ || !history_ || history_->Suspended()) {
+    change();
+    return;
+  }
+  UndoEntry entry;
+  entry.Target = this;
+  entry.Strings[Before] = StateText();
+  changing_ = true;
+  change();
+  changing_ = false;
+  entry.Strings[After] = StateText();
+  if (entry.Strings[Before] == entry.Strings[After]) return;
+  KeepDifferences(entry.Strings[Before], entry.Strings[After]);
+  entry.Description = caption();
+  history_->Push(entry);
+  TellSettingsChanged();
+}
+
+void Instrument::Undo(const UndoEntry& entry) {
+  Restore(entry.Strings[Before]);
+}
+
+void Instrument::Redo(const UndoEntry& entry) {
+  Restore(entry.Strings[After]);
+}
+
+void Instrument::Restore(const std::string& records) {
+  history_->Suspend();
+  for (const std::string& line : LinesOf(records)) LoadState(ParseRecord(line, 0));
+  FinishLoading([](int /*line*/) {});
+  history_->Resume();
+}
+
+Undoable::Merged Instrument::Merge(UndoEntry& earlier, const UndoEntry& later) const {
+  std::vector<std::string> before = LinesOf(earlier.Strings[Before]);
+  std::vector<std::string> after = LinesOf(earlier.Strings[After]);
+  const std::vector<std::string> laterBefore = LinesOf(later.Strings[Before]);
+  const std::vector<std::string> laterAfter = LinesOf(later.Strings[After]);
+  const bool linesPair = before.size() == after.size() && laterBefore.size() == laterAfter.size();
+  if (!linesPair) return Merged::No;
+  for (std::size_t i = 0; i < laterBefore.size(); ++i) {
+    const auto same = std::find(after.begin(), after.end(), laterBefore[i]);
+    if (same != after.end()) {
+      *same = laterAfter[i];
+    } else {
+      before.push_back(laterBefore[i]);
+      after.push_back(laterAfter[i]);
+    }
+  }
+  earlier.Strings[Before] = Joined(before);
+  earlier.Strings[After] = Joined(after);
+  earlier.Description = later.Description;
+  return before == after ? Merged::Nothing : Merged::Yes;
+}
+
+void Instrument::BeginLoading() {
+  if (!beforeLoading_) beforeLoading_ = StateText();
+}
+
 void Instrument::FinishLoading(const std::function<void(int line)>& /*atLine*/) {
+  const std::optional<std::string> before = std::exchange(beforeLoading_, std::nullopt);
+  if (before && history_ && *before != StateText()) history_->Forget(*this);
   TellSettingsChanged();
 }
 

@@ -1,14 +1,16 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+
+#include "core/instrument_kind.h"
+#include "core/undo.h"
 
 namespace torvane {
 
 struct Record;
 class RecordWriter;
-
-enum class InstrumentKind { WaveGenerator, Meter, Scope, SweptSine, FftAnalyser };
 
 /// What an instrument tells the window that shows it, when there is one.
 class InstrumentView {
@@ -16,7 +18,7 @@ class InstrumentView {
   virtual ~InstrumentView() = default;
   /// New data may be on the screen; sent ten times a second.
   virtual void Redraw() = 0;
-  /// Settings were changed other than by this view (a file, an undo).
+  /// Settings have changed, by whatever hand: the user's, a file's, an undo's.
   virtual void SettingsChanged() = 0;
   /// The named constant has a new value.
   virtual void ConstantChanged(const std::string& /*name*/) {}
@@ -38,12 +40,14 @@ struct WindowPlacement {
 
 /// What the bench sees of an instrument. Engines derive from it; they own all their settings and
 /// work without a window.
-class Instrument {
+///
+/// Every setter makes its change through Change, which records it for undo and tells the view.
+class Instrument : public Undoable {
  public:
   Instrument(InstrumentKind kind, std::string name);
   Instrument(const Instrument&) = delete;
   Instrument& operator=(const Instrument&) = delete;
-  virtual ~Instrument() = default;
+  ~Instrument() override = default;
 
   InstrumentKind Kind() const { return kind_; }
   const std::string& Name() const { return name_; }
@@ -79,9 +83,24 @@ class Instrument {
   /// the setting then.
   virtual void LoadRecord(const Record& /*record*/) {}
 
+  /// The settings that can be undone, as records: those of a file and, where an instrument has
+  /// settings that no file keeps, those too. LoadState takes one of these records.
+  virtual void SaveState(RecordWriter& writer) const { SaveRecords(writer); }
+  virtual void LoadState(const Record& record) { LoadRecord(record); }
+
+  /// A file is going to be read.
+  void BeginLoading();
+
   /// The file has been read: settings that had to wait for others are taken. Before a report about
   /// one, atLine is told the line that it stood in. Overriders call this one last.
   virtual void FinishLoading(const std::function<void(int line)>& atLine);
+
+  void Undo(const UndoEntry& entry) override;
+  void Redo(const UndoEntry& entry) override;
+  Merged Merge(UndoEntry& earlier, const UndoEntry& later) const override;
+
+  /// The history that changes are recorded in; without one they are not.
+  void SetHistory(ZelUndo* history) { history_ = history; }
 
   void SetView(InstrumentView* view) { view_ = view; }
   InstrumentView* View() const { return view_; }
@@ -89,12 +108,23 @@ class Instrument {
   WindowPlacement Placement;
 
  protected:
+  /// Makes a change of settings. When it shows in the state's records it is recorded for undo,
+  /// under the caption that stands for it afterwards ("Frequency = 20"), and the view is told. A
+  /// change within a change is part of it.
+  void Change(const std::function<void()>& change, const std::function<std::string()>& caption);
+
   void TellSettingsChanged();
 
  private:
+  std::string StateText() const;
+  void Restore(const std::string& records);
+
   InstrumentKind kind_;
   std::string name_;
   InstrumentView* view_ = nullptr;
+  ZelUndo* history_ = nullptr;
+  bool changing_ = false;
+  std::optional<std::string> beforeLoading_;
 };
 
 }  // namespace torvane

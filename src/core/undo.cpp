@@ -1,6 +1,7 @@
 #include "core/undo.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/messages.h"
 
@@ -13,14 +14,15 @@ void ZelUndo::Attach(UndoItems* items) {
 }
 
 void ZelUndo::Push(const UndoEntry& entry) {
-  if (suspended_) {
-    missedChange_ = true;
+  if (suspended_ > 0) {
+    missed_.insert(entry.Target);
     return;
   }
   if (current_ >= Depth) {
     FatalError("Fatal Error 1 in ZelUndo");
     return;
   }
+  if (MergeIntoCurrent(entry)) return;
   if (current_ == Depth - 1) DropOldest();
   ++current_;
   entries_[current_] = entry;
@@ -29,11 +31,51 @@ void ZelUndo::Push(const UndoEntry& entry) {
   ShowRedo(false);
 }
 
+// Within a gesture the entry of its last change is always the newest one.
+bool ZelUndo::MergeIntoCurrent(const UndoEntry& entry) {
+  if (current_ < gestureStart_ || entries_[current_].Target != entry.Target) return false;
+  switch (entry.Target->Merge(entries_[current_], entry)) {
+    case Undoable::Merged::No:
+      return false;
+    case Undoable::Merged::Nothing:
+      --current_;
+      break;
+    case Undoable::Merged::Yes:
+      break;
+  }
+  top_ = current_;
+  ShowUndo();
+  return true;
+}
+
+void ZelUndo::BeginGesture() {
+  gestureStart_ = current_ + 1;
+}
+
 void ZelUndo::Resume() {
-  suspended_ = false;
-  if (!missedChange_) return;
-  missedChange_ = false;
+  if (--suspended_ > 0) return;
+  for (const Undoable* target : std::exchange(missed_, {})) Forget(*target);
+}
+
+void ZelUndo::Forget(const Undoable& target) {
+  std::int32_t kept = 0;
+  std::int32_t current = -1;
+  for (std::int32_t i = 0; i <= top_; ++i) {
+    if (entries_[i].Target == &target) continue;
+    if (i <= current_) current = kept;
+    if (i != kept) entries_[kept] = std::move(entries_[i]);
+    ++kept;
+  }
+  current_ = current;
+  top_ = kept - 1;
+  EndGesture();
+  ShowUndo();
+  ShowRedo(CanRedo());
+}
+
+void ZelUndo::Clear() {
   current_ = top_ = -1;
+  EndGesture();
   ShowUndo();
   ShowRedo(false);
 }
@@ -43,6 +85,7 @@ void ZelUndo::Undo() {
     FatalError("Fatal Error 3 in ZelUndo");
     return;
   }
+  EndGesture();
   const UndoEntry& entry = entries_[current_];
   entry.Target->Undo(entry);
   --current_;
@@ -57,6 +100,7 @@ void ZelUndo::Redo() {
     FatalError("Fatal Error 2 in ZelUndo");
     return;
   }
+  EndGesture();
   ++current_;
   const UndoEntry& entry = entries_[current_];
   entry.Target->Redo(entry);
@@ -71,6 +115,7 @@ void ZelUndo::DropOldest() {
   }
   std::move(entries_.begin() + 1, entries_.end(), entries_.begin());
   --current_;
+  if (gestureStart_ != NoGesture && gestureStart_ > 0) --gestureStart_;
 }
 
 void ZelUndo::ShowUndo() {

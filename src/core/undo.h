@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <set>
 #include <string>
 
 namespace torvane {
@@ -14,6 +15,16 @@ class Undoable {
   virtual ~Undoable() = default;
   virtual void Undo(const UndoEntry& entry) = 0;
   virtual void Redo(const UndoEntry& entry) = 0;
+
+  /// What became of a change that followed another one of the same target within a gesture.
+  enum class Merged {
+    No,       ///< it is a change of its own
+    Yes,      ///< the earlier entry now stands for both
+    Nothing,  ///< together they change nothing
+  };
+  virtual Merged Merge(UndoEntry& /*earlier*/, const UndoEntry& /*later*/) const {
+    return Merged::No;
+  }
 };
 
 /// One reversible change. Pointers are not owned and must outlive the history.
@@ -53,16 +64,29 @@ class ZelUndo {
   void Undo();
   void Redo();
 
-  /// Changes that follow are not recorded.
-  void Suspend() { suspended_ = true; }
-  /// Changes are recorded again. When some were not, the history before them is forgotten: its
-  /// steps lead from values that are no more.
+  /// Changes that follow are not recorded, until as many calls of Resume.
+  void Suspend() { ++suspended_; }
+  /// Changes are recorded again. Earlier entries of the targets that changed meanwhile are
+  /// forgotten: their steps lead from values that are no more.
   void Resume();
+  bool Suspended() const { return suspended_ > 0; }
+
+  /// Until EndGesture, the changes of one target in a row are one entry where the target can merge
+  /// them: a held button, a drag, a turn of the wheel.
+  void BeginGesture();
+  void EndGesture() { gestureStart_ = NoGesture; }
+
+  /// The target's entries go; the others stay in their order.
+  void Forget(const Undoable& target);
+  void Clear();
 
   bool CanUndo() const { return current_ >= 0; }
   bool CanRedo() const { return current_ < top_; }
 
  private:
+  static constexpr std::int32_t NoGesture = Depth + 1;  // beyond every entry
+
+  bool MergeIntoCurrent(const UndoEntry& entry);
   void DropOldest();
   void ShowUndo();
   void ShowRedo(bool available);
@@ -72,8 +96,9 @@ class ZelUndo {
   std::int32_t top_ = -1;
   std::array<UndoEntry, Depth> entries_;
   UndoItems* items_ = nullptr;
-  bool suspended_ = false;
-  bool missedChange_ = false;
+  int suspended_ = 0;
+  std::set<const Undoable*> missed_;  // targets that changed while suspended
+  std::int32_t gestureStart_ = NoGesture;
 };
 
 }  // namespace torvane

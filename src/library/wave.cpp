@@ -7,6 +7,7 @@
 
 #include "core/bench.h"
 #include "core/messages.h"
+#include "core/text.h"
 #include "library/angular.h"
 
 namespace torvane {
@@ -131,34 +132,64 @@ double ZelWave::ValueAt(double x) const {
   return offset;
 }
 
+const std::array<WaveNumber, 5>& ZelWave::Numbers() {
+  static constexpr std::array<WaveNumber, 5> numbers{
+      WaveNumber{"Amplitude", "Amplitude", &WaveSettings::Amplitude, &ZelWave::SetAmplitude},
+      WaveNumber{"FreqHz", "Frequency", &WaveSettings::FreqHz, &ZelWave::SetFreqHz},
+      WaveNumber{"Offset", "Offset", &WaveSettings::Offset, &ZelWave::SetOffset},
+      WaveNumber{"PhaseDeg", "Phase", &WaveSettings::PhaseDeg, &ZelWave::SetPhaseDeg},
+      WaveNumber{"DutyCycle", "Duty Cycle", &WaveSettings::DutyCycle, &ZelWave::SetDutyCycle},
+  };
+  return numbers;
+}
+
+std::string ZelWave::Caption(const std::string& setting, const std::string& value) const {
+  const std::string what = setting + " = " + value;
+  return Name() == "MainWaveGen" ? what : Name() + " " + what;
+}
+
+void ZelWave::SetNumber(double WaveSettings::*number, double value) {
+  Change(
+      [&] {
+        settings_.*number = value;
+        ForgetComputed();
+      },
+      [&] {
+        const auto known = std::find_if(Numbers().begin(), Numbers().end(),
+                                        [&](const WaveNumber& n) { return n.Value == number; });
+        return Caption(known->Caption, FormatEdit(value));
+      });
+}
+
 void ZelWave::SetWaveform(int index) {
-  settings_.Index = LimitedIndex(index);
-  ForgetComputed();
+  Change(
+      [&] {
+        settings_.Index = LimitedIndex(index);
+        ForgetComputed();
+      },
+      [&] {
+        return Caption("Waveform", WaveformNames()[static_cast<std::size_t>(settings_.Index)]);
+      });
 }
 
 void ZelWave::SetFreqHz(double hz) {
-  settings_.FreqHz = std::abs(hz);
-  ForgetComputed();
+  SetNumber(&WaveSettings::FreqHz, std::abs(hz));
 }
 
 void ZelWave::SetAmplitude(double amplitude) {
-  settings_.Amplitude = amplitude;
-  ForgetComputed();
+  SetNumber(&WaveSettings::Amplitude, amplitude);
 }
 
 void ZelWave::SetOffset(double offset) {
-  settings_.Offset = offset;
-  ForgetComputed();
+  SetNumber(&WaveSettings::Offset, offset);
 }
 
 void ZelWave::SetPhaseDeg(double degrees) {
-  settings_.PhaseDeg = degrees;
-  ForgetComputed();
+  SetNumber(&WaveSettings::PhaseDeg, degrees);
 }
 
 void ZelWave::SetDutyCycle(double percent) {
-  settings_.DutyCycle = LimitedDuty(percent);
-  ForgetComputed();
+  SetNumber(&WaveSettings::DutyCycle, LimitedDuty(percent));
 }
 
 }  // namespace torvane

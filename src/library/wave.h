@@ -34,6 +34,16 @@ struct WaveSettings {
   double DutyCycle = 50.0;
 };
 
+class ZelWave;
+
+/// One of a generator's numbers: its name in files and options, and for the user.
+struct WaveNumber {
+  const char* Name;
+  const char* Caption;
+  double WaveSettings::*Value;
+  void (ZelWave::*Set)(double);
+};
+
 /// Waveform generator: one of nine periodic waveforms of the simulated time.
 ///
 /// The value computed for the end of a step reaches the output through a state variable, so models
@@ -46,6 +56,9 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   /// The waveforms' names, as listed to the user.
   static const std::array<const char*, WaveformCount>& WaveformNames();
+
+  /// All of its numbers, in the order of their records.
+  static const std::array<WaveNumber, 5>& Numbers();
 
   // Both states keep a derivative of 0: they move only by what is published here.
   void AtTime(double t) override {
@@ -84,6 +97,8 @@ class ZelWave final : public TimeDriven, public Instrument {
  private:
   double ValueAt(double x) const;
   void Recompute(double t);
+  void SetNumber(double WaveSettings::*number, double value);
+  std::string Caption(const std::string& setting, const std::string& value) const;
   void ForgetComputed() { computedAt_ = std::numeric_limits<double>::quiet_NaN(); }
 
   WaveSettings settings_;

@@ -1,7 +1,5 @@
 // A waveform generator's part of a model file.
 
-#include <array>
-
 #include "core/files/record.h"
 #include "core/messages.h"
 #include "core/text.h"
@@ -9,19 +7,6 @@
 
 namespace torvane {
 namespace {
-
-struct NumberRecord {
-  const char* Keyword;
-  double WaveSettings::*Value;
-  void (ZelWave::*Set)(double);
-};
-constexpr std::array NumberRecords{
-    NumberRecord{"Amplitude", &WaveSettings::Amplitude, &ZelWave::SetAmplitude},
-    NumberRecord{"FreqHz", &WaveSettings::FreqHz, &ZelWave::SetFreqHz},
-    NumberRecord{"Offset", &WaveSettings::Offset, &ZelWave::SetOffset},
-    NumberRecord{"PhaseDeg", &WaveSettings::PhaseDeg, &ZelWave::SetPhaseDeg},
-    NumberRecord{"DutyCycle", &WaveSettings::DutyCycle, &ZelWave::SetDutyCycle},
-};
 
 // A keyword's record has one value.
 bool HasOneValue(const Record& record) {
@@ -35,8 +20,8 @@ bool HasOneValue(const Record& record) {
 void ZelWave::SaveRecords(RecordWriter& writer) const {
   SaveDisplay(writer, Placement);
   writer.Write("Waveform", {std::to_string(settings_.Index)});
-  for (const NumberRecord& number : NumberRecords) {
-    writer.Write(number.Keyword, {FormatShortest(settings_.*number.Value)});
+  for (const WaveNumber& number : Numbers()) {
+    writer.Write(number.Name, {FormatShortest(settings_.*number.Value)});
   }
 }
 
@@ -51,8 +36,8 @@ void ZelWave::LoadRecord(const Record& record) {
     if (const auto index = ToInteger(record.Fields[3])) SetWaveform(*index);
     return;
   }
-  for (const NumberRecord& number : NumberRecords) {
-    if (keyword != number.Keyword) continue;
+  for (const WaveNumber& number : Numbers()) {
+    if (keyword != number.Name) continue;
     if (!HasOneValue(record)) return;
     if (const auto value = ToNumber(record.Fields[3])) (this->*number.Set)(*value);
     return;

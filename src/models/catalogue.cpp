@@ -59,7 +59,10 @@ std::unique_ptr<ZelModel> LoadModel(int index) {
   }
   const Entry& entry = Entries[static_cast<std::size_t>(index)];
   try {
-    return entry.Make(entry.Name);
+    std::unique_ptr<ZelModel> model = entry.Make(entry.Name);
+    // What a constructor sets up is no change of the user's.
+    model->Bench().History().Clear();
+    return model;
   } catch (const std::exception&) {
     Error(std::string("Fault in ") + entry.ClassName);
     return nullptr;

@@ -47,6 +47,11 @@ class Dial : public Undoable {
   }
   void Undo(const UndoEntry& entry) override { Value = entry.Ints[0]; }
   void Redo(const UndoEntry& entry) override { Value = entry.Ints[1]; }
+  Merged Merge(UndoEntry& earlier, const UndoEntry& later) const override {
+    earlier.Ints[1] = later.Ints[1];
+    earlier.Description = later.Description;
+    return earlier.Ints[0] == earlier.Ints[1] ? Merged::Nothing : Merged::Yes;
+  }
 
   int Value = 0;
 
@@ -139,6 +144,52 @@ TEST_F(UndoTest, StepsOutsideTheHistoryAreFatal) {
   history.Redo();
   EXPECT_EQ(recorder.Take(), Messages{"Fatal Error: Fatal Error 2 in ZelUndo"});
   EXPECT_EQ(dial.Value, 50);
+}
+
+TEST_F(UndoTest, AGestureIsOneEntryUnlessItComesBackToItsStart) {
+  dial.Turn(1);
+  const auto gesture = [&](std::initializer_list<int> values) {
+    history.BeginGesture();
+    for (const int value : values) dial.Turn(value);
+    history.EndGesture();
+  };
+  gesture({2, 3, 4});
+  EXPECT_EQ(items.Undo(), "Undo 4");
+  gesture({7, 4});
+  history.Undo();
+  EXPECT_EQ(dial.Value, 1);
+  EXPECT_EQ(items.Redo(), "Redo 4");
+  // A full history drops its oldest entry for the gesture's first change only.
+  for (int value = 10; value < 60; ++value) dial.Turn(value);
+  gesture({60, 61, 62});
+  int undone = 0;
+  for (; history.CanUndo(); ++undone) history.Undo();
+  EXPECT_EQ(undone, 50);
+  EXPECT_EQ(dial.Value, 10);
+}
+
+TEST_F(UndoTest, ForgetsTheEntriesOfATargetAlone) {
+  Dial other(history);
+  const auto fill = [&] {
+    history.Clear();
+    for (const int value : {1, 2, 3}) {
+      dial.Turn(value);
+      other.Turn(10 * value);
+    }
+    history.Undo();
+    history.Undo();  // both third turns are to be redone
+  };
+  fill();
+  history.Forget(other);
+  EXPECT_EQ(items.Undo(), "Undo 2");
+  EXPECT_EQ(items.Redo(), "Redo 3");
+  // What changes while the history does not record loses its entries; the rest keeps them.
+  fill();
+  history.Suspend();
+  dial.Turn(100);
+  history.Resume();
+  EXPECT_EQ(items.Undo(), "Undo 20");
+  EXPECT_EQ(items.Redo(), "Redo 30");
 }
 
 TEST_F(UndoTest, ItemsAttachedLaterAreBroughtUpToDate) {

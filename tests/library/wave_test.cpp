@@ -125,5 +125,36 @@ TEST(WaveTest, OutputsFollowThroughStatesOneStepAndTwoStepsLate) {
   EXPECT_EQ(wave.Output(), 0.0);
 }
 
+TEST(Wave, ItsSettingsUndoOneByOneAndAGestureAsOne) {
+  test::BareModel model;
+  ZelWave wave(model.Bench(), "Source", {1, 10.0, 2.0, 0.0, 0.0, 50.0});
+  ZelUndo& history = model.Bench().History();
+  wave.SetFreqHz(-20.0);
+  wave.SetFreqHz(20.0);  // no change
+  wave.SetWaveform(3);
+  history.BeginGesture();
+  for (const double amplitude : {3.0, 4.0, 5.0}) wave.SetAmplitude(amplitude);
+  wave.SetDutyCycle(200.0);
+  history.EndGesture();
+  history.Undo();
+  EXPECT_EQ(wave.Settings().Amplitude, 2.0);
+  EXPECT_EQ(wave.Settings().DutyCycle, 50.0);
+  EXPECT_EQ(wave.Settings().Index, 3);
+  history.Undo();
+  history.Undo();
+  EXPECT_EQ(wave.Settings().FreqHz, 10.0);
+  EXPECT_FALSE(history.CanUndo());
+  while (history.CanRedo()) history.Redo();
+  EXPECT_EQ(wave.Settings().Amplitude, 5.0);
+  EXPECT_EQ(wave.Settings().DutyCycle, 100.0);
+  EXPECT_EQ(wave.Settings().FreqHz, 20.0);
+  // The value computed for a time is none of the settings' that have changed since.
+  wave.AtTime(0.0);
+  const double before = wave.Computed();
+  history.Undo();
+  wave.AtTime(0.0);
+  EXPECT_NE(wave.Computed(), before);
+}
+
 }  // namespace
 }  // namespace torvane

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "core/constant.h"
+#include "core/files/record.h"
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/meter/meter.h"
 #include "instruments/scope/scope.h"
@@ -50,17 +51,25 @@ TEST_F(ModelFile, TakesEitherLineEndAndALastLineWithout) {
   }
 }
 
-TEST_F(ModelFile, LoadingIsNoStepToUndoAndForgetsThoseBefore) {
+TEST_F(ModelFile, LoadingIsNoStepToUndoAndForgetsOnlyWhatItChanged) {
+  auto& wave = *Bench().FindInstrument(InstrumentKind::WaveGenerator, "MainWaveGen");
+  const auto set = [&](const std::string& value) {
+    wave.LoadState(ParseRecord("WaveGen,MainWaveGen,FreqHz," + value, 1));
+  };
   Bench().FindConst("KP")->Set(1.0);
   EXPECT_TRUE(LoadModelText("Constant,KP,1\n", host_));
   EXPECT_TRUE(Bench().History().CanUndo()) << "the file changed nothing";
   EXPECT_FALSE(Bench().ConstantsChanged());
 
-  Bench().FindConst("KP")->Set(1.1);
-  EXPECT_TRUE(LoadModelText("Constant,KI,90\n", host_));
+  set("7");
+  Bench().FindConst("KI")->Set(80.0);
+  EXPECT_TRUE(LoadModelText("WaveGen,MainWaveGen,FreqHz,8\nConstant,KI,90\n", host_));
+  Bench().History().Undo();
+  EXPECT_EQ(Value("KP"), 0.6) << "only the first change is not void";
   EXPECT_FALSE(Bench().History().CanUndo());
-  Bench().FindConst("KP")->Set(1.2);
-  EXPECT_TRUE(Bench().History().CanUndo());
+  set("9");
+  EXPECT_TRUE(LoadModelText("WaveGen,MainWaveGen,FreqHz,9\n", host_));
+  EXPECT_TRUE(Bench().History().CanUndo()) << "the file changed nothing";
 }
 
 TEST_F(ModelFile, SavingClearsTheChangedStateAndAFailureDoesNot) {

@@ -1,22 +1,11 @@
 #include "core/files/model_file.h"
 
-#include <array>
-
 #include "core/constant.h"
 #include "core/files/atomic_save.h"
-#include "core/files/model_file_lines.h"
 #include "core/files/record.h"
 #include "core/messages.h"
 
 namespace torvane {
-namespace {
-
-// Order of the instruments' sections.
-constexpr std::array SectionOrder{InstrumentKind::Scope, InstrumentKind::FftAnalyser,
-                                  InstrumentKind::SweptSine, InstrumentKind::Meter,
-                                  InstrumentKind::WaveGenerator};
-
-}  // namespace
 
 std::string ModelFileText(const ZelModel& model) {
   std::string text;
@@ -25,7 +14,7 @@ std::string ModelFileText(const ZelModel& model) {
   for (const Constant* constant : model.Bench().Constants()) {
     AppendRecord(text, {"Constant", constant->Name(), constant->FileText()});
   }
-  for (const InstrumentKind kind : SectionOrder) {
+  for (const InstrumentKind kind : AllInstrumentKinds) {
     for (const Instrument* instrument : model.Bench().Instruments(kind)) {
       RecordWriter writer(text, RecordKeyword(kind), instrument->Name());
       instrument->SaveRecords(writer);

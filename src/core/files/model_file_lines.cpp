@@ -72,22 +72,6 @@ class LineLength {
 
 }  // namespace
 
-std::string_view RecordKeyword(InstrumentKind kind) {
-  switch (kind) {
-    case InstrumentKind::WaveGenerator:
-      return "WaveGen";
-    case InstrumentKind::Meter:
-      return "Meter";
-    case InstrumentKind::Scope:
-      return "Scope";
-    case InstrumentKind::SweptSine:
-      return "SweptDSA";
-    case InstrumentKind::FftAnalyser:
-      break;
-  }
-  return "Xfer";
-}
-
 bool LineReader::Next(std::string& line) {
   if (rest_.empty()) return false;
   const std::size_t end = rest_.find('\n');

@@ -2,12 +2,7 @@
 
 #include <string_view>
 
-#include "core/instrument.h"
-
 namespace torvane {
-
-/// First field of the records of instruments of a kind.
-std::string_view RecordKeyword(InstrumentKind kind);
 
 /// Takes the lines of a text one by one: LF ends a line, CR is ignored, what follows the last LF is
 /// a line too.

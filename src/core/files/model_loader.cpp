@@ -1,6 +1,5 @@
 // The loop that reads a model file, line by line.
 
-#include <array>
 #include <set>
 
 #include "core/constant.h"
@@ -11,10 +10,6 @@
 
 namespace torvane {
 namespace {
-
-constexpr std::array InstrumentKinds{InstrumentKind::Scope, InstrumentKind::FftAnalyser,
-                                     InstrumentKind::SweptSine, InstrumentKind::WaveGenerator,
-                                     InstrumentKind::Meter};
 
 void ReportEntryCount(const Record& record) {
   Error("File error:  wrong number entries in " + record.Line);
@@ -64,7 +59,7 @@ class Loader {
       LoadConstant(Bench(), record);
       return true;
     }
-    for (const InstrumentKind kind : InstrumentKinds) {
+    for (const InstrumentKind kind : AllInstrumentKinds) {
       if (first == RecordKeyword(kind)) LoadInstrument(kind, record);
     }
     return true;
@@ -113,7 +108,10 @@ class Loader {
     if (!instrument && kind == InstrumentKind::Meter) instrument = AddMeter(record.Fields[1]);
     if (!instrument) return;
     const WindowPlacement placement = instrument->Placement;
+    instrument->BeginLoading();
+    Bench().History().Suspend();
     instrument->LoadRecord(record);
+    Bench().History().Resume();
     if (!host_.RestoresWindows()) instrument->Placement = placement;
   }
 
@@ -127,11 +125,13 @@ class Loader {
 
   void FinishInstruments() {
     if (!host_.CurrentModel()) return;
-    for (const InstrumentKind kind : InstrumentKinds) {
+    Bench().History().Suspend();
+    for (const InstrumentKind kind : AllInstrumentKinds) {
       for (Instrument* instrument : Bench().Instruments(kind)) {
         instrument->FinishLoading([this](int line) { host_.AtLine(line); });
       }
     }
+    Bench().History().Resume();
   }
 
   ZelBenchTop& Bench() { return host_.CurrentModel()->Bench(); }

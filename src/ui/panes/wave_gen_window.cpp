@@ -33,11 +33,7 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
   });
   connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this,
           [this](int index) { wave_.SetWaveform(index); });
-  Bind(ui_->EFreqHz, &ZelWave::SetFreqHz, &WaveSettings::FreqHz);
-  Bind(ui_->EAmplitude, &ZelWave::SetAmplitude, &WaveSettings::Amplitude);
-  Bind(ui_->EOffset, &ZelWave::SetOffset, &WaveSettings::Offset);
-  Bind(ui_->EPhaseDeg, &ZelWave::SetPhaseDeg, &WaveSettings::PhaseDeg);
-  Bind(ui_->EDutyCycle, &ZelWave::SetDutyCycle, &WaveSettings::DutyCycle);
+  for (const WaveNumber& number : ZelWave::Numbers()) Bind(number);
   ConnectButtons();
   SettingsChanged();
 } catch (const std::exception&) {
@@ -46,17 +42,17 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
 
 TZelWaveGenF::~TZelWaveGenF() = default;
 
-void TZelWaveGenF::Bind(QLineEdit* edit, Setter set, Member value) {
+// A number's edit is called after it.
+void TZelWaveGenF::Bind(const WaveNumber& number) {
+  auto* edit = findChild<QLineEdit*>(QLatin1Char('E') + QLatin1String(number.Name));
   edits_.push_back(BindNumber(
-      *edit, [this, set](double number) { (wave_.*set)(number); },
-      [this, value] { return wave_.Settings().*value; }));
+      *edit, [this, number](double value) { (wave_.*number.Set)(value); },
+      [this, number] { return wave_.Settings().*number.Value; }));
 }
 
 void TZelWaveGenF::BindButton(QAbstractButton* button, Setter set, Change change) {
-  connect(button, &QAbstractButton::clicked, this, [this, set, change] {
-    (wave_.*set)(change(wave_.Settings()));
-    SettingsChanged();
-  });
+  connect(button, &QAbstractButton::clicked, this,
+          [this, set, change] { (wave_.*set)(change(wave_.Settings())); });
 }
 
 void TZelWaveGenF::ConnectButtons() {

@@ -7,7 +7,6 @@
 #include "ui/panes/instrument_pane.h"
 
 class QAbstractButton;
-class QLineEdit;
 
 namespace torvane {
 
@@ -33,11 +32,9 @@ class TZelWaveGenF : public InstrumentPane {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  /// One number of the generator: its edit, and the buttons that change it.
   using Setter = void (ZelWave::*)(double);
-  using Member = double WaveSettings::*;
   using Change = double (*)(const WaveSettings&);
-  void Bind(QLineEdit* edit, Setter set, Member value);
+  void Bind(const WaveNumber& number);
   void BindButton(QAbstractButton* button, Setter set, Change change);
   void ConnectButtons();
 
