@@ -26,7 +26,7 @@ class MAliasing final : public ZelModel {
 
   Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "volts", Shown(1, 2)};
   Variable vSample_{Bench(), "vSample", "volts", Shown(1, -2)};
 
@@ -37,6 +37,9 @@ class MAliasing final : public ZelModel {
 
 MAliasing::MAliasing(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-01.bmp", "BWTX05-01.txt");
+  // The alias stands still when the sweep starts on it.
+  scope_.Trigger().SetSource(*scope_.FindChannel(vSample_.Name()));
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.01);
 }
 
 void MAliasing::Derivatives(double t) {

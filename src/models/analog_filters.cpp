@@ -30,7 +30,7 @@ class MAnalogFilters final : public ZelModel {
   Constant notchHz_{Bench(), "Notch Freq", "Hz", 40, 0, 10000};
   Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "volts", Shown(0.5, 0)};
   Variable vLP1_{Bench(), "vLP1", "volts", Shown(0.5, 0)};
   Variable vLP2_{Bench(), "vLP2", "volts", Shown(0.5, 0)};
@@ -39,14 +39,8 @@ class MAnalogFilters final : public ZelModel {
   ZelLowPass1 onePole_{Bench(), 45};
   ZelLowPass2 twoPole_{Bench(), 45, Butterworth};
   ZelNotch notch_{Bench(), 40, Butterworth};
-  Analysers analysers_{Bench(),
-                       13,
-                       {.Order = 10,
-                        .TSample = 0.001,
-                        .RestTime = 0.2,
-                        .Amplitude = 1,
-                        .SweepTo = 400,
-                        .SweepTSample = 5e-5}};
+  Analysers analysers_{
+      Bench(), 13, {.To = 400, .TSample = 5e-5, .SettleTime = 0.2, .Amplitude = 1}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
@@ -54,6 +48,7 @@ class MAnalogFilters final : public ZelModel {
 
 MAnalogFilters::MAnalogFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-01.txt");
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("1-Pole", "vC", "vLP1");
   analysers_.AddSetup("2-Pole", "vC", "vLP2");
   analysers_.AddSetup("Notch", "vC", "vNotch");

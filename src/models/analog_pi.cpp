@@ -32,7 +32,7 @@ class MAnalogPI final : public ZelModel {
   Constant sat_{Bench(), "Sat", "", 100, 1, 10000};
   Constant windUp_{Bench(), "Wind-up", "%", 120, 100, 10000};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable command_{Bench(), "Command", "", Shown(10, 20)};
   Variable error_{Bench(), "Error", "", Hidden(10)};
   Variable power_{Bench(), "Power", "", Hidden(10)};
@@ -43,8 +43,8 @@ class MAnalogPI final : public ZelModel {
 
   ZelLowPass2 powerConverter_{Bench(), 900, Butterworth};
   ZelLowPass2 feedbackFilter_{Bench(), 900, Butterworth};
-  Analysers analysers_{Bench(), 13, {.Order = 12, .Amplitude = 2}};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 10}};
+  Analysers analysers_{Bench(), 13, {.Amplitude = 2}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 10}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
 };

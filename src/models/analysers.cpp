@@ -2,22 +2,15 @@
 
 namespace torvane {
 
-Analysers::Analysers(ZelBenchTop& bench, int maxOrder, const Measurement& measurement)
+Analysers::Analysers(ZelBenchTop& bench, int maxOrder, const Sweep& sweep)
     : Fft(bench, maxOrder), Swept(bench, "MainSweptDSA") {
-  Fft.SetOrder(measurement.Order);
-  Fft.SetTSample(measurement.TSample);
-  Fft.SetTStartDelay(measurement.RestTime);
-  Fft.SetTEndDelay(measurement.RestTime);
-  Fft.SetAmplitude(measurement.Amplitude);
-  Fft.AutoRange();
-
-  Swept.SetTSample(measurement.SweepTSample);
-  Swept.SetStartFreq(measurement.SweepFrom);
-  Swept.SetEndFreq(measurement.SweepTo);
+  Swept.SetTSample(sweep.TSample);
+  Swept.SetStartFreq(5.0);
+  Swept.SetEndFreq(sweep.To);
   Swept.ApplySweepRange();
-  Swept.SetSettleTime(measurement.RestTime);
+  Swept.SetSettleTime(sweep.SettleTime);
   Swept.SetMeasurementTime(1.0);
-  Swept.SetAmplitude(measurement.Amplitude);
+  Swept.SetAmplitude(sweep.Amplitude);
 }
 
 void Analysers::AddSetup(const std::string& name, const std::string& input,

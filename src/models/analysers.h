@@ -7,24 +7,20 @@
 
 namespace torvane {
 
-/// How a model's response is measured before the user says otherwise: a noise record of 2^Order
-/// samples TSample seconds apart with RestTime seconds of rest before it and at its end, or a sweep
-/// between two frequencies (Hz) ticked every SweepTSample seconds. The amplitude, in the command's
-/// unit, stays small enough that no limit is met.
-struct Measurement {
-  int Order = 11;
-  double TSample = 0.00025;
-  double RestTime = 0.1;
+/// A model's sweep before the user says otherwise: up to a frequency (Hz), ticked every TSample
+/// seconds, with SettleTime seconds of rest at each point. The amplitude, in the command's unit,
+/// stays small enough that no limit is met.
+struct Sweep {
+  double To = 1000.0;
+  double TSample = 2e-5;
+  double SettleTime = 0.1;
   double Amplitude = 10.0;
-  double SweepFrom = 5.0;
-  double SweepTo = 1000.0;
-  double SweepTSample = 2e-5;
 };
 
 /// The two analysers of a model: FFT and, hidden until it is asked for, swept sine.
 struct Analysers {
   /// maxOrder: largest record of the FFT analyser, as a power of two.
-  Analysers(ZelBenchTop& bench, int maxOrder, const Measurement& measurement = {});
+  Analysers(ZelBenchTop& bench, int maxOrder, const Sweep& sweep = {});
 
   /// Offers a pair of signals on both; the first one offered is chosen.
   void AddSetup(const std::string& name, const std::string& input, const std::string& output,

@@ -33,21 +33,15 @@ class MDigitalFilters final : public ZelModel {
   Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 10};
   Constant tSample_{Bench(), "TSample", "", 0.001, 0.0001, 0.1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
-  Variable vSample_{Bench(), "vSample", "volts", Hidden(0.5)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
+  Variable vSample_{Bench(), "vSample", "volts", Shown(0.5, 0)};
   Variable vLP1_{Bench(), "vLP1", "volts", Shown(0.5, 0)};
   Variable vLP2_{Bench(), "vLP2", "volts", Shown(0.5, 0)};
   Variable vNotch_{Bench(), "vNotch", "volts", Shown(0.5, 0)};
-  Variable vC_{Bench(), "vC", "volts", Shown(0.5, 0)};
+  Variable vC_{Bench(), "vC", "volts", Hidden(0.5)};
 
-  Analysers analysers_{Bench(),
-                       13,
-                       {.Order = 10,
-                        .TSample = 0.001,
-                        .RestTime = 0.2,
-                        .Amplitude = 1,
-                        .SweepTo = 400,
-                        .SweepTSample = 5e-5}};
+  Analysers analysers_{
+      Bench(), 13, {.To = 400, .TSample = 5e-5, .SettleTime = 0.2, .Amplitude = 1}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
@@ -59,6 +53,7 @@ class MDigitalFilters final : public ZelModel {
 
 MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-02.txt");
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("1-Pole", "vSample", "vLP1");
   analysers_.AddSetup("2-Pole", "vSample", "vLP2");
   analysers_.AddSetup("Notch", "vSample", "vNotch");

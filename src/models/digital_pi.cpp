@@ -42,12 +42,12 @@ class MDigitalPI final : public ZelModel {
   Constant res_{Bench(), "Res", "Lines/rev", 1000, 100, 1e10};
   Constant inverseTrapezoid_{Bench(), "a (Inv Trap)", "", 0, 0, 1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   VelocitySignals signals_{Bench(), 10};
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
   Analysers analysers_{Bench(), 14};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);

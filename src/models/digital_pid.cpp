@@ -43,12 +43,12 @@ class MDigitalPID final : public ZelModel {
   Constant useRes_{Bench(), "Use Res?", {"No", "Yes"}};
   Constant res_{Bench(), "Res", "Lines/rev", 1000, 100, 1e10};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
-  VelocitySignals signals_{Bench(), 10};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
+  VelocitySignals signals_{Bench(), 10, Shown(2, -6)};
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
   Analysers analysers_{Bench(), 14};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), 0.001};
   ZelDPid& controller_ =
@@ -59,6 +59,9 @@ class MDigitalPID final : public ZelModel {
 MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX06-01.bmp", "BWTX06-01.txt");
   analysers_.AddVelocitySetups();
+  analysers_.Fft.SetOrder(11);
+  analysers_.Fft.SetTSample(0.00025);
+  analysers_.Fft.AutoRange();
 }
 
 void MDigitalPID::Sample(double t) {

@@ -45,7 +45,7 @@ class MDisturbance final : public ZelModel {
   Constant useRes_{Bench(), "Use Res?", {"No", "Yes"}};
   Constant res_{Bench(), "Res", "Lines/rev", 1000, 100, 1e10};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "RPM", Hidden(10, RadToRpm)};
   StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(20, 0, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(5, RadToRpm)};
@@ -62,7 +62,7 @@ class MDisturbance final : public ZelModel {
   Analysers analysers_{Bench(), 13};
   ZelWave commandGenerator_{Bench(), "Command Source", {.Index = 8, .FreqHz = 10, .Amplitude = 10}};
   ZelWave disturbanceGenerator_{
-      Bench(), "Disturbance Source", {.Index = 1, .FreqHz = 8, .Amplitude = 2}};
+      Bench(), "Disturbance Source", {.Index = 1, .FreqHz = 25, .Amplitude = 2}};
   CommandSource command_{Bench(), commandGenerator_, analysers_};
   CommandSource disturbance_{Bench(), disturbanceGenerator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};

@@ -47,13 +47,13 @@ class MFeedForward final : public ZelModel {
   Constant cLoopEst_{Bench(), "CLoop-Est", "Hz", 800, 100, 10000};
   Constant feedback_{Bench(), "Feedback", {"Tach", "Encoder"}};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
-  VelocitySignals signals_{Bench(), 10};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
+  VelocitySignals signals_{Bench(), 10, Shown(1, -2)};
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{
-      Bench(), "MainWaveGen", {.Index = 6, .FreqHz = 15, .Amplitude = 30, .DutyCycle = 75}};
+      Bench(), "MainWaveGen", {.Index = 6, .FreqHz = 25, .Amplitude = 30, .DutyCycle = 36}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);

@@ -45,18 +45,20 @@ class MLimitCycles final : public ZelModel {
   Constant dither_{Bench(), "Dither", "Counts", 0, 0, 10000};
   Constant quantize_{Bench(), "Quantize?", {"Float", "Round", "Truncate"}, Round};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.05)};
-  Variable input_{Bench(), "Input", "", Shown(0.1, -0.75)};
-  Variable output_{Bench(), "Output", "", Shown(0.1, -0.75)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
+  Variable input_{Bench(), "Input", "", Shown(0.1, -0.6)};
+  Variable output_{Bench(), "Output", "", Shown(0.1, -0.6)};
 
+  // Between these levels the filter circles after each edge.
   ZelWave generator_{
-      Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 3, .Amplitude = 0.1, .Offset = 0.85}};
+      Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 3, .Amplitude = 0.2, .Offset = 0.7}};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelScope scope_{Bench(), "MainScope"};
 };
 
 MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.05);
   scope_.Trigger().Level = generator_.Settings().Offset;
 }
 

@@ -50,7 +50,7 @@ class MMotorFeedback final : public ZelModel {
   Constant posErr_{Bench(), "Pos Err", "arc-min", 0, -100, 100};
   Constant errHarm_{Bench(), "Err Harm", "", 2, 0, 64};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "RPM", Hidden(50, RadToRpm)};
   StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(100, -200, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(50, RadToRpm)};
@@ -78,6 +78,7 @@ class MMotorFeedback final : public ZelModel {
 
 MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX13-01.bmp", "BWTX13-01.txt");
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddVelocitySetups();
 }
 

@@ -32,7 +32,7 @@ class MPiPlus final : public ZelModel {
   Constant j_{Bench(), "J", "kg-m^2", 0.002, 0.0001, 0.01};
   Constant tSample_{Bench(), "TSample", "sec", 0.00025, 1e-5, 0.01};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
   StateVariable vM_{Bench(), "vM", "RPM", 0, Hidden(10, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
@@ -45,7 +45,7 @@ class MPiPlus final : public ZelModel {
 
   ZelLowPass2 currentLoop_{Bench(), 800, Butterworth};
   Analysers analysers_{Bench(), 13};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelDPiPlus& controller_ =

@@ -47,9 +47,9 @@ class MPosLoopPID final : public ZelModel {
   Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 1};
   Constant res_{Bench(), "Res", "lines/rev", 1e10, 6, 2e10};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.02)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vPC_{Bench(), "vPC", "RPM", Shown(20, 0, RadToRpm)};
-  MotionSignals motion_{Bench()};
+  MotionSignals motion_{Bench(), Shown(0.001, -0.002, RadToRevs)};
   TorqueSignals torque_{Bench()};
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
@@ -65,6 +65,7 @@ class MPosLoopPID final : public ZelModel {
 
 MPosLoopPID::MPosLoopPID(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
+  scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
 }
 

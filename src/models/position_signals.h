@@ -22,16 +22,17 @@ struct TorqueSignals {
   Variable tE;  ///< torque of the current alone
 };
 
-/// Motion signals of a position loop.
+/// Motion signals of a position loop. The position error, which a new scope shows below the
+/// velocities, differs in size from loop to loop.
 struct MotionSignals {
-  explicit MotionSignals(ZelBenchTop& bench)
+  MotionSignals(ZelBenchTop& bench, DisplayDefaults error)
       : vM(bench, "vM", "RPM", 0, Hidden(20, RadToRpm)),
         vE(bench, "vE", "RPM", Hidden(20, RadToRpm)),
         vF(bench, "vF", "RPM", Shown(20, 0, RadToRpm)),
         pM(bench, "pM", "Revs", 0, Hidden(0.02, RadToRevs)),
         pF(bench, "pF", "Revs", Hidden(0.02, RadToRevs)),
         pC(bench, "pC", "Revs", Hidden(0.02, RadToRevs)),
-        pE(bench, "pE", "Revs", Shown(0.005, -0.01, RadToRevs)) {}
+        pE(bench, "pE", "Revs", error) {}
 
   StateVariable vM;  ///< motor velocity
   Variable vE;       ///< velocity error

@@ -50,7 +50,7 @@ class MResonance final : public ZelModel {
   Constant vMix_{Bench(), "VMix", "", 1, 0, 2};
   Constant kcva_{Bench(), "KCVA", "", 0, -5, 5};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
   Variable vM_{Bench(), "vM", "RPM", Hidden(10, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
@@ -67,8 +67,8 @@ class MResonance final : public ZelModel {
       Bench(),
       {.JM = jm_.Default(), .JL = jl_.Default(), .KS = ks_.Default(), .KCV = kcv_.Default()}};
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
-  Analysers analysers_{Bench(), 13, {.Order = 12, .SweepTSample = 5e-5}};
-  ZelWave generator_{Bench(), "Command Source", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
+  Analysers analysers_{Bench(), 13, {.TSample = 5e-5}};
+  ZelWave generator_{Bench(), "Command Source", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDController clock_{Bench(), tSample_.Default()};
   ZelDPiPlus& controller_ =

@@ -26,7 +26,7 @@ class MSeminarPI final : public ZelModel {
   Constant kt_{Bench(), "KT", "n-m/Amp", 1, 0.1, 10};
   Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 1};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeBase(0.01)};
+  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
   Variable vC_{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
   StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(10, 0, RadToRpm)};
   Variable vE_{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
@@ -39,7 +39,7 @@ class MSeminarPI final : public ZelModel {
 
   ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
   Analysers analysers_{Bench(), 13};
-  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 15, .Amplitude = 20}};
+  ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelScope scope_{Bench(), "MainScope"};
 };

@@ -19,9 +19,8 @@ constexpr DisplayDefaults Hidden(double scale, double multiplier = 1.0) {
   return {scale, 0.0, multiplier, false};
 }
 
-/// The time axis: seconds per division.
-constexpr DisplayDefaults TimeBase(double secondsPerDivision) {
-  return {secondsPerDivision, 1.0, 1.0, false};
-}
+/// The time axis of every model: a screen of 20 ms. Where that is too short for a model's lesson,
+/// the model gives its scope another time base.
+inline constexpr DisplayDefaults TimeAxis{0.002, 1.0, 1.0, false};
 
 }  // namespace torvane

@@ -11,16 +11,17 @@ enum FeedbackChoice { Tach, Encoder };
 enum YesNoChoice { No, Yes };
 
 /// The signals of a sampled velocity loop, in the order in which they are registered. A new scope
-/// shows command and feedback velocity, both at the given RPM per division.
+/// shows command and feedback velocity, both at the given RPM per division, and the current command
+/// as given.
 struct VelocitySignals {
-  VelocitySignals(ZelBenchTop& bench, double rpm)
+  VelocitySignals(ZelBenchTop& bench, double rpm, DisplayDefaults current = Hidden(5))
       : vC(bench, "vC", "RPM", Shown(rpm, 0, RadToRpm)),
         vM(bench, "vM", "RPM", 0, Hidden(rpm, RadToRpm)),
         vE(bench, "vE", "RPM", Hidden(rpm, RadToRpm)),
         vF(bench, "vF", "RPM", Shown(rpm, 0, RadToRpm)),
         pM(bench, "pM", "Revs", 0, Hidden(0.01, RadToRevs)),
         pF(bench, "pF", "Revs", Hidden(0.01, RadToRevs)),
-        iC(bench, "iC", "Amps", Hidden(5)),
+        iC(bench, "iC", "Amps", current),
         iF(bench, "iF", "Amps", Hidden(5)),
         tM(bench, "tM", "Nm", Hidden(5)) {}
 

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "core/text.h"
+#include "instruments/scope/scope.h"
 #include "models/loop.h"
 
 // What the models register, held against a table of its own: every name stands in users' files.
@@ -92,7 +93,9 @@ Fields Actual(Loop& loop, bool withSetups) {
                                ","));
   }
   const Variable& time = *loop.Bench().TimeVar();
-  lines.push_back(Join({"time", time.Name(), time.Unit()}, ","));
+  lines.push_back(Join(
+      {"time", time.Name(), time.Unit(), Number(time.DefaultScale()), Number(time.DefaultOffset())},
+      ","));
   for (const Variable* v : loop.Bench().Variables()) {
     if (v->Internal()) continue;
     lines.push_back(Join({v->IsState() ? "state" : "signal", v->Name(), v->Unit()}, ","));
@@ -129,6 +132,15 @@ TEST_P(ModelTable, IsWhatTheModelRegisters) {
   EXPECT_EQ(InstrumentNames(loop, InstrumentKind::SweptSine).size(), analysed ? 1U : 0U);
   if (analysed && !model[6].empty()) {
     EXPECT_EQ(Number(loop.Fft().MaxOrder()), model[6]);
+  }
+  EXPECT_EQ(Number(loop.The<ZelScope>(InstrumentKind::Scope).TimeChannel().Horizontal.Scale),
+            Number(model[7]));
+  if (analysed) {
+    EXPECT_EQ(Number(loop.Fft().Order()), model[8]);
+    EXPECT_EQ(Number(loop.Fft().TSample()), Number(model[9]));
+    EXPECT_EQ(loop.Fft().TStartDelay(), 0.4);
+    EXPECT_EQ(loop.Fft().TEndDelay(), 0.2);
+    EXPECT_EQ(loop.Fft().Amplitude(), 1.0);
   }
   for (const Variable* v : loop.Bench().Variables()) {
     // Pi is taken to eight digits.
