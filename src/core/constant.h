@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/undo.h"
@@ -29,6 +30,9 @@ class Constant : public Undoable {
 
   const std::string& Name() const { return name_; }
   const std::string& Unit() const { return unit_; }
+  /// What it is, in a sentence for the user; may be empty.
+  const std::string& Description() const { return description_; }
+  void Describe(std::string text) { description_ = std::move(text); }
   double Default() const { return default_; }
   double Lower() const { return lower_; }
   double Upper() const { return upper_; }
@@ -73,6 +77,7 @@ class Constant : public Undoable {
   ZelBenchTop& bench_;
   std::string name_;
   std::string unit_;
+  std::string description_;
   double lower_;
   double upper_;
   double default_;

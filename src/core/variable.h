@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 namespace torvane {
 
@@ -32,6 +33,9 @@ class Variable {
 
   const std::string& Name() const { return name_; }
   const std::string& Unit() const { return unit_; }
+  /// What it is, in a sentence for the user; may be empty.
+  const std::string& Description() const { return description_; }
+  void Describe(std::string text) { description_ = std::move(text); }
   double DefaultScale() const { return display_.Scale; }
   double DefaultOffset() const { return display_.Offset; }
   double Multiplier() const { return display_.Multiplier; }
@@ -52,6 +56,7 @@ class Variable {
  private:
   std::string name_;
   std::string unit_;
+  std::string description_;
   DisplayDefaults display_;
   Visibility visibility_;
   bool isState_;
