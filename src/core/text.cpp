@@ -84,6 +84,7 @@ std::string FormatG(double x) {
 }
 
 std::string FormatEdit(double x) {
+  if (x == 0.0) x = 0.0;  // drops the sign of a negated zero
   return Print(x, std::chars_format::general, ShownDigits);
 }
 

@@ -23,7 +23,7 @@ std::string FormatShortest(double x);
 /// Five significant digits, right-aligned in eight characters ("%8.5g").
 std::string FormatG(double x);
 
-/// FormatG without the alignment, for edits and tables.
+/// FormatG without the alignment, for edits and tables. Zero has no sign.
 std::string FormatEdit(double x);
 
 /// Number in general form: at most `precision` significant digits, without trailing zeros. Written

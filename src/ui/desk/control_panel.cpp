@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <utility>
 
@@ -16,6 +17,7 @@
 #include "ui/panes/model_views.h"
 #include "ui/session/file_commands.h"
 #include "ui/widgets/digits.h"
+#include "ui/widgets/wheel_guard.h"
 #include "ui_control_panel.h"
 
 // Resources of a static library are linked in only when they are asked for, outside any namespace.
@@ -43,6 +45,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
   InitIcons();
   ui_->setupUi(this);
   setAcceptDrops(true);
+  new WheelGuard(this);
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent);
   UseFixedDigits(*ui_->LTime);
   ConnectControls();
@@ -73,6 +76,13 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->SBRun, &QAbstractButton::clicked, this, [this] {
     if (model_) model_->Bench().StartScopes();
   });
+  // A shortcut of the button itself would give it the focus.
+  const auto shortcut = [this](const char* keys, QAbstractButton* button) {
+    connect(new QShortcut(QKeySequence(QLatin1String(keys)), this), &QShortcut::activated, button,
+            &QAbstractButton::click);
+  };
+  shortcut("Ctrl+R", ui_->SBRun);
+  shortcut("Ctrl+.", ui_->SBStop);
   connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
   connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
   connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, this, [this] {

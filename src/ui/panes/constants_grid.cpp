@@ -4,15 +4,23 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QTimer>
+#include <algorithm>
 
 #include "core/constant.h"
 #include "core/text.h"
 #include "ui/widgets/digits.h"
+#include "ui/widgets/edit_binding.h"
+#include "ui/widgets/edit_shortcuts.h"
+#include "ui/widgets/notice.h"
 
 namespace torvane {
 
 namespace {
+
+constexpr int LargestMinimum = 220;  // pixels of width that a narrow window must spare
 
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
@@ -35,6 +43,7 @@ class ValueDelegate : public QStyledItemDelegate {
         emit self->commitData(list);
         emit self->closeEditor(list);
       });
+      QTimer::singleShot(0, list, &QComboBox::showPopup);
       editor = list;
     } else {
       editor = QStyledItemDelegate::createEditor(parent, option, index);
@@ -60,6 +69,15 @@ class ValueDelegate : public QStyledItemDelegate {
     QStyledItemDelegate::setModelData(editor, model, index);
   }
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (auto* editor = qobject_cast<QLineEdit*>(watched)) {
+      const auto commit = [this, editor] { emit commitData(editor); };
+      if (SettleShortcut(*editor, *event, editor->isModified(), commit)) return true;
+    }
+    return QStyledItemDelegate::eventFilter(watched, event);
+  }
+
  private:
   const ZelBenchTop& bench_;
 };
@@ -70,8 +88,18 @@ QString Range(const Constant& constant) {
     for (const std::string& choice : constant.Choices()) choices << QString::fromStdString(choice);
     return QStringLiteral("one of: ") + choices.join(QStringLiteral(", "));
   }
-  return QString::fromStdString("from " + FormatEdit(constant.Lower()) + " to " +
-                                FormatEdit(constant.Upper()));
+  return QString::fromStdString(FormatEdit(constant.Lower()) + " to " +
+                                FormatEdit(constant.Upper()) +
+                                (constant.Unit().empty() ? "" : " " + constant.Unit()));
+}
+
+// What the constant is and what values it takes.
+QString Hint(const Constant& constant) {
+  QString hint = QString::fromStdString(constant.Name());
+  if (!constant.Description().empty()) {
+    hint += QStringLiteral(": ") + QString::fromStdString(constant.Description());
+  }
+  return hint + QStringLiteral("\n") + Range(constant);
 }
 
 }  // namespace
@@ -85,9 +113,9 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   connect(&table, &QTableWidget::currentCellChanged, this, [this](int row, int column) {
     if (row >= 0 && column != ValueColumn) table_.setCurrentCell(row, ValueColumn);
   });
-  connect(&table, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
-    if (column != ValueColumn) table_.editItem(table_.item(row, ValueColumn));
-  });
+  // Enter, and a double click beside the value.
+  connect(&table, &QTableWidget::cellActivated, this,
+          [this](int row, int) { table_.editItem(table_.item(row, ValueColumn)); });
 }
 
 void ConstantsGrid::Fill() {
@@ -100,10 +128,9 @@ void ConstantsGrid::Fill() {
     const Constant& constant = *constants[static_cast<std::size_t>(row)];
     const QString texts[] = {QString::fromStdString(constant.Name()), QString(),
                              QString::fromStdString(constant.Unit())};
-    const QString hint = texts[NameColumn] + QStringLiteral(": ") + Range(constant);
     for (int column = NameColumn; column <= UnitColumn; ++column) {
       auto* item = new QTableWidgetItem(texts[column]);
-      item->setToolTip(hint);
+      item->setToolTip(Hint(constant));
       if (column == ValueColumn) {
         item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         item->setFont(digits);
@@ -115,6 +142,13 @@ void ConstantsGrid::Fill() {
     ShowValue(row);
   }
   table_.resizeColumnsToContents();
+  int content = table_.verticalScrollBar()->sizeHint().width() + 2 * table_.frameWidth();
+  for (const int column : {NameColumn, ValueColumn}) content += table_.columnWidth(column);
+  // The last column is stretched: it has room to spare.
+  const QAbstractItemView& view = table_;
+  content += std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
+                      view.sizeHintForColumn(UnitColumn));
+  table_.setMinimumWidth(std::min(content, LargestMinimum));
   table_.verticalHeader()->setDefaultSectionSize(table_.fontMetrics().height() + 9);
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }
@@ -137,7 +171,14 @@ void ConstantsGrid::CommitCell(int row, int column) {
   Constant& constant = *bench_.Constants()[static_cast<std::size_t>(row)];
   const std::string text = table_.item(row, column)->text().toStdString();
   // Unchanged text is no edit: it may show fewer digits than the constant has.
-  if (text != constant.DisplayText()) constant.SetFromText(text);
+  if (text != constant.DisplayText()) {
+    constant.SetFromText(text);
+    const std::optional<double> typed = constant.IsList() ? std::nullopt : ParseNumber(text);
+    if (typed && *typed != constant.Value()) {
+      ShowNotice(*table_.viewport(), table_.visualItemRect(table_.item(row, column)),
+                 QString::fromStdString(LimitNotice(*typed, constant.Value())));
+    }
+  }
   ShowValue(row);
 }
 

@@ -45,6 +45,19 @@ QString ChannelLabel(const ZelChannel& channel) {
   return label;
 }
 
+// What the signal is, with its unit.
+QString Hint(const Variable& signal) {
+  std::string hint = signal.Name();
+  if (!signal.Description().empty()) hint += ": " + signal.Description();
+  if (!signal.Unit().empty()) hint += " [" + signal.Unit() + "]";
+  return QString::fromStdString(hint);
+}
+
+// A scale of zero is refused with a report of its own.
+std::string ScaleNotice(double typed, double stored) {
+  return typed == 0.0 ? std::string() : LimitNotice(typed, stored);
+}
+
 }  // namespace
 
 TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
@@ -73,7 +86,7 @@ void TZelScopeF::ConnectVertical() {
   };
   vertScale_ = BindNumber(
       *ui_->EVertScale, [=, this](double s) { SetVertical(s, channel().Vertical.Offset); },
-      [=] { return channel().Vertical.Scale; });
+      [=] { return channel().Vertical.Scale; }, ScaleNotice);
   vertOffset_ = BindNumber(
       *ui_->EVertOffset, [=, this](double o) { SetVertical(channel().Vertical.Scale, o); },
       [=] { return channel().Vertical.Offset; });
@@ -110,7 +123,7 @@ void TZelScopeF::ConnectHorizontal() {
   };
   horizScale_ = BindNumber(
       *ui_->EHorizScale, [this](double s) { SetHorizontal(s, XChannel().Horizontal.Offset); },
-      [this] { return XChannel().Horizontal.Scale; });
+      [this] { return XChannel().Horizontal.Scale; }, ScaleNotice);
   horizOffset_ = BindNumber(
       *ui_->EHorizOffset, [this](double o) { SetHorizontal(XChannel().Horizontal.Scale, o); },
       [this] { return XChannel().Horizontal.Offset; });
@@ -185,8 +198,8 @@ void TZelScopeF::FillList(QComboBox& list, int selected) {
   const QSignalBlocker blocker(&list);
   list.clear();
   for (int index = 0; const auto& channel : scope_.Channels()) {
-    list.addItem(Swatch(channel->Displayed ? channel->Colour : -1), ChannelLabel(*channel),
-                 index++);
+    list.addItem(Swatch(channel->Displayed ? channel->Colour : -1), ChannelLabel(*channel), index);
+    list.setItemData(index++, Hint(channel->Signal()), Qt::ToolTipRole);
   }
   list.setCurrentIndex(list.findData(selected));
 }

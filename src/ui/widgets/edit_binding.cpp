@@ -6,6 +6,8 @@
 
 #include "core/text.h"
 #include "ui/widgets/digits.h"
+#include "ui/widgets/edit_shortcuts.h"
+#include "ui/widgets/notice.h"
 
 namespace torvane {
 
@@ -32,18 +34,31 @@ void EditBinding::CommitText() {
 }
 
 bool EditBinding::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress &&
-      static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && edit_.text() != shown_) {
+  const bool pending = edit_.text() != shown_;
+  if (pending && event->type() == QEvent::KeyPress &&
+      static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
     Show();
     return true;
   }
+  if (SettleShortcut(edit_, *event, pending, [this] { CommitText(); })) return true;
   return QObject::eventFilter(watched, event);
 }
 
+std::string LimitNotice(double typed, double stored) {
+  if (stored == -typed) return "stored without its sign";
+  return "limited to " + FormatEdit(stored);
+}
+
 EditBinding* BindNumber(QLineEdit& edit, std::function<void(double)> set,
-                        std::function<double()> get) {
-  const auto commit = [set = std::move(set)](const std::string& text) {
-    if (const std::optional<double> number = ToNumber(text)) set(*number);
+                        std::function<double()> get, NumberNotice notice) {
+  const auto commit = [&edit, set = std::move(set), get,
+                       notice = std::move(notice)](const std::string& text) {
+    const std::optional<double> typed = ToNumber(text);
+    if (!typed) return;
+    set(*typed);
+    const double stored = get();
+    const std::string said = stored == *typed ? std::string() : notice(*typed, stored);
+    if (!said.empty()) ShowNotice(edit, QString::fromStdString(said));
   };
   return new EditBinding(edit, commit, [get = std::move(get)] { return FormatEdit(get()); });
 }

@@ -8,7 +8,8 @@
 namespace torvane {
 
 /// Ties an edit to a stored value: a changed text is committed on Enter or when the focus leaves,
-/// and the edit is then rewritten from what is stored. Escape takes the typing back.
+/// and the edit is then rewritten from what is stored. Escape takes the typing back. A shortcut of
+/// the program finds the text committed; undo and redo are the edit's own while it is not.
 class EditBinding : public QObject {
  public:
   using Commit = std::function<void(const std::string& text)>;
@@ -33,9 +34,17 @@ class EditBinding : public QObject {
   bool committing_ = false;  // a box shown by commit takes the focus, which would commit again
 };
 
+/// What to say of a number that is stored otherwise than typed; empty when there is nothing to say.
+using NumberNotice = std::function<std::string(double typed, double stored)>;
+
+/// "limited to 100", for a number that is stored as its limit; for one that is stored as its
+/// magnitude, that it is.
+std::string LimitNotice(double typed, double stored);
+
 /// A binding for a number: text that is none is reported and changes nothing; the stored number is
-/// shown with five significant digits.
+/// shown with five significant digits. Where it is not the one that was typed, the notice at the
+/// edit says why.
 EditBinding* BindNumber(QLineEdit& edit, std::function<void(double)> set,
-                        std::function<double()> get);
+                        std::function<double()> get, NumberNotice notice = LimitNotice);
 
 }  // namespace torvane
