@@ -72,7 +72,7 @@ TEST(ModelFiles, SetUpEveryCommand) {
   const Outcome scope = RunCli({"scope", file, "--until", "0.5"});
   EXPECT_EQ(Lines(scope.Out).front(), "Time,Command,Error,Control,Response");
   EXPECT_NE(RunCli({"constants", file}).Out.find("KP,,0.6,0,"), std::string::npos);
-  EXPECT_NE(RunCli({"constants", file}).Out.find("Value\n"), std::string::npos);
+  EXPECT_NE(RunCli({"constants", file}).Out.find(",Value,Description\n"), std::string::npos);
   EXPECT_EQ(RunCli({"signals", file}).Out, RunCli({"signals", "1"}).Out);
   EXPECT_EQ(RunCli({"speed", file, "--for", "0.05"}).Code, 0);
   EXPECT_EQ(Lines(RunCli({"bode", file, "--order", "6"}).Out).size(), 34U);

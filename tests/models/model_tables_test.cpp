@@ -103,6 +103,13 @@ Fields Actual(Loop& loop, bool withSetups) {
   return lines;
 }
 
+/// A text, and with it the unit.
+template <class Named>
+bool IsDescribed(const Named& named) {
+  const std::string unit = named.Unit().empty() ? "" : " (" + named.Unit() + ")";
+  return named.Description().size() > unit.size() && named.Description().ends_with(unit);
+}
+
 Fields InstrumentNames(Loop& loop, InstrumentKind kind) {
   Fields names;
   for (const Instrument* i : loop.Bench().Instruments(kind)) names.push_back(i->Name());
@@ -145,6 +152,11 @@ TEST_P(ModelTable, IsWhatTheModelRegisters) {
   for (const Variable* v : loop.Bench().Variables()) {
     // Pi is taken to eight digits.
     EXPECT_NEAR(v->Multiplier() / MultiplierOf(v->Unit()), 1.0, 2e-8) << v->Name();
+    EXPECT_TRUE(v->Internal() || IsDescribed(*v)) << v->Name();
+  }
+  EXPECT_TRUE(IsDescribed(*loop.Bench().TimeVar()));
+  for (const Constant* c : loop.Bench().Constants()) {
+    EXPECT_TRUE(IsDescribed(*c)) << c->Name();
   }
 }
 

@@ -26,6 +26,7 @@ void ListConstants(const std::string& modelName, Console& console) {
   ResultFile output("");
   std::vector<std::string> line{"Name", "Unit", "Default", "Lower", "Upper", "Choices"};
   if (withValues) line.emplace_back("Value");
+  line.emplace_back("Description");
   output.Write(CsvLine(line));
   for (const Constant* constant : model->Bench().Constants()) {
     line = {constant->Name(),
@@ -35,6 +36,7 @@ void ListConstants(const std::string& modelName, Console& console) {
             FormatShortest(constant->Upper()),
             JoinedChoices(*constant)};
     if (withValues) line.push_back(FormatShortest(constant->Value()));
+    line.push_back(constant->Description());
     output.Write(CsvLine(line));
   }
   output.Close();

@@ -11,9 +11,10 @@ namespace {
 void ListSignals(const std::string& modelName, Console& console) {
   const auto model = OpenModel(modelName, console);
   ResultFile output("");
-  output.Write(CsvLine({"Name", "Unit", "State"}));
+  output.Write(CsvLine({"Name", "Unit", "State", "Description"}));
   for (const Variable* signal : OfferedSignals(model->Bench())) {
-    output.Write(CsvLine({signal->Name(), signal->Unit(), signal->IsState() ? "1" : "0"}));
+    output.Write(CsvLine(
+        {signal->Name(), signal->Unit(), signal->IsState() ? "1" : "0", signal->Description()}));
   }
   output.Close();
 }
