@@ -108,6 +108,9 @@ void Constant::Store(double value) {
   changed_ = true;
   bench_.SetConstantsChanged(true);
   bench_.TellConstantChanged(name_);
+  // What an observer does may end another one's interest, or its own.
+  const std::vector<ConstantObserver*> observers = observers_;
+  for (ConstantObserver* observer : observers) observer->ConstantChanged(*this);
 }
 
 }  // namespace torvane

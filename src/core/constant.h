@@ -8,7 +8,19 @@
 
 namespace torvane {
 
+class Constant;
 class ZelBenchTop;
+
+/// The adjust buttons, downwards from the largest step and upwards to it. A dinky nudge is about
+/// 4 %, a nudge 20 %, the others 100 %.
+enum class ConstantStep { Down, NudgeDown, DinkyNudgeDown, DinkyNudgeUp, NudgeUp, Up };
+
+/// Somebody who wants to know when a constant has a new value, whoever gave it.
+class ConstantObserver {
+ public:
+  virtual ~ConstantObserver() = default;
+  virtual void ConstantChanged(const Constant& constant) = 0;
+};
 
 /// A named number of a model that the user may change while the model runs, within limits or from a
 /// list of choices. Registered with the bench at construction.
@@ -61,6 +73,21 @@ class Constant : public Undoable {
 
   void RestoreDefault() { Set(default_); }
 
+  /// One step up or down the number line, within the limits. Zero is left for a fixed share of the
+  /// limit ahead. A list steps by one choice, or with the largest step to its end.
+  void Step(ConstantStep step);
+  /// A list has no sign.
+  void ChangeSign();
+  /// Zero, or the limit nearest to it.
+  void SetToZero();
+  /// Whether there is a way on; a constant without any range offers the way down.
+  bool CanStepUp() const { return value_ != upper_; }
+  bool CanStepDown() const { return value_ != lower_ || !CanStepUp(); }
+
+  /// The observer is told of each change until Unobserve.
+  void Observe(ConstantObserver& observer) { observers_.push_back(&observer); }
+  void Unobserve(ConstantObserver& observer) { std::erase(observers_, &observer); }
+
   /// As shown to the user: five significant digits, or the choice's text.
   std::string DisplayText() const;
 
@@ -83,6 +110,7 @@ class Constant : public Undoable {
   double default_;
   double value_;
   std::vector<std::string> choices_;
+  std::vector<ConstantObserver*> observers_;
   bool changed_ = true;
 };
 

@@ -108,6 +108,65 @@ TEST_F(ConstantTest, TheHistoryNamesTheNewValue) {
   EXPECT_EQ(items.Undo, "Undo Feedback = Tach");
 }
 
+// Each way from 2, 0 and -2: down by 100, 20 and 4 per cent, up by 4, 20 and 100.
+TEST_F(ConstantTest, StepsAlongTheNumberLineWhateverTheSign) {
+  const struct {
+    double From;
+    double To[6];
+  } cases[] = {{2.0, {1.0, 1.7, 1.94, 2.08, 2.5, 5.0}},
+               {0.0, {-1.0, -0.1, -0.01, 0.1, 1.0, 10.0}},
+               {-2.0, {-5.0, -2.5, -2.08, -1.94, -1.7, -1.0}}};
+  for (const auto& [from, to] : cases) {
+    for (int step = 0; step < 6; ++step) {
+      gain.Set(from);
+      gain.Step(static_cast<ConstantStep>(step));
+      EXPECT_DOUBLE_EQ(gain.Value(), to[step]) << from << " by step " << step;
+    }
+  }
+  gain.Set(6.0);
+  gain.ChangeSign();
+  EXPECT_EQ(gain.Value(), -6.0);
+  gain.SetToZero();
+  EXPECT_EQ(gain.Value(), 0.0);
+  Constant frequency(bench, "F", "Hz", 5.0, 0.5, 6.0);
+  frequency.SetToZero();
+  EXPECT_EQ(frequency.Value(), 0.5);
+}
+
+TEST_F(ConstantTest, StepsEndAtTheLimitsAndLeaveNoTraceThere) {
+  gain.Set(60.0);
+  for (int press = 0; press < 3; ++press) gain.Step(ConstantStep::Up);
+  EXPECT_EQ(gain.Value(), 100.0);
+  EXPECT_FALSE(gain.CanStepUp());
+  EXPECT_TRUE(gain.CanStepDown());
+  EXPECT_EQ(Undos(), 2);
+  using S = ConstantStep;
+  const std::pair<S, int> walk[] = {{S::NudgeUp, 2},       {S::DinkyNudgeUp, 2}, {S::Down, 0},
+                                    {S::NudgeDown, 0},     {S::DinkyNudgeUp, 1}, {S::Up, 2},
+                                    {S::DinkyNudgeDown, 1}};
+  for (const auto& [step, choice] : walk) {
+    feedback.Step(step);
+    feedback.ChangeSign();
+    EXPECT_EQ(feedback.Choice(), choice);
+    EXPECT_EQ(feedback.CanStepUp(), choice < 2);
+    EXPECT_EQ(feedback.CanStepDown(), choice > 0);
+  }
+}
+
+TEST_F(ConstantTest, ObserversAreToldOfEveryChange) {
+  struct Observer : ConstantObserver {
+    void ConstantChanged(const Constant& constant) override { Seen.push_back(constant.Value()); }
+    std::vector<double> Seen;
+  } observer;
+  gain.Observe(observer);
+  gain.Set(3.0);
+  gain.Set(3.0);
+  bench.History().Undo();
+  gain.Unobserve(observer);
+  gain.Set(4.0);
+  EXPECT_EQ(observer.Seen, (std::vector<double>{3.0, 1.2}));
+}
+
 TEST_F(ConstantTest, ReadsAndWritesText) {
   EXPECT_TRUE(gain.SetFromText(" 0.1234567 "));
   EXPECT_EQ(gain.DisplayText(), "0.12346");
