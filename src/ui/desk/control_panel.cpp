@@ -17,6 +17,7 @@
 #include "ui/panes/model_views.h"
 #include "ui/session/file_commands.h"
 #include "ui/widgets/digits.h"
+#include "ui/widgets/held_gestures.h"
 #include "ui/widgets/wheel_guard.h"
 #include "ui_control_panel.h"
 
@@ -46,6 +47,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
   ui_->setupUi(this);
   setAcceptDrops(true);
   new WheelGuard(this);
+  new HeldGestures(this, [this] { return model_ ? &model_->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent);
   UseFixedDigits(*ui_->LTime);
   ConnectControls();

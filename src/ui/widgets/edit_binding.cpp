@@ -8,6 +8,7 @@
 #include "ui/widgets/digits.h"
 #include "ui/widgets/edit_shortcuts.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/typed_number.h"
 
 namespace torvane {
 
@@ -53,7 +54,8 @@ EditBinding* BindNumber(QLineEdit& edit, std::function<void(double)> set,
                         std::function<double()> get, NumberNotice notice) {
   const auto commit = [&edit, set = std::move(set), get,
                        notice = std::move(notice)](const std::string& text) {
-    const std::optional<double> typed = ToNumber(text);
+    const std::optional<double> suffixed = ParseNumber(WithoutSuffix(text));
+    const std::optional<double> typed = suffixed ? suffixed : ToNumber(text);
     if (!typed) return;
     set(*typed);
     const double stored = get();

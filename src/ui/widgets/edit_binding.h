@@ -41,9 +41,9 @@ using NumberNotice = std::function<std::string(double typed, double stored)>;
 /// magnitude, that it is.
 std::string LimitNotice(double typed, double stored);
 
-/// A binding for a number: text that is none is reported and changes nothing; the stored number is
-/// shown with five significant digits. Where it is not the one that was typed, the notice at the
-/// edit says why.
+/// A binding for a number, which may have an engineering suffix: text that is none is reported and
+/// changes nothing; the stored number is shown with five significant digits. Where it is not the
+/// one that was typed, the notice at the edit says why.
 EditBinding* BindNumber(QLineEdit& edit, std::function<void(double)> set,
                         std::function<double()> get, NumberNotice notice = LimitNotice);
 
