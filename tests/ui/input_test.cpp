@@ -40,12 +40,6 @@ TEST_F(InputTest, EveryKeyTypedOnASelectedValueIsPartOfTheNewValue) {
   QTest::keyClick(Focus(), Qt::Key_Return);
   EXPECT_TRUE(QTest::qWaitFor([this] { return Bench().ConstAt(1)->Value() == 1.45; }));
   EXPECT_EQ(Grid().currentRow(), 1);
-  for (const Qt::Key key : {Qt::Key_F2, Qt::Key_Return}) {
-    Grid().setFocus();
-    QTest::keyClick(&Grid(), key);
-    EXPECT_NE(Grid().findChild<QLineEdit*>(), nullptr) << key;
-    QTest::keyClick(Focus(), Qt::Key_Escape);
-  }
 }
 
 TEST_F(InputTest, AKeyOnAListConstantOpensItsChoices) {
@@ -53,7 +47,7 @@ TEST_F(InputTest, AKeyOnAListConstantOpensItsChoices) {
   const auto& constants = Bench().Constants();
   const auto list = std::find_if(constants.begin(), constants.end(),
                                  [](const Constant* constant) { return constant->IsList(); });
-  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_T}) {
+  for (const Qt::Key key : {Qt::Key_F2, Qt::Key_T}) {
     Grid().setFocus();
     Grid().setCurrentCell(static_cast<int>(list - constants.begin()), ConstantsGrid::ValueColumn);
     QTest::keyClick(&Grid(), key);
@@ -127,6 +121,8 @@ TEST_F(InputTest, AnEntryHeldToItsLimitSaysSo) {
   EXPECT_EQ(Notice(), "limited to 100");
   Type("EDutyCycle", "130");  // at the limit already
   EXPECT_EQ(Notice(), "limited to 100");
+  Type("EFreqHz", "2.5k");
+  EXPECT_EQ(Wave().FreqHz, 2500.0);
   Type("EFreqHz", "-5");
   EXPECT_EQ(Notice(), "stored without its sign");
   Type("EVertScale", "1e200");

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -10,11 +11,12 @@
 #include <algorithm>
 
 #include "core/constant.h"
+#include "core/messages.h"
 #include "core/text.h"
+#include "ui/panes/adjust_dialog.h"
+#include "ui/widgets/constant_entry.h"
 #include "ui/widgets/digits.h"
-#include "ui/widgets/edit_binding.h"
 #include "ui/widgets/edit_shortcuts.h"
-#include "ui/widgets/notice.h"
 
 namespace torvane {
 
@@ -113,9 +115,40 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   connect(&table, &QTableWidget::currentCellChanged, this, [this](int row, int column) {
     if (row >= 0 && column != ValueColumn) table_.setCurrentCell(row, ValueColumn);
   });
-  // Enter, and a double click beside the value.
-  connect(&table, &QTableWidget::cellActivated, this,
-          [this](int row, int) { table_.editItem(table_.item(row, ValueColumn)); });
+  connect(&table, &QTableWidget::cellDoubleClicked, this, &ConstantsGrid::Adjust);
+  table.installEventFilter(this);
+}
+
+ConstantsGrid::~ConstantsGrid() = default;
+
+bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && table_.currentRow() >= 0) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+      Adjust(table_.currentRow());
+      return true;
+    }
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+void ConstantsGrid::Adjust(int row) try {
+  const auto index = static_cast<std::size_t>(row);
+  dialogs_.resize(bench_.Constants().size());
+  std::unique_ptr<TZelAdjustF>& dialog = dialogs_[index];
+  if (!dialog) {
+    dialog = std::make_unique<TZelAdjustF>(*bench_.Constants()[index], table_.window());
+  }
+  const QRect cell = table_.visualItemRect(table_.item(row, NameColumn));
+  dialog->OpenBeside({table_.viewport()->mapToGlobal(cell.topLeft()), cell.size()});
+} catch (const std::exception&) {
+  Error("Fault in TZelScopeF :: SGConstsDblClick - could not create form");
+}
+
+void ConstantsGrid::HideDialogs() {
+  for (const auto& dialog : dialogs_) {
+    if (dialog) dialog->hide();
+  }
 }
 
 void ConstantsGrid::Fill() {
@@ -172,12 +205,8 @@ void ConstantsGrid::CommitCell(int row, int column) {
   const std::string text = table_.item(row, column)->text().toStdString();
   // Unchanged text is no edit: it may show fewer digits than the constant has.
   if (text != constant.DisplayText()) {
-    constant.SetFromText(text);
-    const std::optional<double> typed = constant.IsList() ? std::nullopt : ParseNumber(text);
-    if (typed && *typed != constant.Value()) {
-      ShowNotice(*table_.viewport(), table_.visualItemRect(table_.item(row, column)),
-                 QString::fromStdString(LimitNotice(*typed, constant.Value())));
-    }
+    EnterConstant(constant, text, *table_.viewport(),
+                  table_.visualItemRect(table_.item(row, column)));
   }
   ShowValue(row);
 }

@@ -2,33 +2,45 @@
 
 #include <QObject>
 #include <QTableWidget>
+#include <memory>
+#include <vector>
 
 #include "core/bench.h"
 
 namespace torvane {
 
+class TZelAdjustF;
+
 /// Lets a table show and edit a model's constants: one row a constant with its name, value and
 /// unit, in the order of registration. An edited value goes to the constant, which limits or
-/// refuses it; the cell then shows what the constant has.
+/// refuses it; the cell then shows what the constant has. A double click or Enter opens the
+/// constant's own window, one a constant.
 class ConstantsGrid : public QObject {
  public:
   /// The grid belongs to the table; the bench must outlive it.
   ConstantsGrid(QTableWidget& table, ZelBenchTop& bench);
+  ~ConstantsGrid() override;
 
   static constexpr int NameColumn = 0;
   static constexpr int ValueColumn = 1;
   static constexpr int UnitColumn = 2;
 
   void ShowConstant(const std::string& name);
+  void HideDialogs();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void Fill();
   void ShowValue(int row);
   void CommitCell(int row, int column);
+  void Adjust(int row);
 
   QTableWidget& table_;
   ZelBenchTop& bench_;
-  bool showing_ = false;  // cells are being written from the constants
+  std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
+  bool showing_ = false;                               // cells are being written from the constants
 };
 
 }  // namespace torvane

@@ -10,6 +10,7 @@
 #include "core/messages.h"
 #include "core/scale_steps.h"
 #include "plot/scope_colours.h"
+#include "ui/panes/add_dialog.h"
 #include "ui/panes/constants_grid.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
@@ -72,6 +73,10 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   ui_->Splitter1->setSizes({3 * ConstantsWidth, ConstantsWidth});
   FillChannelLists();
   ConnectVertical();
+  for (QAbstractButton* button : {ui_->BVertAdd, ui_->BVertRemove}) {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, &bench] { ChooseChannels(bench.History()); });
+  }
   ConnectHorizontal();
   ConnectTrigger();
   SettingsChanged();
@@ -263,6 +268,25 @@ void TZelScopeF::SetShown(bool shown) {
   ui_->PBScreen->Refresh();
 }
 
+// Whatever is chosen is one change.
+void TZelScopeF::ChooseChannels(ZelUndo& history) try {
+  std::vector<ShownItem> items;
+  for (const auto& channel : scope_.Channels()) {
+    items.push_back({channel->Name(), channel->Displayed,
+                     [this, &channel](bool show) { scope_.SetDisplayed(*channel, show); }});
+  }
+  TZelAddDialogF dialog(std::move(items), this);
+  connect(&dialog, &QDialog::accepted, this, [&] {
+    history.BeginGesture();
+    dialog.Apply();
+    history.EndGesture();
+    SettingsChanged();
+  });
+  dialog.exec();
+} catch (const std::exception&) {
+  Error("Fault in TZelScopeF :: BVertAddClick");
+}
+
 ZelChannel& TZelScopeF::VerticalChannel() const {
   return *scope_.Channels()[static_cast<std::size_t>(ui_->CmBVertChan->currentData().toInt())];
 }
@@ -312,6 +336,11 @@ void TZelScopeF::ConstantChanged(const std::string& name) {
 void TZelScopeF::closeEvent(QCloseEvent* event) {
   event->ignore();
   Note("Scope cannot be closed.");
+}
+
+void TZelScopeF::hideEvent(QHideEvent* event) {
+  InstrumentPane::hideEvent(event);
+  if (!event->spontaneous()) constants_->HideDialogs();
 }
 
 void TZelScopeF::showEvent(QShowEvent* event) {

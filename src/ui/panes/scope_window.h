@@ -35,6 +35,7 @@ class TZelScopeF : public InstrumentPane {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
@@ -49,6 +50,7 @@ class TZelScopeF : public InstrumentPane {
   void ShowTrigger();
   void ShowLamp();
   void SetShown(bool shown);
+  void ChooseChannels(ZelUndo& history);
   void SetVertical(double scale, double offset);
   void SetHorizontal(double scale, double offset);
   ZelChannel& VerticalChannel() const;

@@ -1,0 +1,132 @@
+#include "ui/panes/adjust_dialog.h"
+
+#include <QScreen>
+#include <QSignalBlocker>
+#include <algorithm>
+#include <array>
+
+#include "core/text.h"
+#include "ui/widgets/constant_entry.h"
+#include "ui/widgets/edit_binding.h"
+#include "ui/widgets/slider_scale.h"
+#include "ui_adjust.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int Gap = 12;  // between the window and what it stands beside, pixels
+
+}  // namespace
+
+TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
+    : QDialog(parent, Qt::Tool), constant_(constant), ui_(std::make_unique<Ui::TZelAdjustF>()) {
+  ui_->setupUi(this);
+  const QString name = QString::fromStdString(constant.Name());
+  setWindowTitle(name);
+  ui_->LDescription->setText(QString::fromStdString(constant.Description()));
+  ui_->LDescription->setVisible(!constant.Description().empty());
+  ui_->EValue->setAccessibleName(QStringLiteral("Value of ") + name);
+  ui_->LUnits->setText(QString::fromStdString(constant.Unit()));
+  ui_->LUnits->installEventFilter(this);
+  ui_->BChgSign->setVisible(!constant.IsList());
+  const auto limit = [&](std::size_t choice, double number) {
+    return QString::fromStdString(constant.IsList() ? constant.Choices()[choice]
+                                                    : FormatEdit(number));
+  };
+  ui_->LLower->setText(limit(0, constant.Lower()));
+  ui_->LUpper->setText(limit(constant.Choices().size() - 1, constant.Upper()));
+  if (constant.IsList()) ui_->SLValue->setMaximum(static_cast<int>(constant.Upper()));
+  value_ = new EditBinding(
+      *ui_->EValue,
+      [this](const std::string& text) {
+        EnterConstant(constant_, text, *ui_->EValue, ui_->EValue->rect());
+      },
+      [this] { return constant_.DisplayText(); });
+  const int eight = ui_->EValue->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000"));
+  ui_->EValue->setFixedWidth(eight + 2 * ui_->EValue->fontMetrics().averageCharWidth() + Gap);
+  ConnectButtons();
+  constant_.Observe(*this);
+  ShowValue();
+}
+
+TZelAdjustF::~TZelAdjustF() {
+  constant_.Unobserve(*this);
+}
+
+void TZelAdjustF::ConnectButtons() {
+  const std::array steps = {std::pair{ui_->BBDown, ConstantStep::Down},
+                            std::pair{ui_->BBNudgeDown, ConstantStep::NudgeDown},
+                            std::pair{ui_->BBDinkyNudgeDown, ConstantStep::DinkyNudgeDown},
+                            std::pair{ui_->BBDinkyNudgeUp, ConstantStep::DinkyNudgeUp},
+                            std::pair{ui_->BBNudgeUp, ConstantStep::NudgeUp},
+                            std::pair{ui_->BBUp, ConstantStep::Up}};
+  for (const auto& [button, step] : steps) {
+    connect(button, &QAbstractButton::clicked, this, [this, step = step] { constant_.Step(step); });
+  }
+  connect(ui_->BChgSign, &QAbstractButton::clicked, this, [this] { constant_.ChangeSign(); });
+  connect(ui_->SLValue, &QSlider::valueChanged, this, [this](int position) {
+    const double fraction = static_cast<double>(position) / ui_->SLValue->maximum();
+    constant_.Set(constant_.IsList() ? position : ValueAt(constant_, fraction));
+  });
+  connect(ui_->BBOK, &QAbstractButton::clicked, this, &QDialog::accept);
+  connect(ui_->BBCancel, &QAbstractButton::clicked, this, &QDialog::reject);
+}
+
+void TZelAdjustF::OpenBeside(const QRect& area) {
+  if (!isVisible()) {
+    opened_ = constant_.FileText();
+    value_->Show();
+  }
+  adjustSize();
+  const QRect room = screen()->availableGeometry();
+  QPoint place = placed_ ? pos() : QPoint(area.left() - width() - Gap, area.top());
+  place.setX(std::max(room.left(), std::min(place.x(), room.right() - frameGeometry().width())));
+  place.setY(std::max(room.top(), std::min(place.y(), room.bottom() - frameGeometry().height())));
+  placed_ = true;
+  move(place);
+  show();
+  raise();
+  activateWindow();
+  ui_->EValue->setFocus();
+  ui_->EValue->selectAll();
+}
+
+// Hiding takes the focus away, which commits what is typed.
+void TZelAdjustF::accept() {
+  hide();
+}
+
+void TZelAdjustF::reject() {
+  value_->Show();
+  constant_.SetFromText(opened_);
+  hide();
+}
+
+bool TZelAdjustF::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == ui_->LUnits && event->type() == QEvent::MouseButtonDblClick) {
+    constant_.SetToZero();
+    return true;
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+void TZelAdjustF::ConstantChanged(const Constant& /*constant*/) {
+  ShowValue();
+}
+
+void TZelAdjustF::ShowValue() {
+  value_->Show();
+  for (QWidget* up : {ui_->BBUp, ui_->BBNudgeUp, ui_->BBDinkyNudgeUp}) {
+    up->setEnabled(constant_.CanStepUp());
+  }
+  for (QWidget* down : {ui_->BBDown, ui_->BBNudgeDown, ui_->BBDinkyNudgeDown}) {
+    down->setEnabled(constant_.CanStepDown());
+  }
+  const QSignalBlocker blocker(ui_->SLValue);
+  const double fraction = FractionOf(constant_);
+  ui_->SLValue->setValue(constant_.IsList() ? constant_.Choice()
+                                            : qRound(fraction * ui_->SLValue->maximum()));
+}
+
+}  // namespace torvane

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+#include <string>
+
+#include "core/constant.h"
+
+namespace torvane {
+
+class EditBinding;
+
+namespace Ui {
+class TZelAdjustF;
+}
+
+/// A small window above the main one that edits one constant while the model runs: by typing, by
+/// steps up and down, or by a slider. Every change counts at once; Cancel takes them back.
+class TZelAdjustF : public QDialog, private ConstantObserver {
+  Q_OBJECT
+
+ public:
+  /// The constant must outlive the window.
+  TZelAdjustF(Constant& constant, QWidget* parent);
+  ~TZelAdjustF() override;
+
+  /// Opens it beside an area of the display (its first time) or where it was left, but always on
+  /// the display. The value of this moment is the one that Cancel returns to.
+  void OpenBeside(const QRect& area);
+
+ public slots:
+  void accept() override;
+  /// The window's frame and Escape come here too.
+  void reject() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void ConnectButtons();
+  void ConstantChanged(const Constant& constant) override;
+  void ShowValue();
+
+  Constant& constant_;
+  std::unique_ptr<Ui::TZelAdjustF> ui_;
+  EditBinding* value_;
+  std::string opened_;  // the value of the opening, with all of its digits
+  bool placed_ = false;
+};
+
+}  // namespace torvane
