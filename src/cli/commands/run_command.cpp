@@ -12,6 +12,9 @@
 namespace torvane::cli {
 namespace {
 
+// How near to an instant, as a share of a step, the time counts as there.
+constexpr double StepShare = 1e-6;
+
 struct RunOptions {
   ModelOptions Model;
   double Until = 0.0;
@@ -70,9 +73,11 @@ void Run(const RunOptions& options, Console& console) {
   LongRun run(*model, console, options.Until,
               Console::CanShowProgress(recording.File().IsStandardOutput()));
   recording.WriteRow();
-  while (run.Time() < options.Until) {
-    const double due = NextRowTime(run.Time(), options.Every);
-    run.StepTo(std::min(due, options.Until));
+  const double tolerance = StepShare * model->Solver().Step();
+  const double end = options.Until - tolerance;
+  while (run.Time() < end) {
+    const double due = NextRowTime(run.Time(), options.Every, tolerance);
+    run.StepTo(std::min(due, end));
     if (run.Time() >= due) recording.WriteRow();
   }
   recording.File().Close();
