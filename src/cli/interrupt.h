@@ -4,8 +4,9 @@
 
 namespace torvane::cli {
 
-/// For as long as it lives, an interrupt (Ctrl-C) or a request to terminate is only noted, so that
-/// the run in progress can end cleanly. A second one ends the program at once.
+/// For as long as it lives, an interrupt (Ctrl-C), a request to terminate or the end of the
+/// terminal is only noted, so that the run in progress can end cleanly. A second interrupt or
+/// request ends the program at once.
 class InterruptGuard {
  public:
   InterruptGuard();
@@ -18,6 +19,7 @@ class InterruptGuard {
  private:
   struct sigaction oldInterrupt_;
   struct sigaction oldTerminate_;
+  struct sigaction oldHangUp_;
 };
 
 }  // namespace torvane::cli

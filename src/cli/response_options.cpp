@@ -5,6 +5,7 @@
 #include "cli/command_error.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
+#include "cli/result_file.h"
 
 namespace torvane::cli {
 
@@ -38,6 +39,7 @@ void CheckChannels(const ResponseOptions& options) {
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options) {
   CheckPictureFile(options.Picture);
+  CheckOutputs(options.Out, options.Picture);
   const auto& analysers = bench.Instruments(kind);
   if (analysers.empty()) throw UsageError("the model has no such analyser");
   auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());

@@ -1,60 +1,98 @@
 #include "cli/result_file.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "cli/command_error.h"
+#include "core/files/atomic_save.h"
 
 namespace torvane::cli {
 namespace {
 
 constexpr std::size_t PieceSize = 65536;
 constexpr std::chrono::milliseconds LongestDelay(500);
+constexpr mode_t NewFileMode = 0666;  // less what the user's mask takes away
 
-std::string Reason() {
-  return std::generic_category().message(errno);
+int OpenStream(const std::string& path, bool streamed) {
+  if (!streamed) return -1;
+  if (path.empty()) return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, NewFileMode);
+}
+
+// Whether or not there are such files yet.
+bool SameFile(const std::string& a, const std::string& b) {
+  std::error_code failure;
+  if (std::filesystem::equivalent(a, b, failure)) return true;
+  const auto place = [&](const std::string& path) {
+    const auto target = std::filesystem::absolute(FollowLinks(path).value_or(path), failure);
+    return std::filesystem::weakly_canonical(target.parent_path(), failure) / target.filename();
+  };
+  return place(a) == place(b);
+}
+
+void CheckWritable(const std::string& path) {
+  const std::string fault = path.empty() ? "" : WhyNotWritable(path);
+  if (!fault.empty()) throw FileError(fault);
 }
 
 }  // namespace
 
-ResultFile::ResultFile(const std::string& path)
-    : name_(path.empty() ? "standard output" : "\"" + path + "\""),
-      file_(path.empty() ? stdout : std::fopen(path.c_str(), "wb")),
+ResultFile::ResultFile(const std::string& path, Delivery delivery)
+    : path_(path),
+      streamed_(delivery == Delivery::Streamed || path.empty()),
+      file_(OpenStream(path, streamed_)),
       passedOn_(std::chrono::steady_clock::now()) {
-  if (!file_) throw FileError("cannot write " + name_ + ": " + Reason());
+  if (!streamed_) {
+    CheckWritable(path);
+  } else if (!file_.IsOpen()) {
+    Fail("Cannot open ");
+  }
 }
 
 ResultFile::~ResultFile() {
-  if (!file_) return;
-  PassOn();
-  if (!IsStandardOutput()) std::fclose(file_);
+  if (file_.IsOpen()) PassOn();
 }
 
 void ResultFile::Write(std::string_view lines) {
   pending_ += lines;
+  if (!streamed_) return;
   if (pending_.size() < PieceSize && std::chrono::steady_clock::now() - passedOn_ < LongestDelay) {
     return;
   }
-  if (!PassOn()) Fail();
+  if (!PassOn()) Fail("Cannot write ");
 }
 
 void ResultFile::Close() {
-  if (!PassOn()) Fail();
-  std::FILE* const file = file_;
-  file_ = nullptr;
-  if (file != stdout && std::fclose(file) != 0) Fail();
+  if (!streamed_) {
+    const std::string fault = ReplaceFile(path_, pending_, Readerless::Wait);
+    if (!fault.empty()) throw FileError(fault);
+  } else if (!PassOn() || !file_.Close()) {
+    Fail("Cannot write ");
+  }
 }
 
 bool ResultFile::PassOn() {
   const std::string piece = std::move(pending_);
   pending_.clear();
   passedOn_ = std::chrono::steady_clock::now();
-  return std::fwrite(piece.data(), 1, piece.size(), file_) == piece.size() &&
-         std::fflush(file_) == 0;
+  return file_.Write(piece);
 }
 
-void ResultFile::Fail() const {
-  throw FileError("cannot write " + name_ + ": " + Reason());
+void ResultFile::Fail(const char* what) const {
+  throw FileError(what + (path_.empty() ? "standard output" : path_) + ": " +
+                  std::generic_category().message(errno));
+}
+
+void CheckOutputs(const std::string& out, const std::string& picture) {
+  if (!out.empty() && !picture.empty() && SameFile(out, picture)) {
+    throw UsageError("--out and --picture name one file, \"" + picture + "\"");
+  }
+  CheckWritable(out);
+  CheckWritable(picture);
 }
 
 }  // namespace torvane::cli

@@ -1,16 +1,17 @@
 #include "plot/picture_export.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QSvgGenerator>
 #include <functional>
 #include <optional>
 
+#include "core/files/atomic_save.h"
 #include "plot/response_painter.h"
 #include "plot/scope_painter.h"
 
@@ -110,16 +111,15 @@ bool Export(const Subject& subject, const std::string& file, std::string& error)
     error = "A picture's name must end in .png, .svg or .pdf: " + file;
     return false;
   }
-  QSaveFile out(name);
-  if (!out.open(QIODevice::WriteOnly)) {
-    error = "Cannot open " + file + ": " + out.errorString().toStdString();
+  QBuffer picture;
+  if (!picture.open(QIODevice::WriteOnly) || !write(picture, subject)) {
+    error = "Cannot draw " + file;
     return false;
   }
-  if (!write(out, subject) || !out.commit()) {
-    error = "Cannot write " + file + ": " + out.errorString().toStdString();
-    return false;
-  }
-  return true;
+  const QByteArray& bytes = picture.data();
+  error = ReplaceFile(file, {bytes.constData(), static_cast<std::size_t>(bytes.size())},
+                      Readerless::Wait);
+  return error.empty();
 }
 
 }  // namespace

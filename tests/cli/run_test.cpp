@@ -159,13 +159,13 @@ TEST(Run, FilesThatCannotBeWrittenAreReported) {
   };
   const Outcome noFolder = withOut("/nowhere/rows.csv");
   EXPECT_EQ(noFolder.Code, 3);
-  EXPECT_EQ(noFolder.Err, "Error: cannot write \"/nowhere/rows.csv\": No such file or directory\n");
+  EXPECT_EQ(noFolder.Err, "Error: Cannot open /nowhere/rows.csv: No such file or directory\n");
   const Outcome full = withOut("/dev/full");
   EXPECT_EQ(full.Code, 3);
-  EXPECT_EQ(full.Err, "Error: cannot write \"/dev/full\": No space left on device\n");
+  EXPECT_EQ(full.Err, "Error: Cannot write /dev/full: No space left on device\n");
   const Outcome fullOutput = RunCli(arguments, "/dev/full");
   EXPECT_EQ(fullOutput.Code, 3);
-  EXPECT_EQ(fullOutput.Err, "Error: cannot write standard output: No space left on device\n");
+  EXPECT_EQ(fullOutput.Err, "Error: Cannot write standard output: No space left on device\n");
   EXPECT_EQ(RunCli({"models"}, "/dev/full").Code, 3);
   EXPECT_EQ(RunCli({"--help"}, "/dev/full").Code, 3);
 }
@@ -181,21 +181,23 @@ bool WaitForContent(const std::string& path) {
 }
 
 TEST(Run, AnInterruptEndsItWithTheRowsSoFarWhole) {
-  const std::string path = TemporaryPath("interrupted.csv");
-  CliProcess process({"run", "1", "--until", "1e6", "--every", "0.001", "--out", path});
-  ASSERT_TRUE(WaitForContent(path));
-  process.Signal(SIGINT);
-  const Outcome outcome = process.Wait();
-  EXPECT_EQ(outcome.Code, 1);
-  EXPECT_TRUE(outcome.Err.starts_with("Error: interrupted at ")) << outcome.Err;
-  const std::string text = ReadWholeFile(path);
-  EXPECT_TRUE(text.ends_with("\n"));
-  const Table table = ParseTable(text);
-  ASSERT_GT(table.Rows(), 1U);
-  // Nothing that was recorded before the interrupt is missing: the last row is the last multiple.
-  const double stopped =
-      std::stod(outcome.Err.substr(std::string("Error: interrupted at ").size()));
-  EXPECT_LT(stopped - table.Columns[0].back(), 0.001 + 1e-5);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const std::string path = TemporaryPath("interrupted" + std::to_string(signal));
+    CliProcess process({"run", "1", "--until", "1e6", "--every", "0.001", "--out", path});
+    ASSERT_TRUE(WaitForContent(path));
+    process.Signal(signal);
+    const Outcome outcome = process.Wait();
+    EXPECT_EQ(outcome.Code, 1);
+    EXPECT_TRUE(outcome.Err.starts_with("Error: interrupted at ")) << outcome.Err;
+    const std::string text = ReadWholeFile(path);
+    EXPECT_TRUE(text.ends_with("\n"));
+    const Table table = ParseTable(text);
+    ASSERT_GT(table.Rows(), 1U);
+    // Nothing that was recorded before the interrupt is missing: the last row is the last multiple.
+    const double stopped =
+        std::stod(outcome.Err.substr(std::string("Error: interrupted at ").size()));
+    EXPECT_LT(stopped - table.Columns[0].back(), 0.001 + 1e-5);
+  }
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "core/files/atomic_save.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -90,7 +92,8 @@ TEST_F(AtomicSave, FollowsSymbolicLinks) {
   EXPECT_EQ(Content(folder_ / "not-yet.tvf"), "made");
   fs::create_symlink("round", folder_ / "round");
   EXPECT_FALSE(SaveAtomically(folder_ / "round", "new"));
-  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + (folder_ / "round").string()});
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + (folder_ / "round").string() +
+                                       ": Too many levels of symbolic links"});
 }
 
 // Whatever the number of bytes that still fit on the disk.
@@ -133,7 +136,8 @@ TEST_F(AtomicSave, WithoutRightsTheOldFileStays) {
   ExpectOldFileWhole();
   // Not even root creates files here.
   EXPECT_FALSE(SaveAtomically("/proc/a.tvf", "new"));
-  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open /proc/a.tvf"});
+  EXPECT_EQ(messages_.Take(),
+            Messages{"Error: Cannot open /proc/a.tvf: No such file or directory"});
 }
 
 TEST_F(AtomicSave, AFolderIsNoFileAndAVanishedOneHoldsNone) {
@@ -141,11 +145,28 @@ TEST_F(AtomicSave, AFolderIsNoFileAndAVanishedOneHoldsNone) {
   EXPECT_FALSE(SaveAtomically(folder_ / "gone" / "a.tvf", "new"));
   EXPECT_FALSE(SaveAtomically(path_ / "a.tvf", "new"));
   EXPECT_FALSE(SaveAtomically("", "new"));
+  const auto refused = [](const fs::path& path, const char* reason) {
+    return "Error: Cannot open " + path.string() + ": " + reason;
+  };
   EXPECT_EQ(messages_.Take(),
-            (Messages{"Error: Cannot open " + folder_.string(),
-                      "Error: Cannot open " + (folder_ / "gone" / "a.tvf").string(),
-                      "Error: Cannot open " + (path_ / "a.tvf").string(), "Error: Cannot open "}));
+            (Messages{refused(folder_, "Is a directory"),
+                      refused(folder_ / "gone" / "a.tvf", "No such file or directory"),
+                      refused(path_ / "a.tvf", "Not a directory"),
+                      refused("", "No such file or directory")}));
   ExpectOldFileWhole();
+}
+
+// Only what looks like a temporary file that nobody writes any more is removed.
+TEST_F(AtomicSave, RemovesWhatDeadWritersLeft) {
+  for (const char* name : {".torvane-1-0", ".torvane-1-1", ".torvane-x", ".torvane-1"}) {
+    std::ofstream(folder_ / name) << "part";
+  }
+  const int held = open((folder_ / ".torvane-1-1").c_str(), O_WRONLY);
+  ASSERT_EQ(flock(held, LOCK_EX), 0);
+  EXPECT_TRUE(SaveAtomically(path_, "new"));
+  EXPECT_FALSE(fs::exists(folder_ / ".torvane-1-0"));
+  EXPECT_EQ(FileCount(), 4U);
+  close(held);
 }
 
 }  // namespace

@@ -76,7 +76,8 @@ TEST_F(ModelFile, SavingClearsTheChangedStateAndAFailureDoesNot) {
   Bench().FindConst("KP")->Set(1.0);
   EXPECT_FALSE(SaveModelFile(*host_.Model, Path("no/such/folder.tvf")));
   EXPECT_TRUE(Bench().ConstantsChanged());
-  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + Path("no/such/folder.tvf")});
+  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + Path("no/such/folder.tvf") +
+                                       ": No such file or directory"});
   EXPECT_TRUE(SaveModelFile(*host_.Model, Path("saved.tvf")));
   EXPECT_FALSE(Bench().ConstantsChanged());
   EXPECT_TRUE(LoadModelFile(Path("saved.tvf"), host_));

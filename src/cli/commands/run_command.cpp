@@ -42,7 +42,9 @@ std::vector<Variable*> RecordedSignals(const ZelBenchTop& bench, const std::stri
 class Recording {
  public:
   Recording(const ZelBenchTop& bench, const RunOptions& options)
-      : bench_(bench), signals_(RecordedSignals(bench, options.Record)), file_(options.Out) {
+      : bench_(bench),
+        signals_(RecordedSignals(bench, options.Record)),
+        file_(options.Out, Delivery::Streamed) {
     std::vector<std::string> header{"Time"};
     for (const Variable* signal : signals_) header.push_back(signal->Name());
     row_.resize(header.size());

@@ -68,6 +68,7 @@ void WriteScreen(const ZelScope& scope, const ScopeScreen& screen, ResultFile& f
 
 void ShowScope(const ScopeOptions& options, Console& console) {
   CheckPictureFile(options.Picture);
+  CheckOutputs(options.Out, options.Picture);
   const auto model = OpenModel(options.Model, console);
   ZelScope& scope = FirstScope(model->Bench());
   model->Bench().StartScopes();

@@ -1,17 +1,33 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace torvane {
 
+/// What to do with a pipe that nobody has opened for reading.
+enum class Readerless { Refuse, Wait };
+
 /// Makes the bytes the content of the file. They are written beside it under a temporary name,
 /// flushed to the disk and renamed over it, so that whatever goes wrong on the way leaves the old
-/// file as it was; a failure is reported and gives false.
+/// file as it was. The result is empty, or says what went wrong: "Cannot open FILE: reason" or
+/// "Cannot write FILE: reason".
 ///
 /// The file keeps its permissions, and its owner where that is possible. A symbolic link stays and
 /// the file that it leads to is replaced. A file that the user may not write is refused. What is no
 /// plain file (a device, a pipe) is written in place.
+std::string ReplaceFile(const std::string& path, std::string_view bytes,
+                        Readerless pipes = Readerless::Refuse);
+
+/// ReplaceFile that reports a failure and gives false.
 bool SaveAtomically(const std::string& path, std::string_view bytes);
+
+/// Why ReplaceFile could not open the file at present; empty when it could. Changes nothing.
+std::string WhyNotWritable(const std::string& path);
+
+/// What the symbolic links at the path lead to, whether or not there is a file; nothing for links
+/// that go round.
+std::optional<std::string> FollowLinks(std::string path);
 
 }  // namespace torvane
