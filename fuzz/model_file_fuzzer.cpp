@@ -1,34 +1,17 @@
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <string_view>
+#include <algorithm>
 
-#include "core/messages.h"
-#include "models/model_file_host.h"
+#include "fuzzing.h"
 #include "support/model_limits.h"
+#include "support/pooled_host.h"
 
 // Feeds the reader of model files. Whatever a file says, the model that it leaves has settings
-// within their limits, runs, and saves a file that loads again and gives the same one.
+// within their limits, runs, and saves a file that loads again without a report and gives the same
+// one.
 
 namespace {
 
 using namespace torvane;
-
-/// Drops reports and agrees to everything.
-class SilentSink final : public MessageSink {
- public:
-  void Show(MessageKind /*kind*/, const std::string& /*text*/) override {}
-  bool Ask(MessageKind /*kind*/, const std::string& /*text*/) override { return true; }
-  void EndApplication() override { std::abort(); }
-};
-
-void Require(bool good, const std::string& what) {
-  if (good) return;
-  std::fprintf(stderr, "%s\n", what.c_str());
-  std::abort();
-}
+using fuzz::Require;
 
 // A diverging loop ends in an exception, as on the desktop.
 void RunShortly(ZelModel& model) {
@@ -43,24 +26,29 @@ void RunShortly(ZelModel& model) {
 }
 
 void CheckSaving(const ZelModel& model) {
+  static test::PooledHost again;
   const std::string saved = ModelFileText(model);
-  CatalogueHost again;
-  Require(LoadModelText(saved, again), "the saved file does not load:\n" + saved);
-  const std::string second = ModelFileText(*again.Model);
+  again.Clear();
+  const int before = fuzz::Sink().Reports;
+  Require(static_cast<bool>(LoadModelText(saved, again)),
+          "the saved file does not load:\n" + saved);
+  Require(fuzz::Sink().Reports == before, "the saved file is reported about:\n" + saved);
+  const std::string second = ModelFileText(*again.CurrentModel());
   Require(second == saved, "saved:\n" + saved + "\nand again:\n" + second);
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static SilentSink sink;
-  InstallMessageSink(&sink);
-  CatalogueHost host;
-  LoadModelText({reinterpret_cast<const char*>(data), size}, host);
-  if (!host.Model) return 0;
-  const std::string found = test::LimitCheck::Run(*host.Model);
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  static test::PooledHost host;
+  InstallMessageSink(&fuzz::Sink());
+  host.Clear();
+  LoadModelText(fuzz::AsText(data, size), host);
+  ZelModel* const model = host.CurrentModel();
+  if (!model) return 0;
+  const std::string found = test::LimitCheck::Run(*model);
   Require(found.empty(), found);
-  CheckSaving(*host.Model);
-  RunShortly(*host.Model);
+  CheckSaving(*model);
+  RunShortly(*model);
   return 0;
 }

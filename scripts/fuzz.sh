@@ -1,18 +1,23 @@
 #!/usr/bin/env bash
-# Builds the fuzz target of the model file reader, replays its seeds and fuzzes for SECONDS (60).
-# What it learns is kept in build/fuzz/corpus, an input that fails in build/fuzz/failures.
-#   scripts/fuzz.sh [SECONDS]
+# Builds a fuzz target (model_file, command_line), replays its seeds and fuzzes for SECONDS
+# (60). What it learns is kept in build/fuzz/corpus, an input that fails in build/fuzz/failures.
+#   scripts/fuzz.sh TARGET [SECONDS]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-seconds=${1:-60}
+target=${1:?model_file or command_line}
+seconds=${2:-60}
 folder=${TORVANE_FUZZ_BUILD:-build/fuzz}
+corpus=$folder/corpus/$target
 
 cmake --preset fuzz -B "$folder" >/dev/null
-cmake --build "$folder" --target model_file_fuzzer
-mkdir -p "$folder/corpus" "$folder/failures"
-limits=(-timeout=10 -rss_limit_mb=1024 -max_len=16384 "-artifact_prefix=$folder/failures/")
+cmake --build "$folder" --target "${target}_fuzzer"
+mkdir -p "$corpus" "$folder/failures"
+# What the target prints is no news; the sanitizers' reports go to standard error.
+options=(-timeout=10 -rss_limit_mb=1024 -max_len=16384 -close_fd_mask=1
+  "-artifact_prefix=$folder/failures/$target-")
+[[ ! -f fuzz/$target.dict ]] || options+=("-dict=fuzz/$target.dict")
 
-"$folder/bin/model_file_fuzzer" "${limits[@]}" -runs=0 fuzz/seeds
-"$folder/bin/model_file_fuzzer" "${limits[@]}" -dict=fuzz/model_file.dict \
-  -max_total_time="$seconds" -print_final_stats=1 "$folder/corpus" fuzz/seeds
+"$folder/bin/${target}_fuzzer" "${options[@]}" -runs=0 "fuzz/seeds/$target"
+"$folder/bin/${target}_fuzzer" "${options[@]}" -max_total_time="$seconds" -print_final_stats=1 \
+  "$corpus" "fuzz/seeds/$target"

@@ -7,6 +7,7 @@
 #include "models/catalogue.h"
 #include "models/model_file_host.h"
 #include "support/model_limits.h"
+#include "support/pooled_host.h"
 #include "support/recorder.h"
 
 // Files that are not as they should be: what is reported, and that no setting leaves its limits.
@@ -59,9 +60,9 @@ bool Matches(const std::string& report, const std::string& expected) {
   return report.starts_with(expected.substr(0, expected.size() - 3));
 }
 
-void ExpectUsable(const CatalogueHost& host) {
-  ASSERT_TRUE(host.Model);
-  EXPECT_EQ(test::LimitCheck::Run(*host.Model), "");
+void ExpectUsable(ModelFileHost& host) {
+  ASSERT_TRUE(host.CurrentModel());
+  EXPECT_EQ(test::LimitCheck::Run(*host.CurrentModel()), "");
 }
 
 TEST(MalformedModelFile, IsReportedAsTheTableSays) {
@@ -98,8 +99,9 @@ std::string SavedWithMeter() {
 TEST(MalformedModelFile, EveryPrefixLoads) {
   test::Recorder messages;
   const std::string whole = SavedWithMeter();
+  test::PooledHost host;
   for (std::size_t length = 0; length <= whole.size(); ++length) {
-    CatalogueHost host(LoadModel(FindModel("3-1 PI Controller")));
+    host.ChangeModel("3-1 PI Controller");
     LoadModelText(std::string_view(whole).substr(0, length), host);
     ExpectUsable(host);
     // At most the line that is cut has something wrong with it.
@@ -111,11 +113,13 @@ TEST(MalformedModelFile, EveryByteMayBeAnother) {
   test::Recorder messages;
   messages.Answer = false;
   const std::string whole = SavedWithMeter();
+  test::PooledHost host;
+  constexpr std::string_view nasty("\0,\n-9\xff", 6);
   for (std::size_t at = 0; at < whole.size(); ++at) {
-    for (const char nasty : {'\0', ',', '\n', '-', '9', '\xff'}) {
+    for (const std::size_t choice : {at % 3, at % 3 + 3}) {
       std::string changed = whole;
-      changed[at] = nasty;
-      CatalogueHost host(LoadModel(FindModel("3-1 PI Controller")));
+      changed[at] = nasty[choice];
+      host.ChangeModel("3-1 PI Controller");
       LoadModelText(changed, host);
       ExpectUsable(host);
     }
