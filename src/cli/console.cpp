@@ -9,13 +9,31 @@
 namespace torvane::cli {
 namespace {
 
+// What a file or an option says may be in a report: it must not reach the terminal as a command.
+std::string Escaped(char c) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  const auto code = static_cast<unsigned char>(c);
+  return {'\\', 'x', digits[code / 16U], digits[code % 16U]};
+}
+
+// The codes of ASCII, and in UTF-8 those from 80 to 9f, of which one begins commands too.
+bool IsControl(std::string_view text, std::size_t i) {
+  const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
+  const bool afterLead = i > 0 && byte(i - 1) == 0xc2;
+  return byte(i) < 0x20 || byte(i) == 0x7f || (afterLead && byte(i) >= 0x80 && byte(i) < 0xa0);
+}
+
+// Line ends become blanks, other control characters are shown by their codes.
 std::string OneLine(std::string_view text) {
   std::string line;
-  for (const char c : text) {
-    if (c != '\r' && c != '\n') {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\r' || c == '\n') {
+      if (!line.empty() && line.back() != ' ') line += ' ';
+    } else if (IsControl(text, i)) {
+      line += Escaped(c);
+    } else {
       line += c;
-    } else if (!line.empty() && line.back() != ' ') {
-      line += ' ';
     }
   }
   return line;

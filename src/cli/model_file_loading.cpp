@@ -1,39 +1,65 @@
 #include "cli/model_file_loading.h"
 
+#include <set>
+
 #include "cli/command_error.h"
+#include "cli/model_file_check.h"
+#include "core/messages.h"
 #include "models/catalogue.h"
 #include "models/model_file_host.h"
 
 namespace torvane::cli {
 namespace {
 
-/// Says in every report which line it is about.
+/// Says in every report which line it is about, and keeps which lines have one.
 class ConsoleHost final : public CatalogueHost {
  public:
   ConsoleHost(std::string path, Console& console) : path_(std::move(path)), console_(console) {}
   ~ConsoleHost() override { console_.SetPlace(""); }
 
   void AtLine(int number) override {
+    if (console_.Reports() > reports_) reported_.insert(line_);
+    reports_ = console_.Reports();
+    line_ = number;
     console_.SetPlace(number > 0 ? path_ + ":" + std::to_string(number) + ": " : "");
   }
+
+  const std::set<int>& Reported() const { return reported_; }
 
  private:
   std::string path_;
   Console& console_;
+  int line_ = 0;
+  int reports_ = 0;
+  std::set<int> reported_;
 };
 
-}  // namespace
-
-std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& console) {
-  ConsoleHost host(path, console);
-  std::string text;
+void Load(const std::string& path, ConsoleHost& host, std::string& text) {
   if (!ReadModelText(path, text)) throw FileError("");
   // Records may stand before the line that names their model.
   const std::string name = ModelNameIn(text);
   if (host.InCatalogue(name)) host.ChangeModel(name);
   if (!LoadModelText(text, host)) throw FileError("");
   if (!host.Model) throw FileError(path + " names no model");
+}
+
+}  // namespace
+
+std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& console) {
+  ConsoleHost host(path, console);
+  std::string text;
+  Load(path, host, text);
   return std::move(host.Model);
+}
+
+void CheckModelFile(const std::string& path, Console& console) {
+  ConsoleHost host(path, console);
+  std::string text;
+  Load(path, host, text);
+  RemarkOnLines(text, *host.Model, host.Reported(), [&](int line, const std::string& remark) {
+    host.AtLine(line);
+    Note(remark);
+  });
 }
 
 }  // namespace torvane::cli

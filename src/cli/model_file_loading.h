@@ -12,4 +12,7 @@ namespace torvane::cli {
 /// to its end or names no model of the catalogue is a CommandError of ExitCode::File.
 std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& console);
 
+/// As OpenModelFile, and notes what loading passes over in silence.
+void CheckModelFile(const std::string& path, Console& console);
+
 }  // namespace torvane::cli

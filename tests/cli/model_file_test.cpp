@@ -36,6 +36,62 @@ TEST(ModelFiles, AreCheckedWithTheLineOfEachReport) {
   EXPECT_EQ(missing.Err, "Error: Cannot open " + TemporaryPath("missing.tvf") + "\n");
 }
 
+// What the desktop passes over without a word.
+TEST(ModelFiles, AreRemarkedOn) {
+  const std::pair<std::string, std::string> lines[] = {
+      {"Application,Torvane--Melkorin, 2nd Edition", ""},
+      {"Model,3-1 PI Controller", ""},
+      {"Constant,KP,1e9", "KP is limited to 1e+06"},
+      {"Constant,KI,7", ""},
+      {"Constant,KI,08.0", ""},
+      {"Rubbish", "ignored: Rubbish"},
+      {"Scope", "ignored: Scope"},
+      {"WaveGen,Main,Offset,1", "ignored: WaveGen,Main,Offset,1"},
+      {"Scope,MainScope,Trigger,NumEvents,-1", "taken as: Scope,MainScope,Trigger,NumEvents,1"},
+      {"Scope,MainScope,Trigger,TInitDelay,-1", "taken as: Scope,MainScope,Trigger,TInitDelay,0"},
+      {"Scope,MainScope,Trigger,TDelayAfter,1e308",
+       "taken as: Scope,MainScope,Trigger,TDelayAfter,1e+09"},
+      {"Scope,MainScope,Trigger,RollMode,2", "taken as: Scope,MainScope,Trigger,RollMode,0"},
+      {"Scope,MainScope,Channel,Error,yes,1,0,0,1,0",
+       "taken as: Scope,MainScope,Channel,Error,0,1,0,0,1,0"},
+      {"Xfer,MainXFer,tSample,1e308", "taken as: Xfer,MainXFer,tSample,1000000000"},
+      {"Xfer,MainXFer,tStartDelay,1e308", "taken as: Xfer,MainXFer,tStartDelay,1000000000"},
+      {"Xfer,MainXFer,FreqMin,1e308", "taken as: Xfer,MainXFer,FreqMin,9.9E99"},
+      {"Xfer,MainXFer,FreqMax,1", "taken as: Xfer,MainXFer,FreqMax,9.999E99"},
+      {"SweptDSA,MainSweptDSA,SettleTime,1e308",
+       "taken as: SweptDSA,MainSweptDSA,SettleTime,1000000000"},
+      {"Meter,M,TSample,1e308", "taken as: Meter,M,TSample,1e+09"},
+      {"Meter,M,AC,3", "taken as: Meter,M,AC,0"},
+      {"WaveGen,MainWaveGen,DutyCycle,120", "taken as: WaveGen,MainWaveGen,DutyCycle,100"},
+      {std::string("Rub\0\x1b[31m\xc2\x9b", 11), "a control character in the line"},
+  };
+  std::string text;
+  std::string expected;
+  const std::string path = TemporaryPath("remarks.tvf");
+  int number = 0;
+  for (const auto& [line, remark] : lines) {
+    text += line + "\n";
+    ++number;
+    const std::string place = "Note: " + path + ":" + std::to_string(number) + ": ";
+    if (!remark.empty()) expected += place + remark + "\n";
+  }
+  const std::string last = "Note: " + path + ":" + std::to_string(number) + ": ";
+  expected += last + "ignored: Rub\\x00\\x1b[31m\xc2\\x9b\n";
+  expected += last + "the last line has no end; it may be cut short\n";
+  text.pop_back();
+  const Outcome outcome = RunCli({"check", Written("remarks.tvf", text)});
+  EXPECT_EQ(outcome.Code, 3);
+  EXPECT_EQ(outcome.Err, expected);
+
+  // What is limited is limited once: later saves change nothing more.
+  const std::string first = TemporaryPath("limited.tvf");
+  const std::string second = TemporaryPath("limited-again.tvf");
+  EXPECT_EQ(RunCli({"convert", path, first}).Code, 0);
+  EXPECT_EQ(RunCli({"convert", first, second}).Code, 0);
+  EXPECT_EQ(ReadWholeFile(first), ReadWholeFile(second));
+  EXPECT_EQ(RunCli({"check", first}).Err, "");
+}
+
 TEST(ModelFiles, AreConverted) {
   const std::string first = TemporaryPath("first.tvf");
   const std::string second = TemporaryPath("second.tvf");

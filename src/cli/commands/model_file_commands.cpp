@@ -10,7 +10,7 @@ namespace torvane::cli {
 namespace {
 
 void Check(const std::string& path, Console& console) {
-  OpenModelFile(path, console);
+  CheckModelFile(path, console);
   if (console.Reports() > 0) throw FileError("");
 }
 

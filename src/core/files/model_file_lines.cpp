@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <string>
+#include <system_error>
 
 #include "core/files/model_file.h"
 #include "core/files/record.h"
@@ -95,7 +96,7 @@ bool ReadModelText(const std::string& path, std::string& text) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
     if (count == 0) return true;
     if (count < 0) {
-      Error("Error reading file.");
+      Error("Error reading file.  " + path + ": " + std::generic_category().message(errno));
       return false;
     }
     const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));

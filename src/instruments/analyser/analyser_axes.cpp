@@ -48,7 +48,8 @@ void FrequencyAnalyser::SetFreqMax(double hz) {
 
 void FrequencyAnalyser::SetFreqRange(double low, double high) {
   if (!std::isfinite(high)) return;
-  SetPositive(freqMin_, LimitedFrequency(low), "FreqMin");
+  // Room for the upper limit above it.
+  SetPositive(freqMin_, std::min(LimitedFrequency(low), BelowMax * HighestFrequency), "FreqMin");
   SetFreqMax(high);
 }
 

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cmath>
 
 #include "core/messages.h"
+#include "core/numeric.h"
 #include "instruments/fft/fft_analyser.h"
 
 namespace torvane {
@@ -22,7 +24,7 @@ void ZelXfer::SetTSample(double seconds) {
   if (!(seconds > 0.0 && std::isfinite(seconds))) {
     Error("Attempt to set TSample < 0");
   } else if (seconds != tSample_) {
-    tSample_ = seconds;
+    tSample_ = std::min(seconds, LongestTime);
     DropRecords();
   }
 }
@@ -38,7 +40,7 @@ void ZelXfer::SetTStartDelay(double seconds) {
     Error("Attempt to set TStartDelay < 0");
     return;
   }
-  SetSetting(tStartDelay_, seconds);
+  SetSetting(tStartDelay_, std::min(seconds, LongestTime));
 }
 
 void ZelXfer::SetTEndDelay(double seconds) {

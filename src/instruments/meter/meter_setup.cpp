@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/messages.h"
+#include "core/numeric.h"
 #include "instruments/meter/meter.h"
 
 namespace torvane {
@@ -118,7 +119,8 @@ void ZelMeter::SetNumber(double& setting, double value, bool good, const char* m
 
 void ZelMeter::SetTSample(double seconds) {
   // 0 is refused as well: the meter would never move on.
-  SetNumber(tSample_, seconds, seconds > 0.0, "Attempt to set Meter Sample Time < 0");
+  SetNumber(tSample_, std::min(seconds, LongestTime), seconds > 0.0,
+            "Attempt to set Meter Sample Time < 0");
   clock_.SetNext(bench_.Time());
 }
 
@@ -135,7 +137,8 @@ void ZelMeter::SetHarmonicFreq(double hz) {
 }
 
 void ZelMeter::SetTWindow(double seconds) {
-  SetNumber(tWindow_, seconds, seconds >= 0.0, "Attempt to set Meter Window Time < 0");
+  SetNumber(tWindow_, std::min(seconds, LongestTime), seconds >= 0.0,
+            "Attempt to set Meter Window Time < 0");
 }
 
 void ZelMeter::ComputePoles() {

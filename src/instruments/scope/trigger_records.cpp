@@ -1,7 +1,9 @@
 #include "instruments/scope/trigger_records.h"
 
+#include <algorithm>
 #include <array>
 
+#include "core/numeric.h"
 #include "core/text.h"
 
 namespace torvane {
@@ -47,7 +49,7 @@ bool LoadFlag(const std::string& key, bool on, ZelTrigger& trigger) {
 
 bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trigger) {
   if (key == "NumEvents") {
-    if (const auto count = ToInteger(text)) trigger.SetNumberOfEvents(*count);
+    if (const auto count = ToInteger(text)) trigger.SetNumberOfEvents(std::max(*count, 1));
     return true;
   }
   if (key != "Level" && key != "Position" && key != "TInitDelay" && key != "TDelayAfter") {
@@ -60,9 +62,9 @@ bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trig
   } else if (key == "Position") {
     trigger.Position = *value;
   } else if (key == "TInitDelay") {
-    trigger.SetInitialDelayTime(*value);
+    trigger.SetInitialDelayTime(std::clamp(*value, 0.0, LongestTime));
   } else {
-    trigger.SetDelayAfterTime(*value);
+    trigger.SetDelayAfterTime(std::clamp(*value, 0.0, LongestTime));
   }
   return true;
 }

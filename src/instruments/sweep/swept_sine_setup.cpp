@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "core/messages.h"
+#include "core/numeric.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 
 namespace torvane {
@@ -16,7 +17,7 @@ void ZelSweptDSA::SetChecked(double& setting, double value, bool good, const cha
 
 void ZelSweptDSA::SetTSample(double seconds) {
   // 0 is refused as well: the tick clock would never move on.
-  SetChecked(tSample_, seconds, seconds > 0.0, "Attempt to set TSample < 0");
+  SetChecked(tSample_, std::min(seconds, LongestTime), seconds > 0.0, "Attempt to set TSample < 0");
 }
 
 // The texts of the two frequencies say MinOrder; files and users know them so.
@@ -39,11 +40,13 @@ void ZelSweptDSA::SetStepsPerDecade(int steps) {
 }
 
 void ZelSweptDSA::SetSettleTime(double seconds) {
-  SetChecked(settleTime_, seconds, seconds >= 0.0, "Attempt to set Settle Time < 0");
+  SetChecked(settleTime_, std::min(seconds, LongestTime), seconds >= 0.0,
+             "Attempt to set Settle Time < 0");
 }
 
 void ZelSweptDSA::SetMeasurementTime(double seconds) {
-  SetChecked(measurementTime_, seconds, seconds >= 0.0, "Attempt to set Measurement Time < 0");
+  SetChecked(measurementTime_, std::min(seconds, LongestTime), seconds >= 0.0,
+             "Attempt to set Measurement Time < 0");
 }
 
 void ZelSweptDSA::SetAmplitude(double amplitude) {
