@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "cli/command_error.h"
 #include "core/run_loop.h"
@@ -22,17 +23,40 @@ LongRun::LongRun(ZelModel& model, Console& console, double until, bool showProgr
   nextProgress_ = std::chrono::steady_clock::now() + 2 * ProgressPeriod;
 }
 
+// An overflow in a part of the run ends the command.
+template <class Part>
+auto LongRun::Guarded(Part part) {
+  try {
+    return part();
+  } catch (const SolverOverflow& overflow) {
+    OfferResetAfterOverflow(model_, overflow);
+    throw StoppedError(overflow.what());
+  }
+}
+
 void LongRun::StepTo(double time) {
   const double span = StepsPerSpan * model_.Solver().Step();
-  try {
+  Guarded([&] {
     while (Time() < time) {
       CheckIn();
       model_.Solver().RunUntil(std::min(time, Time() + span));
     }
-  } catch (const SolverOverflow& overflow) {
-    OfferResetAfterOverflow(model_);
-    throw StoppedError(overflow.what());
-  }
+    CheckSignals(model_.Bench(), std::numeric_limits<double>::max());
+  });
+}
+
+bool LongRun::Service(Instrument& instrument) {
+  return Guarded([&] {
+    CheckSignals(model_.Bench());
+    return instrument.Service(Time());
+  });
+}
+
+bool LongRun::ServiceInstruments() {
+  return Guarded([&] {
+    CheckSignals(model_.Bench());
+    return model_.Bench().ServiceInstruments();
+  });
 }
 
 void LongRun::CheckIn() {

@@ -22,8 +22,13 @@ class LongRun {
 
   /// Steps to the first step boundary at or past the time; no instrument is serviced.
   void StepTo(double time);
+  /// Service one instrument, or all, at the present time; false when one wants the run to stop.
+  bool Service(Instrument& instrument);
+  bool ServiceInstruments();
 
  private:
+  template <class Part>
+  auto Guarded(Part part);
   void CheckIn();
   void ShowProgress();
 

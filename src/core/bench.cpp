@@ -5,6 +5,7 @@
 
 #include "core/constant.h"
 #include "core/messages.h"
+#include "core/overflow.h"
 #include "core/solver.h"
 
 namespace torvane {
@@ -119,6 +120,7 @@ bool ZelBenchTop::ServiceInstruments() {
       if (!instrument->Service(time_)) goOn = false;
     }
   }
+  if (OverflowRaised()) CheckSignals(*this);
   return goOn;
 }
 
@@ -142,13 +144,20 @@ double ZelBenchTop::MeterExcitation() const {
   return sum;
 }
 
-void ZelBenchTop::ResetVariables() {
+void ZelBenchTop::ResetVariables(ResetKind kind) {
   // The walk starts at the second variable on purpose: the first one keeps its value.
-  for (std::size_t i = 1; i < variables_.size(); ++i) variables_[i]->Reset();
+  for (std::size_t i = kind == ResetKind::States ? 1 : 0; i < variables_.size(); ++i)
+    variables_[i]->Reset();
 }
 
-void ZelBenchTop::ResetTimeDriven() {
-  for (TimeDriven* object : timeDriven_) object->Reset();
+void ZelBenchTop::ResetTimeDriven(ResetKind kind) {
+  for (TimeDriven* object : timeDriven_) object->Reset(kind);
+}
+
+void ZelBenchTop::RestartInstruments() {
+  for (const InstrumentKind kind : ServicedKinds) {
+    for (Instrument* instrument : Instruments(kind)) instrument->Restart();
+  }
 }
 
 void ZelBenchTop::RefreshInstruments() {

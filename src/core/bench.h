@@ -61,6 +61,7 @@ class ZelBenchTop {
   double NextStopTime() const;
 
   /// Hands the present time to every instrument; false when one of them wants the run to stop.
+  /// Throws SolverOverflow when a signal is beyond what they can store.
   bool ServiceInstruments();
 
   bool AnyScopeBusy() const;
@@ -71,11 +72,14 @@ class ZelBenchTop {
   /// Sum of what the meters add to the model's command.
   double MeterExcitation() const;
 
-  /// Resets every variable but the first one registered, which keeps its value.
-  void ResetVariables();
+  /// Resets every variable; the first one registered keeps its value unless everything goes.
+  void ResetVariables(ResetKind kind);
 
   /// Tells every time-driven object that the model was reset.
-  void ResetTimeDriven();
+  void ResetTimeDriven(ResetKind kind);
+
+  /// No instrument goes on from what it measured before.
+  void RestartInstruments();
 
   void RefreshInstruments();
   void StartScopes();

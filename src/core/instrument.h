@@ -67,8 +67,14 @@ class Instrument : public Undoable {
   /// What the instrument adds to the model's command at the given bench time.
   virtual double Excitation(double /*now*/) const { return 0.0; }
 
+  /// What the instrument feeds into the model at this time is beyond the largest number.
+  virtual bool OverflowsAt(double /*t*/) const { return false; }
+
   /// Run was pressed.
   virtual void Start() {}
+
+  /// The model starts anew after an overflow: nothing that was measured before goes on.
+  virtual void Restart() {}
 
   /// The 100 ms display refresh.
   virtual void Refresh();

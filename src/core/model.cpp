@@ -19,11 +19,17 @@ bool ZelModel::RunChunk() {
   return bench_.ServiceInstruments();
 }
 
-void ZelModel::Reset() {
-  bench_.ResetVariables();
+void ZelModel::Reset(ResetKind kind) {
+  bench_.ResetVariables(kind);
   solver_->Reset();
-  bench_.ResetTimeDriven();
+  bench_.ResetTimeDriven(kind);
   Derivatives(-1.0);
+}
+
+void ZelModel::ResetEverything() {
+  DropClassMemory();
+  bench_.RestartInstruments();
+  Reset(ResetKind::Everything);
 }
 
 void ZelModel::RestoreDefaults() {

@@ -47,7 +47,11 @@ class ZelModel {
 
   /// States to their initial values, variables (but the first) to 0, then one evaluation at time -1
   /// so that every output agrees with the reset states. The time stays.
-  void Reset();
+  void Reset() { Reset(ResetKind::States); }
+
+  /// As Reset, and nothing else that blocks, instruments and the model's class remember stays
+  /// either: from now on the model runs as one that was built when its class had seen none.
+  void ResetEverything();
 
   /// Every constant back to its default.
   void RestoreDefaults();
@@ -61,7 +65,13 @@ class ZelModel {
   ZelSolver& SetSolver(std::unique_ptr<ZelSolver> solver);
   void SetFiles(std::string picture, std::string text);
 
+  /// Drops what the class keeps from one model to the next, and through a reset: only an overflow
+  /// asks for it.
+  virtual void DropClassMemory() {}
+
  private:
+  void Reset(ResetKind kind);
+
   std::string name_;
   std::string pictureFile_;
   std::string textFile_;

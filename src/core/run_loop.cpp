@@ -16,13 +16,14 @@ PassResult RunPass(ZelModel& model, int chunks) {
   return PassResult::Running;
 }
 
-void OfferResetAfterOverflow(ZelModel& model) {
+void OfferResetAfterOverflow(ZelModel& model, const SolverOverflow& overflow) {
   if (ErrorQuestion("An overflow occurred, posibly because "
                     "the state equation solver became unstable.\n"
                     "The model will be automatically stopped.  Also, it is "
                     "recommended that you reset the state variables.\n\n"
-                    "Reset Variables?")) {
-    model.Reset();
+                    "Reset Variables?\n\n(" +
+                    std::string(overflow.what()) + ")")) {
+    model.ResetEverything();
   }
 }
 

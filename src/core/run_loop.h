@@ -4,6 +4,7 @@
 
 namespace torvane {
 
+class SolverOverflow;
 class ZelModel;
 
 /// Chunks in one pass of the run loop: after them control goes back to the message loop.
@@ -19,9 +20,10 @@ enum class PassResult {
 /// and whatever else a chunk throws through.
 PassResult RunPass(ZelModel& model, int chunks = ChunksPerPass);
 
-/// What to do about an overflow: asks whether to reset the state variables and does so on OK. The
-/// caller has stopped the model.
-void OfferResetAfterOverflow(ZelModel& model);
+/// What to do about an overflow: asks whether to reset the state variables and on OK resets them
+/// and everything that the model remembers, huge values of which would overflow again at once. The
+/// question ends in what happened. The caller has stopped the model.
+void OfferResetAfterOverflow(ZelModel& model, const SolverOverflow& overflow);
 
 /// Reports any other exception of a chunk. The caller has stopped the model.
 void ReportRunTimeError(const std::exception& error);

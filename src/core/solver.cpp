@@ -1,6 +1,5 @@
 #include "core/solver.h"
 
-#include <cfenv>
 #include <cmath>
 #include <string>
 
@@ -9,24 +8,13 @@
 #include "core/model.h"
 #include "core/text.h"
 
-#if defined(__SSE2_MATH__)
-#include <xmmintrin.h>
-#endif
-
 namespace torvane {
 
 namespace {
 
-// Whether arithmetic has overflowed since the flag was cleared. Where doubles are computed in SSE
-// registers their own status word is enough and costs a tenth of the library's call, which asks the
-// long-double unit as well: a combine that overflows there leaves a state that is not finite.
-inline bool OverflowRaised() {
-#if defined(__SSE2_MATH__)
-  return (_mm_getcsr() & _MM_EXCEPT_OVERFLOW) != 0;
-#else
-  return std::fetestexcept(FE_OVERFLOW) != 0;
-#endif
-}
+// From far below this no step of a model reaches the largest number: what overflows from there has
+// its cause outside the states.
+constexpr double Huge = 1e95;  // as sized
 
 }  // namespace
 
@@ -37,7 +25,8 @@ ZelSolver::ZelSolver(ZelBenchTop& bench, double h, ZelModel& model, int maxOrder
       maxOrder_(maxOrder),
       states_(static_cast<std::size_t>(maxOrder)),
       startValues_(static_cast<std::size_t>(maxOrder)),
-      slopeSum_(static_cast<std::size_t>(maxOrder)) {
+      slopeSum_(static_cast<std::size_t>(maxOrder)),
+      watch_(bench) {
   bench.AttachSolver(*this);
 }
 
@@ -60,19 +49,40 @@ void ZelSolver::Reset() {
     startValues_[i] = states_[i]->InitialValue;
     slopeSum_[i] = 0.0;
   }
-}
-
-void ZelSolver::ClearOverflow() {
-  // Testing the flag is cheap, clearing it is not.
-  if (OverflowRaised()) std::feclearexcept(FE_OVERFLOW);
+  nearOverflow_ = false;
 }
 
 void ZelSolver::RunUntil(double tEnd) {
-  ClearOverflow();
-  while (bench_.Time() < tEnd) RkStep(bench_.Time());
+  ClearOverflowFlag();
+  while (bench_.Time() < tEnd) {
+    const double t = bench_.Time();
+    if (nearOverflow_) {
+      WatchedStep(t);
+    } else {
+      EndStep(t, Integrate(t, [this](double at) { model_.Evaluate(at); }));
+    }
+  }
 }
 
-void ZelSolver::RkStep(double t) {
+void ZelSolver::WatchedStep(double t) {
+  watch_.Begin();
+  const double size = Integrate(t, [this](double at) {
+    watch_.States();
+    model_.Derivatives(at);
+    watch_.Equations();
+    for (TimeDriven* object : bench_.TimeDrivenObjects()) {
+      object->AtTime(at);
+      watch_.Object(*object);
+    }
+  });
+  watch_.States();
+  nearOverflow_ = false;
+  EndStep(t, size);
+}
+
+// The states over one step; returns the sum of their sizes.
+template <class Evaluate>
+double ZelSolver::Integrate(double t, Evaluate evaluate) {
   StateVariable* const* const states = states_.data();
   double* const start = startValues_.data();
   double* const sum = slopeSum_.data();
@@ -84,60 +94,51 @@ void ZelSolver::RkStep(double t) {
 
   // Each slope is read once into a local: the compiler cannot know that the arrays and the states
   // do not overlap.
-  model_.Evaluate(t);
+  evaluate(t);
   for (std::size_t i = 0; i < count; ++i) {
     const double slope = states[i]->Derivative;
     sum[i] = slope;
     states[i]->Value = start[i] + half * slope;
   }
-  model_.Evaluate(t + half);
+  evaluate(t + half);
   for (std::size_t i = 0; i < count; ++i) {
     const double slope = states[i]->Derivative;
     sum[i] += 2.0 * slope;
     states[i]->Value = start[i] + half * slope;
   }
-  model_.Evaluate(t + half);
+  evaluate(t + half);
   for (std::size_t i = 0; i < count; ++i) {
     const double slope = states[i]->Derivative;
     sum[i] += 2.0 * slope;
     states[i]->Value = start[i] + h * slope;
   }
-  model_.Evaluate(t + h);
+  evaluate(t + h);
 
-  double probe = 0.0;
+  double size = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
     StateVariable& state = *states[i];
     sum[i] += state.Derivative;
     state.Value = Combine(start[i], sum[i], h);
     state.TakePending();
-    probe += state.Value * 0.0;
+    size += Sized(state);
   }
-  EndStep(t, probe);
+  return size;
 }
 
-void ZelSolver::EndStep(double t, double probe) {
+void ZelSolver::EndStep(double t, double size) {
   // The start of the step on purpose: instruments that sample it see when the step began.
   if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = t;
   bench_.AdvanceTime(h_);
-  // Zero times anything finite is zero: another sum tells of a state that is not finite.
-  if (OverflowRaised() || !(probe == 0.0)) ThrowOverflow();
+  if (OverflowRaised() || !std::isfinite(size)) ThrowOverflow(t);
+  if (size > Huge) nearOverflow_ = true;
 }
 
-void ZelSolver::ThrowOverflow() const {
-  std::feclearexcept(FE_OVERFLOW);
-  // The state that is not finite or, when the overflow has not reached a state, the largest one.
-  const StateVariable* culprit = nullptr;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count_); ++i) {
-    const StateVariable* state = states_[i];
-    if (!std::isfinite(state->Value)) {
-      culprit = state;
-      break;
-    }
-    if (!culprit || std::abs(state->Value) > std::abs(culprit->Value)) culprit = state;
-  }
-  throw SolverOverflow("floating-point overflow in state \"" + (culprit ? culprit->Name() : "") +
-                       "\" (value " + (culprit ? FormatShortest(culprit->Value) : "none") +
-                       ") at time " + FormatShortest(bench_.Time()) + " s");
+void ZelSolver::ThrowOverflow(double t) {
+  ClearOverflowFlag();
+  std::string found = watch_.TakeFound();
+  if (found.empty()) found = FindOverflowAfterwards(bench_, t + h_);
+  throw SolverOverflow("floating-point overflow in " + found + " at time " +
+                       FormatShortest(bench_.Time()) + " s");
 }
 
 }  // namespace torvane

@@ -1,22 +1,17 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <span>
-#include <stdexcept>
 #include <vector>
+
+#include "core/overflow.h"
+#include "core/variable.h"
 
 namespace torvane {
 
-class StateVariable;
 class ZelBenchTop;
 class ZelModel;
-
-/// A step overflowed or left a state that is not finite. The message names the state and the time;
-/// the states keep the values they had.
-class SolverOverflow : public std::overflow_error {
- public:
-  using std::overflow_error::overflow_error;
-};
 
 /// Integrates all states of a model together: classical fourth-order Runge-Kutta with a fixed step.
 /// Every evaluation runs the model's Derivatives first and the time-driven objects after it.
@@ -35,7 +30,8 @@ class ZelSolver {
   void Reset();
 
   /// Steps while the bench's time is below tEnd: ends at the first step boundary at or after it.
-  /// Throws SolverOverflow after the step in which a floating-point overflow arose.
+  /// Throws SolverOverflow after the step in which a floating-point overflow arose. Steps from huge
+  /// values are watched one by one: they are the ones that can tell what overflows first.
   virtual void RunUntil(double tEnd);
 
   double Step() const { return h_; }
@@ -53,19 +49,24 @@ class ZelSolver {
                                    (1.0L / 6.0L));
   }
 
-  /// Forgets an overflow that an instrument raised since the last step.
-  static void ClearOverflow();
+  /// A measure of a state that adds up without overflowing.
+  static double Sized(const StateVariable& state) { return std::abs(state.Value) * 1e-5; }
 
   /// Ends the step that began at t: time variable, bench time, and the exception when an overflow
-  /// was raised or the probe, the sum of zero times each state, is not zero.
-  void EndStep(double t, double probe);
+  /// was raised or a state is not finite. `size` is the sum of the states' sizes.
+  void EndStep(double t, double size);
+
+  /// A state is so large that the next step may overflow: it is to be a watched one.
+  bool NearOverflow() const { return nearOverflow_; }
+  void WatchedStep(double t);
 
   ZelBenchTop& bench_;
   const double h_;
 
  private:
-  void RkStep(double t);
-  [[noreturn]] void ThrowOverflow() const;
+  template <class Evaluate>
+  double Integrate(double t, Evaluate evaluate);
+  [[noreturn]] void ThrowOverflow(double t);
 
   ZelModel& model_;
   std::int32_t maxOrder_;
@@ -74,6 +75,8 @@ class ZelSolver {
   std::vector<StateVariable*> states_;
   std::vector<double> startValues_;
   std::vector<double> slopeSum_;
+  bool nearOverflow_ = false;
+  OverflowWatch watch_;
 };
 
 }  // namespace torvane

@@ -2,6 +2,12 @@
 
 namespace torvane {
 
+/// How far a reset of the model goes.
+enum class ResetKind {
+  States,      ///< memory that is no state stays, unless it is not finite: it would never leave
+  Everything,  ///< no memory stays; after an overflow even what is finite may be too large to leave
+};
+
 /// Something that sees every time at which the solver evaluates the model: a source, a sample
 /// clock, a continuous block.
 class TimeDriven {
@@ -9,9 +15,8 @@ class TimeDriven {
   virtual ~TimeDriven() = default;
   virtual void AtTime(double t) = 0;
 
-  /// The model was reset: outputs that mirror states follow them, and memory that is no longer
-  /// finite is dropped, as it would never leave by itself.
-  virtual void Reset() {}
+  /// The model was reset: outputs that mirror states follow them, memory is dropped as said.
+  virtual void Reset(ResetKind /*kind*/) {}
 };
 
 }  // namespace torvane

@@ -28,7 +28,7 @@ class ZelDController final : public TimeDriven {
     sampleDue_ = t >= nextSample_;
     if (sampleDue_) nextSample_ += period_;
   }
-  void Reset() override;
+  void Reset(ResetKind kind) override;
 
   /// Sampled blocks run only in evaluations in which this is true.
   bool SampleDue() const { return sampleDue_; }
@@ -50,6 +50,7 @@ class ZelDController final : public TimeDriven {
   }
 
  private:
+  const ZelBenchTop& bench_;
   double nextSample_ = 0.0;
   double period_;
   bool sampleDue_ = false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/time_driven.h"
+
 namespace torvane {
 
 class ZelDController;
@@ -22,9 +24,8 @@ class ZelDLibraryClass {
   /// Works the coefficients out again from the parameters and the clock's present period.
   virtual void ComputeCoefficients() {}
 
-  /// Past values outlive a reset of the model, except those that an overflowing loop has left: they
-  /// would never become numbers again, so a history that is not all finite starts again at 0.
-  virtual void DropNonFinite() {}
+  /// The model was reset: past values that are not to stay start again at 0.
+  virtual void Reset(ResetKind /*kind*/) {}
 
  protected:
   bool HasClock() const { return clock_ != nullptr; }

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "library/angular.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -22,8 +22,8 @@ void ZelDLowPass1::ComputeCoefficients() {
   b0_ = 1.0 + a1_;
 }
 
-void ZelDLowPass1::DropNonFinite() {
-  ForgetUnlessFinite({&y1_});
+void ZelDLowPass1::Reset(ResetKind kind) {
+  Forget(kind, {&y1_});
 }
 
 void ZelDLowPass1::SetFrequency(double hz) {

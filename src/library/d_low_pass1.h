@@ -17,7 +17,7 @@ class ZelDLowPass1 final : public ZelDLibraryClass {
 
   double Step(double x) override;
   void ComputeCoefficients() override;
-  void DropNonFinite() override;
+  void Reset(ResetKind kind) override;
 
   void SetFrequency(double hz);
 

@@ -2,7 +2,7 @@
 
 #include "core/messages.h"
 #include "library/d_gain.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -41,8 +41,8 @@ double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
          (kVI * period + 1.0);
 }
 
-void ZelDPiBase::DropNonFinite() {
-  ForgetUnlessFinite({&integrator_, &previousCommand_, &filteredCommand_, &error_});
+void ZelDPiBase::Reset(ResetKind kind) {
+  Forget(kind, {&integrator_, &previousCommand_, &filteredCommand_, &error_});
 }
 
 ZelDPiPlus::ZelDPiPlus(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,

@@ -20,7 +20,7 @@ class ZelDPiBase : public ZelDLibraryClass {
   /// Controllers are stepped through Update only.
   double Step(double /*x*/) final { return 0.0; }
 
-  void DropNonFinite() final;
+  void Reset(ResetKind kind) final;
 
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);

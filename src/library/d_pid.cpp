@@ -5,7 +5,7 @@
 #include "core/messages.h"
 #include "library/angular.h"
 #include "library/d_gain.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -50,8 +50,8 @@ double ZelDPid::FilteredDerivative(double period) {
   return (1.0 - b) * slope + b * derivative_;
 }
 
-void ZelDPid::DropNonFinite() {
-  ForgetUnlessFinite({&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_});
+void ZelDPid::Reset(ResetKind kind) {
+  Forget(kind, {&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_});
 }
 
 }  // namespace torvane

@@ -28,7 +28,7 @@ class ZelDPid final : public ZelDLibraryClass {
   /// Controllers are stepped through Update only.
   double Step(double /*x*/) override { return 0.0; }
 
-  void DropNonFinite() override;
+  void Reset(ResetKind kind) override;
 
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);

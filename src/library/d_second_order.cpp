@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -28,8 +28,8 @@ double ZelDSecondOrder::Step(double x) {
   return y;
 }
 
-void ZelDSecondOrder::DropNonFinite() {
-  ForgetUnlessFinite({&y1_, &y2_, &x1_, &x2_});
+void ZelDSecondOrder::Reset(ResetKind kind) {
+  Forget(kind, {&y1_, &y2_, &x1_, &x2_});
 }
 
 }  // namespace torvane

@@ -23,7 +23,7 @@ DPair MatchedPair(double omega, double zeta, double period);
 class ZelDSecondOrder : public ZelDLibraryClass {
  public:
   double Step(double x) final;
-  void DropNonFinite() final;
+  void Reset(ResetKind kind) final;
 
  protected:
   /// `initial` is both past outputs; the past inputs are 0.

@@ -11,8 +11,8 @@ ZelFricCalc::ZelFricCalc(const FrictionSettings& settings)
       tS_(NonNegative(settings.TS, "ZelFricCalc, tS")),
       pS_(Positive(settings.PS, "ZelFricCalc, pS")) {}
 
-void ZelFricCalc::DropNonFinite() {
-  if (std::isfinite(anchor_)) return;
+void ZelFricCalc::Reset(ResetKind kind) {
+  if (kind == ResetKind::States && std::isfinite(anchor_)) return;
   anchor_ = 0.0;
   motion_ = Motion::Stuck;
 }

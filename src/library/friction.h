@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/time_driven.h"
+
 namespace torvane {
 
 /// Friction parameters as a user states them.
@@ -25,8 +27,8 @@ class ZelFricCalc {
   /// sliding forwards. Moves the anchor and the motion state along.
   double Friction(double position, double velocity);
 
-  /// Forgets an anchor that an overflow has left.
-  void DropNonFinite();
+  /// Forgets where it stuck: all of it, or only what an overflow has left.
+  void Reset(ResetKind kind);
 
  private:
   enum class Motion { Backwards = -1, Stuck = 0, Forwards = 1 };

@@ -3,7 +3,7 @@
 #include "core/bench.h"
 #include "core/messages.h"
 #include "library/angular.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -20,8 +20,8 @@ void ZelLowPass1::AtTime(double /*t*/) {
   y_ = state_.Value;
 }
 
-void ZelLowPass1::Reset() {
-  ForgetUnlessFinite({&u_});
+void ZelLowPass1::Reset(ResetKind kind) {
+  Forget(kind, {&u_});
   y_ = state_.Value;
 }
 

@@ -18,7 +18,7 @@ class ZelLowPass1 final : public TimeDriven {
   ZelLowPass1(ZelBenchTop& bench, double frequencyHz);
 
   void AtTime(double t) override;
-  void Reset() override;
+  void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(state_); }
 

@@ -4,7 +4,7 @@
 #include "core/constant.h"
 #include "core/messages.h"
 #include "library/angular.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -24,8 +24,8 @@ void ZelLowPass2::FollowLinks() {
   if (dampingLink_ && dampingLink_->TakeChanged()) SetDamping(dampingLink_->Value());
 }
 
-void ZelLowPass2::Reset() {
-  ForgetUnlessFinite({&u_});
+void ZelLowPass2::Reset(ResetKind kind) {
+  Forget(kind, {&u_});
   y_ = position_.Value;
 }
 

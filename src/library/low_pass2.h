@@ -29,7 +29,7 @@ class ZelLowPass2 final : public TimeDriven {
     rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
     y_ = x1;
   }
-  void Reset() override;
+  void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(position_, rate_); }
 

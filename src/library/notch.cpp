@@ -3,7 +3,7 @@
 #include "core/bench.h"
 #include "core/messages.h"
 #include "library/angular.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -30,8 +30,8 @@ void ZelNotch::AtTime(double /*t*/) {
   second_.Derivative = a2_ * (u_ - y_);
 }
 
-void ZelNotch::Reset() {
-  ForgetUnlessFinite({&u_});
+void ZelNotch::Reset(ResetKind kind) {
+  Forget(kind, {&u_});
   y_ = b0_ * u_ + first_.Value;
 }
 

@@ -24,7 +24,7 @@ class ZelNotch final : public TimeDriven {
            double zeroDamping);
 
   void AtTime(double t) override;
-  void Reset() override;
+  void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(first_, second_); }
 

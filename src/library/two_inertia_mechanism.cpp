@@ -3,7 +3,7 @@
 #include "core/bench.h"
 #include "core/messages.h"
 #include "core/numeric.h"
-#include "library/not_finite.h"
+#include "library/forget.h"
 
 namespace torvane {
 
@@ -43,11 +43,11 @@ Zel2JMech::Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings) try
   Error("Fault #1 in Zel2JMech :: Zel2JMech");
 }
 
-void Zel2JMech::Reset() {
+void Zel2JMech::Reset(ResetKind kind) {
   CopyOutputs();
-  ForgetUnlessFinite({&motorTorque_, &loadTorque_, &secondMotorTorque_});
-  motorFriction_.DropNonFinite();
-  loadFriction_.DropNonFinite();
+  Forget(kind, {&motorTorque_, &loadTorque_, &secondMotorTorque_});
+  motorFriction_.Reset(kind);
+  loadFriction_.Reset(kind);
 }
 
 void Zel2JMech::SetJM(double inertia) {

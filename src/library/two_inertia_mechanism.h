@@ -48,7 +48,7 @@ class Zel2JMech final : public TimeDriven {
   Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings);
 
   void AtTime(double t) override;
-  void Reset() override;
+  void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(vM_, pM_, vL_, pL_); }
 

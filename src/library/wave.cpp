@@ -97,8 +97,17 @@ const std::array<const char*, ZelWave::WaveformCount>& ZelWave::WaveformNames() 
   return names;
 }
 
+double ZelWave::CyclesAt(double t) const {
+  return t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
+}
+
+bool ZelWave::OverflowsAt(double t) const {
+  const double cycles = CyclesAt(t);
+  return !std::isfinite(cycles) || !std::isfinite(gain_ * ValueAt(cycles - Floor(cycles)));
+}
+
 void ZelWave::Recompute(double t) {
-  const double cycles = t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
+  const double cycles = CyclesAt(t);
   const double x = cycles - Floor(cycles);
   computed_ = gain_ * ValueAt(x);
   sync_ = x < 0.5 ? 1.0 : 0.0;

@@ -74,6 +74,8 @@ class ZelWave final : public TimeDriven, public Instrument {
   /// The states, which nothing integrates.
   auto HeldStates() { return std::tie(next_, delayed_); }
 
+  bool OverflowsAt(double t) const override;
+
   /// Published outputs, the live values of the two state variables.
   double Output() const { return next_.Value; }
   double DelayedOutput() const { return delayed_.Value; }
@@ -95,6 +97,7 @@ class ZelWave final : public TimeDriven, public Instrument {
   void SetDutyCycle(double percent);
 
  private:
+  double CyclesAt(double t) const;
   double ValueAt(double x) const;
   void Recompute(double t);
   void SetNumber(double WaveSettings::*number, double value);

@@ -17,6 +17,7 @@ class MAliasing final : public ZelModel {
  public:
   explicit MAliasing(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override { nextSample = Bench().Time(); }
 
   static auto States() { return std::tuple<>(); }
   auto Blocks() { return std::tie(generator_); }

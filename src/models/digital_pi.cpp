@@ -19,6 +19,10 @@ class MDigitalPI final : public ZelModel {
  public:
   explicit MDigitalPI(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPF = {};
+    outputInstant = 0.0;
+  }
 
   auto States() {
     return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());

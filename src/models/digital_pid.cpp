@@ -18,6 +18,10 @@ class MDigitalPID final : public ZelModel {
  public:
   explicit MDigitalPID(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPF = {};
+    outputInstant = 0.0;
+  }
 
   auto States() {
     return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());

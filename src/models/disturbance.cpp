@@ -20,6 +20,10 @@ class MDisturbance final : public ZelModel {
  public:
   explicit MDisturbance(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPF = {};
+    outputInstant = 0.0;
+  }
 
   auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
   auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }

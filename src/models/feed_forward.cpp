@@ -22,6 +22,11 @@ class MFeedForward final : public ZelModel {
  public:
   explicit MFeedForward(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPF = {};
+    previousVC = {};
+    outputInstant = 0.0;
+  }
 
   auto States() {
     return std::tuple_cat(std::tie(signals_.vM, signals_.pM), currentLoop_.States());

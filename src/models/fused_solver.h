@@ -33,8 +33,14 @@ class FusedSolver final : public ZelSolver {
 
   void RunUntil(double tEnd) override {
     if (!checked_) CheckRegistration();
-    ClearOverflow();
-    while (bench_.Time() < tEnd) FusedStep(model_, bench_.Time());
+    ClearOverflowFlag();
+    while (bench_.Time() < tEnd) {
+      if (NearOverflow()) [[unlikely]] {
+        WatchedStep(bench_.Time());
+      } else {
+        FusedStep(model_, bench_.Time());
+      }
+    }
   }
 
  private:
@@ -70,18 +76,18 @@ class FusedSolver final : public ZelSolver {
       state.Value = from + h * state.Derivative;
     });
     EvaluateAtEnd(model, t + h);
-    double probe = 0.0;
-    forEach([h, &probe](StateVariable& state, double from, double& slopes) {
+    double size = 0.0;
+    forEach([h, &size](StateVariable& state, double from, double& slopes) {
       slopes += state.Derivative;
       state.Value = Combine(from, slopes, h);
       state.TakePending();
-      probe += state.Value * 0.0;
+      size += Sized(state);
     });
-    ForEachHeld(model, [&probe](StateVariable& state) {
+    ForEachHeld(model, [&size](StateVariable& state) {
       state.TakePending();
-      probe += state.Value * 0.0;
+      size += Sized(state);
     });
-    EndStep(t, probe);
+    EndStep(t, size);
   }
 
   static void EvaluateWithinStep(Model& model, double t) {

@@ -27,6 +27,7 @@ class MLimitCycles final : public ZelModel {
  public:
   explicit MLimitCycles(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override { memory = {}; }
 
   static auto States() { return std::tuple<>(); }
   auto Blocks() { return std::tie(generator_, clock_); }

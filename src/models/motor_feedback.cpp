@@ -24,6 +24,10 @@ class MMotorFeedback final : public ZelModel {
  public:
   explicit MMotorFeedback(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPF = {};
+    outputInstant = 0.0;
+  }
 
   auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
   auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }

@@ -18,6 +18,7 @@ class MPiPlus final : public ZelModel {
  public:
   explicit MPiPlus(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override { previousPM = {}; }
 
   auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
   auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }

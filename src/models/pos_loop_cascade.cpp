@@ -20,6 +20,11 @@ class MPosLoopCascade final : public ZelModel {
  public:
   explicit MPosLoopCascade(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousVPC = {};
+    previousPF = {};
+    outputInstant = 0.0;
+  }
 
   auto States() { return std::tuple_cat(std::tie(motion_.vM, motion_.pM), currentLoop_.States()); }
   auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }

@@ -22,6 +22,13 @@ class MPosLoopPID final : public ZelModel {
  public:
   explicit MPosLoopPID(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousVPC = {};
+    previousPF = {};
+    outputInstant = 0.0;
+    integral = 0.0;
+    errorWasPositive = false;
+  }
 
   auto States() { return std::tuple_cat(std::tie(motion_.vM, motion_.pM), currentLoop_.States()); }
   auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }

@@ -23,6 +23,11 @@ class MResonance final : public ZelModel {
  public:
   explicit MResonance(const std::string& name);
   void Derivatives(double t) override;
+  void DropClassMemory() override {
+    previousPM = {};
+    previousPL = {};
+    outputInstant = 0.0;
+  }
 
   auto States() { return std::tuple_cat(mechanism_.States(), currentLoop_.States()); }
   auto Blocks() { return std::tie(mechanism_, currentLoop_, generator_, clock_); }

@@ -61,18 +61,20 @@ TEST_F(RunLoopTest, ABusyScopePausesThePass) {
 TEST_F(RunLoopTest, AnOverflowOffersToResetTheStates) {
   slope = 1e308;
   EXPECT_THROW(RunPass(model), SolverOverflow);
+  const SolverOverflow overflow("state \"x\"");
   const double keptTime = model.Time();
   const double kept = model.X.Value;
   recorder.Answer = false;
-  OfferResetAfterOverflow(model);
+  OfferResetAfterOverflow(model, overflow);
   EXPECT_EQ(model.X.Value, kept);
   EXPECT_EQ(recorder.Take(),
             Messages{"Error: An overflow occurred, posibly because the state equation solver "
                      "became unstable.\nThe model will be automatically stopped.  Also, it is "
-                     "recommended that you reset the state variables.\n\nReset Variables?"});
+                     "recommended that you reset the state variables.\n\nReset Variables?"
+                     "\n\n(state \"x\")"});
   slope = 1.0;
   recorder.Answer = true;
-  OfferResetAfterOverflow(model);
+  OfferResetAfterOverflow(model, overflow);
   EXPECT_EQ(model.X.Value, 0.0);
   EXPECT_EQ(model.Time(), keptTime);
   EXPECT_EQ(RunPass(model), PassResult::Running);

@@ -195,13 +195,18 @@ TEST_F(ControlPanelTest, AnOverflowStopsTheRunAndOffersAReset) {
   Reports.Answer = false;
   Click("SBRun");
   ASSERT_TRUE(QTest::qWaitFor([&] { return Down("SBStop"); }));
-  EXPECT_EQ(Reports.Take(), Messages{question});
+  const auto asked = [&] {
+    const Messages reports = Reports.Take();
+    return reports.size() == 1 && reports[0].starts_with(question) &&
+           reports[0].find("state \"x\"") != std::string::npos;
+  };
+  EXPECT_TRUE(asked());
   EXPECT_NE(model.X.Value, 1.0);
 
   Reports.Answer = true;
   Click("SBRun");
   ASSERT_TRUE(QTest::qWaitFor([&] { return Down("SBStop"); }));
-  EXPECT_EQ(Reports.Take(), Messages{question});
+  EXPECT_TRUE(asked());
   EXPECT_EQ(model.X.Value, 1.0);
 
   unstable = false;  // it runs again

@@ -41,7 +41,7 @@ void TakeRecord(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgr
   xfer.Run();
   while (xfer.Measuring()) {
     run.StepTo(xfer.NextTime());
-    xfer.Service(run.Time());
+    run.Service(xfer);
   }
 }
 

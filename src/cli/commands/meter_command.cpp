@@ -82,7 +82,7 @@ void Measure(ZelModel& model, ZelMeter& meter, double until, Console& console) {
   LongRun run(model, console, until, Console::CanShowProgress(false));
   while (run.Time() < until) {
     run.StepTo(std::min(meter.NextTime(), until));
-    meter.Service(run.Time());
+    run.Service(meter);
   }
 }
 

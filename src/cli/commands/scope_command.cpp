@@ -35,7 +35,7 @@ std::optional<ScopeScreen> LastCompleteScreen(ZelModel& model, ZelScope& scope, 
   bool running = true;
   while (running && run.Time() < until) {
     run.StepTo(std::min(model.Bench().NextStopTime(), until));
-    running = model.Bench().ServiceInstruments();
+    running = run.ServiceInstruments();
     if (scope.TakeScreenCompleted()) screen = scope.CopyScreen();
   }
   return screen;

@@ -57,7 +57,7 @@ void MeasureSpeed(const SpeedOptions& options, Console& console) {
       wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
   } catch (const SolverOverflow& overflow) {
-    OfferResetAfterOverflow(*model);
+    OfferResetAfterOverflow(*model, overflow);
     throw StoppedError(overflow.what());
   }
   output.Write(Figures(*model, model->Solver().Step(), wall));

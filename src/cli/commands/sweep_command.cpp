@@ -63,7 +63,7 @@ void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
   analyser.Run();
   while (analyser.Measuring()) {
     run.StepTo(analyser.NextTick());
-    analyser.Service(run.Time());
+    run.Service(analyser);
   }
 }
 

@@ -53,6 +53,13 @@ void ZelXfer::Halt() {
   Changed();
 }
 
+// A record that was being taken has seen the overflow.
+void ZelXfer::Restart() {
+  filter_ = {};
+  excitation_ = previousExcitation_ = 0.0;
+  if (NextTime() >= 0.0) Halt();
+}
+
 void ZelXfer::Arm() {
   state_ = State::Armed;
   recordWhole_ = false;

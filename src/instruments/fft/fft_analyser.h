@@ -27,6 +27,7 @@ class ZelXfer final : public FrequencyAnalyser {
   /// While a record is being taken, the time of its next sample.
   double NextTime() const override;
   bool Service(double t) override;
+  void Restart() override;
 
   /// What the model adds to its command: a new value reaches it half a sample period after the
   /// sample at which it was drawn.

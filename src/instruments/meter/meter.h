@@ -30,6 +30,7 @@ class ZelMeter final : public Instrument {
 
   double NextTime() const override;
   bool Service(double t) override;
+  void Restart() override;
 
   /// What the meter adds to the model's command while its excitation is on: a sine at the harmonic
   /// frequency times the multiplier, which sets which multiple of the excited frequency is measured
@@ -109,7 +110,6 @@ class ZelMeter final : public Instrument {
   void UpdateHarmonic(double t, double x);
   void FinishWindow();
   void StartWindow(double t);
-  void Restart();
   double PeriodCount() const;
 
   ZelBenchTop& bench_;

@@ -36,6 +36,11 @@ void ZelSweptDSA::Halt() {
   Finish(State::Idle);
 }
 
+// The point that was being measured has seen the overflow.
+void ZelSweptDSA::Restart() {
+  if (InProgress()) Halt();
+}
+
 void ZelSweptDSA::Finish(State state) {
   state_ = state;
   excitation_ = 0.0;

@@ -29,6 +29,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// step comes with the first call after the tick.
   double NextTime() const override;
   bool Service(double t) override;
+  void Restart() override;
 
   /// What the model adds to its command; 0 unless a sweep is in progress.
   double Excitation(double /*now*/) const override { return excitation_; }

@@ -47,9 +47,9 @@ void RunDriver::Pass() {
   const qint64 start = sinceFrame_.nsecsElapsed();
   try {
     if (RunPass(model, chunks_) == PassResult::Stopped) End();
-  } catch (const SolverOverflow&) {
+  } catch (const SolverOverflow& overflow) {
     End();
-    OfferResetAfterOverflow(model);
+    OfferResetAfterOverflow(model, overflow);
   } catch (const std::exception& error) {
     End();
     ReportRunTimeError(error);
