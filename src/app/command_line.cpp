@@ -17,11 +17,13 @@ std::optional<int> ModelIndex(const std::string& text) {
   return {};
 }
 
-// A file that exists, or the name of a model file, whose absence is reported when it is opened.
+// Anything to read that exists, or the name of a model file, whose absence is reported when it is
+// opened.
 bool IsFile(const std::string& text) {
   std::error_code ignored;
-  return std::filesystem::is_regular_file(text, ignored) || text.ends_with(".tvf") ||
-         text.ends_with(".TVF");
+  const auto status = std::filesystem::status(text, ignored);
+  return (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) ||
+         text.ends_with(".tvf") || text.ends_with(".TVF");
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "command_line.h"
 #include "core/text.h"
 #include "ui/desk/control_panel.h"
-#include "ui/session/file_commands.h"
+#include "ui/desk/file_commands.h"
 #include "ui/session/message_boxes.h"
 
 namespace {

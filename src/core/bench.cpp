@@ -166,6 +166,18 @@ void ZelBenchTop::RefreshInstruments() {
   }
 }
 
+void ZelBenchTop::PrepareCapture() {
+  for (const InstrumentKind kind : AllInstrumentKinds) {
+    for (Instrument* instrument : Instruments(kind)) instrument->PrepareCapture();
+  }
+}
+
+void ZelBenchTop::PrepareWideCapture() {
+  for (const InstrumentKind kind : AllInstrumentKinds) {
+    for (Instrument* instrument : Instruments(kind)) instrument->PrepareWideCapture();
+  }
+}
+
 void ZelBenchTop::StartScopes() {
   for (Instrument* scope : Instruments(InstrumentKind::Scope)) scope->Start();
 }

@@ -86,9 +86,10 @@ class ZelBenchTop {
   /// Every scope's constants grid is to show the constant's new value.
   void TellConstantChanged(const std::string& name);
 
-  /// Set when a constant has a new value, cleared when the constants have been saved.
-  bool ConstantsChanged() const { return constantsChanged_; }
-  void SetConstantsChanged(bool changed) { constantsChanged_ = changed; }
+  /// The windows are to get ready for a picture of the screen, or for one of a wide screen: tells
+  /// scopes, FFT analysers, swept-sine analysers, meters and wave generators in turn.
+  void PrepareCapture();
+  void PrepareWideCapture();
 
  private:
   ZelUndo history_;
@@ -99,7 +100,6 @@ class ZelBenchTop {
   std::vector<TimeDriven*> timeDriven_;
   std::vector<Variable*> variables_;
   std::vector<Constant*> constants_;
-  bool constantsChanged_ = false;
 };
 
 }  // namespace torvane

@@ -61,9 +61,9 @@ void Constant::Set(double value) {
   bench_.History().Push(entry);
 }
 
-bool Constant::SetFromText(const std::string& text) {
+bool Constant::SetFromText(const std::string& text, const std::string& where) {
   if (!IsList()) {
-    const std::optional<double> number = ToNumber(text);
+    const std::optional<double> number = ToNumber(text, where);
     if (number) Set(*number);
     return number.has_value();
   }
@@ -71,7 +71,7 @@ bool Constant::SetFromText(const std::string& text) {
   if (choice == choices_.end()) {
     Error("\"" + text + "\" is not a valid selection for \"" + name_ +
           "\". \n(Note:  you can double-click on the grid at the \nright of \"" + name_ +
-          "\" and use adjust buttons.)");
+          "\" and use adjust buttons.)" + where);
     return false;
   }
   Set(static_cast<double>(choice - choices_.begin()));
@@ -106,7 +106,6 @@ Undoable::Merged Constant::Merge(UndoEntry& earlier, const UndoEntry& later) con
 void Constant::Store(double value) {
   value_ = value;
   changed_ = true;
-  bench_.SetConstantsChanged(true);
   bench_.TellConstantChanged(name_);
   // What an observer does may end another one's interest, or its own.
   const std::vector<ConstantObserver*> observers = observers_;

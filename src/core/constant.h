@@ -68,8 +68,8 @@ class Constant : public Undoable {
   void Set(double value);
 
   /// Sets from text: a finite number, or exactly one of the choices. Anything else is reported and
-  /// keeps the value; the result tells whether the text was accepted.
-  bool SetFromText(const std::string& text);
+  /// keeps the value; the result tells whether the text was accepted. `where` ends such a report.
+  bool SetFromText(const std::string& text, const std::string& where = {});
 
   void RestoreDefault() { Set(default_); }
 

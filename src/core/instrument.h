@@ -82,6 +82,11 @@ class Instrument : public Undoable {
   /// The named constant has a new value.
   virtual void ConstantChanged(const std::string& name);
 
+  /// A picture of the screen, or of a wide screen, is to be taken; the first is also told when the
+  /// model has become the current one.
+  virtual void PrepareCapture() {}
+  virtual void PrepareWideCapture() {}
+
   /// Writes the instrument's settings as records of a model file.
   virtual void SaveRecords(RecordWriter& /*writer*/) const {}
 

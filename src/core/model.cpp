@@ -3,13 +3,17 @@
 #include <utility>
 
 #include "core/constant.h"
+#include "core/messages.h"
 
 namespace torvane {
 
 ZelModel::ZelModel(std::string name) : name_(std::move(name)) {}
 
-ZelModel::ZelModel(std::string name, double step, int maxOrder) : ZelModel(std::move(name)) {
+ZelModel::ZelModel(std::string name, double step, int maxOrder) try : ZelModel(std::move(name)) {
   MakeSolver(step, maxOrder);
+} catch (const std::exception&) {
+  FatalError("Fault in ZelModel :: ZelModel");
+  throw;
 }
 
 ZelModel::~ZelModel() = default;

@@ -13,13 +13,19 @@ namespace torvane {
 /// that integrates them and the instruments that the model opens on itself.
 class ZelModel {
  public:
-  /// Without a solver; MakeSolver is to be called before any state is registered.
+  /// Without a solver; MakeSolver is to be called before any state is registered. A base that
+  /// cannot be built is a fatal error, and the exception goes on.
   explicit ZelModel(std::string name);
   /// With a solver of the given step, seconds, for at most maxOrder states.
   ZelModel(std::string name, double step, int maxOrder = 50);
   ZelModel(const ZelModel&) = delete;
   ZelModel& operator=(const ZelModel&) = delete;
   virtual ~ZelModel();
+
+  /// The model's windows stand: every instrument gets ready for a picture of the screen, or for one
+  /// of a wide screen.
+  virtual void PrepareCapture() { bench_.PrepareCapture(); }
+  virtual void PrepareWideCapture() { bench_.PrepareWideCapture(); }
 
   /// Evaluates all blocks at time t and writes every state's derivative.
   virtual void Derivatives(double t) = 0;

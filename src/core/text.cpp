@@ -59,9 +59,9 @@ std::optional<int> ParseInteger(std::string_view text) {
   return ParseWhole<int>(text);
 }
 
-std::optional<double> ToNumber(std::string_view text) {
+std::optional<double> ToNumber(std::string_view text, const std::string& where) {
   const std::optional<double> value = ParseNumber(text);
-  if (!value) ConversionError("Cannot convert \"" + std::string(text) + "\" to a Number");
+  if (!value) ConversionError("Cannot convert \"" + std::string(text) + "\" to a Number" + where);
   return value;
 }
 

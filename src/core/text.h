@@ -13,8 +13,8 @@ std::optional<double> ParseNumber(std::string_view text);
 std::optional<int> ParseInteger(std::string_view text);
 
 /// As ParseNumber and ParseInteger, with a report when the text cannot be converted. Callers keep
-/// their value then.
-std::optional<double> ToNumber(std::string_view text);
+/// their value then. `where` ends the report.
+std::optional<double> ToNumber(std::string_view text, const std::string& where = {});
 std::optional<int> ToInteger(std::string_view text);
 
 /// Shortest text that reads back as the same number.

@@ -1,5 +1,7 @@
 #include "models/model_file_host.h"
 
+#include <utility>
+
 #include "instruments/meter/meter.h"
 #include "models/catalogue.h"
 
@@ -10,9 +12,14 @@ bool CatalogueHost::InCatalogue(const std::string& model) const {
 }
 
 bool CatalogueHost::ChangeModel(const std::string& name) {
-  Model.reset();  // one model at a time: the old one makes room first
-  Model = LoadModel(FindModel(name));
-  return Model != nullptr;
+  std::unique_ptr<ZelModel> model = LoadModel(FindModel(name));
+  if (!model) return false;
+  Replace(std::move(model));
+  return true;
+}
+
+void CatalogueHost::Replace(std::unique_ptr<ZelModel> model) {
+  Model = std::move(model);
 }
 
 Instrument* CatalogueHost::AddMeter(const std::string& name) {

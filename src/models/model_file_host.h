@@ -7,8 +7,7 @@
 
 namespace torvane {
 
-/// Host of model files for programs without windows: holds one model of the catalogue and replaces
-/// it when a file names another.
+/// Host of model files: holds one model of the catalogue and replaces it when a file names another.
 class CatalogueHost : public ModelFileHost {
  public:
   explicit CatalogueHost(std::unique_ptr<ZelModel> model = nullptr) : Model(std::move(model)) {}
@@ -17,6 +16,9 @@ class CatalogueHost : public ModelFileHost {
   bool InCatalogue(const std::string& model) const override;
   bool ChangeModel(const std::string& name) override;
   Instrument* AddMeter(const std::string& name) override;
+
+  /// A new model has been built and takes the present one's place.
+  virtual void Replace(std::unique_ptr<ZelModel> model);
 
   std::unique_ptr<ZelModel> Model;
 };

@@ -137,6 +137,12 @@ TEST_F(BenchInstrumentsTest, BroadcastsReachTheirKinds) {
   bench.StartScopes();
   bench.TellConstantChanged("KP");
   EXPECT_EQ(TakeLog(), (Log{"scope started", "scope told of KP"}));
+  bench.PrepareCapture();
+  EXPECT_EQ(TakeLog(), (Log{"scope captured", "fft captured", "swept captured", "meter captured",
+                            "generator captured"}));
+  bench.PrepareWideCapture();
+  EXPECT_EQ(TakeLog(), (Log{"scope captured wide", "fft captured wide", "swept captured wide",
+                            "meter captured wide", "generator captured wide"}));
 }
 
 TEST_F(BenchInstrumentsTest, AsksTheRightKindsForTheirState) {

@@ -7,6 +7,7 @@
 #include "core/constant.h"
 #include "support/fake_instrument.h"
 #include "support/one_state_model.h"
+#include "support/recorder.h"
 
 namespace torvane {
 namespace {
@@ -52,6 +53,17 @@ TEST(ModelTest, ResetReachesAStateThatWasRegisteredFirst) {
   model.X.Value = 5.0;
   model.Reset();
   EXPECT_EQ(model.X.Value, 4.0);
+}
+
+TEST(ModelTest, ABaseThatCannotBeBuiltIsFatal) {
+  class Oversized : public ZelModel {
+   public:
+    Oversized() : ZelModel("Oversized", 0.5, -1) {}
+    void Derivatives(double) override {}
+  };
+  test::Recorder reports;
+  EXPECT_THROW(Oversized(), std::exception);
+  EXPECT_EQ(reports.Take(), test::Messages{"Fatal Error: Fault in ZelModel :: ZelModel"});
 }
 
 TEST(ModelTest, AChunkRunsToTheRequestedTimeAndServicesThen) {

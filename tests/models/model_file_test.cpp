@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "core/constant.h"
 #include "core/files/record.h"
@@ -59,7 +63,6 @@ TEST_F(ModelFile, LoadingIsNoStepToUndoAndForgetsOnlyWhatItChanged) {
   Bench().FindConst("KP")->Set(1.0);
   EXPECT_TRUE(LoadModelText("Constant,KP,1\n", host_));
   EXPECT_TRUE(Bench().History().CanUndo()) << "the file changed nothing";
-  EXPECT_FALSE(Bench().ConstantsChanged());
 
   set("7");
   Bench().FindConst("KI")->Set(80.0);
@@ -72,16 +75,50 @@ TEST_F(ModelFile, LoadingIsNoStepToUndoAndForgetsOnlyWhatItChanged) {
   EXPECT_TRUE(Bench().History().CanUndo()) << "the file changed nothing";
 }
 
-TEST_F(ModelFile, SavingClearsTheChangedStateAndAFailureDoesNot) {
-  Bench().FindConst("KP")->Set(1.0);
-  EXPECT_FALSE(SaveModelFile(*host_.Model, Path("no/such/folder.tvf")));
-  EXPECT_TRUE(Bench().ConstantsChanged());
-  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + Path("no/such/folder.tvf") +
-                                       ": No such file or directory"});
-  EXPECT_TRUE(SaveModelFile(*host_.Model, Path("saved.tvf")));
-  EXPECT_FALSE(Bench().ConstantsChanged());
-  EXPECT_TRUE(LoadModelFile(Path("saved.tvf"), host_));
-  EXPECT_EQ(messages_.Take(), Messages{});
+// A file that is not a model's own must not be taken for one and saved over.
+TEST_F(ModelFile, TellsAModelsFileFromWhatMerelyLoads) {
+  const std::string title = std::string("Application,") + ApplicationTitle + "\n";
+  const std::string model = "Model,3-1 PI Controller\n";
+  struct Case {
+    std::string Text;
+    bool AtEnd, IsModelFile, Recognised;
+  } cases[] = {
+      {title + model, true, true, true},
+      {model + "Constant,KP,1\n", true, false, true},
+      {title + "Constant,KP,1\n", true, false, true},
+      {"Scope,MainScope,Channel,Feedback,1,1,1,0,1,1\n", true, false, true},
+      {"", true, false, false},
+      {"\n\n\xff\x01 anything\n", true, false, false},
+      {"Constant,KVP,1\nScope,OtherScope,Trigger,Level,1\n", true, false, false},
+      {title + model + "Application,Another\n", false, false, true},
+      {"Model,17-1 Perpetual Motion\n", false, false, false},
+  };
+  for (const Case& tried : cases) {
+    const LoadResult result = LoadModelText(tried.Text, host_);
+    EXPECT_EQ(result.AtEnd, tried.AtEnd) << tried.Text;
+    EXPECT_EQ(result.IsModelFile(), tried.IsModelFile) << tried.Text;
+    EXPECT_EQ(result.Recognised, tried.Recognised) << tried.Text;
+  }
+}
+
+// Whoever is asked sees the old state, whole.
+TEST_F(ModelFile, WhatIsToBeAskedIsAskedBeforeAnythingChanges) {
+  struct Watcher : public test::Recorder {
+    explicit Watcher(CatalogueHost& watched) : host(watched) {}
+    bool Ask(MessageKind, const std::string&) override {
+      seen.push_back(host.Model->Name() + " " + host.Model->Bench().Constants()[0]->FileText());
+      return true;
+    }
+    CatalogueHost& host;
+    std::vector<std::string> seen;
+  } watcher(host_);
+  const std::string before = "3-1 PI Controller " + Bench().Constants()[0]->FileText();
+  EXPECT_TRUE(LoadModelText("Constant," + Bench().Constants()[0]->Name() +
+                                ",0.01\nModel,4-1 Digital PI Controller\n"
+                                "Model,2-1 PI+ Controller\n",
+                            host_));
+  EXPECT_EQ(watcher.seen, (std::vector<std::string>{before, before}));
+  EXPECT_EQ(host_.Model->Name(), "2-1 PI+ Controller");
 }
 
 TEST_F(ModelFile, AnotherModelIsBuiltAndReadInto) {
@@ -180,6 +217,27 @@ TEST_F(ModelFile, IsRefusedWhenItIsTooLarge) {
   // Without an end, and memory to match.
   EXPECT_FALSE(ReadModelText("/dev/zero", text));
   EXPECT_LT(text.size(), 2 * MaxModelLineLength);
+}
+
+TEST_F(ModelFile, APipeIsReadToItsEndHoweverSlowAndGivenUpWhenSilent) {
+  const std::string pipe = Path("pipe" + std::to_string(::getpid()));
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  std::string text;
+  EXPECT_FALSE(ReadModelText(pipe, text, 20));
+  EXPECT_EQ(messages_.Take(),
+            Messages{"Error: Nothing comes from " + pipe + ".  It is no model file."});
+  // The reader opens a pipe that has no writer yet, and then is faster than it.
+  std::thread writer([&] {
+    std::ofstream out(pipe);
+    for (const char* part : {"Constant,", "KP,1", "\n"}) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      out << part << std::flush;
+    }
+  });
+  EXPECT_TRUE(ReadModelText(pipe, text));
+  writer.join();
+  EXPECT_EQ(text, "Constant,KP,1\n");
+  std::filesystem::remove(pipe);
 }
 
 TEST_F(ModelFile, WhatCannotBeOpenedIsSaid) {

@@ -28,6 +28,9 @@ class FakeInstrument : public Instrument {
     log_.push_back(Name() + " told of " + name);
   }
 
+  void PrepareCapture() override { log_.push_back(Name() + " captured"); }
+  void PrepareWideCapture() override { log_.push_back(Name() + " captured wide"); }
+
   double Requested = -1.0;
   int StopsAtService = 0;  ///< the service, counted from 1, that wants the run to stop
   bool IsBusy = false;

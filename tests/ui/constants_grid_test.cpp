@@ -83,7 +83,7 @@ TEST_F(ConstantsGridTest, AnUntouchedCellKeepsTheDigitsItDoesNotShow) {
 }
 
 TEST_F(ConstantsGridTest, ChoicesAreOfferedAsAList) {
-  Find<QComboBox>("ModelCmB").setCurrentText("4-1 Digital PI Controller");
+  ChooseModel("4-1 Digital PI Controller");
   const Constant* list = nullptr;
   for (const Constant* constant : Bench().Constants()) {
     if (constant->IsList()) list = constant;

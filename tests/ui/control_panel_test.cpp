@@ -98,7 +98,7 @@ TEST_F(ControlPanelTest, TheTimeIsPaintedAtMostOnceAFrame) {
 TEST_F(ControlPanelTest, ChoosingAModelReplacesTheCurrentOne) {
   Click("SBRun");
   QTest::qWait(50);
-  Selector().setCurrentText("3-1 PI Controller");
+  ChooseModel("3-1 PI Controller");
   EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
   EXPECT_TRUE(Down("SBStop"));
   EXPECT_EQ(Panel->Model()->Time(), 0.0);
@@ -112,14 +112,56 @@ TEST_F(ControlPanelTest, ChangedConstantsAreNotDiscardedUnasked) {
       "Those values will be lost.  Press OK to continue.";
   Const("KVP").Set(1.0);
   Reports.Answer = false;
-  Selector().setCurrentText("3-1 PI Controller");
+  ChooseModel("3-1 PI Controller");
   EXPECT_EQ(Reports.Take(), Messages{question});
   EXPECT_EQ(Panel->Model()->Name(), "2-1 PI+ Controller");
   EXPECT_EQ(Selector().currentText(), "2-1 PI+ Controller");
   Reports.Answer = true;
-  Selector().setCurrentText("3-1 PI Controller");
+  ChooseModel("3-1 PI Controller");
   EXPECT_EQ(Reports.Take(), Messages{question});
   EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
+}
+
+TEST_F(ControlPanelTest, ChoosingThePresentModelBuildsItAnew) {
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > 0.0; }));
+  Const("KVP").Set(1.0);
+  Reports.Answer = false;
+  ChooseModel("2-1 PI+ Controller");
+  EXPECT_EQ(Reports.Take().size(), 1U);
+  EXPECT_EQ(Const("KVP").Value(), 1.0);
+  Reports.Answer = true;
+  ChooseModel("2-1 PI+ Controller");
+  EXPECT_EQ(Const("KVP").Value(), Const("KVP").Default());
+  EXPECT_EQ(Panel->Model()->Time(), 0.0);
+  EXPECT_TRUE(Down("SBStop"));
+}
+
+TEST_F(ControlPanelTest, TheSimulationStandsStillWhileABoxIsOpen) {
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > 0.0; }));
+  double before = 0.0;
+  double after = 0.0;
+  QTimer::singleShot(0, Panel.get(), [&] {
+    before = Panel->Model()->Time();
+    QTimer::singleShot(100, Panel.get(), [&] {
+      after = Panel->Model()->Time();
+      QApplication::activeModalWidget()->close();
+    });
+  });
+  Trigger("MIAbout");
+  EXPECT_GT(before, 0.0);
+  EXPECT_EQ(after, before);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > after; }));
+}
+
+TEST_F(ControlPanelTest, AFirstModelThatCannotBeBuiltEndsTheProgram) {
+  Panel = std::make_unique<TZelControlPanelF>(Data, 15);
+  EXPECT_EQ(Reports.Take(), (Messages{"Fatal Error: Fault in LoadModel",
+                                      "Fatal Error: Fault in TZelControlPanelF :: FormCreate"}));
+  EXPECT_TRUE(Reports.Ended);
+  EXPECT_EQ(Panel->Model(), nullptr);
+  EXPECT_TRUE(Panel->close());
 }
 
 TEST_F(ControlPanelTest, ClosingAsksAboutChangedConstants) {
@@ -135,14 +177,14 @@ TEST_F(ControlPanelTest, ClosingAsksAboutChangedConstants) {
 
 TEST_F(ControlPanelTest, AnUnknownModelNameIsReported) {
   Selector().addItem("17-1 Perpetual Motion");
-  Selector().setCurrentText("17-1 Perpetual Motion");
+  ChooseModel("17-1 Perpetual Motion");
   EXPECT_EQ(Reports.Take(), Messages{"Error: Could not find model 17-1 Perpetual Motion"});
   EXPECT_EQ(Selector().currentText(), "2-1 PI+ Controller");
 }
 
 TEST_F(ControlPanelTest, EveryModelOpensAndRuns) {
   for (const std::string& name : ModelNames()) {
-    Selector().setCurrentText(QString::fromStdString(name));
+    ChooseModel(QString::fromStdString(name));
     ASSERT_EQ(Panel->Model()->Name(), name);
     Click("SBRun");
     ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > 0.01; })) << name;
@@ -165,8 +207,7 @@ TEST_F(ControlPanelTest, UndoAndRedoFollowTheHistory) {
   EXPECT_EQ(Const("KVP").Value(), 1.25);
   EXPECT_FALSE(Find<QWidget>("SBRedo").isEnabled());
 
-  Bench().SetConstantsChanged(false);
-  Selector().setCurrentIndex(1);
+  ChooseModel("3-1 PI Controller");
   EXPECT_EQ(Find<QAction>("MIUndo").text(), "Undo");
   EXPECT_FALSE(Find<QAction>("MIUndo").isEnabled());
 }
@@ -227,7 +268,7 @@ TEST_F(ControlPanelTest, EveryCommandThatShowsWorks) {
   }
   EXPECT_EQ(commands.join(" ").toStdString(),
             "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
-            "MIUndo MIRedo MIFillScreen MICascade MIAbout");
+            "MIUndo MIRedo MIFillScreen MIAbout");
   EXPECT_EQ(Find<QAction>("MIUndo").shortcut(), QKeySequence("Ctrl+Z"));
   EXPECT_EQ(Find<QAction>("MIRedo").shortcut(), QKeySequence("Ctrl+Y"));
 }

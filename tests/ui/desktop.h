@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QTest>
 #include <memory>
@@ -31,6 +32,13 @@ class Desktop : public testing::Test {
   }
   void Click(const char* name) { QTest::mouseClick(&Find<QWidget>(name), Qt::LeftButton); }
   void Trigger(const char* name) { Find<QAction>(name).trigger(); }
+
+  /// Chooses a model as the user does, in the list.
+  void ChooseModel(const QString& name) {
+    auto& list = Find<QComboBox>("ModelCmB");
+    list.setCurrentText(name);
+    emit list.activated(list.currentIndex());
+  }
 
   QString Text(const char* edit) { return Find<QLineEdit>(edit).text(); }
   /// Types into an edit in place of what it holds; commits on Enter.

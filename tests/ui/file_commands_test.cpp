@@ -1,7 +1,6 @@
-#include "ui/session/file_commands.h"
+#include "ui/desk/file_commands.h"
 
-#include <unistd.h>
-
+#include <QAbstractButton>
 #include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -16,6 +15,8 @@
 #include <QUrl>
 
 #include "core/constant.h"
+#include "core/files/model_file.h"
+#include "core/files/seal.h"
 #include "desktop.h"
 #include "library/wave.h"
 
@@ -67,9 +68,12 @@ class FileCommandsTest : public Desktop {
   ZelWave& Generator() {
     return dynamic_cast<ZelWave&>(*Bench().Instruments(InstrumentKind::WaveGenerator).front());
   }
-  QString Title() {
-    Panel->Files().ShowTitle();
-    return Panel->windowTitle();
+  QString Title() { return Panel->Work().Title(); }
+  bool Open(const QString& path) { return Panel->Work().Open(path); }
+  // A file of the first model's, with these records.
+  static QByteArray File(const QByteArray& records) {
+    return QByteArray("Application,") + ApplicationTitle + "\r\nModel,2-1 PI+ Controller\r\n" +
+           records;
   }
 
   QTemporaryDir Folder;
@@ -92,7 +96,7 @@ TEST_F(FileCommandsTest, SavesAndLoadsThroughTheMenu) {
   EXPECT_EQ(Const("KVP").Value(), 1.5);
   EXPECT_EQ(Generator().Settings().Amplitude, 33);
   EXPECT_EQ(Text("EAmplitude"), "33");
-  EXPECT_FALSE(Bench().ConstantsChanged());
+  EXPECT_FALSE(Panel->Work().Changed());
 
   Const("KVI").Set(7);
   Trigger("MISave");  // the file is known: asks nothing
@@ -123,13 +127,13 @@ TEST_F(FileCommandsTest, AsksBeforeItReplacesAFileOrAModel) {
   Put(Path("other.tvf"), "Model,3-1 PI Controller\r\nConstant,KP,0.25\r\n");
   Const("KVP").Set(2);
   Reports.Answer = false;
-  EXPECT_FALSE(Panel->Files().Open(Path("other.tvf")));
+  EXPECT_FALSE(Open(Path("other.tvf")));
   EXPECT_EQ(Panel->Model()->Name(), "2-1 PI+ Controller");
   EXPECT_EQ(Const("KVP").Value(), 2);
   EXPECT_EQ(Reports.Take(), Messages{"Warning: This file is for another model.  Press OK to "
                                      "change models."});
   Reports.Answer = true;
-  EXPECT_TRUE(Panel->Files().Open(Path("other.tvf")));
+  EXPECT_TRUE(Open(Path("other.tvf")));
   EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
   EXPECT_EQ(Const("KP").Value(), 0.25);
   EXPECT_EQ(Reports.Take().size(), 2U);  // the model and the constants that would be lost
@@ -149,72 +153,108 @@ TEST_F(FileCommandsTest, ADroppedFileOpens) {
 }
 
 TEST_F(FileCommandsTest, ABrokenFileShowsTenBoxesAndOneList) {
-  Put(Path("broken.tvf"), QByteArray("Constant,Nothing,1\n").repeated(14));
+  Put(Path("broken.tvf"), File(QByteArray("Constant,Nothing,1\n").repeated(14)));
   QString listed;
   Next([&](QDialog& dialog) {
     EXPECT_EQ(dialog.objectName(), "LoadReportBox");
     listed = dialog.findChild<QPlainTextEdit*>()->toPlainText();
     dialog.accept();
   });
-  Panel->Files().Open(Path("broken.tvf"));
+  Open(Path("broken.tvf"));
   EXPECT_EQ(Reports.Take().size(), 10U);
   EXPECT_EQ(listed.count("Constant not found"), 4);
   // A file that is not there is told of and becomes nobody's current file.
-  EXPECT_FALSE(Panel->Files().Open(Path("missing.tvf")));
+  EXPECT_FALSE(Open(Path("missing.tvf")));
   EXPECT_EQ(Reports.Take().size(), 1U);
-  EXPECT_EQ(Panel->Files().CurrentFile(), Path("broken.tvf"));
+  EXPECT_EQ(Panel->Work().File(), Path("broken.tvf"));
 }
 
 TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
   const WindowPlacement before = Generator().Placement;
   Put(Path("placed.tvf"), "WaveGen,MainWaveGen,Display,wsNormal,300,40,50,330\n");
   Trigger("MIResizeWhenLoading");
-  Panel->Files().Open(Path("placed.tvf"));
+  Open(Path("placed.tvf"));
   EXPECT_EQ(Generator().Placement, before);
   Trigger("MIResizeWhenLoading");
-  Panel->Files().Open(Path("placed.tvf"));
+  Open(Path("placed.tvf"));
   EXPECT_EQ(Generator().Placement.Left, 40);
   QWidget* frame = Find<QWidget>("TZelWaveGenF").parentWidget();
   EXPECT_EQ(frame->geometry(), QRect(40, 50, 330, 300));
 }
 
-TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedOnce) {
-  // A process number that no process can have.
-  const QString left = Path("state/torvane/session-2147483646.tvf");
-  const QByteArray session = "Model,3-1 PI Controller\r\nConstant,KP,0.125\r\n";
-  Put(left, session);
-  Panel->Files().Start({}, false);
-  EXPECT_EQ(Panel->Model()->Name(), "3-1 PI Controller");
-  EXPECT_EQ(Const("KP").Value(), 0.125);
-  EXPECT_TRUE(Bench().ConstantsChanged());
-  EXPECT_FALSE(QFile::exists(left));
-  EXPECT_EQ(Reports.Take().size(), 1U);
-  // The session is kept again, by this process, until it ends.
-  const QString own = Path("state/torvane/session-%1.tvf").arg(::getpid());
-  EXPECT_TRUE(QFile::exists(own));
-  Panel.reset();
-  EXPECT_FALSE(QFile::exists(own));
-
-  Put(left, session);
-  Panel = std::make_unique<TZelControlPanelF>(Data);
-  Reports.Answer = false;
-  Panel->Files().Start({}, false);
-  EXPECT_EQ(Panel->Model()->Name(), "2-1 PI+ Controller");
-  EXPECT_FALSE(QFile::exists(left));
+// Painted from within a box, a trace that is shown for the first time had no colour yet.
+TEST_F(FileCommandsTest, ABoxWhileLoadingShowsNothingHalfLoaded) {
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Frames() >= 3; }));
+  struct Painter : test::Recorder {
+    explicit Painter(TZelControlPanelF& painted) : panel(painted) {}
+    void Show(MessageKind kind, const std::string& text) override {
+      panel.Model()->Bench().RefreshInstruments();
+      panel.grab();
+      Recorder::Show(kind, text);
+    }
+    TZelControlPanelF& panel;
+  } painter(*Panel);
+  QByteArray records;
+  for (const Variable* variable : Bench().Variables()) {
+    records +=
+        "Scope,MainScope,Channel," + QByteArray::fromStdString(variable->Name()) + ",1,1,0,0,1,0\n";
+  }
+  records += "Constant,Nothing,1\n";
+  Put(Path("shows.tvf"), records);
+  EXPECT_TRUE(Open(Path("shows.tvf")));
+  EXPECT_FALSE(painter.Take().empty());
 }
 
-TEST_F(FileCommandsTest, AnUnsavedSessionIsKeptWhileItDiffers) {
-  const QString own = Path("state/torvane/session-%1.tvf").arg(::getpid());
-  QTest::qWait(2300);
-  EXPECT_FALSE(QFile::exists(own));  // nothing to lose
-  Const("KVP").Set(1.25);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(own); }, 5000));
-  QFile file(own);
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(file.readAll().contains("Constant,KVP,1.25\r\n"));
-  ChooseFile(Path("safe.tvf"));
-  Trigger("MISaveAs");
-  EXPECT_FALSE(QFile::exists(own));
+TEST_F(FileCommandsTest, LoadBeginsAtTheExamplesAndThenWhereTheUserWas) {
+  const auto folderShown = [this](const QString& choose) {
+    QString shown;
+    Next([&](QDialog& dialog) {
+      shown = dynamic_cast<QFileDialog&>(dialog).directory().path();
+      EXPECT_EQ(dynamic_cast<QFileDialog&>(dialog).nameFilters(),
+                QStringList("Torvane File (*.[tT][vV][fF])"));
+      auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+      name->setText(choose);
+      choose.isEmpty() ? dialog.reject() : QTest::keyClick(name, Qt::Key_Return);
+    });
+    Trigger("MILoad");
+    return shown;
+  };
+  EXPECT_EQ(folderShown({}), Data.FindFolder("examples"));
+  Put(Path("mine/A.TVF"), "Constant,KVP,4\n");
+  EXPECT_EQ(folderShown(Path("mine/A.TVF")), Data.FindFolder("examples"));
+  EXPECT_EQ(Const("KVP").Value(), 4);
+  EXPECT_EQ(folderShown({}), Path("mine"));
+}
+
+TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedUntilItIsAnswered) {
+  const QString left = Path("state/torvane/session-left.tvf");
+  const auto start = [&](const char* button) {
+    Next([button](QDialog& box) {
+      EXPECT_EQ(box.objectName(), "RecoveryBox");
+      for (QAbstractButton* choice : box.findChildren<QAbstractButton*>()) {
+        if (button && choice->text().remove('&') == button) choice->click();
+      }
+      if (!button) QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    Panel = std::make_unique<TZelControlPanelF>(Data);
+    Panel->Files().Start({}, false);
+    return Panel->Model()->Name();
+  };
+  const std::string text = "Model,3-1 PI Controller\r\nConstant,KP,0.125\r\n";
+  Put(left, QByteArray::fromStdString(Sealed(text)));
+  EXPECT_EQ(start(nullptr), "2-1 PI+ Controller");
+  EXPECT_TRUE(QFile::exists(left));
+  EXPECT_EQ(start("Restore"), "3-1 PI Controller");
+  EXPECT_EQ(Const("KP").Value(), 0.125);
+  EXPECT_TRUE(Title().startsWith("* "));
+  Panel.reset();
+  EXPECT_FALSE(QFile::exists(left));
+
+  Put(left, QByteArray::fromStdString(Sealed(text)));
+  EXPECT_EQ(start("Discard"), "2-1 PI+ Controller");
+  EXPECT_FALSE(QFile::exists(left));
+  EXPECT_TRUE(Reports.Take().empty());
 }
 
 }  // namespace

@@ -43,7 +43,7 @@ TEST_F(InputTest, EveryKeyTypedOnASelectedValueIsPartOfTheNewValue) {
 }
 
 TEST_F(InputTest, AKeyOnAListConstantOpensItsChoices) {
-  Find<QComboBox>("ModelCmB").setCurrentText("4-1 Digital PI Controller");
+  ChooseModel("4-1 Digital PI Controller");
   const auto& constants = Bench().Constants();
   const auto list = std::find_if(constants.begin(), constants.end(),
                                  [](const Constant* constant) { return constant->IsList(); });

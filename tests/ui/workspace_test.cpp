@@ -17,7 +17,7 @@ class WorkspaceTest : public test::Desktop {
 
 TEST_F(WorkspaceTest, SubWindowsFillASmallDisplayWithoutOverlap) {
   for (int index = 0; index < static_cast<int>(ModelNames().size()); ++index) {
-    Find<QComboBox>("ModelCmB").setCurrentIndex(index);
+    ChooseModel(QString::fromStdString(ModelNames()[index]));
     const auto& frames = Area().Frames();
     ASSERT_GE(frames.size(), 2U);
     for (std::size_t i = 0; i < frames.size(); ++i) {
@@ -62,6 +62,20 @@ TEST_F(WorkspaceTest, AGivenPlacementIsKept) {
   Panel->MakeCurrent(std::move(model));
   QTest::qWait(10);
   EXPECT_EQ(Area().Frames()[0]->geometry(), QRect(11, 22, 640, 420));
+}
+
+// A window of 32767 pixels a side would have buffers of gigabytes.
+TEST_F(WorkspaceTest, APlacementIsFittedToTheWorkspace) {
+  Instrument& scope = Area().Frames()[0]->Pane().Engine();
+  const WindowPlacement hostile[] = {{WindowState::Normal, 32767, 0, 0, 32767},
+                                     {WindowState::Normal, 300, 32767, -32767, 400},
+                                     {WindowState::Normal, 300, -32767, 32767, 1},
+                                     {WindowState::Maximised, 32767, 0, 0, 32767}};
+  for (const WindowPlacement& placement : hostile) {
+    scope.Placement = placement;
+    Area().RestorePlacements();
+    EXPECT_TRUE(Area().rect().contains(Area().Frames()[0]->geometry()));
+  }
 }
 
 // Every control says what it does, to the eye and to a screen reader, and the keyboard gets there.

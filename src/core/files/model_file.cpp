@@ -3,7 +3,6 @@
 #include "core/constant.h"
 #include "core/files/atomic_save.h"
 #include "core/files/record.h"
-#include "core/messages.h"
 
 namespace torvane {
 
@@ -23,23 +22,14 @@ std::string ModelFileText(const ZelModel& model) {
   return text;
 }
 
-bool SaveModelFile(ZelModel& model, const std::string& path) {
-  if (!SaveAtomically(path, ModelFileText(model))) return false;
-  model.Bench().SetConstantsChanged(false);
-  return true;
+bool SaveModelFile(const ZelModel& model, const std::string& path) {
+  return SaveAtomically(path, ModelFileText(model));
 }
 
-bool LoadModelFile(const std::string& path, ModelFileHost& host) {
+LoadResult LoadModelFile(const std::string& path, ModelFileHost& host) {
   std::string text;
-  return ReadModelText(path, text) && LoadModelText(text, host);
-}
-
-bool MayDiscardConstants(const ZelBenchTop& bench, const std::string& toDo) {
-  return !bench.ConstantsChanged() ||
-         WarningQuestion(
-             "Parameter values have changed since the last File Save.\r"
-             "Those values will be lost.  Press OK to " +
-             toDo + ".");
+  if (!ReadModelText(path, text)) return {};
+  return LoadModelText(text, host);
 }
 
 }  // namespace torvane

@@ -1,15 +1,12 @@
 #include "core/files/model_file_lines.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string>
 #include <system_error>
 
+#include "core/files/input_file.h"
 #include "core/files/model_file.h"
 #include "core/files/record.h"
 #include "core/messages.h"
@@ -18,39 +15,6 @@ namespace torvane {
 namespace {
 
 constexpr std::size_t PieceSize = 65536;
-
-/// An open file; a name without a file, or of something that is none, opens nothing.
-class InputFile {
- public:
-  // What is no plain file is not waited for: a pipe may never have a writer.
-  explicit InputFile(const std::string& path)
-      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-    struct stat status {};
-    if (descriptor_ >= 0 && (fstat(descriptor_, &status) != 0 || S_ISDIR(status.st_mode))) Close();
-  }
-  ~InputFile() { Close(); }
-  InputFile(const InputFile&) = delete;
-  InputFile& operator=(const InputFile&) = delete;
-
-  bool IsOpen() const { return descriptor_ >= 0; }
-
-  /// Bytes read; 0 at the end, negative after a failure.
-  ssize_t Read(char* buffer, std::size_t size) const {
-    ssize_t count = -1;
-    do {
-      count = read(descriptor_, buffer, size);
-    } while (count < 0 && errno == EINTR);
-    return count;
-  }
-
- private:
-  void Close() {
-    if (descriptor_ >= 0) close(descriptor_);
-    descriptor_ = -1;
-  }
-
-  int descriptor_;
-};
 
 /// Follows the length of the line that is being read.
 class LineLength {
@@ -83,8 +47,8 @@ bool LineReader::Next(std::string& line) {
   return true;
 }
 
-bool ReadModelText(const std::string& path, std::string& text) {
-  const InputFile file(path);
+bool ReadModelText(const std::string& path, std::string& text, int patience) {
+  InputFile file(path, patience);
   if (!file.IsOpen()) {
     Error("Cannot open " + path);
     return false;
@@ -96,7 +60,9 @@ bool ReadModelText(const std::string& path, std::string& text) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
     if (count == 0) return true;
     if (count < 0) {
-      Error("Error reading file.  " + path + ": " + std::generic_category().message(errno));
+      Error(file.WasSilent()
+                ? "Nothing comes from " + path + ".  It is no model file."
+                : "Error reading file.  " + path + ": " + std::generic_category().message(errno));
       return false;
     }
     const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
@@ -120,6 +86,18 @@ std::string ModelNameIn(std::string_view text) {
     if (record.Fields.size() == 2) return record.Fields[1];
   }
   return {};
+}
+
+std::string SettingsText(const ZelModel& model) {
+  const std::string text = ModelFileText(model);
+  std::string settings;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+    const std::string_view line(text.data() + start, end - start);
+    if (line.find(",Display,") == std::string_view::npos) settings += line;
+    start = end;
+  }
+  return settings;
 }
 
 }  // namespace torvane

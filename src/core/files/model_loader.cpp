@@ -15,40 +15,71 @@ void ReportEntryCount(const Record& record) {
   Error("File error:  wrong number entries in " + record.Line);
 }
 
-void LoadConstant(ZelBenchTop& bench, const Record& record) {
+// False when the line names no constant of the model.
+bool LoadConstant(ZelBenchTop& bench, const Record& record) {
   if (record.Fields.size() != 3) {
     ReportEntryCount(record);
-    return;
+    return false;
   }
   Constant* const constant = bench.FindConst(record.Fields[1]);
   if (!constant) {
     Error("File error: Constant not found in this line:\r" + record.Line);
-    return;
+    return false;
   }
   bench.History().Suspend();
-  constant->SetFromText(record.Fields[2]);
+  constant->SetFromText(record.Fields[2],
+                        "\rin line " + std::to_string(record.Number) + ":  " + record.Line);
   bench.History().Resume();
   bench.TellConstantChanged(constant->Name());
+  return true;
 }
 
 class Loader {
  public:
   explicit Loader(ModelFileHost& host) : host_(host) {}
 
-  bool Load(std::string_view text) {
+  LoadResult Load(std::string_view text) {
+    stopAt_ = AskAboutModels(text);
     LineReader lines(text);
-    bool goOn = true;
-    for (std::string line; goOn && lines.Next(line);) {
+    result_.AtEnd = true;
+    for (std::string line; result_.AtEnd && lines.Next(line);) {
+      if (line.empty()) continue;
       host_.AtLine(lines.Number());
-      goOn = LoadLine(ParseRecord(line, lines.Number()));
+      result_.AtEnd = LoadLine(ParseRecord(line, lines.Number()));
     }
     FinishInstruments();
     host_.AtLine(0);
-    if (goOn && host_.CurrentModel()) host_.CurrentModel()->Bench().SetConstantsChanged(false);
-    return goOn;
+    return result_;
   }
 
  private:
+  /// Asks what there is to ask about the models that the text names; number of the line at which
+  /// the user wants loading to stop, 0 for none.
+  int AskAboutModels(std::string_view text) {
+    if (!host_.CurrentModel()) return 0;
+    std::string present = host_.CurrentModel()->Name();
+    bool discards = false;
+    LineReader lines(text);
+    for (std::string line; lines.Next(line);) {
+      if (!line.starts_with("Application,") && !line.starts_with("Model,")) continue;
+      const Record record = ParseRecord(line, lines.Number());
+      if (record.Fields.size() != 2) continue;
+      const std::string& value = record.Fields[1];
+      const bool isModel = record.Fields[0] == "Model";
+      if (isModel ? !host_.InCatalogue(value) && value != present : value != ApplicationTitle) {
+        return 0;  // loading ends here by itself
+      }
+      if (!isModel || value == present) continue;
+      if (!WarningQuestion("This file is for another model.  Press OK to change models.")) {
+        return record.Number;
+      }
+      if (!discards && !host_.MayDiscard()) return record.Number;
+      discards = true;  // what follows are the file's own values
+      present = value;
+    }
+    return 0;
+  }
+
   /// False when loading is to stop.
   bool LoadLine(const Record& record) {
     const std::string& first = record.Field(0);
@@ -56,7 +87,7 @@ class Loader {
     if (first == "Model") return CheckModel(record);
     if (!host_.CurrentModel()) return true;
     if (first == "Constant") {
-      LoadConstant(Bench(), record);
+      if (LoadConstant(Bench(), record)) result_.Recognised = true;
       return true;
     }
     for (const InstrumentKind kind : AllInstrumentKinds) {
@@ -65,14 +96,17 @@ class Loader {
     return true;
   }
 
-  static bool CheckApplication(const Record& record) {
+  bool CheckApplication(const Record& record) {
     if (record.Fields.size() != 2) {
       ReportEntryCount(record);
       return true;
     }
-    if (record.Fields[1] == ApplicationTitle) return true;
-    Error("This Torvane file is for another application.");
-    return false;
+    if (record.Fields[1] != ApplicationTitle) {
+      Error("This Torvane file is for another application.");
+      return false;
+    }
+    result_.HasTitle = result_.Recognised = true;
+    return true;
   }
 
   bool CheckModel(const Record& record) {
@@ -81,22 +115,20 @@ class Loader {
       return true;
     }
     const std::string& name = record.Fields[1];
-    ZelModel* const current = host_.CurrentModel();
-    if (current && current->Name() == name) return true;
-    if (!host_.InCatalogue(name)) {
-      Error("This Torvane file is for the model \"" + name +
-            "\" and is not part of this version of Torvane.");
-      return false;
-    }
-    if (current) {
-      if (!WarningQuestion("This file is for another model.  Press OK to change models.")) {
+    if (record.Number == stopAt_) return false;
+    const ZelModel* const current = host_.CurrentModel();
+    if (!current || current->Name() != name) {
+      if (!host_.InCatalogue(name)) {
+        Error("This Torvane file is for the model \"" + name +
+              "\" and is not part of this version of Torvane.");
         return false;
       }
-      if (!MayDiscardConstants(current->Bench())) return false;
-      FinishInstruments();
+      if (current) FinishInstruments();
+      refusedMeters_.clear();
+      if (!host_.ChangeModel(name)) return false;
     }
-    refusedMeters_.clear();
-    return host_.ChangeModel(name);
+    result_.HasModel = result_.Recognised = true;
+    return true;
   }
 
   void LoadInstrument(InstrumentKind kind, const Record& record) {
@@ -107,6 +139,7 @@ class Loader {
     Instrument* instrument = Bench().FindInstrument(kind, record.Fields[1]);
     if (!instrument && kind == InstrumentKind::Meter) instrument = AddMeter(record.Fields[1]);
     if (!instrument) return;
+    result_.Recognised = true;
     const WindowPlacement placement = instrument->Placement;
     instrument->BeginLoading();
     Bench().History().Suspend();
@@ -137,12 +170,14 @@ class Loader {
   ZelBenchTop& Bench() { return host_.CurrentModel()->Bench(); }
 
   ModelFileHost& host_;
+  LoadResult result_;
+  int stopAt_ = 0;
   std::set<std::string> refusedMeters_;
 };
 
 }  // namespace
 
-bool LoadModelText(std::string_view text, ModelFileHost& host) {
+LoadResult LoadModelText(std::string_view text, ModelFileHost& host) {
   return Loader(host).Load(text);
 }
 

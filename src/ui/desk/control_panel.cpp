@@ -6,16 +6,15 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QShortcut>
-#include <QSignalBlocker>
 #include <utility>
 
 #include "core/messages.h"
 #include "core/text.h"
 #include "models/catalogue.h"
+#include "ui/desk/file_commands.h"
 #include "ui/desk/splash.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/model_views.h"
-#include "ui/session/file_commands.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/held_gestures.h"
 #include "ui/widgets/wheel_guard.h"
@@ -47,36 +46,35 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
   ui_->setupUi(this);
   setAcceptDrops(true);
   new WheelGuard(this);
-  new HeldGestures(this, [this] { return model_ ? &model_->Bench().History() : nullptr; });
-  files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent);
+  new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
+  files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   UseFixedDigits(*ui_->LTime);
-  ConnectControls();
-  try {
-    for (const std::string& name : ModelNames()) {
-      ui_->ModelCmB->addItem(QString::fromStdString(name));
-    }
-    MakeCurrent(LoadModel(startModel));
-    files_->ForgetFile();
-  } catch (const std::exception&) {
-    Error("Fault in TZelControlPanelF :: FormCreate");
+  for (const std::string& name : ModelNames()) {
+    ui_->ModelCmB->addItem(QString::fromStdString(name));
   }
-  connect(ui_->ModelCmB, &QComboBox::currentIndexChanged, this, &TZelControlPanelF::SelectModel);
+  ConnectSession();
+  ConnectControls();
+  if (!session_.Choose(startModel)) FatalError("Fault in TZelControlPanelF :: FormCreate");
   refreshTimer_.setObjectName(QStringLiteral("Timer1"));
   connect(&refreshTimer_, &QTimer::timeout, this, &TZelControlPanelF::RefreshTick);
   refreshTimer_.start(RefreshMilliseconds);
 }
 
 TZelControlPanelF::~TZelControlPanelF() {
-  driver_.Stop();
-  files_.reset();
-  ui_->InstrumentArea->CloseAll();
-  if (model_) model_->Bench().History().Attach(nullptr);
+  LeaveModel();
+}
+
+void TZelControlPanelF::ConnectSession() {
+  connect(&session_, &Session::ModelAboutToChange, this, &TZelControlPanelF::LeaveModel);
+  connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
+  connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
+  connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
 }
 
 void TZelControlPanelF::ConnectControls() {
   connect(ui_->SBRun, &QAbstractButton::toggled, this, &TZelControlPanelF::RunToggled);
   connect(ui_->SBRun, &QAbstractButton::clicked, this, [this] {
-    if (model_) model_->Bench().StartScopes();
+    if (Model()) Model()->Bench().StartScopes();
   });
   // A shortcut of the button itself would give it the focus.
   const auto shortcut = [this](const char* keys, QAbstractButton* button) {
@@ -88,71 +86,76 @@ void TZelControlPanelF::ConnectControls() {
   connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
   connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
   connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, this, [this] {
-    picture_->ShowModel(QString::fromStdString(model_->Name()),
-                        QString::fromStdString(model_->PictureFile()), data_);
+    picture_->ShowModel(QString::fromStdString(Model()->Name()),
+                        QString::fromStdString(Model()->PictureFile()), data_);
   });
   connect(ui_->BShowModelTXT, &QAbstractButton::clicked, this, [this] {
-    text_->ShowModel(QString::fromStdString(model_->Name()),
-                     QString::fromStdString(model_->TextFile()), data_);
+    text_->ShowModel(QString::fromStdString(Model()->Name()),
+                     QString::fromStdString(Model()->TextFile()), data_);
   });
-  const auto undo = [this] { model_->Bench().History().Undo(); };
-  const auto redo = [this] { model_->Bench().History().Redo(); };
+  const auto undo = [this] { Model()->Bench().History().Undo(); };
+  const auto redo = [this] { Model()->Bench().History().Redo(); };
   connect(ui_->MIUndo, &QAction::triggered, this, undo);
   connect(ui_->SBUndo, &QAbstractButton::clicked, this, undo);
   connect(ui_->MIRedo, &QAction::triggered, this, redo);
   connect(ui_->SBRedo, &QAbstractButton::clicked, this, redo);
+  connect(ui_->ModelCmB, &QComboBox::activated, this, &TZelControlPanelF::SelectModel);
   connect(ui_->MILoad, &QAction::triggered, files_.get(), &FileCommands::Load);
   connect(ui_->SpeedButton1, &QAbstractButton::clicked, files_.get(), &FileCommands::Load);
   connect(ui_->MISave, &QAction::triggered, files_.get(), &FileCommands::Save);
   connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);
   connect(ui_->MIResizeWhenLoading, &QAction::toggled, this,
-          [this](bool on) { files_->SetRestoresWindows(on); });
+          [this](bool on) { session_.SetRestoresWindows(on); });
   connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &TZelControlPanelF::RestoreDefaults);
   connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->MIFillScreen, &QAction::triggered, ui_->InstrumentArea, &Workspace::FillScreen);
-  connect(ui_->MICascade, &QAction::triggered, ui_->InstrumentArea, &Workspace::Cascade);
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }
 
-void TZelControlPanelF::MakeCurrent(std::unique_ptr<ZelModel> model) {
-  if (!model) return;
+void TZelControlPanelF::LeaveModel() {
   Stop();
   ui_->InstrumentArea->CloseAll();
-  if (model_) model_->Bench().History().Attach(nullptr);
-  model_ = std::move(model);
+  if (Model()) Model()->Bench().History().Attach(nullptr);
+}
 
-  ui_->InstrumentArea->Open(MakeInstrumentPanes(model_->Bench()));
-  ui_->SBShowModelBMP->setEnabled(!model_->PictureFile().empty());
-  ui_->BShowModelTXT->setVisible(!model_->TextFile().empty());
-  model_->Bench().History().Attach(this);
+void TZelControlPanelF::ShowModel() {
+  ZelModel& model = *Model();
+  ui_->InstrumentArea->Open(MakeInstrumentPanes(model.Bench()));
+  model.PrepareCapture();
+  ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());
+  ui_->BShowModelTXT->setVisible(!model.TextFile().empty());
+  model.Bench().History().Attach(this);
   picture_->hide();
   text_->hide();
   ShowModelName();
   ShowTime();
 }
 
+// Choosing the present model builds it anew.
 void TZelControlPanelF::SelectModel(int index) {
   const std::string name = ui_->ModelCmB->itemText(index).toStdString();
-  if (model_ && name == model_->Name()) return;
-  if (!model_ || MayDiscardConstants(model_->Bench())) {
+  if (session_.MayDiscard()) {
     const int found = FindModel(name);
     if (found < 0) {
       Error("Could not find model " + name);
     } else {
-      MakeCurrent(LoadModel(found));
-      files_->ForgetFile();
+      session_.Choose(found);
     }
   }
   ShowModelName();
 }
 
 void TZelControlPanelF::ShowModelName() {
-  const QString name = QString::fromStdString(model_->Name());
+  const QString name = QString::fromStdString(Model()->Name());
   if (ui_->ModelCmB->currentText() == name) return;
-  const QSignalBlocker blocker(ui_->ModelCmB);
   ui_->ModelCmB->setCurrentIndex(ui_->ModelCmB->findText(name));
+}
+
+void TZelControlPanelF::ShowTitle() {
+  const QString title = session_.Title();
+  if (windowTitle() != title) setWindowTitle(title);
 }
 
 void TZelControlPanelF::Run() {
@@ -168,9 +171,9 @@ bool TZelControlPanelF::Running() const {
 }
 
 void TZelControlPanelF::RunToggled(bool down) {
-  if (!model_) return;
+  if (!Model()) return;
   if (down) {
-    driver_.Start(*model_);
+    driver_.Start(*Model());
   } else {
     driver_.Stop();
     ShowFrame();
@@ -184,18 +187,18 @@ void TZelControlPanelF::ShowFrame() {
 }
 
 void TZelControlPanelF::ShowTime() {
-  const QString time = QString::fromStdString(FormatGeneral(model_->Time(), 6, 2));
+  const QString time = QString::fromStdString(FormatGeneral(Model()->Time(), 6, 2));
   if (ui_->LTime->text() != time) ui_->LTime->setText(time);
 }
 
 void TZelControlPanelF::RefreshTick() {
-  if (!model_) return;
+  if (!Model()) return;
   ShowModelName();
-  files_->ShowTitle();
-  model_->Bench().RefreshInstruments();
+  ShowTitle();
+  Model()->Bench().RefreshInstruments();
 }
 
-void TZelControlPanelF::RestorePlacements() {
+void TZelControlPanelF::ShowLoaded() {
   ui_->InstrumentArea->RestorePlacements();
 }
 
@@ -208,15 +211,15 @@ void TZelControlPanelF::dragEnterEvent(QDragEnterEvent* event) {
 void TZelControlPanelF::dropEvent(QDropEvent* event) {
   const QString path = event->mimeData()->urls().value(0).toLocalFile();
   event->acceptProposedAction();
-  QTimer::singleShot(0, this, [this, path] { files_->Open(path); });
+  QTimer::singleShot(0, this, [this, path] { session_.Open(path); });
 }
 
 void TZelControlPanelF::ResetVariables() {
-  model_->Reset();
+  Model()->Reset();
 }
 
 void TZelControlPanelF::RestoreDefaults() {
-  model_->RestoreDefaults();
+  Model()->RestoreDefaults();
 }
 
 void TZelControlPanelF::ShowAbout() {
@@ -253,13 +256,20 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (!model_ || MayDiscardConstants(model_->Bench(), "close")) {
+  if (session_.MayDiscard("close")) {
     Stop();
     event->accept();
     QCoreApplication::quit();
   } else {
     event->ignore();
   }
+}
+
+// The simulation stands still while a box is open, whatever opened it.
+bool TZelControlPanelF::event(QEvent* event) {
+  if (event->type() == QEvent::WindowBlocked) driver_.Pause();
+  if (event->type() == QEvent::WindowUnblocked) driver_.Resume();
+  return QMainWindow::event(event);
 }
 
 // A wheel turned over the model selector must not throw the running model away.

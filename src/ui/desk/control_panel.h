@@ -3,10 +3,12 @@
 #include <QMainWindow>
 #include <QTimer>
 #include <memory>
+#include <utility>
 
 #include "core/model.h"
 #include "ui/desk/run_driver.h"
 #include "ui/session/data_folder.h"
+#include "ui/session/session.h"
 
 class QAction;
 
@@ -21,22 +23,22 @@ class TZelControlPanelF;
 }
 
 /// The main window: run controls, simulated time, model selector and commands above the workspace
-/// of the instruments. Owns the current model and drives it.
+/// of the instruments. Shows a session and runs its model.
 class TZelControlPanelF : public QMainWindow, private UndoItems {
   Q_OBJECT
 
  public:
-  /// Starts with the model of that index in the catalogue, stopped.
+  /// Starts with the model of that index in the catalogue, stopped. One that cannot be built is a
+  /// fatal error, and there is no model then.
   explicit TZelControlPanelF(DataFolder folder, int startModel = 0);
   ~TZelControlPanelF() override;
 
-  ZelModel* Model() const { return model_.get(); }
+  Session& Work() { return session_; }
+  ZelModel* Model() const { return session_.Model(); }
   /// Replaces the current model: the old one is destroyed with its windows, the new one is stopped.
-  void MakeCurrent(std::unique_ptr<ZelModel> model);
+  void MakeCurrent(std::unique_ptr<ZelModel> model) { session_.MakeCurrent(std::move(model)); }
 
   FileCommands& Files() { return *files_; }
-  /// Moves the instrument windows to where their placements say.
-  void RestorePlacements();
 
   void Run();
   void Stop();
@@ -49,15 +51,21 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   int Frames() const { return frames_; }
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void ConnectSession();
   void ConnectControls();
+  void LeaveModel();
+  void ShowModel();
+  void ShowLoaded();
   void SelectModel(int index);
   void ShowModelName();
+  void ShowTitle();
   void RunToggled(bool down);
   void ShowFrame();
   void ShowTime();
@@ -71,7 +79,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
 
   std::unique_ptr<Ui::TZelControlPanelF> ui_;
   DataFolder data_;
-  std::unique_ptr<ZelModel> model_;
+  Session session_;
   RunDriver driver_;
   QTimer refreshTimer_;
   QTimer splashTimer_;

@@ -23,15 +23,27 @@ void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
   chunks_ = 1;
-  timer_.start(0, this);
+  running_ = true;
+  if (!paused_) timer_.start(0, this);
 }
 
 void RunDriver::Stop() {
+  running_ = false;
   timer_.stop();
 }
 
-void RunDriver::End() {
+void RunDriver::Pause() {
+  paused_ = true;
   timer_.stop();
+}
+
+void RunDriver::Resume() {
+  paused_ = false;
+  if (running_) timer_.start(0, this);
+}
+
+void RunDriver::End() {
+  Stop();
   emit Ended();
 }
 

@@ -20,7 +20,10 @@ class RunDriver : public QObject {
   /// The model must live until Stop, or until the run ends by itself.
   void Start(ZelModel& model);
   void Stop();
-  bool Running() const { return timer_.isActive(); }
+  bool Running() const { return running_; }
+  /// Between Pause and Resume a run stands still; it may be started and stopped meanwhile.
+  void Pause();
+  void Resume();
 
  signals:
   /// While the model runs, thirty times a second. When the slots take long, as dense traces do,
@@ -43,6 +46,8 @@ class RunDriver : public QObject {
   QElapsedTimer sinceFrame_;
   qint64 frameInterval_;  // nanoseconds
   ZelModel* model_ = nullptr;
+  bool running_ = false;
+  bool paused_ = false;
   int chunks_ = 1;  // of the next pass
 };
 

@@ -12,6 +12,11 @@ namespace {
 
 constexpr int Gap = 4;  // between sub-windows and around them, pixels
 
+// `at` moved into 0 to room - size.
+int Within(int at, int size, int room) {
+  return std::clamp(at, 0, std::max(room - size, 0));
+}
+
 }  // namespace
 
 InstrumentFrame::InstrumentFrame(std::unique_ptr<InstrumentPane> pane) {
@@ -27,11 +32,19 @@ InstrumentPane& InstrumentFrame::Pane() const {
 void InstrumentFrame::ApplyPlacement() {
   const WindowPlacement placement = Pane().Engine().Placement;
   if (placement.State == WindowState::Normal && (isMinimized() || isMaximized())) showNormal();
-  if (placement.Width > 0 && placement.Height > 0) {
-    setGeometry(placement.Left, placement.Top, placement.Width, placement.Height);
-  }
+  if (placement.Width > 0 && placement.Height > 0) setGeometry(Fitted(placement));
   if (placement.State == WindowState::Minimised) showMinimized();
   if (placement.State == WindowState::Maximised) showMaximized();
+}
+
+// A file may come from a larger display, or say what no display can show.
+QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
+  const QSize room = parentWidget()->size();
+  const QSize size =
+      QSize(placement.Width, placement.Height).boundedTo(room).expandedTo(minimumSizeHint());
+  return {{Within(placement.Left, size.width(), room.width()),
+           Within(placement.Top, size.height(), room.height())},
+          size};
 }
 
 void InstrumentFrame::RecordPlacement() {
@@ -155,12 +168,6 @@ void Workspace::PlaceScopes(const std::vector<InstrumentFrame*>& frames, int wid
     frame->setGeometry(Gap, Gap + k * each, std::max(width - 2 * Gap, least.width()),
                        std::max(each - Gap, least.height()));
   }
-}
-
-void Workspace::Cascade() {
-  const QScopedValueRollback arranging(arranging_, true);
-  filling_ = false;
-  cascadeSubWindows();
 }
 
 void Workspace::resizeEvent(QResizeEvent* event) {

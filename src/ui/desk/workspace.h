@@ -19,7 +19,7 @@ class InstrumentFrame : public QMdiSubWindow {
   explicit InstrumentFrame(std::unique_ptr<InstrumentPane> pane);
 
   InstrumentPane& Pane() const;
-  /// Stands where the instrument's placement says.
+  /// Stands where the instrument's placement says, as far as the workspace has room.
   void ApplyPlacement();
 
  signals:
@@ -31,6 +31,7 @@ class InstrumentFrame : public QMdiSubWindow {
   void changeEvent(QEvent* event) override;
 
  private:
+  QRect Fitted(const WindowPlacement& placement) const;
   void RecordPlacement();
 };
 
@@ -51,7 +52,6 @@ class Workspace : public QMdiArea {
   /// Scopes share the area's left part from top to bottom; the other instruments stand in a column
   /// at its right edge, each as large as it needs.
   void FillScreen();
-  void Cascade();
 
   const std::vector<InstrumentFrame*>& Frames() const { return frames_; }
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string>
+
+namespace torvane {
+
+/// A file open for reading. A name without a file, or of a folder, opens nothing. What is no plain
+/// file may have nobody at its other end, so it is waited for only so long.
+class InputFile {
+ public:
+  static constexpr int WaitForEver = -1;
+
+  /// `patience`: milliseconds that a pipe or device may stay silent.
+  InputFile(const std::string& path, int patience);
+  ~InputFile();
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+
+  /// Bytes read; 0 at the end, negative after a failure.
+  ssize_t Read(char* buffer, std::size_t size);
+  /// The failure was that nothing came for as long as was to be waited.
+  bool WasSilent() const { return silent_; }
+
+ private:
+  bool WaitForData();
+
+  int descriptor_;
+  int patience_;
+  bool plain_ = false;
+  bool silent_ = false;
+};
+
+}  // namespace torvane

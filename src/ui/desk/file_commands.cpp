@@ -1,0 +1,192 @@
+#include "ui/desk/file_commands.h"
+
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "core/files/model_file.h"
+#include "ui/session/session.h"
+#include "ui/session/user_settings.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int MostRecent = 8;
+const QString RecentKey = QStringLiteral("recentFiles");
+const QString FolderKey = QStringLiteral("lastFolder");
+const QString Configuration = QStringLiteral("init.tvf");
+const QString FileTypes = QStringLiteral("Torvane File (*.[tT][vV][fF])");
+
+QString ConfigurationFile() {
+  const QString folders[] = {
+      QCoreApplication::applicationDirPath(),
+      QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+          QStringLiteral("/torvane")};
+  for (const QString& folder : folders) {
+    const QString path = folder + u'/' + Configuration;
+    if (QFileInfo(path).isFile()) return path;
+  }
+  return {};
+}
+
+// The file that the user chooses; empty when none. Remembers its folder.
+QString Choose(QFileDialog& dialog) {
+  dialog.setDefaultSuffix(QStringLiteral("tvf"));
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  const QString path = dialog.selectedFiles().value(0);
+  UserSettings().setValue(FolderKey, QFileInfo(path).absolutePath());
+  return path;
+}
+
+}  // namespace
+
+FileCommands::FileCommands(QWidget& window, QMenu& recent, Session& session, const DataFolder& data)
+    : window_(window), recent_(recent), session_(session), data_(data) {
+  connect(&recent_, &QMenu::aboutToShow, this, &FileCommands::FillRecent);
+  connect(&session_, &Session::FileChanged, this, &FileCommands::AddRecent);
+  connect(&session_, &Session::ManyReports, this, &FileCommands::ShowManyReports);
+  FillRecent();
+}
+
+void FileCommands::Start(const QString& file, bool withConfiguration) {
+  if (OfferRecovery()) return;
+  if (!file.isEmpty()) {
+    session_.OpenAtStart(file);
+  } else if (withConfiguration) {
+    const QString configuration = ConfigurationFile();
+    if (!configuration.isEmpty()) session_.OpenConfiguration(configuration);
+  }
+}
+
+bool FileCommands::OfferRecovery() {
+  for (KeptSession& kept : Session::LeftBehind()) {
+    switch (AskAboutRecovery(kept)) {
+      case Recovery::Restore:
+        if (session_.Restore(std::move(kept))) return true;
+        break;
+      case Recovery::Discard:
+        kept.File.Remove();
+        break;
+      case Recovery::NotNow:
+        return false;
+    }
+  }
+  return false;
+}
+
+FileCommands::Recovery FileCommands::AskAboutRecovery(const KeptSession& kept) {
+  QMessageBox box(QMessageBox::Warning, QStringLiteral("Warning"),
+                  QStringLiteral("Torvane did not end properly the last time."),
+                  QMessageBox::NoButton, &window_);
+  box.setObjectName(QStringLiteral("RecoveryBox"));
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(
+      QStringLiteral("The constants and instruments of \"%1\" as they were on %2 have been kept.")
+          .arg(QString::fromStdString(ModelNameIn(kept.Text)),
+               QLocale().toString(kept.When, QLocale::ShortFormat)));
+  const auto* restore = box.addButton(QStringLiteral("&Restore"), QMessageBox::AcceptRole);
+  const auto* discard = box.addButton(QStringLiteral("&Discard"), QMessageBox::DestructiveRole);
+  box.setEscapeButton(box.addButton(QStringLiteral("&Not Now"), QMessageBox::RejectRole));
+  box.exec();
+  if (box.clickedButton() == restore) return Recovery::Restore;
+  return box.clickedButton() == discard ? Recovery::Discard : Recovery::NotNow;
+}
+
+// Where the user was; the first time, the folder of the examples.
+QString FileCommands::StartFolder() const {
+  const QString last = UserSettings().value(FolderKey).toString();
+  if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
+  return data_.FindFolder(QStringLiteral("examples"));
+}
+
+void FileCommands::Load() {
+  QFileDialog dialog(&window_, QStringLiteral("Load"), StartFolder(), FileTypes);
+  dialog.setObjectName(QStringLiteral("LoadDialog"));
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  const QString path = Choose(dialog);
+  if (!path.isEmpty()) session_.Open(path);
+}
+
+bool FileCommands::Save() {
+  return session_.File().isEmpty() ? SaveAs() : session_.Save(session_.File());
+}
+
+bool FileCommands::SaveAs() {
+  const QFileInfo present(session_.File());
+  const QString folder = present.filePath().isEmpty() ? QString() : present.path();
+  QFileDialog dialog(&window_, QStringLiteral("Save As"), folder, FileTypes);
+  dialog.setObjectName(QStringLiteral("SaveDialog"));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite);
+  if (!folder.isEmpty()) dialog.selectFile(present.fileName());
+  const QString path = Choose(dialog);
+  return !path.isEmpty() && MayOverwrite(path) && session_.Save(path);
+}
+
+bool FileCommands::MayOverwrite(const QString& path) {
+  if (!QFileInfo::exists(path)) return true;
+  QMessageBox box(QMessageBox::Warning, QStringLiteral("File Exsits"),
+                  path + QStringLiteral(" already exists. Overwrite?"),
+                  QMessageBox::Ok | QMessageBox::Cancel, &window_);
+  box.setTextFormat(Qt::PlainText);
+  box.setObjectName(QStringLiteral("OverwriteBox"));
+  return box.exec() == QMessageBox::Ok;
+}
+
+void FileCommands::ShowManyReports(const CollectedReports::Rest& rest) {
+  QString texts;
+  for (const std::string& text : rest.Texts) {
+    texts += QString::fromStdString(text).replace(u'\r', u'\n') + QStringLiteral("\n\n");
+  }
+  if (rest.Count > rest.Texts.size()) {
+    texts += QStringLiteral("And %1 more.").arg(rest.Count - rest.Texts.size());
+  }
+  QDialog box(&window_);
+  box.setObjectName(QStringLiteral("LoadReportBox"));
+  box.setWindowTitle(QString::fromLatin1(MessageCaption(MessageKind::Error)));
+  auto* layout = new QVBoxLayout(&box);
+  layout->addWidget(new QLabel(QStringLiteral("The file gave %1 more reports:").arg(rest.Count)));
+  auto* list = new QPlainTextEdit(texts.trimmed());
+  list->setReadOnly(true);
+  list->setAccessibleName(QStringLiteral("Reports"));
+  layout->addWidget(list);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
+  connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
+  layout->addWidget(buttons);
+  box.resize(640, 400);
+  box.exec();
+}
+
+void FileCommands::AddRecent() {
+  if (session_.File().isEmpty()) return;
+  QSettings settings = UserSettings();
+  QStringList files = settings.value(RecentKey).toStringList();
+  files.removeAll(session_.File());
+  files.prepend(session_.File());
+  settings.setValue(RecentKey, QStringList(files.mid(0, MostRecent)));
+}
+
+void FileCommands::FillRecent() {
+  recent_.clear();
+  const QStringList files = UserSettings().value(RecentKey).toStringList();
+  for (const QString& path : files) {
+    QString shown = path;
+    recent_.addAction(shown.replace(u'&', QStringLiteral("&&")), this,
+                      [this, path] { session_.Open(path); });
+  }
+  if (files.isEmpty()) recent_.addAction(QStringLiteral("No files yet"))->setEnabled(false);
+}
+
+}  // namespace torvane

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "ui/session/collected_reports.h"
+#include "ui/session/data_folder.h"
+
+class QMenu;
+class QWidget;
+
+namespace torvane {
+
+class Session;
+struct KeptSession;
+
+/// The file commands of the main window: the dialogs and questions around loading and saving, the
+/// recent files, the start-up configuration and the offer of a session that ended badly.
+class FileCommands : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Dialogs stand over the window; the recent files are listed in the menu.
+  FileCommands(QWidget& window, QMenu& recent, Session& session, const DataFolder& data);
+
+  /// At the start of the program, before anything can be lost: a session left behind by a crash is
+  /// offered, else the named file is opened or, without one, the start-up configuration "init.tvf"
+  /// in the program's folder or the user's configuration folder.
+  void Start(const QString& file, bool withConfiguration);
+
+  /// Asks for a file and loads it.
+  void Load();
+  /// False when nothing was saved.
+  bool Save();
+  bool SaveAs();
+
+ private:
+  enum class Recovery { Restore, Discard, NotNow };
+
+  bool OfferRecovery();
+  Recovery AskAboutRecovery(const KeptSession& kept);
+  bool MayOverwrite(const QString& path);
+  QString StartFolder() const;
+  void ShowManyReports(const CollectedReports::Rest& rest);
+  void AddRecent();
+  void FillRecent();
+
+  QWidget& window_;
+  QMenu& recent_;
+  Session& session_;
+  const DataFolder& data_;
+};
+
+}  // namespace torvane

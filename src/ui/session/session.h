@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/model.h"
+#include "ui/session/collected_reports.h"
+#include "ui/session/recovery_file.h"
+
+namespace torvane {
+
+/// A user's work: the current model, the file that it belongs to, what of it is not saved yet, and
+/// what keeps that over a crash. Knows no window; windows ask it and follow its signals.
+class Session : public QObject {
+  Q_OBJECT
+
+ public:
+  Session();
+  ~Session() override;
+
+  /// The current model; nullptr until the first has been built.
+  ZelModel* Model() const;
+  /// Builds the model of that index in the catalogue and makes it current. False after a report
+  /// when it cannot be built; the present one stays then.
+  bool Choose(int index);
+  /// Makes the model current; it belongs to no file. The one before is destroyed.
+  void MakeCurrent(std::unique_ptr<ZelModel> model);
+
+  /// The file that the model belongs to, which a save may replace; empty when there is none.
+  const QString& File() const { return file_; }
+  /// Values or instruments are others than those last saved or loaded; windows' places do not
+  /// count.
+  bool Changed() const;
+  /// Before anything that discards the model's values: whether they are unchanged or the user
+  /// agrees to lose them. The question ends in what OK does ("continue", "close").
+  bool MayDiscard(const std::string& toDo = "continue") const;
+  /// Title for a window that shows the session.
+  QString Title() const;
+
+  /// Whether windows are to go where a file says.
+  void SetRestoresWindows(bool on) { restoresWindows_ = on; }
+
+  /// Reads a file into the model, or into the one that it names. What there is to ask is asked
+  /// before anything changes, what there is to report comes when all is done. True when the file
+  /// was read to its end; it becomes the session's file only when it is a model's file through and
+  /// through.
+  bool Open(const QString& path);
+  /// As Open, when nothing can be lost: another model is not asked about.
+  bool OpenAtStart(const QString& path);
+  /// As OpenAtStart, of what is no document of the user's: it is never the session's file.
+  bool OpenConfiguration(const QString& path);
+  /// False after a report when the file could not be written.
+  bool Save(const QString& path);
+
+  /// What other processes left behind; keeps what they hold for this one.
+  static std::vector<KeptSession> LeftBehind() { return RecoveryFile::LeftBehind(); }
+  /// Brings a session back, as unsaved changes of no file. False when it could not be read to its
+  /// end; it is still kept then.
+  bool Restore(KeptSession kept);
+
+ signals:
+  /// The present model is about to be destroyed: nothing may view it any more.
+  void ModelAboutToChange();
+  /// Another model is current, all of it: its file, too, has been read.
+  void ModelChanged();
+  /// A file has been read into the model; comes after ModelChanged.
+  void FileLoaded();
+  /// The session has another file.
+  void FileChanged();
+  /// Reports of the last loading that are too many to be shown one by one.
+  void ManyReports(const CollectedReports::Rest& rest);
+
+ private:
+  class Host;
+  enum class Source { File, FileAtStart, Configuration, Recovery };
+
+  bool ReadAndLoad(const QString& path, Source source);
+  bool Load(const QString& path, const std::string& text, Source source);
+  void SetFile(const QString& path);
+  void MarkSaved();
+  void Keep();
+
+  std::unique_ptr<Host> host_;
+  QString file_;
+  bool restoresWindows_ = true;
+  bool modelReplaced_ = false;  // while a file loads
+  std::string saved_;           // the settings as they were last loaded or saved
+  RecoveryFile recovery_;
+  QTimer keep_;
+};
+
+}  // namespace torvane
