@@ -7,11 +7,24 @@
 
 namespace torvane {
 
-PassResult RunPass(ZelModel& model, int chunks) {
-  chunks = std::min(chunks, ChunksPerPass);
-  for (int chunk = 0; chunk < chunks; ++chunk) {
-    if (model.Bench().AnyScopeBusy()) return PassResult::Paused;
-    if (!model.RunChunk()) return PassResult::Stopped;
+namespace {
+constexpr double StepsPerLook = 256.0;  // between two questions whether the time is up
+}  // namespace
+
+PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp) {
+  ZelBenchTop& bench = model.Bench();
+  const double span = StepsPerLook * model.Solver().Step();
+  double nextLook = bench.Time() + span;
+  for (int chunk = 0; chunk < ChunksPerPass; ++chunk) {
+    if (bench.AnyScopeBusy()) return PassResult::Paused;
+    const double stop = bench.NextStopTime();
+    while (bench.Time() < stop) {
+      model.Solver().RunUntil(std::min(stop, nextLook));
+      if (bench.Time() < nextLook) break;
+      if (timeUp && timeUp()) return PassResult::Running;
+      nextLook = bench.Time() + span;
+    }
+    if (!bench.ServiceInstruments()) return PassResult::Stopped;
   }
   return PassResult::Running;
 }

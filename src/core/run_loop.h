@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <functional>
 
 namespace torvane {
 
@@ -11,14 +12,16 @@ class ZelModel;
 inline constexpr int ChunksPerPass = 25;
 
 enum class PassResult {
-  Running,  ///< all chunks ran, more may follow
+  Running,  ///< all chunks ran or the time was up; more may follow
   Paused,   ///< a scope is busy; try again when it is free
   Stopped,  ///< an instrument wants the run to stop
 };
 
-/// One pass of a running model: up to `chunks` chunks, at most ChunksPerPass. Lets SolverOverflow
-/// and whatever else a chunk throws through.
-PassResult RunPass(ZelModel& model, int chunks = ChunksPerPass);
+/// One pass of a running model: up to ChunksPerPass chunks. Every few hundred steps it asks whether
+/// its time is up; the pass then ends, in the middle of a chunk too, and the next one goes on with
+/// that chunk: what is simulated does not depend on it. Lets SolverOverflow and whatever else a
+/// chunk throws through.
+PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp = {});
 
 /// What to do about an overflow: asks whether to reset the state variables and on OK resets them
 /// and everything that the model remembers, huge values of which would overflow again at once. The

@@ -42,6 +42,20 @@ TEST_F(RunLoopTest, APassRunsTwentyFiveChunks) {
   EXPECT_EQ(model.Time(), 25 * 0.25);
 }
 
+// A chunk of years, cut again and again, steps as one that runs through.
+TEST(RunLoop, APassEndsWithinAChunkWhenItsTimeIsUp) {
+  const auto slope = [](double t, double x) { return t * 1e-3 - 0.1 * x; };
+  test::OneStateModel cut{0.25, 0.0, slope};
+  int looks = 0;
+  while (cut.Time() < 3000.0) {
+    EXPECT_EQ(RunPass(cut, [&] { return ++looks % 2 == 0; }), PassResult::Running);
+  }
+  EXPECT_LT(cut.Time(), 3200.0);
+  test::OneStateModel whole{0.25, 0.0, slope};
+  whole.Solver().RunUntil(cut.Time());
+  EXPECT_EQ(cut.X.Value, whole.X.Value);
+}
+
 TEST_F(RunLoopTest, AnInstrumentStopsThePass) {
   scope.StopsAtService = 7;
   EXPECT_EQ(RunPass(model), PassResult::Stopped);

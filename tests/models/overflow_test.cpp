@@ -70,7 +70,7 @@ class Overflow : public testing::TestWithParam<int> {
   static std::string Run(ZelModel& model, double duration, bool serviced = true) {
     const double end = model.Time() + duration;
     try {
-      while (model.Time() < end && serviced) RunPass(model, 1);
+      while (model.Time() < end && serviced) model.RunChunk();
       model.Solver().RunUntil(end);
     } catch (const SolverOverflow& overflow) {
       return overflow.what();

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <functional>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -24,9 +25,9 @@ struct SpeedOptions {
 constexpr int PassesPerLook = 16;
 constexpr double StepsPerLook = 4096.0;
 
-bool RunInstruments(ZelModel& model) {
+bool RunInstruments(ZelModel& model, const std::function<bool()>& timeUp) {
   for (int pass = 0; pass < PassesPerLook; ++pass) {
-    if (RunPass(model) == PassResult::Stopped) return false;
+    if (RunPass(model, timeUp) == PassResult::Stopped) return false;
   }
   return true;
 }
@@ -50,11 +51,14 @@ void MeasureSpeed(const SpeedOptions& options, Console& console) {
   const InterruptGuard guard;
   const auto start = std::chrono::steady_clock::now();
   double wall = 0.0;
+  const auto timeUp = [&] {
+    wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return wall >= options.Seconds || InterruptGuard::Interrupted();
+  };
   try {
     bool running = true;
-    while (running && wall < options.Seconds && !InterruptGuard::Interrupted()) {
-      running = options.NoInstruments ? RunSolverAlone(*model) : RunInstruments(*model);
-      wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    while (running && !timeUp()) {
+      running = options.NoInstruments ? RunSolverAlone(*model) : RunInstruments(*model, timeUp);
     }
   } catch (const SolverOverflow& overflow) {
     OfferResetAfterOverflow(*model, overflow);

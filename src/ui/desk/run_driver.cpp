@@ -1,5 +1,6 @@
 #include "ui/desk/run_driver.h"
 
+#include <QElapsedTimer>
 #include <algorithm>
 
 #include "core/run_loop.h"
@@ -10,7 +11,7 @@ namespace torvane {
 
 namespace {
 
-constexpr qint64 LongestPass = 10'000'000;    // nanoseconds, as a rule
+constexpr qint64 LongestPass = 10'000'000;    // nanoseconds
 constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
 constexpr qint64 LongestFrame = 100'000'000;
 constexpr qint64 FrameShare = 20;  // of the time, painting may take one part in so many
@@ -22,7 +23,6 @@ RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(Shortest
 void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
-  chunks_ = 1;
   running_ = true;
   if (!paused_) timer_.start(0, this);
 }
@@ -47,8 +47,13 @@ void RunDriver::End() {
   emit Ended();
 }
 
+// A frame is a turn of its own, so that the message loop gets control back in between.
 void RunDriver::timerEvent(QTimerEvent*) {
-  Pass();
+  if (sinceFrame_.nsecsElapsed() >= frameInterval_) {
+    ShowFrame();
+  } else {
+    Pass();
+  }
 }
 
 // A box that a chunk shows has a message loop of its own; the message loop does not deliver the
@@ -56,28 +61,17 @@ void RunDriver::timerEvent(QTimerEvent*) {
 void RunDriver::Pass() {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
-  const qint64 start = sinceFrame_.nsecsElapsed();
+  QElapsedTimer timer;
+  timer.start();
+  const auto timeUp = [&timer] { return timer.nsecsElapsed() >= LongestPass; };
   try {
-    if (RunPass(model, chunks_) == PassResult::Stopped) End();
+    if (RunPass(model, timeUp) == PassResult::Stopped) End();
   } catch (const SolverOverflow& overflow) {
     End();
     OfferResetAfterOverflow(model, overflow);
   } catch (const std::exception& error) {
     End();
     ReportRunTimeError(error);
-  }
-  const qint64 now = sinceFrame_.nsecsElapsed();
-  SizeNextPass(now - start);
-  if (now >= frameInterval_) ShowFrame();
-}
-
-// Chunks of one model are about equally long until a time base changes, so the next pass takes its
-// measure from this one.
-void RunDriver::SizeNextPass(qint64 nanoseconds) {
-  if (nanoseconds > LongestPass) {
-    chunks_ = std::max(1, chunks_ / 2);
-  } else if (nanoseconds < LongestPass / 2) {
-    chunks_ = std::min(ChunksPerPass, 2 * chunks_);
   }
 }
 

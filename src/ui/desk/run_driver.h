@@ -9,8 +9,8 @@ namespace torvane {
 class ZelModel;
 
 /// Runs a model from the message loop: one pass of at most 25 chunks whenever the loop has nothing
-/// else to do. Passes have fewer chunks when these are long, as with a slow time base, so that the
-/// windows go on answering. Stopped, it uses no processor.
+/// else to do. A pass is cut after a hundredth of a second, within a chunk too, so that the windows
+/// go on answering at every time base. Stopped, it uses no processor.
 class RunDriver : public QObject {
   Q_OBJECT
 
@@ -39,7 +39,6 @@ class RunDriver : public QObject {
  private:
   void Pass();
   void End();
-  void SizeNextPass(qint64 nanoseconds);
   void ShowFrame();
 
   QBasicTimer timer_;  // due at once, always
@@ -48,7 +47,6 @@ class RunDriver : public QObject {
   ZelModel* model_ = nullptr;
   bool running_ = false;
   bool paused_ = false;
-  int chunks_ = 1;  // of the next pass
 };
 
 }  // namespace torvane
