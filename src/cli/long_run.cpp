@@ -59,6 +59,11 @@ bool LongRun::ServiceInstruments() {
   });
 }
 
+bool LongRun::RunChunk(double until) {
+  StepTo(std::min(model_.Bench().NextStopTime(), until));
+  return ServiceInstruments();
+}
+
 void LongRun::CheckIn() {
   if (InterruptGuard::Interrupted()) {
     throw StoppedError("interrupted at " + FormatShortest(Time()) + " s");

@@ -26,6 +26,10 @@ class LongRun {
   bool Service(Instrument& instrument);
   bool ServiceInstruments();
 
+  /// A chunk of the run loop, but not beyond the given time; false when an instrument wants the run
+  /// to stop.
+  bool RunChunk(double until);
+
  private:
   template <class Part>
   auto Guarded(Part part);

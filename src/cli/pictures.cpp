@@ -25,9 +25,9 @@ void CheckPictureFile(const std::string& file) {
 }
 
 #ifdef TORVANE_PICTURES
-void WritePicture(ZelScope& scope, const std::string& file) {
+void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file) {
   std::string reason;
-  if (!ExportScopePicture(scope, file, reason)) throw FileError(reason);
+  if (!ExportScopePicture(scope, screen, file, reason)) throw FileError(reason);
 }
 
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
@@ -35,7 +35,7 @@ void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
   if (!ExportResponsePicture(analyser, file, reason)) throw FileError(reason);
 }
 #else
-void WritePicture(ZelScope&, const std::string& file) {
+void WritePicture(const ZelScope&, const ScopeScreen&, const std::string& file) {
   CheckPictureFile(file);
 }
 

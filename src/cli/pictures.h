@@ -12,8 +12,8 @@ namespace torvane::cli {
 /// name asks for no picture.
 void CheckPictureFile(const std::string& file);
 
-/// Writes what the scope's window would show.
-void WritePicture(ZelScope& scope, const std::string& file);
+/// Writes what the scope's window would show with that screen.
+void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file);
 /// The same of an analyser's gain and phase.
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file);
 

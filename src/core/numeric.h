@@ -24,6 +24,11 @@ inline double RoundToStep(double x, double step) {
   return FloorToStep(x + step / 2.0, step);
 }
 
+/// x, or 0 for minus zero, which nobody wants to read.
+inline double WithoutMinusZero(double x) {
+  return x + 0.0;
+}
+
 /// x limited to the range between a and b, given in either order.
 double Clamp(double x, double a, double b);
 

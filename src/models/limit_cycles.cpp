@@ -60,7 +60,7 @@ class MLimitCycles final : public ZelModel {
 MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name) {
   SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.05);
-  scope_.Trigger().Level = generator_.Settings().Offset;
+  scope_.Trigger().SetLevel(generator_.Settings().Offset);
 }
 
 double MLimitCycles::Filtered(double x) const {

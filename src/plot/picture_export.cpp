@@ -22,7 +22,7 @@ namespace {
 constexpr QSize PictureSize(960, 640);  // of the picture's design, in pixels
 constexpr int PictureDpi = 96;
 constexpr int ImageRatio = 2;  // a png is read on dense screens too
-constexpr int Ratio = 10;      // the engine's pixels are whole: finer ones keep curves smooth
+constexpr int Ratio = 10;      // a screen's pixels are whole: finer ones keep curves smooth
 
 // Fonts and pictures need an application object; a program without one gets a silent one, without
 // a display whatever the environment says.
@@ -93,14 +93,11 @@ Writer WriterFor(const QString& ending) {
   return nullptr;
 }
 
-void PaintScope(QPainter& painter, ZelScope& scope) {
-  const int width = scope.Width();
-  const int height = scope.Height();
+void PaintScope(QPainter& painter, const ZelScope& scope, const ScopeScreen& screen) {
   ScopePainter picture(scope);
   picture.Layout(PictureSize * Ratio, Ratio, MakeScopeLabels(scope, nullptr));
   picture.PaintBackground(painter, ScopeColours::Light());
-  picture.PaintTraces(painter, false);
-  if (width > 0 && height > 0) scope.SetScreenSize(width, height);
+  picture.PaintTraces(painter, screen);
 }
 
 bool Export(const Subject& subject, const std::string& file, std::string& error) {
@@ -124,8 +121,9 @@ bool Export(const Subject& subject, const std::string& file, std::string& error)
 
 }  // namespace
 
-bool ExportScopePicture(ZelScope& scope, const std::string& file, std::string& error) {
-  const auto paint = [&](QPainter& painter) { PaintScope(painter, scope); };
+bool ExportScopePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file,
+                        std::string& error) {
+  const auto paint = [&](QPainter& painter) { PaintScope(painter, scope, screen); };
   return Export({scope.Name(), paint}, file, error);
 }
 

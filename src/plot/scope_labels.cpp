@@ -24,9 +24,9 @@ std::string TickText(double value, double scale) {
 }
 
 const ZelChannel* LeftAxisChannel(const ZelScope& scope, const ZelChannel* reference) {
-  if (reference && reference->Displayed) return reference;
+  if (reference && reference->Displayed()) return reference;
   const ZelChannel& first = scope.FirstDisplayedChannel();
-  return first.Displayed ? &first : nullptr;
+  return first.Displayed() ? &first : nullptr;
 }
 
 }  // namespace
@@ -34,11 +34,11 @@ const ZelChannel* LeftAxisChannel(const ZelScope& scope, const ZelChannel* refer
 std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
   std::vector<LegendEntry> entries;
   for (const auto& channel : scope.Channels()) {
-    if (!channel->Displayed) continue;
-    entries.push_back({WithOffset(*channel, channel->Vertical), channel->Colour});
+    if (!channel->Displayed()) continue;
+    entries.push_back({WithOffset(*channel, channel->Vertical()), channel->Colour()});
   }
   if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
-    const AxisScale& axis = horizontal->Horizontal;
+    const AxisScale& axis = horizontal->Horizontal();
     const std::string text =
         scope.XYMode() ? WithOffset(*horizontal, axis) : PerDivision(*horizontal, axis);
     entries.push_back({"[Horiz]: " + text, -1});
@@ -50,15 +50,15 @@ ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) 
   ScopeLabels labels;
   labels.Legend = ScopeLegend(scope);
   if (const ZelChannel* left = LeftAxisChannel(scope, reference)) {
-    labels.LeftColour = left->Colour;
-    const AxisScale& axis = left->Vertical;
+    labels.LeftColour = left->Colour();
+    const AxisScale& axis = left->Vertical();
     for (int line = 0; line <= ZelScope::VerticalDivisions; ++line) {
       const int divisions = ZelScope::VerticalDivisions / 2 - line;
       labels.Left.push_back(TickText(divisions * axis.Scale - axis.Offset, axis.Scale));
     }
   }
   if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
-    const AxisScale& axis = horizontal->Horizontal;
+    const AxisScale& axis = horizontal->Horizontal();
     for (int line = 0; line <= ZelScope::HorizontalDivisions; ++line) {
       // The time axis counts from the screen's left edge, any other channel from its centre.
       const double value =

@@ -3,11 +3,9 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
-#include <QPaintEngine>
 #include <algorithm>
-#include <cmath>
 
-#include "core/messages.h"
+#include "instruments/scope/screen_pixels.h"
 #include "plot/picture_fonts.h"
 
 namespace torvane {
@@ -17,25 +15,11 @@ namespace {
 constexpr double Margin = 8.0;
 constexpr double LabelGap = 5.0;
 constexpr double TickLength = 3.0;
-constexpr double TraceWidth = 1.6;
 constexpr double MarkLength = 18.0;  // of the line before a legend entry
 constexpr double EntryGap = 18.0;    // between legend entries of one row
 constexpr int TicksPerDivision = 5;
 constexpr int WidestTick = 7;  // characters of the left labels that always have room
 constexpr int SmallestPlate = 40;
-constexpr int SegmentsPerPiece = 4;
-constexpr int FarOutside = 32000;  // beyond it the line drawing of some devices overflows
-
-// On pixels in short pieces: the smooth filling of an outline gets slower with the square of the
-// number of its edges that share a row of pixels, and a trace that swings to and fro has hundreds.
-void DrawTrace(QPainter& painter, const QPolygon& line) {
-  const int last = static_cast<int>(line.size()) - 1;
-  const bool pixels = painter.paintEngine()->type() == QPaintEngine::Raster;
-  const int piece = pixels ? SegmentsPerPiece : std::max(1, last);
-  for (int from = 0; from < last; from += piece) {
-    painter.drawPolyline(line.constData() + from, std::min(piece, last - from) + 1);
-  }
-}
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -62,7 +46,8 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   for (QRect& place : legendPlaces_) {
     place.translate(margin, plate_.bottom() + numbers.height() + Scaled(LabelGap) + margin);
   }
-  scope_.SetScreenSize(plate_.width(), plate_.height());
+  drawn_ = 0;
+  marks_.assign(scope_.Channels().size(), {});
 }
 
 // Entries stand in rows from the left; one that does not fit begins the next row.
@@ -183,111 +168,39 @@ void ScopePainter::PaintLegend(QPainter& painter, const ScopeColours& colours) c
   }
 }
 
-void ScopePainter::BeginTraces(QPainter& painter) const {
+void ScopePainter::PaintTraces(QPainter& painter, const ScopeScreen& screen) {
+  drawn_ = 0;
+  marks_.assign(scope_.Channels().size(), {});
+  PaintFrom(0, painter, screen);
+}
+
+QRect ScopePainter::PaintNew(QPainter& painter, const ScopeScreen& screen) {
+  const int first = std::max(0, drawn_ - 1);
+  return PaintFrom(first, painter, screen).translated(plate_.topLeft()) & plate_;
+}
+
+QRect ScopePainter::PaintFrom(int first, QPainter& painter, const ScopeScreen& screen) {
+  drawn_ = screen.PointCount();
   painter.save();
   painter.setClipRect(plate_);
   painter.translate(plate_.topLeft());
   painter.setRenderHint(QPainter::Antialiasing);
-}
-
-template <typename Paint>
-void ScopePainter::ForEachTrace(QPainter& painter, Paint paint) {
-  int drawn = 0;
-  for (const auto& channel : scope_.Channels()) {
-    if (!channel->Displayed) continue;
-    // One trace more than the colours is let through before it is reported.
-    if (drawn > TraceColourCount) Error("Internal Error: Too many displayed channels");
-    ++drawn;
-    painter.setPen(QPen(PenColour(channel->Colour), TraceWidth * ratio_, Qt::SolidLine, Qt::FlatCap,
-                        Qt::BevelJoin));
-    paint(*channel);
-  }
-}
-
-QPoint ScopePainter::PointAt(const ZelChannel& channel, int index) const {
-  const ZelChannel* horizontal = scope_.HorizontalChannel();
-  return {horizontal ? horizontal->XPixel(index) : 0,
-          std::clamp(channel.YPixel(index), -FarOutside, FarOutside)};
-}
-
-// Lines along the points from one screen index to another, modulo the screen's length.
-QRect ScopePainter::PaintSegment(QPainter& painter, int from, int to) {
-  const int length = scope_.ScreenLength();
-  const int count = (to - from + length) % length + 1;
+  const ScreenPixels pixels(plate_.width(), plate_.height());
+  pixels.XOfPoints(scope_, screen, first, x_);
+  const std::vector<std::size_t> displayed = scope_.DisplayedChannels();
+  TracePainter traces(painter, plate_.size(), ratio_, displayed.size());
   QRect area;
-  ForEachTrace(painter, [&](const ZelChannel& channel) {
-    line_.resize(count);
-    for (int k = 0; k < count; ++k) line_[k] = PointAt(channel, (from + k) % length);
-    DrawTrace(painter, line_);
-    area |= line_.boundingRect();
-  });
-  const int room = Scaled(TraceWidth) + 1;
-  return area.isNull() ? area : area.adjusted(-room, -room, room, room);
-}
-
-void ScopePainter::PaintTraces(QPainter& painter, bool previousSweep) {
-  lastDrawn_ = scope_.FillIndex();
-  if (lastDrawn_ < 0) return;
-  BeginTraces(painter);
-  if (previousSweep) PaintPreviousSweep(painter);
-  PaintSegment(painter, scope_.StartIndex(), lastDrawn_);
-  painter.restore();
-}
-
-QRect ScopePainter::PaintNew(QPainter& painter) {
-  if (!HasNew()) return {};
-  const int from = lastDrawn_ < 0 ? scope_.StartIndex() : lastDrawn_;
-  lastDrawn_ = scope_.FillIndex();
-  BeginTraces(painter);
-  const QRect area = PaintSegment(painter, from, lastDrawn_);
-  painter.restore();
-  return area.translated(plate_.topLeft()) & plate_;
-}
-
-// Screen points after the last one captured still hold the sweep before. Their X pixels do not: X
-// is measured from the start of the present sweep. So they are placed anew, back from the right
-// edge, where that sweep ended. False when they do not form the rest of a sweep.
-bool ScopePainter::PlacePreviousSweep() {
-  const int fill = scope_.FillIndex();
-  const int last = scope_.ScreenLength() - 1;
-  if (scope_.StartIndex() != 0 || fill + 1 >= last) return false;
-  const ZelChannel* horizontal = scope_.HorizontalChannel();
-  previousX_.assign(static_cast<std::size_t>(last - fill), 0);
-  if (scope_.XYMode()) {
-    for (int i = fill + 1; i <= last; ++i) {
-      previousX_[static_cast<std::size_t>(i - fill - 1)] = horizontal->XPixel(i);
+  for (const std::size_t k : displayed) {
+    const ZelChannel& channel = *scope_.Channels()[k];
+    points_.clear();
+    for (std::size_t i = 0; i < x_.size(); ++i) {
+      const double value = screen.Values[k][static_cast<std::size_t>(first) + i];
+      points_.push_back({x_[i], pixels.Y(channel, value), pixels.Beyond(channel, value)});
     }
-    return true;
+    area |= traces.Paint(points_, PenColour(channel.Colour()), marks_[k]);
   }
-  const AxisScale& axis = horizontal->Horizontal;
-  const double multiplier = horizontal->Signal().Multiplier();
-  const double end = horizontal->ScreenValue(last) * multiplier;
-  const double expected = axis.Scale * ZelScope::HorizontalDivisions * (last - fill - 1) / last;
-  const double found = end - horizontal->ScreenValue(fill + 1) * multiplier;
-  // Other spacing: there was no sweep before, it had another time base, or the solver's step is
-  // longer than the sample interval. Two points at least; single precision blurs late times.
-  if (std::abs(found - expected) > std::abs(expected) * 0.05) return false;
-  for (int i = fill + 1; i <= last; ++i) {
-    const double back = (end - horizontal->ScreenValue(i) * multiplier) / axis.Scale;
-    const int x = plate_.width() - 2 -
-                  static_cast<int>(back * plate_.width() / ZelScope::HorizontalDivisions);
-    previousX_[static_cast<std::size_t>(i - fill - 1)] = x;
-  }
-  return true;
-}
-
-void ScopePainter::PaintPreviousSweep(QPainter& painter) {
-  if (!PlacePreviousSweep()) return;
-  const int fill = scope_.FillIndex();
-  ForEachTrace(painter, [&](const ZelChannel& channel) {
-    line_.resize(static_cast<int>(previousX_.size()) + 1);
-    line_[0] = PointAt(channel, fill);
-    for (int k = 1; k < line_.size(); ++k) {
-      line_[k] =
-          QPoint(previousX_[static_cast<std::size_t>(k - 1)], PointAt(channel, fill + k).y());
-    }
-    DrawTrace(painter, line_);
-  });
+  painter.restore();
+  return area;
 }
 
 }  // namespace torvane

@@ -2,12 +2,12 @@
 
 #include <QFont>
 #include <QPainter>
-#include <QPolygon>
 #include <QRect>
 
 #include "instruments/scope/scope.h"
 #include "plot/scope_colours.h"
 #include "plot/scope_labels.h"
+#include "plot/trace_painter.h"
 
 namespace torvane {
 
@@ -19,10 +19,9 @@ namespace torvane {
 /// line design.
 class ScopePainter {
  public:
-  explicit ScopePainter(ZelScope& scope) : scope_(scope) {}
+  explicit ScopePainter(const ZelScope& scope) : scope_(scope) {}
 
-  /// Area of the whole picture. Finds room for the labels and hands what is left for the screen
-  /// to the scope, which computes its pixels for it.
+  /// Area of the whole picture. Finds room for the labels; what is left is the screen's.
   void Layout(const QSize& size, double pixelRatio, const ScopeLabels& labels);
   /// The part of the picture in which traces are drawn.
   const QRect& Plate() const { return plate_; }
@@ -30,17 +29,15 @@ class ScopePainter {
   /// Everything but the traces.
   void PaintBackground(QPainter& painter, const ScopeColours& colours) const;
 
-  /// Traces from the screen's first point to the last one captured; further calls of PaintNew go
-  /// on from there. With `previousSweep` the points not yet overwritten by the present sweep are
-  /// drawn too, as they were.
-  void PaintTraces(QPainter& painter, bool previousSweep);
+  /// Traces through all points of the screen; calls of PaintNew go on from there.
+  void PaintTraces(QPainter& painter, const ScopeScreen& screen);
 
-  /// Traces from the last point drawn to the last one captured. Gives the area drawn in, empty when
-  /// there was nothing new.
-  QRect PaintNew(QPainter& painter);
+  /// Traces from the last point drawn to the last one of the screen, which has grown. Gives the
+  /// area drawn in.
+  QRect PaintNew(QPainter& painter, const ScopeScreen& screen);
 
   /// Something to draw for PaintNew.
-  bool HasNew() const { return scope_.FillIndex() >= 0 && lastDrawn_ != scope_.FillIndex(); }
+  bool HasNew(const ScopeScreen& screen) const { return drawn_ != screen.PointCount(); }
 
  private:
   void PlaceLegend(int width);
@@ -48,16 +45,10 @@ class ScopePainter {
   void PaintTicks(QPainter& painter, const ScopeColours& colours) const;
   void PaintLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
-  void BeginTraces(QPainter& painter) const;
-  QRect PaintSegment(QPainter& painter, int from, int to);
-  void PaintPreviousSweep(QPainter& painter);
-  bool PlacePreviousSweep();
-  QPoint PointAt(const ZelChannel& channel, int index) const;
-  template <typename Paint>
-  void ForEachTrace(QPainter& painter, Paint paint);
+  QRect PaintFrom(int first, QPainter& painter, const ScopeScreen& screen);
   int Scaled(double length) const { return qRound(length * ratio_); }
 
-  ZelScope& scope_;
+  const ZelScope& scope_;
   ScopeLabels labels_;
   double ratio_ = 1.0;
   QSize size_;
@@ -65,9 +56,11 @@ class ScopePainter {
   QFont textFont_;
   QFont numberFont_;
   std::vector<QRect> legendPlaces_;
-  int lastDrawn_ = -1;
-  QPolygon line_;               // kept between calls, so that a frame allocates nothing
-  std::vector<int> previousX_;  // of the points that the present sweep has not reached
+  int drawn_ = 0;                 // points
+  std::vector<EdgeMarks> marks_;  // by channel
+  // Kept between calls, so that a frame allocates nothing.
+  std::vector<int> x_;
+  std::vector<TracePoint> points_;
 };
 
 }  // namespace torvane

@@ -21,7 +21,16 @@ struct ScopeBench {
   void Ramp(int first, int last) {
     for (int n = first; n <= last; ++n) At(n, n);
   }
-  ZelChannel& Trace() { return *Scope.Channels()[0]; }
+  SignalChannel& Trace() { return *Scope.Channels()[0]; }
+  ScopeScreen Screen(ScopeSweep sweep = ScopeSweep::Present) const {
+    ScopeScreen screen;
+    Scope.CopyScreen(sweep, screen);
+    return screen;
+  }
+  /// Of the trace.
+  std::vector<float> Values(ScopeSweep sweep = ScopeSweep::Present) const {
+    return Screen(sweep).Values[0];
+  }
 
   ZelBenchTop Bench;
   TimeVariable Time{Bench, "Time", "sec", {.Scale = 40.0}};

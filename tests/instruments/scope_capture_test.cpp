@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <limits>
 
 #include "instruments/scope_bench.h"
 #include "support/recorder.h"
@@ -11,20 +11,16 @@ using Capture = ZelScope::Capture;
 
 TEST(ScopeCapture, FirstScreenStartsAtExactlyTimeZeroInAutoOnly) {
   ScopeBench atZero;
-  atZero.Scope.ShowScreen({{5.0F, 6.0F}, {{1.0F, 1.0F}}});  // as left by an earlier run
   atZero.At(0.0, 7.0);
   EXPECT_EQ(atZero.Scope.State(), Capture::Filling);
-  EXPECT_EQ(atZero.Scope.FillIndex(), 0);
-  EXPECT_EQ(atZero.Trace().ScreenValue(0), 7.0F);
-  atZero.Ramp(1, 40);
-  EXPECT_EQ(atZero.Scope.TimeChannel().XPixel(40), 64);
+  EXPECT_EQ(atZero.Values(), std::vector{7.0F});
 
   // A moment later Auto has to time out first, which shows history: all points but one.
   ScopeBench later;
   later.At(1e-9, 7.0);
   EXPECT_EQ(later.Scope.State(), Capture::Filling);
   EXPECT_EQ(later.Scope.FillIndex(), 399);
-  EXPECT_EQ(later.Trace().ScreenValue(399), 7.0F);
+  EXPECT_EQ(later.Values()[399], 7.0F);
 
   ScopeBench normal;
   normal.Scope.Trigger().SetMode(SweepMode::Normal);
@@ -44,7 +40,7 @@ TEST(ScopeCapture, AutoWithoutEventsSweepsFromHistory) {
   // 400 past points, and the one after it fills the screen.
   b.Ramp(401, 401);
   EXPECT_EQ(b.Scope.FillIndex(), 399);
-  EXPECT_EQ(b.Trace().ScreenValue(0), 2.0F);
+  EXPECT_EQ(b.Values()[0], 2.0F);
   b.Ramp(402, 402);
   EXPECT_TRUE(b.Scope.TakeScreenCompleted());
   // 20.5 divisions of 40 s after the sweep at 401 s, and strictly after.
@@ -63,37 +59,45 @@ TEST(ScopeCapture, PositionIsCutToWholePerCentAndToTwoPointsAtLeast) {
     SCOPED_TRACE(position);
     ScopeBench b;
     b.Scope.Trigger().SetMode(SweepMode::Normal);
-    b.Scope.Trigger().Position = position;
-    b.Scope.Trigger().Level = 499.5;
+    b.Scope.Trigger().SetPosition(position);
+    b.Scope.Trigger().SetLevel(499.5);
     b.Ramp(0, 499);
     EXPECT_EQ(b.Scope.State(), Capture::Waiting);
     b.Ramp(500, 500);
     EXPECT_EQ(b.Scope.State(), Capture::Filling);
     EXPECT_EQ(b.Scope.FillIndex(), points - 1);
     // The sample that fired is the last point before the trigger.
-    EXPECT_EQ(b.Trace().ScreenValue(points - 1), 500.0F);
-    EXPECT_EQ(b.Trace().ScreenValue(0), static_cast<float>(501 - points));
+    EXPECT_EQ(b.Values().back(), 500.0F);
+    EXPECT_EQ(b.Values().front(), static_cast<float>(501 - points));
   }
 }
 
 TEST(ScopeCapture, HistoryBeforeTimeZeroHasNegativeTimes) {
   ScopeBench b;
   b.Scope.Trigger().SetMode(SweepMode::Normal);
-  b.Scope.Trigger().Level = 9.5;
+  b.Scope.Trigger().SetLevel(9.5);
   b.Ramp(0, 10);
-  const ZelChannel& time = b.Scope.TimeChannel();
-  EXPECT_EQ(time.ScreenValue(79), 10.0F);
-  EXPECT_EQ(time.ScreenValue(69), 0.0F);
+  const std::vector<double> time = b.Screen().Time;
+  ASSERT_EQ(time.size(), 80U);
+  EXPECT_EQ(time[79], 10.0);
+  EXPECT_EQ(time[69], 0.0);
   // Spaced by the screen's time over all its points, not over its intervals.
-  EXPECT_EQ(time.ScreenValue(68), static_cast<float>(-400.0 / 401));
-  EXPECT_EQ(time.ScreenValue(0), static_cast<float>(-69 * 400.0 / 401));
-  EXPECT_EQ(b.Trace().ScreenValue(0), 0.0F);
+  EXPECT_EQ(time[68], -400.0 / 401);
+  EXPECT_EQ(time[0], -69 * 400.0 / 401);
+  EXPECT_EQ(b.Values()[0], 0.0F);
+
+  // A time base that is set before the first sample spaces them too.
+  ScopeBench faster;
+  faster.Scope.SetHorizontalScale(faster.Scope.TimeChannel(), 4.0);
+  faster.Scope.Trigger().SetMode(SweepMode::Cont);
+  faster.At(0.0, 0.0);
+  EXPECT_EQ(faster.Screen().Time, (std::vector{-2 * 40.0 / 401, -40.0 / 401, 0.0}));
 }
 
 TEST(ScopeCapture, ContinuousStartsWithTwoPastPointsAndRollsByFive) {
   ScopeBench b;
   b.Scope.Trigger().SetMode(SweepMode::Cont);
-  b.Scope.Trigger().Roll = true;
+  b.Scope.Trigger().SetRoll(true);
   b.At(0.0, 0.0);
   EXPECT_EQ(b.Scope.FillIndex(), 2);
   b.Ramp(1, 398);
@@ -101,35 +105,60 @@ TEST(ScopeCapture, ContinuousStartsWithTwoPastPointsAndRollsByFive) {
   EXPECT_EQ(b.Scope.State(), Capture::Filling);
   EXPECT_EQ(b.Scope.StartIndex(), 5);
   EXPECT_TRUE(b.Scope.TakeNeedsRedraw());
-  // The trace has moved: the point that now is the oldest stands at the left edge.
-  EXPECT_EQ(b.Trace().ScreenValue(5), 3.0F);
-  EXPECT_EQ(b.Scope.TimeChannel().XPixel(5), 1);
-  EXPECT_EQ(b.Scope.TimeChannel().XPixel(400), static_cast<int>(395 / 40.0 * 64.0));
+  // Oldest point first, whatever the indices.
+  EXPECT_EQ(b.Values().front(), 3.0F);
   b.Ramp(399, 402);
   EXPECT_EQ(b.Scope.StartIndex(), 5);
   EXPECT_EQ(b.Scope.FillIndex(), 3);
   b.Ramp(403, 403);
   EXPECT_EQ(b.Scope.StartIndex(), 10);
+  ASSERT_EQ(b.Values(ScopeSweep::Whole).size(), 396U);
+  EXPECT_EQ(b.Screen().Time.front(), 8.0);
+  EXPECT_EQ(b.Values().back(), 403.0F);
+}
 
-  // Oldest point first, whatever the indices; and back onto a screen that starts at 0.
-  const ScopeScreen kept = b.Scope.CopyScreen();
-  ASSERT_EQ(kept.Time.size(), 396U);
-  EXPECT_EQ(kept.Time.front(), 8.0F);
-  EXPECT_EQ(kept.Values[0].back(), 403.0F);
-  b.Ramp(404, 420);
-  b.Scope.ShowScreen(kept);
-  EXPECT_EQ(b.Scope.StartIndex(), 0);
-  EXPECT_EQ(b.Scope.FillIndex(), 395);
-  EXPECT_EQ(b.Trace().ScreenValue(395), 403.0F);
-  EXPECT_EQ(b.Scope.TimeChannel().XPixel(40), 64);
-  EXPECT_EQ(b.Scope.CopyScreen().Values, kept.Values);
-  b.Ramp(421, 421);
-  EXPECT_EQ(b.Scope.FillIndex(), 2);
+TEST(ScopeCapture, TheLastWholeSweepIsKeptWhileTheNextOneFills) {
+  ScopeBench b;
+  b.Scope.Trigger().SetMode(SweepMode::Cont);
+  b.At(0.0, 0.0);
+  EXPECT_EQ(b.Values(ScopeSweep::Whole).size(), 3U);  // none yet: the present one
+  b.Ramp(1, 398);
+  const std::vector<float> whole = b.Values(ScopeSweep::Whole);
+  EXPECT_EQ(whole, b.Values());
+  b.Ramp(399, 600);
+  EXPECT_EQ(b.Values(ScopeSweep::Whole), whole);
+  EXPECT_EQ(b.Values().back(), 600.0F);
+  // A sweep that is given up never shows as a whole one.
+  b.Scope.SetSampleInterval();
+  b.Ramp(601, 700);
+  EXPECT_EQ(b.Values(ScopeSweep::Whole), whole);
+  b.Ramp(701, 1000);
+  EXPECT_EQ(b.Values(ScopeSweep::Whole).back(), 999.0F);
+  EXPECT_EQ(b.Scope.SweepCount(), 4U);
+}
+
+// Single precision ends at 3.4e38: a sample beyond it would be infinite on the screen.
+TEST(ScopeCapture, ASignalThatCannotBeShownEndsTheRun) {
+  ScopeBench b;
+  b.Ramp(0, 3);
+  double t = 4.0;
+  for (const double value : {-1e300, std::numeric_limits<double>::quiet_NaN(), 1e39}) {
+    try {
+      b.At(t++, value);
+      ADD_FAILURE() << value;
+    } catch (const SolverOverflow& overflow) {
+      if (value != 1e39) continue;
+      EXPECT_STREQ(overflow.what(),
+                   "floating-point overflow in signal \"Signal\" (value 1e+39) at time 6 s");
+    }
+  }
+  b.Ramp(7, 7);
+  EXPECT_EQ(b.Values(), (std::vector{0.0F, 1.0F, 2.0F, 3.0F, 7.0F}));
 }
 
 TEST(ScopeCapture, NormalDoesNotRoll) {
   ScopeBench b;
-  b.Scope.Trigger().Roll = true;
+  b.Scope.Trigger().SetRoll(true);
   b.Ramp(0, 100);
   b.Scope.Trigger().SetMode(SweepMode::Normal);
   b.Ramp(101, 400);
@@ -223,11 +252,11 @@ TEST(ScopeCapture, EightTracesAtMostInChannelOrder) {
   EXPECT_EQ(scope.Trigger().Source().Name(), "S0");
   const auto colours = [&] {
     std::vector<int> list;
-    for (const auto& channel : scope.Channels()) list.push_back(channel->Colour);
+    for (const auto& channel : scope.Channels()) list.push_back(channel->Colour());
     return list;
   };
   EXPECT_EQ(colours(), (std::vector{-1, 0, 1, 2, 3, 4, 5, 6, 7, -1, -1}));
-  EXPECT_FALSE(scope.FindChannel("S8")->Displayed);
+  EXPECT_FALSE(scope.FindChannel("S8")->Displayed());
   EXPECT_EQ(scope.FindChannel("Inside"), nullptr);
 
   scope.SetDisplayed(*scope.FindChannel("S0"), false);
@@ -236,7 +265,7 @@ TEST(ScopeCapture, EightTracesAtMostInChannelOrder) {
   // An earlier channel pushes the last one out.
   scope.SetDisplayed(*scope.FindChannel("Unshown"), true);
   EXPECT_EQ(colours(), (std::vector{0, -1, 1, 2, 3, 4, 5, 6, 7, -1, -1}));
-  EXPECT_FALSE(scope.FindChannel("S9")->Displayed);
+  EXPECT_FALSE(scope.FindChannel("S9")->Displayed());
   EXPECT_EQ(TraceColourAt(2).Rgb, 0x800000U);  // maroon: red is the high byte
 }
 
@@ -244,7 +273,6 @@ TEST(ScopeCapture, ReportsWhatCannotBe) {
   Recorder recorder;
   ScopeBench b;
   ScopeMemory memory(b.Bench, b.Time, 401, 802);
-  memory.SetScreenSize(640, 480);
   memory.ClearPostTrigger(0.01);
   EXPECT_EQ(recorder.Take(),
             Messages{"Error: Internal Error: Screen Not Full in ClearPostTrigger"});

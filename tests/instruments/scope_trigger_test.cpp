@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/bench.h"
-#include "instruments/scope/trigger_lamp.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane::test {
 
@@ -22,8 +22,9 @@ struct TriggerBench {
   ZelBenchTop Bench;
   TimeVariable Time{Bench, "Time", "sec", {.Scale = 1.0}};
   Variable Signal{Bench, "Signal", "", {.Multiplier = -2.0}};
-  ZelChannel Source{Signal, 8, 4};
-  ZelTimeChannel Reference{Time, 8, 4};
+  ZelChannel Source{Signal};
+  ZelScope Scope{Bench, "Scope"};  // the time reference is its
+  ZelChannel& Reference = Scope.TimeChannel();
   ZelTrigger Trigger{Source, Reference};
 };
 
@@ -31,7 +32,7 @@ struct TriggerBench {
 
 TEST(ScopeTrigger, ComparesTheDisplayedValueStrictly) {
   TriggerBench b;
-  b.Trigger.Level = 1.0;  // met by a signal of -0.5
+  b.Trigger.SetLevel(1.0);  // met by a signal of -0.5
   EXPECT_FALSE(b.StepAt(1, -3.0));
   EXPECT_EQ(b.Trigger.State(), Detection::Arming);
   EXPECT_FALSE(b.StepAt(2, -0.5));
@@ -108,7 +109,7 @@ TEST(ScopeTrigger, AutoSweepsAtOnceThenEveryTwentyAndAHalfDivisions) {
   b.Time.Value = 26.5;
   EXPECT_FALSE(b.Trigger.AutoTimeout());
   // The present scale counts, and its sign does not.
-  b.Reference.Horizontal.Scale = -2.0;
+  b.Scope.SetHorizontalScale(b.Reference, -2.0);
   b.StepAt(27, 1.0);
   EXPECT_TRUE(b.StepAt(28, -1.0));
   b.Time.Value = 28 + 41.0;

@@ -182,7 +182,8 @@ TEST_F(ModelFile, TracesShownAreThoseOfTheFileWhateverTheirOrder) {
         "Scope,MainScope,Channel," + channels[i]->Name() + (i >= 8 ? ",1" : ",0") + ",1,0,0,1,0\n";
   }
   EXPECT_TRUE(LoadModelText(file, host_));
-  for (std::size_t i = 0; i < channels.size(); ++i) EXPECT_EQ(channels[i]->Displayed, i >= 8) << i;
+  for (std::size_t i = 0; i < channels.size(); ++i)
+    EXPECT_EQ(channels[i]->Displayed(), i >= 8) << i;
 }
 
 TEST_F(ModelFile, TellsViewsThatSettingsChanged) {

@@ -140,7 +140,7 @@ TEST_P(ModelTable, IsWhatTheModelRegisters) {
   if (analysed && !model[6].empty()) {
     EXPECT_EQ(Number(loop.Fft().MaxOrder()), model[6]);
   }
-  EXPECT_EQ(Number(loop.The<ZelScope>(InstrumentKind::Scope).TimeChannel().Horizontal.Scale),
+  EXPECT_EQ(Number(loop.The<ZelScope>(InstrumentKind::Scope).TimeChannel().Horizontal().Scale),
             Number(model[7]));
   if (analysed) {
     EXPECT_EQ(Number(loop.Fft().Order()), model[8]);

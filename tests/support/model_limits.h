@@ -59,24 +59,24 @@ class LimitCheck {
 
   void Look(const ZelScope& scope) {
     int displayed = 0;
-    int horizontal = scope.TimeChannel().IsHorizontal ? 1 : 0;
+    int horizontal = scope.TimeChannel().IsHorizontal() ? 1 : 0;
     Axis(scope.TimeChannel());
     for (const auto& channel : scope.Channels()) {
       Axis(*channel);
-      displayed += channel->Displayed ? 1 : 0;
-      horizontal += channel->IsHorizontal ? 1 : 0;
+      displayed += channel->Displayed() ? 1 : 0;
+      horizontal += channel->IsHorizontal() ? 1 : 0;
     }
     Expect(displayed <= TraceColourCount, "displayed channels");
     Expect(horizontal == 1, "horizontal channels");
     Positive(scope.SampleInterval(), "sample interval");
-    Finite(scope.Trigger().Level, "trigger level");
-    Finite(scope.Trigger().Position, "trigger position");
+    Finite(scope.Trigger().Level(), "trigger level");
+    Finite(scope.Trigger().Position(), "trigger position");
     Finite(scope.Trigger().InitialDelayTime(), "initial delay");
     Finite(scope.Trigger().DelayAfterTime(), "delay after");
   }
 
   void Axis(const ZelChannel& channel) {
-    for (const AxisScale& axis : {channel.Vertical, channel.Horizontal}) {
+    for (const AxisScale& axis : {channel.Vertical(), channel.Horizontal()}) {
       Positive(std::abs(axis.Scale), "scale of " + channel.Name());
       Finite(axis.Offset, "offset of " + channel.Name());
     }

@@ -29,14 +29,12 @@ ZelScope& FirstScope(const ZelBenchTop& bench) {
 }
 
 // The desktop's run loop up to the given time; keeps each screen that completes on the way.
-std::optional<ScopeScreen> LastCompleteScreen(ZelModel& model, ZelScope& scope, LongRun& run,
-                                              double until) {
+std::optional<ScopeScreen> LastCompleteScreen(ZelScope& scope, LongRun& run, double until) {
   std::optional<ScopeScreen> screen;
   bool running = true;
   while (running && run.Time() < until) {
-    run.StepTo(std::min(model.Bench().NextStopTime(), until));
-    running = run.ServiceInstruments();
-    if (scope.TakeScreenCompleted()) screen = scope.CopyScreen();
+    running = run.RunChunk(until);
+    if (scope.TakeScreenCompleted()) scope.CopyScreen(ScopeSweep::Whole, screen.emplace());
   }
   return screen;
 }
@@ -48,16 +46,12 @@ std::string DisplayText(const ZelChannel& channel, float value) {
 }
 
 void WriteScreen(const ZelScope& scope, const ScopeScreen& screen, ResultFile& file) {
-  std::vector<std::size_t> shown;
+  const std::vector<std::size_t> shown = scope.DisplayedChannels();
   std::vector<std::string> fields{"Time"};
-  for (std::size_t i = 0; i < scope.Channels().size(); ++i) {
-    if (!scope.Channels()[i]->Displayed) continue;
-    shown.push_back(i);
-    fields.push_back(scope.Channels()[i]->Name());
-  }
+  for (const std::size_t i : shown) fields.push_back(scope.Channels()[i]->Name());
   file.Write(CsvLine(fields));
   for (std::size_t point = 0; point < screen.Time.size(); ++point) {
-    fields = {FormatShortestSingle(screen.Time[point])};
+    fields = {FormatShortest(screen.Time[point])};
     for (const std::size_t i : shown) {
       fields.push_back(DisplayText(*scope.Channels()[i], screen.Values[i][point]));
     }
@@ -76,7 +70,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   std::optional<ScopeScreen> screen;
   {
     LongRun run(*model, console, options.Until, Console::CanShowProgress(false));
-    screen = LastCompleteScreen(*model, scope, run, options.Until);
+    screen = LastCompleteScreen(scope, run, options.Until);
   }
   if (!screen) {
     throw StoppedError("the scope completed no screen by " + FormatShortest(model->Time()) +
@@ -85,8 +79,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   }
   WriteScreen(scope, *screen, file);
   if (options.Picture.empty()) return;
-  scope.ShowScreen(*screen);
-  WritePicture(scope, options.Picture);
+  WritePicture(scope, *screen, options.Picture);
 }
 
 }  // namespace

@@ -14,8 +14,6 @@ namespace {
 constexpr double ContinuousPosition = 0.0;   // per cent of history in a continuous screen
 constexpr double AutomaticPosition = 100.0;  // and in one that starts without an event
 constexpr double RollStep = 0.01;            // part of the screen that leaves when it rolls
-constexpr int DefaultWidth = 640;
-constexpr int DefaultHeight = 480;
 
 // The bench's time variable; a bench without one is given one, for nothing here works without.
 Variable& TimeVarOf(ZelBenchTop& bench, std::unique_ptr<TimeVariable>& missing) {
@@ -33,13 +31,15 @@ ZelScope::ZelScope(ZelBenchTop& bench, std::string name, int screenLength, int r
     : Instrument(InstrumentKind::Scope, std::move(name)),
       memory_(bench, TimeVarOf(bench, missingTimeVar_), screenLength, ringLength),
       trigger_(trigger) {
+  TimeChannel().isHorizontal_ = true;
   AssignColours();
   if (!trigger_) {
     ownTrigger_ = std::make_unique<ZelTrigger>(FirstDisplayedChannel(), memory_.TimeChannel());
     trigger_ = ownTrigger_.get();
   }
+  trigger_->MakeChangesThrough(
+      [this](const auto& change, const auto& caption) { Change(change, caption); });
   SetSampleInterval();
-  SetScreenSize(DefaultWidth, DefaultHeight);
   bench.AddInstrument(*this);
 }
 
@@ -52,8 +52,7 @@ bool ZelScope::Sample(double t) {
   // The very first screen starts at once, without a trigger and without history.
   if (t == 0.0 && trigger_->Mode() == SweepMode::Auto && state_ != Capture::Filling) {
     memory_.ClearScreen();
-    needsRedraw_ = true;
-    state_ = Capture::Filling;
+    BeginSweep();
   }
   switch (state_) {
     case Capture::Filling:
@@ -74,7 +73,7 @@ bool ZelScope::Fill() {
     state_ = Capture::Stopped;
     return false;
   }
-  if (trigger_->Roll && trigger_->Mode() != SweepMode::Normal) {
+  if (trigger_->Roll() && trigger_->Mode() != SweepMode::Normal) {
     memory_.ClearPostTrigger(RollStep);
     needsRedraw_ = true;
   } else {
@@ -87,7 +86,7 @@ void ZelScope::Wait() {
   memory_.Advance(false);
   if (trigger_->Step()) {
     trigger_->Rearm();
-    StartScreen(std::trunc(trigger_->Position));
+    StartScreen(std::trunc(trigger_->Position()));
   }
   if (trigger_->AutoTimeout()) {
     trigger_->Rearm();
@@ -97,6 +96,10 @@ void ZelScope::Wait() {
 
 void ZelScope::StartScreen(double percent) {
   memory_.StartScreenFromHistory(percent);
+  BeginSweep();
+}
+
+void ZelScope::BeginSweep() {
   needsRedraw_ = true;
   state_ = Capture::Filling;
 }
@@ -111,7 +114,12 @@ void ZelScope::Refresh() {
 }
 
 void ZelScope::SetSampleInterval() {
-  const double screenTime = std::abs(memory_.TimeChannel().Horizontal.Scale) * HorizontalDivisions;
+  const double screenTime =
+      std::abs(memory_.TimeChannel().Horizontal().Scale) * HorizontalDivisions;
+  // Before the first sample the history is as plausible for another scale as for the first one.
+  if (!std::isfinite(clock_.Serviced())) {
+    memory_.TimeChannel().FillHistory(memory_.TimeChannel().Horizontal().Scale, ScreenLength());
+  }
   // Never 0, or the clock would stand still.
   interval_ = std::max(screenTime / (ScreenLength() - 1), std::numeric_limits<double>::min());
   // A sample due long after the new screen would have ended is a leftover of a much slower scale.
@@ -119,13 +127,6 @@ void ZelScope::SetSampleInterval() {
     clock_.SetNext(clock_.Serviced() + interval_);
   }
   state_ = Capture::Waiting;
-}
-
-void ZelScope::SetScreenSize(int width, int height) {
-  width_ = std::max(width, 3);
-  height_ = std::max(height, 3);
-  memory_.SetScreenSize(width_, height_);
-  needsRedraw_ = true;
 }
 
 bool ZelScope::TakeScreenCompleted() {
@@ -136,33 +137,17 @@ bool ZelScope::TakeNeedsRedraw() {
   return std::exchange(needsRedraw_, false);
 }
 
-ScopeScreen ZelScope::CopyScreen() const {
-  const auto points = [this](const ZelChannel& channel) {
-    std::vector<float> values(static_cast<std::size_t>(memory_.PointCount()));
-    for (std::size_t k = 0; k < values.size(); ++k) {
-      values[k] = channel.ScreenValue(memory_.PointIndex(static_cast<int>(k)));
-    }
-    return values;
-  };
-  ScopeScreen screen{points(memory_.TimeChannel()), {}};
-  for (const auto& channel : Channels()) screen.Values.push_back(points(*channel));
-  return screen;
+void ZelScope::SetSingleShot(bool on) {
+  Change([&] { singleShot_ = on; },
+         [&] { return std::string("Single Shot ") + (on ? "on" : "off"); });
 }
 
-void ZelScope::ShowScreen(const ScopeScreen& screen) {
-  const int count = std::min(static_cast<int>(screen.Time.size()), ScreenLength());
-  const auto show = [count](ZelChannel& channel, const std::vector<float>& values) {
-    for (int i = 0; i < std::min(count, static_cast<int>(values.size())); ++i) {
-      channel.SetScreenValue(i, values[static_cast<std::size_t>(i)]);
-    }
+void ZelScope::SetConstForm(const ConstantsPanel& panel) {
+  const auto change = [&] {
+    constForm_ = {panel.Shown, std::clamp(panel.Width, 0, ConstantsPanel::Widest),
+                  std::clamp(panel.NameWidth, 0, ConstantsPanel::Widest)};
   };
-  show(memory_.TimeChannel(), screen.Time);
-  for (std::size_t k = 0; k < std::min(Channels().size(), screen.Values.size()); ++k) {
-    show(*Channels()[k], screen.Values[k]);
-  }
-  memory_.SetPointCount(count);
-  if (state_ == Capture::Filling) state_ = Capture::Waiting;
-  needsRedraw_ = true;
+  Change(change, [] { return "Constants Panel"; });
 }
 
 }  // namespace torvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,18 +25,11 @@ struct ConstantsPanel {
   int NameWidth = 0;  ///< of the column of names
 };
 
-/// Copy of what one screen of a scope holds, oldest point first, as recorded: without the signals'
-/// display multipliers.
-struct ScopeScreen {
-  std::vector<float> Time;
-  std::vector<std::vector<float>> Values;  ///< by channel, in the scope's channel order
-};
-
 /// Oscilloscope: records every offered signal of a bench, waits for its trigger and fills a screen
-/// of points with their pixels.
+/// of points.
 ///
 /// The points of a screen span ten divisions of the time channel's horizontal scale, one sample
-/// interval apart. Works without a window, on a screen of a default size.
+/// interval apart. Works without a window.
 class ZelScope final : public Instrument {
  public:
   static constexpr int HorizontalDivisions = 10;
@@ -49,23 +43,26 @@ class ZelScope final : public Instrument {
 
   double NextTime() const override { return clock_.Request(); }
   bool Service(double t) override { return Sample(t); }
-  /// Takes a sample when one is due; false only when a single shot has just completed.
+  /// Takes a sample when one is due; false only when a single shot has just completed. Throws
+  /// SolverOverflow when a signal is not finite in single precision.
   bool Sample(double t);
   /// A completed single shot is taken anew.
   void Start() override;
   void Refresh() override;
 
-  const std::vector<std::unique_ptr<ZelChannel>>& Channels() const { return memory_.Channels(); }
-  ZelChannel& TimeChannel() const { return memory_.TimeChannel(); }
+  const std::vector<std::unique_ptr<SignalChannel>>& Channels() const { return memory_.Channels(); }
+  ZelTimeChannel& TimeChannel() const { return memory_.TimeChannel(); }
   /// By name, the time channel included; nullptr when there is none.
   ZelChannel* FindChannel(const std::string& name);
   /// Else the first channel; without any channel, the time channel.
   ZelChannel& FirstDisplayedChannel() const;
+  /// Indices of the channels whose traces are shown, in channel order.
+  std::vector<std::size_t> DisplayedChannels() const;
   /// The X axis; without one reports and gives nullptr.
   ZelChannel* HorizontalChannel();
   const ZelChannel* HorizontalChannel() const;
   void SetHorizontalChannel(ZelChannel& channel);
-  bool XYMode() const { return !memory_.TimeChannel().IsHorizontal; }
+  bool XYMode() const { return !memory_.TimeChannel().IsHorizontal(); }
   ZelTrigger& Trigger() const { return *trigger_; }
   /// The trigger lamp, as of the last refresh.
   bool TriggerLit() const { return lamp_.Lit(); }
@@ -80,18 +77,13 @@ class ZelScope final : public Instrument {
   /// As SetVerticalScale; the time channel's scale sets the sample interval too.
   bool SetHorizontalScale(ZelChannel& channel, double scale);
   void SetHorizontalOffset(ZelChannel& channel, double offset);
-  /// Scales to the points on the screen: the larger magnitude to the edge around zero, or the whole
+  /// Scales to the points of a sweep: the larger magnitude to the edge around zero, or the whole
   /// trace over the eight divisions. A flat trace cannot fill and is noted.
-  void AutoVertical(ZelChannel& channel);
-  void FillVertical(ZelChannel& channel);
+  void AutoVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
+  void FillVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
 
   bool SingleShot() const { return singleShot_; }
-  void SetSingleShot(bool on) { singleShot_ = on; }
-
-  /// Pixels of the paint area (at least 3 by 3); every point is computed anew.
-  void SetScreenSize(int width, int height);
-  int Width() const { return width_; }
-  int Height() const { return height_; }
+  void SetSingleShot(bool on);
 
   int ScreenLength() const { return memory_.ScreenLength(); }
   int RingLength() const { return memory_.RingLength(); }
@@ -100,35 +92,44 @@ class ZelScope final : public Instrument {
   /// anew. The setters do so by themselves.
   void SetSampleInterval();
   Capture State() const { return state_; }
-  /// The screen is circular: points run from StartIndex to FillIndex modulo ScreenLength; a
-  /// FillIndex of -1 means an empty screen.
+  /// The present sweep's screen is circular: points run from StartIndex to FillIndex modulo
+  /// ScreenLength; a FillIndex of -1 means an empty screen.
   int StartIndex() const { return memory_.StartIndex(); }
   int FillIndex() const { return memory_.FillIndex(); }
   /// A screen has filled since the last call.
   bool TakeScreenCompleted();
   /// More than new points has changed since the last call: paint everything.
   bool TakeNeedsRedraw();
+  /// Sweeps begun.
+  std::uint64_t SweepCount() const { return memory_.SweepCount(); }
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
+  void LoadState(const Record& record) override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
-  ConstantsPanel ConstForm;
+  const ConstantsPanel& ConstForm() const { return constForm_; }
+  void SetConstForm(const ConstantsPanel& panel);
 
-  ScopeScreen CopyScreen() const;
-  /// Puts a copied screen back, for showing. Capture, if it goes on, begins with a new screen.
-  void ShowScreen(const ScopeScreen& screen);
+  /// Copies the points of a sweep into a screen, whose storage is used again.
+  void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const { memory_.CopyScreen(sweep, into); }
 
  private:
+  struct LoadedTrace {
+    ZelChannel* Channel;
+    bool Displayed;
+  };
+
   ZelChannel* FindHorizontal() const;
   bool Fill();
   void Wait();
   void StartScreen(double percent);
+  void BeginSweep();
   void AssignColours();
   void LoadChannel(const Record& record);
   void LoadTriggerRecord(const Record& record);
   void LoadConstForm(const Record& record);
-  void ComputePixels(ZelChannel& channel);
+  void ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption);
 
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none
   ScopeMemory memory_;
@@ -141,8 +142,9 @@ class ZelScope final : public Instrument {
   std::unique_ptr<ZelTrigger> ownTrigger_;
   ZelTrigger* trigger_;
   TriggerLamp lamp_;
-  int width_ = 0;
-  int height_ = 0;
+  ConstantsPanel constForm_;
+  std::vector<LoadedTrace> loaded_;  // of a file that is being read
+  bool restoring_ = false;           // records of an undo, not of a file
 };
 
 }  // namespace torvane

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "core/messages.h"
+#include "core/numeric.h"
+#include "core/text.h"
 #include "instruments/scope/scope.h"
 
 namespace torvane {
@@ -16,17 +17,16 @@ struct Extremes {
   double High;
 };
 
-// Over the points on the screen; nothing for a screen without a finite point.
-std::optional<Extremes> ScreenExtremes(const ScopeMemory& memory, const ZelChannel& channel) {
-  std::optional<Extremes> found;
-  for (int k = 0; k < memory.PointCount(); ++k) {
-    const double value = channel.ScreenValue(memory.PointIndex(k));
-    if (!std::isfinite(value)) continue;
-    if (!found) found = Extremes{value, value};
-    found->Low = std::min(found->Low, value);
-    found->High = std::max(found->High, value);
+// Over the points of a sweep; 0 for one without points.
+Extremes SweepExtremes(const ZelScope& scope, const SignalChannel& channel, ScopeSweep sweep) {
+  ScopeScreen screen;
+  scope.CopyScreen(sweep, screen);
+  for (std::size_t i = 0; i < screen.Values.size(); ++i) {
+    if (scope.Channels()[i].get() != &channel || screen.Values[i].empty()) continue;
+    const auto [low, high] = std::minmax_element(screen.Values[i].begin(), screen.Values[i].end());
+    return {*low, *high};
   }
-  return found;
+  return {0.0, 0.0};
 }
 
 // Beyond these a screen's time, or a pixel, would not be a number any more.
@@ -53,9 +53,21 @@ ZelChannel* ZelScope::FindChannel(const std::string& name) {
 
 ZelChannel& ZelScope::FirstDisplayedChannel() const {
   for (const auto& channel : Channels()) {
-    if (channel->Displayed) return *channel;
+    if (channel->Displayed()) return *channel;
   }
-  return Channels().empty() ? TimeChannel() : *Channels().front();
+  if (Channels().empty()) return TimeChannel();
+  return *Channels().front();
+}
+
+std::vector<std::size_t> ZelScope::DisplayedChannels() const {
+  std::vector<std::size_t> displayed;
+  for (std::size_t i = 0; i < Channels().size(); ++i) {
+    if (!Channels()[i]->Displayed()) continue;
+    // One trace more than the colours is let through before it is reported.
+    if (displayed.size() > TraceColourCount) Error("Internal Error: Too many displayed channels");
+    displayed.push_back(i);
+  }
+  return displayed;
 }
 
 const ZelChannel* ZelScope::HorizontalChannel() const {
@@ -67,39 +79,48 @@ ZelChannel* ZelScope::HorizontalChannel() {
 }
 
 ZelChannel* ZelScope::FindHorizontal() const {
-  if (TimeChannel().IsHorizontal) return &TimeChannel();
+  if (TimeChannel().IsHorizontal()) return &TimeChannel();
   for (const auto& channel : Channels()) {
-    if (channel->IsHorizontal) return channel.get();
+    if (channel->IsHorizontal()) return channel.get();
   }
   Error("Internal Error: No Horiz Channel");
   return nullptr;
 }
 
 void ZelScope::SetHorizontalChannel(ZelChannel& channel) {
-  TimeChannel().IsHorizontal = false;
-  for (const auto& other : Channels()) other->IsHorizontal = false;
-  channel.IsHorizontal = true;
-  ComputePixels(channel);
+  const auto change = [&] {
+    TimeChannel().isHorizontal_ = false;
+    for (const auto& other : Channels()) other->isHorizontal_ = false;
+    channel.isHorizontal_ = true;
+    needsRedraw_ = true;
+  };
+  Change(change, [&] { return "X Axis = " + channel.Name(); });
 }
 
 void ZelScope::SetDisplayed(ZelChannel& channel, bool displayed) {
-  channel.Displayed = displayed;
-  AssignColours();
-  ComputePixels(channel);
+  const auto change = [&] {
+    channel.displayed_ = displayed;
+    AssignColours();
+  };
+  Change(change, [&] { return (displayed ? "Show " : "Hide ") + channel.Name(); });
 }
 
 void ZelScope::AssignColours() {
   int displayed = 0;
   for (const auto& channel : Channels()) {
-    if (displayed == TraceColourCount) channel->Displayed = false;
-    channel->Colour = channel->Displayed ? displayed++ : -1;
+    if (displayed == TraceColourCount) channel->displayed_ = false;
+    channel->colour_ = channel->displayed_ ? displayed++ : -1;
   }
   needsRedraw_ = true;
 }
 
-void ZelScope::ComputePixels(ZelChannel& channel) {
-  channel.ComputePixels();
-  needsRedraw_ = true;
+void ZelScope::ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption) {
+  const auto change = [&] {
+    axis = {LimitedScale(value.Scale), WithoutMinusZero(value.Offset)};
+    needsRedraw_ = true;
+    if (&axis == &TimeChannel().horizontal_) SetSampleInterval();
+  };
+  Change(change, [&] { return caption; });
 }
 
 bool ZelScope::SetVerticalScale(ZelChannel& channel, double scale) {
@@ -107,15 +128,15 @@ bool ZelScope::SetVerticalScale(ZelChannel& channel, double scale) {
     Error("Scale cannot be set to zero");
     return false;
   }
-  channel.Vertical.Scale = LimitedScale(scale);
-  ComputePixels(channel);
+  ChangeAxis(channel.vertical_, {scale, channel.Vertical().Offset},
+             channel.Name() + " Scale = " + FormatEdit(LimitedScale(scale)));
   return true;
 }
 
 void ZelScope::SetVerticalOffset(ZelChannel& channel, double offset) {
   if (!std::isfinite(offset)) return;
-  channel.Vertical.Offset = offset;
-  ComputePixels(channel);
+  ChangeAxis(channel.vertical_, {channel.Vertical().Scale, offset},
+             channel.Name() + " Offset = " + FormatEdit(WithoutMinusZero(offset)));
 }
 
 bool ZelScope::SetHorizontalScale(ZelChannel& channel, double scale) {
@@ -123,38 +144,38 @@ bool ZelScope::SetHorizontalScale(ZelChannel& channel, double scale) {
     Error("Horizontal scale cannot be set to zero");
     return false;
   }
-  channel.Horizontal.Scale = LimitedScale(scale);
-  if (&channel == &TimeChannel()) SetSampleInterval();
-  ComputePixels(channel);
+  ChangeAxis(channel.horizontal_, {scale, channel.Horizontal().Offset},
+             "Horizontal Scale = " + FormatEdit(LimitedScale(scale)));
   return true;
 }
 
 void ZelScope::SetHorizontalOffset(ZelChannel& channel, double offset) {
   if (!std::isfinite(offset)) return;
-  channel.Horizontal.Offset = offset;
-  ComputePixels(channel);
+  const auto change = [&] {
+    channel.horizontal_.Offset = WithoutMinusZero(offset);
+    needsRedraw_ = true;
+  };
+  Change(change, [&] { return "Horizontal Offset = " + FormatEdit(channel.Horizontal().Offset); });
 }
 
-void ZelScope::AutoVertical(ZelChannel& channel) {
-  const auto extremes = ScreenExtremes(memory_, channel).value_or(Extremes{0.0, 0.0});
-  const double largest = std::max(std::abs(extremes.Low), std::abs(extremes.High));
+void ZelScope::AutoVertical(SignalChannel& channel, ScopeSweep sweep) {
+  const auto [low, high] = SweepExtremes(*this, channel, sweep);
+  const double largest = std::max(std::abs(low), std::abs(high));
   const double scale = channel.Signal().Multiplier() * largest / (VerticalDivisions / 2);
-  if (UsableScale(scale)) channel.Vertical.Scale = scale;
-  channel.Vertical.Offset = 0.0;
-  ComputePixels(channel);
+  ChangeAxis(channel.vertical_, {UsableScale(scale) ? scale : channel.Vertical().Scale, 0.0},
+             "Auto Scale of " + channel.Name());
 }
 
-void ZelScope::FillVertical(ZelChannel& channel) {
-  const auto extremes = ScreenExtremes(memory_, channel).value_or(Extremes{0.0, 0.0});
+void ZelScope::FillVertical(SignalChannel& channel, ScopeSweep sweep) {
+  const auto [low, high] = SweepExtremes(*this, channel, sweep);
   const double multiplier = channel.Signal().Multiplier();
-  const double scale = (extremes.High - extremes.Low) * multiplier / VerticalDivisions;
+  const double scale = (high - low) * multiplier / VerticalDivisions;
   if (!UsableScale(scale)) {
     Note("Cannot Fill because Max = Min");
     return;
   }
-  channel.Vertical.Scale = scale;
-  channel.Vertical.Offset = -(extremes.High + extremes.Low) * 0.5 * multiplier;
-  ComputePixels(channel);
+  ChangeAxis(channel.vertical_, {scale, -(high + low) * 0.5 * multiplier},
+             "Fill Screen with " + channel.Name());
 }
 
 }  // namespace torvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -12,87 +13,93 @@ namespace torvane {
 struct AxisScale {
   double Scale = 1.0;
   double Offset = 0.0;
+
+  bool operator==(const AxisScale&) const = default;
 };
 
-/// One recorded signal of a scope: a history ring, the screen's values and their pixels.
-/// Samples are kept in single precision.
+/// A signal that a scope records, and how the scope shows it. Its settings are the scope's to
+/// change.
 class ZelChannel {
  public:
-  /// A ring shorter than the screen is raised to the screen's length.
-  ZelChannel(Variable& variable, int ringLength, int screenLength);
+  explicit ZelChannel(Variable& variable)
+      : vertical_{variable.DefaultScale(), variable.DefaultOffset()},
+        horizontal_(vertical_),
+        displayed_(variable.ShownByDefault()),
+        variable_(variable) {}
   ZelChannel(const ZelChannel&) = delete;
   ZelChannel& operator=(const ZelChannel&) = delete;
-  virtual ~ZelChannel() = default;
 
   const std::string& Name() const { return variable_.Name(); }
   Variable& Signal() const { return variable_; }
-  int ScreenLength() const { return static_cast<int>(screen_.size()); }
-  int RingLength() const { return static_cast<int>(ring_.size()); }
 
-  AxisScale Vertical;
-  AxisScale Horizontal;
-  bool Displayed = false;
-  bool IsHorizontal = false;
-  int Colour = -1;  ///< index for TraceColourAt() while displayed
+  const AxisScale& Vertical() const { return vertical_; }
+  const AxisScale& Horizontal() const { return horizontal_; }
+  /// The trace is shown.
+  bool Displayed() const { return displayed_; }
+  /// This is the X axis.
+  bool IsHorizontal() const { return isHorizontal_; }
+  /// Index for TraceColourAt() while displayed.
+  int Colour() const { return colour_; }
 
-  void Store(int ringIndex) { ring_[Slot(ringIndex)] = static_cast<float>(variable_.Value); }
-  void StoreToScreen(int ringIndex, int screenIndex) {
-    Store(ringIndex);
-    CopyToScreen(ringIndex, screenIndex);
+ private:
+  friend class ZelScope;
+
+  AxisScale vertical_;
+  AxisScale horizontal_;
+  bool displayed_;
+  bool isHorizontal_ = false;
+  int colour_ = -1;
+  Variable& variable_;
+};
+
+/// A channel with its recording: a history ring, and two screens, of which one can be filled while
+/// the other is kept.
+template <typename Sample>
+class RecordedChannel : public ZelChannel {
+ public:
+  static constexpr std::size_t ScreenCount = 2;
+
+  /// A ring shorter than a screen is raised to the screen's length.
+  RecordedChannel(Variable& variable, int ringLength, int screenLength)
+      : ZelChannel(variable), ring_(Slot(ringLength < screenLength ? screenLength : ringLength)) {
+    for (auto& screen : screens_) screen.resize(Slot(screenLength));
   }
-  void CopyToScreen(int ringIndex, int screenIndex) {
-    screen_[Slot(screenIndex)] = ring_[Slot(ringIndex)];
+
+  /// Stores the signal's present value, and gives what is stored.
+  Sample Store(int ringIndex) {
+    return ring_[Slot(ringIndex)] = static_cast<Sample>(Signal().Value);
+  }
+  void CopyToScreen(int ringIndex, std::size_t screen, int index) {
+    screens_[screen][Slot(index)] = ring_[Slot(ringIndex)];
   }
 
-  float RingValue(int index) const { return ring_[Slot(index)]; }
-  float ScreenValue(int index) const { return screen_[Slot(index)]; }
-  void SetScreenValue(int index, float value) { screen_[Slot(index)] = value; }
-
-  /// Pixel of a screen point from the top edge: y = -((v m + offset) / scale) H / 8 + H div 2,
-  /// truncated, at most H - 2. It may lie far above the screen, and does for what is not a number.
-  int YPixel(int index) const { return yPixels_[Slot(index)]; }
-
-  /// Pixel of a screen point from the left edge when this is the X axis:
-  /// x = ((v m + offset) / scale) W / 10 + W div 2, truncated, within 0..W - 1.
-  int XPixel(int index) const { return xPixels_[Slot(index)]; }
-
-  /// Pixels of the paint area; to be told before any pixel is computed.
-  void SetScreenSize(int width, int height);
-  void ComputeY(int index);
-  virtual void ComputeX(int index);
-  /// Every point anew: the Y of a displayed channel, the X of the X axis.
-  void ComputePixels();
-  /// The screen is circular; tells where it starts now.
-  virtual void SetStartIndex(int /*index*/) {}
+  Sample RingValue(int index) const { return ring_[Slot(index)]; }
+  Sample ScreenValue(std::size_t screen, int index) const { return screens_[screen][Slot(index)]; }
 
  protected:
   static std::size_t Slot(int index) { return static_cast<std::size_t>(index); }
 
-  int width_ = 0;
-  int height_ = 0;
-  std::vector<float> ring_;
-  std::vector<float> screen_;
-  std::vector<int> xPixels_;
+  std::vector<Sample> ring_;
 
  private:
-  Variable& variable_;
-  std::vector<int> yPixels_;
+  std::array<std::vector<Sample>, ScreenCount> screens_;
 };
 
-/// The time axis: X is measured from the time at the screen's start,
-/// x = ((v m - t0) / scale) W / 10, truncated, within 1..W - 2. Its history begins with plausible
-/// negative times, for screens that reach back before time 0.
-class ZelTimeChannel : public ZelChannel {
+/// Signals are kept in single precision.
+using SignalChannel = RecordedChannel<float>;
+
+/// The time axis. Times are kept as they are, for single precision would lose the samples' spacing
+/// after a minute. Its history begins with plausible negative times, for screens that reach back
+/// before time 0.
+class ZelTimeChannel : public RecordedChannel<double> {
  public:
-  ZelTimeChannel(Variable& timeVar, int ringLength, int screenLength);
-  void ComputeX(int index) override;
-  /// Every X is computed anew, for each is measured from the start.
-  void SetStartIndex(int index) override;
+  ZelTimeChannel(Variable& timeVar, int ringLength, int screenLength)
+      : RecordedChannel(timeVar, ringLength, screenLength) {
+    FillHistory(Horizontal().Scale, screenLength);
+  }
 
- private:
-  void ComputeXRange(int first, int end);
-
-  double startTime_ = 0.0;  // as displayed
+  /// The history of negative times, spaced for the given scale; to be called before any sample.
+  void FillHistory(double scale, int screenLength);
 };
 
 /// Name and colour (0xRRGGBB) of a trace; the k-th displayed channel has colour k.

@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include "core/messages.h"
+#include "core/solver.h"
+#include "core/text.h"
 
 namespace torvane {
 
@@ -19,54 +21,53 @@ ScopeMemory::ScopeMemory(ZelBenchTop& bench, Variable& timeVar, int screenLength
       timeChannel_(std::make_unique<ZelTimeChannel>(timeVar, ringLength_, screenLength_)) {
   for (Variable* variable : bench.Variables()) {
     if (variable->Internal()) continue;
-    channels_.push_back(std::make_unique<ZelChannel>(*variable, ringLength_, screenLength_));
+    channels_.push_back(std::make_unique<SignalChannel>(*variable, ringLength_, screenLength_));
   }
 }
 
-int ScopeMemory::PointCount() const {
-  if (fillIndex_ < 0) return 0;
-  return (fillIndex_ - startIndex_ + screenLength_) % screenLength_ + 1;
-}
-
-void ScopeMemory::SetScreenSize(int width, int height) {
-  timeChannel_->SetScreenSize(width, height);
-  timeChannel_->ComputePixels();
-  for (const auto& channel : channels_) {
-    channel->SetScreenSize(width, height);
-    channel->ComputePixels();
-  }
+void ScopeMemory::CopyScreen(ScopeSweep sweep, ScopeScreen& into) const {
+  const std::size_t screen = sweep == ScopeSweep::Whole && anyWhole_ ? whole_ : present_;
+  const Extent extent = extents_[screen];
+  const int count =
+      extent.Fill < 0 ? 0 : (extent.Fill - extent.Start + screenLength_) % screenLength_ + 1;
+  const auto copy = [&](const auto& channel, auto& values) {
+    values.resize(static_cast<std::size_t>(count));
+    int index = extent.Start;
+    for (auto& value : values) {
+      value = channel.ScreenValue(screen, index);
+      index = Next(index, screenLength_);
+    }
+  };
+  into.Sweep = extent.Sweep;
+  copy(*timeChannel_, into.Time);
+  into.Values.resize(channels_.size());
+  for (std::size_t i = 0; i < channels_.size(); ++i) copy(*channels_[i], into.Values[i]);
 }
 
 void ScopeMemory::StoreHistory() {
-  timeChannel_->Store(ringIndex_);
-  for (const auto& channel : channels_) channel->Store(ringIndex_);
+  const int ringIndex = Next(ringIndex_, ringLength_);
+  timeChannel_->Store(ringIndex);
+  // Zero times anything finite is zero: another sum tells of a value that is not finite.
+  float probe = 0.0F;
+  for (const auto& channel : channels_) probe += channel->Store(ringIndex) * 0.0F;
+  if (!(probe == 0.0F)) ThrowOverflow();
+  ringIndex_ = ringIndex;
 }
 
-void ScopeMemory::ComputePoint(ZelChannel& channel, int index) {
-  if (channel.Displayed) channel.ComputeY(index);
-  if (channel.IsHorizontal) channel.ComputeX(index);
-}
-
-void ScopeMemory::StorePoint() {
-  timeChannel_->StoreToScreen(ringIndex_, fillIndex_);
-  ComputePoint(*timeChannel_, fillIndex_);
-  for (const auto& channel : channels_) {
-    channel->StoreToScreen(ringIndex_, fillIndex_);
-    ComputePoint(*channel, fillIndex_);
-  }
+void ScopeMemory::ThrowOverflow() const {
+  const auto culprit = std::find_if(channels_.begin(), channels_.end(), [](const auto& channel) {
+    return !std::isfinite(static_cast<float>(channel->Signal().Value));
+  });
+  const Variable& signal = (*culprit)->Signal();
+  throw SolverOverflow("floating-point overflow in signal \"" + signal.Name() + "\" (value " +
+                       FormatShortest(signal.Value) + ") at time " +
+                       FormatShortest(timeChannel_->Signal().Value) + " s");
 }
 
 void ScopeMemory::CopyPoint(int ringIndex) {
-  timeChannel_->CopyToScreen(ringIndex, fillIndex_);
-  for (const auto& channel : channels_) {
-    channel->CopyToScreen(ringIndex, fillIndex_);
-    ComputePoint(*channel, fillIndex_);
-  }
-}
-
-void ScopeMemory::SetStartIndex(int index) {
-  startIndex_ = index;
-  timeChannel_->SetStartIndex(index);
+  const int index = Present().Fill;
+  timeChannel_->CopyToScreen(ringIndex, present_, index);
+  for (const auto& channel : channels_) channel->CopyToScreen(ringIndex, present_, index);
 }
 
 bool ScopeMemory::Advance(bool fill) {
@@ -74,48 +75,47 @@ bool ScopeMemory::Advance(bool fill) {
     Error("Internal Error: Screen Full");
     return false;
   }
-  ringIndex_ = Next(ringIndex_, ringLength_);
-  if (!fill) {
-    StoreHistory();
-    return true;
-  }
-  const bool first = fillIndex_ < 0;
-  fillIndex_ = first ? startIndex_ : Next(fillIndex_, screenLength_);
-  StorePoint();
-  if (first) SetStartIndex(startIndex_);
-  return ScreenFull();
+  StoreHistory();
+  if (!fill) return true;
+  Extent& extent = extents_[present_];
+  extent.Fill = extent.Fill < 0 ? extent.Start : Next(extent.Fill, screenLength_);
+  CopyPoint(ringIndex_);
+  if (!ScreenFull()) return false;
+  whole_ = present_;
+  anyWhole_ = true;
+  return true;
+}
+
+// The last complete screen stays as it is.
+void ScopeMemory::BeginScreen() {
+  const std::uint64_t sweep = SweepCount() + 1;
+  if (anyWhole_ && whole_ == present_) present_ = 1 - present_;
+  extents_[present_] = {.Sweep = sweep};
 }
 
 void ScopeMemory::ClearScreen() {
-  startIndex_ = 0;
-  fillIndex_ = -1;
+  BeginScreen();
 }
 
 void ScopeMemory::StartScreenFromHistory(double percent) {
   const double wanted = std::floor(screenLength_ * percent * 0.01);
   const int count = static_cast<int>(std::clamp<double>(
       wanted > FewestPoints ? wanted : FewestPoints, FewestPoints, screenLength_ - 1));
-  fillIndex_ = -1;
+  BeginScreen();
   int ringIndex = (ringIndex_ - count + ringLength_ + 1) % ringLength_;
   for (int i = 0; i < count; ++i) {
-    ++fillIndex_;
+    ++extents_[present_].Fill;
     CopyPoint(ringIndex);
     ringIndex = Next(ringIndex, ringLength_);
   }
-  SetStartIndex(0);
 }
 
 void ScopeMemory::ClearPostTrigger(double fraction) {
   if (!ScreenFull()) Error("Internal Error: Screen Not Full in ClearPostTrigger");
   const int wanted = static_cast<int>(std::ceil(screenLength_ * fraction));
   const int leaving = std::clamp(wanted, FewestPoints, screenLength_ - 2);
-  SetStartIndex((fillIndex_ - (screenLength_ - leaving) + screenLength_ + 1) % screenLength_);
-}
-
-void ScopeMemory::SetPointCount(int count) {
-  fillIndex_ = count - 1;
-  SetStartIndex(0);
-  for (const auto& channel : channels_) channel->ComputePixels();
+  extents_[present_].Start =
+      (FillIndex() - (screenLength_ - leaving) + screenLength_ + 1) % screenLength_;
 }
 
 }  // namespace torvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -8,8 +10,25 @@
 
 namespace torvane {
 
+/// Which sweep of a scope is meant.
+enum class ScopeSweep {
+  Present,  ///< the one being captured, or the last one when none is
+  Whole     ///< the last complete one; the present one before there is any
+};
+
+/// Copy of what one screen of a scope holds, oldest point first, as recorded: without the signals'
+/// display multipliers.
+struct ScopeScreen {
+  std::uint64_t Sweep = 0;  ///< which one, counted from 1; 0 before the first
+  std::vector<double> Time;
+  std::vector<std::vector<float>> Values;  ///< by channel, in the scope's channel order
+
+  int PointCount() const { return static_cast<int>(Time.size()); }
+};
+
 /// What a scope has recorded: the time channel and one channel a signal, which share the write
-/// position of their history rings and the extent of their circular screens.
+/// position of their history rings and the extent of their circular screens. A complete screen is
+/// kept while the next one fills.
 ///
 /// A screen's points run from StartIndex to FillIndex modulo ScreenLength. A FillIndex of -1 means
 /// an empty screen.
@@ -20,25 +39,27 @@ class ScopeMemory {
   /// two screens.
   ScopeMemory(ZelBenchTop& bench, Variable& timeVar, int screenLength, int ringLength);
 
-  const std::vector<std::unique_ptr<ZelChannel>>& Channels() const { return channels_; }
+  const std::vector<std::unique_ptr<SignalChannel>>& Channels() const { return channels_; }
   ZelTimeChannel& TimeChannel() const { return *timeChannel_; }
 
   int ScreenLength() const { return screenLength_; }
   int RingLength() const { return ringLength_; }
-  int StartIndex() const { return startIndex_; }
-  int FillIndex() const { return fillIndex_; }
-  /// Points on the screen.
-  int PointCount() const;
-  /// Screen index of the k-th point, oldest first.
-  int PointIndex(int k) const { return (startIndex_ + k) % screenLength_; }
+  // Of the present sweep.
+  int StartIndex() const { return Present().Start; }
+  int FillIndex() const { return Present().Fill; }
   bool ScreenFull() const {
-    return fillIndex_ >= 0 && Next(fillIndex_, screenLength_) == startIndex_;
+    return FillIndex() >= 0 && Next(FillIndex(), screenLength_) == StartIndex();
   }
 
-  void SetScreenSize(int width, int height);
+  /// Sweeps begun.
+  std::uint64_t SweepCount() const { return Present().Sweep; }
+
+  /// Copies a sweep's points into a screen, whose storage is used again.
+  void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const;
 
   /// Stores the present values into the history and, when filling, as the screen's next point too.
   /// The result tells whether a screen being filled is now full; without filling it is true.
+  /// Throws SolverOverflow when a value is not finite in single precision; nothing is stored then.
   bool Advance(bool fill);
 
   void ClearScreen();
@@ -51,24 +72,29 @@ class ScopeMemory {
   /// (at least two), and makes their places the next to be filled.
   void ClearPostTrigger(double fraction);
 
-  /// Replaces the screen by the first count points, already stored, of every channel.
-  void SetPointCount(int count);
-
  private:
+  struct Extent {
+    std::uint64_t Sweep = 0;
+    int Start = 0;
+    int Fill = -1;
+  };
+
   static int Next(int index, int length) { return index + 1 == length ? 0 : index + 1; }
+  const Extent& Present() const { return extents_[present_]; }
   void StoreHistory();
-  void StorePoint();
+  [[noreturn]] void ThrowOverflow() const;
   void CopyPoint(int ringIndex);
-  void SetStartIndex(int index);
-  static void ComputePoint(ZelChannel& channel, int index);
+  void BeginScreen();
 
   int screenLength_;
   int ringLength_;
   int ringIndex_;
-  int startIndex_ = 0;
-  int fillIndex_ = -1;
+  std::array<Extent, SignalChannel::ScreenCount> extents_;
+  std::size_t present_ = 0;  // screen of the present sweep
+  std::size_t whole_ = 0;    // and of the last complete one
+  bool anyWhole_ = false;
   std::unique_ptr<ZelTimeChannel> timeChannel_;
-  std::vector<std::unique_ptr<ZelChannel>> channels_;
+  std::vector<std::unique_ptr<SignalChannel>> channels_;
 };
 
 }  // namespace torvane

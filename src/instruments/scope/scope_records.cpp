@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "core/files/record.h"
 #include "core/messages.h"
@@ -23,9 +24,9 @@ constexpr std::size_t ConstFormEntries = 6;
 void SaveChannel(RecordWriter& writer, const ZelChannel& channel) {
   writer.Write(
       "Channel",
-      {channel.Name(), FlagText(channel.Displayed), FormatShortest(channel.Vertical.Scale),
-       FormatShortest(channel.Vertical.Offset), FlagText(channel.IsHorizontal),
-       FormatShortest(channel.Horizontal.Scale), FormatShortest(channel.Horizontal.Offset)});
+      {channel.Name(), FlagText(channel.Displayed()), FormatShortest(channel.Vertical().Scale),
+       FormatShortest(channel.Vertical().Offset), FlagText(channel.IsHorizontal()),
+       FormatShortest(channel.Horizontal().Scale), FormatShortest(channel.Horizontal().Offset)});
 }
 
 }  // namespace
@@ -34,8 +35,8 @@ void ZelScope::SaveRecords(RecordWriter& writer) const {
   SaveDisplay(writer, Placement);
   SaveChannel(writer, TimeChannel());
   for (const auto& channel : Channels()) SaveChannel(writer, *channel);
-  writer.Write("ConstForm", {FlagText(ConstForm.Shown), std::to_string(ConstForm.Width),
-                             std::to_string(ConstForm.NameWidth)});
+  writer.Write("ConstForm", {FlagText(constForm_.Shown), std::to_string(constForm_.Width),
+                             std::to_string(constForm_.NameWidth)});
   SaveTrigger(writer, *trigger_);
   writer.Write("Trigger", {"StopModel", FlagText(singleShot_)});
 }
@@ -55,6 +56,11 @@ void ZelScope::LoadRecord(const Record& record) {
   }
 }
 
+void ZelScope::LoadState(const Record& record) {
+  restoring_ = true;
+  LoadRecord(record);
+}
+
 void ZelScope::LoadChannel(const Record& record) {
   if (record.Fields.size() != ChannelEntries) {
     Error(WrongFileCount + record.Line);
@@ -65,9 +71,9 @@ void ZelScope::LoadChannel(const Record& record) {
     Error("Cannot find channel " + record.Fields[3]);
     return;
   }
-  // How many traces are shown is looked at when all are known: until then those of the file mix
-  // with those from before.
-  channel->Displayed = IsOn(record.Fields[4]);
+  // Which traces are shown is taken when all are known: until then those of the file would mix with
+  // those from before.
+  loaded_.push_back({channel, IsOn(record.Fields[4])});
   if (const auto scale = ToNumber(record.Fields[5])) SetVerticalScale(*channel, *scale);
   if (const auto offset = ToNumber(record.Fields[6])) SetVerticalOffset(*channel, *offset);
   if (IsOn(record.Fields[7])) SetHorizontalChannel(*channel);
@@ -82,13 +88,14 @@ void ZelScope::LoadTriggerRecord(const Record& record) {
   }
   const std::string& value = record.Fields[4];
   if (record.Fields[3] == "Channel") {
-    if (ZelChannel* const source = FindChannel(value)) {
+    ZelChannel* const source = FindChannel(value);
+    if (source && (source != &TimeChannel() || Channels().empty())) {
       trigger_->SetSource(*source);
     } else {
       Error("Trigger Channel Invalid");
     }
   } else if (record.Fields[3] == "StopModel") {
-    singleShot_ = IsOn(value);
+    SetSingleShot(IsOn(value));
   } else if (!LoadTrigger(record, *trigger_)) {
     Error("Error:  Cannot load line: " + record.Line);
   }
@@ -102,13 +109,14 @@ void ZelScope::LoadConstForm(const Record& record) {
   const std::optional<int> width = ToInteger(record.Fields[4]);
   const std::optional<int> nameWidth = ToInteger(record.Fields[5]);
   if (!width || !nameWidth) return;
-  ConstForm = {IsOn(record.Fields[3]), std::clamp(*width, 0, ConstantsPanel::Widest),
-               std::clamp(*nameWidth, 0, ConstantsPanel::Widest)};
+  SetConstForm({IsOn(record.Fields[3]), *width, *nameWidth});
 }
 
 void ZelScope::FinishLoading(const std::function<void(int line)>& atLine) {
+  for (const LoadedTrace& trace : loaded_) trace.Channel->displayed_ = trace.Displayed;
+  loaded_.clear();
   AssignColours();
-  for (const auto& channel : Channels()) channel->ComputePixels();
+  if (!std::exchange(restoring_, false)) SetSampleInterval();
   Instrument::FinishLoading(atLine);
 }
 

@@ -1,12 +1,21 @@
 #include "instruments/scope/scope_trigger.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+
+#include "core/numeric.h"
+#include "core/text.h"
 
 namespace torvane {
 
 namespace {
 constexpr float ScreenDivisions = 10.0F;
 constexpr double AutoScreens = 2.05;  // screens without an event before a sweep starts by itself
+
+std::string Switched(const std::string& setting, bool on) {
+  return setting + (on ? " on" : " off");
+}
 }  // namespace
 
 ZelTrigger::ZelTrigger(ZelChannel& source, const ZelChannel& timeReference)
@@ -49,12 +58,12 @@ bool ZelTrigger::Step() {
 
 bool ZelTrigger::OnStartingSide() const {
   const double value = source_->Signal().DisplayValue();
-  return positiveSlope_ ? value <= Level : value >= Level;
+  return positiveSlope_ ? value <= level_ : value >= level_;
 }
 
 bool ZelTrigger::Crossed() const {
   const double value = source_->Signal().DisplayValue();
-  return positiveSlope_ ? value > Level : value < Level;
+  return positiveSlope_ ? value > level_ : value < level_;
 }
 
 bool ZelTrigger::CountEvent() {
@@ -102,52 +111,89 @@ bool ZelTrigger::ConsumeFired() {
 
 // A negative time scale mirrors the screen; time passes all the same.
 double ZelTrigger::ScreenTime() const {
-  return std::abs(timeReference_.Horizontal.Scale) * ScreenDivisions;
+  return std::abs(timeReference_.Horizontal().Scale) * ScreenDivisions;
 }
 
 double ZelTrigger::AutoPeriod() const {
   return ScreenTime() * AutoScreens;
 }
 
+void ZelTrigger::Make(const Change& change, const Caption& caption) {
+  if (makeChange_) {
+    makeChange_(change, caption);
+  } else {
+    change();
+  }
+}
+
 void ZelTrigger::SetMode(SweepMode mode) {
-  mode_ = mode;
-  if (mode == SweepMode::Cont) return;
-  holdOff_ = Now();
-  // The deadline is now and not a period from now, on purpose: whoever chooses Auto sees a screen
-  // at once.
-  if (mode == SweepMode::Auto) autoDeadline_ = Now();
+  const auto change = [&] {
+    mode_ = mode;
+    if (mode == SweepMode::Cont) return;
+    holdOff_ = Now();
+    // The deadline is now and not a period from now, on purpose: whoever chooses Auto sees a screen
+    // at once.
+    if (mode == SweepMode::Auto) autoDeadline_ = Now();
+  };
+  static constexpr std::array names{"Cont", "Auto", "Normal"};
+  Make(change,
+       [&] { return std::string("Trigger Mode = ") + names[static_cast<std::size_t>(mode)]; });
+}
+
+void ZelTrigger::SetLevel(double level) {
+  if (!std::isfinite(level)) return;
+  Make([&] { level_ = WithoutMinusZero(level); },
+       [&] { return "Trigger Level = " + FormatEdit(level_); });
+}
+
+void ZelTrigger::SetPosition(double percent) {
+  if (std::isnan(percent)) return;
+  Make([&] { position_ = WithoutMinusZero(std::clamp(percent, 0.0, 100.0)); },
+       [&] { return "Trigger Position = " + FormatEdit(position_); });
+}
+
+void ZelTrigger::SetRoll(bool on) {
+  Make([&] { roll_ = on; }, [&] { return Switched("Roll", on); });
 }
 
 template <typename Value>
-void ZelTrigger::Change(Value& setting, Value value) {
-  Disarm();
-  setting = value;
-  Rearm();
+void ZelTrigger::Restart(Value& setting, Value value, const Caption& caption) {
+  const auto change = [&] {
+    Disarm();
+    setting = value;
+    Rearm();
+  };
+  Make(change, caption);
 }
 
 void ZelTrigger::SetSource(ZelChannel& source) {
-  Change(source_, &source);
+  Restart(source_, &source, [&] { return "Trigger Source = " + source.Name(); });
 }
 void ZelTrigger::SetPositiveSlope(bool positive) {
-  Change(positiveSlope_, positive);
+  Restart(positiveSlope_, positive,
+          [&] { return std::string("Trigger Slope = ") + (positive ? "Positive" : "Negative"); });
 }
 void ZelTrigger::SetInitialDelay(bool on) {
-  Change(initialDelay_, on);
+  Restart(initialDelay_, on, [&] { return Switched("Initial Delay", on); });
 }
 void ZelTrigger::SetInitialDelayTime(double seconds) {
-  Change(initialDelayTime_, seconds);
+  if (!std::isfinite(seconds)) return;
+  Restart(initialDelayTime_, WithoutMinusZero(seconds),
+          [&] { return "Initial Delay = " + FormatEdit(seconds); });
 }
 void ZelTrigger::SetCountEvents(bool on) {
-  Change(countEvents_, on);
+  Restart(countEvents_, on, [&] { return Switched("Count Events", on); });
 }
 void ZelTrigger::SetNumberOfEvents(std::int32_t count) {
-  Change(numberOfEvents_, count);
+  Restart(numberOfEvents_, count, [&] { return "Number of Events = " + std::to_string(count); });
 }
 void ZelTrigger::SetDelayAfter(bool on) {
-  Change(delayAfter_, on);
+  Restart(delayAfter_, on, [&] { return Switched("Delay After", on); });
 }
 void ZelTrigger::SetDelayAfterTime(double seconds) {
-  Change(delayAfterTime_, seconds);
+  if (!std::isfinite(seconds)) return;
+  Restart(delayAfterTime_, WithoutMinusZero(seconds),
+          [&] { return "Delay After = " + FormatEdit(seconds); });
 }
 
 }  // namespace torvane

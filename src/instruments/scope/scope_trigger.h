@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
 
 #include "instruments/scope/scope_channel.h"
 
@@ -19,6 +22,14 @@ class ZelTrigger {
   /// Level 0, positive slope, armed, automatic, without delays or event count.
   ZelTrigger(ZelChannel& source, const ZelChannel& timeReference);
 
+  using Change = std::function<void()>;
+  using Caption = std::function<std::string()>;
+  /// Setters make their changes through `make`, for an owner that records and shows them; the
+  /// caption is for afterwards ("Trigger Level = 2").
+  void MakeChangesThrough(std::function<void(const Change&, const Caption&)> make) {
+    makeChange_ = std::move(make);
+  }
+
   /// Detection from the beginning, initial delay and event count included.
   void Rearm();
   void Disarm();
@@ -30,8 +41,15 @@ class ZelTrigger {
   /// Whether the trigger fired since the last call.
   bool ConsumeFired();
 
-  /// Leaves the detection state alone.
+  // These leave the detection state alone.
   void SetMode(SweepMode mode);
+  /// In the source's display units; what is not a finite number is ignored.
+  void SetLevel(double level);
+  /// Per cent of the screen shown before the trigger point, limited to 0 ... 100.
+  void SetPosition(double percent);
+  /// Acted on by the scope.
+  void SetRoll(bool on);
+
   // Each of these restarts detection from the beginning.
   void SetSource(ZelChannel& source);
   void SetPositiveSlope(bool positive);
@@ -52,17 +70,17 @@ class ZelTrigger {
   std::int32_t NumberOfEvents() const { return numberOfEvents_; }
   bool DelayAfter() const { return delayAfter_; }
   double DelayAfterTime() const { return delayAfterTime_; }
+  double Level() const { return level_; }
+  double Position() const { return position_; }
+  bool Roll() const { return roll_; }
   Detection State() const { return state_; }
   /// When the trigger last fired.
   double FireTime() const { return fireTime_; }
 
-  double Level = 0.0;      ///< in the source's display units
-  double Position = 20.0;  ///< per cent of the screen shown before the trigger point
-  bool Roll = false;       ///< acted on by the scope
-
  private:
+  void Make(const Change& change, const Caption& caption);
   template <typename Value>
-  void Change(Value& setting, Value value);
+  void Restart(Value& setting, Value value, const Caption& caption);
   double Now() const { return timeReference_.Signal().Value; }
   double ScreenTime() const;
   double AutoPeriod() const;
@@ -73,9 +91,13 @@ class ZelTrigger {
   bool FireWhenDelayed();
   void Fire();
 
+  std::function<void(const Change&, const Caption&)> makeChange_;
   const ZelChannel& timeReference_;
   ZelChannel* source_;
   SweepMode mode_ = SweepMode::Auto;
+  double level_ = 0.0;
+  double position_ = 20.0;
+  bool roll_ = false;
   Detection state_ = Detection::Idle;
   bool positiveSlope_ = true;
   bool initialDelay_ = false;

@@ -34,7 +34,7 @@ bool LoadFlag(const std::string& key, bool on, ZelTrigger& trigger) {
   if (key == "PosSlope") {
     trigger.SetPositiveSlope(on);
   } else if (key == "RollMode") {
-    trigger.Roll = on;
+    trigger.SetRoll(on);
   } else if (key == "InitDelay") {
     trigger.SetInitialDelay(on);
   } else if (key == "CountEvents") {
@@ -58,9 +58,9 @@ bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trig
   const auto value = ToNumber(text);
   if (!value) return true;
   if (key == "Level") {
-    trigger.Level = *value;
+    trigger.SetLevel(*value);
   } else if (key == "Position") {
-    trigger.Position = *value;
+    trigger.SetPosition(*value);
   } else if (key == "TInitDelay") {
     trigger.SetInitialDelayTime(std::clamp(*value, 0.0, LongestTime));
   } else {
@@ -74,12 +74,12 @@ bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trig
 void SaveTrigger(RecordWriter& writer, const ZelTrigger& trigger) {
   writer.Write(Keyword, {"Channel", trigger.Source().Name()});
   writer.Write(Keyword, {"PosSlope", FlagText(trigger.PositiveSlope())});
-  writer.Write(Keyword, {"Level", FormatShortest(trigger.Level)});
-  writer.Write(Keyword, {"Position", FormatShortest(trigger.Position)});
+  writer.Write(Keyword, {"Level", FormatShortest(trigger.Level())});
+  writer.Write(Keyword, {"Position", FormatShortest(trigger.Position())});
   for (const ModeKey& mode : ModeKeys) {
     writer.Write(Keyword, {mode.Key, FlagText(trigger.Mode() == mode.Mode)});
   }
-  writer.Write(Keyword, {"RollMode", FlagText(trigger.Roll)});
+  writer.Write(Keyword, {"RollMode", FlagText(trigger.Roll())});
   writer.Write(Keyword, {"InitDelay", FlagText(trigger.InitialDelay())});
   writer.Write(Keyword, {"TInitDelay", FormatShortest(trigger.InitialDelayTime())});
   writer.Write(Keyword, {"CountEvents", FlagText(trigger.CountEvents())});

@@ -3,14 +3,20 @@
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <cmath>
+#include <QScreen>
+#include <algorithm>
 
 namespace torvane {
 
 namespace {
 
-// A sweep that takes fewer refreshes than this is too quick to watch it grow.
-constexpr int RefreshesOfFastSweep = 4;
+constexpr qint64 SlowSweep = 100;  // milliseconds that make it worth watching a sweep grow
+
+// No picture is larger than the displays, whatever size the window has been given; some platforms
+// say less than they show.
+QSize LargestPicture(const QWidget& widget) {
+  return widget.screen()->virtualSize().expandedTo(QSize(2560, 1600));
+}
 
 bool IsDark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightness() < 128;
@@ -33,33 +39,39 @@ void ScopePaintBox::SetReference(const ZelChannel* channel) {
   Refresh();
 }
 
-// Sweeps that complete within a few refreshes would show a different share of the trace each time.
-// For them the points of the sweep before stay until they are overwritten, so that a steady signal
-// gives a steady picture.
+// Time counts only while the sweep moves: it may wait for its trigger, or the run may stand still.
 void ScopePaintBox::WatchSweeps() {
-  if (scope_->TakeScreenCompleted()) {
-    fastSweeps_ = refreshesSinceSweep_ < RefreshesOfFastSweep;
-    refreshesSinceSweep_ = 0;
-  } else if (refreshesSinceSweep_ < RefreshesOfFastSweep) {
-    ++refreshesSinceSweep_;
+  const qint64 passed = std::min(sinceRefresh_.isValid() ? sinceRefresh_.restart() : 0, SlowSweep);
+  if (!sinceRefresh_.isValid()) sinceRefresh_.start();
+  const std::uint64_t sweep = scope_->SweepCount();
+  const int fill = scope_->FillIndex();
+  if (sweep != sweepSeen_) {
+    slowSweeps_ = sweep == sweepSeen_ + 1 && age_ + passed > SlowSweep;
+    age_ = 0;
+  } else if (fill != fillSeen_) {
+    age_ += passed;
+    if (age_ > SlowSweep) slowSweeps_ = true;
   }
+  sweepSeen_ = sweep;
+  fillSeen_ = fill;
 }
 
 void ScopePaintBox::Refresh() {
   if (!painter_ || !isVisible()) return;
   WatchSweeps();
+  scope_->CopyScreen(Shown(), screen_);
   const bool changed = scope_->TakeNeedsRedraw();
   if (stale_ || ratio_ != devicePixelRatioF() || labels_ != MakeScopeLabels(*scope_, reference_)) {
     Prepare();
     PaintAll();
     update();
-  } else if (changed || (fastSweeps_ && painter_->HasNew())) {
+  } else if (changed || screen_.Sweep != sweepPainted_) {
     PaintAll();
     update();
-  } else if (painter_->HasNew()) {
+  } else if (painter_->HasNew(screen_)) {
     QPainter painter(&picture_);
     painter.scale(1.0 / ratio_, 1.0 / ratio_);
-    const QRectF area = painter_->PaintNew(painter);
+    const QRectF area = painter_->PaintNew(painter, screen_);
     update(QRectF(area.topLeft() / ratio_, area.size() / ratio_).toAlignedRect());
   }
 }
@@ -68,7 +80,8 @@ void ScopePaintBox::Refresh() {
 void ScopePaintBox::Prepare() {
   ratio_ = devicePixelRatioF();
   labels_ = MakeScopeLabels(*scope_, reference_);
-  const QSize pixels(qCeil(width() * ratio_), qCeil(height() * ratio_));
+  const QSizeF area = size().boundedTo(LargestPicture(*this));
+  const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
   painter_->Layout(pixels, ratio_, labels_);
   background_ = QPixmap(pixels);
   QPainter painter(&background_);
@@ -86,7 +99,8 @@ void ScopePaintBox::PaintAll() {
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.drawPixmap(painter_->Plate(), background_, painter_->Plate());
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter_->PaintTraces(painter, fastSweeps_);
+  painter_->PaintTraces(painter, screen_);
+  sweepPainted_ = screen_.Sweep;
 }
 
 void ScopePaintBox::paintEvent(QPaintEvent*) {

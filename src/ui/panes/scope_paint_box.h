@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QPixmap>
 #include <QWidget>
 #include <optional>
@@ -8,8 +9,12 @@
 
 namespace torvane {
 
-/// The paint box of a scope's window: grid, traces and legend. New points are drawn onto a backing
-/// picture, never more than what is new; a new screen or a changed setting paints all of it.
+/// The paint box of a scope's window: grid, traces and legend.
+///
+/// It shows one whole sweep, the last complete one; when a sweep takes longer than a tenth of a
+/// second, the sweep as it grows and nothing of the one before. Points of a growing sweep are drawn
+/// onto a backing picture, never more than what is new; another sweep or a changed setting paints
+/// all of it.
 class ScopePaintBox : public QWidget {
   Q_OBJECT
 
@@ -21,6 +26,9 @@ class ScopePaintBox : public QWidget {
 
   /// The channel whose values the left axis shows.
   void SetReference(const ZelChannel* channel);
+
+  /// The sweep that is shown.
+  ScopeSweep Shown() const { return slowSweeps_ ? ScopeSweep::Present : ScopeSweep::Whole; }
 
   /// Brings the picture up to date with the engine; cheap when nothing has changed.
   void Refresh();
@@ -44,8 +52,14 @@ class ScopePaintBox : public QWidget {
   QPixmap picture_;
   double ratio_ = 0.0;  // device pixels a pixel that background_ was made for
   bool stale_ = true;   // the background must be made anew
-  bool fastSweeps_ = false;
-  int refreshesSinceSweep_ = 0;
+
+  ScopeScreen screen_;  // kept, so that a frame allocates nothing
+  std::uint64_t sweepPainted_ = 0;
+  QElapsedTimer sinceRefresh_;
+  qint64 age_ = 0;  // of the present sweep while it moved, milliseconds
+  std::uint64_t sweepSeen_ = 0;
+  int fillSeen_ = -1;
+  bool slowSweeps_ = false;
 };
 
 }  // namespace torvane

@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <array>
+#include <utility>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
@@ -40,8 +41,8 @@ QIcon Swatch(int colour) {
 
 QString ChannelLabel(const ZelChannel& channel) {
   QString label = QString::fromStdString(channel.Name());
-  if (channel.Displayed && channel.Colour >= 0) {
-    label += QStringLiteral(" (%1)").arg(QLatin1String(TraceColourAt(channel.Colour).Label));
+  if (channel.Displayed() && channel.Colour() >= 0) {
+    label += QStringLiteral(" (%1)").arg(QLatin1String(TraceColourAt(channel.Colour()).Label));
   }
   return label;
 }
@@ -62,7 +63,7 @@ std::string ScaleNotice(double typed, double stored) {
 }  // namespace
 
 TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
-    : InstrumentPane(scope), scope_(scope), ui_(std::make_unique<Ui::TZelScopeF>()) {
+    : InstrumentPane(scope), scope_(scope), bench_(bench), ui_(std::make_unique<Ui::TZelScopeF>()) {
   ui_->setupUi(this);
   setWindowIcon(QIcon(QStringLiteral(":/icons/scope.svg")));
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
@@ -84,20 +85,38 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
 
 TZelScopeF::~TZelScopeF() = default;
 
+// What a held button has changed when it is let go is one change. While it repeats it is released
+// and pressed time and again, but stays down.
+void TZelScopeF::RepeatWhileHeld(std::initializer_list<QAbstractButton*> buttons) {
+  for (QAbstractButton* button : buttons) {
+    button->setAutoRepeat(true);
+    connect(button, &QAbstractButton::pressed, this, [this] {
+      if (!std::exchange(buttonHeld_, true)) bench_.History().BeginGesture();
+    });
+    const auto released = [this, button] {
+      if (button->isDown()) return;
+      buttonHeld_ = false;
+      bench_.History().EndGesture();
+    };
+    // The last click comes after the release.
+    connect(button, &QAbstractButton::released, this, released, Qt::QueuedConnection);
+  }
+}
+
 void TZelScopeF::ConnectVertical() {
-  const auto channel = [this]() -> ZelChannel& { return VerticalChannel(); };
+  const auto channel = [this]() -> SignalChannel& { return VerticalChannel(); };
   const auto clicked = [this](QAbstractButton* button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };
   vertScale_ = BindNumber(
-      *ui_->EVertScale, [=, this](double s) { SetVertical(s, channel().Vertical.Offset); },
-      [=] { return channel().Vertical.Scale; }, ScaleNotice);
+      *ui_->EVertScale, [=, this](double s) { SetVertical(s, channel().Vertical().Offset); },
+      [=] { return channel().Vertical().Scale; }, ScaleNotice);
   vertOffset_ = BindNumber(
-      *ui_->EVertOffset, [=, this](double o) { SetVertical(channel().Vertical.Scale, o); },
-      [=] { return channel().Vertical.Offset; });
+      *ui_->EVertOffset, [=, this](double o) { SetVertical(channel().Vertical().Scale, o); },
+      [=] { return channel().Vertical().Offset; });
   const auto step = [=, this](auto change) {
     return [=, this] {
-      const AxisScale changed = change(channel().Vertical);
+      const AxisScale changed = change(channel().Vertical());
       SetVertical(changed.Scale, changed.Offset);
     };
   };
@@ -109,16 +128,11 @@ void TZelScopeF::ConnectVertical() {
   clicked(ui_->BVOffsetDown, step([](A a) { return A{a.Scale, a.Offset - a.Scale}; }));
   clicked(ui_->BVertOffsetSign, step([](A a) { return A{a.Scale, -a.Offset}; }));
   clicked(ui_->BVertZero, step([](A a) { return A{a.Scale, 0.0}; }));
-  clicked(ui_->BVertAuto, [=, this] {
-    scope_.AutoVertical(channel());
-    ShowVertical();
-  });
-  clicked(ui_->BVertFill, [=, this] {
-    scope_.FillVertical(channel());
-    ShowVertical();
-  });
+  clicked(ui_->BVertAuto, [=, this] { scope_.AutoVertical(channel(), ui_->PBScreen->Shown()); });
+  clicked(ui_->BVertFill, [=, this] { scope_.FillVertical(channel(), ui_->PBScreen->Shown()); });
+  RepeatWhileHeld({ui_->BVScaleUp, ui_->BVScaleDown, ui_->BVOffsetUp, ui_->BVOffsetDown});
   connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &TZelScopeF::ShowVertical);
-  new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed); });
+  new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed()); });
   connect(ui_->CBVertShow, &QCheckBox::toggled, this, &TZelScopeF::SetShown);
 }
 
@@ -127,14 +141,14 @@ void TZelScopeF::ConnectHorizontal() {
     connect(button, &QAbstractButton::clicked, this, action);
   };
   horizScale_ = BindNumber(
-      *ui_->EHorizScale, [this](double s) { SetHorizontal(s, XChannel().Horizontal.Offset); },
-      [this] { return XChannel().Horizontal.Scale; }, ScaleNotice);
+      *ui_->EHorizScale, [this](double s) { SetHorizontal(s, XChannel().Horizontal().Offset); },
+      [this] { return XChannel().Horizontal().Scale; }, ScaleNotice);
   horizOffset_ = BindNumber(
-      *ui_->EHorizOffset, [this](double o) { SetHorizontal(XChannel().Horizontal.Scale, o); },
-      [this] { return XChannel().Horizontal.Offset; });
+      *ui_->EHorizOffset, [this](double o) { SetHorizontal(XChannel().Horizontal().Scale, o); },
+      [this] { return XChannel().Horizontal().Offset; });
   const auto step = [this](auto change) {
     return [=, this] {
-      const AxisScale changed = change(XChannel().Horizontal);
+      const AxisScale changed = change(XChannel().Horizontal());
       SetHorizontal(changed.Scale, changed.Offset);
     };
   };
@@ -146,23 +160,24 @@ void TZelScopeF::ConnectHorizontal() {
   clicked(ui_->BHorizOffsetDown, step([](A a) { return A{a.Scale, a.Offset - a.Scale}; }));
   clicked(ui_->BBHorizOffsetSign, step([](A a) { return A{a.Scale, -a.Offset}; }));
   clicked(ui_->BHorizZero, step([](A a) { return A{a.Scale, 0.0}; }));
+  RepeatWhileHeld(
+      {ui_->BHorizScaleUp, ui_->BHorizScaleDown, ui_->BHorizOffsetUp, ui_->BHorizOffsetDown});
   connect(ui_->CmBHorizChan, &QComboBox::currentIndexChanged, this, [this] {
     const int index = ui_->CmBHorizChan->currentData().toInt();
     scope_.SetHorizontalChannel(index == TimeAxis
                                     ? static_cast<ZelChannel&>(scope_.TimeChannel())
                                     : *scope_.Channels()[static_cast<std::size_t>(index)]);
-    SettingsChanged();
   });
 }
 
 void TZelScopeF::ConnectTrigger() {
   ZelTrigger& trigger = scope_.Trigger();
   trigLevel_ = BindNumber(
-      *ui_->ETrigLevel, [&](double level) { trigger.Level = level; },
-      [&] { return trigger.Level; });
+      *ui_->ETrigLevel, [&](double level) { trigger.SetLevel(level); },
+      [&] { return trigger.Level(); });
   trigPosition_ = BindNumber(
-      *ui_->ETrigPosition, [&](double position) { trigger.Position = position; },
-      [&] { return trigger.Position; });
+      *ui_->ETrigPosition, [&](double position) { trigger.SetPosition(position); },
+      [&] { return trigger.Position(); });
   const std::array modes = {std::pair{ui_->RBTrigCont, SweepMode::Cont},
                             std::pair{ui_->RBTrigAuto, SweepMode::Auto},
                             std::pair{ui_->RBTrigNormal, SweepMode::Normal}};
@@ -203,7 +218,8 @@ void TZelScopeF::FillList(QComboBox& list, int selected) {
   const QSignalBlocker blocker(&list);
   list.clear();
   for (int index = 0; const auto& channel : scope_.Channels()) {
-    list.addItem(Swatch(channel->Displayed ? channel->Colour : -1), ChannelLabel(*channel), index);
+    list.addItem(Swatch(channel->Displayed() ? channel->Colour() : -1), ChannelLabel(*channel),
+                 index);
     list.setItemData(index++, Hint(channel->Signal()), Qt::ToolTipRole);
   }
   list.setCurrentIndex(list.findData(selected));
@@ -214,7 +230,7 @@ void TZelScopeF::ShowVertical() {
   vertOffset_->Show();
   {
     const QSignalBlocker blocker(ui_->CBVertShow);
-    ui_->CBVertShow->setChecked(VerticalChannel().Displayed);
+    ui_->CBVertShow->setChecked(VerticalChannel().Displayed());
   }
   ui_->PBScreen->SetReference(&VerticalChannel());
 }
@@ -225,9 +241,15 @@ void TZelScopeF::ShowHorizontal() {
   // Without a time axis there is no moment of the screen to tie an event to.
   const bool timeAxis = !scope_.XYMode();
   for (QWidget* control : std::initializer_list<QWidget*>{
-           ui_->CmBTrigSource, ui_->RBTrigPos, ui_->RBTrigNeg, ui_->ETrigLevel, ui_->ETrigPosition,
-           ui_->LTrigLevel, ui_->LTrigPosition}) {
+           ui_->LTrigSource, ui_->CmBTrigSource, ui_->RGTrigSlope, ui_->LTrigLevel, ui_->ETrigLevel,
+           ui_->LTrigPosition, ui_->ETrigPosition}) {
     control->setEnabled(timeAxis);
+  }
+  // The time axis begins at the screen's left edge and runs to the right.
+  for (QWidget* control : std::initializer_list<QWidget*>{
+           ui_->BBHorizScaleSign, ui_->EHorizOffset, ui_->BHorizOffsetUp, ui_->BHorizOffsetDown,
+           ui_->BBHorizOffsetSign, ui_->BHorizZero}) {
+    control->setEnabled(!timeAxis);
   }
   ui_->PBScreen->Refresh();
 }
@@ -249,30 +271,28 @@ void TZelScopeF::ShowTrigger() {
 
 void TZelScopeF::SetVertical(double scale, double offset) {
   ZelChannel& channel = VerticalChannel();
-  if (scale != channel.Vertical.Scale) scope_.SetVerticalScale(channel, scale);
-  if (offset != channel.Vertical.Offset) scope_.SetVerticalOffset(channel, offset);
+  if (scale != channel.Vertical().Scale) scope_.SetVerticalScale(channel, scale);
+  if (offset != channel.Vertical().Offset) scope_.SetVerticalOffset(channel, offset);
   ShowVertical();
 }
 
 void TZelScopeF::SetHorizontal(double scale, double offset) {
   ZelChannel& channel = XChannel();
-  if (scale != channel.Horizontal.Scale) scope_.SetHorizontalScale(channel, scale);
-  if (offset != channel.Horizontal.Offset) scope_.SetHorizontalOffset(channel, offset);
+  if (scale != channel.Horizontal().Scale) scope_.SetHorizontalScale(channel, scale);
+  if (offset != channel.Horizontal().Offset) scope_.SetHorizontalOffset(channel, offset);
   ShowHorizontal();
 }
 
 void TZelScopeF::SetShown(bool shown) {
   scope_.SetDisplayed(VerticalChannel(), shown);
-  FillChannelLists();
-  ShowVertical();
-  ui_->PBScreen->Refresh();
+  SettingsChanged();  // a ninth trace was refused
 }
 
 // Whatever is chosen is one change.
 void TZelScopeF::ChooseChannels(ZelUndo& history) try {
   std::vector<ShownItem> items;
   for (const auto& channel : scope_.Channels()) {
-    items.push_back({channel->Name(), channel->Displayed,
+    items.push_back({channel->Name(), channel->Displayed(),
                      [this, &channel](bool show) { scope_.SetDisplayed(*channel, show); }});
   }
   TZelAddDialogF dialog(std::move(items), this);
@@ -287,7 +307,7 @@ void TZelScopeF::ChooseChannels(ZelUndo& history) try {
   Error("Fault in TZelScopeF :: BVertAddClick");
 }
 
-ZelChannel& TZelScopeF::VerticalChannel() const {
+SignalChannel& TZelScopeF::VerticalChannel() const {
   return *scope_.Channels()[static_cast<std::size_t>(ui_->CmBVertChan->currentData().toInt())];
 }
 

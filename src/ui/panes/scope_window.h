@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -43,6 +44,7 @@ class TZelScopeF : public InstrumentPane {
   void ConnectVertical();
   void ConnectHorizontal();
   void ConnectTrigger();
+  void RepeatWhileHeld(std::initializer_list<QAbstractButton*> buttons);
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
   void ShowVertical();
@@ -53,12 +55,14 @@ class TZelScopeF : public InstrumentPane {
   void ChooseChannels(ZelUndo& history);
   void SetVertical(double scale, double offset);
   void SetHorizontal(double scale, double offset);
-  ZelChannel& VerticalChannel() const;
+  SignalChannel& VerticalChannel() const;
   ZelChannel& XChannel() const;
   int IndexOf(const ZelChannel& channel) const;
 
   ZelScope& scope_;
+  ZelBenchTop& bench_;
   std::unique_ptr<Ui::TZelScopeF> ui_;
+  bool buttonHeld_ = false;
   bool lampShown_ = true;  // differs from the lamp at first, so that it is painted
   ConstantsGrid* constants_ = nullptr;
   EditBinding* vertScale_ = nullptr;
