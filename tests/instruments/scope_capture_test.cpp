@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "core/files/record.h"
 #include "instruments/scope_bench.h"
 #include "support/recorder.h"
 
@@ -191,6 +192,19 @@ TEST(ScopeCapture, SingleShotStopsTheRunUntilItIsSwitchedOffOrRunAgain) {
   b.Scope.SetSingleShot(false);
   EXPECT_EQ(b.Scope.State(), Capture::Stopped);
   b.Ramp(850, 850);
+  EXPECT_EQ(b.Scope.State(), Capture::Waiting);
+}
+
+TEST(ScopeCapture, LoadingWaitsForTheTriggerAnewAndKeepsASourceThatIsNone) {
+  Recorder recorder;
+  ScopeBench b;
+  b.Scope.SetSingleShot(true);
+  b.Ramp(0, 400);
+  EXPECT_EQ(b.Scope.State(), Capture::Stopped);
+  b.Scope.LoadRecord(ParseRecord("Scope,MainScope,Trigger,Channel,Time", 1));
+  EXPECT_EQ(recorder.Take(), Messages{"Error: Trigger Channel Invalid"});
+  EXPECT_EQ(&b.Scope.Trigger().Source(), &b.Trace());
+  b.Scope.FinishLoading([](int) {});
   EXPECT_EQ(b.Scope.State(), Capture::Waiting);
 }
 

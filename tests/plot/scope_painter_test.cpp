@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <ctime>
 
 #include "two_traces.h"
 
@@ -135,6 +136,21 @@ TEST_F(ScopePainterTest, ATraceFarOffTheScreenStaysInsideItsFrame) {
   EXPECT_GT(marked(6), 30);
   EXPECT_LT(marked(6), plate.width() / 3);
   EXPECT_GT(marked(plate.height() - 8), 15);
+}
+
+// Two traces that swing from edge to edge with each point took more than a second.
+TEST_F(ScopePainterTest, DenseTracesArePaintedInTime) {
+  for (int i = 0; i < 401; ++i) {
+    set_.Speed.Value = set_.Command.Value = i % 2 ? 1e9 : -1e9;
+    set_.Sample(1);
+  }
+  constexpr QSize fullHd(1920, 1080);
+  painter_.Layout(fullHd, 1.0, MakeScopeLabels(set_.Scope, nullptr));
+  picture_ = QImage(fullHd, QImage::Format_RGB32);
+  const std::clock_t start = std::clock();
+  PaintTraces();
+  EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 5);
+  EXPECT_TRUE(BlueAt(X(1), Y(0)) || BlueAt(X(2), Y(0)) || BlueAt(X(3), Y(0)));
 }
 
 }  // namespace
