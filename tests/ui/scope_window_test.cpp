@@ -57,32 +57,6 @@ TEST_F(ScopeWindowTest, TracesGrowWhileTheModelRuns) {
   EXPECT_EQ(TracePixels(), stopped);
 }
 
-// A frame of quick sweeps shows a whole one, always the same of a steady signal; it was cut where
-// the next sweep had got to.
-TEST_F(ScopeWindowTest, FastSweepsGiveASteadyPicture) {
-  Click("CBSingleShot");
-  Click("SBRun");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
-  Click("CBSingleShot");
-  Click("SBRun");
-  const auto next = [&](std::uint64_t sweeps) {
-    const std::uint64_t sweep = Scope().SweepCount() + sweeps;
-    return QTest::qWaitFor([&] { return Scope().SweepCount() >= sweep; }, 30000);
-  };
-  ASSERT_TRUE(next(50));
-  int least = 1 << 30;
-  int most = 0;
-  for (int look = 0; look < 10; ++look) {
-    ASSERT_TRUE(next(7));
-    const int pixels = TracePixels();
-    least = std::min(least, pixels);
-    most = std::max(most, pixels);
-  }
-  Click("SBStop");
-  // The edges of the square move by a sample and its smooth lines change their shades.
-  EXPECT_GT(least, most * 9 / 10);
-}
-
 TEST_F(ScopeWindowTest, TheScreenFollowsAResize) {
   RunFor(0.1);
   auto& frame = *qobject_cast<QMdiSubWindow*>(Find<QWidget>("TZelScopeF").parentWidget());
