@@ -74,7 +74,7 @@ TEST_F(ChooseChannelsTest, TheScopeShowsWhatWasChosen) {
     });
     Click(button);
     int shown = 0;
-    for (const auto& channel : scope.Channels()) shown += channel->Colour >= 0;
+    for (const auto& channel : scope.Channels()) shown += channel->Colour() >= 0;
     EXPECT_EQ(shown, showAll ? 8 : 0);  // a ninth trace is refused
   }
   Reports.Take();

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QWheelEvent>
 
 #include "core/constant.h"
 #include "desktop.h"
@@ -80,6 +81,30 @@ TEST_F(ConstantsGridTest, AnUntouchedCellKeepsTheDigitsItDoesNotShow) {
   EXPECT_EQ(Value("KVP"), "0.12346");
   Enter("KVP", "0.12346");
   EXPECT_EQ(Const("KVP").Value(), 0.123456789);
+}
+
+TEST_F(ConstantsGridTest, TheWheelTurnsTheSelectedValueAsOneChange) {
+  const auto turn = [this](const char* name, int angle, Qt::KeyboardModifiers keys) {
+    const QTableWidgetItem* item = Grid().item(Row(name), ConstantsGrid::ValueColumn);
+    const QPointF place = Grid().visualItemRect(item).center();
+    QWheelEvent wheel(place, Grid().viewport()->mapToGlobal(place), {}, {0, angle}, {}, keys, {},
+                      false);
+    QApplication::sendEvent(Grid().viewport(), &wheel);
+  };
+  const double before = Const("KVI").Value();
+  Const("KVP").Set(2.0);
+  Grid().setCurrentCell(Row("KVP"), ConstantsGrid::ValueColumn);
+  turn("KVI", 120, {});
+  EXPECT_EQ(Const("KVI").Value(), before);
+  turn("KVP", 240, {});
+  turn("KVP", 60, {});
+  EXPECT_EQ(Const("KVP").Value(), 3.0);
+  turn("KVP", 60, Qt::ShiftModifier);
+  EXPECT_EQ(Const("KVP").Value(), 3.1);
+  turn("KVP", -120, {});
+  EXPECT_EQ(Const("KVP").Value(), 3.0);
+  Bench().History().Undo();
+  EXPECT_EQ(Const("KVP").Value(), 2.0);
 }
 
 TEST_F(ConstantsGridTest, ChoicesAreOfferedAsAList) {

@@ -7,8 +7,9 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
-#include <QTimer>
+#include <QWheelEvent>
 #include <algorithm>
+#include <cstdlib>
 
 #include "core/constant.h"
 #include "core/messages.h"
@@ -22,7 +23,8 @@ namespace torvane {
 
 namespace {
 
-constexpr int LargestMinimum = 220;  // pixels of width that a narrow window must spare
+constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
+constexpr int LargestMinimum = 220;    // pixels of width that a narrow window must spare
 
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
@@ -117,6 +119,9 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   });
   connect(&table, &QTableWidget::cellDoubleClicked, this, &ConstantsGrid::Adjust);
   table.installEventFilter(this);
+  table.viewport()->installEventFilter(this);
+  turnEnd_.setSingleShot(true);
+  connect(&turnEnd_, &QTimer::timeout, this, [this] { bench_.History().EndGesture(); });
 }
 
 ConstantsGrid::~ConstantsGrid() = default;
@@ -129,7 +134,33 @@ bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
       return true;
     }
   }
+  if (watched == table_.viewport() && event->type() == QEvent::Wheel) {
+    return Turn(static_cast<const QWheelEvent&>(*event));
+  }
   return QObject::eventFilter(watched, event);
+}
+
+// Only the selected value turns, and only under the pointer: elsewhere the wheel scrolls.
+bool ConstantsGrid::Turn(const QWheelEvent& wheel) {
+  const int row = table_.currentRow();
+  const QTableWidgetItem* value = row < 0 ? nullptr : table_.item(row, ValueColumn);
+  if (!value || table_.itemAt(wheel.position().toPoint()) != value) return false;
+  if (table_.isPersistentEditorOpen(table_.model()->index(row, ValueColumn))) return false;
+  const bool fine = wheel.modifiers().testFlag(Qt::ShiftModifier);
+  const ConstantStep up = fine ? ConstantStep::DinkyNudgeUp : ConstantStep::NudgeUp;
+  const ConstantStep down = fine ? ConstantStep::DinkyNudgeDown : ConstantStep::NudgeDown;
+  if (!turnEnd_.isActive()) {
+    turned_ = 0;
+    bench_.History().BeginGesture();
+  }
+  turnEnd_.start(TurnMilliseconds);
+  Constant& constant = *bench_.Constants()[static_cast<std::size_t>(row)];
+  turned_ += wheel.angleDelta().y();
+  for (; std::abs(turned_) >= QWheelEvent::DefaultDeltasPerStep;
+       turned_ -= (turned_ > 0 ? 1 : -1) * QWheelEvent::DefaultDeltasPerStep) {
+    constant.Step(turned_ > 0 ? up : down);
+  }
+  return true;
 }
 
 void ConstantsGrid::Adjust(int row) try {
