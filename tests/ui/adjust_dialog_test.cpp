@@ -141,7 +141,7 @@ TEST_F(AdjustDialogTest, AHeldButtonAndADragAreOneChangeEach) {
 }
 
 TEST_F(AdjustDialogTest, AListStepsThroughItsChoices) {
-  Find<QComboBox>("ModelCmB").setCurrentText("4-1 Digital PI Controller");
+  ChooseModel("4-1 Digital PI Controller");
   Constant& list = Const("Feedback");
   TZelAdjustF& dialog = Open("Feedback");
   EXPECT_FALSE(In(dialog, "BChgSign").isVisible());

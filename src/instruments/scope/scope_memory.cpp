@@ -4,8 +4,7 @@
 #include <cmath>
 
 #include "core/messages.h"
-#include "core/solver.h"
-#include "core/text.h"
+#include "core/overflow.h"
 
 namespace torvane {
 
@@ -15,7 +14,8 @@ constexpr int FewestPoints = 2;  // of history at a screen's start, and that rol
 }  // namespace
 
 ScopeMemory::ScopeMemory(ZelBenchTop& bench, Variable& timeVar, int screenLength, int ringLength)
-    : screenLength_(std::max(screenLength, ShortestScreen)),
+    : bench_(bench),
+      screenLength_(std::max(screenLength, ShortestScreen)),
       ringLength_(std::max(ringLength, 2 * screenLength_)),
       ringIndex_(ringLength_ - 1),  // the first sample replaces the oldest
       timeChannel_(std::make_unique<ZelTimeChannel>(timeVar, ringLength_, screenLength_)) {
@@ -50,18 +50,8 @@ void ScopeMemory::StoreHistory() {
   // Zero times anything finite is zero: another sum tells of a value that is not finite.
   float probe = 0.0F;
   for (const auto& channel : channels_) probe += channel->Store(ringIndex) * 0.0F;
-  if (!(probe == 0.0F)) ThrowOverflow();
+  if (!(probe == 0.0F)) CheckSignals(bench_);
   ringIndex_ = ringIndex;
-}
-
-void ScopeMemory::ThrowOverflow() const {
-  const auto culprit = std::find_if(channels_.begin(), channels_.end(), [](const auto& channel) {
-    return !std::isfinite(static_cast<float>(channel->Signal().Value));
-  });
-  const Variable& signal = (*culprit)->Signal();
-  throw SolverOverflow("floating-point overflow in signal \"" + signal.Name() + "\" (value " +
-                       FormatShortest(signal.Value) + ") at time " +
-                       FormatShortest(timeChannel_->Signal().Value) + " s");
 }
 
 void ScopeMemory::CopyPoint(int ringIndex) {

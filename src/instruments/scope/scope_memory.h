@@ -82,10 +82,10 @@ class ScopeMemory {
   static int Next(int index, int length) { return index + 1 == length ? 0 : index + 1; }
   const Extent& Present() const { return extents_[present_]; }
   void StoreHistory();
-  [[noreturn]] void ThrowOverflow() const;
   void CopyPoint(int ringIndex);
   void BeginScreen();
 
+  const ZelBenchTop& bench_;
   int screenLength_;
   int ringLength_;
   int ringIndex_;
