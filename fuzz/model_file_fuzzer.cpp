@@ -30,7 +30,7 @@ void CheckSaving(const ZelModel& model) {
   const std::string saved = ModelFileText(model);
   again.Clear();
   const int before = fuzz::Sink().Reports;
-  Require(static_cast<bool>(LoadModelText(saved, again)),
+  Require(LoadModelText(saved, again).AtEnd,
           "the saved file does not load:\n" + saved);
   Require(fuzz::Sink().Reports == before, "the saved file is reported about:\n" + saved);
   const std::string second = ModelFileText(*again.CurrentModel());

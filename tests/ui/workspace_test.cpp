@@ -6,6 +6,7 @@
 #include "desktop.h"
 #include "models/catalogue.h"
 #include "ui/panes/instrument_pane.h"
+#include "ui/panes/instrument_windows.h"
 
 namespace torvane {
 namespace {
@@ -62,6 +63,34 @@ TEST_F(WorkspaceTest, AGivenPlacementIsKept) {
   Panel->MakeCurrent(std::move(model));
   QTest::qWait(10);
   EXPECT_EQ(Area().Frames()[0]->geometry(), QRect(11, 22, 640, 420));
+}
+
+TEST_F(WorkspaceTest, APaneOpenedHiddenShownAndClosedAThousandTimesLeavesNothing) {
+  Instrument& generator = *Bench().Instruments(InstrumentKind::WaveGenerator).front();
+  const QRect before = Area().Frames()[0]->geometry();
+  Area().Remove(generator);
+  const auto entries = [this] {
+    return std::tuple(Panel->findChildren<QWidget*>().size(), Area().subWindowList().size(),
+                      Area().Frames().size());
+  };
+  const auto without = entries();
+  const QRect alone = Area().Frames()[0]->geometry();
+  EXPECT_GT(alone.width(), before.width());
+  Click("SBRun");
+  for (int i = 0; i < 1000; ++i) {
+    generator.Placement = {};
+    Area().Add(MakeInstrumentPane(generator, Bench()));
+    Area().SetShown(generator, false);
+    EXPECT_EQ(Area().Frames()[0]->geometry(), alone);
+    if (i % 100 == 0) QCoreApplication::processEvents();
+    Area().SetShown(generator, true);
+    EXPECT_EQ(Area().Frames()[0]->geometry(), before);
+    Area().Remove(generator);
+    ASSERT_EQ(generator.View(), nullptr);
+  }
+  EXPECT_GT(Panel->Model()->Time(), 0.0);
+  Click("SBStop");
+  EXPECT_EQ(entries(), without);
 }
 
 // A window of 32767 pixels a side would have buffers of gigabytes.

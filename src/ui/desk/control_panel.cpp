@@ -67,6 +67,9 @@ TZelControlPanelF::~TZelControlPanelF() {
 void TZelControlPanelF::ConnectSession() {
   connect(&session_, &Session::ModelAboutToChange, this, &TZelControlPanelF::LeaveModel);
   connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
+  connect(&session_, &Session::MeterAdded, this, [](const std::string& name) {
+    Note("The meter \"" + name + "\" is kept with the model but has no window.");
+  });
   connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
   connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
 }

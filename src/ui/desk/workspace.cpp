@@ -47,6 +47,11 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
           size};
 }
 
+void InstrumentFrame::SetShown(bool shown) {
+  shown_ = shown;
+  setVisible(shown);
+}
+
 void InstrumentFrame::RecordPlacement() {
   if (!widget()) return;
   WindowPlacement placement = Pane().Engine().Placement;
@@ -92,13 +97,8 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   const QScopedValueRollback arranging(arranging_, true);
   for (auto& pane : panes) {
     const bool hasPlace = pane->Engine().Placement.Width > 0;
-    auto* frame = new InstrumentFrame(std::move(pane));
-    addSubWindow(frame);
-    frames_.push_back(frame);
+    InstrumentFrame* frame = AddFrame(std::move(pane));
     if (hasPlace) placed.push_back(frame);
-    connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
-      if (!arranging_) filling_ = false;
-    });
   }
   std::vector<WindowPlacement> places;
   for (InstrumentFrame* frame : placed) places.push_back(frame->Pane().Engine().Placement);
@@ -110,6 +110,54 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   if (!placed.empty()) filling_ = false;
   for (InstrumentFrame* frame : frames_) frame->show();
   if (!frames_.empty()) setActiveSubWindow(frames_.front());
+}
+
+InstrumentFrame* Workspace::AddFrame(std::unique_ptr<InstrumentPane> pane) {
+  auto* frame = new InstrumentFrame(std::move(pane));
+  addSubWindow(frame);
+  frames_.push_back(frame);
+  connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
+    if (!arranging_) filling_ = false;
+  });
+  return frame;
+}
+
+InstrumentFrame* Workspace::FrameOf(const Instrument& instrument) const {
+  const auto found = std::find_if(
+      frames_.begin(), frames_.end(),
+      [&](const InstrumentFrame* frame) { return &frame->Pane().Engine() == &instrument; });
+  return found == frames_.end() ? nullptr : *found;
+}
+
+void Workspace::Add(std::unique_ptr<InstrumentPane> pane) {
+  const QScopedValueRollback arranging(arranging_, true);
+  const WindowPlacement place = pane->Engine().Placement;
+  InstrumentFrame* frame = AddFrame(std::move(pane));
+  frame->show();
+  frame->Pane().Engine().Placement = place;
+  if (place.Width > 0) {
+    frame->ApplyPlacement();
+  } else if (filling_) {
+    FillScreen();
+  }
+}
+
+void Workspace::Remove(const Instrument& instrument) {
+  InstrumentFrame* frame = FrameOf(instrument);
+  if (!frame) return;
+  const QScopedValueRollback arranging(arranging_, true);
+  std::erase(frames_, frame);
+  removeSubWindow(frame);
+  delete frame;
+  if (filling_) FillScreen();
+}
+
+void Workspace::SetShown(const Instrument& instrument, bool shown) {
+  InstrumentFrame* frame = FrameOf(instrument);
+  if (!frame) return;
+  const QScopedValueRollback arranging(arranging_, true);
+  frame->SetShown(shown);
+  if (filling_) FillScreen();
 }
 
 void Workspace::RestorePlacements() {
@@ -134,6 +182,7 @@ void Workspace::FillScreen() {
   std::vector<InstrumentFrame*> scopes;
   std::vector<InstrumentFrame*> others;
   for (InstrumentFrame* frame : frames_) {
+    if (!frame->IsShown()) continue;
     if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
     const bool isScope = frame->Pane().Engine().Kind() == InstrumentKind::Scope;
     (isScope ? scopes : others).push_back(frame);

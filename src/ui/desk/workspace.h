@@ -22,6 +22,10 @@ class InstrumentFrame : public QMdiSubWindow {
   /// Stands where the instrument's placement says, as far as the workspace has room.
   void ApplyPlacement();
 
+  /// Whether the user wants to see it; it has not come to the screen before its workspace has.
+  bool IsShown() const { return shown_; }
+  void SetShown(bool shown);
+
  signals:
   void PlacementChanged();
 
@@ -33,6 +37,8 @@ class InstrumentFrame : public QMdiSubWindow {
  private:
   QRect Fitted(const WindowPlacement& placement) const;
   void RecordPlacement();
+
+  bool shown_ = true;
 };
 
 /// The area below the control strip in which every instrument is a sub-window. As long as the user
@@ -46,6 +52,15 @@ class Workspace : public QMdiArea {
   /// Shows the instruments; those whose placement has a size stand there, the others fill the area.
   void Open(std::vector<std::unique_ptr<InstrumentPane>> panes);
   void CloseAll();
+
+  /// One pane more while the others stand. It is shown where its placement says or, as long as the
+  /// sub-windows fill the area, takes its share of it.
+  void Add(std::unique_ptr<InstrumentPane> pane);
+  /// Closes the instrument's pane.
+  void Remove(const Instrument& instrument);
+  /// A hidden pane keeps its place; while the sub-windows fill the area, the others share it.
+  void SetShown(const Instrument& instrument, bool shown);
+
   /// Moves the sub-windows whose placement has a size to where it says.
   void RestorePlacements();
 
@@ -60,6 +75,8 @@ class Workspace : public QMdiArea {
   void showEvent(QShowEvent* event) override;
 
  private:
+  InstrumentFrame* AddFrame(std::unique_ptr<InstrumentPane> pane);
+  InstrumentFrame* FrameOf(const Instrument& instrument) const;
   int PlaceColumn(const std::vector<InstrumentFrame*>& frames);
   void PlaceScopes(const std::vector<InstrumentFrame*>& frames, int width);
 

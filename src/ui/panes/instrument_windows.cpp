@@ -1,17 +1,32 @@
 #include "ui/panes/instrument_windows.h"
 
+#include <utility>
+
 #include "ui/panes/scope_window.h"
 #include "ui/panes/wave_gen_window.h"
 
 namespace torvane {
 
+std::unique_ptr<InstrumentPane> MakeInstrumentPane(Instrument& instrument, ZelBenchTop& bench) {
+  switch (instrument.Kind()) {
+    case InstrumentKind::Scope:
+      return std::make_unique<TZelScopeF>(static_cast<ZelScope&>(instrument), bench);
+    case InstrumentKind::WaveGenerator:
+      return std::make_unique<TZelWaveGenF>(static_cast<ZelWave&>(instrument));
+    case InstrumentKind::FftAnalyser:
+    case InstrumentKind::SweptSine:
+    case InstrumentKind::Meter:
+      break;
+  }
+  return nullptr;
+}
+
 std::vector<std::unique_ptr<InstrumentPane>> MakeInstrumentPanes(ZelBenchTop& bench) {
   std::vector<std::unique_ptr<InstrumentPane>> panes;
-  for (Instrument* instrument : bench.Instruments(InstrumentKind::Scope)) {
-    panes.push_back(std::make_unique<TZelScopeF>(static_cast<ZelScope&>(*instrument), bench));
-  }
-  for (Instrument* instrument : bench.Instruments(InstrumentKind::WaveGenerator)) {
-    panes.push_back(std::make_unique<TZelWaveGenF>(static_cast<ZelWave&>(*instrument)));
+  for (const InstrumentKind kind : AllInstrumentKinds) {
+    for (Instrument* instrument : bench.Instruments(kind)) {
+      if (auto pane = MakeInstrumentPane(*instrument, bench)) panes.push_back(std::move(pane));
+    }
   }
   return panes;
 }
