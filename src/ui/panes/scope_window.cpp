@@ -6,7 +6,6 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <array>
-#include <utility>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
@@ -63,7 +62,7 @@ std::string ScaleNotice(double typed, double stored) {
 }  // namespace
 
 TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
-    : InstrumentPane(scope), scope_(scope), bench_(bench), ui_(std::make_unique<Ui::TZelScopeF>()) {
+    : InstrumentPane(scope), scope_(scope), ui_(std::make_unique<Ui::TZelScopeF>()) {
   ui_->setupUi(this);
   setWindowIcon(QIcon(QStringLiteral(":/icons/scope.svg")));
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
@@ -84,24 +83,6 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
 }
 
 TZelScopeF::~TZelScopeF() = default;
-
-// What a held button has changed when it is let go is one change. While it repeats it is released
-// and pressed time and again, but stays down.
-void TZelScopeF::RepeatWhileHeld(std::initializer_list<QAbstractButton*> buttons) {
-  for (QAbstractButton* button : buttons) {
-    button->setAutoRepeat(true);
-    connect(button, &QAbstractButton::pressed, this, [this] {
-      if (!std::exchange(buttonHeld_, true)) bench_.History().BeginGesture();
-    });
-    const auto released = [this, button] {
-      if (button->isDown()) return;
-      buttonHeld_ = false;
-      bench_.History().EndGesture();
-    };
-    // The last click comes after the release.
-    connect(button, &QAbstractButton::released, this, released, Qt::QueuedConnection);
-  }
-}
 
 void TZelScopeF::ConnectVertical() {
   const auto channel = [this]() -> SignalChannel& { return VerticalChannel(); };
@@ -130,7 +111,6 @@ void TZelScopeF::ConnectVertical() {
   clicked(ui_->BVertZero, step([](A a) { return A{a.Scale, 0.0}; }));
   clicked(ui_->BVertAuto, [=, this] { scope_.AutoVertical(channel(), ui_->PBScreen->Shown()); });
   clicked(ui_->BVertFill, [=, this] { scope_.FillVertical(channel(), ui_->PBScreen->Shown()); });
-  RepeatWhileHeld({ui_->BVScaleUp, ui_->BVScaleDown, ui_->BVOffsetUp, ui_->BVOffsetDown});
   connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &TZelScopeF::ShowVertical);
   new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed()); });
   connect(ui_->CBVertShow, &QCheckBox::toggled, this, &TZelScopeF::SetShown);
@@ -160,8 +140,6 @@ void TZelScopeF::ConnectHorizontal() {
   clicked(ui_->BHorizOffsetDown, step([](A a) { return A{a.Scale, a.Offset - a.Scale}; }));
   clicked(ui_->BBHorizOffsetSign, step([](A a) { return A{a.Scale, -a.Offset}; }));
   clicked(ui_->BHorizZero, step([](A a) { return A{a.Scale, 0.0}; }));
-  RepeatWhileHeld(
-      {ui_->BHorizScaleUp, ui_->BHorizScaleDown, ui_->BHorizOffsetUp, ui_->BHorizOffsetDown});
   connect(ui_->CmBHorizChan, &QComboBox::currentIndexChanged, this, [this] {
     const int index = ui_->CmBHorizChan->currentData().toInt();
     scope_.SetHorizontalChannel(index == TimeAxis

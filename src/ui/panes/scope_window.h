@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -44,7 +43,6 @@ class TZelScopeF : public InstrumentPane {
   void ConnectVertical();
   void ConnectHorizontal();
   void ConnectTrigger();
-  void RepeatWhileHeld(std::initializer_list<QAbstractButton*> buttons);
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
   void ShowVertical();
@@ -60,9 +58,7 @@ class TZelScopeF : public InstrumentPane {
   int IndexOf(const ZelChannel& channel) const;
 
   ZelScope& scope_;
-  ZelBenchTop& bench_;
   std::unique_ptr<Ui::TZelScopeF> ui_;
-  bool buttonHeld_ = false;
   bool lampShown_ = true;  // differs from the lamp at first, so that it is painted
   ConstantsGrid* constants_ = nullptr;
   EditBinding* vertScale_ = nullptr;
