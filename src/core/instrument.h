@@ -38,6 +38,11 @@ struct WindowPlacement {
   bool operator==(const WindowPlacement&) const = default;
 };
 
+/// The name that the number-th of several instruments of one name has, from 2.
+inline std::string NumberedName(const std::string& name, int number) {
+  return name + " #" + std::to_string(number);
+}
+
 /// What the bench sees of an instrument. Engines derive from it; they own all their settings and
 /// work without a window.
 ///

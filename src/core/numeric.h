@@ -5,9 +5,6 @@
 
 namespace torvane {
 
-/// The longest time that a setting takes, seconds: nothing comes of a longer one in any run.
-inline constexpr double LongestTime = 1e9;
-
 /// x, or 1e-10 after the error name + " <= 0." when x is not positive or not a number.
 double Positive(double x, const std::string& name);
 

@@ -56,13 +56,13 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
   const int margin = Scaled(Margin);
   const int labels =
       margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + Scaled(LabelGap);
-  const int right = analyser_.SplitScreen ? 2 * margin : labels;
+  const int right = analyser_.SplitScreen() ? 2 * margin : labels;
   const int caption = words.height() + Scaled(LabelGap);
   const int bottom = numbers.height() + caption + 2 * margin;
   const QRect area(labels, margin + caption, std::max(SmallestPlate, size.width() - labels - right),
                    std::max(2 * SmallestPlate, size.height() - bottom - margin - caption));
   gainPlate_ = phasePlate_ = area;
-  if (!analyser_.SplitScreen) return;
+  if (!analyser_.SplitScreen()) return;
   const int height = (area.height() - caption - margin) / 2;
   gainPlate_.setHeight(height);
   phasePlate_.setTop(area.bottom() + 1 - height);
@@ -79,7 +79,7 @@ double ResponsePainter::ColumnOf(double hz) const {
 }
 
 std::vector<ResponsePainter::Axis> ResponsePainter::Axes() const {
-  const bool single = !analyser_.SplitScreen;
+  const bool single = !analyser_.SplitScreen();
   const auto gain = [this](int slot, double hz) { return analyser_.GainAt(slot, hz); };
   const auto phase = [this](int slot, double hz) { return PhaseOrGap(slot, hz); };
   return {
@@ -105,7 +105,7 @@ void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
   const std::vector<Axis> axes = Axes();
   painter.fillRect(gainPlate_, colours.Plate);
   PaintFrequencyLines(painter, colours, gainPlate_);
-  if (analyser_.SplitScreen) {
+  if (analyser_.SplitScreen()) {
     painter.fillRect(phasePlate_, colours.Plate);
     PaintFrequencyLines(painter, colours, phasePlate_);
   }

@@ -26,7 +26,7 @@ class FftAnalyser : public testing::Test {
     Xfer.SetTSample(Period);
     Xfer.SetTStartDelay(2 * Period);
     Xfer.SetTEndDelay(0.0);
-    Xfer.BypassFilter = true;
+    Xfer.SetBypassFilter(true);
   }
 
   void Step(double input, double output) {
@@ -97,7 +97,7 @@ TEST_F(FftAnalyser, AsksForNothingUntilRun) {
   EXPECT_EQ(Xfer.Input()->Name(), "In");
   EXPECT_EQ(Xfer.Output()->Name(), "Out");
   EXPECT_EQ(Xfer.Input()->Label(), "In (volts)");
-  EXPECT_EQ(Reports.Take(), Messages{});
+  EXPECT_EQ(Reports.Take(), Messages{"Note: There is no measurement to store."});
 }
 
 TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
@@ -154,7 +154,7 @@ TEST_F(FftAnalyser, RepeatsItsSequenceButKeepsTheFiltersMemory) {
   };
   const std::vector<double> bare = record();
   EXPECT_EQ(record(), bare);
-  Xfer.BypassFilter = false;
+  Xfer.SetBypassFilter(false);
   // The last value of the unfiltered record is still the output while the delay begins.
   const std::vector<double> fresh = record();
   const std::vector<double> continued = record();
@@ -266,6 +266,12 @@ TEST_F(FftAnalyser, ClickingSpectrumTakesARecordUnderTheGenerator) {
   EXPECT_EQ(Xfer.SampleState(), State::Armed);
   for (int i = -2; i < 16; ++i) Step(0.0, 1.0);
   EXPECT_TRUE(Xfer.HasData(0));
+  // Until a model runs, on and off again leaves the record that was taken.
+  Xfer.ClickSpectrum(false);
+  Xfer.ClickSpectrum(true);
+  EXPECT_TRUE(Xfer.HasData(0));
+  EXPECT_TRUE(Xfer.GainRead(0, 1.0 / (16 * Period)));
+  EXPECT_FALSE(Xfer.GainRead(0, 1.0 / Period) || Xfer.PhaseRead(1, 8.0));
   // In the middle of a record the change of window starts another one.
   Xfer.Run();
   for (int i = -2; i < 5; ++i) Step(0.0, 1.0);
@@ -278,12 +284,14 @@ TEST_F(FftAnalyser, KeepsMemoriesUntilTheRecordChangesItsMeasure) {
   TakeRecord(Impulse, One);
   const double before = Xfer.Output()->Gain(0, 0);
   EXPECT_TRUE(Xfer.StoreData(2));
+  Xfer.SetShown(2, false);
+  EXPECT_TRUE(Xfer.StoreData(2));
+  EXPECT_TRUE(Xfer.TraceAt(2).Shown);
   EXPECT_FALSE(Xfer.StoreData(5));
   EXPECT_EQ(Reports.Take(), Messages{"Error: Fault in ZelXferChannel :: StoreData"});
   TakeRecord(Impulse, Zero);
   EXPECT_EQ(Xfer.ResponseGain(0, 0.0), -200.0);
   EXPECT_EQ(Xfer.ResponseGain(2, 0.0), before);
-  EXPECT_TRUE(Xfer.TraceAt(2).Shown);
 
   Xfer.Run();
   Xfer.SetTSample(Period);
@@ -338,6 +346,39 @@ TEST_F(FftAnalyser, RefusesSettingsOutOfRange) {
   EXPECT_EQ(Xfer.TSample(), Period);
   EXPECT_EQ(Xfer.GainScale(), 20.0);
   EXPECT_EQ(Xfer.Input()->Name(), "In");
+}
+
+TEST_F(FftAnalyser, ChecksASetupAsAWhole) {
+  using enum SetupFinding::Kind;
+  const FftSetup good = {Period, 4, 0.0, 4 * Period, 1.0, 0.0};
+  const auto with = [&](auto member, auto value) {
+    FftSetup setup = good;
+    setup.*member = value;
+    return setup;
+  };
+  const std::vector<std::pair<FftSetup, SetupFinding>> cases = {
+      {good, {}},
+      {with(&FftSetup::TSample, 0.0), {Refusal, "Sample Time must be > 0", {}}},
+      {with(&FftSetup::TSample, 1e-6), {Refusal, "Sample Time must be >= the solver's step", {}}},
+      {with(&FftSetup::Order, 2), {Refusal, "Minimum Order = 3", {}}},
+      {with(&FftSetup::Order, 5), {Refusal, "Maximum Order = 4", {}}},
+      {with(&FftSetup::TStartDelay, -1.0), {Refusal, "Start Zero Time must be >= 0", {}}},
+      {with(&FftSetup::TEndDelay, -1.0), {Refusal, "End Zero Time must be >= 0", {}}},
+      {with(&FftSetup::Amplitude, 0.0), {Refusal, "Amplitude must be > 0", {}}},
+      {with(&FftSetup::TEndDelay, 17 * Period), {Refusal, "Active Sample Time < 0%.  Raise", {}}},
+      {with(&FftSetup::TEndDelay, 13 * Period), {Warning, "Active Sample Time < 25%.  You", {}}},
+      {with(&FftSetup::TEndDelay, 0.0), {SetupFinding::Kind::Note, "End Zero Time = 0.", {}}},
+  };
+  for (const auto& [setup, expected] : cases) {
+    const SetupFinding found = Xfer.Check(setup);
+    EXPECT_EQ(found.What, expected.What) << found.Text;
+    EXPECT_TRUE(found.Text.starts_with(expected.Text)) << found.Text;
+    EXPECT_EQ(Xfer.Apply(setup), expected.What != Refusal);
+  }
+  // A shorter record never leaves an end delay that covers it.
+  Xfer.Apply(with(&FftSetup::TEndDelay, 12 * Period));
+  Xfer.SetOrder(3);
+  EXPECT_EQ(Xfer.TEndDelay(), 0.2 * 8 * Period);
 }
 
 TEST_F(FftAnalyser, ARecordFromTimeZeroRestsAtZeroForHalfASample) {

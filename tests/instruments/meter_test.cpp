@@ -195,10 +195,10 @@ TEST_F(MeterTest, TakesTheMeanOffWithAcCoupling) {
 
 TEST_F(MeterTest, ExcitesAMultipleOfTheHarmonic) {
   EXPECT_EQ(Model.Bench().MeterExcitation(), 0.0);
-  Meter.UseExcitation = true;
-  Meter.ExcitationMag = 3.0;
-  Meter.ExcitationOff = 1.0;
-  Meter.ExcitationMult = 0.5;
+  Meter.SetUseExcitation(true);
+  Meter.SetExcitationMag(3.0);
+  Meter.SetExcitationOff(1.0);
+  Meter.SetExcitationMult(0.5);
   Meter.SetHarmonicFreq(10.0);
   EXPECT_EQ(Meter.Excitation(0.3), 3.0 * std::sin(TwoPi * 10.0 * 0.5 * 0.3) + 1.0);
   EXPECT_EQ(Model.Bench().MeterExcitation(), 1.0);
@@ -230,9 +230,13 @@ TEST_F(MeterTest, StartsAsDesignedAndRefusesWhatItCannotUse) {
       {[&] { Meter.SetCorrVar("z"); }, "Error in Meter:  CorrVar not found."},
       {[&] { Meter.SetHarmonicXferVar("z"); }, "Error in Meter:  Harm Xfer Var not found"},
   };
+  Update(1, 0.0);
+  Model.Bench().AdvanceTime(0.25 * T);
+  const double next = Meter.NextTime();
   for (const auto& [set, message] : refused) {
     set();
     EXPECT_EQ(Reports.Take(), Messages{"Error: " + message});
+    EXPECT_EQ(Meter.NextTime(), next);
   }
   EXPECT_EQ(Meter.TSample(), T);
   EXPECT_EQ(Meter.Measured(), &X);
@@ -249,7 +253,9 @@ TEST(Meters, AreFifteenAtMost) {
     const ZelMeter passing(model.Bench(), "Passing");
     EXPECT_EQ(meters.size(), 1U);
   }
-  for (int i = 0; i < 15; ++i) ASSERT_NE(AddMeter(model, "Meter " + std::to_string(i)), nullptr);
+  EXPECT_EQ(AddMeter(model, "Meter")->Name(), "Meter");
+  EXPECT_EQ(AddMeter(model, "Meter")->Name(), "Meter #2");
+  for (int i = 2; i < 15; ++i) ASSERT_NE(AddMeter(model, "Meter " + std::to_string(i)), nullptr);
   EXPECT_EQ(AddMeter(model, "One more"), nullptr);
   EXPECT_EQ(reports.Take(), Messages{"Error: Too many meters"});
   EXPECT_EQ(meters.size(), 15U);

@@ -179,7 +179,15 @@ TEST_F(SweptSine, EndsASweepThatWouldNotEnd) {
   Sweep.SetFreqRange(200.0, 1e6);
   Sweep.SetStepsPerDecade(100000);
   Sweep.SetSettleTime(0.0);
-  RunToTheEnd();
+  Sweep.Run();
+  EXPECT_FALSE(Sweep.Measuring());
+  EXPECT_EQ(Reports.Take(), Messages{"Error: The sweep has more than 2048 points.  Reduce "
+                                     "Steps/decade, or sweep fewer decades."});
+  // And one that is given more points while it runs.
+  Sweep.SetStepsPerDecade(25);
+  Sweep.Run();
+  Sweep.SetStepsPerDecade(100000);
+  while (Sweep.Measuring()) Advance();
   EXPECT_EQ(Sweep.PointCount(), ZelSweptDSA::Capacity);
   EXPECT_EQ(Reports.Take(), Messages{"Error: Index overrun in ZelSweptDSAChannel :: Measure"});
 }

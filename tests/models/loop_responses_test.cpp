@@ -48,8 +48,8 @@ Reading Metered(Loop& loop, const std::string& input, const std::string& output,
   meter.SetUseDb(true);
   meter.SetHarmonicFreq(f);
   meter.SetTWindow(0.1);
-  meter.UseExcitation = true;
-  meter.ExcitationMag = amplitude;
+  meter.SetUseExcitation(true);
+  meter.SetExcitationMag(amplitude);
   // Two windows: the first one holds the transient.
   const double end = loop.Model().Time() + 0.3;
   while (loop.Model().Time() < end) {

@@ -133,10 +133,11 @@ class Shuffler {
     meter.SetHarmonicFreq(Fraction());
     meter.SetTSample(Fraction());
     meter.SetTWindow(Fraction());
-    meter.UseExcitation = meter.ShowSetup = true;
-    meter.ExcitationMag = Fraction();
-    meter.ExcitationOff = Fraction();
-    meter.ExcitationMult = Fraction();
+    meter.SetUseExcitation(true);
+    meter.SetShowSetup(true);
+    meter.SetExcitationMag(Fraction());
+    meter.SetExcitationOff(Fraction());
+    meter.SetExcitationMult(Fraction());
   }
 
   void Change(ZelWave& wave) {

@@ -169,6 +169,32 @@ TEST_F(ModelFile, SettingsThatDependOnOthersDoNotDependOnTheirOrder) {
   EXPECT_EQ(messages_.Take(), Messages{});
 }
 
+TEST_F(ModelFile, ARecordKeepsItsEndDelayWhateverTheAnalyserHadBefore) {
+  auto& xfer = First<ZelXfer>(InstrumentKind::FftAnalyser);
+  const std::string before = ModelFileText(*host_.Model);
+  xfer.SetOrder(13);
+  xfer.SetTEndDelay(1.5);
+  xfer.SetOrder(10);
+  const std::string shorter = ModelFileText(*host_.Model);
+  for (const std::string& text : {before, shorter, before}) {
+    EXPECT_TRUE(LoadModelText(text, host_));
+    EXPECT_EQ(ModelFileText(*host_.Model), text);
+  }
+  EXPECT_EQ(messages_.Take(), Messages{});
+}
+
+TEST_F(ModelFile, MetersOfOneNameAreTwo) {
+  const std::string meter = "Meter,M,Display,wsNormal,0,0,0,0\nMeter,M,TWindow,";
+  for (int load = 0; load < 2; ++load) {
+    EXPECT_TRUE(LoadModelText(meter + "1\n" + meter + "2\n", host_));
+    const auto& meters = Bench().Instruments(InstrumentKind::Meter);
+    ASSERT_EQ(meters.size(), 2U);
+    EXPECT_EQ(dynamic_cast<ZelMeter&>(*meters[0]).TWindow(), 1.0);
+    EXPECT_EQ(dynamic_cast<ZelMeter&>(*meters.back()).TWindow(), 2.0);
+  }
+  EXPECT_EQ(Bench().Instruments(InstrumentKind::Meter).back()->Name(), "M #2");
+}
+
 TEST_F(ModelFile, TracesShownAreThoseOfTheFileWhateverTheirOrder) {
   host_.Model = LoadModel(FindModel("6-1 PID Controller"));
   auto& scope = First<ZelScope>(InstrumentKind::Scope);

@@ -122,9 +122,9 @@ class LimitCheck {
     NotNegative(meter.AcHpf(), "ACHpf");
     Positive(meter.HarmonicFreq(), "HarmonicFreq");
     NotNegative(meter.TWindow(), "TWindow");
-    Finite(meter.ExcitationMag, "ExcitationMag");
-    Finite(meter.ExcitationOff, "ExcitationOff");
-    Finite(meter.ExcitationMult, "ExcitationMult");
+    Finite(meter.ExcitationMag(), "ExcitationMag");
+    Finite(meter.ExcitationOff(), "ExcitationOff");
+    Finite(meter.ExcitationMult(), "ExcitationMult");
   }
 
   void Look(const ZelWave& wave) {

@@ -22,27 +22,37 @@ struct BodeOptions {
   std::optional<bool> Spectrum;
 };
 
-// Order and sample time first: they decide which end delays are possible.
 void SetUp(ZelXfer& xfer, const BodeOptions& options) {
   const ResponseOptions& response = options.Response;
-  if (options.Order) xfer.SetOrder(*options.Order);
-  if (response.TSample) xfer.SetTSample(*response.TSample);
-  if (options.StartDelay) xfer.SetTStartDelay(*options.StartDelay);
-  if (options.EndDelay) xfer.SetTEndDelay(*options.EndDelay);
-  if (response.Amplitude) xfer.SetAmplitude(*response.Amplitude);
-  if (response.Offset) xfer.SetOffset(*response.Offset);
+  FftSetup setup = xfer.Setup();
+  setup.Order = options.Order.value_or(setup.Order);
+  setup.TSample = response.TSample.value_or(setup.TSample);
+  setup.TStartDelay = options.StartDelay.value_or(setup.TStartDelay);
+  setup.TEndDelay = options.EndDelay.value_or(setup.TEndDelay);
+  setup.Amplitude = response.Amplitude.value_or(setup.Amplitude);
+  setup.Offset = response.Offset.value_or(setup.Offset);
+  const SetupFinding finding = xfer.Check(setup);
+  if (finding.What == SetupFinding::Kind::Refusal) {
+    const std::string fits = finding.WouldFit.empty() ? "" : " (fits: " + finding.WouldFit + ")";
+    throw UsageError(finding.Text + fits);
+  }
+  if (finding.What == SetupFinding::Kind::Warning) Warning(finding.Text);
+  xfer.Apply(setup);
   if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
 }
 
 // One record, from Run to Complete. No other instrument asks for times.
 void TakeRecord(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress) {
-  const double end = xfer.TStartDelay() + xfer.Length() * xfer.TSample();
+  const double end = xfer.TStartDelay() + xfer.RecordTime();
   LongRun run(model, console, end, showProgress);
   xfer.Run();
   while (xfer.Measuring()) {
     run.StepTo(xfer.NextTime());
     run.Service(xfer);
   }
+  if (xfer.HasData(0)) return;
+  throw StoppedError("the record is not whole: " + std::to_string(xfer.SampleCount()) + " of " +
+                     std::to_string(xfer.Length()) + " samples");
 }
 
 void WriteBins(ZelXfer& xfer, ResultFile& file) {

@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -70,8 +69,7 @@ void SetUp(ZelMeter& meter, const MeterOptions& options) {
 // A harmonic is read from whole windows; before the first one ends there is nothing to read.
 void CheckWindowFits(const ZelMeter& meter, double until) {
   if (meter.Measurement() != MeterKind::Harmonic) return;
-  const double f = meter.HarmonicFreq();
-  const double window = std::max(1.0, std::floor(meter.TWindow() * f + 0.999)) / f;
+  const double window = meter.WindowLength();
   if (until > window) return;
   throw UsageError("--until must be above the harmonic's window of " + FormatShortest(window) +
                    " s");
@@ -147,9 +145,12 @@ void AddMeterCommand(CLI::App& app, Console& console) {
             "Integration time of the harmonic, rounded up to whole periods, seconds");
   AddNumber(*command, "--lpf", options->Lpf, NumberRange::NotNegative,
             "Low-pass filter of RMS, average and correlation, Hz");
-  command->add_flag_function(
-      "--ac,!--dc", [options](std::int64_t count) { options->Ac = count > 0; },
-      "Couple through a high-pass filter, or directly");
+  const auto coupling = [&](const std::string& flag, bool ac, const std::string& description) {
+    return command->add_flag_callback(
+        flag, [options, ac] { options->Ac = ac; }, description);
+  };
+  coupling("--ac", true, "Couple through a high-pass filter")
+      ->excludes(coupling("--dc", false, "Couple directly"));
   AddNumber(*command, "--hpf", options->Hpf, NumberRange::NotNegative,
             "The high-pass filter's frequency, Hz");
   command->add_flag_function(

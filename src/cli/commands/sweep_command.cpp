@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <array>
-#include <cmath>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -42,29 +41,22 @@ void SetUp(ZelSweptDSA& analyser, const SweepOptions& options) {
   if (response.TSample) analyser.SetTSample(*response.TSample);
   if (response.Amplitude) analyser.SetAmplitude(*response.Amplitude);
   if (response.Offset) analyser.SetOffset(*response.Offset);
-}
-
-// Each point takes the settling time and at least one period.
-double ExpectedEnd(const ZelSweptDSA& analyser) {
-  const double ratio = std::pow(10.0, 1.0 / analyser.StepsPerDecade());
-  double end = 0.0;
-  double f = analyser.FreqMin();
-  for (int point = 0; point < ZelSweptDSA::Capacity; ++point, f *= ratio) {
-    end += analyser.SettleTime() +
-           std::max(1.0, std::floor(analyser.MeasurementTime() / f + 0.999)) / f;
-    if (f >= analyser.FreqMax()) break;
-  }
-  return end;
+  analyser.CheckPlan();
 }
 
 // One sweep, from Run to its last point. No other instrument asks for times.
 void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
-  LongRun run(model, console, ExpectedEnd(analyser), Console::CanShowProgress(false));
+  LongRun run(model, console, analyser.ExpectedPlan().Seconds, Console::CanShowProgress(false));
   analyser.Run();
   while (analyser.Measuring()) {
     run.StepTo(analyser.NextTick());
     run.Service(analyser);
   }
+  const int points = analyser.PointCount();
+  if (points == analyser.ExpectedPlan().Points) return;
+  throw StoppedError("the sweep is not whole: " + std::to_string(points) + " points, up to " +
+                     (points > 0 ? FormatShortest(analyser.PointFrequency(0, points - 1)) : "0") +
+                     " Hz");
 }
 
 void WritePoints(ZelSweptDSA& analyser, ResultFile& file) {

@@ -1,5 +1,6 @@
 // The loop that reads a model file, line by line.
 
+#include <map>
 #include <set>
 
 #include "core/constant.h"
@@ -125,6 +126,7 @@ class Loader {
       }
       if (current) FinishInstruments();
       refusedMeters_.clear();
+      meters_.clear();
       if (!host_.ChangeModel(name)) return false;
     }
     result_.HasModel = result_.Recognised = true;
@@ -136,8 +138,9 @@ class Loader {
       if (kind == InstrumentKind::Meter) Error("Wrong number of entries in" + record.Line);
       return;
     }
-    Instrument* instrument = Bench().FindInstrument(kind, record.Fields[1]);
-    if (!instrument && kind == InstrumentKind::Meter) instrument = AddMeter(record.Fields[1]);
+    Instrument* const instrument = kind == InstrumentKind::Meter
+                                       ? MeterOf(record)
+                                       : Bench().FindInstrument(kind, record.Fields[1]);
     if (!instrument) return;
     result_.Recognised = true;
     const WindowPlacement placement = instrument->Placement;
@@ -146,6 +149,18 @@ class Loader {
     instrument->LoadRecord(record);
     Bench().History().Resume();
     if (!host_.RestoresWindows()) instrument->Placement = placement;
+  }
+
+  // Each section begins with a "Display" record: another one of the same name is another meter.
+  Instrument* MeterOf(const Record& record) {
+    const std::string& name = record.Fields[1];
+    Section& section = meters_[name];
+    if (record.Keyword() == "Display" && ++section.Count > 1) section.Meter = nullptr;
+    if (section.Meter) return section.Meter;
+    const std::string own = section.Count > 1 ? NumberedName(name, section.Count) : name;
+    section.Meter = Bench().FindInstrument(InstrumentKind::Meter, own);
+    if (!section.Meter) section.Meter = AddMeter(own);
+    return section.Meter;
   }
 
   // A meter that cannot be added is reported once and not once a record.
@@ -173,6 +188,11 @@ class Loader {
   LoadResult result_;
   int stopAt_ = 0;
   std::set<std::string> refusedMeters_;
+  struct Section {
+    Instrument* Meter = nullptr;
+    int Count = 0;
+  };
+  std::map<std::string, Section> meters_;  ///< those of the file so far, by the name in it
 };
 
 }  // namespace

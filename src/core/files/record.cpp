@@ -77,6 +77,17 @@ std::string FormatRecordNumber(double x) {
   return ParseNumber(text) ? text : FormatShortest(x);
 }
 
+double AsRecorded(double x) {
+  return ParseNumber(FormatRecordNumber(x)).value_or(x);
+}
+
+std::string StorableField(const std::string& text) {
+  const std::string field = Storable(text);
+  const auto first = field.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  return field.substr(first, field.find_last_not_of(' ') - first + 1);
+}
+
 void SaveDisplay(RecordWriter& writer, const WindowPlacement& placement) {
   const auto* state = std::find_if(StateNames.begin(), StateNames.end(),
                                    [&](const StateName& s) { return s.State == placement.State; });

@@ -53,6 +53,13 @@ inline bool IsOn(const std::string& field) {
 
 /// Number with up to 15 significant digits, as analysers store theirs.
 std::string FormatRecordNumber(double x);
+/// The number that is read back from that. A setting that is stored so is the same before and after
+/// a file.
+double AsRecorded(double x);
+
+/// The text that is read back from a record's last field, where that is taken without the blanks
+/// around it.
+std::string StorableField(const std::string& text);
 
 /// The record "Display": window state, height, left, top, width.
 void SaveDisplay(RecordWriter& writer, const WindowPlacement& placement);

@@ -34,24 +34,29 @@ AnalyserChannel* FrequencyAnalyser::FindChannel(const std::string& name) const {
   return found == channels_.end() ? nullptr : found->get();
 }
 
-bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name) {
+bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name,
+                               const char* what) {
   AnalyserChannel* channel = FindChannel(name);
   if (!channel) {
     Error("Cannot find channel " + name);
     return false;
   }
-  chosen = channel;
-  phaseAdd_ = 0.0;
-  Changed();
+  Change(
+      [&] {
+        chosen = channel;
+        phaseAdd_ = 0.0;
+        needsRedraw_ = true;
+      },
+      [&] { return SettingCaption(what, name); });
   return true;
 }
 
 bool FrequencyAnalyser::SetInput(const std::string& name) {
-  return Choose(input_, name);
+  return Choose(input_, name, "Input");
 }
 
 bool FrequencyAnalyser::SetOutput(const std::string& name) {
-  return Choose(output_, name);
+  return Choose(output_, name, "Output");
 }
 
 void FrequencyAnalyser::AddSetup(std::string name, std::string input, std::string output,
@@ -73,10 +78,14 @@ bool FrequencyAnalyser::SelectSetup(int index) {
     return false;
   }
   const AnalyserSetup& setup = setups_[static_cast<std::size_t>(index)];
-  input_ = FindChannel(setup.Input);
-  output_ = FindChannel(setup.Output);
-  phaseAdd_ = setup.PhaseAdd;
-  Changed();
+  Change(
+      [&] {
+        input_ = FindChannel(setup.Input);
+        output_ = FindChannel(setup.Output);
+        phaseAdd_ = setup.PhaseAdd;
+        needsRedraw_ = true;
+      },
+      [&] { return SettingCaption("Channels", setup.Name); });
   return true;
 }
 
@@ -118,11 +127,59 @@ double FrequencyAnalyser::ResponsePhase(int slot, double index) {
   return Interpolate(slot, index, [&](int k) { return WrappedPhase(slot, k); });
 }
 
+bool FrequencyAnalyser::Readable(int slot, double hz) const {
+  if (slot < 0 || slot >= SlotCount || !HasData(slot)) return false;
+  const Range range = DataRange(slot);
+  return hz >= range.Low && hz <= range.High;
+}
+
+std::optional<double> FrequencyAnalyser::GainRead(int slot, double hz) {
+  if (!Readable(slot, hz)) return std::nullopt;
+  return GainAt(slot, hz);
+}
+
+std::optional<double> FrequencyAnalyser::PhaseRead(int slot, double hz) {
+  if (!Readable(slot, hz)) return std::nullopt;
+  return PhaseAt(slot, hz);
+}
+
+bool FrequencyAnalyser::StoreData(int slot) {
+  if (!HasData(0)) {
+    Note("There is no measurement to store.");
+    return false;
+  }
+  if (!StoreSlot(slot)) return false;
+  traces_[static_cast<std::size_t>(slot)] = {true, true};
+  Changed();
+  return true;
+}
+
 void FrequencyAnalyser::SetShown(int slot, bool shown) {
   Trace& trace = traces_[static_cast<std::size_t>(slot)];
-  if (!trace.Enabled || trace.Shown == shown) return;
-  trace.Shown = shown;
-  Changed();
+  if (trace.Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
+}
+
+void FrequencyAnalyser::SetCursors(CursorMode mode) {
+  if (cursors_ == mode) return;
+  Change(
+      [&] {
+        cursors_ = mode;
+        needsRedraw_ = true;
+      },
+      [&] { return SettingCaption("Cursors", static_cast<int>(mode)); });
+}
+
+void FrequencyAnalyser::SetCursorPixel(int cursor, int pixel) {
+  Store(cursorPixel_[static_cast<std::size_t>(cursor)], std::clamp(pixel, 0, LargestPixel),
+        cursor == 0 ? "Cursor 1" : "Cursor 2");
+}
+
+void FrequencyAnalyser::SetCursorSlot(int slot) {
+  if (slot >= 0 && slot < SlotCount) Store(cursorSlot_, slot, "Cursor Trace");
+}
+
+void FrequencyAnalyser::SetSplitScreen(bool split) {
+  Store(splitScreen_, split, "Split Screen");
 }
 
 void FrequencyAnalyser::EnableTrace(int slot) {

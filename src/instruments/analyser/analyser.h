@@ -9,6 +9,7 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/setting_caption.h"
 
 namespace torvane {
 
@@ -29,6 +30,8 @@ class FrequencyAnalyser : public Instrument {
   static constexpr int SlotCount = AnalyserChannel::SlotCount;
   static constexpr int MaxSetups = 10;
   enum class CursorMode { None, One, Two };
+  /// Rightmost pixel that a cursor can be put on.
+  static constexpr int LargestPixel = 32767;
 
   /// A trace can be shown once it has data.
   struct Trace {
@@ -79,8 +82,16 @@ class FrequencyAnalyser : public Instrument {
   /// Position of a frequency among the slot's bins or points, with its fraction.
   virtual double IndexAt(int slot, double hz) const = 0;
 
-  /// Copies the current measurement into memory 1 to 4 and shows it; false when there is none.
-  virtual bool StoreData(int slot) = 0;
+  /// The same for a plot, which asks at any frequency: nothing where the slot has no data.
+  std::optional<double> GainRead(int slot, double hz);
+  std::optional<double> PhaseRead(int slot, double hz);
+
+  /// The share of the measurement in progress, or of the last one, that has been taken, 0 to 1.
+  virtual double Progress() const = 0;
+
+  /// Copies the current measurement into memory 1 to 4 and shows it; false after a note when there
+  /// is none.
+  bool StoreData(int slot);
 
   const Trace& TraceAt(int slot) const { return traces_[static_cast<std::size_t>(slot)]; }
   void SetShown(int slot, bool shown);
@@ -105,19 +116,29 @@ class FrequencyAnalyser : public Instrument {
 
   /// Text of the automatic search ("-3 dB", "Gain Max", ...).
   const std::string& FindType() const { return findType_; }
-  void SetFindType(std::string text);
+  void SetFindType(const std::string& text);
 
   /// Whether the window is on the workspace; it is never destroyed.
   bool Visible() const { return visible_; }
   virtual void SetVisible(bool visible);
 
-  CursorMode Cursors = CursorMode::None;
-  std::array<int, 2> CursorPixel{10, 20};  ///< horizontal positions on the plot
-  int CursorSlot = 0;                      ///< the trace that the cursors read
-  bool SplitScreen = true;                 ///< gain above, phase below; else one plot for both
+  CursorMode Cursors() const { return cursors_; }
+  void SetCursors(CursorMode mode);
+  /// Horizontal positions of cursors 0 and 1 on the plot.
+  int CursorPixel(int cursor) const { return cursorPixel_[static_cast<std::size_t>(cursor)]; }
+  /// Limited to 0..LargestPixel.
+  void SetCursorPixel(int cursor, int pixel);
+  /// The trace that the cursors read.
+  int CursorSlot() const { return cursorSlot_; }
+  void SetCursorSlot(int slot);
+  /// Gain above, phase below; else one plot for both.
+  bool SplitScreen() const { return splitScreen_; }
+  void SetSplitScreen(bool split);
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
+  void SaveState(RecordWriter& writer) const override;
+  void LoadState(const Record& record) override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
   /// Displayed data has changed since the last call.
@@ -137,18 +158,38 @@ class FrequencyAnalyser : public Instrument {
   void AddChannel(std::unique_ptr<AnalyserChannel> channel);
   /// Reports that there are too few channels to measure a response.
   void CheckChannels() const;
+  /// A trace that got its first data is shown.
   void EnableTrace(int slot);
+  /// Stores the current measurement in a memory whose number is checked.
+  virtual bool StoreSlot(int slot) = 0;
   void DisableTrace(int slot);
   /// Settings or data have changed: repaint, and the view re-reads the settings.
   void Changed();
-  /// Stores a setting; a value that is not finite is ignored.
-  void SetSetting(double& setting, double value);
+  /// Stores a setting, a number as a file keeps it; one that is not finite is ignored. `name` is
+  /// what undo calls it.
+  void SetSetting(double& setting, double value, const char* name);
+  /// Refuses one that is not good, with the message, or beyond the limits, with a message of them.
+  void SetChecked(double& setting, double value, bool good, const char* message, const char* name,
+                  double limit);
+  template <class T>
+  void Store(T& setting, T value, const char* name) {
+    if (setting == value) return;
+    Change(
+        [&] {
+          setting = value;
+          needsRedraw_ = true;
+        },
+        [&] { return SettingCaption(name, setting); });
+  }
 
   /// The records between the channels and the scales of the plot, the analyser's own.
   virtual void SaveSetup(RecordWriter& writer) const = 0;
   /// Takes one of them, of four entries; false when its keyword is unknown.
   virtual bool LoadSetup(const Record& record) = 0;
   void SaveFreqRange(RecordWriter& writer) const;
+  /// The settings that no file keeps.
+  virtual void SaveMore(RecordWriter& writer) const;
+  virtual bool LoadMore(const std::string& keyword, int value);
 
   /// The last index that has no upper neighbour.
   virtual int LastIndex(int slot) const = 0;
@@ -165,7 +206,8 @@ class FrequencyAnalyser : public Instrument {
   double WrappedPhase(int slot, int index) const;
   template <class Value>
   double Interpolate(int slot, double index, Value value) const;
-  bool Choose(AnalyserChannel*& chosen, const std::string& name);
+  bool Choose(AnalyserChannel*& chosen, const std::string& name, const char* what);
+  bool Readable(int slot, double hz) const;
   bool LoadChoice(const Record& record);
   bool LoadAxis(const Record& record);
   void SetPositive(double& setting, double value, const char* what);
@@ -183,6 +225,10 @@ class FrequencyAnalyser : public Instrument {
   double phaseOffset_ = 0.0;
   std::string findType_ = "-3 dB";
   bool visible_;
+  CursorMode cursors_ = CursorMode::None;
+  std::array<int, 2> cursorPixel_{10, 20};
+  int cursorSlot_ = 0;
+  bool splitScreen_ = true;
   std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
   std::optional<double> fileFreqMax_;
   bool needsRedraw_ = false;

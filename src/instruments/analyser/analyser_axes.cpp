@@ -2,8 +2,10 @@
 #include <cmath>
 #include <utility>
 
+#include "core/files/record.h"
 #include "core/messages.h"
 #include "instruments/analyser/analyser.h"
+#include "instruments/setting_limits.h"
 
 namespace torvane {
 
@@ -13,20 +15,39 @@ namespace {
 constexpr double AboveMin = 1.01;
 constexpr double BelowMax = 0.99;
 
-// Beyond these the ratio of the axis' ends would not be a number any more. Hz.
-constexpr double LowestFrequency = 1e-100;
-constexpr double HighestFrequency = 1e100;
+// Limits of the axis, Hz, and of the scales: far beyond them pictures' arithmetic ends.
+constexpr double LowestFrequency = 1e-30;
+constexpr double HighestFrequency = 1e30;
+constexpr double SmallestScale = 1e-30;
+
+double LimitedMagnitude(double x) {
+  return std::isfinite(x) ? std::clamp(x, -LargestMagnitude, LargestMagnitude) : x;
+}
 
 double LimitedFrequency(double hz) {
   return hz > 0.0 ? std::clamp(hz, LowestFrequency, HighestFrequency) : hz;
 }
 
+// The low end leaves the high end room above it.
+double LimitedLowEnd(double hz) {
+  return std::min(LimitedFrequency(hz), HighestFrequency / 10.0);
+}
+
 }  // namespace
 
-void FrequencyAnalyser::SetSetting(double& setting, double value) {
-  if (!std::isfinite(value) || value == setting) return;
-  setting = value;
-  Changed();
+void FrequencyAnalyser::SetSetting(double& setting, double value, const char* name) {
+  if (std::isfinite(value)) Store(setting, AsRecorded(value), name);
+}
+
+void FrequencyAnalyser::SetChecked(double& setting, double value, bool good, const char* message,
+                                   const char* name, double limit) {
+  if (!good) {
+    Error(message);
+  } else if (!(std::abs(value) <= limit)) {
+    Error(std::string("Attempt to set ") + name + " beyond " + FormatEdit(limit));
+  } else {
+    SetSetting(setting, value, name);
+  }
 }
 
 void FrequencyAnalyser::SetPositive(double& setting, double value, const char* what) {
@@ -34,23 +55,30 @@ void FrequencyAnalyser::SetPositive(double& setting, double value, const char* w
     Error("Attempt to set " + label_ + " " + what + " <= 0");
     return;
   }
-  SetSetting(setting, value);
+  if (std::isfinite(value)) value = std::clamp(value, SmallestScale, LargestMagnitude);
+  SetSetting(setting, value, what);
 }
 
 void FrequencyAnalyser::SetFreqMin(double hz) {
-  SetPositive(freqMin_, hz > BelowMax * freqMax_ ? BelowMax * freqMax_ : LimitedFrequency(hz),
+  SetPositive(freqMin_, hz > BelowMax * freqMax_ ? BelowMax * freqMax_ : LimitedLowEnd(hz),
               "FreqMin");
 }
 
 void FrequencyAnalyser::SetFreqMax(double hz) {
-  SetSetting(freqMax_, hz < AboveMin * freqMin_ ? AboveMin * freqMin_ : LimitedFrequency(hz));
+  SetSetting(freqMax_, hz < AboveMin * freqMin_ ? AboveMin * freqMin_ : LimitedFrequency(hz),
+             "FreqMax");
 }
 
 void FrequencyAnalyser::SetFreqRange(double low, double high) {
   if (!std::isfinite(high)) return;
-  // Room for the upper limit above it.
-  SetPositive(freqMin_, std::min(LimitedFrequency(low), BelowMax * HighestFrequency), "FreqMin");
-  SetFreqMax(high);
+  Change(
+      [&] {
+        SetPositive(freqMin_, LimitedLowEnd(low), "FreqMin");
+        SetFreqMax(high);
+      },
+      [&] {
+        return SettingCaption("Frequencies", FormatEdit(freqMin_) + " to " + FormatEdit(freqMax_));
+      });
 }
 
 void FrequencyAnalyser::SetGainScale(double scale) {
@@ -58,7 +86,7 @@ void FrequencyAnalyser::SetGainScale(double scale) {
 }
 
 void FrequencyAnalyser::SetGainOffset(double offset) {
-  SetSetting(gainOffset_, offset);
+  SetSetting(gainOffset_, LimitedMagnitude(offset), "Gain Offset");
 }
 
 void FrequencyAnalyser::SetPhaseScale(double scale) {
@@ -66,12 +94,11 @@ void FrequencyAnalyser::SetPhaseScale(double scale) {
 }
 
 void FrequencyAnalyser::SetPhaseOffset(double offset) {
-  SetSetting(phaseOffset_, offset);
+  SetSetting(phaseOffset_, LimitedMagnitude(offset), "Phase Offset");
 }
 
-void FrequencyAnalyser::SetFindType(std::string text) {
-  findType_ = std::move(text);
-  TellSettingsChanged();
+void FrequencyAnalyser::SetFindType(const std::string& text) {
+  Store(findType_, StorableField(text), "Auto Find");
 }
 
 }  // namespace torvane

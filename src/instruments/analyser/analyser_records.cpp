@@ -6,28 +6,23 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/analyser.h"
+#include "instruments/number_settings.h"
 
 namespace torvane {
 namespace {
 
 constexpr std::size_t ValueEntries = 4;
 
-struct ScaleRecord {
-  const char* Keyword;
-  double (FrequencyAnalyser::*Value)() const;
-  void (FrequencyAnalyser::*Set)(double);
-};
-constexpr std::array ScaleRecords{
-    ScaleRecord{"GainScale", &FrequencyAnalyser::GainScale, &FrequencyAnalyser::SetGainScale},
-    ScaleRecord{"GainOffset", &FrequencyAnalyser::GainOffset, &FrequencyAnalyser::SetGainOffset},
-    ScaleRecord{"PhaseScale", &FrequencyAnalyser::PhaseScale, &FrequencyAnalyser::SetPhaseScale},
-    ScaleRecord{"PhaseOffset", &FrequencyAnalyser::PhaseOffset, &FrequencyAnalyser::SetPhaseOffset},
+using Number = NumberSetting<FrequencyAnalyser>;
+constexpr std::array Scales{
+    Number{"GainScale", &FrequencyAnalyser::GainScale, &FrequencyAnalyser::SetGainScale},
+    Number{"GainOffset", &FrequencyAnalyser::GainOffset, &FrequencyAnalyser::SetGainOffset},
+    Number{"PhaseScale", &FrequencyAnalyser::PhaseScale, &FrequencyAnalyser::SetPhaseScale},
+    Number{"PhaseOffset", &FrequencyAnalyser::PhaseOffset, &FrequencyAnalyser::SetPhaseOffset},
 };
 
-std::string WithoutBlanksAround(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+std::string NumberedKeyword(const char* keyword, std::size_t number) {
+  return keyword + std::to_string(number);
 }
 
 }  // namespace
@@ -37,9 +32,7 @@ void FrequencyAnalyser::SaveRecords(RecordWriter& writer) const {
   if (output_) writer.Write("OutputChannel", {output_->Name()});
   if (input_) writer.Write("InputChannel", {input_->Name()});
   SaveSetup(writer);
-  for (const ScaleRecord& scale : ScaleRecords) {
-    writer.Write(scale.Keyword, {FormatRecordNumber((this->*scale.Value)())});
-  }
+  SaveNumbers<FrequencyAnalyser>(writer, *this, Scales);
   writer.Write("FindType", {findType_});
 }
 
@@ -60,6 +53,65 @@ void FrequencyAnalyser::LoadRecord(const Record& record) {
   if (!LoadChoice(record) && !LoadAxis(record) && !LoadSetup(record)) ReportUnknownRecord(record);
 }
 
+void FrequencyAnalyser::SaveState(RecordWriter& writer) const {
+  SaveRecords(writer);
+  writer.Write("PhaseAdd", {FormatShortest(phaseAdd_)});
+  SaveMore(writer);
+}
+
+void FrequencyAnalyser::LoadState(const Record& record) {
+  if (record.Keyword() == "PhaseAdd") {
+    phaseAdd_ = ParseNumber(record.Field(ValueEntries - 1)).value_or(0.0);
+    return;
+  }
+  const auto number = ParseInteger(record.Field(ValueEntries - 1));
+  if (number && LoadMore(record.Keyword(), *number)) return;
+  // A channel that is chosen by hand has no phase added; here the record after it says.
+  const double phaseAdd = phaseAdd_;
+  LoadRecord(record);
+  phaseAdd_ = phaseAdd;
+}
+
+void FrequencyAnalyser::SaveMore(RecordWriter& writer) const {
+  const auto write = [&](const std::string& keyword, int value) {
+    writer.Write(keyword, {std::to_string(value)});
+  };
+  write("Cursors", static_cast<int>(cursors_));
+  for (std::size_t i = 0; i < cursorPixel_.size(); ++i) {
+    write(NumberedKeyword("Cursor", i), cursorPixel_[i]);
+  }
+  write("CursorTrace", cursorSlot_);
+  write("SplitScreen", splitScreen_);
+  for (std::size_t i = 0; i < traces_.size(); ++i) {
+    write(NumberedKeyword("Shown", i), traces_[i].Shown);
+  }
+}
+
+bool FrequencyAnalyser::LoadMore(const std::string& keyword, int value) {
+  for (int i = 0; i < static_cast<int>(cursorPixel_.size()); ++i) {
+    if (keyword == NumberedKeyword("Cursor", static_cast<std::size_t>(i))) {
+      SetCursorPixel(i, value);
+      return true;
+    }
+  }
+  for (int i = 0; i < SlotCount; ++i) {
+    if (keyword == NumberedKeyword("Shown", static_cast<std::size_t>(i))) {
+      SetShown(i, value != 0);
+      return true;
+    }
+  }
+  if (keyword == "Cursors") {
+    SetCursors(static_cast<CursorMode>(value));
+  } else if (keyword == "CursorTrace") {
+    SetCursorSlot(value);
+  } else if (keyword == "SplitScreen") {
+    SetSplitScreen(value != 0);
+  } else {
+    return false;
+  }
+  return true;
+}
+
 bool FrequencyAnalyser::LoadChoice(const Record& record) {
   const std::string& value = record.Fields[3];
   if (record.Keyword() == "OutputChannel") {
@@ -67,7 +119,7 @@ bool FrequencyAnalyser::LoadChoice(const Record& record) {
   } else if (record.Keyword() == "InputChannel") {
     SetInput(value);
   } else if (record.Keyword() == "FindType") {
-    SetFindType(WithoutBlanksAround(value));
+    SetFindType(value);
   } else {
     return false;
   }
@@ -76,11 +128,7 @@ bool FrequencyAnalyser::LoadChoice(const Record& record) {
 
 bool FrequencyAnalyser::LoadAxis(const Record& record) {
   const std::string& text = record.Fields[3];
-  for (const ScaleRecord& scale : ScaleRecords) {
-    if (record.Keyword() != scale.Keyword) continue;
-    if (const auto value = ToNumber(text)) (this->*scale.Set)(*value);
-    return true;
-  }
+  if (LoadNumber<FrequencyAnalyser>(record, *this, Scales)) return true;
   if (record.Keyword() == "FreqMin") {
     const auto hz = ToNumber(text);
     if (!hz) return true;
@@ -104,7 +152,13 @@ void FrequencyAnalyser::FinishLoading(const std::function<void(int line)>& atLin
   if (fileFreqMin_ && fileFreqMax_) {
     SetFreqRange(*fileFreqMin_, *fileFreqMax_);
   } else if (fileFreqMin_) {
-    SetFreqMin(*fileFreqMin_);
+    // Where both were set before, the lower one may stand closer than it could be moved alone.
+    const double high = freqMax_;
+    SetFreqRange(*fileFreqMin_, high);
+    if (freqMax_ != high) {
+      freqMax_ = high;
+      SetFreqMin(*fileFreqMin_);
+    }
   } else if (fileFreqMax_) {
     SetFreqMax(*fileFreqMax_);
   }

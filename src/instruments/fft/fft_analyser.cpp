@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <utility>
 
 #include "core/messages.h"
+#include "core/overflow.h"
 #include "core/scale_steps.h"
 
 namespace torvane {
@@ -45,6 +47,7 @@ void ZelXfer::AddVar(const Variable& variable) {
 void ZelXfer::Run() {
   running_ = true;
   Arm();
+  BeginRecord();
 }
 
 void ZelXfer::Halt() {
@@ -62,12 +65,16 @@ void ZelXfer::Restart() {
 
 void ZelXfer::Arm() {
   state_ = State::Armed;
-  recordWhole_ = false;
   clock_.SetNext(bench_.Time());
   startDelayEnd_ = clock_.Next() + tStartDelay_;
-  excitationEnd_ = Length() * tSample_ + startDelayEnd_ - tEndDelay_;
-  for (ZelXferChannel* channel : records_) channel->MarkNewSamples();
+  excitationEnd_ = RecordTime() + startDelayEnd_ - tEndDelay_;
   Changed();
+}
+
+void ZelXfer::BeginRecord() {
+  sampleCount_ = 0;
+  recordWhole_ = false;
+  for (ZelXferChannel* channel : records_) channel->MarkNewSamples();
 }
 
 double ZelXfer::NextTime() const {
@@ -79,7 +86,7 @@ bool ZelXfer::Service(double t) {
   if (!clock_.TakeDue(t, tSample_)) return true;
   if (state_ == State::Armed) {
     state_ = State::Sampling;
-    sampleCount_ = 0;
+    BeginRecord();
   }
   if (sampleCount_ >= Length()) {
     Error("Xfer:  Sampling too many points");
@@ -93,15 +100,17 @@ bool ZelXfer::Service(double t) {
 }
 
 void ZelXfer::TakeSample(double t) {
+  // The sum of a record's samples has to fit single precision as well.
+  CheckSignals(bench_, std::numeric_limits<float>::max() / static_cast<float>(Length()));
   previousExcitation_ = excitation_;
   previousInstant_ = t;
   if (t >= excitationEnd_) {
     excitation_ = offset_;
   } else {
     excitation_ =
-        Binary ? sequence_.Binary(amplitude_, offset_) : sequence_.Uniform(amplitude_, offset_);
+        binary_ ? sequence_.Binary(amplitude_, offset_) : sequence_.Uniform(amplitude_, offset_);
   }
-  if (!BypassFilter) excitation_ = filter_.Step(excitation_);
+  if (!bypassFilter_) excitation_ = filter_.Step(excitation_);
   for (ZelXferChannel* channel : records_) channel->Sample(sampleCount_);
   ++sampleCount_;
   if (sampleCount_ == Length()) CompleteRecord();
@@ -136,14 +145,9 @@ int ZelXfer::LastIndex(int /*slot*/) const {
   return Length();
 }
 
-bool ZelXfer::StoreData(int slot) {
-  if (!recordWhole_) return false;
-  for (ZelXferChannel* channel : records_) {
-    if (!channel->StoreData(slot)) return false;
-  }
-  EnableTrace(slot);
-  Changed();
-  return true;
+bool ZelXfer::StoreSlot(int slot) {
+  return std::all_of(records_.begin(), records_.end(),
+                     [&](ZelXferChannel* channel) { return channel->StoreData(slot); });
 }
 
 }  // namespace torvane

@@ -7,6 +7,7 @@
 #include "instruments/analyser/excitation.h"
 #include "instruments/fft/fft.h"
 #include "instruments/fft/fft_channel.h"
+#include "instruments/fft/fft_setup.h"
 #include "instruments/sample_clock.h"
 
 namespace torvane {
@@ -37,25 +38,35 @@ class ZelXfer final : public FrequencyAnalyser {
 
   void Run() override;
   void Halt() override;
-  /// Starts a record without touching the run button.
-  void Arm();
 
   void AddVar(const Variable& variable);
 
   State SampleState() const { return state_; }
   int SampleCount() const { return sampleCount_; }
+  double Progress() const override { return static_cast<double>(sampleCount_) / Length(); }
   int MaxOrder() const { return fft_.MaxOrder(); }
   int Order() const { return order_; }
   int Length() const { return 1 << order_; }
+  double RecordTime() const { return Length() * tSample_; }
   double TSample() const { return tSample_; }
   double TStartDelay() const { return tStartDelay_; }
   double TEndDelay() const { return tEndDelay_; }
   double Amplitude() const { return amplitude_; }
   double Offset() const { return offset_; }
   bool Spectrum() const { return spectrum_; }
+  /// Excite with two levels instead of uniform noise; excite with the unfiltered sequence.
+  bool Binary() const { return binary_; }
+  bool BypassFilter() const { return bypassFilter_; }
+
+  /// The present set-up; what is to be said of another one, and putting that in force at once as
+  /// one change. A refused one is reported and changes nothing.
+  FftSetup Setup() const;
+  SetupFinding Check(const FftSetup& setup) const;
+  bool Apply(const FftSetup& setup);
 
   // Setters report and refuse a value out of range. A new order or sample period stops the
-  // measurement and drops the memories.
+  // measurement and drops the memories; an end delay that is too long for the new record becomes a
+  // fifth of it.
   void SetOrder(int order);
   void SetTSample(double seconds);
   void SetTStartDelay(double seconds);
@@ -66,12 +77,12 @@ class ZelXfer final : public FrequencyAnalyser {
   /// Only the output's spectrum is shown, of samples under a triangular window. A record that is
   /// being taken begins anew.
   void SetSpectrum(bool on);
-  /// The user's click on the spectrum box: takes a record as well, of what the model does under its
-  /// generator unless the run button is down.
+  /// The user's click on the spectrum box: arms the analyser as well, so that a model that runs
+  /// gives a record of what it does, under its generator unless the run button is down. Until then
+  /// the record that was taken before can be read.
   void ClickSpectrum(bool on);
-
-  bool Binary = false;        ///< excite with two levels instead of uniform noise
-  bool BypassFilter = false;  ///< excite with the unfiltered sequence
+  void SetBinary(bool on);
+  void SetBypassFilter(bool on);
 
   /// The frequency axis from the first bin to half the Nyquist frequency.
   void AutoRange();
@@ -81,7 +92,6 @@ class ZelXfer final : public FrequencyAnalyser {
   bool HasData(int slot) const override;
   Range DataRange(int slot) const override;
   double IndexAt(int slot, double hz) const override;
-  bool StoreData(int slot) override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
  protected:
@@ -89,8 +99,14 @@ class ZelXfer final : public FrequencyAnalyser {
   bool LoadSetup(const Record& record) override;
   bool OutputOnly() const override { return spectrum_; }
   int LastIndex(int slot) const override;
+  bool StoreSlot(int slot) override;
+  void SaveMore(RecordWriter& writer) const override;
+  bool LoadMore(const std::string& keyword, int value) override;
 
  private:
+  void Arm();
+  void BeginRecord();
+  void FitEndDelay();
   void TakeSample(double t);
   void CompleteRecord();
   void DropRecords();
@@ -103,12 +119,14 @@ class ZelXfer final : public FrequencyAnalyser {
   double amplitude_ = 1.0;
   double offset_ = 0.0;
   bool spectrum_ = false;
+  bool binary_ = false;
+  bool bypassFilter_ = false;
 
   struct FileEndDelay {
     double Seconds;
-    int Line;
+    int Line;  ///< 0: it is the one from before
   };
-  std::optional<FileEndDelay> fileEndDelay_;  // read from a file that has not ended yet
+  std::optional<FileEndDelay> fileEndDelay_;  // while a file is read that has not ended yet
 
   State state_ = State::Halted;
   SampleClock clock_;

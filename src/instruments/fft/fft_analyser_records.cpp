@@ -1,87 +1,85 @@
 // The FFT analyser's own records in a model file.
 
 #include <array>
+#include <utility>
 
 #include "core/files/record.h"
 #include "core/text.h"
 #include "instruments/fft/fft_analyser.h"
+#include "instruments/number_settings.h"
 
 namespace torvane {
 namespace {
 
-constexpr double EndDelayShare = 0.2;  // of a record
-
-struct NumberRecord {
-  const char* Keyword;
-  double (ZelXfer::*Value)() const;
-  void (ZelXfer::*Set)(double);
-};
+using Number = NumberSetting<ZelXfer>;
 constexpr std::array Times{
-    NumberRecord{"tSample", &ZelXfer::TSample, &ZelXfer::SetTSample},
-    NumberRecord{"tStartDelay", &ZelXfer::TStartDelay, &ZelXfer::SetTStartDelay},
-    NumberRecord{"tEndDelay", &ZelXfer::TEndDelay, &ZelXfer::SetTEndDelay},
+    Number{"tSample", &ZelXfer::TSample, &ZelXfer::SetTSample},
+    Number{"tStartDelay", &ZelXfer::TStartDelay, &ZelXfer::SetTStartDelay},
+    Number{"tEndDelay", &ZelXfer::TEndDelay, &ZelXfer::SetTEndDelay},
 };
 constexpr std::array ExcitationNumbers{
-    NumberRecord{"ExAmplitude", &ZelXfer::Amplitude, &ZelXfer::SetAmplitude},
-    NumberRecord{"ExOffset", &ZelXfer::Offset, &ZelXfer::SetOffset},
+    Number{"ExAmplitude", &ZelXfer::Amplitude, &ZelXfer::SetAmplitude},
+    Number{"ExOffset", &ZelXfer::Offset, &ZelXfer::SetOffset},
 };
-
-template <class Numbers>
-void Save(RecordWriter& writer, const ZelXfer& xfer, const Numbers& numbers) {
-  for (const NumberRecord& number : numbers) {
-    writer.Write(number.Keyword, {FormatRecordNumber((xfer.*number.Value)())});
-  }
-}
-
-template <class Numbers>
-bool Load(const Record& record, ZelXfer& xfer, const Numbers& numbers) {
-  for (const NumberRecord& number : numbers) {
-    if (record.Keyword() != number.Keyword) continue;
-    if (const auto value = ToNumber(record.Fields[3])) (xfer.*number.Set)(*value);
-    return true;
-  }
-  return false;
-}
 
 }  // namespace
 
 void ZelXfer::SaveSetup(RecordWriter& writer) const {
   writer.Write("Spectrum", {FlagText(spectrum_)});
   SaveFreqRange(writer);
-  Save(writer, *this, Times);
+  SaveNumbers<ZelXfer>(writer, *this, Times);
   writer.Write("Order", {std::to_string(order_)});
-  Save(writer, *this, ExcitationNumbers);
+  SaveNumbers<ZelXfer>(writer, *this, ExcitationNumbers);
 }
 
 bool ZelXfer::LoadSetup(const Record& record) {
+  const std::string& keyword = record.Keyword();
   const std::string& text = record.Fields[3];
-  if (record.Keyword() == "Spectrum") {
+  if (keyword == "Spectrum") {
     SetSpectrum(IsOn(text));
     return true;
   }
-  if (record.Keyword() == "Order") {
-    if (const auto order = ToInteger(text)) SetOrder(*order);
-    return true;
-  }
   // Which end delays are possible depends on order and sample time, wherever in the file they
-  // stand.
-  if (record.Keyword() == "tEndDelay") {
+  // stand: the end delay, from the file or from before, is taken last.
+  if (keyword == "tEndDelay") {
     if (const auto seconds = ToNumber(text)) fileEndDelay_ = {*seconds, record.Number};
     return true;
   }
-  return Load(record, *this, Times) || Load(record, *this, ExcitationNumbers);
+  if (keyword == "tSample" || keyword == "Order") {
+    if (!fileEndDelay_) fileEndDelay_ = {tEndDelay_, 0};
+  }
+  if (keyword == "Order") {
+    if (const auto order = ToInteger(text)) SetOrder(*order);
+    return true;
+  }
+  return LoadNumber<ZelXfer>(record, *this, Times) ||
+         LoadNumber<ZelXfer>(record, *this, ExcitationNumbers);
 }
 
 void ZelXfer::FinishLoading(const std::function<void(int line)>& atLine) {
-  if (fileEndDelay_) {
-    atLine(fileEndDelay_->Line);
-    SetTEndDelay(fileEndDelay_->Seconds);
-    fileEndDelay_.reset();
+  if (const auto end = std::exchange(fileEndDelay_, std::nullopt)) {
+    const bool ofFile = end->Line > 0;
+    if (ofFile) atLine(end->Line);
+    if (ofFile || end->Seconds < RecordTime()) SetTEndDelay(end->Seconds);
   }
-  // A shorter record may leave no room for the end delay from before.
-  const double record = Length() * tSample_;
-  if (tEndDelay_ >= record) SetSetting(tEndDelay_, EndDelayShare * record);
   FrequencyAnalyser::FinishLoading(atLine);
+}
+
+void ZelXfer::SaveMore(RecordWriter& writer) const {
+  FrequencyAnalyser::SaveMore(writer);
+  writer.Write("Binary", {FlagText(binary_)});
+  writer.Write("BypassFilter", {FlagText(bypassFilter_)});
+}
+
+bool ZelXfer::LoadMore(const std::string& keyword, int value) {
+  if (keyword == "Binary") {
+    SetBinary(value != 0);
+  } else if (keyword == "BypassFilter") {
+    SetBypassFilter(value != 0);
+  } else {
+    return FrequencyAnalyser::LoadMore(keyword, value);
+  }
+  return true;
 }
 
 }  // namespace torvane

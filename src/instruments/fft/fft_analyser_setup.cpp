@@ -1,11 +1,46 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/files/record.h"
 #include "core/messages.h"
-#include "core/numeric.h"
+#include "core/solver.h"
 #include "instruments/fft/fft_analyser.h"
+#include "instruments/setting_limits.h"
 
 namespace torvane {
+
+namespace {
+
+constexpr double EndDelayShare = 0.2;  // of a record, where a longer delay does not fit
+
+}  // namespace
+
+FftSetup ZelXfer::Setup() const {
+  return {tSample_, order_, tStartDelay_, tEndDelay_, amplitude_, offset_};
+}
+
+SetupFinding ZelXfer::Check(const FftSetup& setup) const {
+  return CheckSetup(setup, MinOrder, MaxOrder(), bench_.Solver()->Step());
+}
+
+bool ZelXfer::Apply(const FftSetup& setup) {
+  const SetupFinding finding = Check(setup);
+  if (finding.What == SetupFinding::Kind::Refusal) {
+    Error(finding.Text);
+    return false;
+  }
+  Change(
+      [&] {
+        SetOrder(setup.Order);
+        SetTSample(setup.TSample);
+        SetTStartDelay(setup.TStartDelay);
+        SetTEndDelay(setup.TEndDelay);
+        SetAmplitude(setup.Amplitude);
+        SetOffset(setup.Offset);
+      },
+      [] { return "Transfer Function Setup"; });
+  return true;
+}
 
 void ZelXfer::SetOrder(int order) {
   if (order < MinOrder) {
@@ -13,9 +48,14 @@ void ZelXfer::SetOrder(int order) {
   } else if (order > MaxOrder()) {
     Error("Attempt to set Order > MaxOrder");
   } else if (order != order_) {
-    order_ = order;
-    for (ZelXferChannel* channel : records_) channel->SetOrder(order);
-    DropRecords();
+    Change(
+        [&] {
+          order_ = order;
+          for (ZelXferChannel* channel : records_) channel->SetOrder(order);
+          FitEndDelay();
+          DropRecords();
+        },
+        [&] { return SettingCaption("FFT Order", order); });
   }
 }
 
@@ -23,10 +63,22 @@ void ZelXfer::SetTSample(double seconds) {
   // 0 is refused as well: the sample clock would never move on.
   if (!(seconds > 0.0 && std::isfinite(seconds))) {
     Error("Attempt to set TSample < 0");
+  } else if (seconds < ShortestTime || seconds > LongestTime) {
+    Error("Attempt to set TSample beyond " + FormatEdit(ShortestTime) + " to " +
+          FormatEdit(LongestTime));
   } else if (seconds != tSample_) {
-    tSample_ = std::min(seconds, LongestTime);
-    DropRecords();
+    Change(
+        [&] {
+          tSample_ = AsRecorded(seconds);
+          FitEndDelay();
+          DropRecords();
+        },
+        [&] { return SettingCaption("Sample Time", seconds); });
   }
+}
+
+void ZelXfer::FitEndDelay() {
+  if (tEndDelay_ >= RecordTime()) tEndDelay_ = AsRecorded(EndDelayShare * RecordTime());
 }
 
 void ZelXfer::DropRecords() {
@@ -36,49 +88,55 @@ void ZelXfer::DropRecords() {
 }
 
 void ZelXfer::SetTStartDelay(double seconds) {
-  if (!(seconds >= 0.0)) {
-    Error("Attempt to set TStartDelay < 0");
-    return;
-  }
-  SetSetting(tStartDelay_, std::min(seconds, LongestTime));
+  SetChecked(tStartDelay_, seconds, seconds >= 0.0, "Attempt to set TStartDelay < 0",
+             "Start Zero Time", LongestTime);
 }
 
 void ZelXfer::SetTEndDelay(double seconds) {
   if (!(seconds >= 0.0)) {
     Error("Attempt to set tEndDelay < 0%");
-  } else if (seconds >= Length() * tSample_) {
+  } else if (AsRecorded(seconds) >= RecordTime()) {
     Error("Attempt to set tEndDelay >= 100% of Sample Time");
   } else {
-    SetSetting(tEndDelay_, seconds);
+    SetSetting(tEndDelay_, seconds, "End Zero Time");
   }
 }
 
 void ZelXfer::SetAmplitude(double amplitude) {
-  if (!(amplitude >= 0.0)) {
-    Error("Attempt to set Excitation Amplitude < 0");
-    return;
-  }
-  SetSetting(amplitude_, amplitude);
+  SetChecked(amplitude_, amplitude, amplitude >= 0.0, "Attempt to set Excitation Amplitude < 0",
+             "Amplitude", LargestMagnitude);
 }
 
 void ZelXfer::SetOffset(double offset) {
   if (!std::isfinite(offset)) return;
-  SetSetting(offset_, offset);
+  SetChecked(offset_, offset, true, "", "Offset", LargestMagnitude);
   excitation_ = LimitExcitation(excitation_, amplitude_, offset_);
 }
 
 void ZelXfer::SetSpectrum(bool on) {
   if (spectrum_ == on) return;
-  spectrum_ = on;
-  for (ZelXferChannel* channel : records_) channel->SetWindow(on);
-  // Half a record under the window and half without it would be neither.
-  if (NextTime() >= 0.0) Arm();
-  Changed();
+  Change(
+      [&] {
+        spectrum_ = on;
+        for (ZelXferChannel* channel : records_) channel->SetWindow(on);
+        // Half a record under the window and half without it would be neither.
+        if (NextTime() >= 0.0) Arm();
+        Changed();
+      },
+      [&] { return SettingCaption("Spectrum", on); });
 }
 
 void ZelXfer::ClickSpectrum(bool on) {
   SetSpectrum(on);
   Arm();
+}
+
+void ZelXfer::SetBinary(bool on) {
+  Store(binary_, on, "Bi-Gen");
+}
+
+void ZelXfer::SetBypassFilter(bool on) {
+  Store(bypassFilter_, on, "Gen Filt");
 }
 
 }  // namespace torvane

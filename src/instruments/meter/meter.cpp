@@ -1,6 +1,5 @@
 #include "instruments/meter/meter.h"
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -41,8 +40,8 @@ bool ZelMeter::Service(double t) {
 }
 
 double ZelMeter::Excitation(double now) const {
-  if (!UseExcitation) return 0.0;
-  return ExcitationMag * std::sin(Turn * harmonicFreq_ * ExcitationMult * now) + ExcitationOff;
+  if (!useExcitation_) return 0.0;
+  return excitationMag_ * std::sin(Turn * harmonicFreq_ * excitationMult_ * now) + excitationOff_;
 }
 
 double ZelMeter::AngleDeg() const {
@@ -114,7 +113,7 @@ void ZelMeter::UpdateHarmonic(double t, double x) {
 }
 
 void ZelMeter::FinishWindow() {
-  const double duration = PeriodCount() / harmonicFreq_;
+  const double duration = WindowLength();
   const double s = measured_.S / duration;
   const double c = measured_.C / duration;
   if (!harmonicXfer_) {
@@ -132,13 +131,9 @@ void ZelMeter::FinishWindow() {
 
 void ZelMeter::StartWindow(double t) {
   windowOpen_ = true;
-  windowEnd_ = t + PeriodCount() / harmonicFreq_;
+  windowEnd_ = t + WindowLength();
   measured_.S = measured_.C = 0.0;
   transfer_.S = transfer_.C = 0.0;
-}
-
-double ZelMeter::PeriodCount() const {
-  return std::max(1.0, std::floor(tWindow_ * harmonicFreq_ + 0.999));
 }
 
 void ZelMeter::Restart() {
@@ -147,12 +142,24 @@ void ZelMeter::Restart() {
   windowOpen_ = false;
 }
 
+namespace {
+
+std::string OwnName(const ZelBenchTop& bench, const std::string& name) {
+  std::string own = name;
+  for (int number = 2; bench.FindInstrument(InstrumentKind::Meter, own); ++number) {
+    own = NumberedName(name, number);
+  }
+  return own;
+}
+
+}  // namespace
+
 ZelMeter* AddMeter(ZelModel& model, const std::string& name) {
   if (model.Bench().Instruments(InstrumentKind::Meter).size() >= ZelMeter::MaxMeters) {
     Error("Too many meters");
     return nullptr;
   }
-  auto meter = std::make_unique<ZelMeter>(model.Bench(), name);
+  auto meter = std::make_unique<ZelMeter>(model.Bench(), OwnName(model.Bench(), name));
   ZelMeter* added = meter.get();
   model.Own(std::move(meter));
   return added;

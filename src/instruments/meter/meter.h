@@ -5,6 +5,7 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/sample_clock.h"
+#include "instruments/whole_periods.h"
 
 namespace torvane {
 
@@ -78,11 +79,21 @@ class ZelMeter final : public Instrument {
   void SetHarmonicFreq(double hz);
   void SetTWindow(double seconds);
 
-  bool UseExcitation = false;
-  double ExcitationMag = 1.0;
-  double ExcitationOff = 0.0;
-  double ExcitationMult = 1.0;
-  bool ShowSetup = false;  ///< the window's set-up panel is open
+  /// The time over which a harmonic is integrated, whole periods, seconds.
+  double WindowLength() const { return WholePeriods(tWindow_ * harmonicFreq_) / harmonicFreq_; }
+
+  bool UseExcitation() const { return useExcitation_; }
+  double ExcitationMag() const { return excitationMag_; }
+  double ExcitationOff() const { return excitationOff_; }
+  double ExcitationMult() const { return excitationMult_; }
+  void SetUseExcitation(bool on);
+  void SetExcitationMag(double magnitude);
+  void SetExcitationOff(double offset);
+  void SetExcitationMult(double multiplier);
+
+  /// The window's set-up panel is open.
+  bool ShowSetup() const { return showSetup_; }
+  void SetShowSetup(bool on);
 
  private:
   /// A signal read by the meter, with its harmonic sums and the slow part that AC coupling removes.
@@ -94,23 +105,28 @@ class ZelMeter final : public Instrument {
     double C = 0.0;
   };
 
-  bool Choose(Source& source, const std::string& name, const std::string& message);
+  bool Choose(Source& source, const std::string& name, const char* caption,
+              const std::string& message);
   void LoadMeterDisplay(const Record& record);
   bool LoadSwitch(const Record& record);
   bool LoadVariable(const Record& record);
   bool LoadNumber(const Record& record);
   void ComputePoles();
   double Read(Source& source) const;
+  /// Stores a setting; Store is for those that what is being measured depends on.
   template <class T>
-  void Store(T& setting, T value);
-  void SetNumber(double& setting, double value, bool good, const char* message);
+  void Keep(T& setting, T value, const char* name);
+  template <class T>
+  void Store(T& setting, T value, const char* name);
+  void SetNumber(double& setting, double value, bool good, const char* message, const char* name,
+                 double limit);
+  void SetExcitation(double& setting, double value, const char* name);
   void Update(double t);
   void Show(double value, double angle);
   void UpdateCorrelation(double x);
   void UpdateHarmonic(double t, double x);
   void FinishWindow();
   void StartWindow(double t);
-  double PeriodCount() const;
 
   ZelBenchTop& bench_;
   MeterKind kind_ = MeterKind::Rms;
@@ -125,6 +141,11 @@ class ZelMeter final : public Instrument {
   double tWindow_ = 0.5;
   bool harmonicXfer_ = false;
   bool useDb_ = false;
+  bool useExcitation_ = false;
+  double excitationMag_ = 1.0;
+  double excitationOff_ = 0.0;
+  double excitationMult_ = 1.0;
+  bool showSetup_ = false;
 
   double lowPole_ = 0.0;
   double highPole_ = 0.0;
@@ -141,8 +162,8 @@ class ZelMeter final : public Instrument {
   double angle_ = 0.0;
 };
 
-/// Adds a meter that lives as long as the model. Reports and gives nullptr when the bench already
-/// holds MaxMeters.
+/// Adds a meter that lives as long as the model. Its name is made its own when another meter has
+/// it. Reports and gives nullptr when the bench already holds MaxMeters.
 ZelMeter* AddMeter(ZelModel& model, const std::string& name);
 
 }  // namespace torvane

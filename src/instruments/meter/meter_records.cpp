@@ -6,6 +6,7 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/meter/meter.h"
+#include "instruments/number_settings.h"
 
 namespace torvane {
 namespace {
@@ -23,26 +24,16 @@ constexpr std::array KindRecords{
     KindRecord{"Corr", MeterKind::Correlation},
 };
 
-struct SetRecord {
-  const char* Keyword;
-  void (ZelMeter::*Set)(double);
-};
-constexpr std::array SetRecords{
-    SetRecord{"ACHpf", &ZelMeter::SetAcHpf},
-    SetRecord{"HarmonicFreq", &ZelMeter::SetHarmonicFreq},
-    SetRecord{"Lpf", &ZelMeter::SetLpf},
-    SetRecord{"TSample", &ZelMeter::SetTSample},
-    SetRecord{"TWindow", &ZelMeter::SetTWindow},
-};
-
-struct ExcitationRecord {
-  const char* Keyword;
-  double ZelMeter::*Value;
-};
-constexpr std::array ExcitationRecords{
-    ExcitationRecord{"ExcitationMag", &ZelMeter::ExcitationMag},
-    ExcitationRecord{"ExcitationOff", &ZelMeter::ExcitationOff},
-    ExcitationRecord{"ExcitationMult", &ZelMeter::ExcitationMult},
+using Number = NumberSetting<ZelMeter>;
+constexpr std::array Numbers{
+    Number{"ACHpf", &ZelMeter::AcHpf, &ZelMeter::SetAcHpf},
+    Number{"HarmonicFreq", &ZelMeter::HarmonicFreq, &ZelMeter::SetHarmonicFreq},
+    Number{"Lpf", &ZelMeter::Lpf, &ZelMeter::SetLpf},
+    Number{"ExcitationMag", &ZelMeter::ExcitationMag, &ZelMeter::SetExcitationMag},
+    Number{"ExcitationOff", &ZelMeter::ExcitationOff, &ZelMeter::SetExcitationOff},
+    Number{"ExcitationMult", &ZelMeter::ExcitationMult, &ZelMeter::SetExcitationMult},
+    Number{"TSample", &ZelMeter::TSample, &ZelMeter::SetTSample},
+    Number{"TWindow", &ZelMeter::TWindow, &ZelMeter::SetTWindow},
 };
 
 void ReportBadData(const Record& record) {
@@ -59,31 +50,31 @@ void ZelMeter::SaveRecords(RecordWriter& writer) const {
   const auto kind = [&](const char* keyword, MeterKind meant) {
     writer.Write(keyword, {FlagText(kind_ == meant)});
   };
-  const auto number = [&](const char* keyword, double value) {
-    writer.Write(keyword, {FormatShortest(value)});
+  // The numbers stand here and there among the switches, in the order of the table.
+  std::span<const Number> numbers = Numbers;
+  const auto number = [&](std::size_t count = 1) {
+    SaveNumbers(writer, *this, numbers.first(count), FormatShortest);
+    numbers = numbers.subspan(count);
   };
   SaveDisplay(writer, Placement);
-  writer.Write("ShowSetup", {FlagText(ShowSetup)});
+  writer.Write("ShowSetup", {FlagText(showSetup_)});
   SaveVariable(writer, "VariableVar", Measured());
   writer.Write("DC", {FlagText(!ac_)});
   writer.Write("AC", {FlagText(ac_)});
-  number("ACHpf", hpf_);
+  number();
   kind("RMS", MeterKind::Rms);
   kind("Average", MeterKind::Average);
   kind("Harmonic", MeterKind::Harmonic);
-  number("HarmonicFreq", harmonicFreq_);
+  number();
   writer.Write("HarmonicXfer", {FlagText(harmonicXfer_)});
   SaveVariable(writer, "HarmonicXferVar", HarmonicXferVar());
   kind("Corr", MeterKind::Correlation);
   SaveVariable(writer, "CorrVar", CorrVar());
-  number("Lpf", lpf_);
-  writer.Write("UseExcite", {FlagText(UseExcitation)});
-  for (const ExcitationRecord& excitation : ExcitationRecords) {
-    number(excitation.Keyword, this->*excitation.Value);
-  }
-  number("TSample", tSample_);
+  number();
+  writer.Write("UseExcite", {FlagText(useExcitation_)});
+  number(4);  // the excitation's and the sample time
   writer.Write("UseDB", {FlagText(useDb_)});
-  number("TWindow", tWindow_);
+  number();
 }
 
 void ZelMeter::LoadRecord(const Record& record) {
@@ -120,11 +111,11 @@ bool ZelMeter::LoadSwitch(const Record& record) {
   if (keyword == "DC" || keyword == "AC") {
     if (on) SetAcCoupled(keyword == "AC");
   } else if (keyword == "ShowSetup") {
-    ShowSetup = on;
+    SetShowSetup(on);
   } else if (keyword == "HarmonicXfer") {
     SetHarmonicXfer(on);
   } else if (keyword == "UseExcite") {
-    UseExcitation = on;
+    SetUseExcitation(on);
   } else if (keyword == "UseDB") {
     SetUseDb(on);
   } else {
@@ -139,11 +130,11 @@ bool ZelMeter::LoadVariable(const Record& record) {
     return std::string("Error in Meter:  ") + what + " " + name + " not found.";
   };
   if (record.Keyword() == "VariableVar") {
-    Choose(measured_, name, message("Variable"));
+    Choose(measured_, name, "", message("Variable"));
   } else if (record.Keyword() == "CorrVar") {
-    Choose(correlated_, name, message("Corr Variable"));
+    Choose(correlated_, name, "", message("Corr Variable"));
   } else if (record.Keyword() == "HarmonicXferVar") {
-    Choose(transfer_, name, message("Harm. Xfer Variable"));
+    Choose(transfer_, name, "", message("Harm. Xfer Variable"));
   } else {
     return false;
   }
@@ -154,14 +145,9 @@ bool ZelMeter::LoadVariable(const Record& record) {
 bool ZelMeter::LoadNumber(const Record& record) {
   const auto value = ParseNumber(record.Fields[3]);
   if (!value) return false;
-  for (const SetRecord& setting : SetRecords) {
+  for (const Number& setting : Numbers) {
     if (record.Keyword() != setting.Keyword) continue;
     (this->*setting.Set)(*value);
-    return true;
-  }
-  for (const ExcitationRecord& excitation : ExcitationRecords) {
-    if (record.Keyword() != excitation.Keyword) continue;
-    this->*excitation.Value = *value;
     return true;
   }
   return false;

@@ -5,6 +5,7 @@
 
 #include "core/numeric.h"
 #include "core/text.h"
+#include "instruments/setting_limits.h"
 
 namespace torvane {
 namespace {

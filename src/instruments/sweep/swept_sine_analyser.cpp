@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <numbers>
 #include <utility>
 
 #include "core/messages.h"
+#include "instruments/whole_periods.h"
 
 namespace torvane {
 
@@ -26,6 +26,11 @@ ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
 }
 
 void ZelSweptDSA::Run() {
+  if (!CheckPlan()) {
+    Halt();
+    return;
+  }
+  pointsExpected_ = ExpectedPlan().Points;
   running_ = true;
   state_ = State::Start;
   clock_.SetNext(bench_.Time());
@@ -87,15 +92,14 @@ void ZelSweptDSA::BeginSweep() {
 void ZelSweptDSA::StepFrequency(double t) {
   ++pointIndex_;
   phase_ += 6.2831852 * f_ * t;
-  // The last factor keeps rounding from leaving the final point just short of FreqMax.
-  f_ *= std::exp(std::numbers::ln10 / stepsPerDecade_) * 1.000001;
+  f_ = NextFrequency(f_);
   phase_ -= 6.2831852 * f_ * t;
 }
 
 void ZelSweptDSA::BeginPoint(double t) {
   state_ = State::Measuring;
   settleEnd_ = t + settleTime_;
-  measurementEnd_ = settleEnd_ + PeriodCount() / f_;
+  measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
 }
 
@@ -115,8 +119,9 @@ void ZelSweptDSA::CompletePoint() {
   }
 }
 
-double ZelSweptDSA::PeriodCount() const {
-  return std::max(1.0, std::floor(measurementTime_ / f_ + 0.999));
+double ZelSweptDSA::Progress() const {
+  if (pointsExpected_ == 0) return 0.0;
+  return std::min(1.0, static_cast<double>(PointCount()) / pointsExpected_);
 }
 
 void ZelSweptDSA::SetVisible(bool visible) {
@@ -151,14 +156,11 @@ int ZelSweptDSA::LastIndex(int slot) const {
   return static_cast<int>(frequencies_[static_cast<std::size_t>(slot)].size()) - 1;
 }
 
-bool ZelSweptDSA::StoreData(int slot) {
-  if (!HasData(0)) return false;
+bool ZelSweptDSA::StoreSlot(int slot) {
   for (ZelSweptDSAChannel* channel : points_) {
     if (!channel->StoreData(slot)) return false;
   }
   frequencies_[static_cast<std::size_t>(slot)] = frequencies_[0];
-  EnableTrace(slot);
-  Changed();
   return true;
 }
 

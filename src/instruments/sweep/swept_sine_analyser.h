@@ -34,8 +34,20 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// What the model adds to its command; 0 unless a sweep is in progress.
   double Excitation(double /*now*/) const override { return excitation_; }
 
+  /// Refuses, after a report, a sweep of more points than there is room for.
   void Run() override;
   void Halt() override;
+
+  /// Points of a sweep with the present settings, Capacity + 1 when there is no room for them, and
+  /// the time that they take.
+  struct Plan {
+    int Points = 0;
+    double Seconds = 0.0;
+  };
+  Plan ExpectedPlan() const;
+  /// Whether there is room for the points; reports it when there is not.
+  bool CheckPlan() const;
+  double Progress() const override;
 
   State SweepState() const { return state_; }
   /// When the next tick is due, also between two points; negative while no sweep is in progress.
@@ -76,12 +88,12 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   bool HasData(int slot) const override;
   Range DataRange(int slot) const override;
   double IndexAt(int slot, double hz) const override;
-  bool StoreData(int slot) override;
 
  protected:
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   int LastIndex(int slot) const override;
+  bool StoreSlot(int slot) override;
 
  private:
   bool InProgress() const;
@@ -90,9 +102,8 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   void StepFrequency(double t);
   void CompletePoint();
   void Finish(State state);
-  /// Periods measured at the present frequency.
-  double PeriodCount() const;
-  void SetChecked(double& setting, double value, bool good, const char* message);
+  double NextFrequency(double hz) const;
+  double PointTime(double hz) const;
 
   double tSample_ = 0.005;
   double startFreq_ = 10.0;
@@ -106,6 +117,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   State state_ = State::Idle;
   double f_ = 0.0;
   int pointIndex_ = 0;
+  int pointsExpected_ = 0;
   SampleClock clock_;
   double settleEnd_ = 0.0;
   double measurementEnd_ = 0.0;

@@ -1,62 +1,88 @@
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "core/messages.h"
 #include "core/numeric.h"
+#include "instruments/setting_limits.h"
 #include "instruments/sweep/swept_sine_analyser.h"
+#include "instruments/whole_periods.h"
 
 namespace torvane {
 
-void ZelSweptDSA::SetChecked(double& setting, double value, bool good, const char* message) {
-  if (good) {
-    SetSetting(setting, value);
-  } else {
-    Error(message);
-  }
-}
-
 void ZelSweptDSA::SetTSample(double seconds) {
   // 0 is refused as well: the tick clock would never move on.
-  SetChecked(tSample_, std::min(seconds, LongestTime), seconds > 0.0, "Attempt to set TSample < 0");
+  const bool good = seconds > 0.0;
+  SetChecked(tSample_, good ? std::max(seconds, ShortestTime) : seconds, good,
+             "Attempt to set TSample < 0", "Sample Time", LongestTime);
 }
 
 // The texts of the two frequencies say MinOrder; files and users know them so.
 void ZelSweptDSA::SetStartFreq(double hz) {
-  SetChecked(startFreq_, hz, hz > 0.0, "Attempt to set Start Frequency <= MinOrder");
+  SetChecked(startFreq_, hz, hz > 0.0, "Attempt to set Start Frequency <= MinOrder",
+             "Start Frequency", LargestMagnitude);
 }
 
 void ZelSweptDSA::SetEndFreq(double hz) {
-  SetChecked(endFreq_, hz, hz > 0.0, "Attempt to set End Frequency <= MinOrder");
+  SetChecked(endFreq_, hz, hz > 0.0, "Attempt to set End Frequency <= MinOrder", "End Frequency",
+             LargestMagnitude);
 }
 
 void ZelSweptDSA::SetStepsPerDecade(int steps) {
   // 0 is refused as well: one step would take the frequency beyond all numbers.
   if (steps <= 0) {
     Error("Attempt to set Steps/Decade < 0");
-    return;
+  } else {
+    Store(stepsPerDecade_, steps, "Steps/decade");
   }
-  stepsPerDecade_ = steps;
-  Changed();
 }
 
 void ZelSweptDSA::SetSettleTime(double seconds) {
-  SetChecked(settleTime_, std::min(seconds, LongestTime), seconds >= 0.0,
-             "Attempt to set Settle Time < 0");
+  SetChecked(settleTime_, seconds, seconds >= 0.0, "Attempt to set Settle Time < 0", "Settle Time",
+             LongestTime);
 }
 
 void ZelSweptDSA::SetMeasurementTime(double seconds) {
-  SetChecked(measurementTime_, std::min(seconds, LongestTime), seconds >= 0.0,
-             "Attempt to set Measurement Time < 0");
+  SetChecked(measurementTime_, seconds, seconds >= 0.0, "Attempt to set Measurement Time < 0",
+             "Measurement Time", LongestTime);
 }
 
 void ZelSweptDSA::SetAmplitude(double amplitude) {
-  SetChecked(amplitude_, amplitude, amplitude >= 0.0, "Attempt to set Excitation Amplitude < 0");
+  SetChecked(amplitude_, amplitude, amplitude >= 0.0, "Attempt to set Excitation Amplitude < 0",
+             "Amplitude", LargestMagnitude);
 }
 
 void ZelSweptDSA::SetOffset(double offset) {
-  SetSetting(offset_, offset);
+  if (!std::isfinite(offset)) return;
+  SetChecked(offset_, offset, true, "", "Offset", LargestMagnitude);
   // Outside a sweep the excitation is 0 whatever the offset.
   if (InProgress()) excitation_ = LimitExcitation(excitation_, amplitude_, offset_);
+}
+
+double ZelSweptDSA::NextFrequency(double hz) const {
+  // The last factor keeps rounding from leaving the final point just short of FreqMax.
+  return hz * (std::exp(std::numbers::ln10 / stepsPerDecade_) * 1.000001);
+}
+
+double ZelSweptDSA::PointTime(double hz) const {
+  return settleTime_ + WholePeriods(measurementTime_ / hz) / hz;
+}
+
+ZelSweptDSA::Plan ZelSweptDSA::ExpectedPlan() const {
+  Plan plan;
+  for (double hz = FreqMin(); plan.Points <= Capacity; hz = NextFrequency(hz)) {
+    ++plan.Points;
+    plan.Seconds += PointTime(hz);
+    if (hz >= FreqMax()) break;
+  }
+  return plan;
+}
+
+bool ZelSweptDSA::CheckPlan() const {
+  if (ExpectedPlan().Points <= Capacity) return true;
+  Error("The sweep has more than " + std::to_string(Capacity) +
+        " points.  Reduce Steps/decade, or sweep fewer decades.");
+  return false;
 }
 
 void ZelSweptDSA::ApplySweepRange() {
