@@ -13,8 +13,8 @@ namespace {
 
 constexpr int StepsPerIteration = 1000;
 
-// Simulated time of the check that both trajectories are the same to the bit, in steps: two periods
-// of the command.
+// Simulated time of the check that both trajectories are the same to the bit, in steps: several
+// periods of the command.
 constexpr int CheckedSteps = 14000;
 
 template <class Fused>

@@ -72,7 +72,7 @@ class FusedAnalogPI {
   bool pendingSet_ = false;
   FusedLowPass2 power_ = FusedLowPass2::At(800, 0.707);
   FusedLowPass2 filter_ = FusedLowPass2::At(350, 0.707);
-  FusedSquare wave_{15, 10};
+  FusedSquare wave_{25, 10};
 };
 
 /// Sampled loop parts: the clock's tick and the controller's limit.
@@ -148,7 +148,7 @@ class FusedPiPlus {
   double loopOut_ = 0.0;
   FusedClock clock_{0.00025};
   FusedLowPass2 loop_ = FusedLowPass2::At(800, 0.707);
-  FusedSquare wave_{15, 20};
+  FusedSquare wave_{25, 20};
 };
 
 /// "6-1 PID Controller".
@@ -207,7 +207,7 @@ class FusedPid {
   double loopOut_ = 0.0;
   FusedClock clock_{0.00025, 0.0};
   FusedLowPass2 loop_ = FusedLowPass2::At(800, 0.707);
-  FusedSquare wave_{15, 20};
+  FusedSquare wave_{25, 20};
 };
 
 /// "15-1 Resonance".
@@ -293,7 +293,7 @@ class FusedResonance {
   double y2_ = 0.0;
   FusedClock clock_{Period};
   FusedLowPass2 loop_ = FusedLowPass2::At(800, 0.707);
-  FusedSquare wave_{15, 20};
+  FusedSquare wave_{25, 20};
 };
 
 }  // namespace torvane::bench

@@ -26,7 +26,7 @@ class OdeintAnalogPI {
     constexpr double powerOmega = 800.0 * 2.0 * 3.1415926;
     constexpr double filterOmega = 350.0 * 2.0 * 3.1415926;
     constexpr double zeta = 0.707;
-    const double cycles = t * 15.0;
+    const double cycles = t * 25.0;
     const double command = cycles - std::floor(cycles) < 0.5 ? 10.0 : -10.0;
     const double error = command - x[4];
     double control = (100.0 * x[1] + error) * 0.6;

@@ -6,7 +6,7 @@
 #include "cli/model_file_check.h"
 #include "core/messages.h"
 #include "models/catalogue.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 
 namespace torvane::cli {
 namespace {

@@ -51,11 +51,6 @@ void ZelModel::MakeSolver(double step, int maxOrder) {
   solver_ = std::make_unique<ZelSolver>(bench_, step, *this, maxOrder);
 }
 
-ZelSolver& ZelModel::SetSolver(std::unique_ptr<ZelSolver> solver) {
-  solver_ = std::move(solver);
-  return *solver_;
-}
-
 void ZelModel::SetFiles(std::string picture, std::string text) {
   pictureFile_ = std::move(picture);
   textFile_ = std::move(text);

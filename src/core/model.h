@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/bench.h"
@@ -68,7 +69,12 @@ class ZelModel {
  protected:
   void MakeSolver(double step, int maxOrder);
   /// Takes a solver of the model's own kind; to be called before any state is registered.
-  ZelSolver& SetSolver(std::unique_ptr<ZelSolver> solver);
+  template <class Solver>
+  Solver& SetSolver(std::unique_ptr<Solver> solver) {
+    Solver& set = *solver;
+    solver_ = std::move(solver);
+    return set;
+  }
   void SetFiles(std::string picture, std::string text);
 
   /// Drops what the class keeps from one model to the next, and through a reset: only an overflow

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstdint>
 #include <string>
 
 namespace torvane {
@@ -10,6 +11,15 @@ double Positive(double x, const std::string& name);
 
 /// x, or 0 after the error name + " < 0." when x is negative.
 double NonNegative(double x, const std::string& name);
+
+/// The largest whole number that is not above x, without a library call while it fits an integer.
+inline double Floor(double x) {
+  if (!(std::abs(x) < 9e18)) [[unlikely]] {
+    return std::floor(x);
+  }
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(x));
+  return whole > x ? whole - 1.0 : whole;
+}
 
 /// floor(x / step) * step; x itself when step is 0.
 inline double FloorToStep(double x, double step) {

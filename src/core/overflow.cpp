@@ -8,10 +8,6 @@
 #include "core/solver.h"
 #include "core/text.h"
 
-#if defined(__SSE2_MATH__)
-#include <xmmintrin.h>
-#endif
-
 namespace torvane {
 
 namespace {
@@ -35,17 +31,6 @@ std::string WithValue(const std::string& what, double value, const char* when = 
 }
 
 }  // namespace
-
-// Where doubles are computed in SSE registers their own status word is enough and costs a tenth of
-// the library's call, which asks the long-double unit as well: a combine that overflows there
-// leaves a state that is not finite.
-bool OverflowRaised() {
-#if defined(__SSE2_MATH__)
-  return (_mm_getcsr() & _MM_EXCEPT_OVERFLOW) != 0;
-#else
-  return std::fetestexcept(FE_OVERFLOW) != 0;
-#endif
-}
 
 void ClearOverflowFlag() {
   // Testing the flag is cheap, clearing it is not.

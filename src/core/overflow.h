@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/overflow_flag.h"
+
 namespace torvane {
 
 class StateVariable;
@@ -20,8 +22,7 @@ class SolverOverflow : public std::overflow_error {
   using std::overflow_error::overflow_error;
 };
 
-/// Whether arithmetic has overflowed since the flag was cleared, and clearing it.
-bool OverflowRaised();
+/// Clears what OverflowRaised tells.
 void ClearOverflowFlag();
 
 /// Throws SolverOverflow when an offered signal, as it is or as instruments show it, is not finite

@@ -10,14 +10,6 @@
 
 namespace torvane {
 
-namespace {
-
-// From far below this no step of a model reaches the largest number: what overflows from there has
-// its cause outside the states.
-constexpr double Huge = 1e95;  // as sized
-
-}  // namespace
-
 ZelSolver::ZelSolver(ZelBenchTop& bench, double h, ZelModel& model, int maxOrder)
     : bench_(bench),
       h_(h),

@@ -50,7 +50,12 @@ class ZelSolver {
   }
 
   /// A measure of a state that adds up without overflowing.
-  static double Sized(const StateVariable& state) { return std::abs(state.Value) * 1e-5; }
+  static double Sized(const StateVariable& state) { return std::abs(state.Value) * SizeScale; }
+  static constexpr double SizeScale = 1e-5;
+
+  /// From far below this no step of a model reaches the largest number: what overflows from there
+  /// has its cause outside the states.
+  static constexpr double Huge = 1e95;  // as sized
 
   /// Ends the step that began at t: time variable, bench time, and the exception when an overflow
   /// was raised or a state is not finite. `size` is the sum of the states' sizes.

@@ -8,11 +8,8 @@ namespace torvane {
 
 Variable::Variable(Kind kind, std::string name, std::string unit, DisplayDefaults display,
                    Visibility visibility)
-    : name_(std::move(name)),
-      unit_(std::move(unit)),
-      display_(display),
-      visibility_(visibility),
-      isState_(kind == Kind::State) {}
+    : identity_(std::make_unique<Identity>(
+          Identity{kind, std::move(name), std::move(unit), display, visibility, {}})) {}
 
 Variable::Variable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display,
                    Visibility visibility)

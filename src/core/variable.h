@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -20,31 +21,37 @@ struct DisplayDefaults {
 enum class Visibility { Offered, Internal };
 
 /// A named signal of a model, registered with the model's bench at construction.
+///
+/// A copy has the number alone: no name, and the bench does not know it. A step works on such
+/// copies, which the compiler may keep in registers; assigning one back hands the number over.
 class Variable {
  public:
   Variable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display = {},
            Visibility visibility = Visibility::Offered);
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
+  Variable(const Variable& other) : Value(other.Value) {}
+  Variable& operator=(const Variable& other) {
+    Value = other.Value;
+    return *this;
+  }
   virtual ~Variable() = default;
 
   /// Back to the value before the first run: 0.
   virtual void Reset() { Value = 0.0; }
 
-  const std::string& Name() const { return name_; }
-  const std::string& Unit() const { return unit_; }
+  const std::string& Name() const { return identity_->Name; }
+  const std::string& Unit() const { return identity_->Unit; }
   /// What it is, in a sentence for the user; may be empty.
-  const std::string& Description() const { return description_; }
-  void Describe(std::string text) { description_ = std::move(text); }
-  double DefaultScale() const { return display_.Scale; }
-  double DefaultOffset() const { return display_.Offset; }
-  double Multiplier() const { return display_.Multiplier; }
-  bool ShownByDefault() const { return display_.Shown; }
-  bool Internal() const { return visibility_ == Visibility::Internal; }
-  bool IsState() const { return isState_; }
+  const std::string& Description() const { return identity_->Description; }
+  void Describe(std::string text) { identity_->Description = std::move(text); }
+  double DefaultScale() const { return identity_->Display.Scale; }
+  double DefaultOffset() const { return identity_->Display.Offset; }
+  double Multiplier() const { return identity_->Display.Multiplier; }
+  bool ShownByDefault() const { return identity_->Display.Shown; }
+  bool Internal() const { return identity_->Offered == Visibility::Internal; }
+  bool IsState() const { return identity_->Is == Kind::State; }
 
   /// The value as instruments show it.
-  double DisplayValue() const { return Value * display_.Multiplier; }
+  double DisplayValue() const { return Value * identity_->Display.Multiplier; }
 
   double Value = 0.0;
 
@@ -54,12 +61,16 @@ class Variable {
            Visibility visibility);
 
  private:
-  std::string name_;
-  std::string unit_;
-  std::string description_;
-  DisplayDefaults display_;
-  Visibility visibility_;
-  bool isState_;
+  struct Identity {
+    Kind Is;
+    std::string Name;
+    std::string Unit;
+    DisplayDefaults Display;
+    Visibility Offered;
+    std::string Description;
+  };
+
+  std::unique_ptr<Identity> identity_;  // null in a copy
 };
 
 /// The simulated time as a signal. Its construction installs it as the bench's time variable.

@@ -21,8 +21,20 @@ class ZelDController final : public TimeDriven {
  public:
   /// Period in seconds, above 0. The first sample falls due at time 0.
   ZelDController(ZelBenchTop& bench, double period);
-  ZelDController(const ZelDController&) = delete;
-  ZelDController& operator=(const ZelDController&) = delete;
+  /// A copy ticks like the clock that it was made from, but the bench does not know it and it owns
+  /// no blocks.
+  ZelDController(const ZelDController& other)
+      : TimeDriven(),
+        bench_(other.bench_),
+        nextSample_(other.nextSample_),
+        period_(other.period_),
+        sampleDue_(other.sampleDue_) {}
+  ZelDController& operator=(const ZelDController& other) {
+    nextSample_ = other.nextSample_;
+    period_ = other.period_;
+    sampleDue_ = other.sampleDue_;
+    return *this;
+  }
 
   void AtTime(double t) override {
     sampleDue_ = t >= nextSample_;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "library/angular.h"
+#include "core/angle.h"
 #include "library/forget.h"
 
 namespace torvane {

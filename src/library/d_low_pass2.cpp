@@ -1,6 +1,6 @@
 #include "library/d_low_pass2.h"
 
-#include "library/angular.h"
+#include "core/angle.h"
 
 namespace torvane {
 

@@ -1,6 +1,6 @@
 #include "library/d_notch.h"
 
-#include "library/angular.h"
+#include "core/angle.h"
 
 namespace torvane {
 

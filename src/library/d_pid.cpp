@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "core/angle.h"
 #include "core/messages.h"
-#include "library/angular.h"
 #include "library/d_gain.h"
 #include "library/forget.h"
 

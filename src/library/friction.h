@@ -27,6 +27,9 @@ class ZelFricCalc {
   /// sliding forwards. Moves the anchor and the motion state along.
   double Friction(double position, double velocity);
 
+  /// There is no friction: it is 0 whatever moves.
+  bool None() const { return tC_ == 0.0 && tS_ == 0.0; }
+
   /// Forgets where it stuck: all of it, or only what an overflow has left.
   void Reset(ResetKind kind);
 

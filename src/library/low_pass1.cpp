@@ -1,8 +1,8 @@
 #include "library/low_pass1.h"
 
+#include "core/angle.h"
 #include "core/bench.h"
 #include "core/messages.h"
-#include "library/angular.h"
 #include "library/forget.h"
 
 namespace torvane {
@@ -13,11 +13,6 @@ ZelLowPass1::ZelLowPass1(ZelBenchTop& bench, double frequencyHz) try
   bench.AddTimeDriven(*this);
 } catch (...) {
   Error("Fault in ZelLowPass1 :: ZelLowPass1");
-}
-
-void ZelLowPass1::AtTime(double /*t*/) {
-  state_.Derivative = omega_ * (u_ - state_.Value);
-  y_ = state_.Value;
 }
 
 void ZelLowPass1::Reset(ResetKind kind) {

@@ -17,7 +17,10 @@ class ZelLowPass1 final : public TimeDriven {
  public:
   ZelLowPass1(ZelBenchTop& bench, double frequencyHz);
 
-  void AtTime(double t) override;
+  void AtTime(double /*t*/) override {
+    state_.Derivative = omega_ * (u_ - state_.Value);
+    y_ = state_.Value;
+  }
   void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(state_); }

@@ -1,9 +1,9 @@
 #include "library/low_pass2.h"
 
+#include "core/angle.h"
 #include "core/bench.h"
 #include "core/constant.h"
 #include "core/messages.h"
-#include "library/angular.h"
 #include "library/forget.h"
 
 namespace torvane {

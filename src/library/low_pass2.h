@@ -20,16 +20,26 @@ class ZelLowPass2 final : public TimeDriven {
   ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping);
 
   void AtTime(double /*t*/) override {
+    BeginRun();
+    Evaluate();
+  }
+  void Reset(ResetKind kind) override;
+
+  /// Takes what the linked constants have become; nothing changes them within a run.
+  void BeginRun() {
     if (linked_) [[unlikely]] {
       FollowLinks();
     }
+  }
+
+  /// Slopes and output from the present states and input.
+  void Evaluate() {
     const double x1 = position_.Value;
     const double x2 = rate_.Value;
     position_.Derivative = x2;
     rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
     y_ = x1;
   }
-  void Reset(ResetKind kind) override;
 
   auto States() { return std::tie(position_, rate_); }
 

@@ -1,8 +1,8 @@
 #include "library/notch.h"
 
+#include "core/angle.h"
 #include "core/bench.h"
 #include "core/messages.h"
-#include "library/angular.h"
 #include "library/forget.h"
 
 namespace torvane {
@@ -22,12 +22,6 @@ ZelNotch::ZelNotch(ZelBenchTop& bench, double poleHz, double poleDamping, double
   bench.AddTimeDriven(*this);
 } catch (...) {
   Error("Fault in ZelNotch :: ZelNotch");
-}
-
-void ZelNotch::AtTime(double /*t*/) {
-  y_ = b0_ * u_ + first_.Value;
-  first_.Derivative = b1_ * u_ + second_.Value - a1_ * y_;
-  second_.Derivative = a2_ * (u_ - y_);
 }
 
 void ZelNotch::Reset(ResetKind kind) {

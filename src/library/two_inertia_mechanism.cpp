@@ -37,7 +37,8 @@ Zel2JMech::Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings) try
       vL_(bench, "Zel2JMech-vL", "Null", 0.0, {}, Visibility::Internal),
       pL_(bench, "Zel2JMech-pL", "Null", 0.0, {}, Visibility::Internal),
       motorFriction_(settings.MotorFriction),
-      loadFriction_(settings.LoadFriction) {
+      loadFriction_(settings.LoadFriction),
+      frictionless_(motorFriction_.None() && loadFriction_.None()) {
   bench.AddTimeDriven(*this);
 } catch (...) {
   Error("Fault #1 in Zel2JMech :: Zel2JMech");

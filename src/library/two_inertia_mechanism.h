@@ -83,6 +83,7 @@ class Zel2JMech final : public TimeDriven {
   StateVariable pL_;
   ZelFricCalc motorFriction_;
   ZelFricCalc loadFriction_;
+  bool frictionless_;
 };
 
 // In the header, as is the friction: four evaluations a step inline them.
@@ -99,7 +100,10 @@ inline void Zel2JMech::AtTime(double /*t*/) {
   shaftTorque_ = (motor_.Velocity - p.Gear * load_.Velocity) * p.KCV +
                  (motor_.Position - p.Gear * load_.Position) * p.KS;
 
-  motor_.FrictionTorque = motorFriction_.Friction(motor_.Position, motor_.Velocity);
+  if (!frictionless_) {
+    motor_.FrictionTorque = motorFriction_.Friction(motor_.Position, motor_.Velocity);
+    load_.FrictionTorque = loadFriction_.Friction(load_.Position, load_.Velocity);
+  }
   motor_.ViscousTorque = -p.KVM * motor_.Velocity;
   motor_.NetTorque = motorTorque_ + secondMotorTorque_ + motor_.FrictionTorque +
                      motor_.ViscousTorque - shaftTorque_;
@@ -107,7 +111,6 @@ inline void Zel2JMech::AtTime(double /*t*/) {
   vM_.Derivative = motor_.Acceleration;
   pM_.Derivative = motor_.Velocity;
 
-  load_.FrictionTorque = loadFriction_.Friction(load_.Position, load_.Velocity);
   load_.ViscousTorque = -p.KVL * load_.Velocity;
   load_.NetTorque =
       loadTorque_ + load_.FrictionTorque + load_.ViscousTorque + shaftTorque_ * p.Gear;

@@ -2,28 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <utility>
 
+#include "core/angle.h"
 #include "core/bench.h"
 #include "core/messages.h"
 #include "core/text.h"
-#include "library/angular.h"
 
 namespace torvane {
 
 namespace {
-
-constexpr double PerTwoPi = 0.15915494580678602;  // 1 / 2 pi
-constexpr double CyclesPerDegree = 0.002777777777777778;
-
-// The largest whole number that is not above x. Without a library call while x fits an integer: the
-// generator asks twice a step.
-double Floor(double x) {
-  if (!(std::abs(x) < 9e18)) return std::floor(x);
-  const auto whole = static_cast<double>(static_cast<std::int64_t>(x));
-  return whole > x ? whole - 1.0 : whole;
-}
 
 int LimitedIndex(int index) {
   return std::clamp(index, 0, ZelWave::WaveformCount - 1);
@@ -64,7 +52,7 @@ double Trapezoid(const WaveSettings& s, double x) {
 double SCurve(const WaveSettings& s, double x) {
   const double third = s.DutyCycle / 300.0;
   const auto bend = [&](double into) {
-    return PerTwoPi * std::sin(into * TwoPi * 300.0 / s.DutyCycle);
+    return 1.0 / TwoPi * std::sin(into * TwoPi * 300.0 / s.DutyCycle);
   };
   if (x < third) return s.Amplitude * (x / third - bend(x)) + s.Offset;
   if (x < 2.0 * third) return s.Offset + s.Amplitude;
@@ -97,32 +85,19 @@ const std::array<const char*, ZelWave::WaveformCount>& ZelWave::WaveformNames() 
   return names;
 }
 
-double ZelWave::CyclesAt(double t) const {
-  return t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
-}
-
 bool ZelWave::OverflowsAt(double t) const {
   const double cycles = CyclesAt(t);
   return !std::isfinite(cycles) || !std::isfinite(gain_ * ValueAt(cycles - Floor(cycles)));
 }
 
-void ZelWave::Recompute(double t) {
-  const double cycles = CyclesAt(t);
-  const double x = cycles - Floor(cycles);
-  computed_ = gain_ * ValueAt(x);
-  sync_ = x < 0.5 ? 1.0 : 0.0;
-  computedAt_ = t;
-}
-
-// The value at the fraction x of a cycle, 0 <= x < 1.
-double ZelWave::ValueAt(double x) const {
+double ZelWave::CurveAt(double x) const {
   const double amplitude = settings_.Amplitude;
   const double offset = settings_.Offset;
   switch (static_cast<Waveform>(settings_.Index)) {
     case Waveform::Sine:
       return amplitude * std::sin(2.0 * Pi * x) + offset;
     case Waveform::Square:
-      return x < 0.5 ? offset + amplitude : offset - amplitude;
+      return ValueAt(x);
     case Waveform::Triangle:
       return Triangle(settings_, x);
     case Waveform::Sawtooth:

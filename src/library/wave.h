@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "core/instrument.h"
+#include "core/numeric.h"
 #include "core/time_driven.h"
 #include "core/variable.h"
 
@@ -67,9 +68,13 @@ class ZelWave final : public TimeDriven, public Instrument {
     delayed_.SetPending(next_.Value);
   }
 
-  /// What is published within a step never shows: of its four evaluations the last one, at the end,
-  /// has the final word.
-  void AtTimeWithinStep(double /*t*/) {}
+  /// Does at once what the four evaluations of a step that ends at t come to: what is published
+  /// within a step never shows, as the last evaluation, at its end, has the final word.
+  void AtEndOfStep(double t) {
+    Recompute(t);
+    delayed_.Value = next_.Value;
+    next_.Value = computed_;
+  }
 
   /// The states, which nothing integrates.
   auto HeldStates() { return std::tie(next_, delayed_); }
@@ -81,7 +86,7 @@ class ZelWave final : public TimeDriven, public Instrument {
   double DelayedOutput() const { return delayed_.Value; }
   /// The value last computed, and 1 during the first half of each period, else 0.
   double Computed() const { return computed_; }
-  double Sync() const { return sync_; }
+  double Sync() const { return fraction_ < 0.5 ? 1.0 : 0.0; }
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
@@ -98,8 +103,9 @@ class ZelWave final : public TimeDriven, public Instrument {
 
  private:
   double CyclesAt(double t) const;
-  double ValueAt(double x) const;
   void Recompute(double t);
+  double ValueAt(double x) const;
+  double CurveAt(double x) const;
   void SetNumber(double WaveSettings::*number, double value);
   std::string Caption(const std::string& setting, const std::string& value) const;
   void ForgetComputed() { computedAt_ = std::numeric_limits<double>::quiet_NaN(); }
@@ -107,11 +113,31 @@ class ZelWave final : public TimeDriven, public Instrument {
   WaveSettings settings_;
   double gain_;
   double computed_ = 0.0;
-  double sync_ = 0.0;
+  double fraction_ = 1.0;  // of the cycle, at the computed value
   // The time that the computed value stands for; not-a-number asks for a new one.
   double computedAt_ = std::numeric_limits<double>::quiet_NaN();
   StateVariable next_;
   StateVariable delayed_;
 };
+
+// In the header, as a step inlines them.
+inline double ZelWave::CyclesAt(double t) const {
+  constexpr double CyclesPerDegree = 0.002777777777777778;
+  return t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
+}
+
+inline void ZelWave::Recompute(double t) {
+  const double cycles = CyclesAt(t);
+  fraction_ = cycles - Floor(cycles);
+  computed_ = gain_ * ValueAt(fraction_);
+  computedAt_ = t;
+}
+
+// The value at the fraction x of a cycle, 0 <= x < 1. The square wave, which most loops are first
+// shown with, needs no call.
+inline double ZelWave::ValueAt(double x) const {
+  if (settings_.Index != static_cast<int>(Waveform::Square)) return CurveAt(x);
+  return x < 0.5 ? settings_.Offset + settings_.Amplitude : settings_.Offset - settings_.Amplitude;
+}
 
 }  // namespace torvane

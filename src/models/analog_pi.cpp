@@ -10,19 +10,27 @@ namespace {
 
 /// Continuous PI loop around an integrating plant, with a power converter of limited bandwidth and
 /// output and a filter in the feedback.
+///
+///     Command - Feedback = Error -> KP (1 + KI/s) -> limit -> Control -> power converter -> Power
+///     Power -> G/s -> Response -> filter -> Feedback
 class MAnalogPI final : public ZelModel {
  public:
   explicit MAnalogPI(const std::string& name);
-  void Derivatives(double t) override;
-
-  auto States() {
-    return std::tuple_cat(std::tie(response_, errorInt_), powerConverter_.States(),
-                          feedbackFilter_.States());
-  }
-  auto Blocks() { return std::tie(powerConverter_, feedbackFilter_, generator_); }
+  void Derivatives(double t) override { solver_.Derivatives(t); }
 
  private:
-  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MAnalogPI>>(Bench(), 1e-5, *this));
+  friend class FusedSolver<MAnalogPI>;
+
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) {
+    return std::tie(source_, s.response, s.errorInt, s.powerConverter, s.feedbackFilter,
+                    generator_);
+  }
+
+  FusedSolver<MAnalogPI>& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MAnalogPI>>(Bench(), 1e-5, *this));
 
   Constant kp_{Bench(), "KP", "", 0.6, 0, 1000000};
   Constant ki_{Bench(), "KI", "", 100, 0, 10000};
@@ -33,16 +41,22 @@ class MAnalogPI final : public ZelModel {
   Constant windUp_{Bench(), "Wind-up", "%", 120, 100, 10000};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable command_{Bench(), "Command", "", Shown(10, 20)};
-  Variable error_{Bench(), "Error", "", Hidden(10)};
-  Variable power_{Bench(), "Power", "", Hidden(10)};
-  Variable feedback_{Bench(), "Feedback", "", Hidden(10)};
-  Variable control_{Bench(), "Control", "", Shown(10, -20)};
-  StateVariable response_{Bench(), "Response", "", 0, Shown(10, 20)};
-  StateVariable errorInt_{Bench(), "ErrorInt", "", 0, Hidden(0.1)};
 
-  ZelLowPass2 powerConverter_{Bench(), 900, Butterworth};
-  ZelLowPass2 feedbackFilter_{Bench(), 900, Butterworth};
+  struct Loop : OnBench {
+    using OnBench::OnBench;
+
+    Variable command{Bench(), "Command", "", Shown(10, 20)};
+    Variable error{Bench(), "Error", "", Hidden(10)};
+    Variable power{Bench(), "Power", "", Hidden(10)};
+    Variable feedback{Bench(), "Feedback", "", Hidden(10)};
+    Variable control{Bench(), "Control", "", Shown(10, -20)};
+    StateVariable response{Bench(), "Response", "", 0, Shown(10, 20)};
+    StateVariable errorInt{Bench(), "ErrorInt", "", 0, Hidden(0.1)};
+    ZelLowPass2 powerConverter{Bench(), 900, Butterworth};
+    ZelLowPass2 feedbackFilter{Bench(), 900, Butterworth};
+  };
+  Loop loop_{Bench()};
+
   Analysers analysers_{Bench(), 13, {.Amplitude = 2}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 10}};
   CommandSource source_{Bench(), generator_, analysers_};
@@ -55,21 +69,24 @@ MAnalogPI::MAnalogPI(const std::string& name) : ZelModel(name) {
   analysers_.AddSetup("Open", "Error", "Feedback");
 }
 
-void MAnalogPI::Derivatives(double /*t*/) {
-  HandOn(powerHz_, [&](double hz) { powerConverter_.SetFrequency(hz); });
-  HandOn(feedbackHz_, [&](double hz) { feedbackFilter_.SetFrequency(hz); });
-  command_.Value = source_.Value();
-  error_.Value = command_.Value - feedback_.Value;
-  errorInt_.Derivative = error_.Value;
-  const double unlimited = (ki_.Value() * errorInt_.Value + error_.Value) * kp_.Value();
+void MAnalogPI::HandOnChanges() {
+  HandOn(powerHz_, [&](double hz) { loop_.powerConverter.SetFrequency(hz); });
+  HandOn(feedbackHz_, [&](double hz) { loop_.feedbackFilter.SetFrequency(hz); });
+}
+
+void MAnalogPI::Equations(Loop& s, double /*t*/) {
+  s.command.Value = source_.Value();
+  s.error.Value = s.command.Value - s.feedback.Value;
+  s.errorInt.Derivative = s.error.Value;
+  const double unlimited = (ki_.Value() * s.errorInt.Value + s.error.Value) * kp_.Value();
   const double windUp = sat_.Value() * windUp_.Value() * 0.01;
-  control_.Value = LimitWithAntiWindUp(unlimited, error_.Value, errorInt_, kp_.Value(), ki_.Value(),
-                                       sat_.Value(), windUp);
-  powerConverter_.SetInput(control_.Value);
-  power_.Value = powerConverter_.Output();
-  response_.Derivative = g_.Value() * power_.Value;
-  feedbackFilter_.SetInput(response_.Value);
-  feedback_.Value = feedbackFilter_.Output();
+  s.control.Value = LimitWithAntiWindUp(unlimited, s.error.Value, s.errorInt, kp_.Value(),
+                                        ki_.Value(), sat_.Value(), windUp);
+  s.powerConverter.SetInput(s.control.Value);
+  s.power.Value = s.powerConverter.Output();
+  s.response.Derivative = g_.Value() * s.power.Value;
+  s.feedbackFilter.SetInput(s.response.Value);
+  s.feedback.Value = s.feedbackFilter.Output();
 }
 
 }  // namespace

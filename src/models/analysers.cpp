@@ -28,4 +28,10 @@ void Analysers::AddVelocitySetups() {
   AddSetup("Open", "vE", "vF");
 }
 
+void Analysers::AddFilterSetups(const std::string& input) {
+  AddSetup("1-Pole", input, "vLP1");
+  AddSetup("2-Pole", input, "vLP2");
+  AddSetup("Notch", input, "vNotch");
+}
+
 }  // namespace torvane

@@ -29,6 +29,9 @@ struct Analysers {
   /// The two responses that every velocity loop is asked for.
   void AddVelocitySetups();
 
+  /// Those of three filters side by side on the signal of that name.
+  void AddFilterSetups(const std::string& input);
+
   ZelXfer Fft;
   ZelSweptDSA Swept;
 };

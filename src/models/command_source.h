@@ -7,19 +7,28 @@
 namespace torvane {
 
 /// Where a loop's command comes from: the FFT analyser while it measures, else the swept-sine
-/// analyser while it sweeps, else the generator; what the meters excite is added.
+/// analyser while it sweeps, else the generator; what the meters excite is added. None of them
+/// moves within a step.
 class CommandSource {
  public:
   CommandSource(const ZelBenchTop& bench, const ZelWave& generator, const Analysers& analysers)
       : bench_(bench), generator_(generator), analysers_(analysers) {}
 
-  double Value() const {
-    if (analysers_.Fft.Measuring() || analysers_.Swept.Measuring() ||
-        !bench_.Instruments(InstrumentKind::Meter).empty()) [[unlikely]] {
-      return Excited();
-    }
-    return generator_.Output();
+  /// Asks whether an instrument has a part in the command; nothing changes that within a run.
+  void BeginRun() {
+    excited_ = analysers_.Fft.Measuring() || analysers_.Swept.Measuring() ||
+               !bench_.Instruments(InstrumentKind::Meter).empty();
   }
+
+  /// Takes the command of the step that begins at the bench's time.
+  void BeginStep() {
+    value_ = generator_.Output();
+    if (excited_) [[unlikely]] {
+      value_ = Excited();
+    }
+  }
+
+  double Value() const { return value_; }
 
  private:
   double Excited() const {
@@ -33,6 +42,8 @@ class CommandSource {
   const ZelBenchTop& bench_;
   const ZelWave& generator_;
   const Analysers& analysers_;
+  bool excited_ = false;
+  double value_ = 0.0;
 };
 
 }  // namespace torvane

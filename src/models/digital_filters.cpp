@@ -14,16 +14,22 @@ namespace {
 
 /// Three sampled filters side by side on one source. Their coefficients follow their own constants
 /// only: a changed sample period alone leaves them as they are.
+///
+///     vC -> sample -> vSample -> one pole -> vLP1, two poles -> vLP2, notch -> vNotch
 class MDigitalFilters final : public ZelModel {
  public:
   explicit MDigitalFilters(const std::string& name);
-  void Derivatives(double t) override;
-
-  static auto States() { return std::tuple<>(); }
-  auto Blocks() { return std::tie(generator_, clock_); }
+  void Derivatives(double t) override { solver_.Derivatives(t); }
 
  private:
-  ZelSolver& solver_ =
+  friend class FusedSolver<MDigitalFilters>;
+
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) { return std::tie(source_, s.clock, generator_); }
+
+  FusedSolver<MDigitalFilters>& solver_ =
       SetSolver(std::make_unique<FusedSolver<MDigitalFilters>>(Bench(), 5e-5, *this));
 
   Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", 45, 0, 10000};
@@ -34,44 +40,51 @@ class MDigitalFilters final : public ZelModel {
   Constant tSample_{Bench(), "TSample", "", 0.001, 0.0001, 0.1};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable vSample_{Bench(), "vSample", "volts", Shown(0.5, 0)};
-  Variable vLP1_{Bench(), "vLP1", "volts", Shown(0.5, 0)};
-  Variable vLP2_{Bench(), "vLP2", "volts", Shown(0.5, 0)};
-  Variable vNotch_{Bench(), "vNotch", "volts", Shown(0.5, 0)};
-  Variable vC_{Bench(), "vC", "volts", Hidden(0.5)};
+
+  struct Loop : OnBench {
+    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
+
+    Variable vSample{Bench(), "vSample", "volts", Shown(0.5, 0)};
+    Variable vLP1{Bench(), "vLP1", "volts", Shown(0.5, 0)};
+    Variable vLP2{Bench(), "vLP2", "volts", Shown(0.5, 0)};
+    Variable vNotch{Bench(), "vNotch", "volts", Shown(0.5, 0)};
+    Variable vC{Bench(), "vC", "volts", Hidden(0.5)};
+    ZelDController clock;
+  };
+  Loop loop_{Bench(), tSample_.Default()};
 
   Analysers analysers_{
       Bench(), 13, {.To = 400, .TSample = 5e-5, .SettleTime = 0.2, .Amplitude = 1}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
-  ZelDController clock_{Bench(), tSample_.Default()};
-  ZelDLowPass1& onePole_ = clock_.Add<ZelDLowPass1>(45.0, 0.0);
-  ZelDLowPass2& twoPole_ = clock_.Add<ZelDLowPass2>(45.0, Butterworth, 0.0);
-  ZelDNotch& notch_ = clock_.Add<ZelDNotch>(45.0, Butterworth, 0.0);
+  ZelDLowPass1& onePole_ = loop_.clock.Add<ZelDLowPass1>(45.0, 0.0);
+  ZelDLowPass2& twoPole_ = loop_.clock.Add<ZelDLowPass2>(45.0, Butterworth, 0.0);
+  ZelDNotch& notch_ = loop_.clock.Add<ZelDNotch>(45.0, Butterworth, 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
 MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name) {
   SetFiles("", "BWTX09-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
-  analysers_.AddSetup("1-Pole", "vSample", "vLP1");
-  analysers_.AddSetup("2-Pole", "vSample", "vLP2");
-  analysers_.AddSetup("Notch", "vSample", "vNotch");
+  analysers_.AddFilterSetups("vSample");
 }
 
-void MDigitalFilters::Derivatives(double /*t*/) {
-  HandOn(tSample_, [&](double period) { clock_.SetPeriod(period); });
+void MDigitalFilters::HandOnChanges() {
+  HandOn(tSample_, [&](double period) { loop_.clock.SetPeriod(period); });
   HandOn(onePoleHz_, [&](double hz) { onePole_.SetFrequency(hz); });
   HandOn(twoPoleHz_, [&](double hz) { twoPole_.SetFrequency(hz); });
   HandOn(twoPoleZeta_, [&](double zeta) { twoPole_.SetDamping(zeta); });
   HandOn(notchHz_, [&](double hz) { notch_.SetFrequency(hz); });
   HandOn(notchZeta_, [&](double zeta) { notch_.SetDamping(zeta); });
-  vC_.Value = source_.Value();
-  if (clock_.SampleDue()) {
-    vSample_.Value = vC_.Value;
-    vLP1_.Value = onePole_.Step(vSample_.Value);
-    vLP2_.Value = twoPole_.Step(vSample_.Value);
-    vNotch_.Value = notch_.Step(vSample_.Value);
+}
+
+void MDigitalFilters::Equations(Loop& s, double /*t*/) {
+  s.vC.Value = source_.Value();
+  if (s.clock.SampleDue()) {
+    s.vSample.Value = s.vC.Value;
+    s.vLP1.Value = onePole_.Step(s.vSample.Value);
+    s.vLP2.Value = twoPole_.Step(s.vSample.Value);
+    s.vNotch.Value = notch_.Step(s.vSample.Value);
   }
 }
 

@@ -4,36 +4,48 @@
 #include "models/command_source.h"
 #include "models/factories.h"
 #include "models/fused_solver.h"
-#include "models/velocity_signals.h"
+#include "models/velocity_loop.h"
 
 namespace torvane {
 
 namespace {
 
-// Kept once for the class on purpose: a new model or a reset goes on from what was seen last.
+// Class memory.
 PreviousSample previousPF;
 double outputInstant = 0.0;
 
 /// Sampled PI velocity loop with a disturbance torque, and a feed-forward that decouples the loop
 /// from the filtered disturbance.
+///
+///     vC -> PI -> + -> iC, late by TCalc -> current loop -> iF -> KT -> tE
+///     tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
+///     pM -> encoder -> pF -> change per sample -> vF, fed back
+///     tD -> low-pass -> -KDD/KT-Est -> +
 class MDisturbance final : public ZelModel {
  public:
   explicit MDisturbance(const std::string& name);
-  void Derivatives(double t) override;
+  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousPF = {};
     outputInstant = 0.0;
   }
 
-  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
-  auto Blocks() { return std::tie(currentLoop_, commandGenerator_, disturbanceGenerator_, clock_); }
-
  private:
+  friend class FusedSolver<MDisturbance>;
+
   enum BodeType { Command, Disturbance };
 
-  void Sample(double t);
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) {
+    return std::tie(command_, disturbance_, s.vM, s.pM, s.currentLoop, s.clock, commandGenerator_,
+                    disturbanceGenerator_);
+  }
+  void Sample(Loop& s, double t);
 
-  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MDisturbance>>(Bench(), 1e-5, *this));
+  FusedSolver<MDisturbance>& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MDisturbance>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -41,37 +53,40 @@ class MDisturbance final : public ZelModel {
   Constant ddLpf_{Bench(), "DD LPF", "Hz", 20, 2, 2000};
   Constant ktEst_{Bench(), "KT-Est", "Nm/Amp", 1, 0.1, 10};
   Constant bodeType_{Bench(), "Bode type", {"Cmd", "Dist"}, Disturbance};
-  Constant cLoop_{Bench(), "CLoop", "Hz", 800, 100, 10000};
-  Constant tSample_{Bench(), "TSample", "Sec", 0.00025, 0.0001, 100};
-  Constant tCalc_{Bench(), "TCalc", "%", 65, 0, 95};
-  Constant kt_{Bench(), "KT", "Nm/Amp", 1, 0.1, 10};
-  Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 1};
+  DriveConstants drive_{Bench()};
+  MotorConstants motor_{Bench()};
   Constant useRes_{Bench(), "Use Res?", {"No", "Yes"}};
   Constant res_{Bench(), "Res", "Lines/rev", 1000, 100, 1e10};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable vC_{Bench(), "vC", "RPM", Hidden(10, RadToRpm)};
-  StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(20, 0, RadToRpm)};
-  Variable vE_{Bench(), "vE", "RPM", Hidden(5, RadToRpm)};
-  Variable vF_{Bench(), "vF", "RPM", Hidden(5, RadToRpm)};
-  StateVariable pM_{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
-  Variable pF_{Bench(), "pF", "Revs", Hidden(0.01, RadToRevs)};
-  Variable iC_{Bench(), "iC", "Amps", Hidden(2)};
-  Variable iF_{Bench(), "iF", "Amps", Shown(2)};
-  Variable tE_{Bench(), "tE", "Nm", Hidden(2)};
-  Variable tD_{Bench(), "tD", "Nm", Shown(2)};
-  Variable tM_{Bench(), "tM", "Nm", Hidden(2)};
 
-  ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
+  struct Loop : OnBench {
+    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
+
+    Variable vC{Bench(), "vC", "RPM", Hidden(10, RadToRpm)};
+    StateVariable vM{Bench(), "vM", "RPM", 0, Shown(20, 0, RadToRpm)};
+    Variable vE{Bench(), "vE", "RPM", Hidden(5, RadToRpm)};
+    Variable vF{Bench(), "vF", "RPM", Hidden(5, RadToRpm)};
+    StateVariable pM{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
+    Variable pF{Bench(), "pF", "Revs", Hidden(0.01, RadToRevs)};
+    Variable iC{Bench(), "iC", "Amps", Hidden(2)};
+    Variable iF{Bench(), "iF", "Amps", Shown(2)};
+    Variable tE{Bench(), "tE", "Nm", Hidden(2)};
+    Variable tD{Bench(), "tD", "Nm", Shown(2)};
+    Variable tM{Bench(), "tM", "Nm", Hidden(2)};
+    ZelLowPass2 currentLoop{Bench(), 600, Butterworth};
+    ZelDController clock;
+  };
+  Loop loop_{Bench(), drive_.tSample.Default()};
+
   Analysers analysers_{Bench(), 13};
   ZelWave commandGenerator_{Bench(), "Command Source", {.Index = 8, .FreqHz = 10, .Amplitude = 10}};
   ZelWave disturbanceGenerator_{
       Bench(), "Disturbance Source", {.Index = 1, .FreqHz = 25, .Amplitude = 2}};
   CommandSource command_{Bench(), commandGenerator_, analysers_};
   CommandSource disturbance_{Bench(), disturbanceGenerator_, analysers_};
-  ZelDController clock_{Bench(), tSample_.Default()};
-  ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
-  ZelDLowPass1& decouplingFilter_ = clock_.Add<ZelDLowPass1>(ddLpf_.Default(), 0.0);
+  ZelDPi& controller_ = loop_.clock.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
+  ZelDLowPass1& decouplingFilter_ = loop_.clock.Add<ZelDLowPass1>(ddLpf_.Default(), 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
@@ -83,28 +98,32 @@ MDisturbance::MDisturbance(const std::string& name) : ZelModel(name) {
   analysers_.AddSetup("Open+180", "vE", "vF", 180.0);
 }
 
-void MDisturbance::Sample(double t) {
-  pF_.Value = EncoderPosition(pM_.Value, useRes_, res_);
-  vF_.Value = previousPF.Difference(pF_.Value) / tSample_.Value();
-  const double decoupling = -kdd_.Value() * decouplingFilter_.Step(tD_.Value) / ktEst_.Value();
-  iC_.Value = controller_.Update(vC_.Value, vF_.Value, decoupling);
-  outputInstant = OutputInstant(t, tCalc_, tSample_);
-  vE_.Value = controller_.Error();
+void MDisturbance::Sample(Loop& s, double t) {
+  s.pF.Value = EncoderPosition(s.pM.Value, useRes_, res_);
+  s.vF.Value = previousPF.Difference(s.pF.Value) / drive_.tSample.Value();
+  const double decoupling = -kdd_.Value() * decouplingFilter_.Step(s.tD.Value) / ktEst_.Value();
+  s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, decoupling);
+  outputInstant = drive_.OutputInstant(t);
+  s.vE.Value = controller_.Error();
 }
 
-void MDisturbance::Derivatives(double t) {
-  HandOn(tSample_, [&](double period) { clock_.SetPeriod(period); });
-  HandOn(cLoop_, [&](double hz) { currentLoop_.SetFrequency(hz); });
+void MDisturbance::HandOnChanges() {
+  drive_.HandOnChanges(loop_.clock, loop_.currentLoop);
   HandOn(ddLpf_, [&](double hz) { decouplingFilter_.SetFrequency(hz); });
+}
+
+void MDisturbance::Equations(Loop& s, double t) {
   const bool exciteDisturbance = bodeType_.Choice() == Disturbance;
-  vC_.Value = (exciteDisturbance ? commandGenerator_.Output() : command_.Value()) * RpmToRad;
-  tD_.Value = exciteDisturbance ? disturbance_.Value() : disturbanceGenerator_.Output();
-  if (clock_.SampleDue()) Sample(t);
-  if (t >= outputInstant) currentLoop_.SetInput(iC_.Value);
-  iF_.Value = currentLoop_.Output();
-  tE_.Value = iF_.Value * kt_.Value();
-  tM_.Value = tE_.Value + tD_.Value;
-  TurnInertia(tM_.Value, j_.Value(), vM_, pM_);
+  s.vC.Value = (exciteDisturbance ? commandGenerator_.Output() : command_.Value()) * RpmToRad;
+  s.tD.Value = exciteDisturbance ? disturbance_.Value() : disturbanceGenerator_.Output();
+  if (s.clock.SampleDue()) Sample(s, t);
+  if (t >= outputInstant) [[likely]] {
+    s.currentLoop.SetInput(s.iC.Value);
+  }
+  s.iF.Value = s.currentLoop.Output();
+  s.tE.Value = s.iF.Value * motor_.kt.Value();
+  s.tM.Value = s.tE.Value + s.tD.Value;
+  TurnInertia(s.tM.Value, motor_.j.Value(), s.vM, s.pM);
 }
 
 }  // namespace

@@ -2,13 +2,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
+#include <stdexcept>
+#include <string>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "core/bench.h"
 #include "core/messages.h"
+#include "core/overflow.h"
 #include "core/solver.h"
+#include "core/time_driven.h"
 #include "core/variable.h"
 
 namespace torvane {
@@ -16,13 +23,16 @@ namespace torvane {
 /// The solver's step with one model's equations, blocks and states bound at compile time.
 ///
 /// The general step meets states and blocks through pointers, and every value makes its way from
-/// one to the next through memory: more than half of the time goes there. Here the compiler sees
-/// the whole step and keeps values in registers; the operations and their order are the same, to
-/// the bit.
+/// one to the next through memory: most of the time goes there. Here a run works on a copy of the
+/// model's loop that nobody else can see, so that the compiler keeps its values in registers, and
+/// hands it back at the end; the operations and their order are the same, to the bit.
 ///
-/// The model offers States(), the integrated states in the order of registration but for those that
-/// a block merely holds, and Blocks(), its time-driven objects in the order of construction; both
-/// as tuples of references. What does not agree with the bench is a fatal error at the first run.
+/// The model offers
+///   - Loop, a struct of the signals, continuous blocks and clock that a step moves, and loop_;
+///   - HandOnChanges(), if any: passes changed constants on to the blocks, once a run;
+///   - Equations(Loop& s, double t): reads and writes the signals of s;
+///   - Parts(Loop& s): its states and time-driven objects, the latter in the order of construction,
+///     and its command sources. What does not agree with the bench ends the program.
 template <class Model>
 class FusedSolver final : public ZelSolver {
  public:
@@ -38,102 +48,174 @@ class FusedSolver final : public ZelSolver {
       if (NearOverflow()) [[unlikely]] {
         WatchedStep(bench_.Time());
       } else {
-        FusedStep(model_, bench_.Time());
+        Run(tEnd);
       }
     }
   }
 
+  /// The model's Derivatives: the equations on the loop itself, for whoever evaluates the model
+  /// from outside a run.
+  void Derivatives(double t) {
+    const auto parts = model_.Parts(model_.loop_);
+    BeginRun(parts);
+    ForEach(parts, [](auto& part) { BeginStep(part); });
+    model_.Equations(model_.loop_, t);
+  }
+
  private:
-  // flatten: without it the equations are called four times a step rather than inlined.
-  [[gnu::flatten]] void FusedStep(Model& model, double t) {
-    const auto states = model.States();
-    constexpr std::size_t count = std::tuple_size_v<decltype(states)>;
+  // flatten: without it the equations are called four times a step rather than inlined, and the
+  // copy would have to lie in memory for them.
+  [[gnu::flatten]] void Run(double tEnd) {
+    Model& model = model_;
+    ZelBenchTop& bench = bench_;
+    const double h = h_;
+    BeginRun(model.Parts(model.loop_));
+    auto loop = model.loop_;
+    double t = bench.Time();
+    double size = 0.0;
+    while (true) {
+      size = Step(model, loop, t, h);
+      // Whatever is not an ordinary step's end is EndStep's to judge.
+      if (!(t + h < tEnd && size <= Huge) || OverflowRaised()) break;
+      bench.AdvanceTime(h);
+      t = bench.Time();
+    }
+    model.loop_ = loop;
+    EndStep(t, size * SizeScale);
+  }
+
+  // One step from t; returns the sum of the states' magnitudes. As every step counts, it is scaled
+  // only at the end: no step from below Huge comes near the largest number.
+  template <class Loop>
+  static double Step(Model& model, Loop& loop, double t, double h) {
+    const auto parts = model.Parts(loop);
+    const auto states =
+        std::apply([](auto&... part) { return std::tuple_cat(IntegratedStates(part)...); }, parts);
+    constexpr std::size_t count = std::tuple_size_v<std::remove_const_t<decltype(states)>>;
     std::array<double, count> start{};
     std::array<double, count> sum{};
-    const auto forEach = [&](auto&& use) {
+    const auto forEachState = [&](auto&& use) {
       [&]<std::size_t... I>(std::index_sequence<I...>) {
         (use(std::get<I>(states), start[I], sum[I]), ...);
       }
       (std::make_index_sequence<count>{});
     };
-    const double h = h_;
+    const auto evaluate = [&](double at) {
+      model.Equations(loop, at);
+      ForEach(parts, [at](auto& part) { AtTime(part, at); });
+    };
     const double half = 0.5 * h;
 
-    forEach([](StateVariable& state, double& from, double&) { from = state.Value; });
-    EvaluateWithinStep(model, t);
-    forEach([half](StateVariable& state, double from, double& slopes) {
+    ForEach(parts, [](auto& part) { BeginStep(part); });
+    forEachState([](StateVariable& state, double& from, double&) { from = state.Value; });
+    evaluate(t);
+    forEachState([half](StateVariable& state, double from, double& slopes) {
       slopes = state.Derivative;
       state.Value = from + half * state.Derivative;
     });
-    EvaluateWithinStep(model, t + half);
-    forEach([half](StateVariable& state, double from, double& slopes) {
+    evaluate(t + half);
+    forEachState([half](StateVariable& state, double from, double& slopes) {
       slopes += 2.0 * state.Derivative;
       state.Value = from + half * state.Derivative;
     });
-    EvaluateWithinStep(model, t + half);
-    forEach([h](StateVariable& state, double from, double& slopes) {
+    evaluate(t + half);
+    forEachState([h](StateVariable& state, double from, double& slopes) {
       slopes += 2.0 * state.Derivative;
       state.Value = from + h * state.Derivative;
     });
-    EvaluateAtEnd(model, t + h);
+    evaluate(t + h);
     double size = 0.0;
-    forEach([h, &size](StateVariable& state, double from, double& slopes) {
+    forEachState([h, &size](StateVariable& state, double from, double& slopes) {
       slopes += state.Derivative;
       state.Value = Combine(from, slopes, h);
-      state.TakePending();
-      size += Sized(state);
-    });
-    ForEachHeld(model, [&size](StateVariable& state) {
-      state.TakePending();
-      size += Sized(state);
-    });
-    EndStep(t, size);
-  }
-
-  static void EvaluateWithinStep(Model& model, double t) {
-    model.Model::Derivatives(t);
-    const auto tick = [t](auto& block) {
-      if constexpr (requires { block.AtTimeWithinStep(t); }) {
-        block.AtTimeWithinStep(t);
-      } else {
-        block.AtTime(t);
+      if (state.PendingSet) [[unlikely]] {
+        state.TakePending();
       }
-    };
-    std::apply([&](auto&... blocks) { (tick(blocks), ...); }, model.Blocks());
+      size += std::abs(state.Value);
+    });
+    ForEach(parts, [t, h, &size](auto& part) { AtEndOfStep(part, t + h, size); });
+    return size;
   }
 
-  static void EvaluateAtEnd(Model& model, double t) {
-    model.Model::Derivatives(t);
-    std::apply([t](auto&... blocks) { (blocks.AtTime(t), ...); }, model.Blocks());
+  template <class Parts, class Use>
+  static void ForEach(const Parts& parts, Use&& use) {
+    std::apply([&](auto&... part) { (use(part), ...); }, parts);
   }
 
-  template <class Use>
-  static void ForEachHeld(Model& model, Use&& use) {
-    const auto ofBlock = [&](auto& block) {
-      if constexpr (requires { block.HeldStates(); }) {
-        std::apply([&](auto&... states) { (use(states), ...); }, block.HeldStates());
-      }
-    };
-    std::apply([&](auto&... blocks) { (ofBlock(blocks), ...); }, model.Blocks());
+  // Constants and sources change between runs only.
+  template <class Parts>
+  void BeginRun(const Parts& parts) {
+    if constexpr (requires { model_.HandOnChanges(); }) model_.HandOnChanges();
+    ForEach(parts, [](auto& part) {
+      if constexpr (requires { part.BeginRun(); }) part.BeginRun();
+    });
   }
+
+  // What else a part is asked depends on what it offers, too.
+  template <class Part>
+  static void BeginStep(Part& part) {
+    if constexpr (requires { part.BeginStep(); }) part.BeginStep();
+  }
+
+  template <class Part>
+  static void AtTime(Part& part, double t) {
+    if constexpr (requires { part.Evaluate(); }) {
+      part.Evaluate();
+    } else if constexpr (IsTimeDriven<Part> && !requires { part.AtEndOfStep(t); }) {
+      part.AtTime(t);
+    }
+  }
+
+  template <class Part>
+  static void AtEndOfStep(Part& part, double t, double& size) {
+    if constexpr (requires { part.AtEndOfStep(t); }) {
+      part.AtEndOfStep(t);
+      size += std::abs(part.Output());
+    }
+  }
+
+  template <class Part>
+  static auto IntegratedStates(Part& part) {
+    if constexpr (std::is_same_v<Part, StateVariable>) {
+      return std::tie(part);
+    } else if constexpr (requires { part.States(); }) {
+      return part.States();
+    } else {
+      return std::tuple<>();
+    }
+  }
+
+  template <class Part>
+  static auto HeldStates(Part& part) {
+    if constexpr (requires { part.HeldStates(); }) {
+      return part.HeldStates();
+    } else {
+      return std::tuple<>();
+    }
+  }
+
+  template <class Part>
+  static constexpr bool IsTimeDriven = std::is_base_of_v<TimeDriven, Part>;
 
   void CheckRegistration() {
-    checked_ = true;
-    std::vector<const StateVariable*> bound;
-    std::apply([&](auto&... states) { (bound.push_back(&states), ...); }, model_.States());
-    ForEachHeld(model_, [&](StateVariable& state) { bound.push_back(&state); });
+    std::vector<const StateVariable*> states;
+    std::vector<const TimeDriven*> objects;
+    ForEach(model_.Parts(model_.loop_), [&]<class Part>(Part& part) {
+      const auto add = [&](StateVariable& state) { states.push_back(&state); };
+      ForEach(IntegratedStates(part), add);
+      ForEach(HeldStates(part), add);
+      if constexpr (IsTimeDriven<Part>) objects.push_back(&part);
+    });
     const auto registered = ZelSolver::States();
-    const bool sameStates =
-        std::is_permutation(bound.begin(), bound.end(), registered.begin(), registered.end());
-
-    std::vector<const TimeDriven*> blocks;
-    std::apply([&](auto&... block) { (blocks.push_back(&block), ...); }, model_.Blocks());
     const auto& driven = bench_.TimeDrivenObjects();
-    const bool sameBlocks = std::equal(blocks.begin(), blocks.end(), driven.begin(), driven.end());
-    if (!sameStates || !sameBlocks) {
-      FatalError("Internal Error: states or blocks of model " + model_.Name() +
-                 " do not agree with its bench");
+    if (!std::is_permutation(states.begin(), states.end(), registered.begin(), registered.end()) ||
+        !std::equal(objects.begin(), objects.end(), driven.begin(), driven.end())) {
+      const std::string text =
+          "Internal Error: the parts of model " + model_.Name() + " do not agree with its bench";
+      FatalError(text);
+      throw std::logic_error(text);
     }
+    checked_ = true;
   }
 
   Model& model_;

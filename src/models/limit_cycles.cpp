@@ -5,14 +5,13 @@
 #include "library/wave.h"
 #include "models/factories.h"
 #include "models/fused_solver.h"
-#include "models/units.h"
+#include "models/loop_parts.h"
 
 namespace torvane {
 
 namespace {
 
-// Kept once for the class on purpose, and never reset: the three previous outputs and the sign of
-// the dither.
+// Class memory: the three previous outputs and the sign of the dither.
 struct Memory {
   double Y1 = 0.0;
   double Y2 = 0.0;
@@ -23,22 +22,28 @@ Memory memory;
 
 /// Sampled low-pass with a triple pole and quantised arithmetic: shows limit cycles, and how dither
 /// breaks them.
+///
+///     Input -> (1 - p)^3 / (1 - p/z)^3, each product in whole counts -> + dither -> Output
 class MLimitCycles final : public ZelModel {
  public:
   explicit MLimitCycles(const std::string& name);
-  void Derivatives(double t) override;
+  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override { memory = {}; }
 
-  static auto States() { return std::tuple<>(); }
-  auto Blocks() { return std::tie(generator_, clock_); }
-
  private:
+  friend class FusedSolver<MLimitCycles>;
+
   enum Quantising { Float, Round, Truncate };
 
-  void Sample();
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) { return std::tie(s.clock, generator_); }
+  void Sample(Loop& s);
   double Filtered(double x) const;
 
-  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MLimitCycles>>(Bench(), 1e-5, *this));
+  FusedSolver<MLimitCycles>& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MLimitCycles>>(Bench(), 1e-5, *this));
 
   Constant pole_{Bench(), "Pole", "", 0.85, 0.001, 0.999};
   Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
@@ -47,13 +52,19 @@ class MLimitCycles final : public ZelModel {
   Constant quantize_{Bench(), "Quantize?", {"Float", "Round", "Truncate"}, Round};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable input_{Bench(), "Input", "", Shown(0.1, -0.6)};
-  Variable output_{Bench(), "Output", "", Shown(0.1, -0.6)};
+
+  struct Loop : OnBench {
+    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
+
+    Variable input{Bench(), "Input", "", Shown(0.1, -0.6)};
+    Variable output{Bench(), "Output", "", Shown(0.1, -0.6)};
+    ZelDController clock;
+  };
+  Loop loop_{Bench(), tSample_.Default()};
 
   // Between these levels the filter circles after each edge.
   ZelWave generator_{
       Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 3, .Amplitude = 0.2, .Offset = 0.7}};
-  ZelDController clock_{Bench(), tSample_.Default()};
   ZelScope scope_{Bench(), "MainScope"};
 };
 
@@ -78,19 +89,22 @@ double MLimitCycles::Filtered(double x) const {
          dither_.Value() * res * memory.Sign;
 }
 
-void MLimitCycles::Sample() {
-  input_.Value = generator_.Output();
-  output_.Value = Filtered(input_.Value);
+void MLimitCycles::Sample(Loop& s) {
+  s.input.Value = generator_.Output();
+  s.output.Value = Filtered(s.input.Value);
   memory.Y3 = memory.Y2;
   memory.Y2 = memory.Y1;
   // A run that overflowed must not carry on into the next one.
-  memory.Y1 = std::isfinite(output_.Value) ? output_.Value : 0.0;
+  memory.Y1 = std::isfinite(s.output.Value) ? s.output.Value : 0.0;
   memory.Sign = -memory.Sign;
 }
 
-void MLimitCycles::Derivatives(double /*t*/) {
-  if (tSample_.TakeChanged()) clock_.SetPeriod(tSample_.Value());
-  if (clock_.SampleDue()) Sample();
+void MLimitCycles::HandOnChanges() {
+  HandOn(tSample_, [&](double period) { loop_.clock.SetPeriod(period); });
+}
+
+void MLimitCycles::Equations(Loop& s, double /*t*/) {
+  if (s.clock.SampleDue()) Sample(s);
 }
 
 }  // namespace

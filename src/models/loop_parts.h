@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <string>
 
 #include "core/constant.h"
 #include "core/numeric.h"
@@ -22,15 +23,54 @@ void HandOn(Constant& constant, Use&& use) {
   if (constant.TakeChanged()) use(constant.Value());
 }
 
+/// Base of a model's loop: what is registered on the bench and moves in a step. Solvers work on
+/// copies of it, which have the numbers alone.
+class OnBench {
+ public:
+  explicit OnBench(ZelBenchTop& bench) : bench_(&bench) {}
+
+ protected:
+  ZelBenchTop& Bench() const { return *bench_; }
+
+ private:
+  ZelBenchTop* bench_;
+};
+
+/// Current loop and sampling of a drive.
+struct DriveConstants {
+  explicit DriveConstants(ZelBenchTop& bench, double calculationPercent = 65)
+      : cLoop(bench, "CLoop", "Hz", 800, 100, 10000),
+        tSample(bench, "TSample", "Sec", 0.00025, 0.0001, 100),
+        tCalc(bench, "TCalc", "%", calculationPercent, 0, 95) {}
+
+  void HandOnChanges(ZelDController& clock, ZelLowPass2& currentLoop) {
+    HandOn(tSample, [&](double period) { clock.SetPeriod(period); });
+    HandOn(cLoop, [&](double hz) { currentLoop.SetFrequency(hz); });
+  }
+
+  /// When a sampled controller's output reaches the plant: the calculation time after the sample
+  /// at t.
+  double OutputInstant(double t) const { return t + 0.01 * tCalc.Value() * tSample.Value(); }
+
+  Constant cLoop;    ///< bandwidth of the current loop
+  Constant tSample;  ///< sample period
+  Constant tCalc;    ///< calculation time, in per cent of the sample period
+};
+
+/// A motor and its load.
+struct MotorConstants {
+  explicit MotorConstants(ZelBenchTop& bench, const std::string& torquePerAmp = "Nm/Amp",
+                          double largestKt = 10, double largestJ = 1)
+      : kt(bench, "KT", torquePerAmp, 1, 0.1, largestKt),
+        j(bench, "J", "kg-m^2", 0.002, 1e-6, largestJ) {}
+
+  Constant kt;  ///< torque per current
+  Constant j;   ///< inertia
+};
+
 /// One count of a quadrature encoder (four counts a line), in radians.
 inline double EncoderCount(double linesPerRev) {
   return 1.0 / (4.0 * linesPerRev * RadToRevs);
-}
-
-/// When a sampled controller's output reaches the plant: the calculation time, in per cent of the
-/// sample period, after the sample at t.
-inline double OutputInstant(double t, const Constant& tCalc, const Constant& tSample) {
-  return t + 0.01 * tCalc.Value() * tSample.Value();
 }
 
 /// A rigid motor: torque turns the inertia.
@@ -39,6 +79,10 @@ inline void TurnInertia(double torque, double inertia, StateVariable& velocity,
   velocity.Derivative = torque / inertia;
   position.Derivative = velocity.Value;
 }
+
+// Class memory: what a model remembers of its last sample (PreviousSample, the instant of the last
+// output and the like) is kept in variables of its file, once for the class and for the life of the
+// program, on purpose. A new model or a reset goes on from what was seen last.
 
 /// A value and the one of the sample before it.
 class PreviousSample {

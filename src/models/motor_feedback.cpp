@@ -6,13 +6,13 @@
 #include "models/command_source.h"
 #include "models/factories.h"
 #include "models/fused_solver.h"
-#include "models/velocity_signals.h"
+#include "models/velocity_loop.h"
 
 namespace torvane {
 
 namespace {
 
-// Kept once for the class on purpose: a new model or a reset goes on from what was seen last.
+// Class memory.
 PreviousSample previousPF;
 double outputInstant = 0.0;
 
@@ -20,22 +20,30 @@ constexpr double ArcMinute = 1.0 / (60.0 * RadToDeg);  // radians
 
 /// Sampled PI velocity loop on a position sensor of coarse resolution and cyclic error, with two
 /// low-pass filters for the velocity estimate.
+///
+///     vC -> PI -> iC, late by TCalc -> current loop -> iF
+///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
+///     pM + pE -> counts -> pF -> change per sample -> vF, fed back as it is or filtered
+///     vF -> LPF1 -> LPF2 -> vF-Filt
 class MMotorFeedback final : public ZelModel {
  public:
   explicit MMotorFeedback(const std::string& name);
-  void Derivatives(double t) override;
+  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousPF = {};
     outputInstant = 0.0;
   }
 
-  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
-  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
-
  private:
-  void Sample(double t);
+  friend class FusedSolver<MMotorFeedback>;
 
-  ZelSolver& solver_ =
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
+  void Sample(Loop& s, double t);
+
+  FusedSolver<MMotorFeedback>& solver_ =
       SetSolver(std::make_unique<FusedSolver<MMotorFeedback>>(Bench(), 1e-5, *this));
 
   Constant res_{Bench(), "Res", "Counts/rev", 4000, 100, 1e10};
@@ -46,37 +54,40 @@ class MMotorFeedback final : public ZelModel {
   Constant lpf1_{Bench(), "LPF1", "Hz", 800, 0, 10000};
   Constant useLpf2_{Bench(), "Use LPF2?", {"No", "Yes"}};
   Constant lpf2_{Bench(), "LPF2", "Hz", 800, 0, 10000};
-  Constant cLoop_{Bench(), "CLoop", "Hz", 800, 100, 10000};
-  Constant tSample_{Bench(), "TSample", "Sec", 0.00025, 0.0001, 100};
-  Constant tCalc_{Bench(), "TCalc", "%", 65, 0, 95};
-  Constant kt_{Bench(), "KT", "Nm/Amp", 1, 0.1, 10000};
-  Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 10000};
+  DriveConstants drive_{Bench()};
+  MotorConstants motor_{Bench(), "Nm/Amp", 10000, 10000};
   Constant posErr_{Bench(), "Pos Err", "arc-min", 0, -100, 100};
   Constant errHarm_{Bench(), "Err Harm", "", 2, 0, 64};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable vC_{Bench(), "vC", "RPM", Hidden(50, RadToRpm)};
-  StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(100, -200, RadToRpm)};
-  Variable vE_{Bench(), "vE", "RPM", Hidden(50, RadToRpm)};
-  Variable vF_{Bench(), "vF", "RPM", Shown(100, 200, RadToRpm)};
-  Variable vFFilt_{Bench(), "vF-Filt", "RPM", Hidden(50, RadToRpm)};
-  StateVariable pM_{Bench(), "pM", "Deg", 0, Hidden(50, RadToDeg)};
-  Variable pF_{Bench(), "pF", "Deg", Hidden(50, RadToDeg)};
-  Variable pE_{Bench(), "pE", "Deg", Hidden(0.2, RadToDeg)};
-  Variable pC_{Bench(), "pC", "Deg", Hidden(50, RadToDeg)};
-  Variable iC_{Bench(), "iC", "Amps", Hidden(5)};
-  Variable iF_{Bench(), "iF", "Amps", Hidden(5)};
-  Variable tM_{Bench(), "tM", "Nm", Hidden(5)};
 
-  ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
+  struct Loop : OnBench {
+    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
+
+    Variable vC{Bench(), "vC", "RPM", Hidden(50, RadToRpm)};
+    StateVariable vM{Bench(), "vM", "RPM", 0, Shown(100, -200, RadToRpm)};
+    Variable vE{Bench(), "vE", "RPM", Hidden(50, RadToRpm)};
+    Variable vF{Bench(), "vF", "RPM", Shown(100, 200, RadToRpm)};
+    Variable vFFilt{Bench(), "vF-Filt", "RPM", Hidden(50, RadToRpm)};
+    StateVariable pM{Bench(), "pM", "Deg", 0, Hidden(50, RadToDeg)};
+    Variable pF{Bench(), "pF", "Deg", Hidden(50, RadToDeg)};
+    Variable pE{Bench(), "pE", "Deg", Hidden(0.2, RadToDeg)};
+    Variable pC{Bench(), "pC", "Deg", Hidden(50, RadToDeg)};
+    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
+    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
+    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
+    ZelLowPass2 currentLoop{Bench(), 600, Butterworth};
+    ZelDController clock;
+  };
+  Loop loop_{Bench(), drive_.tSample.Default()};
+
   // Well above the noise of the sensor's resolution.
   Analysers analysers_{Bench(), 13, {.Amplitude = 150}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 7, .Amplitude = 100}};
   CommandSource command_{Bench(), generator_, analysers_};
-  ZelDController clock_{Bench(), tSample_.Default()};
-  ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
-  ZelDLowPass1& filter1_ = clock_.Add<ZelDLowPass1>(lpf1_.Default(), 0.0);
-  ZelDLowPass1& filter2_ = clock_.Add<ZelDLowPass1>(lpf2_.Default(), 0.0);
+  ZelDPi& controller_ = loop_.clock.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
+  ZelDLowPass1& filter1_ = loop_.clock.Add<ZelDLowPass1>(lpf1_.Default(), 0.0);
+  ZelDLowPass1& filter2_ = loop_.clock.Add<ZelDLowPass1>(lpf2_.Default(), 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
@@ -86,33 +97,37 @@ MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name) {
   analysers_.AddVelocitySetups();
 }
 
-void MMotorFeedback::Sample(double t) {
-  pC_.Value += vC_.Value * tSample_.Value();
-  pE_.Value = posErr_.Value() * ArcMinute * std::sin(errHarm_.Value() * pM_.Value);
-  pF_.Value = FloorToStep(pM_.Value + pE_.Value, 1.0 / (res_.Value() * RadToRevs));
-  vF_.Value = previousPF.Difference(pF_.Value) / tSample_.Value();
+void MMotorFeedback::Sample(Loop& s, double t) {
+  s.pC.Value += s.vC.Value * drive_.tSample.Value();
+  s.pE.Value = posErr_.Value() * ArcMinute * std::sin(errHarm_.Value() * s.pM.Value);
+  s.pF.Value = FloorToStep(s.pM.Value + s.pE.Value, 1.0 / (res_.Value() * RadToRevs));
+  s.vF.Value = previousPF.Difference(s.pF.Value) / drive_.tSample.Value();
   // Both filters run all the time, so that switching one in does not start it from rest.
-  const double once = filter1_.Step(vF_.Value);
-  vFFilt_.Value = useLpf1_.Choice() == Yes ? once : vF_.Value;
-  const double twice = filter2_.Step(vFFilt_.Value);
-  if (useLpf2_.Choice() == Yes) vFFilt_.Value = twice;
-  const double feedback = useFbFilt_.Choice() == Yes ? vFFilt_.Value : vF_.Value;
-  iC_.Value = controller_.Update(vC_.Value, feedback, 0.0);
-  outputInstant = OutputInstant(t, tCalc_, tSample_);
-  vE_.Value = controller_.Error();
+  const double once = filter1_.Step(s.vF.Value);
+  s.vFFilt.Value = useLpf1_.Choice() == Yes ? once : s.vF.Value;
+  const double twice = filter2_.Step(s.vFFilt.Value);
+  if (useLpf2_.Choice() == Yes) s.vFFilt.Value = twice;
+  const double feedback = useFbFilt_.Choice() == Yes ? s.vFFilt.Value : s.vF.Value;
+  s.iC.Value = controller_.Update(s.vC.Value, feedback, 0.0);
+  outputInstant = drive_.OutputInstant(t);
+  s.vE.Value = controller_.Error();
 }
 
-void MMotorFeedback::Derivatives(double t) {
-  HandOn(tSample_, [&](double period) { clock_.SetPeriod(period); });
-  HandOn(cLoop_, [&](double hz) { currentLoop_.SetFrequency(hz); });
+void MMotorFeedback::HandOnChanges() {
+  drive_.HandOnChanges(loop_.clock, loop_.currentLoop);
   HandOn(lpf1_, [&](double hz) { filter1_.SetFrequency(hz); });
   HandOn(lpf2_, [&](double hz) { filter2_.SetFrequency(hz); });
-  vC_.Value = command_.Value() * RpmToRad;
-  if (clock_.SampleDue()) Sample(t);
-  if (t >= outputInstant) currentLoop_.SetInput(iC_.Value);
-  iF_.Value = currentLoop_.Output();
-  tM_.Value = iF_.Value * kt_.Value();
-  TurnInertia(tM_.Value, j_.Value(), vM_, pM_);
+}
+
+void MMotorFeedback::Equations(Loop& s, double t) {
+  s.vC.Value = command_.Value() * RpmToRad;
+  if (s.clock.SampleDue()) Sample(s, t);
+  if (t >= outputInstant) [[likely]] {
+    s.currentLoop.SetInput(s.iC.Value);
+  }
+  s.iF.Value = s.currentLoop.Output();
+  s.tM.Value = s.iF.Value * motor_.kt.Value();
+  TurnInertia(s.tM.Value, motor_.j.Value(), s.vM, s.pM);
 }
 
 }  // namespace

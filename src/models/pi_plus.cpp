@@ -9,22 +9,30 @@ namespace torvane {
 
 namespace {
 
-// Kept once for the class on purpose: a new model or a reset goes on from the last position seen.
+// Class memory.
 PreviousSample previousPM;
 
 /// The smallest sampled velocity loop: a PI+ controller around a current loop and an inertia, with
 /// neither calculation delay nor encoder resolution.
+///
+///     vC -> PI+ -> iC -> current loop -> iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
+///     pM -> change per sample -> vF, fed back
 class MPiPlus final : public ZelModel {
  public:
   explicit MPiPlus(const std::string& name);
-  void Derivatives(double t) override;
+  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override { previousPM = {}; }
 
-  auto States() { return std::tuple_cat(std::tie(vM_, pM_), currentLoop_.States()); }
-  auto Blocks() { return std::tie(currentLoop_, generator_, clock_); }
-
  private:
-  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MPiPlus>>(Bench(), 1e-5, *this));
+  friend class FusedSolver<MPiPlus>;
+
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
+
+  FusedSolver<MPiPlus>& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MPiPlus>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 100};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -34,23 +42,29 @@ class MPiPlus final : public ZelModel {
   Constant tSample_{Bench(), "TSample", "sec", 0.00025, 1e-5, 0.01};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable vC_{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
-  StateVariable vM_{Bench(), "vM", "RPM", 0, Hidden(10, RadToRpm)};
-  Variable vE_{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
-  Variable vF_{Bench(), "vF", "RPM", Shown(10, 0, RadToRpm)};
-  StateVariable pM_{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
-  Variable pF_{Bench(), "pF", "Revs", Hidden(0.01, RadToRevs)};
-  Variable iC_{Bench(), "iC", "Amps", Hidden(5)};
-  Variable iF_{Bench(), "iF", "Amps", Hidden(5)};
-  Variable tM_{Bench(), "tM", "Nm", Hidden(5)};
 
-  ZelLowPass2 currentLoop_{Bench(), 800, Butterworth};
+  struct Loop : OnBench {
+    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
+
+    Variable vC{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
+    StateVariable vM{Bench(), "vM", "RPM", 0, Hidden(10, RadToRpm)};
+    Variable vE{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
+    Variable vF{Bench(), "vF", "RPM", Shown(10, 0, RadToRpm)};
+    StateVariable pM{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
+    Variable pF{Bench(), "pF", "Revs", Hidden(0.01, RadToRevs)};
+    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
+    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
+    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
+    ZelLowPass2 currentLoop{Bench(), 800, Butterworth};
+    ZelDController clock;
+  };
+  Loop loop_{Bench(), tSample_.Default()};
+
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
-  ZelDController clock_{Bench(), tSample_.Default()};
   ZelDPiPlus& controller_ =
-      clock_.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
+      loop_.clock.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
@@ -59,17 +73,20 @@ MPiPlus::MPiPlus(const std::string& name) : ZelModel(name) {
   analysers_.AddSetup("Closed", "vC", "vF");
 }
 
-void MPiPlus::Derivatives(double /*t*/) {
-  vC_.Value = command_.Value() * RpmToRad;
-  HandOn(tSample_, [&](double period) { clock_.SetPeriod(period); });
-  if (clock_.SampleDue()) {
-    vF_.Value = previousPM.Difference(pM_.Value) / tSample_.Value();
-    iC_.Value = controller_.Update(vC_.Value, vF_.Value, 0.0);
-    currentLoop_.SetInput(iC_.Value);
+void MPiPlus::HandOnChanges() {
+  HandOn(tSample_, [&](double period) { loop_.clock.SetPeriod(period); });
+}
+
+void MPiPlus::Equations(Loop& s, double /*t*/) {
+  s.vC.Value = command_.Value() * RpmToRad;
+  if (s.clock.SampleDue()) {
+    s.vF.Value = previousPM.Difference(s.pM.Value) / tSample_.Value();
+    s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, 0.0);
+    s.currentLoop.SetInput(s.iC.Value);
   }
-  iF_.Value = currentLoop_.Output();
-  tM_.Value = iF_.Value * kt_.Value();
-  TurnInertia(tM_.Value, j_.Value(), vM_, pM_);
+  s.iF.Value = s.currentLoop.Output();
+  s.tM.Value = s.iF.Value * kt_.Value();
+  TurnInertia(s.tM.Value, j_.Value(), s.vM, s.pM);
 }
 
 }  // namespace

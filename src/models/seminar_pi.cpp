@@ -2,23 +2,31 @@
 #include "models/command_source.h"
 #include "models/factories.h"
 #include "models/fused_solver.h"
-#include "models/velocity_signals.h"
+#include "models/velocity_loop.h"
 
 namespace torvane {
 
 namespace {
 
 /// Continuous PI velocity loop around a current loop and an inertia.
+///
+///     vC - vF = vE -> KVP (1 + KVI/s) -> limit -> iC -> current loop -> iF -> KT -> tM
+///     tM -> 1/(J s) -> vM = vF -> 1/s -> pM
 class MSeminarPI final : public ZelModel {
  public:
   explicit MSeminarPI(const std::string& name);
-  void Derivatives(double t) override;
-
-  auto States() { return std::tuple_cat(std::tie(vM_, vEInt_, pM_), currentLoop_.States()); }
-  auto Blocks() { return std::tie(currentLoop_, generator_); }
+  void Derivatives(double t) override { solver_.Derivatives(t); }
 
  private:
-  ZelSolver& solver_ = SetSolver(std::make_unique<FusedSolver<MSeminarPI>>(Bench(), 1e-5, *this));
+  friend class FusedSolver<MSeminarPI>;
+
+  struct Loop;
+  void HandOnChanges();
+  void Equations(Loop& s, double t);
+  auto Parts(Loop& s) { return std::tie(command_, s.vM, s.vEInt, s.pM, s.currentLoop, generator_); }
+
+  FusedSolver<MSeminarPI>& solver_ =
+      SetSolver(std::make_unique<FusedSolver<MSeminarPI>>(Bench(), 1e-5, *this));
 
   Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
   Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
@@ -27,17 +35,23 @@ class MSeminarPI final : public ZelModel {
   Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 1};
 
   TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Variable vC_{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
-  StateVariable vM_{Bench(), "vM", "RPM", 0, Shown(10, 0, RadToRpm)};
-  Variable vE_{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
-  StateVariable vEInt_{Bench(), "vEInt", "Revs", 0, Hidden(0.001, RadToRevs)};
-  Variable vF_{Bench(), "vF", "RPM", Hidden(10, RadToRpm)};
-  StateVariable pM_{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
-  Variable iC_{Bench(), "iC", "Amps", Hidden(5)};
-  Variable iF_{Bench(), "iF", "Amps", Hidden(5)};
-  Variable tM_{Bench(), "tM", "Nm", Hidden(5)};
 
-  ZelLowPass2 currentLoop_{Bench(), 600, Butterworth};
+  struct Loop : OnBench {
+    using OnBench::OnBench;
+
+    Variable vC{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
+    StateVariable vM{Bench(), "vM", "RPM", 0, Shown(10, 0, RadToRpm)};
+    Variable vE{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
+    StateVariable vEInt{Bench(), "vEInt", "Revs", 0, Hidden(0.001, RadToRevs)};
+    Variable vF{Bench(), "vF", "RPM", Hidden(10, RadToRpm)};
+    StateVariable pM{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
+    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
+    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
+    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
+    ZelLowPass2 currentLoop{Bench(), 600, Butterworth};
+  };
+  Loop loop_{Bench()};
+
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
@@ -49,19 +63,22 @@ MSeminarPI::MSeminarPI(const std::string& name) : ZelModel(name) {
   analysers_.AddVelocitySetups();
 }
 
-void MSeminarPI::Derivatives(double /*t*/) {
-  HandOn(cLoop_, [&](double hz) { currentLoop_.SetFrequency(hz); });
-  vC_.Value = command_.Value() * RpmToRad;
-  vF_.Value = vM_.Value;
-  vE_.Value = vC_.Value - vF_.Value;
-  vEInt_.Derivative = vE_.Value;
-  const double unlimited = (kvi_.Value() * vEInt_.Value + vE_.Value) * kvp_.Value();
-  iC_.Value = LimitWithAntiWindUp(unlimited, vE_.Value, vEInt_, kvp_.Value(), kvi_.Value(),
-                                  CurrentLimit, CurrentLimit * WindUpFactor);
-  currentLoop_.SetInput(iC_.Value);
-  iF_.Value = currentLoop_.Output();
-  tM_.Value = iF_.Value * kt_.Value();
-  TurnInertia(tM_.Value, j_.Value(), vM_, pM_);
+void MSeminarPI::HandOnChanges() {
+  HandOn(cLoop_, [&](double hz) { loop_.currentLoop.SetFrequency(hz); });
+}
+
+void MSeminarPI::Equations(Loop& s, double /*t*/) {
+  s.vC.Value = command_.Value() * RpmToRad;
+  s.vF.Value = s.vM.Value;
+  s.vE.Value = s.vC.Value - s.vF.Value;
+  s.vEInt.Derivative = s.vE.Value;
+  const double unlimited = (kvi_.Value() * s.vEInt.Value + s.vE.Value) * kvp_.Value();
+  s.iC.Value = LimitWithAntiWindUp(unlimited, s.vE.Value, s.vEInt, kvp_.Value(), kvi_.Value(),
+                                   CurrentLimit, CurrentLimit * WindUpFactor);
+  s.currentLoop.SetInput(s.iC.Value);
+  s.iF.Value = s.currentLoop.Output();
+  s.tM.Value = s.iF.Value * kt_.Value();
+  TurnInertia(s.tM.Value, j_.Value(), s.vM, s.pM);
 }
 
 }  // namespace

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "core/angle.h"
 #include "core/variable.h"
 
 namespace torvane {
 
 // Loops compute in radians and seconds; instruments show what users think in.
-inline constexpr double RpmToRad = 0.10471975333333333;  ///< rad/s per RPM
-inline constexpr double RadToRpm = 9.549296748407162;    ///< RPM per rad/s
-inline constexpr double RadToRevs = 0.15915494580678602;
-inline constexpr double RadToDeg = 57.295780490442965;
+inline constexpr double RpmToRad = TwoPi / 60.0;  ///< rad/s per RPM
+inline constexpr double RadToRpm = 60.0 / TwoPi;  ///< RPM per rad/s
+inline constexpr double RadToRevs = 1.0 / TwoPi;
+inline constexpr double RadToDeg = 360.0 / TwoPi;
 
 /// Display defaults of a signal that a new scope shows or does not show; scale and offset are in
 /// the shown unit.

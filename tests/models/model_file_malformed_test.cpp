@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "models/catalogue.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 #include "support/model_limits.h"
 #include "support/pooled_host.h"
 #include "support/recorder.h"

@@ -9,7 +9,7 @@
 #include "instruments/sweep/swept_sine_analyser.h"
 #include "library/wave.h"
 #include "models/catalogue.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 #include "support/model_limits.h"
 #include "support/recorder.h"
 

@@ -13,7 +13,7 @@
 #include "instruments/meter/meter.h"
 #include "instruments/scope/scope.h"
 #include "models/catalogue.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 #include "support/recorder.h"
 
 namespace torvane {

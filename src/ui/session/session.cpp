@@ -5,7 +5,7 @@
 
 #include "core/messages.h"
 #include "models/catalogue.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 
 namespace torvane {
 

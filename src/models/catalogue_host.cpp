@@ -1,4 +1,4 @@
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 
 #include <utility>
 

@@ -1,10 +1,17 @@
 #pragma once
 
-#include "models/velocity_signals.h"
+#include "models/velocity_loop.h"
 
 namespace torvane {
 
-// The signals of a position loop come in two runs, as the cascade registers one more between them.
+// The signals of a position loop are registered in three runs: the cascade has one more after the
+// first.
+
+struct PositionCommand {
+  explicit PositionCommand(ZelBenchTop& bench) : vPC(bench, "vPC", "RPM", Shown(20, 0, RadToRpm)) {}
+
+  Variable vPC;  ///< command of the velocity, the integral of which is that of the position
+};
 
 /// Electrical and mechanical signals that close the list of a position loop.
 struct TorqueSignals {
@@ -42,5 +49,29 @@ struct MotionSignals {
   Variable pC;       ///< command position
   Variable pE;       ///< position error
 };
+
+/// A sampled position loop behind its command: its signals, the current loop and the clock.
+struct PositionLoop : MotionSignals, TorqueSignals {
+  PositionLoop(ZelBenchTop& bench, DisplayDefaults error, double period)
+      : MotionSignals(bench, error),
+        TorqueSignals(bench),
+        currentLoop(bench, 600, Butterworth),
+        clock(bench, period) {}
+
+  ZelLowPass2 currentLoop;
+  ZelDController clock;
+};
+
+/// The continuous part of a position loop: the controller's output reaches the current loop at its
+/// instant; the current and the disturbance turn the motor.
+inline void RunMotor(PositionLoop& s, double t, double outputInstant, const MotorConstants& motor) {
+  if (t >= outputInstant) [[likely]] {
+    s.currentLoop.SetInput(s.iC.Value);
+  }
+  s.iF.Value = s.currentLoop.Output();
+  s.tE.Value = s.iF.Value * motor.kt.Value();
+  s.tM.Value = s.tE.Value + s.tD.Value;
+  TurnInertia(s.tM.Value, motor.j.Value(), s.vM, s.pM);
+}
 
 }  // namespace torvane

@@ -36,6 +36,29 @@ struct VelocitySignals {
   Variable tM;       ///< motor torque
 };
 
+/// A sampled velocity loop: its signals, the current loop and the clock, which is built with the
+/// given period.
+struct VelocityLoop : VelocitySignals {
+  VelocityLoop(ZelBenchTop& bench, double period, double rpm, DisplayDefaults current = Hidden(5))
+      : VelocitySignals(bench, rpm, current),
+        currentLoop(bench, 600, Butterworth),
+        clock(bench, period) {}
+
+  ZelLowPass2 currentLoop;
+  ZelDController clock;
+};
+
+/// The continuous part of a velocity loop: the controller's output reaches the current loop at its
+/// instant, and the current turns the motor.
+inline void RunMotor(VelocityLoop& s, double t, double outputInstant, const MotorConstants& motor) {
+  if (t >= outputInstant) [[likely]] {
+    s.currentLoop.SetInput(s.iC.Value);
+  }
+  s.iF.Value = s.currentLoop.Output();
+  s.tM.Value = s.iF.Value * motor.kt.Value();
+  TurnInertia(s.tM.Value, motor.j.Value(), s.vM, s.pM);
+}
+
 /// Sampled position feedback: the position itself or, with "Use Res?" at "Yes", truncated towards
 /// minus infinity to whole encoder counts.
 inline double EncoderPosition(double position, const Constant& useRes, const Constant& res) {
