@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Instructions and data references a step of the engine beside the hand-fused loops and
+# Boost.odeint, counted under cachegrind: the same on every machine, however busy. Fails when the
+# engine needs more than its bound.
+# usage: bench/count.sh [FOLDER OF torvane_count]
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+program=${1:-build/bench/bin}/torvane_count
+instruction_bound=1.6  # times those of the hand-fused loop
+reference_bound=1.8    # times those of the hand-fused loop
+short=20000
+long=60000
+
+# Prints the totals "instructions data-references" of one run.
+total() {
+  local out
+  out=$(mktemp)
+  valgrind --tool=cachegrind --cache-sim=yes --cachegrind-out-file="$out" "$program" "$@" \
+    >/dev/null 2>&1
+  awk '/^summary:/ { print $2, $5 + $8 }' "$out"
+  rm "$out"
+}
+
+# Prints "instructions data-references" a step.
+count() {
+  local few many
+  few=$(total "$1" "$2" "$short")
+  many=$(total "$1" "$2" "$long")
+  echo "$few $many" | awk -v steps=$((long - short)) \
+    '{ printf "%.1f %.1f\n", ($3 - $1) / steps, ($4 - $2) / steps }'
+}
+
+failed=0
+
+# compare TITLE ENGINE PEER BOUND
+compare() {
+  local ratio
+  ratio=$(awk -v own="$2" -v peer="$3" 'BEGIN { printf "%.2f", own / peer }')
+  printf '%-34s %8s %8s %7s %7s\n' "$1" "$2" "$3" "$ratio" "$4"
+  if awk -v own="$2" -v peer="$3" -v bound="$4" 'BEGIN { exit own <= bound * peer }'; then
+    echo "  above its bound"
+    failed=1
+  fi
+}
+
+printf '%-34s %8s %8s %7s %7s\n' 'a step' engine peer ratio bound
+for figure in 2-1 3-1 6-1 15-1; do
+  read -r own_instructions own_references <<<"$(count engine "$figure")"
+  read -r instructions references <<<"$(count fused "$figure")"
+  compare "$figure instructions" "$own_instructions" "$instructions" "$instruction_bound"
+  compare "$figure data references" "$own_references" "$references" "$reference_bound"
+  [[ $figure == 3-1 ]] || continue
+  read -r instructions references <<<"$(count odeint "$figure")"
+  compare '3-1 instructions, Boost.odeint' "$own_instructions" "$instructions" 1
+done
+exit "$failed"
