@@ -7,7 +7,7 @@
 #include "instruments/meter/meter.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 #include "models/loop.h"
-#include "models/model_file_host.h"
+#include "models/catalogue_host.h"
 
 // Every setting of every instrument, changed at random: each change can be undone and redone, and
 // every state on the way saves and loads without a word to the same bytes.
