@@ -17,7 +17,7 @@ int LimitedIndex(int index) {
   return std::clamp(index, 0, ZelWave::WaveformCount - 1);
 }
 
-// Not-a-number becomes 0.
+// Not-a-number becomes 0, for a generator that is built with it.
 double LimitedDuty(double percent) {
   return percent > 0.0 ? std::min(percent, 100.0) : 0.0;
 }
@@ -133,6 +133,7 @@ std::string ZelWave::Caption(const std::string& setting, const std::string& valu
 }
 
 void ZelWave::SetNumber(double WaveSettings::*number, double value) {
+  if (!std::isfinite(value)) return;
   Change(
       [&] {
         settings_.*number = value;

@@ -93,7 +93,7 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   const WaveSettings& Settings() const { return settings_; }
   /// Setters: the index is limited to 0..8, the duty cycle to 0..100, the frequency stored as its
-  /// absolute value.
+  /// absolute value. What is not a finite number changes nothing.
   void SetWaveform(int index);
   void SetFreqHz(double hz);
   void SetAmplitude(double amplitude);

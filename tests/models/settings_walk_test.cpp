@@ -3,11 +3,14 @@
 #include <functional>
 #include <random>
 
+#include "core/constant.h"
 #include "core/files/record.h"
 #include "instruments/meter/meter.h"
+#include "instruments/scope/scope.h"
 #include "instruments/sweep/swept_sine_analyser.h"
-#include "models/loop.h"
+#include "library/wave.h"
 #include "models/catalogue_host.h"
+#include "models/loop.h"
 
 // Every setting of every instrument, changed at random: each change can be undone and redone, and
 // every state on the way saves and loads without a word to the same bytes.
@@ -101,9 +104,50 @@ class SettingsWalk : public testing::Test {
                      [&] { m.SetKind(static_cast<MeterKind>(Pick(0, 3))); }});
   }
 
+  void Add(ZelScope& s) {
+    using T = ZelTrigger;
+    T& t = s.Trigger();
+    AddNumbers<T>(t,
+                  {&T::SetLevel, &T::SetPosition, &T::SetInitialDelayTime, &T::SetDelayAfterTime});
+    AddFlags<T>(t, {&T::SetRoll, &T::SetPositiveSlope, &T::SetInitialDelay, &T::SetCountEvents,
+                    &T::SetDelayAfter});
+    AddFlags<ZelScope>(s, {&ZelScope::SetSingleShot});
+    const auto signal = [&]() -> ZelChannel& {
+      const int last = static_cast<int>(s.Channels().size()) - 1;
+      return *s.Channels()[static_cast<std::size_t>(Pick(0, last))];
+    };
+    const auto channel = [=, this, &s]() -> ZelChannel& {
+      return Pick(0, 5) == 0 ? s.TimeChannel() : signal();
+    };
+    setters_.insert(
+        setters_.end(),
+        {[=, this, &t] { t.SetMode(static_cast<SweepMode>(Pick(0, 2))); },
+         [=, this, &t] { t.SetNumberOfEvents(Pick(-2, 100)); }, [=, &t] { t.SetSource(signal()); },
+         [=, &s] { s.SetHorizontalChannel(channel()); },
+         [=, this, &s] { s.SetDisplayed(channel(), Flip()); },
+         [=, this, &s] { s.SetVerticalScale(channel(), Number()); },
+         [=, this, &s] { s.SetVerticalOffset(channel(), Number()); },
+         [=, this, &s] { s.SetHorizontalScale(channel(), Number()); },
+         [=, this, &s] { s.SetHorizontalOffset(channel(), Number()); },
+         [=, this, &s] {
+           s.SetConstForm({Flip(), Pick(-5, 100000), Pick(-5, 100000)});
+         }});
+  }
+  void Add(ZelWave& w) {
+    for (const WaveNumber& number : ZelWave::Numbers()) AddNumbers<ZelWave>(w, {number.Set});
+    setters_.push_back([&] { w.SetWaveform(Pick(-1, 12)); });
+  }
+  void Add(Constant& constant) {
+    setters_.insert(setters_.end(),
+                    {[&] { constant.Set(Number()); }, [&] { constant.ChangeSign(); },
+                     [&] { constant.SetToZero(); }});
+  }
+
   /// Everything that can be undone, in words.
   std::string State() const {
     std::string text;
+    for (const Constant* constant : model_->Bench().Constants())
+      text += constant->FileText() + "\n";
     for (const InstrumentKind kind : AllInstrumentKinds) {
       for (const Instrument* instrument : model_->Bench().Instruments(kind)) {
         RecordWriter writer(text, RecordKeyword(kind), instrument->Name());
@@ -136,6 +180,9 @@ TEST_F(SettingsWalk, EveryStateIsUndoneRedoneAndFiled) {
     Add(dynamic_cast<ZelXfer&>(*bench.Instruments(InstrumentKind::FftAnalyser).front()));
     Add(dynamic_cast<ZelSweptDSA&>(*bench.Instruments(InstrumentKind::SweptSine).front()));
     Add(*AddMeter(*model_, "M"));
+    Add(dynamic_cast<ZelScope&>(*bench.Instruments(InstrumentKind::Scope).front()));
+    Add(dynamic_cast<ZelWave&>(*bench.Instruments(InstrumentKind::WaveGenerator).front()));
+    for (Constant* constant : bench.Constants()) Add(*constant);
     std::vector<std::string> states{State()};
     while (states.size() <= ZelUndo::Depth) {
       setters_[static_cast<std::size_t>(Pick(0, static_cast<int>(setters_.size()) - 1))]();

@@ -6,6 +6,7 @@
 
 #include "core/numeric.h"
 #include "core/text.h"
+#include "instruments/setting_limits.h"
 
 namespace torvane {
 
@@ -16,6 +17,11 @@ constexpr double AutoScreens = 2.05;  // screens without an event before a sweep
 std::string Switched(const std::string& setting, bool on) {
   return setting + (on ? " on" : " off");
 }
+
+double LimitedDelay(double seconds) {
+  return WithoutMinusZero(std::clamp(seconds, 0.0, LongestTime));
+}
+
 }  // namespace
 
 ZelTrigger::ZelTrigger(ZelChannel& source, const ZelChannel& timeReference)
@@ -177,23 +183,24 @@ void ZelTrigger::SetInitialDelay(bool on) {
   Restart(initialDelay_, on, [&] { return Switched("Initial Delay", on); });
 }
 void ZelTrigger::SetInitialDelayTime(double seconds) {
-  if (!std::isfinite(seconds)) return;
-  Restart(initialDelayTime_, WithoutMinusZero(seconds),
-          [&] { return "Initial Delay = " + FormatEdit(seconds); });
+  if (std::isnan(seconds)) return;
+  Restart(initialDelayTime_, LimitedDelay(seconds),
+          [&] { return "Initial Delay = " + FormatEdit(initialDelayTime_); });
 }
 void ZelTrigger::SetCountEvents(bool on) {
   Restart(countEvents_, on, [&] { return Switched("Count Events", on); });
 }
 void ZelTrigger::SetNumberOfEvents(std::int32_t count) {
-  Restart(numberOfEvents_, count, [&] { return "Number of Events = " + std::to_string(count); });
+  Restart(numberOfEvents_, std::max(count, 1),
+          [&] { return "Number of Events = " + std::to_string(numberOfEvents_); });
 }
 void ZelTrigger::SetDelayAfter(bool on) {
   Restart(delayAfter_, on, [&] { return Switched("Delay After", on); });
 }
 void ZelTrigger::SetDelayAfterTime(double seconds) {
-  if (!std::isfinite(seconds)) return;
-  Restart(delayAfterTime_, WithoutMinusZero(seconds),
-          [&] { return "Delay After = " + FormatEdit(seconds); });
+  if (std::isnan(seconds)) return;
+  Restart(delayAfterTime_, LimitedDelay(seconds),
+          [&] { return "Delay After = " + FormatEdit(delayAfterTime_); });
 }
 
 }  // namespace torvane

@@ -50,7 +50,8 @@ class ZelTrigger {
   /// Acted on by the scope.
   void SetRoll(bool on);
 
-  // Each of these restarts detection from the beginning.
+  // Each of these restarts detection from the beginning. Delays are limited to 0 ... 1e9 s, the
+  // number of events to 1 and more.
   void SetSource(ZelChannel& source);
   void SetPositiveSlope(bool positive);
   void SetInitialDelay(bool on);

@@ -1,11 +1,9 @@
 #include "instruments/scope/trigger_records.h"
 
-#include <algorithm>
 #include <array>
 
 #include "core/numeric.h"
 #include "core/text.h"
-#include "instruments/setting_limits.h"
 
 namespace torvane {
 namespace {
@@ -50,7 +48,7 @@ bool LoadFlag(const std::string& key, bool on, ZelTrigger& trigger) {
 
 bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trigger) {
   if (key == "NumEvents") {
-    if (const auto count = ToInteger(text)) trigger.SetNumberOfEvents(std::max(*count, 1));
+    if (const auto count = ToInteger(text)) trigger.SetNumberOfEvents(*count);
     return true;
   }
   if (key != "Level" && key != "Position" && key != "TInitDelay" && key != "TDelayAfter") {
@@ -63,9 +61,9 @@ bool LoadValue(const std::string& key, const std::string& text, ZelTrigger& trig
   } else if (key == "Position") {
     trigger.SetPosition(*value);
   } else if (key == "TInitDelay") {
-    trigger.SetInitialDelayTime(std::clamp(*value, 0.0, LongestTime));
+    trigger.SetInitialDelayTime(*value);
   } else {
-    trigger.SetDelayAfterTime(std::clamp(*value, 0.0, LongestTime));
+    trigger.SetDelayAfterTime(*value);
   }
   return true;
 }
