@@ -13,8 +13,10 @@ corpus=$folder/corpus/$target
 cmake --preset fuzz -B "$folder" >/dev/null
 cmake --build "$folder" --target "${target}_fuzzer"
 mkdir -p "$corpus" "$folder/failures"
-# What the target prints is no news; the sanitizers' reports go to standard error.
-options=(-timeout=10 -rss_limit_mb=1024 -max_len=16384 -close_fd_mask=1
+# What the target prints is no news; the sanitizers' reports go to standard error. Where memory was
+# allocated is told when a failure is replayed without this.
+export ASAN_OPTIONS=malloc_context_size=0
+options=(-timeout=10 -rss_limit_mb=1024 -max_len=16384 -close_fd_mask=1 -entropic=0
   "-artifact_prefix=$folder/failures/$target-")
 [[ ! -f fuzz/$target.dict ]] || options+=("-dict=fuzz/$target.dict")
 

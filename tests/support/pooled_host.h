@@ -2,19 +2,25 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "core/files/model_file.h"
+#include "core/files/model_file_lines.h"
 #include "instruments/meter/meter.h"
 #include "models/catalogue.h"
 
 namespace torvane::test {
 
 /// Host of model files that builds each model once. A model that a file names is handed out as it
-/// was when it was new, but for its time.
+/// was when it was new, but for its time; or, for files that set everything, as it was left.
 class PooledHost final : public ModelFileHost {
  public:
+  enum class HandOut { New, AsLeft };
+
+  explicit PooledHost(HandOut handOut = HandOut::New) : handOut_(handOut) {}
+
   ZelModel* CurrentModel() override { return current_; }
   bool InCatalogue(const std::string& model) const override { return FindModel(model) >= 0; }
 
@@ -27,9 +33,9 @@ class PooledHost final : public ModelFileHost {
       pooled.Text = ModelFileText(*pooled.Model);
     }
     current_ = pooled.Model.get();
-    if (isNew) return true;
+    if (isNew || handOut_ == HandOut::AsLeft) return true;
     current_->Reset();
-    LoadModelText(pooled.Text, *this);
+    LoadModelText(ChangedLines(pooled.Text), *this);
     return true;
   }
 
@@ -51,6 +57,20 @@ class PooledHost final : public ModelFileHost {
     std::string Text;  ///< of the model as it was new
   };
 
+  /// Of the model's text as it was new, what does not stand in its present one.
+  std::string ChangedLines(const std::string& text) const {
+    std::set<std::string> present;
+    std::string line;
+    const std::string now = ModelFileText(*current_);
+    for (LineReader lines(now); lines.Next(line);) present.insert(line);
+    std::string changed;
+    for (LineReader lines(text); lines.Next(line);) {
+      if (!present.contains(line)) changed += line + "\n";
+    }
+    return changed;
+  }
+
+  HandOut handOut_;
   std::map<std::string, Pooled> models_;
   ZelModel* current_ = nullptr;
   std::vector<std::unique_ptr<ZelMeter>> meters_;
