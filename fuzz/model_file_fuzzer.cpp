@@ -26,11 +26,12 @@ void RunShortly(ZelModel& model) {
   }
 }
 
-void CheckSaving(const ZelModel& model) {
+void CheckSaving(test::PooledHost& host) {
   static test::PooledHost again(test::PooledHost::HandOut::AsLeft);
   // Most inputs leave what an earlier one has left.
   static std::unordered_set<std::size_t> checked;
-  const std::string saved = ModelFileText(model);
+  const std::string saved = ModelFileText(*host.CurrentModel());
+  host.SetText(saved);
   if (!checked.insert(std::hash<std::string>()(saved)).second) return;
   again.Clear();
   const int before = fuzz::Sink().Reports;
@@ -52,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   if (!model) return 0;
   const std::string found = test::LimitCheck::Run(*model);
   Require(found.empty(), found);
-  CheckSaving(*model);
+  CheckSaving(host);
   RunShortly(*model);
   return 0;
 }

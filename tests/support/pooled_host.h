@@ -2,8 +2,10 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/files/model_file.h"
@@ -35,7 +37,8 @@ class PooledHost final : public ModelFileHost {
     current_ = pooled.Model.get();
     if (isNew || handOut_ == HandOut::AsLeft) return true;
     current_->Reset();
-    LoadModelText(ChangedLines(pooled.Text), *this);
+    const std::optional<std::string> left = std::exchange(pooled.Left, std::nullopt);
+    LoadModelText(ChangedLines(pooled.Text, left ? *left : ModelFileText(*current_)), *this);
     return true;
   }
 
@@ -44,6 +47,9 @@ class PooledHost final : public ModelFileHost {
     meters_.push_back(std::make_unique<ZelMeter>(current_->Bench(), name));
     return meters_.back().get();
   }
+
+  /// The current model's present text, from a caller that has it: making it again takes a while.
+  void SetText(const std::string& text) { models_[current_->Name()].Left = text; }
 
   /// No model is current any more.
   void Clear() {
@@ -54,14 +60,14 @@ class PooledHost final : public ModelFileHost {
  private:
   struct Pooled {
     std::unique_ptr<ZelModel> Model;
-    std::string Text;  ///< of the model as it was new
+    std::string Text;                 ///< of the model as it was new
+    std::optional<std::string> Left;  ///< as it is now, where that is known
   };
 
   /// Of the model's text as it was new, what does not stand in its present one.
-  std::string ChangedLines(const std::string& text) const {
+  static std::string ChangedLines(const std::string& text, const std::string& now) {
     std::set<std::string> present;
     std::string line;
-    const std::string now = ModelFileText(*current_);
     for (LineReader lines(now); lines.Next(line);) present.insert(line);
     std::string changed;
     for (LineReader lines(text); lines.Next(line);) {
