@@ -35,8 +35,7 @@ void CheckSaving(test::PooledHost& host) {
   if (!checked.insert(std::hash<std::string>()(saved)).second) return;
   again.Clear();
   const int before = fuzz::Sink().Reports;
-  Require(LoadModelText(saved, again).AtEnd,
-          "the saved file does not load:\n" + saved);
+  Require(LoadModelText(saved, again).AtEnd, "the saved file does not load:\n" + saved);
   Require(fuzz::Sink().Reports == before, "the saved file is reported about:\n" + saved);
   const std::string second = ModelFileText(*again.CurrentModel());
   Require(second == saved, "saved:\n" + saved + "\nand again:\n" + second);
