@@ -42,21 +42,6 @@ class ScopeWindowTest : public test::Desktop {
   }
 };
 
-TEST_F(ScopeWindowTest, TracesGrowWhileTheModelRuns) {
-  EXPECT_EQ(TracePixels(), 0);
-  Type("EHorizScale", "10");  // a screen of 100 s, which takes a machine seconds
-  Click("SBRun");
-  int before = 0;
-  for (int look = 0; look < 3; ++look) {
-    ASSERT_TRUE(QTest::qWaitFor([&] { return TracePixels() > before; }, 20000));
-    before = TracePixels();
-  }
-  Click("SBStop");
-  const int stopped = TracePixels();
-  QTest::qWait(150);
-  EXPECT_EQ(TracePixels(), stopped);
-}
-
 TEST_F(ScopeWindowTest, TheScreenFollowsAResize) {
   RunFor(0.1);
   auto& frame = *qobject_cast<QMdiSubWindow*>(Find<QWidget>("TZelScopeF").parentWidget());
