@@ -163,6 +163,7 @@ TEST_F(ScopeWindowTest, TracesAreShownAndHidden) {
 }
 
 TEST_F(ScopeWindowTest, TriggerSettingsReachTheTrigger) {
+  Click("PageTrigger");
   const ZelTrigger& trigger = Scope().Trigger();
   EXPECT_TRUE(Find<QRadioButton>("RBTrigAuto").isChecked());
   Click("RBTrigNormal");
@@ -181,6 +182,65 @@ TEST_F(ScopeWindowTest, TriggerSettingsReachTheTrigger) {
   EXPECT_EQ(Text("ETrigPosition"), "0");
   List("CmBTrigSource").setCurrentIndex(1);
   EXPECT_EQ(&trigger.Source(), Scope().Channels()[1].get());
+}
+
+TEST_F(ScopeWindowTest, ExtrasOfTheTriggerReachItAndCanBeUndone) {
+  Click("PageTrigger");
+  struct Extra {
+    const char* Switch;
+    const char* Edit;
+    const char* Typed;
+    const char* Stored;
+  };
+  const Extra extras[] = {{"CBTrigInitDelay", "ETrigTInitDelay", "0.5", "0.5"},
+                          {"CBTrigCountEvents", "ETrigNumEvents", "0", "1"},
+                          {"CBTrigDelayAfter", "ETrigTDelayAfter", "-1", "0"}};
+  for (const Extra& extra : extras) {
+    EXPECT_FALSE(Find<QWidget>(extra.Edit).isEnabled()) << extra.Edit;
+    Click(extra.Switch);
+    EXPECT_TRUE(Find<QWidget>(extra.Edit).isEnabled()) << extra.Edit;
+    Type(extra.Edit, extra.Typed);
+    EXPECT_EQ(Text(extra.Edit), extra.Stored);
+  }
+  Click("CBTrigRoll");
+  const ZelTrigger& trigger = Scope().Trigger();
+  EXPECT_TRUE(trigger.InitialDelay() && trigger.CountEvents() && trigger.DelayAfter());
+  EXPECT_TRUE(trigger.Roll());
+  EXPECT_EQ(trigger.InitialDelayTime(), 0.5);
+  while (Bench().History().CanUndo()) Bench().History().Undo();
+  EXPECT_FALSE(Find<QCheckBox>("CBTrigRoll").isChecked());
+  for (const Extra& extra : extras) EXPECT_FALSE(Find<QWidget>(extra.Edit).isEnabled());
+  EXPECT_EQ(Text("ETrigTInitDelay"), "0");
+}
+
+// Controls that did not fit were cut, or reached by a scroll bar only.
+TEST_F(ScopeWindowTest, EveryPageFitsTheSmallestAndTheUsualWindow) {
+  for (int model = 0; model < Find<QComboBox>("ModelCmB").count(); ++model) {
+    ChooseModel(Find<QComboBox>("ModelCmB").itemText(model));
+    for (const QSize size : {QSize(800, 600), Small}) {
+      Panel->resize(size);
+      QCoreApplication::processEvents();
+      auto& scope = Find<QWidget>("TZelScopeF");
+      const QWidget& area = *scope.parentWidget()->parentWidget();
+      EXPECT_TRUE(area.rect().contains(scope.parentWidget()->geometry()));
+      for (const char* page : {"PageTrigger", "PageScales"}) {
+        Click(page);
+        QCoreApplication::processEvents();
+        for (const QWidget* control : scope.findChildren<QWidget*>()) {
+          if (!control->isVisible() || control->parentWidget() == &Find<QWidget>("SGConsts")) {
+            continue;
+          }
+          EXPECT_TRUE(control->parentWidget()->rect().contains(control->geometry()) &&
+                      (control->minimumWidth() > 0 ||
+                       control->width() >= control->minimumSizeHint().width()))
+              << model << ' ' << control->objectName().toStdString() << ' ' << size.width();
+        }
+      }
+      if (size == Small) {
+        EXPECT_GE(Find<QWidget>("PBScreen").height(), Panel->height() * 6 / 10);
+      }
+    }
+  }
 }
 
 TEST_F(ScopeWindowTest, ASingleShotStopsTheRun) {

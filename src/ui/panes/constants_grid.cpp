@@ -24,7 +24,7 @@ namespace torvane {
 namespace {
 
 constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
-constexpr int LargestMinimum = 220;    // pixels of width that a narrow window must spare
+constexpr int LargestMinimum = 165;    // pixels of width that a narrow window must spare
 
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
@@ -134,6 +134,10 @@ bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
       return true;
     }
   }
+  if (watched == table_.viewport() && event->type() == QEvent::Resize) {
+    // Once the header knows the new width too.
+    QMetaObject::invokeMethod(this, &ConstantsGrid::ShowUnitsIfRoom, Qt::QueuedConnection);
+  }
   if (watched == table_.viewport() && event->type() == QEvent::Wheel) {
     return Turn(static_cast<const QWheelEvent&>(*event));
   }
@@ -206,15 +210,20 @@ void ConstantsGrid::Fill() {
     ShowValue(row);
   }
   table_.resizeColumnsToContents();
-  int content = table_.verticalScrollBar()->sizeHint().width() + 2 * table_.frameWidth();
-  for (const int column : {NameColumn, ValueColumn}) content += table_.columnWidth(column);
+  namesAndValues_ = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
   // The last column is stretched: it has room to spare.
   const QAbstractItemView& view = table_;
-  content += std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
-                      view.sizeHintForColumn(UnitColumn));
-  table_.setMinimumWidth(std::min(content, LargestMinimum));
+  units_ = std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
+                    view.sizeHintForColumn(UnitColumn));
+  const int around = table_.verticalScrollBar()->sizeHint().width() + 2 * table_.frameWidth();
+  table_.setMinimumWidth(std::min(namesAndValues_ + around, LargestMinimum));
   table_.verticalHeader()->setDefaultSectionSize(table_.fontMetrics().height() + 9);
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
+}
+
+// In a narrow window the hints tell the units.
+void ConstantsGrid::ShowUnitsIfRoom() {
+  table_.setColumnHidden(UnitColumn, table_.viewport()->width() < namesAndValues_ + units_);
 }
 
 void ConstantsGrid::ShowConstant(const std::string& name) {

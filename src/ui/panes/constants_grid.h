@@ -37,6 +37,7 @@ class ConstantsGrid : public QObject {
  private:
   void Fill();
   void ShowValue(int row);
+  void ShowUnitsIfRoom();
   void CommitCell(int row, int column);
   void Adjust(int row);
   bool Turn(const QWheelEvent& wheel);
@@ -45,6 +46,8 @@ class ConstantsGrid : public QObject {
   ZelBenchTop& bench_;
   std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
   QTimer turnEnd_;                                     // active while the wheel turns a value
+  int namesAndValues_ = 0;                             // width of these columns, pixels
+  int units_ = 0;                                      // and of the units'
   int turned_ = 0;        // eighths of a degree that are no whole step yet
   bool showing_ = false;  // cells are being written from the constants
 };

@@ -3,15 +3,16 @@
 #include <QCloseEvent>
 #include <QPainter>
 #include <QPixmap>
-#include <QScrollBar>
+#include <QRegularExpression>
 #include <QSignalBlocker>
-#include <array>
+#include <algorithm>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
 #include "plot/scope_colours.h"
 #include "ui/panes/add_dialog.h"
 #include "ui/panes/constants_grid.h"
+#include "ui/panes/trigger_controls.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui_scope.h"
@@ -59,6 +60,15 @@ std::string ScaleNotice(double typed, double stored) {
   return typed == 0.0 ? std::string() : LimitNotice(typed, stored);
 }
 
+// What the widest panel of the pages needs.
+int PanelWidth(const QStackedWidget& pages) {
+  int width = 0;
+  for (const QFrame* panel : pages.findChildren<QFrame*>(QRegularExpression("Panel$"))) {
+    width = std::max(width, panel->minimumSizeHint().width());
+  }
+  return width;
+}
+
 }  // namespace
 
 TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
@@ -78,7 +88,9 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
             [this, &bench] { ChooseChannels(bench.History()); });
   }
   ConnectHorizontal();
-  ConnectTrigger();
+  ConnectTriggerSource();
+  trigger_ = new TriggerControls(*ui_, scope, this);
+  ConnectPages();
   SettingsChanged();
 }
 
@@ -148,30 +160,21 @@ void TZelScopeF::ConnectHorizontal() {
   });
 }
 
-void TZelScopeF::ConnectTrigger() {
-  ZelTrigger& trigger = scope_.Trigger();
-  trigLevel_ = BindNumber(
-      *ui_->ETrigLevel, [&](double level) { trigger.SetLevel(level); },
-      [&] { return trigger.Level(); });
-  trigPosition_ = BindNumber(
-      *ui_->ETrigPosition, [&](double position) { trigger.SetPosition(position); },
-      [&] { return trigger.Position(); });
-  const std::array modes = {std::pair{ui_->RBTrigCont, SweepMode::Cont},
-                            std::pair{ui_->RBTrigAuto, SweepMode::Auto},
-                            std::pair{ui_->RBTrigNormal, SweepMode::Normal}};
-  for (const auto& [button, mode] : modes) {
-    connect(button, &QAbstractButton::toggled, this, [&trigger, mode = mode](bool on) {
-      if (on) trigger.SetMode(mode);
-    });
-  }
-  connect(ui_->RBTrigPos, &QAbstractButton::toggled, this,
-          [&](bool on) { trigger.SetPositiveSlope(on); });
-  connect(ui_->CBSingleShot, &QCheckBox::toggled, this,
-          [this](bool on) { scope_.SetSingleShot(on); });
-  connect(ui_->CmBTrigSource, &QComboBox::currentIndexChanged, this, [&, this](int) {
+void TZelScopeF::ConnectTriggerSource() {
+  connect(ui_->CmBTrigSource, &QComboBox::currentIndexChanged, this, [this](int) {
     const std::size_t index = ui_->CmBTrigSource->currentData().toUInt();
-    trigger.SetSource(*scope_.Channels()[index]);
+    scope_.Trigger().SetSource(*scope_.Channels()[index]);
   });
+}
+
+void TZelScopeF::ConnectPages() {
+  const std::pair<QAbstractButton*, QWidget*> pages[] = {{ui_->PageScales, ui_->ScalesPage},
+                                                         {ui_->PageTrigger, ui_->TriggerPage}};
+  for (const auto& [button, page] : pages) {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, page = page] { ui_->Pages->setCurrentWidget(page); });
+  }
+  ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
 }
 
 // Lists name each displayed channel with its colour, so they change with the set of traces.
@@ -230,21 +233,6 @@ void TZelScopeF::ShowHorizontal() {
     control->setEnabled(!timeAxis);
   }
   ui_->PBScreen->Refresh();
-}
-
-void TZelScopeF::ShowTrigger() {
-  const ZelTrigger& trigger = scope_.Trigger();
-  trigLevel_->Show();
-  trigPosition_->Show();
-  const std::array modes = {ui_->RBTrigCont, ui_->RBTrigAuto, ui_->RBTrigNormal};
-  // The trigger has these settings already: telling it again would restart its detection.
-  const QSignalBlocker blockers[] = {
-      QSignalBlocker(modes[0]),       QSignalBlocker(modes[1]),
-      QSignalBlocker(modes[2]),       QSignalBlocker(ui_->RBTrigPos),
-      QSignalBlocker(ui_->RBTrigNeg), QSignalBlocker(ui_->CBSingleShot)};
-  modes[static_cast<std::size_t>(trigger.Mode())]->setChecked(true);
-  (trigger.PositiveSlope() ? ui_->RBTrigPos : ui_->RBTrigNeg)->setChecked(true);
-  ui_->CBSingleShot->setChecked(scope_.SingleShot());
 }
 
 void TZelScopeF::SetVertical(double scale, double offset) {
@@ -324,7 +312,7 @@ void TZelScopeF::SettingsChanged() {
   FillChannelLists();
   ShowVertical();
   ShowHorizontal();
-  ShowTrigger();
+  trigger_->Show();
 }
 
 void TZelScopeF::ConstantChanged(const std::string& name) {
@@ -346,14 +334,15 @@ void TZelScopeF::showEvent(QShowEvent* event) {
   ShowLamp();
 }
 
-// In a narrow window the controls are reached by a scroll bar, which must not cover them.
+// The panels of a page stand side by side where there is room, else one below the other.
 void TZelScopeF::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
   const QMargins margins = ui_->Column->contentsMargins();
-  const bool narrow =
-      width() - margins.left() - margins.right() < ui_->Controls->minimumSizeHint().width();
-  const int scrollBar = narrow ? ui_->ControlArea->horizontalScrollBar()->sizeHint().height() : 0;
-  ui_->ControlArea->setFixedHeight(ui_->Controls->sizeHint().height() + scrollBar);
+  const int room = width() - margins.left() - margins.right();
+  for (QBoxLayout* panels : {ui_->ScalesPagePanels, ui_->TriggerPagePanels}) {
+    const bool wide = room >= 2 * ui_->Pages->minimumWidth() + panels->spacing();
+    panels->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  }
 }
 
 }  // namespace torvane

@@ -13,6 +13,7 @@ namespace torvane {
 
 class ConstantsGrid;
 class EditBinding;
+class TriggerControls;
 
 namespace Ui {
 class TZelScopeF;
@@ -42,12 +43,12 @@ class TZelScopeF : public InstrumentPane {
  private:
   void ConnectVertical();
   void ConnectHorizontal();
-  void ConnectTrigger();
+  void ConnectPages();
+  void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
   void ShowVertical();
   void ShowHorizontal();
-  void ShowTrigger();
   void ShowLamp();
   void SetShown(bool shown);
   void ChooseChannels(ZelUndo& history);
@@ -65,8 +66,7 @@ class TZelScopeF : public InstrumentPane {
   EditBinding* vertOffset_ = nullptr;
   EditBinding* horizScale_ = nullptr;
   EditBinding* horizOffset_ = nullptr;
-  EditBinding* trigLevel_ = nullptr;
-  EditBinding* trigPosition_ = nullptr;
+  TriggerControls* trigger_ = nullptr;
 };
 
 }  // namespace torvane
