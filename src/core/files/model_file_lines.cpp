@@ -21,14 +21,11 @@ class LineLength {
  public:
   /// False as soon as a line is longer than it may be.
   bool Add(std::string_view piece) {
-    for (;;) {
-      const std::size_t end = piece.find('\n');
-      length_ += std::min(end, piece.size());
+    for (const char c : piece) {
+      length_ = c == '\n' ? 0 : length_ + 1;
       if (length_ > MaxModelLineLength) return false;
-      if (end == std::string_view::npos) return true;
-      length_ = 0;
-      piece.remove_prefix(end + 1);
     }
+    return true;
   }
 
  private:
@@ -37,7 +34,17 @@ class LineLength {
 
 }  // namespace
 
+// A file may consist of millions of blank lines.
+void LineReader::PassBlankLines() {
+  std::size_t blank = 0;
+  for (; blank < rest_.size() && (rest_[blank] == '\n' || rest_[blank] == '\r'); ++blank) {
+    if (rest_[blank] == '\n') ++number_;
+  }
+  rest_.remove_prefix(blank);
+}
+
 bool LineReader::Next(std::string& line) {
+  PassBlankLines();
   if (rest_.empty()) return false;
   const std::size_t end = rest_.find('\n');
   line = rest_.substr(0, end);

@@ -44,7 +44,6 @@ class Loader {
     LineReader lines(text);
     result_.AtEnd = true;
     for (std::string line; result_.AtEnd && lines.Next(line);) {
-      if (line.empty()) continue;
       host_.AtLine(lines.Number());
       result_.AtEnd = LoadLine(ParseRecord(line, lines.Number()));
     }
