@@ -44,11 +44,12 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
   QCoreApplication::setApplicationVersion(QStringLiteral(TORVANE_VERSION));
   QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));
   torvane::MessageBoxes messages;
+  const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
+  using Windows = torvane::TZelControlPanelF::Windows;
   torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
-                                   command.Model);
+                                   command.Model, speedTest ? Windows::AsBuilt : Windows::AsLeft);
   if (!panel.Model()) return 1;
   QApplication::setWindowIcon(panel.windowIcon());
-  const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
   panel.ShowAtStart(!speedTest);
   // A speed test measures a model as it is built, whatever the user's configuration.
   if (!speedTest || !command.File.empty()) {

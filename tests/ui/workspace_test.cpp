@@ -2,11 +2,16 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QMenu>
+#include <QScreen>
+#include <QTemporaryDir>
 
+#include "core/files/model_file.h"
 #include "desktop.h"
 #include "models/catalogue.h"
 #include "ui/panes/instrument_pane.h"
 #include "ui/panes/instrument_windows.h"
+#include "ui/session/user_settings.h"
 
 namespace torvane {
 namespace {
@@ -91,6 +96,88 @@ TEST_F(WorkspaceTest, APaneOpenedHiddenShownAndClosedAThousandTimesLeavesNothing
   EXPECT_GT(Panel->Model()->Time(), 0.0);
   Click("SBStop");
   EXPECT_EQ(entries(), without);
+}
+
+TEST_F(WorkspaceTest, TheWindowMenuShowsAndHidesInstruments) {
+  auto& menu = Find<QMenu>("MWindow");
+  emit menu.aboutToShow();
+  emit menu.aboutToShow();  // lists each but once
+  QStringList listed;
+  for (QAction* item : menu.actions()) {
+    if (item->isCheckable() && item->isChecked()) listed << item->text();
+  }
+  ASSERT_EQ(listed, QStringList({"Main Scope", "Waveform Generator"}));
+  InstrumentFrame& generator = *Area().Frames()[1];
+  const int width = Area().Frames()[0]->width();
+  menu.actions().back()->trigger();
+  EXPECT_FALSE(generator.isVisible());
+  EXPECT_GT(Area().Frames()[0]->width(), width);
+  EXPECT_NE(generator.Pane().Engine().View(), nullptr);
+  emit menu.aboutToShow();
+  EXPECT_FALSE(menu.actions().back()->isChecked());
+  menu.actions().back()->trigger();
+  EXPECT_TRUE(generator.isVisible());
+}
+
+// One start of the program after another, the display a larger or smaller one each time.
+TEST_F(WorkspaceTest, AnArrangementIsRemembered) {
+  const QRect place(40, 30, 640, 420);
+  const auto start = [this](QSize size) {
+    Panel.reset();
+    Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+    Panel->ShowAtStart(false);
+    Panel->resize(size);
+    QCoreApplication::processEvents();
+  };
+  UserSettings().clear();
+  start(Small);
+  EXPECT_TRUE(Area().IsFilled());
+  Area().Frames()[0]->setGeometry(place);
+  Area().SetShown(Area().Frames()[1]->Pane().Engine(), false);
+  ChooseModel("3-1 PI Controller");
+  EXPECT_EQ(Area().Frames()[0]->geometry(), place);
+  EXPECT_FALSE(Area().Frames()[1]->isVisible());
+
+  const QTemporaryDir folder;
+  const std::string path = folder.filePath("placed.tvf").toStdString();
+  auto placed = LoadModel(2);
+  placed->Bench().Instruments(InstrumentKind::Scope).front()->Placement = {WindowState::Normal, 430,
+                                                                           5, 6, 650};
+  ASSERT_TRUE(SaveModelFile(*placed, path));
+  for (const bool restores : {false, true}) {
+    Panel->Work().SetRestoresWindows(restores);
+    ChooseModel("3-1 PI Controller");
+    Panel->Work().OpenAtStart(QString::fromStdString(path));
+    EXPECT_EQ(Area().Frames()[0]->geometry(), restores ? QRect(5, 6, 650, 430) : place);
+    Area().Frames()[0]->setGeometry(place);
+  }
+
+  Panel->move(20, 10);
+  Panel->resize(900, 700);
+  EXPECT_TRUE(Panel->close());
+  start({700, 480});
+  EXPECT_TRUE(Area().rect().contains(Area().Frames()[0]->geometry()));
+  EXPECT_TRUE(Panel->close());
+  start(Small);
+  EXPECT_EQ(Area().Frames()[0]->geometry(), place);
+  Trigger("MIFillScreen");
+  EXPECT_TRUE(Panel->close());
+  start(Small);
+  EXPECT_TRUE(Area().IsFilled());
+  EXPECT_FALSE(Area().Frames()[1]->isVisible());
+}
+
+TEST_F(WorkspaceTest, TheMainWindowComesBackOnADisplayThatHasBecomeSmaller) {
+  QWidget larger;
+  larger.setGeometry(3000, 2000, 4000, 3000);
+  UserSettings().setValue("windowGeometry", larger.saveGeometry());
+  Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+  Panel->ShowAtStart(false);
+  const QRect room = Panel->screen()->geometry();
+  EXPECT_TRUE(room.contains(Panel->pos()));
+  EXPECT_LE(Panel->width(), room.width());
+  EXPECT_LE(Panel->height(), room.height());
+  UserSettings().clear();
 }
 
 // A window of 32767 pixels a side would have buffers of gigabytes.

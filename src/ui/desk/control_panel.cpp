@@ -6,15 +6,19 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QShortcut>
+#include <algorithm>
 #include <utility>
 
 #include "core/messages.h"
 #include "core/text.h"
 #include "models/catalogue.h"
+#include "ui/desk/arrangement.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/splash.h"
+#include "ui/desk/window_menu.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/model_views.h"
+#include "ui/session/user_settings.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/held_gestures.h"
 #include "ui/widgets/wheel_guard.h"
@@ -33,13 +37,15 @@ constexpr int RefreshMilliseconds = 100;
 constexpr int SplashMilliseconds = 4000;
 constexpr QSize LargestStartSize(1680, 1050);
 constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
+const QString GeometryKey = QStringLiteral("windowGeometry");
 
 }  // namespace
 
-TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
+TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows windows)
     : ui_(std::make_unique<Ui::TZelControlPanelF>()),
       data_(std::move(folder)),
       driver_(this),
+      windows_(windows),
       picture_(new TZelModelPictureF(this)),
       text_(new TZelModelTextF(this)) {
   InitIcons();
@@ -48,6 +54,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel)
   new WheelGuard(this);
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
+  new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   UseFixedDigits(*ui_->LTime);
   for (const std::string& name : ModelNames()) {
     ui_->ModelCmB->addItem(QString::fromStdString(name));
@@ -65,7 +72,10 @@ TZelControlPanelF::~TZelControlPanelF() {
 }
 
 void TZelControlPanelF::ConnectSession() {
-  connect(&session_, &Session::ModelAboutToChange, this, &TZelControlPanelF::LeaveModel);
+  connect(&session_, &Session::ModelAboutToChange, this, [this] {
+    RememberWindows();
+    LeaveModel();
+  });
   connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
   connect(&session_, &Session::MeterAdded, this, [](const std::string& name) {
     Note("The meter \"" + name + "\" is kept with the model but has no window.");
@@ -117,6 +127,10 @@ void TZelControlPanelF::ConnectControls() {
   ui_->ModelCmB->installEventFilter(this);
 }
 
+void TZelControlPanelF::RememberWindows() {
+  if (windows_ == Windows::AsLeft) arrangement::Remember(*ui_->InstrumentArea);
+}
+
 void TZelControlPanelF::LeaveModel() {
   Stop();
   ui_->InstrumentArea->CloseAll();
@@ -125,7 +139,9 @@ void TZelControlPanelF::LeaveModel() {
 
 void TZelControlPanelF::ShowModel() {
   ZelModel& model = *Model();
+  if (windows_ == Windows::AsLeft) arrangement::RecallPlaces(model.Bench());
   ui_->InstrumentArea->Open(MakeInstrumentPanes(model.Bench()));
+  if (windows_ == Windows::AsLeft) arrangement::RecallHidden(*ui_->InstrumentArea);
   model.PrepareCapture();
   ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());
   ui_->BShowModelTXT->setVisible(!model.TextFile().empty());
@@ -239,9 +255,29 @@ void TZelControlPanelF::ShowAbout() {
   box.exec();
 }
 
+// The display may have become smaller since.
+bool TZelControlPanelF::RecallGeometry() {
+  if (windows_ == Windows::AsBuilt ||
+      !restoreGeometry(UserSettings().value(GeometryKey).toByteArray())) {
+    return false;
+  }
+  const QRect room = screen()->availableGeometry();
+  if (!isMaximized() && !isFullScreen() && !room.contains(frameGeometry())) {
+    const QSize frame = frameGeometry().size() - size();
+    resize(size().boundedTo(room.size() - frame));
+    move(std::clamp(x(), room.left(),
+                    std::max(room.right() + 1 - frameGeometry().width(), room.left())),
+         std::clamp(y(), room.top(),
+                    std::max(room.bottom() + 1 - frameGeometry().height(), room.top())));
+  }
+  return true;
+}
+
 void TZelControlPanelF::ShowAtStart(bool withSplash) {
   const QSize available = screen()->availableSize();
-  if (available.width() < RoomySize.width() || available.height() < RoomySize.height()) {
+  if (RecallGeometry()) {
+    show();
+  } else if (available.width() < RoomySize.width() || available.height() < RoomySize.height()) {
     showMaximized();
   } else {
     resize((available * 0.92).boundedTo(LargestStartSize));
@@ -261,6 +297,8 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
   if (session_.MayDiscard("close")) {
     Stop();
+    RememberWindows();
+    if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
     event->accept();
     QCoreApplication::quit();
   } else {

@@ -28,9 +28,13 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   Q_OBJECT
 
  public:
+  /// Whether windows stand where the user left them, and where they stand is remembered.
+  enum class Windows { AsBuilt, AsLeft };
+
   /// Starts with the model of that index in the catalogue, stopped. One that cannot be built is a
   /// fatal error, and there is no model then.
-  explicit TZelControlPanelF(DataFolder folder, int startModel = 0);
+  explicit TZelControlPanelF(DataFolder folder, int startModel = 0,
+                             Windows windows = Windows::AsBuilt);
   ~TZelControlPanelF() override;
 
   Session& Work() { return session_; }
@@ -44,7 +48,8 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void Stop();
   bool Running() const;
 
-  /// Shows the window at a size that fits the display, and over it the splash for four seconds.
+  /// Shows the window as it was left or else at a size that fits the display, and over it the
+  /// splash for four seconds.
   void ShowAtStart(bool withSplash);
 
   /// How often the instruments have been painted while a model ran.
@@ -60,6 +65,8 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
  private:
   void ConnectSession();
   void ConnectControls();
+  bool RecallGeometry();
+  void RememberWindows();
   void LeaveModel();
   void ShowModel();
   void ShowLoaded();
@@ -83,6 +90,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   RunDriver driver_;
   QTimer refreshTimer_;
   QTimer splashTimer_;
+  Windows windows_;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
   std::unique_ptr<FileCommands> files_;

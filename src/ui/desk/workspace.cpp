@@ -29,12 +29,20 @@ InstrumentPane& InstrumentFrame::Pane() const {
   return *static_cast<InstrumentPane*>(widget());
 }
 
+// The placement stays what was asked for: where there is more room later the window can have it.
 void InstrumentFrame::ApplyPlacement() {
   const WindowPlacement placement = Pane().Engine().Placement;
-  if (placement.State == WindowState::Normal && (isMinimized() || isMaximized())) showNormal();
-  if (placement.Width > 0 && placement.Height > 0) setGeometry(Fitted(placement));
-  if (placement.State == WindowState::Minimised) showMinimized();
-  if (placement.State == WindowState::Maximised) showMaximized();
+  if (shown_ && placement.State == WindowState::Normal && (isMinimized() || isMaximized())) {
+    showNormal();
+  }
+  const bool atRest = !isMinimized() && !isMaximized();
+  if (atRest && placement.Width > 0 && placement.Height > 0) {
+    fitted_ = Fitted(placement);
+    setGeometry(fitted_);
+  }
+  if (shown_ && placement.State == WindowState::Minimised) showMinimized();
+  if (shown_ && placement.State == WindowState::Maximised) showMaximized();
+  Pane().Engine().Placement = placement;
 }
 
 // A file may come from a larger display, or say what no display can show.
@@ -52,8 +60,22 @@ void InstrumentFrame::SetShown(bool shown) {
   setVisible(shown);
 }
 
+void InstrumentFrame::PlaceAt(const QRect& place) {
+  fitted_ = {};
+  setGeometry(place);
+  Pane().Engine().Placement = {WindowState::Normal, place.height(), place.x(), place.y(),
+                               place.width()};
+}
+
+// A window that is not shown yet is told its first place late, one that was fitted may be told so
+// again.
 void InstrumentFrame::RecordPlacement() {
-  if (!widget()) return;
+  if (!widget() || !isVisible()) return;
+  const bool atRest = !isMinimized() && !isMaximized();
+  if (atRest && geometry() == fitted_ && Pane().Engine().Placement.State == WindowState::Normal) {
+    return;
+  }
+  fitted_ = {};
   WindowPlacement placement = Pane().Engine().Placement;
   placement.State = isMinimized()   ? WindowState::Minimised
                     : isMaximized() ? WindowState::Maximised
@@ -67,8 +89,7 @@ void InstrumentFrame::RecordPlacement() {
   // A window told its place again, as on activation, has not been moved.
   if (placement == Pane().Engine().Placement) return;
   Pane().Engine().Placement = placement;
-  // Nor has one by the user that is not shown yet: it is told its first place late.
-  if (isVisible()) emit PlacementChanged();
+  emit PlacementChanged();
 }
 
 void InstrumentFrame::moveEvent(QMoveEvent* event) {
@@ -105,7 +126,7 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   FillScreen();
   for (std::size_t i = 0; i < placed.size(); ++i) {
     placed[i]->Pane().Engine().Placement = places[i];
-    placed[i]->ApplyPlacement();
+    if (isVisible()) placed[i]->ApplyPlacement();
   }
   if (!placed.empty()) filling_ = false;
   for (InstrumentFrame* frame : frames_) frame->show();
@@ -156,8 +177,13 @@ void Workspace::SetShown(const Instrument& instrument, bool shown) {
   InstrumentFrame* frame = FrameOf(instrument);
   if (!frame) return;
   const QScopedValueRollback arranging(arranging_, true);
+  if (frame->IsShown() == shown) return;
   frame->SetShown(shown);
-  if (filling_) FillScreen();
+  if (filling_) {
+    FillScreen();
+  } else if (shown) {
+    frame->ApplyPlacement();
+  }
 }
 
 void Workspace::RestorePlacements() {
@@ -201,7 +227,7 @@ int Workspace::PlaceColumn(const std::vector<InstrumentFrame*>& frames) {
   int top = Gap;
   for (InstrumentFrame* frame : frames) {
     const int height = frame->sizeHint().height();
-    frame->setGeometry(width() - columnWidth - Gap, top, columnWidth, height);
+    frame->PlaceAt({width() - columnWidth - Gap, top, columnWidth, height});
     top += height + Gap;
   }
   return frames.empty() ? 0 : columnWidth + Gap;
@@ -214,22 +240,30 @@ void Workspace::PlaceScopes(const std::vector<InstrumentFrame*>& frames, int wid
   for (int k = 0; k < count; ++k) {
     InstrumentFrame* frame = frames[static_cast<std::size_t>(k)];
     const QSize least = frame->minimumSizeHint();
-    frame->setGeometry(Gap, Gap + k * each, std::max(width - 2 * Gap, least.width()),
-                       std::max(each - Gap, least.height()));
+    frame->PlaceAt({Gap, Gap + k * each, std::max(width - 2 * Gap, least.width()),
+                    std::max(each - Gap, least.height())});
   }
 }
 
 void Workspace::resizeEvent(QResizeEvent* event) {
   const QScopedValueRollback arranging(arranging_, true);
   QMdiArea::resizeEvent(event);
-  if (filling_) FillScreen();
+  Arrange();
 }
 
 // The base class finds its own places for sub-windows when it is first shown.
 void Workspace::showEvent(QShowEvent* event) {
   const QScopedValueRollback arranging(arranging_, true);
   QMdiArea::showEvent(event);
-  if (filling_) FillScreen();
+  Arrange();
+}
+
+void Workspace::Arrange() {
+  if (filling_) {
+    FillScreen();
+  } else if (isVisible()) {
+    for (InstrumentFrame* frame : frames_) frame->ApplyPlacement();
+  }
 }
 
 }  // namespace torvane

@@ -21,6 +21,8 @@ class InstrumentFrame : public QMdiSubWindow {
   InstrumentPane& Pane() const;
   /// Stands where the instrument's placement says, as far as the workspace has room.
   void ApplyPlacement();
+  /// Stands there from now on.
+  void PlaceAt(const QRect& place);
 
   /// Whether the user wants to see it; it has not come to the screen before its workspace has.
   bool IsShown() const { return shown_; }
@@ -39,10 +41,12 @@ class InstrumentFrame : public QMdiSubWindow {
   void RecordPlacement();
 
   bool shown_ = true;
+  QRect fitted_;  // where ApplyPlacement has put the window, until it is moved
 };
 
 /// The area below the control strip in which every instrument is a sub-window. As long as the user
-/// has not moved one, the sub-windows fill it and follow its size.
+/// has not moved one, the sub-windows fill it and follow its size; after that each stands where it
+/// was put, as far as the area has room.
 class Workspace : public QMdiArea {
   Q_OBJECT
 
@@ -64,6 +68,9 @@ class Workspace : public QMdiArea {
   /// Moves the sub-windows whose placement has a size to where it says.
   void RestorePlacements();
 
+  /// Whether the sub-windows fill the area, as long as the user moves none.
+  bool IsFilled() const { return filling_; }
+
   /// Scopes share the area's left part from top to bottom; the other instruments stand in a column
   /// at its right edge, each as large as it needs.
   void FillScreen();
@@ -75,6 +82,8 @@ class Workspace : public QMdiArea {
   void showEvent(QShowEvent* event) override;
 
  private:
+  /// The area has another size, or is first shown.
+  void Arrange();
   InstrumentFrame* AddFrame(std::unique_ptr<InstrumentPane> pane);
   InstrumentFrame* FrameOf(const Instrument& instrument) const;
   int PlaceColumn(const std::vector<InstrumentFrame*>& frames);
