@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <QTimer>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
 #include <vector>
@@ -16,6 +17,18 @@
 namespace {
 
 constexpr int WrongUsage = 2;
+
+// Without a display the toolkit would abort the program.
+void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type != QtFatalMsg) {
+    std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, text)));
+    return;
+  }
+  std::fputs(
+      "Error: Torvane needs a display, and none could be opened.  torvane-cli works without.\n",
+      stderr);
+  std::exit(1);
+}
 
 // Presses Run, and prints how far the model got in that wall time.
 void StartSpeedTest(torvane::TZelControlPanelF& panel, double seconds) {
@@ -39,7 +52,9 @@ void StartSpeedTest(torvane::TZelControlPanelF& panel, double seconds) {
 }
 
 int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
+  const QtMessageHandler handler = qInstallMessageHandler(EndWithoutDisplay);
   QApplication application(argc, argv);
+  qInstallMessageHandler(handler);
   QCoreApplication::setApplicationName(QStringLiteral("torvane"));
   QCoreApplication::setApplicationVersion(QStringLiteral(TORVANE_VERSION));
   QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));

@@ -14,8 +14,10 @@ struct Outcome {
   QString Err;
 };
 
-Outcome RunProgram(const QStringList& arguments) {
+Outcome RunProgram(const QStringList& arguments, const QProcessEnvironment& environment =
+                                                     QProcessEnvironment::systemEnvironment()) {
   QProcess program;
+  program.setProcessEnvironment(environment);
   program.start(TORVANE_PROGRAM, arguments);
   program.waitForFinished(30000);
   return {program.exitCode(), QString::fromUtf8(program.readAllStandardOutput()),
@@ -45,6 +47,14 @@ TEST(ProgramTest, HelpAndVersion) {
     EXPECT_TRUE(help.Out.contains(QString::fromStdString(name))) << name;
   }
   EXPECT_TRUE(RunProgram({"--version"}).Out.startsWith("torvane "));
+}
+
+TEST(ProgramTest, WithoutADisplayItSaysSoAndEnds) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("QT_QPA_PLATFORM", "none");
+  const Outcome outcome = RunProgram({}, environment);
+  EXPECT_EQ(outcome.Code, 1);
+  EXPECT_TRUE(outcome.Err.contains("Error: Torvane needs a display")) << outcome.Err.toStdString();
 }
 
 TEST(ProgramTest, WrongArgumentsEndInOneLineAndCodeTwo) {
