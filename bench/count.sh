@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 program=${1:-build/bench/bin}/torvane_count
 instruction_bound=1.6  # times those of the hand-fused loop
-reference_bound=2.0    # times those of the hand-fused loop
+reference_bound=1.8    # times those of the hand-fused loop
 short=20000
 long=60000
 

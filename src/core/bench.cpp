@@ -137,10 +137,9 @@ bool ZelBenchTop::AnyAnalyserMeasuring() const {
          std::any_of(swept.begin(), swept.end(), measuring);
 }
 
-double ZelBenchTop::MeterExcitation() const {
+double ZelBenchTop::MeterExcitation(double now) const {
   double sum = 0.0;
-  for (const Instrument* meter : Instruments(InstrumentKind::Meter))
-    sum += meter->Excitation(time_);
+  for (const Instrument* meter : Instruments(InstrumentKind::Meter)) sum += meter->Excitation(now);
   return sum;
 }
 

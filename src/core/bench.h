@@ -51,6 +51,8 @@ class ZelBenchTop {
   /// Simulated time, seconds.
   double Time() const { return time_; }
   void AdvanceTime(double h) { time_ += h; }
+  /// For a solver that counts the time of several steps by itself.
+  void SetTime(double t) { time_ = t; }
 
   const std::vector<TimeDriven*>& TimeDrivenObjects() const { return timeDriven_; }
   void UpdateTimeDriven(double t) {
@@ -69,8 +71,8 @@ class ZelBenchTop {
   /// An FFT or swept-sine analyser has a measurement in progress.
   bool AnyAnalyserMeasuring() const;
 
-  /// Sum of what the meters add to the model's command.
-  double MeterExcitation() const;
+  /// Sum of what the meters add to the model's command at time `now`.
+  double MeterExcitation(double now) const;
 
   /// Resets every variable; the first one registered keeps its value unless everything goes.
   void ResetVariables(ResetKind kind);

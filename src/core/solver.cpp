@@ -51,14 +51,15 @@ void ZelSolver::RunUntil(double tEnd) {
     if (nearOverflow_) {
       WatchedStep(t);
     } else {
-      EndStep(t, Integrate(t, [this](double at) { model_.Evaluate(at); }));
+      Integrate(t, [this](double at) { model_.Evaluate(at); });
+      EndStep(t);
     }
   }
 }
 
 void ZelSolver::WatchedStep(double t) {
   watch_.Begin();
-  const double size = Integrate(t, [this](double at) {
+  Integrate(t, [this](double at) {
     watch_.States();
     model_.Derivatives(at);
     watch_.Equations();
@@ -68,13 +69,11 @@ void ZelSolver::WatchedStep(double t) {
     }
   });
   watch_.States();
-  nearOverflow_ = false;
-  EndStep(t, size);
+  EndStep(t);
 }
 
-// The states over one step; returns the sum of their sizes.
 template <class Evaluate>
-double ZelSolver::Integrate(double t, Evaluate evaluate) {
+void ZelSolver::Integrate(double t, Evaluate evaluate) {
   StateVariable* const* const states = states_.data();
   double* const start = startValues_.data();
   double* const sum = slopeSum_.data();
@@ -106,23 +105,28 @@ double ZelSolver::Integrate(double t, Evaluate evaluate) {
   }
   evaluate(t + h);
 
-  double size = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
     StateVariable& state = *states[i];
     sum[i] += state.Derivative;
-    state.Value = Combine(start[i], sum[i], h);
+    state.Value = static_cast<double>(Combine(start[i], sum[i], h));
     state.TakePending();
-    size += Sized(state);
   }
-  return size;
 }
 
-void ZelSolver::EndStep(double t, double size) {
+void ZelSolver::EndStep(double t) {
   // The start of the step on purpose: instruments that sample it see when the step began.
   if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = t;
   bench_.AdvanceTime(h_);
+  const long double size = Magnitude();
   if (OverflowRaised() || !std::isfinite(size)) ThrowOverflow(t);
-  if (size > Huge) nearOverflow_ = true;
+  nearOverflow_ = size > Huge;
+}
+
+// Extended precision has room for a sum that a double has not.
+long double ZelSolver::Magnitude() const {
+  long double sum = 0.0L;
+  for (const StateVariable* state : States()) sum += std::abs(state->Value);
+  return sum;
 }
 
 void ZelSolver::ThrowOverflow(double t) {

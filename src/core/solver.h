@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -42,24 +41,20 @@ class ZelSolver {
   }
 
  protected:
-  /// The combine of a step: products and sums in extended precision, the result a double.
-  static double Combine(double start, double slopeSum, double h) {
-    return static_cast<double>(static_cast<long double>(start) +
-                               static_cast<long double>(slopeSum) * static_cast<long double>(h) *
-                                   (1.0L / 6.0L));
+  /// The combine of a step, in extended precision; the state takes it as a double.
+  static long double Combine(double start, double slopeSum, double h) {
+    return static_cast<long double>(start) +
+           static_cast<long double>(slopeSum) * static_cast<long double>(h) * (1.0L / 6.0L);
   }
 
-  /// A measure of a state that adds up without overflowing.
-  static double Sized(const StateVariable& state) { return std::abs(state.Value) * SizeScale; }
-  static constexpr double SizeScale = 1e-5;
-
-  /// From far below this no step of a model reaches the largest number: what overflows from there
-  /// has its cause outside the states.
-  static constexpr double Huge = 1e95;  // as sized
+  /// From states whose magnitudes add up to less than this no step of a model reaches the largest
+  /// number: what overflows from there has its cause outside the states.
+  static constexpr double Huge = 1e100;
 
   /// Ends the step that began at t: time variable, bench time, and the exception when an overflow
-  /// was raised or a state is not finite. `size` is the sum of the states' sizes.
-  void EndStep(double t, double size);
+  /// was raised or a state is not finite. Whether the next step is to be watched follows from how
+  /// large the states are.
+  void EndStep(double t);
 
   /// A state is so large that the next step may overflow: it is to be a watched one.
   bool NearOverflow() const { return nearOverflow_; }
@@ -70,7 +65,8 @@ class ZelSolver {
 
  private:
   template <class Evaluate>
-  double Integrate(double t, Evaluate evaluate);
+  void Integrate(double t, Evaluate evaluate);
+  long double Magnitude() const;
   [[noreturn]] void ThrowOverflow(double t);
 
   ZelModel& model_;

@@ -20,20 +20,19 @@ class CommandSource {
                !bench_.Instruments(InstrumentKind::Meter).empty();
   }
 
-  /// Takes the command of the step that begins at the bench's time.
-  void BeginStep() {
+  /// Takes the command of the step that begins at t.
+  void BeginStep(double t) {
     value_ = generator_.Output();
     if (excited_) [[unlikely]] {
-      value_ = Excited();
+      value_ = Excited(t);
     }
   }
 
   double Value() const { return value_; }
 
  private:
-  double Excited() const {
-    const double now = bench_.Time();
-    const double meters = bench_.MeterExcitation();
+  double Excited(double now) const {
+    const double meters = bench_.MeterExcitation(now);
     if (analysers_.Fft.Measuring()) return analysers_.Fft.Excitation(now) + meters;
     if (analysers_.Swept.Measuring()) return analysers_.Swept.Excitation(now) + meters;
     return generator_.Output() + meters;

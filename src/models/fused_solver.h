@@ -58,7 +58,7 @@ class FusedSolver final : public ZelSolver {
   void Derivatives(double t) {
     const auto parts = model_.Parts(model_.loop_);
     BeginRun(parts);
-    ForEach(parts, [](auto& part) { BeginStep(part); });
+    ForEach(parts, [this](auto& part) { BeginStep(part, bench_.Time()); });
     model_.Equations(model_.loop_, t);
   }
 
@@ -67,27 +67,21 @@ class FusedSolver final : public ZelSolver {
   // copy would have to lie in memory for them.
   [[gnu::flatten]] void Run(double tEnd) {
     Model& model = model_;
-    ZelBenchTop& bench = bench_;
     const double h = h_;
     BeginRun(model.Parts(model.loop_));
     auto loop = model.loop_;
-    double t = bench.Time();
-    double size = 0.0;
-    while (true) {
-      size = Step(model, loop, t, h);
-      // Whatever is not an ordinary step's end is EndStep's to judge.
-      if (!(t + h < tEnd && size <= Huge) || OverflowRaised()) break;
-      bench.AdvanceTime(h);
-      t = bench.Time();
-    }
+    double t = bench_.Time();
+    // Whatever is not an ordinary step's end is EndStep's to judge.
+    while (Step(model, loop, t, h) <= Huge && t + h < tEnd && !OverflowRaised()) t += h;
     model.loop_ = loop;
-    EndStep(t, size * SizeScale);
+    bench_.SetTime(t);
+    EndStep(t);
   }
 
-  // One step from t; returns the sum of the states' magnitudes. As every step counts, it is scaled
-  // only at the end: no step from below Huge comes near the largest number.
+  // One step from t; returns how large the states have become: the sum of their magnitudes, taken
+  // while the combine has them in the registers of extended precision, which costs next to nothing.
   template <class Loop>
-  static double Step(Model& model, Loop& loop, double t, double h) {
+  static long double Step(Model& model, Loop& loop, double t, double h) {
     const auto parts = model.Parts(loop);
     const auto states =
         std::apply([](auto&... part) { return std::tuple_cat(IntegratedStates(part)...); }, parts);
@@ -106,7 +100,7 @@ class FusedSolver final : public ZelSolver {
     };
     const double half = 0.5 * h;
 
-    ForEach(parts, [](auto& part) { BeginStep(part); });
+    ForEach(parts, [t](auto& part) { BeginStep(part, t); });
     forEachState([](StateVariable& state, double& from, double&) { from = state.Value; });
     evaluate(t);
     forEachState([half](StateVariable& state, double from, double& slopes) {
@@ -124,14 +118,16 @@ class FusedSolver final : public ZelSolver {
       state.Value = from + h * state.Derivative;
     });
     evaluate(t + h);
-    double size = 0.0;
+    long double size = 0.0L;
     forEachState([h, &size](StateVariable& state, double from, double& slopes) {
       slopes += state.Derivative;
-      state.Value = Combine(from, slopes, h);
+      const long double combined = Combine(from, slopes, h);
+      state.Value = static_cast<double>(combined);
+      size += std::abs(combined);
       if (state.PendingSet) [[unlikely]] {
         state.TakePending();
+        size += std::abs(state.Value);
       }
-      size += std::abs(state.Value);
     });
     ForEach(parts, [t, h, &size](auto& part) { AtEndOfStep(part, t + h, size); });
     return size;
@@ -153,8 +149,8 @@ class FusedSolver final : public ZelSolver {
 
   // What else a part is asked depends on what it offers, too.
   template <class Part>
-  static void BeginStep(Part& part) {
-    if constexpr (requires { part.BeginStep(); }) part.BeginStep();
+  static void BeginStep(Part& part, double t) {
+    if constexpr (requires { part.BeginStep(t); }) part.BeginStep(t);
   }
 
   template <class Part>
@@ -167,10 +163,10 @@ class FusedSolver final : public ZelSolver {
   }
 
   template <class Part>
-  static void AtEndOfStep(Part& part, double t, double& size) {
+  static void AtEndOfStep(Part& part, double t, long double& size) {
     if constexpr (requires { part.AtEndOfStep(t); }) {
       part.AtEndOfStep(t);
-      size += std::abs(part.Output());
+      size += std::abs(static_cast<long double>(part.Output()));
     }
   }
 

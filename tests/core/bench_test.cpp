@@ -164,7 +164,7 @@ TEST_F(BenchInstrumentsTest, AsksTheRightKindsForTheirState) {
   meter.Gain = 3.0;
   secondMeter.Gain = 0.5;
   generator.Gain = scope.Gain = fft.Gain = swept.Gain = 100.0;
-  EXPECT_EQ(bench.MeterExcitation(), 3.5 * 2.0);
+  EXPECT_EQ(bench.MeterExcitation(bench.Time()), 3.5 * 2.0);
   EXPECT_EQ(bench.FindInstrument(InstrumentKind::Meter, "meter 2"), &secondMeter);
   EXPECT_EQ(bench.FindInstrument(InstrumentKind::Scope, "meter 2"), nullptr);
 }

@@ -194,14 +194,14 @@ TEST_F(MeterTest, TakesTheMeanOffWithAcCoupling) {
 }
 
 TEST_F(MeterTest, ExcitesAMultipleOfTheHarmonic) {
-  EXPECT_EQ(Model.Bench().MeterExcitation(), 0.0);
+  EXPECT_EQ(Model.Bench().MeterExcitation(Model.Bench().Time()), 0.0);
   Meter.SetUseExcitation(true);
   Meter.SetExcitationMag(3.0);
   Meter.SetExcitationOff(1.0);
   Meter.SetExcitationMult(0.5);
   Meter.SetHarmonicFreq(10.0);
   EXPECT_EQ(Meter.Excitation(0.3), 3.0 * std::sin(TwoPi * 10.0 * 0.5 * 0.3) + 1.0);
-  EXPECT_EQ(Model.Bench().MeterExcitation(), 1.0);
+  EXPECT_EQ(Model.Bench().MeterExcitation(Model.Bench().Time()), 1.0);
 }
 
 TEST_F(MeterTest, RecoversFromALoopThatDiverged) {
