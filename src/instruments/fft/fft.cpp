@@ -3,107 +3,175 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <utility>
+
+#include "core/angle.h"
 
 namespace torvane {
 
 namespace {
 
-// Butterflies of the points a[0 .. span) with b[0 .. span), which share one twiddle.
-inline void Group(float* __restrict aRe, float* __restrict aIm, float* __restrict bRe,
-                  float* __restrict bIm, std::size_t span, double c, double s) {
-  for (std::size_t i = 0; i < span; ++i) {
-    const double tRe = bRe[i] * c + bIm[i] * s;
-    const double tIm = bIm[i] * c - bRe[i] * s;
-    const double xRe = aRe[i];
-    const double xIm = aIm[i];
-    bRe[i] = static_cast<float>(xRe - tRe);
-    bIm[i] = static_cast<float>(xIm - tIm);
-    aRe[i] = static_cast<float>(xRe + tRe);
-    aIm[i] = static_cast<float>(xIm + tIm);
+// Cosines and sines, as Fft describes its tables.
+struct Twiddles {
+  const double* Cos;
+  const double* Sin;
+};
+
+[[gnu::always_inline]] inline void Butterfly(float& aRe, float& aIm, float& bRe, float& bIm,
+                                             double c, double s) {
+  const double tRe = bRe * c + bIm * s;
+  const double tIm = bIm * c - bRe * s;
+  const double xRe = aRe;
+  const double xIm = aIm;
+  bRe = static_cast<float>(xRe - tRe);
+  bIm = static_cast<float>(xIm - tIm);
+  aRe = static_cast<float>(xRe + tRe);
+  aIm = static_cast<float>(xIm + tIm);
+}
+
+// One stage of a group: the points a[0 .. span) with b[0 .. span).
+[[gnu::always_inline]] inline void Stage(float* __restrict aRe, float* __restrict aIm,
+                                         float* __restrict bRe, float* __restrict bIm,
+                                         std::size_t span, double c, double s) {
+  for (std::size_t i = 0; i < span; ++i) Butterfly(aRe[i], aIm[i], bRe[i], bIm[i], c, s);
+}
+
+// Two stages of a group on one way through memory; a, b, c and d are its quarters.
+[[gnu::always_inline]] inline void TwoStages(float* __restrict aRe, float* __restrict aIm,
+                                             float* __restrict bRe, float* __restrict bIm,
+                                             float* __restrict cRe, float* __restrict cIm,
+                                             float* __restrict dRe, float* __restrict dIm,
+                                             std::size_t length, Twiddles twiddles,
+                                             std::size_t group) {
+  const double cosine = twiddles.Cos[group];
+  const double sine = twiddles.Sin[group];
+  const double* const nextCos = twiddles.Cos + 2 * group;
+  const double* const nextSin = twiddles.Sin + 2 * group;
+  for (std::size_t i = 0; i < length; ++i) {
+    Butterfly(aRe[i], aIm[i], cRe[i], cIm[i], cosine, sine);
+    Butterfly(bRe[i], bIm[i], dRe[i], dIm[i], cosine, sine);
+    Butterfly(aRe[i], aIm[i], bRe[i], bIm[i], nextCos[0], nextSin[0]);
+    Butterfly(cRe[i], cIm[i], dRe[i], dIm[i], nextCos[1], nextSin[1]);
   }
 }
 
-// A whole stage of groups too short to fill a register: with the span known to the compiler,
-// several groups go side by side.
-template <std::size_t Span>
-inline void ShortGroups(float* __restrict re, float* __restrict im, const double* __restrict c,
-                        const double* __restrict s, std::size_t groups) {
-  for (std::size_t group = 0; group < groups; ++group) {
-    float* const a = re + 2 * Span * group;
-    float* const b = im + 2 * Span * group;
-    for (std::size_t i = 0; i < Span; ++i) {
-      const double tRe = a[Span + i] * c[group] + b[Span + i] * s[group];
-      const double tIm = b[Span + i] * c[group] - a[Span + i] * s[group];
-      const double xRe = a[i];
-      const double xIm = b[i];
-      a[Span + i] = static_cast<float>(xRe - tRe);
-      b[Span + i] = static_cast<float>(xIm - tIm);
-      a[i] = static_cast<float>(xRe + tRe);
-      b[i] = static_cast<float>(xIm + tIm);
-    }
-  }
-}
-
-// Compiled for wider registers too; the widest that the processor has are taken when the program
-// starts. The operations are the same and so are the bits.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-[[gnu::target_clones("arch=x86-64-v4", "avx2", "default")]]
-#endif
-void Stages(float* re, float* im, const double* c, const double* s, std::size_t points) {
+// Stages from that of a single group down to that of the given span.
+[[gnu::always_inline]] inline void Stages(float* re, float* im, std::size_t points,
+                                          std::size_t lastSpan, Twiddles twiddles) {
+  std::size_t groups = 1;
   std::size_t span = points / 2;
-  for (std::size_t groups = 1; span >= 8; span /= 2, groups *= 2) {
+  for (; span >= 2 * lastSpan; span /= 4, groups *= 4) {
+    const std::size_t quarter = span / 2;
     for (std::size_t group = 0; group < groups; ++group) {
       float* const a = re + 2 * span * group;
       float* const b = im + 2 * span * group;
-      Group(a, b, a + span, b + span, span, c[group], s[group]);
+      TwoStages(a, b, a + quarter, b + quarter, a + 2 * quarter, b + 2 * quarter, a + 3 * quarter,
+                b + 3 * quarter, quarter, twiddles, group);
     }
   }
-  if (points >= 8) ShortGroups<4>(re, im, c, s, points / 8);
-  if (points >= 4) ShortGroups<2>(re, im, c, s, points / 4);
-  ShortGroups<1>(re, im, c, s, points / 2);
+  if (span < lastSpan) return;
+  for (std::size_t group = 0; group < groups; ++group) {
+    float* const a = re + 2 * span * group;
+    float* const b = im + 2 * span * group;
+    Stage(a, b, a + span, b + span, span, twiddles.Cos[group], twiddles.Sin[group]);
+  }
 }
 
 constexpr int TileBits = 3;
 constexpr std::size_t TileSize = std::size_t{1} << TileBits;
 constexpr std::array<std::size_t, TileSize> TileReverse = {0, 4, 2, 6, 1, 5, 3, 7};
-using Tile = std::array<float, TileSize * TileSize>;
+template <class Number>
+using Lanes = std::array<Number, TileSize>;
 
-// Reads eight runs of eight points, `stride` apart, as they stand after the permutation.
-void ReadTile(const float* x, std::size_t stride, Tile& tile) {
-  for (std::size_t row = 0; row < TileSize; ++row) {
-    for (std::size_t column = 0; column < TileSize; ++column) {
-      tile[TileReverse[column] * TileSize + TileReverse[row]] = x[row * stride + column];
+// Eight runs of eight points that lie `stride` apart, turned about: lane i of place k is point k of
+// run TileReverse[i].
+struct Tile {
+  alignas(64) std::array<Lanes<float>, TileSize> Re;
+  alignas(64) std::array<Lanes<float>, TileSize> Im;
+};
+
+[[gnu::always_inline]] inline void Read(const float* x, std::size_t stride,
+                                        std::array<Lanes<float>, TileSize>& places) {
+  using Run [[gnu::vector_size(TileSize * sizeof(float))]] = float;
+  std::array<Run, TileSize> tile;
+  for (std::size_t i = 0; i < TileSize; ++i) {
+    std::memcpy(&tile[i], x + TileReverse[i] * stride, sizeof(Run));
+  }
+  // Merging the upper half of the runs into the lower turns the tile about in three rounds.
+  for (int round = 0; round < TileBits; ++round) {
+    const std::array<Run, TileSize> from = tile;
+    for (std::size_t i = 0; i < TileSize / 2; ++i) {
+      const Run& a = from[i];
+      const Run& b = from[i + TileSize / 2];
+      tile[2 * i] = __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+      tile[2 * i + 1] = __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
+    }
+  }
+  std::memcpy(&places, &tile, sizeof tile);
+}
+
+// Writes each place as a run: the tile as the permutation leaves it.
+[[gnu::always_inline]] inline void Write(const std::array<Lanes<float>, TileSize>& places, float* x,
+                                         std::size_t stride) {
+  for (std::size_t run = 0; run < TileSize; ++run) {
+    for (std::size_t k = 0; k < TileSize; ++k) x[run * stride + k] = places[TileReverse[run]][k];
+  }
+}
+
+[[gnu::always_inline]] inline void LaneButterflies(float* __restrict aRe, float* __restrict aIm,
+                                                   float* __restrict bRe, float* __restrict bIm,
+                                                   const double* __restrict c,
+                                                   const double* __restrict s) {
+  for (std::size_t i = 0; i < TileSize; ++i) {
+    Butterfly(aRe[i], aIm[i], bRe[i], bIm[i], c[i], s[i]);
+  }
+}
+
+// The last three stages, which stay within the runs. In the first of them there are `groups` groups
+// in the record, and the lanes are those whose angles follow upon each other from the `first`.
+[[gnu::always_inline]] inline void LastStages(Tile& tile, std::size_t first, std::size_t groups,
+                                              Twiddles natural) {
+  for (std::size_t span = TileSize / 2, parts = 1; span >= 1; span /= 2, parts *= 2) {
+    for (std::size_t part = 0; part < parts; ++part) {
+      const std::size_t angle = groups * (parts + TileReverse[part] * parts / TileSize) + first;
+      for (std::size_t a = 2 * span * part; a < 2 * span * part + span; ++a) {
+        LaneButterflies(tile.Re[a].data(), tile.Im[a].data(), tile.Re[a + span].data(),
+                        tile.Im[a + span].data(), natural.Cos + angle, natural.Sin + angle);
+      }
     }
   }
 }
 
-void WriteTile(float* x, std::size_t stride, const Tile& tile) {
-  for (std::size_t row = 0; row < TileSize; ++row) {
-    for (std::size_t column = 0; column < TileSize; ++column) {
-      x[row * stride + column] = tile[row * TileSize + column];
-    }
-  }
-}
-
-// Bit-reversal permutation. Point by point it would hop through memory and mispredict every other
-// branch, and take as long as the stages. An index is taken as upper three bits, middle and lower
-// three: all points of one middle change places with all points of the reversed middle, as tiles.
-void Permute(float* x, int order) {
+// Last stages and bit-reversal permutation. Point by point the permutation would hop through memory
+// and take as long as the stages. An index is taken as upper three bits, middle and lower three:
+// all points of one middle change places with all points of the reversed middle, as tiles. While a
+// tile is at hand its runs, which are too short to fill a register, go through their stages side by
+// side.
+[[gnu::always_inline]] inline void FinishByTiles(float* re, float* im, int order,
+                                                 Twiddles natural) {
   const std::size_t stride = std::size_t{1} << (order - TileBits);
+  const std::size_t tiles = stride / TileSize;
+  const auto take = [&](std::size_t middle, std::size_t reversed, Tile& tile) {
+    Read(re + middle * TileSize, stride, tile.Re);
+    Read(im + middle * TileSize, stride, tile.Im);
+    LastStages(tile, reversed * TileSize, stride, natural);
+  };
+  const auto put = [&](const Tile& tile, std::size_t middle) {
+    Write(tile.Re, re + middle * TileSize, stride);
+    Write(tile.Im, im + middle * TileSize, stride);
+  };
   Tile tile;
   Tile other;
-  for (std::size_t middle = 0; middle < stride / TileSize; ++middle) {
+  for (std::size_t middle = 0; middle < tiles; ++middle) {
     const std::size_t reversed = ReverseBits(static_cast<unsigned>(middle), order - 2 * TileBits);
     if (reversed < middle) continue;
-    float* const from = x + middle * TileSize;
-    float* const to = x + reversed * TileSize;
-    ReadTile(from, stride, tile);
+    take(middle, reversed, tile);
     if (reversed != middle) {
-      ReadTile(to, stride, other);
-      WriteTile(from, stride, other);
+      take(reversed, middle, other);
+      put(other, middle);
     }
-    WriteTile(to, stride, tile);
+    put(tile, reversed);
   }
 }
 
@@ -112,6 +180,23 @@ void PermuteShort(float* x, int order) {
     const unsigned reversed = ReverseBits(i, order);
     if (reversed > i) std::swap(x[i], x[reversed]);
   }
+}
+
+// Compiled for wider registers too; the widest that the processor has are taken when the program
+// starts. The operations are the same and so are the bits.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+[[gnu::target_clones("arch=x86-64-v4", "avx2", "default")]]
+#endif
+void TransformLong(float* re, float* im, int order, Twiddles twiddles,
+                   Twiddles natural) {
+  Stages(re, im, std::size_t{1} << order, TileSize, twiddles);
+  FinishByTiles(re, im, order, natural);
+}
+
+void TransformShort(float* re, float* im, int order, Twiddles twiddles) {
+  Stages(re, im, std::size_t{1} << order, 1, twiddles);
+  PermuteShort(re, order);
+  PermuteShort(im, order);
 }
 
 }  // namespace
@@ -128,24 +213,32 @@ unsigned ReverseBits(unsigned x, int bits) {
 Fft::Fft(int maxOrder)
     : maxOrder_(maxOrder),
       cos_(std::size_t{1} << (maxOrder - 1)),
-      sin_(std::size_t{1} << (maxOrder - 1)) {
+      sin_(std::size_t{1} << (maxOrder - 1)),
+      naturalCos_(std::size_t{1} << maxOrder),
+      naturalSin_(std::size_t{1} << maxOrder) {
   const int points = 1 << maxOrder;
   for (std::size_t group = 0; group < cos_.size(); ++group) {
     const double m = ReverseBits(static_cast<unsigned>(group), maxOrder - 1);
-    const double angle = m * 6.2831852 / points;
+    const double angle = m * TwoPi / points;
     cos_[group] = std::cos(angle);
     sin_[group] = std::sin(angle);
+  }
+  for (int bits = 0; bits < maxOrder; ++bits) {
+    const std::size_t groups = std::size_t{1} << bits;
+    for (std::size_t m = 0; m < groups; ++m) {
+      const std::size_t group = ReverseBits(static_cast<unsigned>(m), bits);
+      naturalCos_[groups + m] = cos_[group];
+      naturalSin_[groups + m] = sin_[group];
+    }
   }
 }
 
 void Fft::Transform(float* re, float* im, int order) const {
-  Stages(re, im, cos_.data(), sin_.data(), std::size_t{1} << order);
-  for (float* x : {re, im}) {
-    if (order >= 2 * TileBits) {
-      Permute(x, order);
-    } else {
-      PermuteShort(x, order);
-    }
+  const Twiddles twiddles{cos_.data(), sin_.data()};
+  if (order >= 2 * TileBits) {
+    TransformLong(re, im, order, twiddles, {naturalCos_.data(), naturalSin_.data()});
+  } else {
+    TransformShort(re, im, order, twiddles);
   }
 }
 

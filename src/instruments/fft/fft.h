@@ -10,10 +10,10 @@ namespace torvane {
 /// Butterflies are computed in double precision and rounded to single precision after every stage;
 /// natural order goes in, the stages leave bit-reversed order, and a permutation puts it right. All
 /// butterflies of a group share one twiddle, and the angle of group g is the same number at every
-/// stage and for every order: one table, filled at construction, serves all of them.
+/// stage and for every order: tables filled at construction serve all of them.
 class Fft {
  public:
-  /// Fills the table for records of up to 2^maxOrder points; maxOrder >= 1.
+  /// Fills the tables for records of up to 2^maxOrder points; maxOrder >= 1.
   explicit Fft(int maxOrder);
 
   int MaxOrder() const { return maxOrder_; }
@@ -27,6 +27,10 @@ class Fft {
   // angles.
   std::vector<double> cos_;
   std::vector<double> sin_;
+  // The same numbers in natural order of angles, for stages that take several groups side by side:
+  // from index n on those of a stage of n groups.
+  std::vector<double> naturalCos_;
+  std::vector<double> naturalSin_;
 };
 
 /// The lowest `bits` bits of x in reverse order.
