@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/angle.h"
+
 namespace torvane {
 
 namespace {
@@ -9,9 +11,8 @@ namespace {
 constexpr std::int32_t Multiplier = 7141;
 constexpr std::int32_t Increment = 54773;
 
-// Corner of the smoothing filter, 0.390625 * 3.1415926, and the pole angles pi/16, 3 pi/16, ... of
-// an eighth-order Butterworth filter.
-constexpr double CornerFrequency = 1.227184609375;
+constexpr double CornerFrequency = 0.390625 * Pi;
+// pi/16, 3 pi/16, ... of an eighth-order Butterworth filter; products would round otherwise.
 constexpr std::array PoleAngles = {0.1963495375, 0.5890486125, 0.9817476875, 1.3744467625};
 
 }  // namespace

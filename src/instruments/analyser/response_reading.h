@@ -2,10 +2,11 @@
 
 #include <cmath>
 
+#include "core/angle.h"
+
 namespace torvane {
 
-/// 180 / 3.1415926.
-inline constexpr double DegreesPerRadian = 57.295780490442965;
+inline constexpr double DegreesPerRadian = 180.0 / Pi;
 
 /// Reads instead of the gain of nothing, dB.
 inline constexpr double NoGain = -200.0;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "core/angle.h"
 #include "core/messages.h"
 #include "core/model.h"
 #include "instruments/analyser/response_reading.h"
@@ -12,8 +13,7 @@ namespace torvane {
 
 namespace {
 
-constexpr double QuarterTurn = 1.5707963;
-constexpr double Turn = 6.2831852;
+constexpr double QuarterTurn = Pi / 2.0;
 
 // The angle of the sums against a sine. Without a cosine part it is a quarter turn, not 0 or half a
 // turn: deliberate.
@@ -23,8 +23,8 @@ double Angle(double s, double c) {
 }
 
 double WrapAngle(double angle) {
-  for (int i = 0; i < 2 && angle > QuarterTurn; ++i) angle -= Turn;
-  for (int i = 0; i < 2 && angle < -4.7123889; ++i) angle += Turn;
+  for (int i = 0; i < 2 && angle > QuarterTurn; ++i) angle -= TwoPi;
+  for (int i = 0; i < 2 && angle < -4.7123889; ++i) angle += TwoPi;
   return angle;
 }
 
@@ -41,7 +41,7 @@ bool ZelMeter::Service(double t) {
 
 double ZelMeter::Excitation(double now) const {
   if (!useExcitation_) return 0.0;
-  return excitationMag_ * std::sin(Turn * harmonicFreq_ * excitationMult_ * now) + excitationOff_;
+  return excitationMag_ * std::sin(TwoPi * harmonicFreq_ * excitationMult_ * now) + excitationOff_;
 }
 
 double ZelMeter::AngleDeg() const {
@@ -97,8 +97,8 @@ void ZelMeter::UpdateHarmonic(double t, double x) {
     StartWindow(t);
     return;
   }
-  const double sine = std::sin(Turn * harmonicFreq_ * t);
-  const double cosine = std::cos(Turn * harmonicFreq_ * t);
+  const double sine = std::sin(TwoPi * harmonicFreq_ * t);
+  const double cosine = std::cos(TwoPi * harmonicFreq_ * t);
   measured_.S += sine * x * tSample_;
   measured_.C += cosine * x * tSample_;
   if (harmonicXfer_) {

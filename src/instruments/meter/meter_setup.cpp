@@ -2,6 +2,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/angle.h"
 #include "core/messages.h"
 #include "core/numeric.h"
 #include "instruments/meter/meter.h"
@@ -208,8 +209,8 @@ void ZelMeter::SetShowSetup(bool on) {
 }
 
 void ZelMeter::ComputePoles() {
-  lowPole_ = std::exp(-6.2831852 * lpf_ * tSample_);
-  highPole_ = std::exp(-6.2831852 * hpf_ * tSample_);
+  lowPole_ = std::exp(-TwoPi * lpf_ * tSample_);
+  highPole_ = std::exp(-TwoPi * hpf_ * tSample_);
 }
 
 }  // namespace torvane

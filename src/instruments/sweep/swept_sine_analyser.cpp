@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "core/angle.h"
 #include "core/messages.h"
 #include "instruments/whole_periods.h"
 
@@ -74,7 +75,7 @@ bool ZelSweptDSA::Service(double t) {
     StepFrequency(t);
     BeginPoint(t);
   }
-  excitation_ = std::sin(6.2831852 * f_ * t + phase_) * amplitude_ + offset_;
+  excitation_ = std::sin(TwoPi * f_ * t + phase_) * amplitude_ + offset_;
   if (t >= settleEnd_) {
     for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
     if (t >= measurementEnd_) CompletePoint();
@@ -91,9 +92,9 @@ void ZelSweptDSA::BeginSweep() {
 
 void ZelSweptDSA::StepFrequency(double t) {
   ++pointIndex_;
-  phase_ += 6.2831852 * f_ * t;
+  phase_ += TwoPi * f_ * t;
   f_ = NextFrequency(f_);
-  phase_ -= 6.2831852 * f_ * t;
+  phase_ -= TwoPi * f_ * t;
 }
 
 void ZelSweptDSA::BeginPoint(double t) {

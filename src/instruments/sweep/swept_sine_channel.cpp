@@ -3,6 +3,7 @@
 #include <cmath>
 #include <new>
 
+#include "core/angle.h"
 #include "core/messages.h"
 #include "instruments/analyser/response_reading.h"
 
@@ -46,7 +47,7 @@ void ZelSweptDSAChannel::Sums::Add(const Tick& tick) {
 
 void ZelSweptDSAChannel::Accumulate(double f, double t) {
   if (pending_) sums_.Add(last_);
-  const double angle = 6.2831852 * f * t;
+  const double angle = TwoPi * f * t;
   last_ = {std::sin(angle), std::cos(angle), Signal().DisplayValue()};
   pending_ = true;
 }
