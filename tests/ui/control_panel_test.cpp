@@ -71,6 +71,16 @@ TEST_F(ControlPanelTest, RunSimulatesUntilStop) {
   EXPECT_EQ(Panel->Frames(), frames);
 }
 
+TEST_F(ControlPanelTest, OneKeyRunsAndStops) {
+  QTest::keyClick(Panel.get(), Qt::Key_F9);
+  EXPECT_TRUE(Down("SBRun"));
+  EXPECT_EQ(Find<QAction>("MIRunStop").text(), "Stop");
+  QTest::keyClick(Panel.get(), Qt::Key_F9);
+  EXPECT_TRUE(Down("SBStop"));
+  EXPECT_EQ(Find<QAction>("MIRunStop").text(), "Run");
+  EXPECT_FALSE(Find<QWidget>("SBSave").isVisible() || Find<QWidget>("SBSave").isEnabled());
+}
+
 TEST_F(ControlPanelTest, TheSplashLeavesTheKeysToThePanelAndGoesOnRun) {
   Panel->ShowAtStart(true);
   QPointer<QWidget> splash;
@@ -268,7 +278,7 @@ TEST_F(ControlPanelTest, EveryCommandThatShowsWorks) {
   }
   EXPECT_EQ(commands.join(" ").toStdString(),
             "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
-            "MIUndo MIRedo MIFillScreen MIAbout");
+            "MIUndo MIRedo MIRunStop MIFillScreen MICapture MIWideCapture MIAbout");
   EXPECT_EQ(Find<QAction>("MIUndo").shortcut(), QKeySequence("Ctrl+Z"));
   EXPECT_EQ(Find<QAction>("MIRedo").shortcut(), QKeySequence("Ctrl+Y"));
 }

@@ -1,7 +1,10 @@
 #include "ui/desk/workspace.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
+#include <QLabel>
 #include <QMenu>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -117,6 +120,31 @@ TEST_F(WorkspaceTest, TheWindowMenuShowsAndHidesInstruments) {
   EXPECT_FALSE(menu.actions().back()->isChecked());
   menu.actions().back()->trigger();
   EXPECT_TRUE(generator.isVisible());
+}
+
+TEST_F(WorkspaceTest, ACaptureHoldsAllShownInstrumentsAtItsProportions) {
+  const std::pair<const char*, QSize> captures[] = {{"MICapture", {4, 3}},
+                                                    {"MIWideCapture", {16, 9}}};
+  for (const QSize panel : {QSize(800, 600), Small, QSize(1920, 1080)}) {
+    Panel->resize(panel);
+    for (const auto& [command, proportions] : captures) {
+      Trigger(command);
+      const QImage picture = QApplication::clipboard()->image();
+      EXPECT_NEAR(picture.width() * proportions.height(), picture.height() * proportions.width(),
+                  16);
+      const QRect area(QPoint(), picture.size());
+      const QRect scope = Area().Frames()[0]->geometry();
+      const QRect generator = Area().Frames()[1]->geometry();
+      EXPECT_TRUE(area.contains(scope) && area.contains(generator)) << command << panel.width();
+      EXPECT_FALSE(scope.intersects(generator)) << command << panel.width();
+      EXPECT_EQ(picture.pixelColor(generator.center()),
+                Area().Frames()[1]->grab().toImage().pixelColor(generator.center() -
+                                                                generator.topLeft()));
+    }
+  }
+  const QSize copied = QApplication::clipboard()->image().size();
+  EXPECT_TRUE(Find<QLabel>("LNotice").text().contains(
+      QStringLiteral("%1 x %2 ").arg(copied.width()).arg(copied.height())));
 }
 
 // One start of the program after another, the display a larger or smaller one each time.

@@ -1,5 +1,6 @@
 #include "ui/desk/control_panel.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QMessageBox>
@@ -21,6 +22,7 @@
 #include "ui/session/user_settings.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/held_gestures.h"
+#include "ui/widgets/notice.h"
 #include "ui/widgets/wheel_guard.h"
 #include "ui_control_panel.h"
 
@@ -36,6 +38,8 @@ namespace {
 constexpr int RefreshMilliseconds = 100;
 constexpr int SplashMilliseconds = 4000;
 constexpr QSize LargestStartSize(1680, 1050);
+constexpr QSize Picture(4, 3);  // proportions of what "For Capture" takes
+constexpr QSize WidePicture(16, 9);
 constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
 const QString GeometryKey = QStringLiteral("windowGeometry");
 
@@ -96,6 +100,8 @@ void TZelControlPanelF::ConnectControls() {
   };
   shortcut("Ctrl+R", ui_->SBRun);
   shortcut("Ctrl+.", ui_->SBStop);
+  connect(ui_->MIRunStop, &QAction::triggered, this,
+          [this] { (Running() ? ui_->SBStop : ui_->SBRun)->click(); });
   connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
   connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
   connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, this, [this] {
@@ -116,6 +122,7 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MILoad, &QAction::triggered, files_.get(), &FileCommands::Load);
   connect(ui_->SpeedButton1, &QAbstractButton::clicked, files_.get(), &FileCommands::Load);
   connect(ui_->MISave, &QAction::triggered, files_.get(), &FileCommands::Save);
+  connect(ui_->SBSave, &QAbstractButton::clicked, files_.get(), &FileCommands::Save);
   connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);
   connect(ui_->MIResizeWhenLoading, &QAction::toggled, this,
           [this](bool on) { session_.SetRestoresWindows(on); });
@@ -123,6 +130,14 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->MIFillScreen, &QAction::triggered, ui_->InstrumentArea, &Workspace::FillScreen);
+  connect(ui_->MICapture, &QAction::triggered, this, [this] {
+    Model()->PrepareCapture();
+    CopyCapture(Picture);
+  });
+  connect(ui_->MIWideCapture, &QAction::triggered, this, [this] {
+    Model()->PrepareWideCapture();
+    CopyCapture(WidePicture);
+  });
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }
@@ -190,6 +205,7 @@ bool TZelControlPanelF::Running() const {
 }
 
 void TZelControlPanelF::RunToggled(bool down) {
+  ui_->MIRunStop->setText(down ? QStringLiteral("Stop") : QStringLiteral("Run"));
   if (!Model()) return;
   if (down) {
     driver_.Start(*Model());
@@ -219,6 +235,15 @@ void TZelControlPanelF::RefreshTick() {
 
 void TZelControlPanelF::ShowLoaded() {
   ui_->InstrumentArea->RestorePlacements();
+}
+
+void TZelControlPanelF::CopyCapture(const QSize& proportions) {
+  const QImage picture = ui_->InstrumentArea->Capture(proportions);
+  QGuiApplication::clipboard()->setImage(picture);
+  ShowNotice(*ui_->SBRun, QStringLiteral("A picture of the instruments is on the clipboard: "
+                                         "%1 x %2 pixels")
+                              .arg(picture.width())
+                              .arg(picture.height()));
 }
 
 void TZelControlPanelF::dragEnterEvent(QDragEnterEvent* event) {

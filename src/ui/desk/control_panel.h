@@ -77,6 +77,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void ShowFrame();
   void ShowTime();
   void RefreshTick();
+  void CopyCapture(const QSize& proportions);
   void ResetVariables();
   void RestoreDefaults();
   void ShowAbout();

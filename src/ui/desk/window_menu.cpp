@@ -18,10 +18,9 @@ void WindowMenu::Fill() {
   for (const InstrumentFrame* frame : workspace_.Frames()) {
     const Instrument* instrument = &frame->Pane().Engine();
     QString title = frame->windowTitle();
-    QAction* item = menu_.addAction(frame->windowIcon(), title.replace(u'&', QStringLiteral("&&")));
+    QAction* item = menu_.addAction(title.replace(u'&', QStringLiteral("&&")));
     item->setCheckable(true);
     item->setChecked(frame->IsShown());
-    item->setStatusTip(QStringLiteral("Show or hide this instrument; hidden it goes on measuring"));
     connect(item, &QAction::toggled, &workspace_,
             [this, instrument](bool on) { workspace_.SetShown(*instrument, on); });
     listed_ << item;

@@ -1,16 +1,16 @@
 #include "ui/desk/workspace.h"
 
 #include <QEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <iterator>
 
 #include "ui/panes/instrument_pane.h"
 
 namespace torvane {
 
 namespace {
-
-constexpr int Gap = 4;  // between sub-windows and around them, pixels
 
 // `at` moved into 0 to room - size.
 int Within(int at, int size, int room) {
@@ -203,46 +203,50 @@ void Workspace::CloseAll() {
   frames_.clear();
 }
 
-void Workspace::FillScreen() {
-  const QScopedValueRollback arranging(arranging_, true);
-  std::vector<InstrumentFrame*> scopes;
-  std::vector<InstrumentFrame*> others;
-  for (InstrumentFrame* frame : frames_) {
-    if (!frame->IsShown()) continue;
-    if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
-    const bool isScope = frame->Pane().Engine().Kind() == InstrumentKind::Scope;
-    (isScope ? scopes : others).push_back(frame);
+std::vector<InstrumentFrame*> Workspace::ShownFrames() const {
+  std::vector<InstrumentFrame*> shown;
+  std::copy_if(frames_.begin(), frames_.end(), std::back_inserter(shown),
+               [](const InstrumentFrame* frame) { return frame->IsShown(); });
+  return shown;
+}
+
+std::vector<Tile> Workspace::Tiles() const {
+  std::vector<Tile> tiles;
+  for (const InstrumentFrame* frame : ShownFrames()) {
+    tiles.push_back({frame->Pane().Engine().Kind() == InstrumentKind::Scope,
+                     frame->minimumSizeHint(), frame->sizeHint()});
   }
-  const int columnWidth = PlaceColumn(others);
-  PlaceScopes(scopes, width() - columnWidth);
+  return tiles;
+}
+
+void Workspace::TileOver(const QSize& area) {
+  const QScopedValueRollback arranging(arranging_, true);
+  const std::vector<InstrumentFrame*> shown = ShownFrames();
+  for (InstrumentFrame* frame : shown) {
+    if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
+  }
+  const std::vector<QRect> places = TileArea(Tiles(), area);
+  for (std::size_t i = 0; i < shown.size(); ++i) shown[i]->PlaceAt(places[i]);
+}
+
+void Workspace::FillScreen() {
+  TileOver(size());
   filling_ = true;
 }
 
-// Gives the width that the column takes.
-int Workspace::PlaceColumn(const std::vector<InstrumentFrame*>& frames) {
-  int columnWidth = 0;
-  for (const InstrumentFrame* frame : frames) {
-    columnWidth = std::max(columnWidth, frame->minimumSizeHint().width());
-  }
-  int top = Gap;
-  for (InstrumentFrame* frame : frames) {
-    const int height = frame->sizeHint().height();
-    frame->PlaceAt({width() - columnWidth - Gap, top, columnWidth, height});
-    top += height + Gap;
-  }
-  return frames.empty() ? 0 : columnWidth + Gap;
-}
+QImage Workspace::Capture(const QSize& proportions) {
+  const QSize fitting = proportions.scaled(size(), Qt::KeepAspectRatio);
+  const QSize least = LeastTiledArea(Tiles(), proportions);
+  const QSize area = least.width() > fitting.width() ? least : fitting;
+  TileOver(area);
+  filling_ = false;
 
-void Workspace::PlaceScopes(const std::vector<InstrumentFrame*>& frames, int width) {
-  if (frames.empty()) return;
-  const int count = static_cast<int>(frames.size());
-  const int each = (height() - Gap) / count;
-  for (int k = 0; k < count; ++k) {
-    InstrumentFrame* frame = frames[static_cast<std::size_t>(k)];
-    const QSize least = frame->minimumSizeHint();
-    frame->PlaceAt({Gap, Gap + k * each, std::max(width - 2 * Gap, least.width()),
-                    std::max(each - Gap, least.height())});
-  }
+  QImage picture(area * devicePixelRatioF(), QImage::Format_RGB32);
+  picture.setDevicePixelRatio(devicePixelRatioF());
+  QPainter painter(&picture);
+  painter.fillRect(QRect(QPoint(), area), background());
+  for (InstrumentFrame* frame : ShownFrames()) frame->render(&painter, frame->pos());
+  return picture;
 }
 
 void Workspace::resizeEvent(QResizeEvent* event) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QImage>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <memory>
 #include <vector>
 
 #include "core/instrument.h"
+#include "ui/desk/tiling.h"
 
 namespace torvane {
 
@@ -71,9 +73,12 @@ class Workspace : public QMdiArea {
   /// Whether the sub-windows fill the area, as long as the user moves none.
   bool IsFilled() const { return filling_; }
 
-  /// Scopes share the area's left part from top to bottom; the other instruments stand in a column
-  /// at its right edge, each as large as it needs.
+  /// Tiles the area with the instruments that are shown (TileArea).
   void FillScreen();
+
+  /// Tiles an area of the given proportions, the largest in the workspace that holds all windows,
+  /// and takes its picture. Where the workspace is too small the area goes beyond it.
+  QImage Capture(const QSize& proportions);
 
   const std::vector<InstrumentFrame*>& Frames() const { return frames_; }
 
@@ -86,8 +91,9 @@ class Workspace : public QMdiArea {
   void Arrange();
   InstrumentFrame* AddFrame(std::unique_ptr<InstrumentPane> pane);
   InstrumentFrame* FrameOf(const Instrument& instrument) const;
-  int PlaceColumn(const std::vector<InstrumentFrame*>& frames);
-  void PlaceScopes(const std::vector<InstrumentFrame*>& frames, int width);
+  std::vector<InstrumentFrame*> ShownFrames() const;
+  std::vector<Tile> Tiles() const;
+  void TileOver(const QSize& area);
 
   std::vector<InstrumentFrame*> frames_;
   bool filling_ = true;     // sub-windows follow the area's size
