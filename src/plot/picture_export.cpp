@@ -94,7 +94,7 @@ Writer WriterFor(const QString& ending) {
 }
 
 void PaintScope(QPainter& painter, const ZelScope& scope, const ScopeScreen& screen) {
-  ScopePainter picture(scope);
+  ScopePainter picture(scope, PaintTime::Unbounded);
   picture.Layout(PictureSize * Ratio, Ratio, MakeScopeLabels(scope, nullptr));
   picture.PaintBackground(painter, ScopeColours::Light());
   picture.PaintTraces(painter, screen);

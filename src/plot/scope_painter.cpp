@@ -188,7 +188,7 @@ QRect ScopePainter::PaintFrom(int first, QPainter& painter, const ScopeScreen& s
   const ScreenPixels pixels(plate_.width(), plate_.height());
   pixels.XOfPoints(scope_, screen, first, x_);
   const std::vector<std::size_t> displayed = scope_.DisplayedChannels();
-  TracePainter traces(painter, plate_.size(), ratio_, displayed.size());
+  TracePainter traces(painter, plate_.size(), ratio_, displayed.size(), time_);
   QRect area;
   for (const std::size_t k : displayed) {
     const ZelChannel& channel = *scope_.Channels()[k];

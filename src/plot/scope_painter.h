@@ -19,7 +19,8 @@ namespace torvane {
 /// line design.
 class ScopePainter {
  public:
-  explicit ScopePainter(const ZelScope& scope) : scope_(scope) {}
+  explicit ScopePainter(const ZelScope& scope, PaintTime time = PaintTime::Frame)
+      : scope_(scope), time_(time) {}
 
   /// Area of the whole picture. Finds room for the labels; what is left is the screen's.
   void Layout(const QSize& size, double pixelRatio, const ScopeLabels& labels);
@@ -49,6 +50,7 @@ class ScopePainter {
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   const ZelScope& scope_;
+  PaintTime time_;
   ScopeLabels labels_;
   double ratio_ = 1.0;
   QSize size_;

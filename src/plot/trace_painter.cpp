@@ -76,7 +76,7 @@ void TracePainter::PaintPixels(const QColor& colour) {
         return sum + std::abs(line.dx()) + std::abs(line.dy());
       });
   const double share = ink * traces_;
-  if (share <= SmoothInk) {
+  if (time_ == PaintTime::Unbounded || share <= SmoothInk) {
     painter_.drawLines(lines_);
     return;
   }

@@ -22,17 +22,25 @@ struct EdgeMarks {
   int Below = -1;
 };
 
+/// How long painting may take: a live window's frame is due, a picture's file can wait.
+enum class PaintTime { Frame, Unbounded };
+
 /// Paints traces: lines through their points, and where a trace leaves the screen small arrows in
 /// its colour at that edge, which say that it goes on.
 ///
-/// On pixels its time is bounded: traces that swing to and fro so much that smooth lines would take
-/// too long are painted with plain ones, and beyond that as the ranges that they cover.
+/// On pixels a frame's time is bounded: traces that swing to and fro so much that smooth lines
+/// would take too long are painted with plain ones, and beyond that as the ranges that they cover.
 class TracePainter {
  public:
   /// Paints onto an area of the given size at the painter's origin; `ratio` of its pixels make one
   /// pixel of design. So many traces share the time.
-  TracePainter(QPainter& painter, const QSize& area, double ratio, std::size_t traces)
-      : painter_(painter), area_(area), ratio_(ratio), traces_(static_cast<double>(traces)) {}
+  TracePainter(QPainter& painter, const QSize& area, double ratio, std::size_t traces,
+               PaintTime time)
+      : painter_(painter),
+        area_(area),
+        ratio_(ratio),
+        traces_(static_cast<double>(traces)),
+        time_(time) {}
 
   /// Lines from the first point to the last, and the marks that are due. Gives the rectangle
   /// painted in.
@@ -51,6 +59,7 @@ class TracePainter {
   QSize area_;
   double ratio_;
   double traces_;
+  PaintTime time_;
   QPolygon run_;  // of points that lie within reach of the area
   QVector<QLine> lines_;
   QRect painted_;

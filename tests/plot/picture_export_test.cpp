@@ -48,6 +48,27 @@ TEST_F(PictureExportTest, ImagesShowTheTraces) {
   EXPECT_GT(blue, image.width() / 2);
 }
 
+// A file has time for every line of a trace that a live screen paints as ranges with gaps between.
+TEST_F(PictureExportTest, ImagesShowEveryLineOfADenseTrace) {
+  for (int i = 0; i < 801; ++i) {
+    set_.Speed.Value = i % 8 < 4 ? 1.5 : -1.5;
+    set_.Sample(1);
+  }
+  set_.Scope.CopyScreen(ScopeSweep::Whole, screen_);
+  ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("dense.png"), error_)) << error_;
+  const QImage image(QString::fromStdString(Path("dense.png")));
+  int columns = 0;
+  for (int x = 0; x < image.width(); ++x) {
+    bool blue = false;
+    for (int y = 0; y < image.height() && !blue; ++y) {
+      const QColor colour = image.pixelColor(x, y);
+      blue = colour.blue() > colour.red() + 100;
+    }
+    columns += blue;
+  }
+  EXPECT_GT(columns, image.width() * 3 / 4);
+}
+
 TEST_F(PictureExportTest, DrawingsKeepTextAndLines) {
   ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("scope.svg"), error_)) << error_;
   const QByteArray svg = Read(Path("scope.svg"));
