@@ -8,11 +8,12 @@ namespace torvane {
 /// and legends ("Blk", "Blue", ...), so they keep it on a dark desktop too: the plate under them
 /// stays light, only dimmed, while everything around it follows the desktop.
 struct ScopeColours {
-  QColor Around;      ///< behind tick labels and legend
-  QColor Text;        ///< tick labels and legend
-  QColor Plate;       ///< behind the traces
-  QColor Grid;        ///< division lines
-  QColor Axis;        ///< centre axes and their ticks
+  QColor Around;  ///< behind tick labels and legend
+  QColor Text;    ///< tick labels and legend
+  QColor Plate;   ///< behind the traces
+  QColor Grid;    ///< division lines
+  QColor Axis;    ///< centre axes and their ticks
+  QColor Cursor;
   QColor LegendBack;  ///< behind a trace's mark in the legend
 
   static ScopeColours Light();

@@ -168,6 +168,21 @@ void ScopePainter::PaintLegend(QPainter& painter, const ScopeColours& colours) c
   }
 }
 
+// Numbered, for the keyboard and the read-out name them so.
+void ScopePainter::PaintCursors(QPainter& painter, const ScopeColours& colours) const {
+  if (scope_.XYMode()) return;
+  const ScopeCursors& cursors = scope_.Cursors();
+  painter.setFont(numberFont_);
+  painter.setPen(QPen(colours.Cursor, std::max(1, Scaled(1.0)), Qt::DashLine));
+  for (int k = 0; k < cursors.Mode; ++k) {
+    const int x = plate_.left() + cursors.X[static_cast<std::size_t>(k)];
+    if (x > plate_.right()) continue;
+    painter.drawLine(x, plate_.top(), x, plate_.bottom());
+    painter.drawText(x + Scaled(TickLength), plate_.bottom() - Scaled(LabelGap),
+                     QString::number(k + 1));
+  }
+}
+
 void ScopePainter::PaintTraces(QPainter& painter, const ScopeScreen& screen) {
   drawn_ = 0;
   marks_.assign(scope_.Channels().size(), {});

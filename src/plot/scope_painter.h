@@ -37,6 +37,9 @@ class ScopePainter {
   /// area drawn in.
   QRect PaintNew(QPainter& painter, const ScopeScreen& screen);
 
+  /// The scope's cursors, as far as they are on.
+  void PaintCursors(QPainter& painter, const ScopeColours& colours) const;
+
   /// Something to draw for PaintNew.
   bool HasNew(const ScopeScreen& screen) const { return drawn_ != screen.PointCount(); }
 

@@ -7,8 +7,13 @@
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QRadioButton>
+#include <QSplitter>
+#include <QTableWidget>
 
+#include "core/text.h"
 #include "desktop.h"
+#include "instruments/scope/scope_cursors.h"
+#include "ui/panes/scope_paint_box.h"
 
 namespace torvane {
 namespace {
@@ -261,6 +266,94 @@ TEST_F(ScopeWindowTest, TheLampShowsTriggerEvents) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(0x00ff00); }));
   Click("SBStop");
   EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(0xc0c0c0); }, 2000));
+}
+
+TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
+  Click("CBSingleShot");  // a whole sweep stays on the screen
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
+  QCoreApplication::processEvents();
+  Click("PageMeasure");
+  Click("SBTwoCursors");
+  auto& table = Find<QTableWidget>("SGCursors");
+  auto& screen = Find<ScopePaintBox>("PBScreen");
+  ASSERT_TRUE(table.isVisible());
+  const auto drag = [&](int from, int to) {
+    QTest::mousePress(&screen, Qt::LeftButton, {}, {from, 50});
+    for (const int x : {(from + to) / 2, to}) QTest::mouseMove(&screen, {x, 50});
+    QTest::mouseRelease(&screen, Qt::LeftButton, {}, {to, 50});
+  };
+  drag(220, 300);  // the second cursor, which stands further right
+  drag(110, 500);  // the first
+  drag(280, 400);
+  EXPECT_EQ(Scope().Cursors().X[0] - Scope().Cursors().X[1], 100);
+  const CursorReading two = ReadCursors(Scope(), screen.Screen(), screen.Pixels()).value();
+  EXPECT_NEAR(two.Time, 100.0 / screen.Pixels().Width() * 0.02, 0.0001);
+  ASSERT_EQ(table.rowCount(), 2);
+  EXPECT_EQ(table.item(1, 1)->text(), QString::fromStdString(FormatEdit(two.Values[1])));
+  for (int change = 0; change < 4; ++change) Click("SBUndo");
+  EXPECT_FALSE(table.isVisible());
+  EXPECT_EQ(Scope().Cursors().X, ScopeCursors().X);
+
+  Click("SBOneCursor");
+  EXPECT_TRUE(table.isVisible());
+  Type("EHorizScale", "1e9");  // nothing of its sweep stands on the screen yet
+  Scope().Trigger().SetMode(SweepMode::Cont);
+  RunFor(0.01);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return table.item(1, 1)->text() == "Unavailable"; }, 3000));
+  List("CmBHorizChan").setCurrentIndex(1);
+  EXPECT_FALSE(table.isVisible());
+  Click("SBTwoCursors");
+  EXPECT_EQ(Reports.Take(), Messages{"Note: Scope cursors are not active in X-Y Mode"});
+  List("CmBHorizChan").setCurrentIndex(0);
+  EXPECT_TRUE(table.isVisible());
+}
+
+TEST_F(ScopeWindowTest, TheScreenGetsTheRoomOfWhatIsHidden) {
+  const auto height = [&] {
+    QCoreApplication::processEvents();
+    return Find<QWidget>("PBScreen").height();
+  };
+  const int before = height();
+  Click("SBHide");
+  EXPECT_GT(height(), before);
+  Click("PageTrigger");
+  EXPECT_EQ(height(), before);
+  const int plate = Find<ScopePaintBox>("PBScreen").Pixels().Height();
+  Click("PageMeasure");
+  Click("SBScaleDisplay");
+  EXPECT_GT(Find<ScopePaintBox>("PBScreen").Pixels().Height(), plate);
+}
+
+TEST_F(ScopeWindowTest, TheTimeBaseIsFittedToTheCommand) {
+  const std::pair<const char*, const char*> scales[] = {
+      {"20", "0.01"}, {"21", "0.01"}, {"15", "0.02"}};
+  for (const auto& [frequency, scale] : scales) {
+    Type("EFreqHz", frequency);
+    Click("BHorizAuto");
+    EXPECT_EQ(Text("EHorizScale"), scale) << frequency;
+  }
+}
+
+TEST_F(ScopeWindowTest, TheConstantsPanelIsRecordedAndRestored) {
+  auto& splitter = Find<QSplitter>("Splitter1");
+  auto& constants = Find<QWidget>("SGConsts");
+  const int before = constants.width();
+  QWidget& handle = *splitter.handle(1);
+  const QPoint grip = handle.rect().center();
+  QTest::mousePress(&handle, Qt::LeftButton, {}, grip);
+  for (const int x : {-20, -60}) QTest::mouseMove(&handle, grip + QPoint(x, 0));
+  QTest::mouseRelease(&handle, Qt::LeftButton, {}, grip);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Scope().ConstForm().Width, constants.width());
+  EXPECT_NE(constants.width(), before);
+  Click("SBUndo");
+  EXPECT_EQ(constants.width(), before);
+  Scope().SetConstForm({true, 300, 120});
+  EXPECT_EQ(constants.width(), 300);
+  EXPECT_EQ(Find<QTableWidget>("SGConsts").columnWidth(0), 120);
+  Scope().SetConstForm({false, 300, 120});
+  EXPECT_EQ(splitter.sizes().value(1), 0);
 }
 
 TEST_F(ScopeWindowTest, SettingsChangedElsewhereAreShown) {

@@ -150,4 +150,15 @@ void ZelScope::SetConstForm(const ConstantsPanel& panel) {
   Change(change, [] { return "Constants Panel"; });
 }
 
+void ZelScope::SetCursorMode(int mode) {
+  static constexpr std::array captions{"No Cursors", "One Cursor", "Two Cursors"};
+  Change([&] { cursors_.Mode = std::clamp(mode, 0, 2); },
+         [&] { return std::string(captions[static_cast<std::size_t>(cursors_.Mode)]); });
+}
+
+void ZelScope::SetCursorX(std::size_t cursor, int x) {
+  Change([&] { cursors_.X.at(cursor) = std::clamp(x, 0, ScopeCursors::Farthest); },
+         [&] { return "Cursor " + std::to_string(cursor + 1); });
+}
+
 }  // namespace torvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -23,6 +24,15 @@ struct ConstantsPanel {
   bool Shown = true;
   int Width = 0;
   int NameWidth = 0;  ///< of the column of names
+};
+
+/// Upright lines on the screen, at which values are read. They stand at pixels of the screen as it
+/// is shown, whatever is drawn there, and no file keeps them.
+struct ScopeCursors {
+  static constexpr int Farthest = 32767;
+
+  int Mode = 0;  ///< number of cursors, 0 to 2
+  std::array<int, 2> X{10, 20};
 };
 
 /// Oscilloscope: records every offered signal of a bench, waits for its trigger and fills a screen
@@ -85,6 +95,12 @@ class ZelScope final : public Instrument {
   bool SingleShot() const { return singleShot_; }
   void SetSingleShot(bool on);
 
+  const ScopeCursors& Cursors() const { return cursors_; }
+  /// Limited to 0 ... 2.
+  void SetCursorMode(int mode);
+  /// Moves cursor 0 or 1; limited to 0 ... ScopeCursors::Farthest.
+  void SetCursorX(std::size_t cursor, int x);
+
   int ScreenLength() const { return memory_.ScreenLength(); }
   int RingLength() const { return memory_.RingLength(); }
   double SampleInterval() const { return interval_; }
@@ -105,6 +121,7 @@ class ZelScope final : public Instrument {
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
+  void SaveState(RecordWriter& writer) const override;
   void LoadState(const Record& record) override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
@@ -129,6 +146,7 @@ class ZelScope final : public Instrument {
   void LoadChannel(const Record& record);
   void LoadTriggerRecord(const Record& record);
   void LoadConstForm(const Record& record);
+  void LoadCursors(const Record& record);
   void ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption);
 
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none
@@ -143,6 +161,7 @@ class ZelScope final : public Instrument {
   ZelTrigger* trigger_;
   TriggerLamp lamp_;
   ConstantsPanel constForm_;
+  ScopeCursors cursors_;
   std::vector<LoadedTrace> loaded_;  // of a file that is being read
   bool restoring_ = false;           // records of an undo, not of a file
 };

@@ -17,6 +17,8 @@ namespace {
 constexpr const char* WrongCount = "Wrong number of entries in ";
 constexpr const char* WrongFileCount = "File error:  wrong number entries in ";
 
+constexpr const char* CursorsKeyword = "Cursors";
+
 // Of the records with a value for each setting of a channel or of the constants panel.
 constexpr std::size_t ChannelEntries = 10;
 constexpr std::size_t ConstFormEntries = 6;
@@ -56,9 +58,19 @@ void ZelScope::LoadRecord(const Record& record) {
   }
 }
 
+void ZelScope::SaveState(RecordWriter& writer) const {
+  SaveRecords(writer);
+  writer.Write(CursorsKeyword, {std::to_string(cursors_.Mode), std::to_string(cursors_.X[0]),
+                                std::to_string(cursors_.X[1])});
+}
+
 void ZelScope::LoadState(const Record& record) {
   restoring_ = true;
-  LoadRecord(record);
+  if (record.Keyword() == CursorsKeyword) {
+    LoadCursors(record);
+  } else {
+    LoadRecord(record);
+  }
 }
 
 void ZelScope::LoadChannel(const Record& record) {
@@ -110,6 +122,13 @@ void ZelScope::LoadConstForm(const Record& record) {
   const std::optional<int> nameWidth = ToInteger(record.Fields[5]);
   if (!width || !nameWidth) return;
   SetConstForm({IsOn(record.Fields[3]), *width, *nameWidth});
+}
+
+void ZelScope::LoadCursors(const Record& record) {
+  SetCursorMode(ToInteger(record.Field(3)).value_or(0));
+  for (std::size_t cursor = 0; cursor < cursors_.X.size(); ++cursor) {
+    SetCursorX(cursor, ToInteger(record.Field(4 + cursor)).value_or(0));
+  }
 }
 
 void ZelScope::FinishLoading(const std::function<void(int line)>& atLine) {

@@ -1,10 +1,13 @@
 #include "ui/panes/scope_paint_box.h"
 
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 namespace torvane {
 
@@ -18,8 +21,9 @@ QSize LargestPicture(const QWidget& widget) {
   return widget.screen()->virtualSize().expandedTo(QSize(2560, 1600));
 }
 
-bool IsDark(const QPalette& palette) {
-  return palette.color(QPalette::Window).lightness() < 128;
+ScopeColours Colours(const QPalette& palette) {
+  const bool dark = palette.color(QPalette::Window).lightness() < 128;
+  return dark ? ScopeColours::Dark() : ScopeColours::Light();
 }
 
 }  // namespace
@@ -37,6 +41,21 @@ void ScopePaintBox::SetScope(ZelScope& scope) {
 void ScopePaintBox::SetReference(const ZelChannel* channel) {
   reference_ = channel;
   Refresh();
+}
+
+void ScopePaintBox::SetScalesShown(bool shown) {
+  scalesShown_ = shown;
+  Refresh();
+}
+
+ScopeLabels ScopePaintBox::Labels() const {
+  ScopeLabels labels = MakeScopeLabels(*scope_, reference_);
+  if (!scalesShown_) labels.Legend.clear();
+  return labels;
+}
+
+ScreenPixels ScopePaintBox::Pixels() const {
+  return {painter_->Plate().width(), painter_->Plate().height()};
 }
 
 // Time counts only while the sweep moves: it may wait for its trigger, or the run may stand still.
@@ -61,7 +80,7 @@ void ScopePaintBox::Refresh() {
   WatchSweeps();
   scope_->CopyScreen(Shown(), screen_);
   const bool changed = scope_->TakeNeedsRedraw();
-  if (stale_ || ratio_ != devicePixelRatioF() || labels_ != MakeScopeLabels(*scope_, reference_)) {
+  if (stale_ || ratio_ != devicePixelRatioF() || labels_ != Labels()) {
     Prepare();
     PaintAll();
     update();
@@ -79,14 +98,13 @@ void ScopePaintBox::Refresh() {
 // Lays the picture out and paints what stays the same from frame to frame.
 void ScopePaintBox::Prepare() {
   ratio_ = devicePixelRatioF();
-  labels_ = MakeScopeLabels(*scope_, reference_);
+  labels_ = Labels();
   const QSizeF area = size().boundedTo(LargestPicture(*this));
   const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
   painter_->Layout(pixels, ratio_, labels_);
   background_ = QPixmap(pixels);
   QPainter painter(&background_);
-  painter_->PaintBackground(painter,
-                            IsDark(palette()) ? ScopeColours::Dark() : ScopeColours::Light());
+  painter_->PaintBackground(painter, Colours(palette()));
   painter.end();
   picture_ = background_.copy();
   picture_.setDevicePixelRatio(ratio_);
@@ -104,7 +122,38 @@ void ScopePaintBox::PaintAll() {
 }
 
 void ScopePaintBox::paintEvent(QPaintEvent*) {
-  QPainter(this).drawPixmap(0, 0, picture_);
+  QPainter painter(this);
+  painter.drawPixmap(0, 0, picture_);
+  if (!painter_) return;
+  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter_->PaintCursors(painter, Colours(palette()));
+}
+
+int ScopePaintBox::PlateX(const QMouseEvent& event) const {
+  const int x = static_cast<int>(std::lround(event.position().x() * ratio_));
+  return std::clamp(x - painter_->Plate().left(), 0, painter_->Plate().width() - 1);
+}
+
+void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton || scope_->XYMode()) return;
+  const ScopeCursors& cursors = scope_->Cursors();
+  if (cursors.Mode == 0) return;
+  const int x = PlateX(*event);
+  const bool second = cursors.Mode == 2 && std::abs(x - cursors.X[1]) < std::abs(x - cursors.X[0]);
+  dragged_ = second ? 1 : 0;
+  emit DragBegun();
+  scope_->SetCursorX(*dragged_, x);
+}
+
+void ScopePaintBox::mouseMoveEvent(QMouseEvent* event) {
+  if (dragged_) scope_->SetCursorX(*dragged_, PlateX(*event));
+}
+
+void ScopePaintBox::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton || !dragged_) return;
+  scope_->SetCursorX(*dragged_, PlateX(*event));
+  dragged_.reset();
+  emit DragEnded();
 }
 
 void ScopePaintBox::resizeEvent(QResizeEvent*) {

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <optional>
 
+#include "instruments/scope/screen_pixels.h"
 #include "plot/scope_painter.h"
 
 namespace torvane {
@@ -14,7 +15,7 @@ namespace torvane {
 /// It shows one whole sweep, the last complete one; when a sweep takes longer than a tenth of a
 /// second, the sweep as it grows and nothing of the one before. Points of a growing sweep are drawn
 /// onto a backing picture, never more than what is new; another sweep or a changed setting paints
-/// all of it.
+/// all of it. The mouse drags the cursor that is nearer.
 class ScopePaintBox : public QWidget {
   Q_OBJECT
 
@@ -30,10 +31,24 @@ class ScopePaintBox : public QWidget {
   /// The sweep that is shown.
   ScopeSweep Shown() const { return slowSweeps_ ? ScopeSweep::Present : ScopeSweep::Whole; }
 
+  /// Its points, as of the last frame, and where they stand.
+  const ScopeScreen& Screen() const { return screen_; }
+  ScreenPixels Pixels() const;
+
+  /// The scales of the traces under the screen.
+  void SetScalesShown(bool shown);
+
   /// Brings the picture up to date with the engine; cheap when nothing has changed.
   void Refresh();
 
+ signals:
+  void DragBegun();
+  void DragEnded();
+
  protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
@@ -43,6 +58,8 @@ class ScopePaintBox : public QWidget {
   void WatchSweeps();
   void Prepare();
   void PaintAll();
+  ScopeLabels Labels() const;
+  int PlateX(const QMouseEvent& event) const;
 
   ZelScope* scope_ = nullptr;
   std::optional<ScopePainter> painter_;
@@ -51,7 +68,9 @@ class ScopePaintBox : public QWidget {
   QPixmap background_;
   QPixmap picture_;
   double ratio_ = 0.0;  // device pixels a pixel that background_ was made for
-  bool stale_ = true;   // the background must be made anew
+  bool scalesShown_ = true;
+  std::optional<std::size_t> dragged_;  // cursor
+  bool stale_ = true;                   // the background must be made anew
 
   ScopeScreen screen_;  // kept, so that a frame allocates nothing
   std::uint64_t sweepPainted_ = 0;

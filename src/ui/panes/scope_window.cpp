@@ -6,15 +6,20 @@
 #include <QRegularExpression>
 #include <QSignalBlocker>
 #include <algorithm>
+#include <array>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
+#include "library/wave.h"
 #include "plot/scope_colours.h"
 #include "ui/panes/add_dialog.h"
 #include "ui/panes/constants_grid.h"
+#include "ui/panes/constants_splitter.h"
+#include "ui/panes/cursors_window.h"
 #include "ui/panes/trigger_controls.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
+#include "ui/widgets/notice.h"
 #include "ui_scope.h"
 
 namespace torvane {
@@ -78,9 +83,8 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
   ui_->PBScreen->SetScope(scope);
   constants_ = new ConstantsGrid(*ui_->SGConsts, bench);
-  ui_->Splitter1->setStretchFactor(0, 1);
-  ui_->Splitter1->setStretchFactor(1, 0);
-  ui_->Splitter1->setSizes({3 * ConstantsWidth, ConstantsWidth});
+  splitter_ = new ConstantsSplitter(*ui_->Splitter1, *ui_->SGConsts, scope, ConstantsWidth, this);
+  cursors_ = new CursorsWindow(scope, this);
   FillChannelLists();
   ConnectVertical();
   for (QAbstractButton* button : {ui_->BVertAdd, ui_->BVertRemove}) {
@@ -91,6 +95,9 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   ConnectTriggerSource();
   trigger_ = new TriggerControls(*ui_, scope, this);
   ConnectPages();
+  ConnectCursors(bench.History());
+  connect(ui_->BHorizAuto, &QAbstractButton::clicked, this,
+          [this, &bench] { ShowTwoPeriods(bench); });
   SettingsChanged();
 }
 
@@ -169,12 +176,47 @@ void TZelScopeF::ConnectTriggerSource() {
 
 void TZelScopeF::ConnectPages() {
   const std::pair<QAbstractButton*, QWidget*> pages[] = {{ui_->PageScales, ui_->ScalesPage},
-                                                         {ui_->PageTrigger, ui_->TriggerPage}};
+                                                         {ui_->PageTrigger, ui_->TriggerPage},
+                                                         {ui_->PageMeasure, ui_->MeasurePage}};
   for (const auto& [button, page] : pages) {
-    connect(button, &QAbstractButton::clicked, this,
-            [this, page = page] { ui_->Pages->setCurrentWidget(page); });
+    connect(button, &QAbstractButton::clicked, this, [this, page = page] {
+      ui_->Pages->setCurrentWidget(page);
+      ui_->SBHide->setChecked(false);
+    });
   }
+  connect(ui_->SBHide, &QAbstractButton::toggled, this,
+          [this](bool hide) { ui_->Pages->setVisible(!hide); });
+  connect(ui_->SBScaleDisplay, &QAbstractButton::toggled, ui_->PBScreen,
+          &ScopePaintBox::SetScalesShown);
   ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
+}
+
+void TZelScopeF::ConnectCursors(ZelUndo& history) {
+  const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
+  for (int mode = 0; QAbstractButton * button : modes) {
+    connect(button, &QAbstractButton::clicked, this, [this, mode] {
+      scope_.SetCursorMode(mode);
+      if (mode > 0 && scope_.XYMode()) Note("Scope cursors are not active in X-Y Mode");
+    });
+    ++mode;
+  }
+  connect(ui_->PBScreen, &ScopePaintBox::DragBegun, this, [&] { history.BeginGesture(); });
+  connect(ui_->PBScreen, &ScopePaintBox::DragEnded, this, [&] { history.EndGesture(); });
+}
+
+// The next scale of 1, 2, 5, 10 that shows two periods of the command.
+void TZelScopeF::ShowTwoPeriods(const ZelBenchTop& bench) {
+  const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
+  const auto* command =
+      generators.empty() ? nullptr : dynamic_cast<const ZelWave*>(generators.front());
+  if (!command || command->Settings().FreqHz <= 0.0) {
+    ShowNotice(*ui_->BHorizAuto, QStringLiteral("The command has no period"));
+    return;
+  }
+  const double time = scope_.TimeChannel().Signal().Multiplier() * 2.0 / command->Settings().FreqHz;
+  const double least = time / ZelScope::HorizontalDivisions;
+  // A scale that fits to the rounding is not passed over.
+  SetHorizontal(NextHighest125(least * 0.99999), XChannel().Horizontal().Offset);
 }
 
 // Lists name each displayed channel with its colour, so they change with the set of traces.
@@ -232,7 +274,28 @@ void TZelScopeF::ShowHorizontal() {
            ui_->BBHorizOffsetSign, ui_->BHorizZero}) {
     control->setEnabled(!timeAxis);
   }
+  ui_->BHorizAuto->setEnabled(timeAxis);
   ui_->PBScreen->Refresh();
+}
+
+void TZelScopeF::ShowCursors() {
+  const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
+  modes[static_cast<std::size_t>(scope_.Cursors().Mode)]->setChecked(true);
+  ui_->PBScreen->update();
+  const bool shown = scope_.Cursors().Mode > 0 && !scope_.XYMode() && isVisible();
+  ShowReading();
+  if (shown && !cursors_->isVisible()) {
+    // At first over the lower end of the constants.
+    const QPoint corner =
+        ui_->Splitter1->mapToGlobal(ui_->Splitter1->rect().bottomRight() - QPoint(16, 40));
+    if (cursors_->pos().isNull()) cursors_->move(corner - cursors_->rect().bottomRight());
+  }
+  cursors_->setVisible(shown);
+}
+
+void TZelScopeF::ShowReading() {
+  if (scope_.Cursors().Mode == 0) return;
+  cursors_->ShowReading(ReadCursors(scope_, ui_->PBScreen->Screen(), ui_->PBScreen->Pixels()));
 }
 
 void TZelScopeF::SetVertical(double scale, double offset) {
@@ -297,6 +360,7 @@ void TZelScopeF::ShowFrame() {
 void TZelScopeF::Redraw() {
   ui_->PBScreen->Refresh();
   ShowLamp();
+  ShowReading();
 }
 
 void TZelScopeF::ShowLamp() {
@@ -313,6 +377,8 @@ void TZelScopeF::SettingsChanged() {
   ShowVertical();
   ShowHorizontal();
   trigger_->Show();
+  splitter_->Show();
+  ShowCursors();
 }
 
 void TZelScopeF::ConstantChanged(const std::string& name) {
@@ -326,12 +392,15 @@ void TZelScopeF::closeEvent(QCloseEvent* event) {
 
 void TZelScopeF::hideEvent(QHideEvent* event) {
   InstrumentPane::hideEvent(event);
-  if (!event->spontaneous()) constants_->HideDialogs();
+  if (event->spontaneous()) return;
+  constants_->HideDialogs();
+  cursors_->hide();
 }
 
 void TZelScopeF::showEvent(QShowEvent* event) {
   InstrumentPane::showEvent(event);
   ShowLamp();
+  ShowCursors();
 }
 
 // The panels of a page stand side by side where there is room, else one below the other.

@@ -14,6 +14,8 @@ namespace torvane {
 class ConstantsGrid;
 class EditBinding;
 class TriggerControls;
+class ConstantsSplitter;
+class CursorsWindow;
 
 namespace Ui {
 class TZelScopeF;
@@ -44,6 +46,10 @@ class TZelScopeF : public InstrumentPane {
   void ConnectVertical();
   void ConnectHorizontal();
   void ConnectPages();
+  void ConnectCursors(ZelUndo& history);
+  void ShowTwoPeriods(const ZelBenchTop& bench);
+  void ShowCursors();
+  void ShowReading();
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
@@ -67,6 +73,8 @@ class TZelScopeF : public InstrumentPane {
   EditBinding* horizScale_ = nullptr;
   EditBinding* horizOffset_ = nullptr;
   TriggerControls* trigger_ = nullptr;
+  ConstantsSplitter* splitter_ = nullptr;
+  CursorsWindow* cursors_ = nullptr;
 };
 
 }  // namespace torvane

@@ -2,8 +2,10 @@
 
 #include <QAbstractButton>
 #include <QCoreApplication>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QSlider>
+#include <QSplitter>
 #include <utility>
 
 #include "core/undo.h"
@@ -14,7 +16,8 @@ namespace {
 
 bool CanBeHeld(QObject* control) {
   const auto* button = qobject_cast<QAbstractButton*>(control);
-  return (button && button->autoRepeat()) || qobject_cast<QSlider*>(control);
+  return (button && button->autoRepeat()) || qobject_cast<QSlider*>(control) ||
+         qobject_cast<QSplitterHandle*>(control) || qobject_cast<QHeaderView*>(control->parent());
 }
 
 bool IsRepeated(const QEvent* event) {

@@ -7,8 +7,8 @@ namespace torvane {
 
 class ZelUndo;
 
-/// Makes one undo entry of what a held button or a slider does between press and release, by mouse
-/// or by key. Watches the whole application.
+/// Makes one undo entry of what a held button, a slider, a splitter or a header does between press
+/// and release, by mouse or by key. Watches the whole application.
 class HeldGestures : public QObject {
  public:
   /// `history` gives the history of the present model; nullptr when there is none.
