@@ -39,6 +39,8 @@ CursorsWindow::CursorsWindow(ZelScope& scope, QWidget* parent)
   setAttribute(Qt::WA_ShowWithoutActivating);
   table_->setObjectName(QStringLiteral("SGCursors"));
   table_->setAccessibleName(QStringLiteral("Values at the cursors"));
+  table_->setToolTip(
+      QStringLiteral("Each trace at the cursor, or its change from cursor to cursor"));
   table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   table_->setSelectionMode(QAbstractItemView::NoSelection);
   table_->setShowGrid(false);
