@@ -11,18 +11,19 @@ namespace {
 constexpr double StepsPerLook = 256.0;  // between two questions whether the time is up
 }  // namespace
 
-PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp) {
+PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp, double until) {
   ZelBenchTop& bench = model.Bench();
   const double span = StepsPerLook * model.Solver().Step();
-  double nextLook = bench.Time() + span;
+  double nextLook = std::min(bench.Time() + span, until);
   for (int chunk = 0; chunk < ChunksPerPass; ++chunk) {
     if (bench.AnyScopeBusy()) return PassResult::Paused;
+    if (bench.Time() >= until) return PassResult::Running;
     const double stop = bench.NextStopTime();
     while (bench.Time() < stop) {
       model.Solver().RunUntil(std::min(stop, nextLook));
       if (bench.Time() < nextLook) break;
-      if (timeUp && timeUp()) return PassResult::Running;
-      nextLook = bench.Time() + span;
+      if (bench.Time() >= until || (timeUp && timeUp())) return PassResult::Running;
+      nextLook = std::min(bench.Time() + span, until);
     }
     if (!bench.ServiceInstruments()) return PassResult::Stopped;
   }

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <functional>
+#include <limits>
 
 namespace torvane {
 
@@ -19,9 +20,10 @@ enum class PassResult {
 
 /// One pass of a running model: up to ChunksPerPass chunks. Every few hundred steps it asks whether
 /// its time is up; the pass then ends, in the middle of a chunk too, and the next one goes on with
-/// that chunk: what is simulated does not depend on it. Lets SolverOverflow and whatever else a
-/// chunk throws through.
-PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp = {});
+/// that chunk: what is simulated does not depend on it. It ends so, too, with the step that reaches
+/// the simulated time `until`. Lets SolverOverflow and whatever else a chunk throws through.
+PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp = {},
+                   double until = std::numeric_limits<double>::infinity());
 
 /// What to do about an overflow: asks whether to reset the state variables and on OK resets them
 /// and everything that the model remembers, huge values of which would overflow again at once. The

@@ -47,8 +47,12 @@ TEST(RunLoop, APassEndsWithinAChunkWhenItsTimeIsUp) {
   const auto slope = [](double t, double x) { return t * 1e-3 - 0.1 * x; };
   test::OneStateModel cut{0.25, 0.0, slope};
   int looks = 0;
-  while (cut.Time() < 3000.0) {
-    EXPECT_EQ(RunPass(cut, [&] { return ++looks % 2 == 0; }), PassResult::Running);
+  for (int pass = 1; cut.Time() < 3000.0; ++pass) {
+    const double until = cut.Time() + pass % 100;
+    EXPECT_EQ(RunPass(
+                  cut, [&] { return ++looks % 2 == 0; }, until),
+              PassResult::Running);
+    EXPECT_LE(cut.Time(), until);
   }
   EXPECT_LT(cut.Time(), 3200.0);
   test::OneStateModel whole{0.25, 0.0, slope};

@@ -81,6 +81,25 @@ TEST_F(ControlPanelTest, OneKeyRunsAndStops) {
   EXPECT_FALSE(Find<QWidget>("SBSave").isVisible() || Find<QWidget>("SBSave").isEnabled());
 }
 
+TEST_F(ControlPanelTest, ASlowPaceHoldsTheModelBack) {
+  auto& pace = Find<QComboBox>("CmBPace");
+  QElapsedTimer wall;
+  wall.start();
+  const auto seconds = [&] { return static_cast<double>(wall.nsecsElapsed()) * 1e-9; };
+  pace.setCurrentText("1/100");
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > 2e-3; }));
+  EXPECT_LE(Panel->Model()->Time(), 0.01 * seconds() + 2e-5);
+  EXPECT_GT(Panel->Frames(), 0);
+  const double before = Panel->Model()->Time();
+  wall.start();
+  pace.setCurrentText("Real time");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > before + 0.1; }));
+  EXPECT_LE(Panel->Model()->Time(), before + seconds() + 2e-5);
+  pace.setCurrentText("Fastest");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > before + 0.2; }));
+}
+
 TEST_F(ControlPanelTest, TheSplashLeavesTheKeysToThePanelAndGoesOnRun) {
   Panel->ShowAtStart(true);
   QPointer<QWidget> splash;

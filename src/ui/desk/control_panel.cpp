@@ -38,6 +38,12 @@ namespace {
 constexpr int RefreshMilliseconds = 100;
 constexpr int SplashMilliseconds = 4000;
 constexpr QSize LargestStartSize(1680, 1050);
+struct Pace {
+  const char* Label;
+  double Simulated;  // seconds for each real one
+};
+constexpr Pace Paces[] = {
+    {"Fastest", RunDriver::Unlimited}, {"Real time", 1.0}, {"1/10", 0.1}, {"1/100", 0.01}};
 constexpr QSize Picture(4, 3);  // proportions of what "For Capture" takes
 constexpr QSize WidePicture(16, 9);
 constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
@@ -63,6 +69,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   for (const std::string& name : ModelNames()) {
     ui_->ModelCmB->addItem(QString::fromStdString(name));
   }
+  for (const Pace& pace : Paces) ui_->CmBPace->addItem(QLatin1String(pace.Label));
   ConnectSession();
   ConnectControls();
   if (!session_.Choose(startModel)) FatalError("Fault in TZelControlPanelF :: FormCreate");
@@ -102,6 +109,8 @@ void TZelControlPanelF::ConnectControls() {
   shortcut("Ctrl+.", ui_->SBStop);
   connect(ui_->MIRunStop, &QAction::triggered, this,
           [this] { (Running() ? ui_->SBStop : ui_->SBRun)->click(); });
+  connect(ui_->CmBPace, &QComboBox::currentIndexChanged, this,
+          [this](int index) { driver_.SetPace(Paces[index].Simulated); });
   connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
   connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
   connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, this, [this] {

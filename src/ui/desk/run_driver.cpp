@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <algorithm>
 
+#include "core/model.h"
 #include "core/run_loop.h"
 #include "core/solver.h"
 #include "ui/desk/vector_state.h"
@@ -14,7 +15,9 @@ namespace {
 constexpr qint64 LongestPass = 10'000'000;    // nanoseconds
 constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
 constexpr qint64 LongestFrame = 100'000'000;
-constexpr qint64 FrameShare = 20;  // of the time, painting may take one part in so many
+constexpr int PacedMilliseconds = 10;  // between passes of a model that is ahead of its pace
+constexpr double LongestLag = 0.1;     // seconds of real time that are caught up
+constexpr qint64 FrameShare = 20;      // of the time, painting may take one part in so many
 
 }  // namespace
 
@@ -24,7 +27,33 @@ void RunDriver::Start(ZelModel& model) {
   model_ = &model;
   sinceFrame_.start();
   running_ = true;
-  if (!paused_) timer_.start(0, this);
+  Wake();
+}
+
+void RunDriver::Wake() {
+  if (!running_ || paused_) return;
+  pacedFrom_ = model_->Time();
+  sincePaced_.start();
+  interval_ = 0;
+  timer_.start(interval_, this);
+}
+
+void RunDriver::SetPace(double pace) {
+  pace_ = pace;
+  Wake();
+}
+
+// The simulated time that belongs to this moment. A model that lags behind is always given the
+// longest lag to go.
+double RunDriver::DueTime() {
+  if (pace_ == Unlimited) return Unlimited;
+  const double passed = static_cast<double>(sincePaced_.nsecsElapsed()) * 1e-9;
+  const double due = pacedFrom_ + pace_ * passed;
+  const double most = model_->Time() + pace_ * LongestLag;
+  if (due <= most) return due;
+  pacedFrom_ = most;
+  sincePaced_.start();
+  return most;
 }
 
 void RunDriver::Stop() {
@@ -39,7 +68,7 @@ void RunDriver::Pause() {
 
 void RunDriver::Resume() {
   paused_ = false;
-  if (running_) timer_.start(0, this);
+  Wake();
 }
 
 void RunDriver::End() {
@@ -65,7 +94,9 @@ void RunDriver::Pass() {
   timer.start();
   const auto timeUp = [&timer] { return timer.nsecsElapsed() >= LongestPass; };
   try {
-    if (RunPass(model, timeUp) == PassResult::Stopped) End();
+    const double due = DueTime();
+    if (RunPass(model, timeUp, due) == PassResult::Stopped) End();
+    SleepUntilNext(model.Time() >= due ? PacedMilliseconds : 0);
   } catch (const SolverOverflow& overflow) {
     End();
     OfferResetAfterOverflow(model, overflow);
@@ -73,6 +104,12 @@ void RunDriver::Pass() {
     End();
     ReportRunTimeError(error);
   }
+}
+
+void RunDriver::SleepUntilNext(int interval) {
+  if (!running_ || paused_ || interval == interval_) return;
+  interval_ = interval;
+  timer_.start(interval, this);
 }
 
 void RunDriver::ShowFrame() {

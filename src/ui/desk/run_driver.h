@@ -3,19 +3,29 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
+#include <limits>
 
 namespace torvane {
 
 class ZelModel;
 
 /// Runs a model from the message loop: one pass of at most 25 chunks whenever the loop has nothing
-/// else to do. A pass is cut after a hundredth of a second, within a chunk too, so that the windows
-/// go on answering at every time base. Stopped, it uses no processor.
+/// else to do, or as often as a slower pace needs. A pass is cut after a hundredth of a second,
+/// within a chunk too, so that the windows go on answering at every time base. Stopped, it uses no
+/// processor.
 class RunDriver : public QObject {
   Q_OBJECT
 
  public:
+  /// Pace of a model that runs as fast as the processor allows.
+  static constexpr double Unlimited = std::numeric_limits<double>::infinity();
+
   explicit RunDriver(QObject* parent);
+
+  /// Simulated time per real time; a running model goes on at the new pace. It is how far passes
+  /// go that keeps the pace, what they simulate is the same at any. In between the program sleeps.
+  /// A model that cannot keep up runs as fast as it can and does not catch up later.
+  void SetPace(double pace);
 
   /// The model must live until Stop, or until the run ends by itself.
   void Start(ZelModel& model);
@@ -37,11 +47,18 @@ class RunDriver : public QObject {
   void timerEvent(QTimerEvent* event) override;
 
  private:
+  void Wake();
+  double DueTime();
   void Pass();
+  void SleepUntilNext(int interval);
   void End();
   void ShowFrame();
 
-  QBasicTimer timer_;  // due at once, always
+  QBasicTimer timer_;  // due at once, unless the model is ahead of its pace
+  int interval_ = 0;   // milliseconds
+  double pace_ = Unlimited;
+  double pacedFrom_ = 0.0;  // the simulated time that was due at the start of sincePaced_
+  QElapsedTimer sincePaced_;
   QElapsedTimer sinceFrame_;
   qint64 frameInterval_;  // nanoseconds
   ZelModel* model_ = nullptr;
