@@ -309,6 +309,30 @@ TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
   EXPECT_TRUE(table.isVisible());
 }
 
+TEST_F(ScopeWindowTest, TracesAreMeasuredWhileTheModelRuns) {
+  Click("PageMeasure");
+  Click("SBMath");
+  const QTableWidget& table = Find<QTableWidget>("SGMath");
+  ASSERT_TRUE(table.isVisible());
+  const auto figure = [&](int row, int column) { return table.item(row, column)->text(); };
+  constexpr int peakToPeak = 4;
+  constexpr int overshoot = 5;
+  Click("SBRun");
+  // The very first sweep begins with a step from 0.
+  const auto wholeStep = [&] {
+    return figure(peakToPeak, 1) == "40" && figure(overshoot, 2) != "Unavailable";
+  };
+  EXPECT_TRUE(QTest::qWaitFor(wholeStep, 10000));
+  EXPECT_EQ(figure(overshoot, 1), "Unavailable");  // the command itself
+  // Between two cursors that stand before the step.
+  Scope().SetCursorMode(2);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return figure(peakToPeak, 1) == "0"; }, 10000));
+  EXPECT_EQ(figure(overshoot, 2), "Unavailable");
+  Click("SBStop");
+  table.window()->close();
+  EXPECT_FALSE(Find<QAbstractButton>("SBMath").isChecked());
+}
+
 TEST_F(ScopeWindowTest, TheScreenGetsTheRoomOfWhatIsHidden) {
   const auto height = [&] {
     QCoreApplication::processEvents();

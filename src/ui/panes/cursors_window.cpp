@@ -2,7 +2,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QVBoxLayout>
+#include <QLayout>
 
 #include "core/text.h"
 #include "ui/widgets/digits.h"
@@ -10,10 +10,6 @@
 namespace torvane {
 
 namespace {
-
-constexpr int NameColumn = 0;
-constexpr int ValueColumn = 1;
-constexpr int UnitColumn = 2;
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -30,59 +26,32 @@ QString TimeText(const ZelScope& scope, const CursorReading& reading) {
 }  // namespace
 
 CursorsWindow::CursorsWindow(ZelScope& scope, QWidget* parent)
-    : QWidget(parent, Qt::Tool),
+    : ReadOutWindow(QStringLiteral("Scope Cursors"), QStringLiteral("SGCursors"),
+                    QStringLiteral("Each trace at the cursor, or its change from cursor to cursor"),
+                    parent),
       scope_(scope),
-      table_(new QTableWidget(0, 3, this)),
       time_(new QLabel(this)) {
   setObjectName(QStringLiteral("TZelCursorsF"));
-  setWindowTitle(QStringLiteral("Scope Cursors"));
-  setAttribute(Qt::WA_ShowWithoutActivating);
-  table_->setObjectName(QStringLiteral("SGCursors"));
-  table_->setAccessibleName(QStringLiteral("Values at the cursors"));
-  table_->setToolTip(
-      QStringLiteral("Each trace at the cursor, or its change from cursor to cursor"));
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setSelectionMode(QAbstractItemView::NoSelection);
-  table_->setShowGrid(false);
-  table_->verticalHeader()->hide();
-  table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 7);
-  table_->horizontalHeader()->setStretchLastSection(true);
-  UseFixedDigits(*table_);
+  Table().horizontalHeader()->setStretchLastSection(true);
+  Table().horizontalHeader()->setDefaultSectionSize(80);
   time_->setObjectName(QStringLiteral("LCursorTime"));
   UseFixedDigits(*time_);
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(6, 6, 6, 6);
-  column->addWidget(table_);
-  column->addWidget(time_);
-  table_->setColumnWidth(NameColumn, 80);
-  resize(260, 160);
-}
-
-void CursorsWindow::SetCell(int row, int column, const QString& text) {
-  QTableWidgetItem* item = table_->item(row, column);
-  if (!item) {
-    item = new QTableWidgetItem;
-    if (column == ValueColumn) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    table_->setItem(row, column, item);
-  }
-  if (item->text() != text) item->setText(text);
+  layout()->addWidget(time_);
+  resize(270, 160);
 }
 
 void CursorsWindow::ShowReading(const std::optional<CursorReading>& reading) {
   const bool two = scope_.Cursors().Mode == 2;
-  table_->setHorizontalHeaderLabels({QStringLiteral("Channel"),
-                                     two ? QStringLiteral("Difference") : QStringLiteral("Value"),
-                                     QStringLiteral("Unit")});
-  const std::vector<std::size_t> displayed = scope_.DisplayedChannels();
-  table_->setRowCount(static_cast<int>(displayed.size()));
-  for (int row = 0; row < table_->rowCount(); ++row) {
-    const auto k = static_cast<std::size_t>(row);
-    const ZelChannel& channel = *scope_.Channels()[displayed[k]];
-    SetCell(row, NameColumn, Text(channel.Name()));
-    SetCell(row, ValueColumn,
-            reading ? Text(FormatEdit(reading->Values[k])) : QStringLiteral("Unavailable"));
-    SetCell(row, UnitColumn, Text(channel.Signal().Unit()));
+  QList<QStringList> rows;
+  for (const std::size_t k : scope_.DisplayedChannels()) {
+    const ZelChannel& channel = *scope_.Channels()[k];
+    const auto row = static_cast<std::size_t>(rows.size());
+    rows << QStringList{Text(channel.Name()),
+                        reading ? Text(FormatEdit(reading->Values[row])) : Unavailable,
+                        Text(channel.Signal().Unit())};
   }
+  const QString value = two ? QStringLiteral("Difference") : QStringLiteral("Value");
+  SetCells({QStringLiteral("Channel"), value, QStringLiteral("Unit")}, rows);
   time_->setVisible(two);
   time_->setText(reading ? TimeText(scope_, *reading) : QStringLiteral("Time Unavailable"));
 }

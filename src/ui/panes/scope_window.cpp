@@ -16,6 +16,7 @@
 #include "ui/panes/constants_grid.h"
 #include "ui/panes/constants_splitter.h"
 #include "ui/panes/cursors_window.h"
+#include "ui/panes/math_window.h"
 #include "ui/panes/trigger_controls.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
@@ -85,6 +86,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   constants_ = new ConstantsGrid(*ui_->SGConsts, bench);
   splitter_ = new ConstantsSplitter(*ui_->Splitter1, *ui_->SGConsts, scope, ConstantsWidth, this);
   cursors_ = new CursorsWindow(scope, this);
+  math_ = new MathWindow(scope, this);
   FillChannelLists();
   ConnectVertical();
   for (QAbstractButton* button : {ui_->BVertAdd, ui_->BVertRemove}) {
@@ -96,6 +98,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   trigger_ = new TriggerControls(*ui_, scope, this);
   ConnectPages();
   ConnectCursors(bench.History());
+  ConnectMath();
   connect(ui_->BHorizAuto, &QAbstractButton::clicked, this,
           [this, &bench] { ShowTwoPeriods(bench); });
   SettingsChanged();
@@ -204,6 +207,11 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
   connect(ui_->PBScreen, &ScopePaintBox::DragEnded, this, [&] { history.EndGesture(); });
 }
 
+void TZelScopeF::ConnectMath() {
+  connect(ui_->SBMath, &QAbstractButton::toggled, this, &TZelScopeF::ShowMath);
+  connect(math_, &MathWindow::Closed, this, [this] { ui_->SBMath->setChecked(false); });
+}
+
 // The next scale of 1, 2, 5, 10 that shows two periods of the command.
 void TZelScopeF::ShowTwoPeriods(const ZelBenchTop& bench) {
   const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
@@ -284,13 +292,25 @@ void TZelScopeF::ShowCursors() {
   ui_->PBScreen->update();
   const bool shown = scope_.Cursors().Mode > 0 && !scope_.XYMode() && isVisible();
   ShowReading();
-  if (shown && !cursors_->isVisible()) {
-    // At first over the lower end of the constants.
-    const QPoint corner =
-        ui_->Splitter1->mapToGlobal(ui_->Splitter1->rect().bottomRight() - QPoint(16, 40));
-    if (cursors_->pos().isNull()) cursors_->move(corner - cursors_->rect().bottomRight());
-  }
+  if (shown) Place(*cursors_);
   cursors_->setVisible(shown);
+}
+
+// At first over the lower end of the constants; then where the user moved it.
+void TZelScopeF::Place(QWidget& readOut) const {
+  if (!readOut.pos().isNull()) return;
+  const QPoint corner = ui_->Splitter1->rect().bottomRight() - QPoint(16, 40);
+  const QPoint at = ui_->Splitter1->mapToGlobal(corner) - readOut.rect().bottomRight();
+  readOut.move(std::max(at.x(), 0), std::max(at.y(), 0));
+}
+
+void TZelScopeF::ShowMath() {
+  const bool shown = ui_->SBMath->isChecked() && isVisible();
+  if (shown) {
+    math_->ShowMeasures(MeasureScreen(scope_, ui_->PBScreen->Screen(), ui_->PBScreen->Pixels()));
+    Place(*math_);
+  }
+  math_->setVisible(shown);
 }
 
 void TZelScopeF::ShowReading() {
@@ -361,6 +381,7 @@ void TZelScopeF::Redraw() {
   ui_->PBScreen->Refresh();
   ShowLamp();
   ShowReading();
+  ShowMath();
 }
 
 void TZelScopeF::ShowLamp() {
@@ -395,12 +416,14 @@ void TZelScopeF::hideEvent(QHideEvent* event) {
   if (event->spontaneous()) return;
   constants_->HideDialogs();
   cursors_->hide();
+  math_->hide();
 }
 
 void TZelScopeF::showEvent(QShowEvent* event) {
   InstrumentPane::showEvent(event);
   ShowLamp();
   ShowCursors();
+  ShowMath();
 }
 
 // The panels of a page stand side by side where there is room, else one below the other.

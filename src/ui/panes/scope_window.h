@@ -16,6 +16,7 @@ class EditBinding;
 class TriggerControls;
 class ConstantsSplitter;
 class CursorsWindow;
+class MathWindow;
 
 namespace Ui {
 class TZelScopeF;
@@ -50,6 +51,9 @@ class TZelScopeF : public InstrumentPane {
   void ShowTwoPeriods(const ZelBenchTop& bench);
   void ShowCursors();
   void ShowReading();
+  void ConnectMath();
+  void ShowMath();
+  void Place(QWidget& readOut) const;
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
@@ -75,6 +79,7 @@ class TZelScopeF : public InstrumentPane {
   TriggerControls* trigger_ = nullptr;
   ConstantsSplitter* splitter_ = nullptr;
   CursorsWindow* cursors_ = nullptr;
+  MathWindow* math_ = nullptr;
 };
 
 }  // namespace torvane

@@ -1,0 +1,64 @@
+#include "instruments/scope/scope_math.h"
+
+#include <algorithm>
+#include <array>
+
+#include "instruments/scope/scope_cursors.h"
+
+namespace torvane {
+
+namespace {
+
+// Points of the screen, the end one past the last; both 0 when there is nothing to measure.
+struct Range {
+  std::size_t Begin = 0;
+  std::size_t End = 0;
+};
+
+Range MeasuredRange(const ZelScope& scope, const ScopeScreen& screen, const ScreenPixels& pixels) {
+  if (scope.Cursors().Mode < 2 || scope.XYMode()) return {0, screen.Time.size()};
+  const auto points = PointsAtCursors(scope, screen, pixels);
+  if (!points) return {};
+  return {(*points)[0], (*points)[1] + 1};
+}
+
+template <typename Sample>
+std::vector<double> Shown(const ZelChannel& channel, const std::vector<Sample>& samples,
+                          Range range) {
+  std::vector<double> values;
+  for (std::size_t i = range.Begin; i < range.End; ++i) {
+    values.push_back(channel.Signal().Multiplier() * samples[i]);
+  }
+  return values;
+}
+
+}  // namespace
+
+std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
+                                           const ScreenPixels& pixels) {
+  const Range range = MeasuredRange(scope, screen, pixels);
+  const auto& channels = scope.Channels();
+  const auto source = std::find_if(channels.begin(), channels.end(), [&](const auto& channel) {
+    return channel.get() == &scope.Trigger().Source();
+  });
+  std::vector<double> times;
+  std::vector<double> command;
+  if (source != channels.end()) {
+    const auto k = static_cast<std::size_t>(source - channels.begin());
+    times = Shown(scope.TimeChannel(), screen.Time, range);
+    command = Shown(**source, screen.Values[k], range);
+  }
+  std::vector<ChannelMeasures> measures;
+  for (const std::size_t k : scope.DisplayedChannels()) {
+    const ZelChannel& channel = *channels[k];
+    const std::vector<double> values = Shown(channel, screen.Values[k], range);
+    ChannelMeasures& of = measures.emplace_back();
+    of.Channel = &channel;
+    of.Trace = MeasureTrace(values);
+    // A command does not respond to itself.
+    if (&channel != &scope.Trigger().Source()) of.Step = MeasureStep(times, command, values);
+  }
+  return measures;
+}
+
+}  // namespace torvane

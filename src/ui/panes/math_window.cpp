@@ -1,0 +1,74 @@
+#include "ui/panes/math_window.h"
+
+#include <QCloseEvent>
+#include <QLayout>
+#include <functional>
+
+#include "core/text.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int NameWidth = 130;
+constexpr int ColumnWidth = 92;
+constexpr int Height = 240;
+
+template <typename Measures, typename Value>
+QString Figure(const std::optional<Measures>& measures, Value value) {
+  if (!measures) return ReadOutWindow::Unavailable;
+  return QString::fromStdString(FormatGeneral(std::invoke(value, *measures), 4, 1));
+}
+
+}  // namespace
+
+MathWindow::MathWindow(const ZelScope& scope, QWidget* parent)
+    : ReadOutWindow(QStringLiteral("Scope Math"), QStringLiteral("SGMath"),
+                    QStringLiteral("Measures of the displayed channels over the screen, or between "
+                                   "two cursors, and of their responses to a step of the trigger's "
+                                   "source"),
+                    parent),
+      timeUnit_(QString::fromStdString(scope.TimeChannel().Signal().Unit())) {
+  setObjectName(QStringLiteral("TZelMathF"));
+}
+
+void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& measures) {
+  QStringList header{QStringLiteral("Measure")};
+  for (const ChannelMeasures& of : measures) {
+    header << QString::fromStdString(of.Channel->Name());
+  }
+  QList<QStringList> rows;
+  const auto row = [&](const QString& name, auto part, auto value) {
+    rows << QStringList{name};
+    for (const ChannelMeasures& of : measures) rows.back() << Figure(of.*part, value);
+  };
+  const auto time = [&](const char* name, auto value) {
+    row(QStringLiteral("%1 (%2)").arg(QLatin1String(name), timeUnit_), &ChannelMeasures::Step,
+        value);
+  };
+  row(QStringLiteral("Mean"), &ChannelMeasures::Trace, &TraceMeasures::Mean);
+  row(QStringLiteral("RMS"), &ChannelMeasures::Trace, &TraceMeasures::Rms);
+  row(QStringLiteral("Minimum"), &ChannelMeasures::Trace, &TraceMeasures::Minimum);
+  row(QStringLiteral("Maximum"), &ChannelMeasures::Trace, &TraceMeasures::Maximum);
+  row(QStringLiteral("Peak to peak"), &ChannelMeasures::Trace, &TraceMeasures::PeakToPeak);
+  row(QStringLiteral("Overshoot (%)"), &ChannelMeasures::Step, &StepMeasures::OvershootPercent);
+  time("Rise", &StepMeasures::RiseTime);
+  time("Settling", &StepMeasures::SettlingTime);
+  time("Delay", &StepMeasures::Delay);
+  const bool otherChannels = Table().columnCount() != header.size();
+  SetCells(header, rows);
+  if (!otherChannels) return;
+  for (int column = 0; column < header.size(); ++column) {
+    Table().setColumnWidth(column, column == 0 ? NameWidth : ColumnWidth);
+  }
+  const int margins = layout()->contentsMargins().left() + layout()->contentsMargins().right();
+  const int frame = 2 * Table().frameWidth();
+  resize(NameWidth + ColumnWidth * static_cast<int>(measures.size()) + margins + frame, Height);
+}
+
+void MathWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  emit Closed();
+}
+
+}  // namespace torvane
