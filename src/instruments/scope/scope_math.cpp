@@ -38,6 +38,8 @@ std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScr
                                            const ScreenPixels& pixels) {
   const Range range = MeasuredRange(scope, screen, pixels);
   const auto& channels = scope.Channels();
+  // A screen that has never been copied has not even empty traces.
+  if (screen.Values.size() != channels.size()) return {};
   const auto source = std::find_if(channels.begin(), channels.end(), [&](const auto& channel) {
     return channel.get() == &scope.Trigger().Source();
   });
