@@ -94,7 +94,7 @@ struct Tile {
 [[gnu::always_inline]] inline void Read(const float* x, std::size_t stride,
                                         std::array<Lanes<float>, TileSize>& places) {
   using Run [[gnu::vector_size(TileSize * sizeof(float))]] = float;
-  std::array<Run, TileSize> tile;
+  std::array<Run, TileSize> tile{};
   for (std::size_t i = 0; i < TileSize; ++i) {
     std::memcpy(&tile[i], x + TileReverse[i] * stride, sizeof(Run));
   }
@@ -161,8 +161,8 @@ struct Tile {
     Write(tile.Re, re + middle * TileSize, stride);
     Write(tile.Im, im + middle * TileSize, stride);
   };
-  Tile tile;
-  Tile other;
+  Tile tile{};
+  Tile other{};
   for (std::size_t middle = 0; middle < tiles; ++middle) {
     const std::size_t reversed = ReverseBits(static_cast<unsigned>(middle), order - 2 * TileBits);
     if (reversed < middle) continue;
