@@ -191,10 +191,10 @@ TEST_F(SessionTest, ASessionThatWasLeftBehindIsBroughtBack) {
 TEST_F(SessionTest, ADamagedSessionIsSetAsideAndSaid) {
   const std::string whole = SessionWithKp("0.125");
   const std::string damaged[] = {"", whole.substr(0, whole.size() / 2), "some text\n",
-                                 "x" + whole.substr(1), whole + "more\n"};
+                                 std::string("x").append(whole, 1), whole + "more\n"};
   int number = 0;
   for (const std::string& text : damaged) {
-    const std::string name = "session-" + std::to_string(++number) + ".tvf";
+    const std::string name = std::string("session-") + std::to_string(++number) + ".tvf";
     Put(("state/torvane/" + name).c_str(), text);
     EXPECT_TRUE(Session::LeftBehind().empty()) << text;
     const QString aside = Path("state/torvane/damaged-") + QString::fromStdString(name);
