@@ -38,8 +38,8 @@ compare() {
   local ratio
   ratio=$(awk -v own="$2" -v peer="$3" 'BEGIN { printf "%.2f", own / peer }')
   printf '%-34s %8s %8s %7s %7s\n' "$1" "$2" "$3" "$ratio" "$4"
-  if awk -v own="$2" -v peer="$3" -v bound="$4" 'BEGIN { exit own <= bound * peer }'; then
-    echo "  above its bound"
+  if awk -v own="$2" -v peer="$3" -v bound="$4" 'BEGIN { exit (own > 0 && peer > 0 && own <= bound * peer) }'; then
+    echo "  not within its bound"
     failed=1
   fi
 }
