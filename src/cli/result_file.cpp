@@ -9,6 +9,7 @@
 
 #include "cli/command_error.h"
 #include "core/files/atomic_save.h"
+#include "core/files/file_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -49,8 +50,12 @@ ResultFile::ResultFile(const std::string& path, Delivery delivery)
   if (!streamed_) {
     CheckWritable(path);
   } else if (!file_.IsOpen()) {
-    Fail("Cannot open ");
+    throw FileError(CannotOpen(Name(), errno));
   }
+}
+
+std::string ResultFile::Name() const {
+  return path_.empty() ? "standard output" : path_;
 }
 
 ResultFile::~ResultFile() {
@@ -63,7 +68,7 @@ void ResultFile::Write(std::string_view lines) {
   if (pending_.size() < PieceSize && std::chrono::steady_clock::now() - passedOn_ < LongestDelay) {
     return;
   }
-  if (!PassOn()) Fail("Cannot write ");
+  if (!PassOn()) throw FileError(CannotWrite(Name(), errno));
 }
 
 void ResultFile::Close() {
@@ -71,7 +76,7 @@ void ResultFile::Close() {
     const std::string fault = ReplaceFile(path_, pending_, Readerless::Wait);
     if (!fault.empty()) throw FileError(fault);
   } else if (!PassOn() || !file_.Close()) {
-    Fail("Cannot write ");
+    throw FileError(CannotWrite(Name(), errno));
   }
 }
 
@@ -80,11 +85,6 @@ bool ResultFile::PassOn() {
   pending_.clear();
   passedOn_ = std::chrono::steady_clock::now();
   return file_.Write(piece);
-}
-
-void ResultFile::Fail(const char* what) const {
-  throw FileError(what + (path_.empty() ? "standard output" : path_) + ": " +
-                  std::generic_category().message(errno));
 }
 
 void CheckOutputs(const std::string& out, const std::string& picture) {

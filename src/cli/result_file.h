@@ -37,7 +37,7 @@ class ResultFile {
 
  private:
   bool PassOn();
-  [[noreturn]] void Fail(const char* what) const;
+  std::string Name() const;
 
   std::string path_;
   bool streamed_;

@@ -33,7 +33,8 @@ TEST(ModelFiles, AreCheckedWithTheLineOfEachReport) {
   EXPECT_EQ(RunCli({"check", Written("unknown.tvf", "Model,Nothing\n")}).Code, 3);
   const Outcome missing = RunCli({"check", TemporaryPath("missing.tvf")});
   EXPECT_EQ(missing.Code, 3);
-  EXPECT_EQ(missing.Err, "Error: Cannot open " + TemporaryPath("missing.tvf") + "\n");
+  EXPECT_EQ(missing.Err,
+            "Error: Cannot open " + TemporaryPath("missing.tvf") + ": No such file or directory\n");
 }
 
 // What the desktop passes over without a word.

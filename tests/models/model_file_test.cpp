@@ -270,8 +270,10 @@ TEST_F(ModelFile, APipeIsReadToItsEndHoweverSlowAndGivenUpWhenSilent) {
 TEST_F(ModelFile, WhatCannotBeOpenedIsSaid) {
   EXPECT_FALSE(LoadModelFile(Path("nothing-here.tvf"), host_));
   EXPECT_FALSE(LoadModelFile(::testing::TempDir(), host_));
-  EXPECT_EQ(messages_.Take(), (Messages{"Error: Cannot open " + Path("nothing-here.tvf"),
-                                        "Error: Cannot open " + ::testing::TempDir()}));
+  EXPECT_EQ(
+      messages_.Take(),
+      (Messages{"Error: Cannot open " + Path("nothing-here.tvf") + ": No such file or directory",
+                "Error: Cannot open " + ::testing::TempDir() + ": Is a directory"}));
 }
 
 class Examples : public ::testing::TestWithParam<std::filesystem::path> {};

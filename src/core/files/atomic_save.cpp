@@ -6,8 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <system_error>
 
+#include "core/files/file_fault.h"
 #include "core/files/output_file.h"
 #include "core/files/temporary_file.h"
 #include "core/messages.h"
@@ -56,18 +56,6 @@ Target LookAt(const std::string& path) {
     target.Fault = ErrnoUnless(access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0);
   }
   return target;
-}
-
-std::string Because(const char* what, const std::string& path, int fault) {
-  return what + path + ": " + std::generic_category().message(fault);
-}
-
-std::string CannotOpen(const std::string& path, int fault) {
-  return Because("Cannot open ", path, fault);
-}
-
-std::string CannotWrite(const std::string& path, int fault) {
-  return Because("Cannot write ", path, fault);
 }
 
 std::string WriteInPlace(const std::string& path, std::string_view bytes, Readerless pipes) {

@@ -14,9 +14,12 @@ InputFile::InputFile(const std::string& path, int patience)
     : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), patience_(patience) {
   if (descriptor_ < 0) return;
   struct stat status {};
-  if (fstat(descriptor_, &status) != 0 || S_ISDIR(status.st_mode)) {
+  const bool known = fstat(descriptor_, &status) == 0;
+  if (!known || S_ISDIR(status.st_mode)) {
+    const int fault = known ? EISDIR : errno;
     close(descriptor_);
     descriptor_ = -1;
+    errno = fault;
     return;
   }
   plain_ = S_ISREG(status.st_mode);

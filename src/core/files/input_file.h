@@ -7,8 +7,9 @@
 
 namespace torvane {
 
-/// A file open for reading. A name without a file, or of a folder, opens nothing. What is no plain
-/// file may have nobody at its other end, so it is waited for only so long.
+/// A file open for reading. A name without a file, or of a folder, opens nothing; errno has the
+/// reason. What is no plain file may have nobody at its other end, so it is waited for only so
+/// long.
 class InputFile {
  public:
   static constexpr int WaitForEver = -1;

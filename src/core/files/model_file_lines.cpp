@@ -4,8 +4,8 @@
 #include <array>
 #include <cerrno>
 #include <string>
-#include <system_error>
 
+#include "core/files/file_fault.h"
 #include "core/files/input_file.h"
 #include "core/files/model_file.h"
 #include "core/files/record.h"
@@ -57,7 +57,7 @@ bool LineReader::Next(std::string& line) {
 bool ReadModelText(const std::string& path, std::string& text, int patience) {
   InputFile file(path, patience);
   if (!file.IsOpen()) {
-    Error("Cannot open " + path);
+    Error(CannotOpen(path, errno));
     return false;
   }
   LineLength line;
@@ -67,9 +67,8 @@ bool ReadModelText(const std::string& path, std::string& text, int patience) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
     if (count == 0) return true;
     if (count < 0) {
-      Error(file.WasSilent()
-                ? "Nothing comes from " + path + ".  It is no model file."
-                : "Error reading file.  " + path + ": " + std::generic_category().message(errno));
+      Error(file.WasSilent() ? "Nothing comes from " + path + ".  It is no model file."
+                             : "Error reading file.  " + path + ": " + SystemReason(errno));
       return false;
     }
     const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
