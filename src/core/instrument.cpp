@@ -122,12 +122,12 @@ Undoable::Merged Instrument::Merge(UndoEntry& earlier, const UndoEntry& later) c
 }
 
 void Instrument::BeginLoading() {
-  if (!beforeLoading_) beforeLoading_ = StateText();
+  if (!beforeLoading_ && history_ && history_->Holds(*this)) beforeLoading_ = StateText();
 }
 
 void Instrument::FinishLoading(const std::function<void(int line)>& /*atLine*/) {
   const std::optional<std::string> before = std::exchange(beforeLoading_, std::nullopt);
-  if (before && history_ && *before != StateText()) history_->Forget(*this);
+  if (before && *before != StateText()) history_->Forget(*this);
   TellSettingsChanged();
 }
 

@@ -57,6 +57,11 @@ void ZelUndo::Resume() {
   for (const Undoable* target : std::exchange(missed_, {})) Forget(*target);
 }
 
+bool ZelUndo::Holds(const Undoable& target) const {
+  return std::any_of(entries_.begin(), entries_.begin() + top_ + 1,
+                     [&](const UndoEntry& entry) { return entry.Target == &target; });
+}
+
 void ZelUndo::Forget(const Undoable& target) {
   std::int32_t kept = 0;
   std::int32_t current = -1;

@@ -76,6 +76,8 @@ class ZelUndo {
   void BeginGesture();
   void EndGesture() { gestureStart_ = NoGesture; }
 
+  /// Whether there are entries of the target.
+  bool Holds(const Undoable& target) const;
   /// The target's entries go; the others stay in their order.
   void Forget(const Undoable& target);
   void Clear();

@@ -11,7 +11,7 @@ std::string ModelFileText(const ZelModel& model) {
   text += std::string("Application,") + ApplicationTitle + "\r\n";
   text += "Model," + model.Name() + "\r\n";
   for (const Constant* constant : model.Bench().Constants()) {
-    AppendRecord(text, {"Constant", constant->Name(), constant->FileText()});
+    AppendRecord(text, "Constant", {constant->Name(), constant->FileText()});
   }
   for (const InstrumentKind kind : AllInstrumentKinds) {
     for (const Instrument* instrument : model.Bench().Instruments(kind)) {

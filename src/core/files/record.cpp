@@ -27,10 +27,20 @@ bool SecondFieldHoldsCommas(std::string_view keyword) {
   return keyword == "Application" || keyword == "Model";
 }
 
-std::string Storable(std::string field) {
+// A blank for what the format has no form for.
+void AppendField(std::string& text, std::string_view field) {
+  const auto start = static_cast<std::ptrdiff_t>(text.size());
+  text += field;
   std::replace_if(
-      field.begin(), field.end(), [](char c) { return c == ',' || c == '\r' || c == '\n'; }, ' ');
-  return field;
+      text.begin() + start, text.end(), [](char c) { return c == ',' || c == '\r' || c == '\n'; },
+      ' ');
+}
+
+// The fields of a line that follow its first one.
+void AppendFields(std::string& text, std::initializer_list<std::string> fields) {
+  for (const std::string& field : fields) AppendField(text += ',', field);
+  if (text.back() == ',') text += ' ';
+  text += "\r\n";
 }
 
 }  // namespace
@@ -52,19 +62,17 @@ Record ParseRecord(std::string_view line, int number) {
   return record;
 }
 
-void AppendRecord(std::string& text, const std::vector<std::string>& fields) {
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (i > 0) text += ',';
-    text += Storable(fields[i]);
-  }
-  if (!fields.empty() && fields.back().empty()) text += ' ';
-  text += "\r\n";
+void AppendRecord(std::string& text, std::string_view keyword,
+                  std::initializer_list<std::string> fields) {
+  AppendField(text, keyword);
+  AppendFields(text, fields);
 }
 
 void RecordWriter::Write(std::string_view keyword, std::initializer_list<std::string> fields) {
-  std::vector<std::string> line{start_[0], start_[1], std::string(keyword)};
-  line.insert(line.end(), fields);
-  AppendRecord(text_, line);
+  AppendField(text_, start_[0]);
+  AppendField(text_ += ',', start_[1]);
+  AppendField(text_ += ',', keyword);
+  AppendFields(text_, fields);
 }
 
 std::string FlagText(bool on) {
@@ -82,7 +90,8 @@ double AsRecorded(double x) {
 }
 
 std::string StorableField(const std::string& text) {
-  const std::string field = Storable(text);
+  std::string field;
+  AppendField(field, text);
   const auto first = field.find_first_not_of(' ');
   if (first == std::string::npos) return {};
   return field.substr(first, field.find_last_not_of(' ') - first + 1);

@@ -42,8 +42,9 @@ class RecordWriter {
   std::array<std::string, 2> start_;
 };
 
-/// Appends one line of the fields, as RecordWriter does.
-void AppendRecord(std::string& text, const std::vector<std::string>& fields);
+/// Appends a line that belongs to no instrument, as RecordWriter does.
+void AppendRecord(std::string& text, std::string_view keyword,
+                  std::initializer_list<std::string> fields);
 
 /// "1" or "0"; anything but "1" reads as off.
 std::string FlagText(bool on);
