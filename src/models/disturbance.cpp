@@ -117,10 +117,7 @@ void MDisturbance::Equations(Loop& s, double t) {
   s.vC.Value = (exciteDisturbance ? commandGenerator_.Output() : command_.Value()) * RpmToRad;
   s.tD.Value = exciteDisturbance ? disturbance_.Value() : disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
-  if (t >= outputInstant) [[likely]] {
-    s.currentLoop.SetInput(s.iC.Value);
-  }
-  s.iF.Value = s.currentLoop.Output();
+  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
   s.tE.Value = s.iF.Value * motor_.kt.Value();
   s.tM.Value = s.tE.Value + s.tD.Value;
   TurnInertia(s.tM.Value, motor_.j.Value(), s.vM, s.pM);

@@ -73,6 +73,16 @@ inline double EncoderCount(double linesPerRev) {
   return 1.0 / (4.0 * linesPerRev * RadToRevs);
 }
 
+/// The current that follows a sampled controller's output, which reaches the current loop at its
+/// instant.
+inline double FollowCurrent(ZelLowPass2& currentLoop, double command, double t,
+                            double outputInstant) {
+  if (t >= outputInstant) [[likely]] {
+    currentLoop.SetInput(command);
+  }
+  return currentLoop.Output();
+}
+
 /// A rigid motor: torque turns the inertia.
 inline void TurnInertia(double torque, double inertia, StateVariable& velocity,
                         StateVariable& position) {

@@ -122,10 +122,7 @@ void MMotorFeedback::HandOnChanges() {
 void MMotorFeedback::Equations(Loop& s, double t) {
   s.vC.Value = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  if (t >= outputInstant) [[likely]] {
-    s.currentLoop.SetInput(s.iC.Value);
-  }
-  s.iF.Value = s.currentLoop.Output();
+  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
   s.tM.Value = s.iF.Value * motor_.kt.Value();
   TurnInertia(s.tM.Value, motor_.j.Value(), s.vM, s.pM);
 }

@@ -89,11 +89,8 @@ MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name) {
 
 void MPosLoopCascade::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  s.pC.Value += s.vPC.Value * period;
   const double acceleration = previousVPC.Difference(s.vPC.Value) / period;
-  s.pF.Value = FloorToStep(s.pM.Value, EncoderCount(res_.Value()));
-  s.vF.Value = previousPF.Difference(s.pF.Value) / period;
-  s.pE.Value = s.pC.Value - s.pF.Value;
+  SampleMotion(s, s.vPC.Value, period, res_.Value(), previousPF);
   s.vC.Value = s.pE.Value * kp_.Value() + kfv_.Value() * s.vPC.Value * 0.01;
   // Without proportional velocity gain no velocity command could make the acceleration.
   if (kvp_.Value() != 0.0) {

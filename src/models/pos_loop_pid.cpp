@@ -105,11 +105,8 @@ void MPosLoopPID::Integrate(const Loop& s) {
 
 void MPosLoopPID::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  s.pC.Value += s.vPC.Value * period;
   const double acceleration = previousVPC.Difference(s.vPC.Value) / period;
-  s.pF.Value = FloorToStep(s.pM.Value, EncoderCount(res_.Value()));
-  s.vF.Value = previousPF.Difference(s.pF.Value) / period;
-  s.pE.Value = s.pC.Value - s.pF.Value;
+  SampleMotion(s, s.vPC.Value, period, res_.Value(), previousPF);
   Integrate(s);
   const double current = kpd_.Value() * (s.vPC.Value - s.vF.Value) + kpp_.Value() * s.pE.Value +
                          kpi_.Value() * integral + kfv_.Value() * s.vPC.Value * 0.01 +

@@ -62,13 +62,19 @@ struct PositionLoop : MotionSignals, TorqueSignals {
   ZelDController clock;
 };
 
-/// The continuous part of a position loop: the controller's output reaches the current loop at its
-/// instant; the current and the disturbance turn the motor.
+/// What a position controller sees of a sample: the command position moves on with the command
+/// velocity, the motor's is read off the encoder, and the feedback velocity is its change.
+inline void SampleMotion(PositionLoop& s, double commandVelocity, double period, double linesPerRev,
+                         PreviousSample& previousPF) {
+  s.pC.Value += commandVelocity * period;
+  s.pF.Value = FloorToStep(s.pM.Value, EncoderCount(linesPerRev));
+  s.vF.Value = previousPF.Difference(s.pF.Value) / period;
+  s.pE.Value = s.pC.Value - s.pF.Value;
+}
+
+/// The continuous part of a position loop: the current and the disturbance turn the motor.
 inline void RunMotor(PositionLoop& s, double t, double outputInstant, const MotorConstants& motor) {
-  if (t >= outputInstant) [[likely]] {
-    s.currentLoop.SetInput(s.iC.Value);
-  }
-  s.iF.Value = s.currentLoop.Output();
+  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
   s.tE.Value = s.iF.Value * motor.kt.Value();
   s.tM.Value = s.tE.Value + s.tD.Value;
   TurnInertia(s.tM.Value, motor.j.Value(), s.vM, s.pM);

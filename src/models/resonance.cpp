@@ -128,10 +128,7 @@ void MResonance::HandOnChanges() {
 void MResonance::Equations(Loop& s, double t) {
   s.vC.Value = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  if (t >= outputInstant) [[likely]] {
-    s.currentLoop.SetInput(s.iC.Value);
-  }
-  s.iF.Value = s.currentLoop.Output();
+  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
   s.mechanism.SetMotorTorque(kt_.Value() * s.iF.Value);
   s.vM.Value = s.mechanism.Motor().Velocity;
   s.pM.Value = s.mechanism.Motor().Position;

@@ -48,13 +48,9 @@ struct VelocityLoop : VelocitySignals {
   ZelDController clock;
 };
 
-/// The continuous part of a velocity loop: the controller's output reaches the current loop at its
-/// instant, and the current turns the motor.
+/// The continuous part of a velocity loop: the current turns the motor.
 inline void RunMotor(VelocityLoop& s, double t, double outputInstant, const MotorConstants& motor) {
-  if (t >= outputInstant) [[likely]] {
-    s.currentLoop.SetInput(s.iC.Value);
-  }
-  s.iF.Value = s.currentLoop.Output();
+  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
   s.tM.Value = s.iF.Value * motor.kt.Value();
   TurnInertia(s.tM.Value, motor.j.Value(), s.vM, s.pM);
 }
