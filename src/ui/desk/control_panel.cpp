@@ -66,6 +66,9 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   UseFixedDigits(*ui_->LTime);
+  // Of one size, so that a new time does not have the whole strip laid out anew.
+  ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
+      {ui_->LTime->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000e+000")), 0}));
   for (const std::string& name : ModelNames()) {
     ui_->ModelCmB->addItem(QString::fromStdString(name));
   }

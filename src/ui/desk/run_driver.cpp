@@ -14,18 +14,21 @@ namespace {
 
 constexpr qint64 LongestPass = 10'000'000;    // nanoseconds
 constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
-constexpr qint64 LongestFrame = 100'000'000;
+constexpr qint64 LongestFrame = 66'000'000;
 constexpr int PacedMilliseconds = 10;  // between passes of a model that is ahead of its pace
 constexpr double LongestLag = 0.1;     // seconds of real time that are caught up
-constexpr qint64 FrameShare = 20;      // of the time, painting may take one part in so many
+constexpr qint64 FrameShare = 20;      // of the time, frames may take one part in so many
 
 }  // namespace
 
-RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(ShortestFrame) {}
+RunDriver::RunDriver(QObject* parent) : QObject(parent), frameInterval_(ShortestFrame) {
+  clock_.start();
+}
 
 void RunDriver::Start(ZelModel& model) {
   model_ = &model;
-  sinceFrame_.start();
+  frameStart_ = clock_.nsecsElapsed();
+  frameShown_ = false;
   running_ = true;
   Wake();
 }
@@ -76,23 +79,29 @@ void RunDriver::End() {
   emit Ended();
 }
 
-// A frame is a turn of its own, so that the message loop gets control back in between.
+// A frame is a turn of its own, so that the message loop gets control back in between. The windows
+// paint before the next turn. In the shortest passes asking for the time counts: once a turn does.
 void RunDriver::timerEvent(QTimerEvent*) {
-  if (sinceFrame_.nsecsElapsed() >= frameInterval_) {
-    ShowFrame();
+  const qint64 now = clock_.nsecsElapsed();
+  if (frameShown_) {
+    frameShown_ = false;
+    frameInterval_ = std::clamp(FrameShare * (now - frameStart_), ShortestFrame, LongestFrame);
+  }
+  if (now - frameStart_ >= frameInterval_) {
+    frameStart_ = now;
+    frameShown_ = true;
+    emit Frame();
   } else {
-    Pass();
+    Pass(now);
   }
 }
 
 // A box that a chunk shows has a message loop of its own; the message loop does not deliver the
 // same timer within its own delivery, so a pass never begins inside another.
-void RunDriver::Pass() {
+void RunDriver::Pass(qint64 start) {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
-  QElapsedTimer timer;
-  timer.start();
-  const auto timeUp = [&timer] { return timer.nsecsElapsed() >= LongestPass; };
+  const auto timeUp = [this, start] { return clock_.nsecsElapsed() - start >= LongestPass; };
   try {
     const double due = DueTime();
     if (RunPass(model, timeUp, due) == PassResult::Stopped) End();
@@ -110,12 +119,6 @@ void RunDriver::SleepUntilNext(int interval) {
   if (!running_ || paused_ || interval == interval_) return;
   interval_ = interval;
   timer_.start(interval, this);
-}
-
-void RunDriver::ShowFrame() {
-  sinceFrame_.start();
-  emit Frame();
-  frameInterval_ = std::clamp(FrameShare * sinceFrame_.nsecsElapsed(), ShortestFrame, LongestFrame);
 }
 
 }  // namespace torvane

@@ -36,8 +36,8 @@ class RunDriver : public QObject {
   void Resume();
 
  signals:
-  /// While the model runs, thirty times a second. When the slots take long, as dense traces do,
-  /// less often, down to ten times, so that the simulation keeps most of the processor.
+  /// While the model runs, thirty times a second. When a frame takes long to paint, as dense traces
+  /// do, less often, down to fifteen times, so that the simulation keeps most of the processor.
   void Frame();
   /// The run ended by itself: an instrument asked for it, or an error did. Comes before the error
   /// is reported.
@@ -49,18 +49,20 @@ class RunDriver : public QObject {
  private:
   void Wake();
   double DueTime();
-  void Pass();
+  void Pass(qint64 start);
   void SleepUntilNext(int interval);
   void End();
-  void ShowFrame();
 
   QBasicTimer timer_;  // due at once, unless the model is ahead of its pace
   int interval_ = 0;   // milliseconds
   double pace_ = Unlimited;
   double pacedFrom_ = 0.0;  // the simulated time that was due at the start of sincePaced_
   QElapsedTimer sincePaced_;
-  QElapsedTimer sinceFrame_;
-  qint64 frameInterval_;  // nanoseconds
+  // Nanoseconds.
+  QElapsedTimer clock_;
+  qint64 frameStart_ = 0;
+  qint64 frameInterval_;
+  bool frameShown_ = false;  // and its cost not yet known
   ZelModel* model_ = nullptr;
   bool running_ = false;
   bool paused_ = false;
