@@ -25,14 +25,17 @@ void CheckPictureFile(const std::string& file) {
 }
 
 #ifdef TORVANE_PICTURES
+static void WritePicture(const Picture& picture, const std::string& file) {
+  const std::string fault = ExportPicture(picture, file, Readerless::Wait);
+  if (!fault.empty()) throw FileError(fault);
+}
+
 void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file) {
-  std::string reason;
-  if (!ExportScopePicture(scope, screen, file, reason)) throw FileError(reason);
+  WritePicture(ScopePicture(scope, screen, nullptr), file);
 }
 
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
-  std::string reason;
-  if (!ExportResponsePicture(analyser, file, reason)) throw FileError(reason);
+  WritePicture(ResponsePicture(analyser), file);
 }
 #else
 void WritePicture(const ZelScope&, const ScopeScreen&, const std::string& file) {

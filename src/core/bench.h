@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/instrument.h"
@@ -18,9 +19,12 @@ class ZelSolver;
 /// instruments. Lists keep the order of registration and own nothing.
 class ZelBenchTop {
  public:
-  ZelBenchTop() = default;
+  explicit ZelBenchTop(std::string modelName = {}) : modelName_(std::move(modelName)) {}
   ZelBenchTop(const ZelBenchTop&) = delete;
   ZelBenchTop& operator=(const ZelBenchTop&) = delete;
+
+  /// Of the model that this is the bench of.
+  const std::string& ModelName() const { return modelName_; }
 
   void SetTimeVar(Variable& timeVar);
   void AddVar(Variable& variable);
@@ -94,6 +98,7 @@ class ZelBenchTop {
   void PrepareWideCapture();
 
  private:
+  std::string modelName_;
   ZelUndo history_;
   ZelSolver* solver_ = nullptr;
   double time_ = 0.0;

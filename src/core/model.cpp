@@ -7,7 +7,7 @@
 
 namespace torvane {
 
-ZelModel::ZelModel(std::string name) : name_(std::move(name)) {}
+ZelModel::ZelModel(std::string name) : name_(std::move(name)), bench_(name_) {}
 
 ZelModel::ZelModel(std::string name, double step, int maxOrder) try : ZelModel(std::move(name)) {
   MakeSolver(step, maxOrder);

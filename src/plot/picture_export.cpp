@@ -3,17 +3,11 @@
 #include <QBuffer>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QImage>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSvgGenerator>
-#include <functional>
 #include <optional>
-
-#include "core/files/atomic_save.h"
-#include "plot/response_painter.h"
-#include "plot/scope_painter.h"
 
 namespace torvane {
 
@@ -42,49 +36,38 @@ class ApplicationForPictures {
   std::optional<QGuiApplication> application_;
 };
 
-// What a picture shows: painted over an area of PictureSize times Ratio.
-struct Subject {
-  std::string Title;
-  std::function<void(QPainter& painter)> Paint;
-};
-
-bool WriteImage(QIODevice& device, const Subject& subject) {
-  QImage image(PictureSize * ImageRatio, QImage::Format_RGB32);
-  image.setDotsPerMeterX(PictureDpi * ImageRatio * 10000 / 254);
-  image.setDotsPerMeterY(PictureDpi * ImageRatio * 10000 / 254);
-  QPainter painter(&image);
-  painter.scale(1.0 * ImageRatio / Ratio, 1.0 * ImageRatio / Ratio);
-  subject.Paint(painter);
-  painter.end();
-  return image.save(&device, "PNG");
+bool PaintOn(QPaintDevice& device, const Picture& picture, double scale = 1.0) {
+  QPainter painter;
+  if (!painter.begin(&device)) return false;
+  painter.scale(scale, scale);
+  picture.Paint(painter, PictureSize * Ratio, Ratio);
+  return painter.end();
 }
 
-bool WriteSvg(QIODevice& device, const Subject& subject) {
+bool WriteImage(QIODevice& device, const Picture& picture) {
+  return PictureImage(picture).save(&device, "PNG");
+}
+
+bool WriteSvg(QIODevice& device, const Picture& picture) {
   QSvgGenerator svg;
   svg.setOutputDevice(&device);
   svg.setSize(PictureSize);
   svg.setResolution(PictureDpi);
   svg.setViewBox(QRect(QPoint(0, 0), PictureSize * Ratio));
-  svg.setTitle(QString::fromStdString(subject.Title));
-  QPainter painter;
-  if (!painter.begin(&svg)) return false;
-  subject.Paint(painter);
-  return painter.end();
+  svg.setTitle(QString::fromStdString(picture.Title));
+  return PaintOn(svg, picture);
 }
 
-bool WritePdf(QIODevice& device, const Subject& subject) {
+bool WritePdf(QIODevice& device, const Picture& picture) {
   QPdfWriter pdf(&device);
-  pdf.setTitle(QString::fromStdString(subject.Title));
+  pdf.setTitle(QString::fromStdString(picture.Title));
   pdf.setResolution(PictureDpi * Ratio);
   pdf.setPageMargins(QMarginsF());
   pdf.setPageSize(QPageSize(QSizeF(PictureSize) * 72.0 / PictureDpi, QPageSize::Point));
-  QPainter painter;
-  if (!painter.begin(&pdf)) return false;
-  subject.Paint(painter);
-  return painter.end();
+  return PaintOn(pdf, picture);
 }
 
-using Writer = bool (*)(QIODevice&, const Subject&);
+using Writer = bool (*)(QIODevice&, const Picture&);
 
 Writer WriterFor(const QString& ending) {
   if (ending == u"png") return WriteImage;
@@ -93,48 +76,25 @@ Writer WriterFor(const QString& ending) {
   return nullptr;
 }
 
-void PaintScope(QPainter& painter, const ZelScope& scope, const ScopeScreen& screen) {
-  ScopePainter picture(scope, PaintTime::Unbounded);
-  picture.Layout(PictureSize * Ratio, Ratio, MakeScopeLabels(scope, nullptr));
-  picture.PaintBackground(painter, ScopeColours::Light());
-  picture.PaintTraces(painter, screen);
-}
+}  // namespace
 
-bool Export(const Subject& subject, const std::string& file, std::string& error) {
+std::string ExportPicture(const Picture& picture, const std::string& file, Readerless pipes) {
   const ApplicationForPictures application;
   const QString name = QString::fromStdString(file);
   const Writer write = WriterFor(QFileInfo(name).suffix().toLower());
-  if (!write) {
-    error = "A picture's name must end in .png, .svg or .pdf: " + file;
-    return false;
-  }
-  QBuffer picture;
-  if (!picture.open(QIODevice::WriteOnly) || !write(picture, subject)) {
-    error = "Cannot draw " + file;
-    return false;
-  }
-  const QByteArray& bytes = picture.data();
-  error = ReplaceFile(file, {bytes.constData(), static_cast<std::size_t>(bytes.size())},
-                      Readerless::Wait);
-  return error.empty();
+  if (!write) return "A picture's name must end in .png, .svg or .pdf: " + file;
+  QBuffer written;
+  if (!written.open(QIODevice::WriteOnly) || !write(written, picture)) return "Cannot draw " + file;
+  const QByteArray& bytes = written.data();
+  return ReplaceFile(file, {bytes.constData(), static_cast<std::size_t>(bytes.size())}, pipes);
 }
 
-}  // namespace
-
-bool ExportScopePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file,
-                        std::string& error) {
-  const auto paint = [&](QPainter& painter) { PaintScope(painter, scope, screen); };
-  return Export({scope.Name(), paint}, file, error);
-}
-
-bool ExportResponsePicture(FrequencyAnalyser& analyser, const std::string& file,
-                           std::string& error) {
-  const auto paint = [&](QPainter& painter) {
-    ResponsePainter picture(analyser);
-    picture.Layout(PictureSize * Ratio, Ratio);
-    picture.Paint(painter, ScopeColours::Light());
-  };
-  return Export({analyser.Name(), paint}, file, error);
+QImage PictureImage(const Picture& picture) {
+  QImage image(PictureSize * ImageRatio, QImage::Format_RGB32);
+  image.setDotsPerMeterX(PictureDpi * ImageRatio * 10000 / 254);
+  image.setDotsPerMeterY(PictureDpi * ImageRatio * 10000 / 254);
+  PaintOn(image, picture, 1.0 * ImageRatio / Ratio);
+  return image;
 }
 
 }  // namespace torvane

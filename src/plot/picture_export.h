@@ -1,21 +1,20 @@
 #pragma once
 
+#include <QImage>
 #include <string>
+
+#include "core/files/atomic_save.h"
+#include "plot/picture.h"
 
 namespace torvane {
 
-class FrequencyAnalyser;
-class ZelScope;
-struct ScopeScreen;
+/// Writes a picture file, whose kind follows from the file name's ending: png, svg or pdf. The
+/// result is empty, or says in one line what went wrong; the old file stays then. Makes an
+/// application object without a display when the program has none.
+std::string ExportPicture(const Picture& picture, const std::string& file,
+                          Readerless pipes = Readerless::Refuse);
 
-/// Writes what the scope's window would show with that screen to a picture file, whose kind follows
-/// from the file name's ending: png, svg or pdf. False, with a one-line reason, when it cannot.
-/// Makes an application object without a display when the program has none.
-bool ExportScopePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file,
-                        std::string& error);
-
-/// The same of an analyser's gain and phase.
-bool ExportResponsePicture(FrequencyAnalyser& analyser, const std::string& file,
-                           std::string& error);
+/// The picture as in a png file.
+QImage PictureImage(const Picture& picture);
 
 }  // namespace torvane

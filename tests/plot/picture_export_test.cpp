@@ -21,6 +21,10 @@ class PictureExportTest : public testing::Test {
     set_.Scope.CopyScreen(ScopeSweep::Present, screen_);
   }
   std::string Path(const char* name) { return folder_.filePath(QString(name)).toStdString(); }
+  bool Export(const std::string& file) {
+    error_ = ExportPicture(ScopePicture(set_.Scope, screen_, nullptr), file);
+    return error_.empty();
+  }
   QByteArray Read(const std::string& path) {
     QFile file(QString::fromStdString(path));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
@@ -34,7 +38,7 @@ class PictureExportTest : public testing::Test {
 };
 
 TEST_F(PictureExportTest, ImagesShowTheTraces) {
-  ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("scope.PNG"), error_)) << error_;
+  ASSERT_TRUE(Export(Path("scope.PNG"))) << error_;
   const QImage image(QString::fromStdString(Path("scope.PNG")));
   ASSERT_FALSE(image.isNull());
   int blue = 0;
@@ -55,7 +59,7 @@ TEST_F(PictureExportTest, ImagesShowEveryLineOfADenseTrace) {
     set_.Sample(1);
   }
   set_.Scope.CopyScreen(ScopeSweep::Whole, screen_);
-  ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("dense.png"), error_)) << error_;
+  ASSERT_TRUE(Export(Path("dense.png"))) << error_;
   const QImage image(QString::fromStdString(Path("dense.png")));
   int columns = 0;
   for (int x = 0; x < image.width(); ++x) {
@@ -70,18 +74,18 @@ TEST_F(PictureExportTest, ImagesShowEveryLineOfADenseTrace) {
 }
 
 TEST_F(PictureExportTest, DrawingsKeepTextAndLines) {
-  ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("scope.svg"), error_)) << error_;
+  ASSERT_TRUE(Export(Path("scope.svg"))) << error_;
   const QByteArray svg = Read(Path("scope.svg"));
   EXPECT_TRUE(svg.contains("Speed 5/div (Off: 0)"));
   EXPECT_TRUE(svg.contains("#0000ff"));
-  ASSERT_TRUE(ExportScopePicture(set_.Scope, screen_, Path("scope.pdf"), error_)) << error_;
+  ASSERT_TRUE(Export(Path("scope.pdf"))) << error_;
   EXPECT_TRUE(Read(Path("scope.pdf")).startsWith("%PDF-"));
 }
 
 TEST_F(PictureExportTest, RefusesOtherEndingsAndUnwritablePlaces) {
-  EXPECT_FALSE(ExportScopePicture(set_.Scope, screen_, Path("scope.gif"), error_));
+  EXPECT_FALSE(Export(Path("scope.gif")));
   EXPECT_EQ(error_, "A picture's name must end in .png, .svg or .pdf: " + Path("scope.gif"));
-  EXPECT_FALSE(ExportScopePicture(set_.Scope, screen_, Path("none/scope.png"), error_));
+  EXPECT_FALSE(Export(Path("none/scope.png")));
   EXPECT_EQ(error_.rfind("Cannot open " + Path("none/scope.png"), 0), 0U) << error_;
 }
 

@@ -2,12 +2,12 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
 #include "cli/response_options.h"
 #include "cli/result_file.h"
+#include "core/csv.h"
 #include "core/text.h"
 #include "instruments/fft/fft_analyser.h"
 

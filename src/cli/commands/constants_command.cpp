@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/model_options.h"
 #include "cli/result_file.h"
 #include "core/constant.h"
+#include "core/csv.h"
 #include "core/text.h"
 
 namespace torvane::cli {

@@ -2,12 +2,12 @@
 #include <algorithm>
 
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/model_options.h"
 #include "cli/number_options.h"
 #include "cli/result_file.h"
 #include "cli/row_clock.h"
+#include "core/csv.h"
 
 namespace torvane::cli {
 namespace {

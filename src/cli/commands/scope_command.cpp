@@ -4,13 +4,13 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/model_options.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
 #include "cli/result_file.h"
 #include "core/text.h"
+#include "instruments/scope/scope_csv.h"
 
 namespace torvane::cli {
 namespace {
@@ -39,27 +39,6 @@ std::optional<ScopeScreen> LastCompleteScreen(ZelScope& scope, LongRun& run, dou
   return screen;
 }
 
-// What the samples stand for, in the signal's display units. They are single-precision numbers, and
-// so is what is printed.
-std::string DisplayText(const ZelChannel& channel, float value) {
-  return FormatShortestSingle(static_cast<float>(value * channel.Signal().Multiplier()));
-}
-
-void WriteScreen(const ZelScope& scope, const ScopeScreen& screen, ResultFile& file) {
-  const std::vector<std::size_t> shown = scope.DisplayedChannels();
-  std::vector<std::string> fields{"Time"};
-  for (const std::size_t i : shown) fields.push_back(scope.Channels()[i]->Name());
-  file.Write(CsvLine(fields));
-  for (std::size_t point = 0; point < screen.Time.size(); ++point) {
-    fields = {FormatShortest(screen.Time[point])};
-    for (const std::size_t i : shown) {
-      fields.push_back(DisplayText(*scope.Channels()[i], screen.Values[i][point]));
-    }
-    file.Write(CsvLine(fields));
-  }
-  file.Close();
-}
-
 void ShowScope(const ScopeOptions& options, Console& console) {
   CheckPictureFile(options.Picture);
   CheckOutputs(options.Out, options.Picture);
@@ -77,7 +56,8 @@ void ShowScope(const ScopeOptions& options, Console& console) {
                        " s; a screen lasts " +
                        FormatShortest(scope.SampleInterval() * scope.ScreenLength()) + " s");
   }
-  WriteScreen(scope, *screen, file);
+  file.Write(ScreenCsv(scope, *screen));
+  file.Close();
   if (options.Picture.empty()) return;
   WritePicture(scope, *screen, options.Picture);
 }

@@ -1,9 +1,9 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/model_options.h"
 #include "cli/result_file.h"
+#include "core/csv.h"
 
 namespace torvane::cli {
 namespace {

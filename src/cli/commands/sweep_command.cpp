@@ -3,12 +3,12 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/csv.h"
 #include "cli/long_run.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
 #include "cli/response_options.h"
 #include "cli/result_file.h"
+#include "core/csv.h"
 #include "core/text.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 

@@ -10,6 +10,7 @@
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
+#include "instruments/scope/scope_csv.h"
 #include "library/wave.h"
 #include "plot/scope_colours.h"
 #include "ui/panes/add_dialog.h"
@@ -20,6 +21,7 @@
 #include "ui/panes/trigger_controls.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
+#include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui_scope.h"
 
@@ -99,6 +101,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   ConnectPages();
   ConnectCursors(bench.History());
   ConnectMath();
+  ConnectExport(bench);
   connect(ui_->BHorizAuto, &QAbstractButton::clicked, this,
           [this, &bench] { ShowTwoPeriods(bench); });
   SettingsChanged();
@@ -210,6 +213,19 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
 void TZelScopeF::ConnectMath() {
   connect(ui_->SBMath, &QAbstractButton::toggled, this, &TZelScopeF::ShowMath);
   connect(math_, &MathWindow::Closed, this, [this] { ui_->SBMath->setChecked(false); });
+}
+
+void TZelScopeF::ConnectExport(const ZelBenchTop& bench) {
+  const auto heading = QStringLiteral("%1 - %2");
+  const QString model = QString::fromStdString(bench.ModelName());
+  const auto picture = [this] {
+    return ScopePicture(scope_, ui_->PBScreen->Screen(), &VerticalChannel());
+  };
+  const auto csv = [this] { return ScreenCsv(scope_, ui_->PBScreen->Screen()); };
+  auto* menu = new ExportMenu(
+      *ui_->PBScreen, {heading.arg(model, windowTitle()), QStringLiteral("scope"), picture, csv});
+  ui_->BExport->setMenu(menu);
+  connect(ui_->PrintB, &QAbstractButton::clicked, menu, &ExportMenu::Print);
 }
 
 // The next scale of 1, 2, 5, 10 that shows two periods of the command.

@@ -52,6 +52,7 @@ class TZelScopeF : public InstrumentPane {
   void ShowCursors();
   void ShowReading();
   void ConnectMath();
+  void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
   void Place(QWidget& readOut) const;
   void ConnectTriggerSource();

@@ -1,10 +1,10 @@
-#include "cli/csv.h"
+#include "core/csv.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
-namespace torvane::cli {
+namespace torvane {
 namespace {
 
 TEST(Csv, QuotesOnlyWhatWouldNotReadBack) {
@@ -20,4 +20,4 @@ TEST(Csv, NumbersAreShortestInTheirOwnPrecision) {
 }
 
 }  // namespace
-}  // namespace torvane::cli
+}  // namespace torvane

@@ -1,11 +1,11 @@
-#include "cli/csv.h"
+#include "core/csv.h"
 
 #include <array>
 #include <charconv>
 
 #include "core/text.h"
 
-namespace torvane::cli {
+namespace torvane {
 
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
@@ -41,4 +41,4 @@ std::string FormatShortestSingle(float x) {
   return std::string(text.data(), end.ptr);
 }
 
-}  // namespace torvane::cli
+}  // namespace torvane

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace torvane::cli {
+namespace torvane {
 
 /// The field as it stands in a CSV line: in quotes when it holds a comma, a quote or a line end.
 std::string CsvField(const std::string& text);
@@ -18,4 +18,4 @@ std::string CsvLine(std::span<const double> numbers);
 /// Shortest text that reads back as the same single-precision number.
 std::string FormatShortestSingle(float x);
 
-}  // namespace torvane::cli
+}  // namespace torvane

@@ -1,0 +1,30 @@
+#include "plot/picture.h"
+
+#include <utility>
+
+#include "plot/response_painter.h"
+#include "plot/scope_painter.h"
+
+namespace torvane {
+
+Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference) {
+  const auto paint = [&scope, screen = std::move(screen), reference](
+                         QPainter& painter, const QSize& size, double ratio) {
+    ScopePainter picture(scope, PaintTime::Unbounded);
+    picture.Layout(size, ratio, MakeScopeLabels(scope, reference));
+    picture.PaintBackground(painter, ScopeColours::Light());
+    picture.PaintTraces(painter, screen);
+  };
+  return {scope.Name(), paint};
+}
+
+Picture ResponsePicture(FrequencyAnalyser& analyser) {
+  const auto paint = [&analyser](QPainter& painter, const QSize& size, double ratio) {
+    ResponsePainter picture(analyser);
+    picture.Layout(size, ratio);
+    picture.Paint(painter, ScopeColours::Light());
+  };
+  return {analyser.Name(), paint};
+}
+
+}  // namespace torvane

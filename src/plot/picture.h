@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QPainter>
+#include <QSize>
+#include <functional>
+#include <string>
+
+namespace torvane {
+
+class FrequencyAnalyser;
+class ZelChannel;
+class ZelScope;
+struct ScopeScreen;
+
+/// What a plot shows, to be painted anywhere and at any resolution.
+struct Picture {
+  std::string Title;
+  /// Fills an area of that size at the painter's origin; `ratio` of its pixels make one pixel of
+  /// text and line design.
+  std::function<void(QPainter& painter, const QSize& size, double ratio)> Paint;
+};
+
+/// The scope with that screen, as on paper: light, with all scales. The left axis shows the values
+/// of `reference`, or of the first displayed channel. The scope must outlive the picture.
+Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference);
+
+/// The analyser's gain and phase; the analyser must outlive the picture.
+Picture ResponsePicture(FrequencyAnalyser& analyser);
+
+}  // namespace torvane

@@ -1,0 +1,108 @@
+#include "ui/widgets/export_menu.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QMimeData>
+#include <utility>
+
+#include "core/files/atomic_save.h"
+#include "core/messages.h"
+#include "plot/picture_export.h"
+#include "ui/session/user_settings.h"
+#include "ui/widgets/notice.h"
+#include "ui/widgets/picture_printing.h"
+
+namespace torvane {
+
+namespace {
+
+const QString FolderKey = QStringLiteral("exportFolder");
+
+}  // namespace
+
+ExportMenu::ExportMenu(QWidget& plot, ExportSource source)
+    : QMenu(&plot), plot_(plot), source_(std::move(source)) {
+  setObjectName(QStringLiteral("MExport"));
+  AddPicture("MIExportPng", QStringLiteral("Save as P&NG..."), QStringLiteral("png"));
+  AddPicture("MIExportSvg", QStringLiteral("Save as &SVG..."), QStringLiteral("svg"));
+  AddPicture("MIExportPdf", QStringLiteral("Save as P&DF..."), QStringLiteral("pdf"));
+  Add("MIExportCsv", QStringLiteral("Save Data as &CSV..."), &ExportMenu::SaveData);
+  addSeparator();
+  Add("MICopyPicture", QStringLiteral("Copy &Picture"), &ExportMenu::CopyPicture)
+      .setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+C")));
+  Add("MICopyData", QStringLiteral("Copy Da&ta"), &ExportMenu::CopyData)
+      .setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+D")));
+  addSeparator();
+  Add("MIPrint", QStringLiteral("P&rint..."), &ExportMenu::Print).setShortcut(QKeySequence::Print);
+  for (QAction* action : actions()) action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  plot.window()->addActions(actions());
+  plot.setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(&plot, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& at) { popup(plot_.mapToGlobal(at)); });
+}
+
+QAction& ExportMenu::Add(const char* name, const QString& text, void (ExportMenu::*chosen)()) {
+  QAction& action = *addAction(text);
+  action.setObjectName(QLatin1String(name));
+  connect(&action, &QAction::triggered, this, chosen);
+  return action;
+}
+
+void ExportMenu::AddPicture(const char* name, const QString& text, const QString& ending) {
+  QAction& action = *addAction(text);
+  action.setObjectName(QLatin1String(name));
+  connect(&action, &QAction::triggered, this, [this, ending] {
+    Save(ending, [picture = source_.MakePicture()](const std::string& file) {
+      return ExportPicture(picture, file);
+    });
+  });
+}
+
+void ExportMenu::SaveData() {
+  Save(QStringLiteral("csv"),
+       [data = source_.MakeCsv()](const std::string& file) { return ReplaceFile(file, data); });
+}
+
+void ExportMenu::Save(const QString& ending, const Write& write) {
+  const QString folder = UserSettings().value(FolderKey, QDir::homePath()).toString();
+  QFileDialog dialog(plot_.window(), QStringLiteral("Save %1").arg(ending.toUpper()), folder,
+                     QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending));
+  dialog.setObjectName(QStringLiteral("ExportDialog"));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(ending);
+  dialog.selectFile(source_.FileName + u'.' + ending);
+  if (dialog.exec() != QDialog::Accepted) return;
+  const QString path = dialog.selectedFiles().value(0);
+  UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
+  const std::string fault = write(path.toStdString());
+  if (fault.empty()) {
+    ShowNotice(plot_, QStringLiteral("Saved as %1").arg(path));
+  } else {
+    Error(fault);
+  }
+}
+
+void ExportMenu::CopyPicture() {
+  QGuiApplication::clipboard()->setImage(PictureImage(source_.MakePicture()));
+  ShowNotice(plot_, QStringLiteral("The picture is on the clipboard"));
+}
+
+// As text for any program, and as what it is for those that know it.
+void ExportMenu::CopyData() {
+  const QByteArray csv = QByteArray::fromStdString(source_.MakeCsv());
+  auto mime = std::make_unique<QMimeData>();
+  mime->setText(QString::fromUtf8(csv));
+  mime->setData(QStringLiteral("text/csv"), csv);
+  QGuiApplication::clipboard()->setMimeData(mime.release());
+  ShowNotice(plot_, QStringLiteral("The data are on the clipboard"));
+}
+
+void ExportMenu::Print() {
+  const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
+  PrintPicture(*plot_.window(), {source_.MakePicture(), source_.Heading, date});
+}
+
+}  // namespace torvane

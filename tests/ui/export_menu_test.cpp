@@ -1,0 +1,99 @@
+#include "ui/widgets/export_menu.h"
+
+#include <QAbstractButton>
+#include <QClipboard>
+#include <QDialog>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QImage>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include "desktop.h"
+#include "ui/panes/scope_paint_box.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+
+class ExportMenuTest : public test::Desktop {
+ protected:
+  ExportMenuTest() {
+    Click("SBRun");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Panel->Model()->Time() > 0.05; }));
+    Click("SBStop");
+  }
+  /// Answers the dialog that the next action opens.
+  void Answer(std::function<void(QDialog& dialog)> answer) {
+    QTimer::singleShot(0, qApp, [this, answer] {
+      auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      dialog ? answer(*dialog) : Answer(answer);
+    });
+  }
+  /// Chooses an item of the menu, and a file name in the dialog that it opens.
+  void Save(const char* item, const QString& path) {
+    Answer([path](QDialog& dialog) {
+      dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+      dialog.accept();
+    });
+    Trigger(item);
+  }
+  QString Path(const char* name) { return Folder.filePath(QLatin1String(name)); }
+  QByteArray Read(const char* name) {
+    QFile file(Path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+
+  QTemporaryDir Folder;
+};
+
+TEST_F(ExportMenuTest, PictureAndDataGoToFilesAndToTheClipboard) {
+  emit Find<QWidget>("PBScreen").customContextMenuRequested({20, 20});
+  EXPECT_TRUE(Find<QMenu>("MExport").isVisible());
+  Find<QMenu>("MExport").hide();
+  Save("MIExportPng", Path("a"));
+  Save("MIExportSvg", Path("b.svg"));
+  Save("MIExportPdf", Path("c.PDF"));
+  Save("MIExportCsv", Path("d.csv"));
+  EXPECT_EQ(QImage(Path("a.png")).size(), QSize(1920, 1280));
+  EXPECT_TRUE(Read("b.svg").contains("[Horiz]: Time 0.002 "));
+  EXPECT_TRUE(Read("c.PDF").startsWith("%PDF-"));
+  const QByteArray csv = Read("d.csv");
+  EXPECT_TRUE(csv.startsWith("Time,vC,vF\n")) << csv.left(80).toStdString();
+  EXPECT_EQ(csv.count('\n'), Find<ScopePaintBox>("PBScreen").Screen().PointCount() + 1);
+  Trigger("MICopyData");
+  const QMimeData& copied = *QGuiApplication::clipboard()->mimeData();
+  EXPECT_EQ(copied.data(QStringLiteral("text/csv")), csv);
+  EXPECT_EQ(copied.text(), QString::fromUtf8(csv));
+  Trigger("MICopyPicture");
+  EXPECT_EQ(QGuiApplication::clipboard()->image(),
+            QImage(Path("a.png")).convertToFormat(QImage::Format_RGB32));
+  EXPECT_TRUE(Reports.Take().empty());
+}
+
+TEST_F(ExportMenuTest, WhatCannotBeWrittenIsToldWithFileAndReason) {
+  Save("MIExportCsv", Path("none/d.csv"));
+  const std::string file = Path("none/d.csv").toStdString();
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Cannot open " + file + ": No such file or directory"});
+}
+
+TEST_F(ExportMenuTest, TheButtonPrintsAPageToAFile) {
+  const auto print = [this](const char* name) {
+    Answer([path = Path(name)](QDialog& dialog) {
+      EXPECT_EQ(dialog.objectName(), QStringLiteral("PrintDialog"));
+      dialog.findChild<QLineEdit*>(QStringLiteral("filename"))->setText(path);
+      dialog.accept();
+    });
+    Find<QAbstractButton>("PrintB").click();
+  };
+  print("page.pdf");
+  const QByteArray page = Read("page.pdf");
+  EXPECT_TRUE(page.startsWith("%PDF-") && page.trimmed().endsWith("%%EOF"));
+  EXPECT_TRUE(Reports.Take().empty());
+}
+
+}  // namespace
+}  // namespace torvane
