@@ -6,6 +6,7 @@
 
 #include "core/constant.h"
 #include "desktop.h"
+#include "ui/panes/adjust_dialog.h"
 
 namespace torvane {
 namespace {
@@ -60,6 +61,7 @@ TEST_F(ConstantsGridTest, EditsReachTheConstantWhileTheModelRuns) {
   Click("SBRun");
   Enter("KVP", "0.5");
   EXPECT_EQ(Const("KVP").Value(), 0.5);
+  EXPECT_EQ(Panel->findChild<TZelAdjustF*>(), nullptr);
   EXPECT_TRUE(Panel->Running());
   EXPECT_EQ(Find<QAction>("MIUndo").text(), "Undo KVP = 0.5");
   Trigger("MIUndo");
@@ -102,6 +104,43 @@ TEST_F(ConstantsGridTest, TheWheelTurnsTheSelectedValueAsOneChange) {
   turn("KVP", 60, Qt::ShiftModifier);
   EXPECT_EQ(Const("KVP").Value(), 3.1);
   turn("KVP", -120, {});
+  EXPECT_EQ(Const("KVP").Value(), 3.0);
+  Bench().History().Undo();
+  EXPECT_EQ(Const("KVP").Value(), 2.0);
+}
+
+TEST_F(ConstantsGridTest, ADragTurnsTheSelectedValueAsOneChange) {
+  const auto drag = [this](const char* name, int up, Qt::KeyboardModifiers keys) {
+    QWidget& view = *Grid().viewport();
+    const QTableWidgetItem* item = Grid().item(Row(name), ConstantsGrid::ValueColumn);
+    const QPoint from = Grid().visualItemRect(item).center();
+    const auto send = [&](QEvent::Type type, const QPoint& at, Qt::MouseButton button) {
+      const bool down = type != QEvent::MouseButtonRelease;
+      QMouseEvent mouse(type, at, view.mapToGlobal(at), button,
+                        down ? Qt::LeftButton : Qt::NoButton, keys);
+      QApplication::sendEvent(&view, &mouse);
+    };
+    send(QEvent::MouseButtonPress, from, Qt::LeftButton);
+    for (const int part : {1, 2, 3}) {
+      send(QEvent::MouseMove, from - QPoint(0, up * part / 3), Qt::NoButton);
+    }
+    send(QEvent::MouseButtonRelease, from - QPoint(0, up), Qt::LeftButton);
+  };
+  const double before = Const("KVI").Value();
+  Const("KVP").Set(2.0);
+  Grid().setCurrentCell(Row("KVP"), ConstantsGrid::ValueColumn);
+  drag("KVI", 40, {});
+  EXPECT_EQ(Const("KVI").Value(), before);
+  Grid().setCurrentCell(Row("KVP"), ConstantsGrid::ValueColumn);
+  Click("SBRun");
+  drag("KVP", 6, {});  // no more than an unsteady hand
+  EXPECT_EQ(Const("KVP").Value(), 2.0);
+  drag("KVP", 20, {});
+  EXPECT_EQ(Const("KVP").Value(), 3.0);
+  drag("KVP", -10, Qt::ShiftModifier);
+  EXPECT_EQ(Const("KVP").Value(), 2.88);
+  EXPECT_EQ(Grid().currentRow(), Row("KVP"));
+  Bench().History().Undo();
   EXPECT_EQ(Const("KVP").Value(), 3.0);
   Bench().History().Undo();
   EXPECT_EQ(Const("KVP").Value(), 2.0);

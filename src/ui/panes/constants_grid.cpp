@@ -7,14 +7,13 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
-#include <QWheelEvent>
 #include <algorithm>
-#include <cstdlib>
 
 #include "core/constant.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "ui/panes/adjust_dialog.h"
+#include "ui/panes/value_knob.h"
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/edit_shortcuts.h"
@@ -23,8 +22,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
-constexpr int LargestMinimum = 165;    // pixels of width that a narrow window must spare
+constexpr int LargestMinimum = 165;  // pixels of width that a narrow window must spare
 
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
@@ -120,8 +118,7 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   connect(&table, &QTableWidget::cellDoubleClicked, this, &ConstantsGrid::Adjust);
   table.installEventFilter(this);
   table.viewport()->installEventFilter(this);
-  turnEnd_.setSingleShot(true);
-  connect(&turnEnd_, &QTimer::timeout, this, [this] { bench_.History().EndGesture(); });
+  new ValueKnob(table, ValueColumn, bench);
 }
 
 ConstantsGrid::~ConstantsGrid() = default;
@@ -129,7 +126,9 @@ ConstantsGrid::~ConstantsGrid() = default;
 bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress && table_.currentRow() >= 0) {
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+    // An open editor passes on the Enter that it commits with.
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (enter && !table_.isPersistentEditorOpen(table_.currentIndex())) {
       Adjust(table_.currentRow());
       return true;
     }
@@ -138,33 +137,7 @@ bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
     // Once the header knows the new width too.
     QMetaObject::invokeMethod(this, &ConstantsGrid::ShowUnitsIfRoom, Qt::QueuedConnection);
   }
-  if (watched == table_.viewport() && event->type() == QEvent::Wheel) {
-    return Turn(static_cast<const QWheelEvent&>(*event));
-  }
   return QObject::eventFilter(watched, event);
-}
-
-// Only the selected value turns, and only under the pointer: elsewhere the wheel scrolls.
-bool ConstantsGrid::Turn(const QWheelEvent& wheel) {
-  const int row = table_.currentRow();
-  const QTableWidgetItem* value = row < 0 ? nullptr : table_.item(row, ValueColumn);
-  if (!value || table_.itemAt(wheel.position().toPoint()) != value) return false;
-  if (table_.isPersistentEditorOpen(table_.model()->index(row, ValueColumn))) return false;
-  const bool fine = wheel.modifiers().testFlag(Qt::ShiftModifier);
-  const ConstantStep up = fine ? ConstantStep::DinkyNudgeUp : ConstantStep::NudgeUp;
-  const ConstantStep down = fine ? ConstantStep::DinkyNudgeDown : ConstantStep::NudgeDown;
-  if (!turnEnd_.isActive()) {
-    turned_ = 0;
-    bench_.History().BeginGesture();
-  }
-  turnEnd_.start(TurnMilliseconds);
-  Constant& constant = *bench_.Constants()[static_cast<std::size_t>(row)];
-  turned_ += wheel.angleDelta().y();
-  for (; std::abs(turned_) >= QWheelEvent::DefaultDeltasPerStep;
-       turned_ -= (turned_ > 0 ? 1 : -1) * QWheelEvent::DefaultDeltasPerStep) {
-    constant.Step(turned_ > 0 ? up : down);
-  }
-  return true;
 }
 
 void ConstantsGrid::Adjust(int row) try {
