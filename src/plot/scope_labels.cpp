@@ -43,6 +43,7 @@ std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
         scope.XYMode() ? WithOffset(*horizontal, axis) : PerDivision(*horizontal, axis);
     entries.push_back({"[Horiz]: " + text, -1});
   }
+  if (scope.Kept()) entries.push_back({"Thin: kept", -1});
   return entries;
 }
 

@@ -10,12 +10,13 @@ namespace torvane {
 /// What one trace is: "Command  20 RPM/div (Off: 0)" and the colour it is drawn in.
 struct LegendEntry {
   std::string Text;
-  int Colour = -1;  ///< of the trace; -1 for the horizontal axis, which has none
+  int Colour = -1;  ///< of the trace; -1 for what has none
 
   bool operator==(const LegendEntry&) const = default;
 };
 
-/// One entry a displayed trace, in channel order, and the horizontal axis last.
+/// One entry a displayed trace, in channel order, then the horizontal axis, and last what thin
+/// lines are when traces are kept.
 std::vector<LegendEntry> ScopeLegend(const ZelScope& scope);
 
 /// The words beside the screen. Pictures are painted anew when any of them changes.

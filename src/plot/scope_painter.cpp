@@ -186,6 +186,7 @@ void ScopePainter::PaintCursors(QPainter& painter, const ScopeColours& colours) 
 void ScopePainter::PaintTraces(QPainter& painter, const ScopeScreen& screen) {
   drawn_ = 0;
   marks_.assign(scope_.Channels().size(), {});
+  PaintKept(painter, screen);
   PaintFrom(0, painter, screen);
 }
 
@@ -194,8 +195,25 @@ QRect ScopePainter::PaintNew(QPainter& painter, const ScopeScreen& screen) {
   return PaintFrom(first, painter, screen).translated(plate_.topLeft()) & plate_;
 }
 
+void ScopePainter::PaintKept(QPainter& painter, const ScopeScreen& screen) {
+  if (!scope_.Kept()) return;
+  const ScopeScreen kept = OnTimeAxisOf(scope_, *scope_.Kept(), screen);
+  PaintEach(0, painter, kept, [&](TracePainter& traces, std::size_t channel) {
+    traces.PaintKept(points_, PenColour(scope_.Channels()[channel]->Colour()));
+  });
+}
+
 QRect ScopePainter::PaintFrom(int first, QPainter& painter, const ScopeScreen& screen) {
   drawn_ = screen.PointCount();
+  QRect area;
+  PaintEach(first, painter, screen, [&](TracePainter& traces, std::size_t channel) {
+    area |= traces.Paint(points_, PenColour(scope_.Channels()[channel]->Colour()), marks_[channel]);
+  });
+  return area;
+}
+
+void ScopePainter::PaintEach(int first, QPainter& painter, const ScopeScreen& screen,
+                             const std::function<void(TracePainter&, std::size_t)>& paint) {
   painter.save();
   painter.setClipRect(plate_);
   painter.translate(plate_.topLeft());
@@ -203,8 +221,9 @@ QRect ScopePainter::PaintFrom(int first, QPainter& painter, const ScopeScreen& s
   const ScreenPixels pixels(plate_.width(), plate_.height());
   pixels.XOfPoints(scope_, screen, first, x_);
   const std::vector<std::size_t> displayed = scope_.DisplayedChannels();
-  TracePainter traces(painter, plate_.size(), ratio_, displayed.size(), time_);
-  QRect area;
+  // Kept traces share the time of a frame with the live ones.
+  const std::size_t painted = displayed.size() * (scope_.Kept() ? 2 : 1);
+  TracePainter traces(painter, plate_.size(), ratio_, painted, time_);
   for (const std::size_t k : displayed) {
     const ZelChannel& channel = *scope_.Channels()[k];
     points_.clear();
@@ -212,10 +231,9 @@ QRect ScopePainter::PaintFrom(int first, QPainter& painter, const ScopeScreen& s
       const double value = screen.Values[k][static_cast<std::size_t>(first) + i];
       points_.push_back({x_[i], pixels.Y(channel, value), pixels.Beyond(channel, value)});
     }
-    area |= traces.Paint(points_, PenColour(channel.Colour()), marks_[k]);
+    paint(traces, k);
   }
   painter.restore();
-  return area;
 }
 
 }  // namespace torvane

@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
+#include <functional>
 
 #include "instruments/scope/scope.h"
 #include "plot/scope_colours.h"
@@ -30,7 +31,8 @@ class ScopePainter {
   /// Everything but the traces.
   void PaintBackground(QPainter& painter, const ScopeColours& colours) const;
 
-  /// Traces through all points of the screen; calls of PaintNew go on from there.
+  /// Traces through all points of the screen, with those kept for comparison behind them; calls of
+  /// PaintNew go on from there.
   void PaintTraces(QPainter& painter, const ScopeScreen& screen);
 
   /// Traces from the last point drawn to the last one of the screen, which has grown. Gives the
@@ -49,7 +51,11 @@ class ScopePainter {
   void PaintTicks(QPainter& painter, const ScopeColours& colours) const;
   void PaintLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
+  void PaintKept(QPainter& painter, const ScopeScreen& screen);
   QRect PaintFrom(int first, QPainter& painter, const ScopeScreen& screen);
+  /// Hands each displayed channel's points, from the first one on, to `paint` by points_.
+  void PaintEach(int first, QPainter& painter, const ScopeScreen& screen,
+                 const std::function<void(TracePainter& traces, std::size_t channel)>& paint);
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   const ZelScope& scope_;

@@ -11,6 +11,7 @@ namespace torvane {
 namespace {
 
 constexpr double TraceWidth = 1.6;
+constexpr double KeptWidth = 0.8;
 constexpr double Reach = 4.0;  // above the area, beyond which nothing of a line shows
 // Pixels along the lines of all traces that a frame has time for: smooth ones take some 45 ns a
 // pixel, plain ones of one pixel's width 8 ns.
@@ -21,19 +22,35 @@ constexpr double MarkHalfWidth = 4.0;
 constexpr double MarkHeight = 6.0;
 constexpr double MarkGap = 2.0;  // to the edge
 
+// Half way to a grey that stands out from light and dark plates alike.
+QColor Pale(const QColor& colour) {
+  const auto part = [](int value) { return (value + 150) / 2; };
+  return {part(colour.red()), part(colour.green()), part(colour.blue())};
+}
+
 }  // namespace
 
 QRect TracePainter::Paint(const std::vector<TracePoint>& points, const QColor& colour,
                           EdgeMarks& marks) {
-  painted_ = QRect();
-  painter_.setPen(QPen(colour, TraceWidth * ratio_, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
-  lines_.clear();
-  PaintLines(points);
-  PaintPixels(colour);
+  PaintTrace(points, colour, TraceWidth);
   painter_.setPen(Qt::NoPen);
   painter_.setBrush(colour);
   PaintMarks(points, marks);
   return painted_;
+}
+
+void TracePainter::PaintKept(const std::vector<TracePoint>& points, const QColor& colour) {
+  PaintTrace(points, Pale(colour), KeptWidth);
+}
+
+void TracePainter::PaintTrace(const std::vector<TracePoint>& points, const QColor& colour,
+                              double width) {
+  painted_ = QRect();
+  width_ = width;
+  painter_.setPen(QPen(colour, width_ * ratio_, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  lines_.clear();
+  PaintLines(points);
+  PaintPixels(colour);
 }
 
 // A line is cut where it leaves the area's reach: smooth lines far outside cost as much as visible
@@ -58,7 +75,7 @@ void TracePainter::PaintLines(const std::vector<TracePoint>& points) {
 void TracePainter::EndRun() {
   const int last = static_cast<int>(run_.size()) - 1;
   if (last > 0) {
-    const int room = Scaled(TraceWidth) + 1;
+    const int room = Scaled(width_) + 1;
     painted_ |= run_.boundingRect().adjusted(-room, -room, room, room);
     if (painter_.paintEngine()->type() != QPaintEngine::Raster) painter_.drawPolyline(run_);
     for (int i = 0; i < last; ++i) lines_.append(QLine(run_[i], run_[i + 1]));
@@ -80,7 +97,7 @@ void TracePainter::PaintPixels(const QColor& colour) {
     painter_.drawLines(lines_);
     return;
   }
-  const int width = std::max(1, static_cast<int>(TraceWidth * ratio_));
+  const int width = std::max(1, static_cast<int>(width_ * ratio_));
   if (share * width > PlainInk) MergeLines(static_cast<int>(std::ceil(share * width / PlainInk)));
   painter_.setRenderHint(QPainter::Antialiasing, false);
   painter_.setPen(QPen(colour, width, Qt::SolidLine, Qt::FlatCap));

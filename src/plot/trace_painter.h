@@ -45,8 +45,11 @@ class TracePainter {
   /// Lines from the first point to the last, and the marks that are due. Gives the rectangle
   /// painted in.
   QRect Paint(const std::vector<TracePoint>& points, const QColor& colour, EdgeMarks& marks);
+  /// A trace kept for comparison: a thin, pale line without marks.
+  void PaintKept(const std::vector<TracePoint>& points, const QColor& colour);
 
  private:
+  void PaintTrace(const std::vector<TracePoint>& points, const QColor& colour, double width);
   void PaintLines(const std::vector<TracePoint>& points);
   void EndRun();
   void PaintPixels(const QColor& colour);
@@ -60,7 +63,8 @@ class TracePainter {
   double ratio_;
   double traces_;
   PaintTime time_;
-  QPolygon run_;  // of points that lie within reach of the area
+  double width_ = 0.0;  // of the trace being painted, pixels of design
+  QPolygon run_;        // of points that lie within reach of the area
   QVector<QLine> lines_;
   QRect painted_;
 };

@@ -87,6 +87,7 @@ void ZelScope::Wait() {
   if (trigger_->Step()) {
     trigger_->Rearm();
     StartScreen(std::trunc(trigger_->Position()));
+    memory_.MarkEvent();
   }
   if (trigger_->AutoTimeout()) {
     trigger_->Rearm();
@@ -159,6 +160,23 @@ void ZelScope::SetCursorMode(int mode) {
 void ZelScope::SetCursorX(std::size_t cursor, int x) {
   Change([&] { cursors_.X.at(cursor) = std::clamp(x, 0, ScopeCursors::Farthest); },
          [&] { return "Cursor " + std::to_string(cursor + 1); });
+}
+
+void ZelScope::KeepTraces(const ScopeScreen& screen) {
+  if (screen.PointCount() == 0) return;
+  const auto keep = [&] {
+    kept_.Keep(screen);
+    needsRedraw_ = true;
+  };
+  Change(keep, [] { return "Keep Traces"; });
+}
+
+void ZelScope::ClearKeptTraces() {
+  const auto clear = [&] {
+    kept_.Clear();
+    needsRedraw_ = true;
+  };
+  Change(clear, [] { return "Clear Kept Traces"; });
 }
 
 }  // namespace torvane

@@ -9,6 +9,7 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/sample_clock.h"
+#include "instruments/scope/kept_traces.h"
 #include "instruments/scope/scope_channel.h"
 #include "instruments/scope/scope_memory.h"
 #include "instruments/scope/scope_trigger.h"
@@ -128,6 +129,12 @@ class ZelScope final : public Instrument {
   const ConstantsPanel& ConstForm() const { return constForm_; }
   void SetConstForm(const ConstantsPanel& panel);
 
+  /// The traces kept for comparison with the live ones; nullptr when there are none.
+  const ScopeScreen* Kept() const { return kept_.Shown(); }
+  /// Keeps a screen's traces in place of any kept before; one without points is not kept.
+  void KeepTraces(const ScopeScreen& screen);
+  void ClearKeptTraces();
+
   /// Copies the points of a sweep into a screen, whose storage is used again.
   void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const { memory_.CopyScreen(sweep, into); }
 
@@ -147,6 +154,7 @@ class ZelScope final : public Instrument {
   void LoadTriggerRecord(const Record& record);
   void LoadConstForm(const Record& record);
   void LoadCursors(const Record& record);
+  void LoadKept(const Record& record);
   void ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption);
 
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none
@@ -162,6 +170,7 @@ class ZelScope final : public Instrument {
   TriggerLamp lamp_;
   ConstantsPanel constForm_;
   ScopeCursors cursors_;
+  KeptTraces kept_;
   std::vector<LoadedTrace> loaded_;  // of a file that is being read
   bool restoring_ = false;           // records of an undo, not of a file
 };

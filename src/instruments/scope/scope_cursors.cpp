@@ -7,7 +7,7 @@ namespace torvane {
 std::optional<std::size_t> PointAtCursor(const ZelScope& scope, const ScopeScreen& screen,
                                          const ScreenPixels& pixels, int x) {
   for (std::size_t i = 0; i < screen.Time.size(); ++i) {
-    if (pixels.TimeX(scope.TimeChannel(), screen.Time[i], screen.Time.front()) > x) return i;
+    if (pixels.TimeX(scope.TimeChannel(), screen.Time[i], screen.Left) > x) return i;
   }
   return std::nullopt;
 }

@@ -39,7 +39,9 @@ void ScopeMemory::CopyScreen(ScopeSweep sweep, ScopeScreen& into) const {
     }
   };
   into.Sweep = extent.Sweep;
+  into.EventTime = extent.EventTime;
   copy(*timeChannel_, into.Time);
+  into.Left = count > 0 ? into.Time.front() : 0.0;
   into.Values.resize(channels_.size());
   for (std::size_t i = 0; i < channels_.size(); ++i) copy(*channels_[i], into.Values[i]);
 }
@@ -100,10 +102,16 @@ void ScopeMemory::StartScreenFromHistory(double percent) {
   }
 }
 
+void ScopeMemory::MarkEvent() {
+  extents_[present_].EventTime = timeChannel_->RingValue(ringIndex_);
+}
+
+// A screen that scrolls shows no moment any more.
 void ScopeMemory::ClearPostTrigger(double fraction) {
   if (!ScreenFull()) Error("Internal Error: Screen Not Full in ClearPostTrigger");
   const int wanted = static_cast<int>(std::ceil(screenLength_ * fraction));
   const int leaving = std::clamp(wanted, FewestPoints, screenLength_ - 2);
+  extents_[present_].EventTime.reset();
   extents_[present_].Start =
       (FillIndex() - (screenLength_ - leaving) + screenLength_ + 1) % screenLength_;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/bench.h"
@@ -19,7 +20,9 @@ enum class ScopeSweep {
 /// Copy of what one screen of a scope holds, oldest point first, as recorded: without the signals'
 /// display multipliers.
 struct ScopeScreen {
-  std::uint64_t Sweep = 0;  ///< which one, counted from 1; 0 before the first
+  std::uint64_t Sweep = 0;          ///< which one, counted from 1; 0 before the first
+  double Left = 0.0;                ///< the time at the left edge, where the first point stands
+  std::optional<double> EventTime;  ///< of the event that the sweep began with
   std::vector<double> Time;
   std::vector<std::vector<float>> Values;  ///< by channel, in the scope's channel order
 
@@ -67,6 +70,8 @@ class ScopeMemory {
   /// Starts a screen with the most recent samples, the last one newest. They take the given part of
   /// the screen, but at least two points and at most all but one.
   void StartScreenFromHistory(double percent);
+  /// The newest sample is the event that the present sweep began with.
+  void MarkEvent();
 
   /// Lets the oldest points leave a full screen, as many as the given fraction of it rounded up
   /// (at least two), and makes their places the next to be filled.
@@ -77,6 +82,7 @@ class ScopeMemory {
     std::uint64_t Sweep = 0;
     int Start = 0;
     int Fill = -1;
+    std::optional<double> EventTime{};
   };
 
   static int Next(int index, int length) { return index + 1 == length ? 0 : index + 1; }

@@ -17,7 +17,9 @@ namespace {
 constexpr const char* WrongCount = "Wrong number of entries in ";
 constexpr const char* WrongFileCount = "File error:  wrong number entries in ";
 
+// What no file keeps.
 constexpr const char* CursorsKeyword = "Cursors";
+constexpr const char* KeptKeyword = "Kept";
 
 // Of the records with a value for each setting of a channel or of the constants panel.
 constexpr std::size_t ChannelEntries = 10;
@@ -62,12 +64,16 @@ void ZelScope::SaveState(RecordWriter& writer) const {
   SaveRecords(writer);
   writer.Write(CursorsKeyword, {std::to_string(cursors_.Mode), std::to_string(cursors_.X[0]),
                                 std::to_string(cursors_.X[1])});
+  writer.Write(KeptKeyword,
+               {std::to_string(kept_.Present().Count), std::to_string(kept_.Present().Shown)});
 }
 
 void ZelScope::LoadState(const Record& record) {
   restoring_ = true;
   if (record.Keyword() == CursorsKeyword) {
     LoadCursors(record);
+  } else if (record.Keyword() == KeptKeyword) {
+    LoadKept(record);
   } else {
     LoadRecord(record);
   }
@@ -129,6 +135,10 @@ void ZelScope::LoadCursors(const Record& record) {
   for (std::size_t cursor = 0; cursor < cursors_.X.size(); ++cursor) {
     SetCursorX(cursor, ToInteger(record.Field(4 + cursor)).value_or(0));
   }
+}
+
+void ZelScope::LoadKept(const Record& record) {
+  kept_.Restore({ToInteger(record.Field(3)).value_or(0), ToInteger(record.Field(4)).value_or(0)});
 }
 
 void ZelScope::FinishLoading(const std::function<void(int line)>& atLine) {

@@ -66,7 +66,7 @@ void ScreenPixels::XOfPoints(const ZelScope& scope, const ScopeScreen& screen, i
   const auto begin = static_cast<std::size_t>(first);
   if (!scope.XYMode()) {
     for (std::size_t i = begin; i < screen.Time.size(); ++i) {
-      pixels.push_back(TimeX(scope.TimeChannel(), screen.Time[i], screen.Time.front()));
+      pixels.push_back(TimeX(scope.TimeChannel(), screen.Time[i], screen.Left));
     }
     return;
   }

@@ -2,6 +2,8 @@
 
 #include <QCloseEvent>
 #include <QLayout>
+#include <QScreen>
+#include <algorithm>
 #include <functional>
 
 #include "core/text.h"
@@ -32,10 +34,16 @@ MathWindow::MathWindow(const ZelScope& scope, QWidget* parent)
   setObjectName(QStringLiteral("TZelMathF"));
 }
 
-void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& measures) {
+void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
+                              const std::vector<ChannelMeasures>& kept) {
   QStringList header{QStringLiteral("Measure")};
-  for (const ChannelMeasures& of : measures) {
-    header << QString::fromStdString(of.Channel->Name());
+  std::vector<ChannelMeasures> measures;
+  for (std::size_t i = 0; i < live.size(); ++i) {
+    header << QString::fromStdString(live[i].Channel->Name());
+    measures.push_back(live[i]);
+    if (i >= kept.size()) continue;
+    header << header.back() + QStringLiteral(" kept");
+    measures.push_back(kept[i]);
   }
   QList<QStringList> rows;
   const auto row = [&](const QString& name, auto part, auto value) {
@@ -63,7 +71,8 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& measures) {
   }
   const int margins = layout()->contentsMargins().left() + layout()->contentsMargins().right();
   const int frame = 2 * Table().frameWidth();
-  resize(NameWidth + ColumnWidth * static_cast<int>(measures.size()) + margins + frame, Height);
+  const int width = NameWidth + ColumnWidth * static_cast<int>(measures.size()) + margins + frame;
+  resize(std::min(width, screen()->availableGeometry().width()), Height);
 }
 
 void MathWindow::closeEvent(QCloseEvent* event) {

@@ -12,7 +12,9 @@ class MathWindow : public ReadOutWindow {
  public:
   MathWindow(const ZelScope& scope, QWidget* parent);
 
-  void ShowMeasures(const std::vector<ChannelMeasures>& measures);
+  /// Of the live traces and, beside each of them, of the kept one; `kept` is empty without any.
+  void ShowMeasures(const std::vector<ChannelMeasures>& live,
+                    const std::vector<ChannelMeasures>& kept);
 
  signals:
   void Closed();

@@ -212,6 +212,12 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
 
 void TZelScopeF::ConnectMath() {
   connect(ui_->SBMath, &QAbstractButton::toggled, this, &TZelScopeF::ShowMath);
+  connect(ui_->BKeep, &QAbstractButton::clicked, this, [this] {
+    const ScopeScreen& screen = ui_->PBScreen->Screen();
+    if (screen.PointCount() == 0) ShowNotice(*ui_->BKeep, QStringLiteral("No traces yet"));
+    scope_.KeepTraces(screen);
+  });
+  connect(ui_->BClearKept, &QAbstractButton::clicked, this, [this] { scope_.ClearKeptTraces(); });
   connect(math_, &MathWindow::Closed, this, [this] { ui_->SBMath->setChecked(false); });
 }
 
@@ -323,7 +329,13 @@ void TZelScopeF::Place(QWidget& readOut) const {
 void TZelScopeF::ShowMath() {
   const bool shown = ui_->SBMath->isChecked() && isVisible();
   if (shown) {
-    math_->ShowMeasures(MeasureScreen(scope_, ui_->PBScreen->Screen(), ui_->PBScreen->Pixels()));
+    const ScopeScreen& live = ui_->PBScreen->Screen();
+    const ScreenPixels pixels = ui_->PBScreen->Pixels();
+    std::vector<ChannelMeasures> kept;
+    if (scope_.Kept()) {
+      kept = MeasureScreen(scope_, OnTimeAxisOf(scope_, *scope_.Kept(), live), pixels);
+    }
+    math_->ShowMeasures(MeasureScreen(scope_, live, pixels), kept);
     Place(*math_);
   }
   math_->setVisible(shown);
@@ -415,7 +427,9 @@ void TZelScopeF::SettingsChanged() {
   ShowHorizontal();
   trigger_->Show();
   splitter_->Show();
+  ui_->BClearKept->setEnabled(scope_.Kept() != nullptr);
   ShowCursors();
+  ShowMath();
 }
 
 void TZelScopeF::ConstantChanged(const std::string& name) {
