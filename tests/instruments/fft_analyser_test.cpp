@@ -5,6 +5,7 @@
 #include <cmath>
 #include <complex>
 #include <functional>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -480,6 +481,72 @@ TEST(FftAnalyserMeasurement, ReadsALowPassAsItIsSampled) {
     EXPECT_NEAR(xfer.ResponseGain(0, bin), 20.0 * std::log10(std::abs(h)), 2e-3) << bin;
     EXPECT_NEAR(xfer.ResponsePhase(0, bin), std::arg(h) * 180.0 / 3.141592653589793, 2e-2) << bin;
   }
+}
+
+TEST_F(FftAnalyser, AveragesRecordsThatGoOnFromEachOther) {
+  // The output is twice the input, with a disturbance of the same size on it.
+  Xfer.SetAverages(200);
+  RandomSequence drawn;
+  std::minstd_rand disturbance;
+  Xfer.Run();
+  Step(0.0, 0.0);
+  Step(0.0, 0.0);
+  while (Xfer.Measuring()) {
+    const double next = drawn.Uniform(1.0, 0.0);
+    Step(next, next + (disturbance() % 2 == 0 ? 0.25 : -0.25));
+    EXPECT_EQ(Xfer.Excitation(Model.Bench().Time()), next);
+  }
+  EXPECT_EQ(Xfer.RecordsTaken(), 200);
+  EXPECT_EQ(Xfer.Progress(), 1.0);
+  ASSERT_TRUE(Xfer.HasCoherence(0));
+  for (int bin = 1; bin < 8; ++bin) {
+    // Power of the response to that of the disturbance: 1/12 to 1/16. Averages of 200 scatter by a
+    // fifteenth.
+    EXPECT_NEAR(Xfer.ResponseGain(0, bin), 20.0 * std::log10(2.0), 0.6) << bin;
+    EXPECT_NEAR(Xfer.ResponsePhase(0, bin), 0.0, 5.0) << bin;
+    EXPECT_NEAR(Xfer.Coherence(0, bin), 4.0 / 7.0, 0.12) << bin;
+    EXPECT_TRUE(Xfer.Excited(0, bin));
+  }
+  EXPECT_TRUE(Xfer.StoreData(1));
+  EXPECT_EQ(Xfer.Coherence(1, 3), Xfer.Coherence(0, 3));
+}
+
+TEST_F(FftAnalyser, TakesTheWholeRecordsOfAnAverageStoppedByHand) {
+  Xfer.SetAverages(3);
+  Xfer.Run();
+  for (int i = -2; i < 20; ++i) Step(Impulse(i), Impulse(i));
+  Xfer.Halt();
+  EXPECT_EQ(Xfer.RecordsTaken(), 1);
+  EXPECT_TRUE(Xfer.HasData(0));
+  EXPECT_NEAR(Xfer.ResponseGain(0, 3), 20.0 * std::log10(2.0), 1e-5);  // single precision
+  Xfer.SetAverages(0);
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Averages must be 1 to 1000"});
+}
+
+TEST_F(FftAnalyser, TellsWhereItsExcitationHasNoPowerAndWhatLeaks) {
+  Xfer.SetAmplitude(0.0);
+  TakeRecord(One, One);
+  EXPECT_FALSE(Xfer.Excited(0, 3));
+  EXPECT_FALSE(Xfer.HasCoherence(0));
+  EXPECT_EQ(Xfer.Warnings().size(), 1U);
+  Xfer.SetTEndDelay(Period);
+  EXPECT_TRUE(Xfer.Warnings().empty());
+}
+
+TEST_F(FftAnalyser, LaysAResponseFromElsewhereIntoAMemory) {
+  Xfer.LoadMemory(2, {{1.0, -3.0, 300.0}, {100.0, -7.0, -400.0}}, "bench.csv");
+  EXPECT_TRUE(Xfer.TraceAt(2).Shown);
+  EXPECT_EQ(Xfer.GainRead(2, 10.0), -5.0);
+  EXPECT_EQ(Xfer.PhaseRead(2, 1.0), -60.0);
+  EXPECT_EQ(Xfer.PhaseRead(2, 100.0), -40.0);
+  EXPECT_FALSE(Xfer.GainRead(2, 101.0));
+  // It has nothing to do with the records' length.
+  Xfer.SetOrder(3);
+  EXPECT_EQ(Xfer.LoadedFrom(2), "bench.csv");
+  EXPECT_TRUE(Xfer.HasData(2));
+  TakeRecord(One, One);
+  EXPECT_TRUE(Xfer.StoreData(2));
+  EXPECT_EQ(Xfer.LoadedFrom(2), "");
 }
 
 }  // namespace

@@ -110,7 +110,8 @@ double FrequencyAnalyser::WrappedPhase(int slot, int index) const {
 
 template <class Value>
 double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const {
-  const int last = LastIndex(slot);
+  const Loaded* loaded = LoadedAt(slot);
+  const int last = loaded ? static_cast<int>(loaded->Curve.size()) - 1 : LastIndex(slot);
   // A position outside the record, or that is no number, is left to the channels to report.
   if (!(index >= 0.0 && index <= last)) return value(-1);
   const int k = static_cast<int>(index);
@@ -119,12 +120,16 @@ double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const
 }
 
 double FrequencyAnalyser::ResponseGain(int slot, double index) {
-  return Interpolate(slot, index,
-                     [&](int k) { return Difference(&AnalyserChannel::Gain, slot, k); });
+  return Interpolate(slot, index, [&](int k) {
+    return LoadedAt(slot) ? LoadedValue(slot, k, &ResponsePoint::Gain)
+                          : Difference(&AnalyserChannel::Gain, slot, k);
+  });
 }
 
 double FrequencyAnalyser::ResponsePhase(int slot, double index) {
-  return Interpolate(slot, index, [&](int k) { return WrappedPhase(slot, k); });
+  return Interpolate(slot, index, [&](int k) {
+    return LoadedAt(slot) ? LoadedValue(slot, k, &ResponsePoint::Phase) : WrappedPhase(slot, k);
+  });
 }
 
 bool FrequencyAnalyser::Readable(int slot, double hz) const {
@@ -149,6 +154,7 @@ bool FrequencyAnalyser::StoreData(int slot) {
     return false;
   }
   if (!StoreSlot(slot)) return false;
+  loaded_[static_cast<std::size_t>(slot)].reset();
   traces_[static_cast<std::size_t>(slot)] = {true, true};
   Changed();
   return true;

@@ -9,6 +9,7 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/analyser/response_curve.h"
 #include "instruments/setting_caption.h"
 
 namespace torvane {
@@ -73,14 +74,28 @@ class FrequencyAnalyser : public Instrument {
   virtual bool OutputOnly() const { return false; }
 
   /// Whether a slot holds a measurement that may be read, and its lowest and highest frequency, Hz.
-  virtual bool HasData(int slot) const = 0;
+  bool HasData(int slot) const;
   struct Range {
     double Low = 0.0;
     double High = 0.0;
   };
-  virtual Range DataRange(int slot) const = 0;
+  Range DataRange(int slot) const;
   /// Position of a frequency among the slot's bins or points, with its fraction.
-  virtual double IndexAt(int slot, double hz) const = 0;
+  double IndexAt(int slot, double hz) const;
+
+  /// The bins or points of that range, and the frequency of one of them, Hz.
+  struct Indices {
+    int First = 0;
+    int End = 0;  ///< one past the last
+  };
+  Indices Points(int slot) const;
+  double PointHz(int slot, int index) const;
+  /// The excitation had power at that bin or point; elsewhere a response is noise.
+  bool Excited(int slot, int index) const;
+  /// The share of input and output that the excitation explains, 0 to 1. It is known of averaged
+  /// measurements; others read 1.
+  double Coherence(int slot, int index) const;
+  bool HasCoherence(int slot) const;
 
   /// The same for a plot, which asks at any frequency: nothing where the slot has no data.
   std::optional<double> GainRead(int slot, double hz);
@@ -92,6 +107,20 @@ class FrequencyAnalyser : public Instrument {
   /// Copies the current measurement into memory 1 to 4 and shows it; false after a note when there
   /// is none.
   bool StoreData(int slot);
+
+  /// Puts a response that was measured elsewhere into memory 1 to 4 and shows it, whatever channels
+  /// are chosen. The name says where it comes from.
+  void LoadMemory(int slot, ResponseCurve curve, std::string name);
+  /// That name; empty for a slot that holds a measurement of this analyser.
+  const std::string& LoadedFrom(int slot) const;
+
+  static constexpr int MaxAverages = 1000;
+  /// Measurements that are averaged into one, at least 1.
+  int Averages() const { return averages_; }
+  void SetAverages(int count);
+
+  /// What makes the measurement, as it is set up or going on, less trustworthy; a sentence each.
+  virtual std::vector<std::string> Warnings() const;
 
   const Trace& TraceAt(int slot) const { return traces_[static_cast<std::size_t>(slot)]; }
   void SetShown(int slot, bool shown);
@@ -191,6 +220,13 @@ class FrequencyAnalyser : public Instrument {
   virtual void SaveMore(RecordWriter& writer) const;
   virtual bool LoadMore(const std::string& keyword, int value);
 
+  /// What the analyser's own measurement in a slot is; the public operations of these names tell.
+  virtual bool HasRecord(int slot) const = 0;
+  virtual Range RecordRange(int slot) const = 0;
+  virtual double RecordIndexAt(int slot, double hz) const = 0;
+  virtual Indices RecordPoints(int slot) const = 0;
+  virtual double RecordHz(int slot, int index) const = 0;
+  virtual bool RecordExcited(int slot, int index) const = 0;
   /// The last index that has no upper neighbour.
   virtual int LastIndex(int slot) const = 0;
 
@@ -201,6 +237,14 @@ class FrequencyAnalyser : public Instrument {
 
  private:
   using Reading = double (AnalyserChannel::*)(int, int);
+  /// A response that was measured elsewhere.
+  struct Loaded {
+    std::vector<double> Frequencies;
+    ResponseCurve Curve;
+    std::string Name;
+  };
+  const Loaded* LoadedAt(int slot) const { return loaded_[static_cast<std::size_t>(slot)].get(); }
+  double LoadedValue(int slot, int index, double ResponsePoint::*value) const;
   AnalyserChannel* FindChannel(const std::string& name) const;
   double Difference(Reading reading, int slot, int index) const;
   double WrappedPhase(int slot, int index) const;
@@ -219,6 +263,8 @@ class FrequencyAnalyser : public Instrument {
   double phaseAdd_ = 0.0;
   std::vector<AnalyserSetup> setups_;
   std::array<Trace, SlotCount> traces_;
+  std::array<std::unique_ptr<Loaded>, SlotCount> loaded_;
+  int averages_ = 1;
   double gainScale_ = 20.0;
   double gainOffset_ = 0.0;
   double phaseScale_ = 90.0;

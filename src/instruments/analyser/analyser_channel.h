@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/variable.h"
 
@@ -26,11 +29,19 @@ class AnalyserChannel {
   virtual double Gain(int slot, int index) = 0;
   virtual double Phase(int slot, int index) = 0;
 
+  /// The share of the signal that the excitation explains, 0 to 1, where a slot's measurement was
+  /// averaged; nothing elsewhere.
+  std::optional<double> Coherence(int slot, int index) const;
+
  protected:
   const Variable& Signal() const { return variable_; }
 
+  /// By bin or point; empty for a measurement that was not averaged.
+  std::vector<float>& Coherences(int slot) { return coherences_[static_cast<std::size_t>(slot)]; }
+
  private:
   const Variable& variable_;
+  std::array<std::vector<float>, SlotCount> coherences_;
 };
 
 }  // namespace torvane

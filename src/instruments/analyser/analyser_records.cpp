@@ -12,6 +12,7 @@ namespace torvane {
 namespace {
 
 constexpr std::size_t ValueEntries = 4;
+constexpr const char* AveragesKeyword = "Averages";  // in files where there is more than one
 
 using Number = NumberSetting<FrequencyAnalyser>;
 constexpr std::array Scales{
@@ -34,6 +35,7 @@ void FrequencyAnalyser::SaveRecords(RecordWriter& writer) const {
   SaveSetup(writer);
   SaveNumbers<FrequencyAnalyser>(writer, *this, Scales);
   writer.Write("FindType", {findType_});
+  if (averages_ != 1) writer.Write(AveragesKeyword, {std::to_string(averages_)});
 }
 
 void FrequencyAnalyser::SaveFreqRange(RecordWriter& writer) const {
@@ -55,6 +57,7 @@ void FrequencyAnalyser::LoadRecord(const Record& record) {
 
 void FrequencyAnalyser::SaveState(RecordWriter& writer) const {
   SaveRecords(writer);
+  if (averages_ == 1) writer.Write(AveragesKeyword, {std::to_string(averages_)});
   writer.Write("PhaseAdd", {FormatShortest(phaseAdd_)});
   SaveMore(writer);
 }
@@ -120,6 +123,8 @@ bool FrequencyAnalyser::LoadChoice(const Record& record) {
     SetInput(value);
   } else if (record.Keyword() == "FindType") {
     SetFindType(value);
+  } else if (record.Keyword() == AveragesKeyword) {
+    if (const auto count = ToInteger(value)) SetAverages(*count);
   } else {
     return false;
   }

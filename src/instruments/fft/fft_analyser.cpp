@@ -28,7 +28,10 @@ int CheckedMaxOrder(int maxOrder) {
 ZelXfer::ZelXfer(ZelBenchTop& bench, int maxOrder, std::string name)
     : FrequencyAnalyser(InstrumentKind::FftAnalyser, std::move(name), bench, "Xfer", true),
       fft_(CheckedMaxOrder(maxOrder)),
-      order_(fft_.MaxOrder()) {
+      order_(fft_.MaxOrder()),
+      excitationRecord_(fft_) {
+  excitationPower_.reserve(std::size_t{1} << order_);
+  for (std::vector<bool>& excited : excited_) excited.reserve(excitationPower_.capacity());
   for (const Variable* variable : bench.Variables()) {
     if (!variable->Internal()) AddVar(*variable);
   }
@@ -47,10 +50,13 @@ void ZelXfer::AddVar(const Variable& variable) {
 void ZelXfer::Run() {
   running_ = true;
   Arm();
-  BeginRecord();
+  BeginMeasurement();
 }
 
+// Of a measurement that is halted before its end, the records that are whole make the average.
 void ZelXfer::Halt() {
+  if (averaging_ && recordsTaken_ > 0) TakeMeasurement();
+  averaging_ = false;
   running_ = false;
   state_ = State::Halted;
   Changed();
@@ -71,6 +77,16 @@ void ZelXfer::Arm() {
   Changed();
 }
 
+void ZelXfer::BeginMeasurement() {
+  recordsTaken_ = 0;
+  averaging_ = Averages() > 1;
+  excitationPower_.assign(static_cast<std::size_t>(Length()), 0.0);
+  if (averaging_) {
+    for (ZelXferChannel* channel : records_) channel->BeginAverage();
+  }
+  BeginRecord();
+}
+
 void ZelXfer::BeginRecord() {
   sampleCount_ = 0;
   recordWhole_ = false;
@@ -86,7 +102,7 @@ bool ZelXfer::Service(double t) {
   if (!clock_.TakeDue(t, tSample_)) return true;
   if (state_ == State::Armed) {
     state_ = State::Sampling;
-    BeginRecord();
+    BeginMeasurement();
   }
   if (sampleCount_ >= Length()) {
     Error("Xfer:  Sampling too many points");
@@ -111,15 +127,42 @@ void ZelXfer::TakeSample(double t) {
         binary_ ? sequence_.Binary(amplitude_, offset_) : sequence_.Uniform(amplitude_, offset_);
   }
   if (!bypassFilter_) excitation_ = filter_.Step(excitation_);
+  excitationRecord_.Sample(sampleCount_, excitation_);
   for (ZelXferChannel* channel : records_) channel->Sample(sampleCount_);
   ++sampleCount_;
   if (sampleCount_ == Length()) CompleteRecord();
 }
 
 void ZelXfer::CompleteRecord() {
-  state_ = State::Complete;
+  ++recordsTaken_;
+  excitationRecord_.Transform(order_);
+  excitationRecord_.AddPowerTo(excitationPower_);
+  if (averaging_) {
+    for (ZelXferChannel* channel : records_) channel->AddToAverage(excitationRecord_);
+  }
+  if (averaging_ && recordsTaken_ < Averages()) {
+    excitationEnd_ = clock_.Next() + RecordTime() - tEndDelay_;
+    BeginRecord();
+  } else {
+    CompleteMeasurement();
+  }
+}
+
+void ZelXfer::TakeMeasurement() {
+  if (averaging_) {
+    for (ZelXferChannel* channel : records_) {
+      channel->TakeAverage(recordsTaken_, spectrum_ ? nullptr : &excitationPower_);
+    }
+  }
+  averaging_ = false;
+  MarkExcited(excitationPower_, excited_[0]);
   recordWhole_ = true;
   EnableTrace(0);
+}
+
+void ZelXfer::CompleteMeasurement() {
+  state_ = State::Complete;
+  TakeMeasurement();
   running_ = false;
   Changed();
 }
@@ -129,16 +172,41 @@ void ZelXfer::AutoRange() {
   SetFreqRange(NextHighestThisArray(1.0 / (tSample_ * Length()), CoarseLadder()), 0.25 / tSample_);
 }
 
-bool ZelXfer::HasData(int slot) const {
+double ZelXfer::Progress() const {
+  const int records = averaging_ ? std::max(Averages(), recordsTaken_) : 1;
+  const double whole = averaging_ ? recordsTaken_ : 0;
+  return (whole + static_cast<double>(sampleCount_) / Length()) / records;
+}
+
+std::vector<std::string> ZelXfer::Warnings() const {
+  std::vector<std::string> warnings = FrequencyAnalyser::Warnings();
+  if (tEndDelay_ == 0.0 && !spectrum_) {
+    warnings.emplace_back(
+        "End Zero Time = 0: the record cuts the response off, which leaks into all bins.");
+  }
+  return warnings;
+}
+
+bool ZelXfer::HasRecord(int slot) const {
   return slot == 0 ? recordWhole_ : TraceAt(slot).Enabled;
 }
 
-FrequencyAnalyser::Range ZelXfer::DataRange(int /*slot*/) const {
+FrequencyAnalyser::Range ZelXfer::RecordRange(int /*slot*/) const {
   return {1.0 / (Length() * tSample_), 0.5 / tSample_};
 }
 
-double ZelXfer::IndexAt(int /*slot*/, double hz) const {
+double ZelXfer::RecordIndexAt(int /*slot*/, double hz) const {
   return hz * tSample_ * Length();
+}
+
+FrequencyAnalyser::Indices ZelXfer::RecordPoints(int /*slot*/) const {
+  return {1, Length() / 2 + 1};
+}
+
+bool ZelXfer::RecordExcited(int slot, int index) const {
+  const std::vector<bool>& excited = excited_[static_cast<std::size_t>(slot)];
+  const auto bin = static_cast<std::size_t>(std::max(index, 0));
+  return bin < excited.size() && excited[bin];
 }
 
 int ZelXfer::LastIndex(int /*slot*/) const {
@@ -146,8 +214,11 @@ int ZelXfer::LastIndex(int /*slot*/) const {
 }
 
 bool ZelXfer::StoreSlot(int slot) {
-  return std::all_of(records_.begin(), records_.end(),
-                     [&](ZelXferChannel* channel) { return channel->StoreData(slot); });
+  const bool stored = std::all_of(records_.begin(), records_.end(), [&](ZelXferChannel* channel) {
+    return channel->StoreData(slot);
+  });
+  if (stored) excited_[static_cast<std::size_t>(slot)] = excited_[0];
+  return stored;
 }
 
 }  // namespace torvane

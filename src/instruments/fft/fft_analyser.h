@@ -5,6 +5,7 @@
 
 #include "instruments/analyser/analyser.h"
 #include "instruments/analyser/excitation.h"
+#include "instruments/fft/excitation_record.h"
 #include "instruments/fft/fft.h"
 #include "instruments/fft/fft_channel.h"
 #include "instruments/fft/fft_setup.h"
@@ -17,6 +18,9 @@ namespace torvane {
 ///
 /// From Run, the excitation rests at its offset for the start delay, then drives the record and
 /// returns to the offset for the end delay, the last part of the record.
+///
+/// To average, as many records follow each other without another start delay, and the excitation's
+/// sequence goes on from one to the next.
 class ZelXfer final : public FrequencyAnalyser {
  public:
   static constexpr int MinOrder = 3;
@@ -43,7 +47,9 @@ class ZelXfer final : public FrequencyAnalyser {
 
   State SampleState() const { return state_; }
   int SampleCount() const { return sampleCount_; }
-  double Progress() const override { return static_cast<double>(sampleCount_) / Length(); }
+  double Progress() const override;
+  /// Whole records of the measurement that is going on, or was the last.
+  int RecordsTaken() const { return recordsTaken_; }
   int MaxOrder() const { return fft_.MaxOrder(); }
   int Order() const { return order_; }
   int Length() const { return 1 << order_; }
@@ -89,12 +95,16 @@ class ZelXfer final : public FrequencyAnalyser {
 
   double BinFrequency(int bin) const { return bin / (Length() * tSample_); }
 
-  bool HasData(int slot) const override;
-  Range DataRange(int slot) const override;
-  double IndexAt(int slot, double hz) const override;
+  std::vector<std::string> Warnings() const override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
  protected:
+  bool HasRecord(int slot) const override;
+  Range RecordRange(int slot) const override;
+  double RecordIndexAt(int slot, double hz) const override;
+  Indices RecordPoints(int slot) const override;
+  double RecordHz(int /*slot*/, int index) const override { return BinFrequency(index); }
+  bool RecordExcited(int slot, int index) const override;
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   bool OutputOnly() const override { return spectrum_; }
@@ -105,10 +115,13 @@ class ZelXfer final : public FrequencyAnalyser {
 
  private:
   void Arm();
+  void BeginMeasurement();
   void BeginRecord();
   void FitEndDelay();
   void TakeSample(double t);
   void CompleteRecord();
+  void CompleteMeasurement();
+  void TakeMeasurement();
   void DropRecords();
 
   Fft fft_;
@@ -133,6 +146,8 @@ class ZelXfer final : public FrequencyAnalyser {
   double startDelayEnd_ = 0.0;
   double excitationEnd_ = 0.0;
   int sampleCount_ = 0;
+  int recordsTaken_ = 0;
+  bool averaging_ = false;  ///< the channels hold sums that are not taken yet
   bool recordWhole_ = false;
 
   double excitation_ = 0.0;
@@ -143,6 +158,9 @@ class ZelXfer final : public FrequencyAnalyser {
   RandomSequence sequence_;
   SmoothingFilter filter_;
 
+  ExcitationRecord excitationRecord_;
+  std::vector<double> excitationPower_;  ///< by bin, summed over the records
+  std::array<std::vector<bool>, SlotCount> excited_;
   std::vector<ZelXferChannel*> records_;  ///< the channels, as what they are
 };
 

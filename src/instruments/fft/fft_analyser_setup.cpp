@@ -83,7 +83,10 @@ void ZelXfer::FitEndDelay() {
 
 void ZelXfer::DropRecords() {
   recordWhole_ = false;
-  for (int slot = 1; slot < SlotCount; ++slot) DisableTrace(slot);
+  averaging_ = false;
+  for (int slot = 1; slot < SlotCount; ++slot) {
+    if (LoadedFrom(slot).empty()) DisableTrace(slot);
+  }
   Halt();
 }
 

@@ -61,6 +61,26 @@ void ZelXferChannel::RunFFT(int slot) {
   record.State = SlotState::Spectrum;
 }
 
+void ZelXferChannel::MarkNewSamples() {
+  slots_[0].State = SlotState::Samples;
+  Coherences(0).clear();
+}
+
+void ZelXferChannel::AddToAverage(const ExcitationRecord& excitation) {
+  if (State(0) == SlotState::Samples) RunFFT(0);
+  average_.Add(slots_[0].Re, slots_[0].Im, excitation);
+}
+
+void ZelXferChannel::TakeAverage(int records, const std::vector<double>* excitationPower) {
+  Slot& slot = slots_[0];
+  if (excitationPower) {
+    average_.TakeResponse(*excitationPower, records, slot.Re, slot.Im, Coherences(0));
+  } else {
+    average_.TakePower(records, slot.Re, slot.Im);
+  }
+  slot.State = SlotState::Spectrum;
+}
+
 bool ZelXferChannel::Readable(int slot, int index, const char* message) {
   if (slot < 0 || slot >= SlotCount || index < 0 || index >= Length()) {
     Error(message);
@@ -90,6 +110,7 @@ bool ZelXferChannel::StoreData(int slot) {
   if (State(0) == SlotState::Samples) RunFFT(0);
   try {
     slots_[static_cast<std::size_t>(slot)] = slots_[0];
+    Coherences(slot) = Coherences(0);
   } catch (const std::bad_alloc&) {
     Error("Fault in ZelXferChannel :: StoreData");
     return false;

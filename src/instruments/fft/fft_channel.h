@@ -5,6 +5,7 @@
 
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/fft/fft.h"
+#include "instruments/fft/spectrum_average.h"
 
 namespace torvane {
 
@@ -29,7 +30,13 @@ class ZelXferChannel final : public AnalyserChannel {
   /// Stores the signal's present value in slot 0.
   void Sample(int index);
   /// Slot 0 is about to receive new samples.
-  void MarkNewSamples() { slots_[0].State = SlotState::Samples; }
+  void MarkNewSamples();
+
+  /// Averaging: begins anew, takes slot 0's record in, and puts the average of so many records into
+  /// slot 0, of the response to the excitation or, without its power, of the spectrum alone.
+  void BeginAverage() { average_.Clear(static_cast<std::size_t>(Length())); }
+  void AddToAverage(const ExcitationRecord& excitation);
+  void TakeAverage(int records, const std::vector<double>* excitationPower);
 
   /// Of bin `index`, 0 to Length() - 1; transforms the slot's samples first when need be.
   double Gain(int slot, int index) override;
@@ -60,6 +67,7 @@ class ZelXferChannel final : public AnalyserChannel {
   const Fft& fft_;
   int order_;
   bool window_ = false;
+  SpectrumAverage average_;
   std::array<Slot, SlotCount> slots_;
 };
 

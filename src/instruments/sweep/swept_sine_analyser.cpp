@@ -7,6 +7,7 @@
 
 #include "core/angle.h"
 #include "core/messages.h"
+#include "instruments/analyser/response_reading.h"
 #include "instruments/whole_periods.h"
 
 namespace torvane {
@@ -101,10 +102,17 @@ void ZelSweptDSA::BeginPoint(double t) {
   state_ = State::Measuring;
   settleEnd_ = t + settleTime_;
   measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
+  windows_ = 0;
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
 }
 
 void ZelSweptDSA::CompletePoint() {
+  ++windows_;
+  if (windows_ < Averages()) {
+    for (ZelSweptDSAChannel* channel : points_) channel->NextWindow();
+    measurementEnd_ += WholePeriods(measurementTime_ / f_) / f_;
+    return;
+  }
   for (ZelSweptDSAChannel* channel : points_) {
     if (channel->Measure(pointIndex_)) continue;
     Finish(State::Done);
@@ -132,25 +140,23 @@ void ZelSweptDSA::SetVisible(bool visible) {
   FrequencyAnalyser::SetVisible(visible);
 }
 
-bool ZelSweptDSA::HasData(int slot) const {
+bool ZelSweptDSA::HasRecord(int slot) const {
   const bool measured = !frequencies_[static_cast<std::size_t>(slot)].empty();
   return slot == 0 ? measured : measured && TraceAt(slot).Enabled;
 }
 
-FrequencyAnalyser::Range ZelSweptDSA::DataRange(int slot) const {
+FrequencyAnalyser::Range ZelSweptDSA::RecordRange(int slot) const {
   const std::vector<double>& frequencies = frequencies_[static_cast<std::size_t>(slot)];
   if (frequencies.empty()) return {};
   return {frequencies.front(), frequencies.back()};
 }
 
-double ZelSweptDSA::IndexAt(int slot, double hz) const {
-  const std::vector<double>& frequencies = frequencies_[static_cast<std::size_t>(slot)];
-  if (frequencies.empty() || !(hz >= frequencies.front() && hz <= frequencies.back())) return -1.0;
-  if (hz == frequencies.back()) return static_cast<double>(frequencies.size() - 1);
-  const auto above = std::upper_bound(frequencies.begin(), frequencies.end(), hz);
-  const auto below = above - 1;
-  const double fraction = std::log(hz / *below) / std::log(*above / *below);
-  return static_cast<double>(below - frequencies.begin()) + fraction;
+double ZelSweptDSA::RecordIndexAt(int slot, double hz) const {
+  return IndexAmong(frequencies_[static_cast<std::size_t>(slot)], hz);
+}
+
+FrequencyAnalyser::Indices ZelSweptDSA::RecordPoints(int slot) const {
+  return {0, LastIndex(slot) + 1};
 }
 
 int ZelSweptDSA::LastIndex(int slot) const {

@@ -12,7 +12,8 @@ namespace torvane {
 
 /// Swept-sine analyser: excites the model with a sine, lets it settle, correlates every offered
 /// signal over whole periods, and steps the frequency by a fixed ratio from FreqMin until it has
-/// reached FreqMax. Its window is hidden until it is asked for.
+/// reached FreqMax. To average, a point is measured over as many windows in a row. Its window is
+/// hidden until it is asked for.
 ///
 /// The sine is held from tick to tick and the signals are read just before it moves on, so a
 /// response reads 180 f tSample degrees early: choose tSample a hundredth of the shortest period or
@@ -85,11 +86,13 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// Hiding the window also takes all traces off the plot.
   void SetVisible(bool visible) override;
 
-  bool HasData(int slot) const override;
-  Range DataRange(int slot) const override;
-  double IndexAt(int slot, double hz) const override;
-
  protected:
+  bool HasRecord(int slot) const override;
+  Range RecordRange(int slot) const override;
+  double RecordIndexAt(int slot, double hz) const override;
+  Indices RecordPoints(int slot) const override;
+  double RecordHz(int slot, int index) const override { return PointFrequency(slot, index); }
+  bool RecordExcited(int /*slot*/, int /*index*/) const override { return true; }
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   int LastIndex(int slot) const override;
@@ -121,6 +124,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   SampleClock clock_;
   double settleEnd_ = 0.0;
   double measurementEnd_ = 0.0;
+  int windows_ = 0;  ///< windows of the point that are whole
   double excitation_ = 0.0;
   std::array<std::vector<double>, SlotCount> frequencies_;
 

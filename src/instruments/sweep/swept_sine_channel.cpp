@@ -26,11 +26,28 @@ ZelSweptDSAChannel::ZelSweptDSAChannel(const Variable& variable, int capacity)
 void ZelSweptDSAChannel::ClearPoints() {
   slots_[0].Gains.clear();
   slots_[0].Phases.clear();
+  Coherences(0).clear();
 }
 
 void ZelSweptDSAChannel::ResetSums() {
   sums_ = {};
   pending_ = false;
+  average_ = {};
+}
+
+ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow() {
+  const Phasor phasor = Solve();
+  ++average_.Windows;
+  average_.Sin += phasor.Sin;
+  average_.Cos += phasor.Cos;
+  average_.Power += phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos;
+  return phasor;
+}
+
+// The last tick belongs to the window that begins.
+void ZelSweptDSAChannel::NextWindow() {
+  AddWindow();
+  sums_ = {};
 }
 
 void ZelSweptDSAChannel::Sums::Add(const Tick& tick) {
@@ -74,7 +91,9 @@ bool ZelSweptDSAChannel::Measure(int index) {
     Error("Index overrun in ZelSweptDSAChannel :: Measure");
     return false;
   }
-  const Phasor phasor = Solve();
+  Phasor phasor = AddWindow();
+  const double windows = average_.Windows;
+  if (average_.Windows > 1) phasor = {average_.Sin / windows, average_.Cos / windows};
   const std::size_t point = static_cast<std::size_t>(index);
   Slot& slot = slots_[0];
   if (slot.Gains.size() <= point) {
@@ -83,6 +102,12 @@ bool ZelSweptDSAChannel::Measure(int index) {
   }
   slot.Gains[point] = GainDb(std::sqrt(phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos));
   slot.Phases[point] = PhaseDeg(phasor.Sin, phasor.Cos);
+  if (average_.Windows == 1) return true;
+  // The excitation is the same sine in every window: what differs between them is not its doing.
+  const double explained = phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos;
+  const double power = average_.Power / windows;
+  Coherences(0).resize(point);
+  Coherences(0).push_back(static_cast<float>(power > 0.0 ? explained / power : 0.0));
   return true;
 }
 
@@ -112,6 +137,7 @@ bool ZelSweptDSAChannel::StoreData(int slot) {
     return false;
   }
   slots_[static_cast<std::size_t>(slot)] = slots_[0];
+  Coherences(slot) = Coherences(0);
   return true;
 }
 

@@ -26,6 +26,8 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   /// Adds the signal's present value at f Hz. The last tick of a point belongs to the period after
   /// it, so a value counts only once another one has followed.
   void Accumulate(double f, double t);
+  /// The sums are whole and go into the point's average; a new window follows at once.
+  void NextWindow();
   /// Stores the point's gain and phase in slot 0; an index beyond the capacity is reported and
   /// gives false.
   bool Measure(int index);
@@ -53,6 +55,13 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
 
     void Add(const Tick& tick);
   };
+  /// What the point's windows have given so far.
+  struct Average {
+    int Windows = 0;
+    double Sin = 0.0;
+    double Cos = 0.0;
+    double Power = 0.0;  ///< sum of the squared amplitudes
+  };
   /// Amplitudes of the sine and the cosine.
   struct Phasor {
     double Sin = 0.0;
@@ -60,12 +69,14 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   };
 
   Phasor Solve() const;
+  Phasor AddWindow();
   bool Readable(int slot, int index, const char* message) const;
 
   std::size_t capacity_;
   Sums sums_;
   bool pending_ = false;
   Tick last_;
+  Average average_;
   std::array<Slot, SlotCount> slots_;
 };
 

@@ -65,7 +65,7 @@ double ZelSweptDSA::NextFrequency(double hz) const {
 }
 
 double ZelSweptDSA::PointTime(double hz) const {
-  return settleTime_ + WholePeriods(measurementTime_ / hz) / hz;
+  return settleTime_ + Averages() * WholePeriods(measurementTime_ / hz) / hz;
 }
 
 ZelSweptDSA::Plan ZelSweptDSA::ExpectedPlan() const {

@@ -1,0 +1,62 @@
+#include "instruments/analyser/response_curve.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+
+#include "instruments/analyser/analyser.h"
+#include "instruments/analyser/response_reading.h"
+
+namespace torvane {
+
+void ReadCurve(FrequencyAnalyser& analyser, int slot, ResponseCurve& curve) {
+  curve.clear();
+  if (!analyser.HasData(slot)) return;
+  const FrequencyAnalyser::Indices indices = analyser.Points(slot);
+  curve.reserve(static_cast<std::size_t>(std::max(0, indices.End - indices.First)));
+  for (int i = indices.First; i < indices.End; ++i) {
+    const double gain = analyser.ResponseGain(slot, i);
+    curve.push_back({analyser.PointHz(slot, i), gain, analyser.ResponsePhase(slot, i),
+                     analyser.Coherence(slot, i), gain > NoGain && analyser.Excited(slot, i)});
+  }
+}
+
+void UnwrapPhase(std::span<ResponsePoint> curve) {
+  bool begun = false;
+  double last = 0.0;
+  for (ResponsePoint& point : curve) {
+    if (begun) point.Phase = last + std::remainder(point.Phase - last, 360.0);
+    if (!point.Trusted()) continue;
+    last = point.Phase;
+    begun = true;
+  }
+}
+
+void OpenFromClosed(std::span<ResponsePoint> curve) {
+  for (ResponsePoint& point : curve) {
+    const std::complex<double> closed =
+        std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase / DegreesPerRadian);
+    const std::complex<double> open = closed / (1.0 - closed);
+    point.Gain = GainDb(std::abs(open));
+    point.Phase = PhaseDeg(open.real(), open.imag());
+    // G = 1 is a loop of infinite gain, which no plot can show.
+    if (!std::isfinite(point.Gain) || !std::isfinite(point.Phase)) {
+      point.Gain = NoGain;
+      point.Phase = 0.0;
+      point.Excited = false;
+    }
+  }
+}
+
+void GroupDelay(std::span<const ResponsePoint> unwrapped, std::vector<double>& seconds) {
+  seconds.clear();
+  if (unwrapped.size() < 2) return;
+  seconds.reserve(unwrapped.size());
+  for (std::size_t i = 0; i < unwrapped.size(); ++i) {
+    const ResponsePoint& before = unwrapped[i == 0 ? 0 : i - 1];
+    const ResponsePoint& after = unwrapped[std::min(i + 1, unwrapped.size() - 1)];
+    seconds.push_back((before.Phase - after.Phase) / (360.0 * (after.Hz - before.Hz)));
+  }
+}
+
+}  // namespace torvane
