@@ -121,6 +121,12 @@ TEST_F(InputTest, AnEntryHeldToItsLimitSaysSo) {
   EXPECT_EQ(Notice(), "limited to 100");
   Type("EDutyCycle", "130");  // at the limit already
   EXPECT_EQ(Notice(), "limited to 100");
+  Type("EDutyCycle", "95");
+  Click("SBDutyCycleDown");
+  EXPECT_EQ(Wave().DutyCycle, 85.0);
+  Type("EDutyCycle", "4");
+  Click("SBDutyCycleDown");
+  EXPECT_EQ(Notice(), "limited to 0");
   Type("EFreqHz", "2.5k");
   EXPECT_EQ(Wave().FreqHz, 2500.0);
   Type("EFreqHz", "-5");

@@ -1,11 +1,15 @@
 #include "ui/panes/adjust_dialog.h"
 
+#include <QGuiApplication>
+#include <QHideEvent>
 #include <QScreen>
 #include <QSignalBlocker>
+#include <QUrl>
 #include <algorithm>
 #include <array>
 
 #include "core/text.h"
+#include "ui/session/user_settings.h"
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/slider_scale.h"
@@ -16,6 +20,20 @@ namespace torvane {
 namespace {
 
 constexpr int Gap = 12;  // between the window and what it stands beside, pixels
+
+// Constants of one name have their window in one place, whatever model they belong to.
+QString PlaceKey(const Constant& constant) {
+  return QStringLiteral("adjustPlaces/") +
+         QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(constant.Name())));
+}
+
+// The display may have become smaller, or be another one.
+QPoint OnDisplay(const QPoint& place, const QSize& size, const QWidget& window) {
+  const QScreen* display = QGuiApplication::screenAt(place);
+  const QRect room = (display ? display : window.screen())->availableGeometry();
+  return {std::max(room.left(), std::min(place.x(), room.right() + 1 - size.width())),
+          std::max(room.top(), std::min(place.y(), room.bottom() + 1 - size.height()))};
+}
 
 }  // namespace
 
@@ -51,6 +69,7 @@ TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
 }
 
 TZelAdjustF::~TZelAdjustF() {
+  if (isVisible()) RememberPlace();
   constant_.Unobserve(*this);
 }
 
@@ -79,12 +98,12 @@ void TZelAdjustF::OpenBeside(const QRect& area) {
     value_->Show();
   }
   adjustSize();
-  const QRect room = screen()->availableGeometry();
-  QPoint place = placed_ ? pos() : QPoint(area.left() - width() - Gap, area.top());
-  place.setX(std::max(room.left(), std::min(place.x(), room.right() - frameGeometry().width())));
-  place.setY(std::max(room.top(), std::min(place.y(), room.bottom() - frameGeometry().height())));
-  placed_ = true;
-  move(place);
+  const QPoint beside(area.left() - width() - Gap, area.top());
+  const QPoint left = UserSettings().value(PlaceKey(constant_), beside).toPoint();
+  // Before it has been shown the window does not know its frame; that of another is as thick.
+  const QWidget& framed = *parentWidget()->window();
+  const QSize frame = framed.frameGeometry().size() - framed.size();
+  move(OnDisplay(isVisible() ? pos() : left, size() + frame, *this));
   show();
   raise();
   activateWindow();
@@ -101,6 +120,15 @@ void TZelAdjustF::reject() {
   value_->Show();
   constant_.SetFromText(opened_);
   hide();
+}
+
+void TZelAdjustF::hideEvent(QHideEvent* event) {
+  QDialog::hideEvent(event);
+  if (!event->spontaneous()) RememberPlace();
+}
+
+void TZelAdjustF::RememberPlace() {
+  UserSettings().setValue(PlaceKey(constant_), pos());
 }
 
 bool TZelAdjustF::eventFilter(QObject* watched, QEvent* event) {

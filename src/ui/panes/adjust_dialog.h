@@ -24,8 +24,9 @@ class TZelAdjustF : public QDialog, private ConstantObserver {
   TZelAdjustF(Constant& constant, QWidget* parent);
   ~TZelAdjustF() override;
 
-  /// Opens it beside an area of the display (its first time) or where it was left, but always on
-  /// the display. The value of this moment is the one that Cancel returns to.
+  /// Opens it where it was left, by this program or an earlier run of it, or else beside an area of
+  /// the display; always wholly on a display. The value of this moment is the one that Cancel
+  /// returns to.
   void OpenBeside(const QRect& area);
 
  public slots:
@@ -35,17 +36,18 @@ class TZelAdjustF : public QDialog, private ConstantObserver {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
  private:
   void ConnectButtons();
   void ConstantChanged(const Constant& constant) override;
   void ShowValue();
+  void RememberPlace();
 
   Constant& constant_;
   std::unique_ptr<Ui::TZelAdjustF> ui_;
   EditBinding* value_;
   std::string opened_;  // the value of the opening, with all of its digits
-  bool placed_ = false;
 };
 
 }  // namespace torvane

@@ -2,12 +2,14 @@
 
 #include <QCloseEvent>
 #include <QSignalBlocker>
+#include <algorithm>
 #include <cmath>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
+#include "ui/widgets/notice.h"
 #include "ui_wave_gen.h"
 
 namespace torvane {
@@ -50,33 +52,42 @@ void TZelWaveGenF::Bind(const WaveNumber& number) {
       [this, number] { return wave_.Settings().*number.Value; }));
 }
 
-void TZelWaveGenF::BindButton(QAbstractButton* button, Setter set, Change change) {
-  connect(button, &QAbstractButton::clicked, this,
-          [this, set, change] { (wave_.*set)(change(wave_.Settings())); });
+// What the button asks for goes beyond a limit at most.
+void TZelWaveGenF::BindButton(QAbstractButton* button, Number number, Change change) {
+  const auto& numbers = ZelWave::Numbers();
+  const auto found = std::find_if(numbers.begin(), numbers.end(),
+                                  [&](const WaveNumber& n) { return n.Value == number; });
+  connect(button, &QAbstractButton::clicked, this, [this, button, change, to = *found] {
+    const double wanted = change(wave_.Settings());
+    (wave_.*to.Set)(wanted);
+    const double stored = wave_.Settings().*to.Value;
+    if (stored == wanted) return;
+    ShowNotice(*button, QString::fromStdString(LimitNotice(wanted, stored)));
+  });
 }
 
 void TZelWaveGenF::ConnectButtons() {
   using S = const WaveSettings&;
-  const auto frequency = &ZelWave::SetFreqHz;
+  const Number frequency = &WaveSettings::FreqHz;
+  const Number amplitude = &WaveSettings::Amplitude;
+  const Number offset = &WaveSettings::Offset;
+  const Number phase = &WaveSettings::PhaseDeg;
+  const Number duty = &WaveSettings::DutyCycle;
   BindButton(ui_->SBFreqDown, frequency,
              [](S s) { return NextLowestThisArray(s.FreqHz, CoarseLadder()); });
   BindButton(ui_->SBFreqUp, frequency,
              [](S s) { return NextHighestThisArray(s.FreqHz, CoarseLadder()); });
-  const auto amplitude = &ZelWave::SetAmplitude;
   BindButton(ui_->SBAmplitudeDown, amplitude,
              [](S s) { return NextLowestThisArray(s.Amplitude, CoarseLadder()); });
   BindButton(ui_->SBAmplitudeUp, amplitude,
              [](S s) { return NextHighestThisArray(s.Amplitude, CoarseLadder()); });
   BindButton(ui_->BAmpSign, amplitude, [](S s) { return -s.Amplitude; });
-  const auto offset = &ZelWave::SetOffset;
   BindButton(ui_->SBOffsetDown, offset, [](S s) { return s.Offset - std::abs(s.Amplitude); });
   BindButton(ui_->SBOffsetUp, offset, [](S s) { return s.Offset + std::abs(s.Amplitude); });
   BindButton(ui_->BOffsetSign, offset, [](S s) { return -s.Offset; });
-  const auto phase = &ZelWave::SetPhaseDeg;
   BindButton(ui_->SBPhaseDown, phase, [](S s) { return s.PhaseDeg - PhaseStep; });
   BindButton(ui_->SBPhaseUp, phase, [](S s) { return s.PhaseDeg + PhaseStep; });
   BindButton(ui_->BPhase, phase, [](S s) { return -s.PhaseDeg; });
-  const auto duty = &ZelWave::SetDutyCycle;
   BindButton(ui_->SBDutyCycleDown, duty, [](S s) { return s.DutyCycle - DutyStep; });
   BindButton(ui_->SBDutyCycleUp, duty, [](S s) { return s.DutyCycle + DutyStep; });
 }

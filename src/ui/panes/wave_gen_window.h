@@ -32,10 +32,10 @@ class TZelWaveGenF : public InstrumentPane {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  using Setter = void (ZelWave::*)(double);
+  using Number = double WaveSettings::*;
   using Change = double (*)(const WaveSettings&);
   void Bind(const WaveNumber& number);
-  void BindButton(QAbstractButton* button, Setter set, Change change);
+  void BindButton(QAbstractButton* button, Number number, Change change);
   void ConnectButtons();
 
   ZelWave& wave_;
