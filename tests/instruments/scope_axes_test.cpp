@@ -171,6 +171,7 @@ TEST(ScopeAxes, EverySettingIsUndone) {
       {"Delay After on", [&] { trigger.SetDelayAfter(true); }},
       {"Delay After = 0.001", [&] { trigger.SetDelayAfterTime(0.001); }},
       {"Single Shot on", [&] { scope.SetSingleShot(true); }},
+      {"Stop Model on", [&] { scope.SetStopsModel(true); }},
       {"Constants Panel",
        [&] {
          scope.SetConstForm({false, 200, 90});

@@ -196,6 +196,20 @@ TEST(ScopeCapture, SingleShotStopsTheRunUntilItIsSwitchedOffOrRunAgain) {
   EXPECT_EQ(b.Scope.State(), Capture::Waiting);
 }
 
+TEST(ScopeCapture, AFullScreenStopsTheModelAndTheScopeGoesOnWithIt) {
+  ScopeBench b;
+  b.Scope.SetStopsModel(true);
+  b.Ramp(0, 399);
+  EXPECT_TRUE(b.GoesOn);
+  b.Ramp(400, 400);
+  EXPECT_FALSE(b.GoesOn);
+  b.Scope.Trigger().SetMode(SweepMode::Cont);
+  b.Ramp(401, 798);
+  EXPECT_TRUE(b.GoesOn);
+  b.Ramp(799, 799);
+  EXPECT_FALSE(b.GoesOn);
+}
+
 TEST(ScopeCapture, LoadingWaitsForTheTriggerAnewAndKeepsASourceThatIsNone) {
   Recorder recorder;
   ScopeBench b;

@@ -59,7 +59,7 @@ class Shuffler {
     for (const auto& channel : scope.Channels()) ChangeChannel(scope, *channel);
     scope.SetHorizontalChannel(*scope.Channels()[static_cast<std::size_t>(Pick(2))]);
     scope.SetConstForm({Flip(), Pick(500), Pick(500)});
-    scope.SetSingleShot(true);
+    scope.SetStopsModel(true);
     ZelTrigger& trigger = scope.Trigger();
     trigger.SetSource(*scope.Channels()[1]);
     trigger.SetPositiveSlope(false);

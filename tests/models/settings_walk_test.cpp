@@ -111,7 +111,7 @@ class SettingsWalk : public testing::Test {
                   {&T::SetLevel, &T::SetPosition, &T::SetInitialDelayTime, &T::SetDelayAfterTime});
     AddFlags<T>(t, {&T::SetRoll, &T::SetPositiveSlope, &T::SetInitialDelay, &T::SetCountEvents,
                     &T::SetDelayAfter});
-    AddFlags<ZelScope>(s, {&ZelScope::SetSingleShot});
+    AddFlags<ZelScope>(s, {&ZelScope::SetSingleShot, &ZelScope::SetStopsModel});
     const auto signal = [&]() -> ZelChannel& {
       const int last = static_cast<int>(s.Channels().size()) - 1;
       return *s.Channels()[static_cast<std::size_t>(Pick(0, last))];

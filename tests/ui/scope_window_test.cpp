@@ -248,15 +248,20 @@ TEST_F(ScopeWindowTest, EveryPageFitsTheSmallestAndTheUsualWindow) {
   }
 }
 
-TEST_F(ScopeWindowTest, ASingleShotStopsTheRun) {
-  Click("CBSingleShot");
-  EXPECT_TRUE(Scope().SingleShot());
-  Click("SBRun");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
-  const double first = Panel->Model()->Time();
-  Click("SBRun");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
-  EXPECT_GT(Panel->Model()->Time(), first);
+TEST_F(ScopeWindowTest, ASingleShotAndAFullScreenStopTheRun) {
+  for (const char* box : {"CBSingleShot", "CBStopModel"}) {
+    Click(box);
+    EXPECT_EQ(Scope().SingleShot(), box == std::string("CBSingleShot"));
+    EXPECT_NE(Scope().StopsModel(), Scope().SingleShot());
+    for (int run = 0; run < 2; ++run) {
+      const double from = Panel->Model()->Time();
+      Click("SBRun");
+      ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
+      EXPECT_GT(Panel->Model()->Time(), from);
+    }
+    Trigger("MIUndo");
+    EXPECT_FALSE(Find<QAbstractButton>(box).isChecked());
+  }
 }
 
 TEST_F(ScopeWindowTest, TheLampShowsTriggerEvents) {

@@ -79,7 +79,7 @@ bool ZelScope::Fill() {
   } else {
     state_ = Capture::Waiting;
   }
-  return true;
+  return !stopsModel_;
 }
 
 void ZelScope::Wait() {
@@ -141,6 +141,11 @@ bool ZelScope::TakeNeedsRedraw() {
 void ZelScope::SetSingleShot(bool on) {
   Change([&] { singleShot_ = on; },
          [&] { return std::string("Single Shot ") + (on ? "on" : "off"); });
+}
+
+void ZelScope::SetStopsModel(bool on) {
+  Change([&] { stopsModel_ = on; },
+         [&] { return std::string("Stop Model ") + (on ? "on" : "off"); });
 }
 
 void ZelScope::SetConstForm(const ConstantsPanel& panel) {

@@ -54,8 +54,8 @@ class ZelScope final : public Instrument {
 
   double NextTime() const override { return clock_.Request(); }
   bool Service(double t) override { return Sample(t); }
-  /// Takes a sample when one is due; false only when a single shot has just completed. Throws
-  /// SolverOverflow when a signal is not finite in single precision.
+  /// Takes a sample when one is due; false only when a screen has just completed that stops the
+  /// run. Throws SolverOverflow when a signal is not finite in single precision.
   bool Sample(double t);
   /// A completed single shot is taken anew.
   void Start() override;
@@ -93,8 +93,12 @@ class ZelScope final : public Instrument {
   void AutoVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
   void FillVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
 
+  /// Captures one screen, and stops the run and itself then. No file keeps it.
   bool SingleShot() const { return singleShot_; }
   void SetSingleShot(bool on);
+  /// Stops the run whenever a screen is full; the scope goes on when the model does.
+  bool StopsModel() const { return stopsModel_; }
+  void SetStopsModel(bool on);
 
   const ScopeCursors& Cursors() const { return cursors_; }
   /// Limited to 0 ... 2.
@@ -163,6 +167,7 @@ class ZelScope final : public Instrument {
   double interval_ = 0.0;
   Capture state_ = Capture::Waiting;
   bool singleShot_ = false;
+  bool stopsModel_ = false;
   bool screenCompleted_ = false;
   bool needsRedraw_ = true;
   std::unique_ptr<ZelTrigger> ownTrigger_;

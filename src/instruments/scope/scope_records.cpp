@@ -18,6 +18,7 @@ constexpr const char* WrongCount = "Wrong number of entries in ";
 constexpr const char* WrongFileCount = "File error:  wrong number entries in ";
 
 // What no file keeps.
+constexpr const char* SingleShotKeyword = "SingleShot";
 constexpr const char* CursorsKeyword = "Cursors";
 constexpr const char* KeptKeyword = "Kept";
 
@@ -42,7 +43,7 @@ void ZelScope::SaveRecords(RecordWriter& writer) const {
   writer.Write("ConstForm", {FlagText(constForm_.Shown), std::to_string(constForm_.Width),
                              std::to_string(constForm_.NameWidth)});
   SaveTrigger(writer, *trigger_);
-  writer.Write("Trigger", {"StopModel", FlagText(singleShot_)});
+  writer.Write("Trigger", {"StopModel", FlagText(stopsModel_)});
 }
 
 void ZelScope::LoadRecord(const Record& record) {
@@ -62,6 +63,7 @@ void ZelScope::LoadRecord(const Record& record) {
 
 void ZelScope::SaveState(RecordWriter& writer) const {
   SaveRecords(writer);
+  writer.Write(SingleShotKeyword, {FlagText(singleShot_)});
   writer.Write(CursorsKeyword, {std::to_string(cursors_.Mode), std::to_string(cursors_.X[0]),
                                 std::to_string(cursors_.X[1])});
   writer.Write(KeptKeyword,
@@ -70,7 +72,9 @@ void ZelScope::SaveState(RecordWriter& writer) const {
 
 void ZelScope::LoadState(const Record& record) {
   restoring_ = true;
-  if (record.Keyword() == CursorsKeyword) {
+  if (record.Keyword() == SingleShotKeyword) {
+    SetSingleShot(IsOn(record.Field(3)));
+  } else if (record.Keyword() == CursorsKeyword) {
     LoadCursors(record);
   } else if (record.Keyword() == KeptKeyword) {
     LoadKept(record);
@@ -113,7 +117,7 @@ void ZelScope::LoadTriggerRecord(const Record& record) {
       Error("Trigger Channel Invalid");
     }
   } else if (record.Fields[3] == "StopModel") {
-    SetSingleShot(IsOn(value));
+    SetStopsModel(IsOn(value));
   } else if (!LoadTrigger(record, *trigger_)) {
     Error("Error:  Cannot load line: " + record.Line);
   }

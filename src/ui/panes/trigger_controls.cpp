@@ -83,6 +83,7 @@ void TriggerControls::ConnectSwitches() {
   toggled(ui_.CBTrigCountEvents, [&](bool on) { trigger.SetCountEvents(on); });
   toggled(ui_.CBTrigDelayAfter, [&](bool on) { trigger.SetDelayAfter(on); });
   toggled(ui_.CBSingleShot, [this](bool on) { scope_.SetSingleShot(on); });
+  toggled(ui_.CBStopModel, [this](bool on) { scope_.SetStopsModel(on); });
 }
 
 void TriggerControls::Show() {
@@ -93,6 +94,7 @@ void TriggerControls::Show() {
   Check(trigger.PositiveSlope() ? *ui_.RBTrigPos : *ui_.RBTrigNeg, true);
   Check(*ui_.CBTrigRoll, trigger.Roll());
   Check(*ui_.CBSingleShot, scope_.SingleShot());
+  Check(*ui_.CBStopModel, scope_.StopsModel());
   const auto extra = [](QAbstractButton& check, bool on, QWidget& edit) {
     Check(check, on);
     edit.setEnabled(on);
