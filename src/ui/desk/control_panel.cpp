@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QShortcut>
+#include <QWhatsThis>
 #include <algorithm>
 #include <utility>
 
@@ -20,6 +21,7 @@
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/model_views.h"
 #include "ui/session/user_settings.h"
+#include "ui/widgets/control_help.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/held_gestures.h"
 #include "ui/widgets/notice.h"
@@ -62,6 +64,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   ui_->setupUi(this);
   setAcceptDrops(true);
   new WheelGuard(this);
+  new ControlHelp(this);
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
@@ -150,6 +153,7 @@ void TZelControlPanelF::ConnectControls() {
     Model()->PrepareWideCapture();
     CopyCapture(WidePicture);
   });
+  ui_->MHelp->insertAction(ui_->MIAbout, QWhatsThis::createAction(this));
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }

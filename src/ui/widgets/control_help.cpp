@@ -1,0 +1,50 @@
+#include "ui/widgets/control_help.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWhatsThis>
+#include <QWidget>
+
+#include "ui/widgets/help_texts.h"
+
+namespace torvane {
+
+namespace {
+
+// The sentence of the control in the focus, or of what it is a part of; without one the pointer
+// asks for a control.
+void ShowHelp() {
+  for (QWidget* control = QApplication::focusWidget(); control; control = control->parentWidget()) {
+    if (control->whatsThis().isEmpty()) continue;
+    QWhatsThis::showText(control->mapToGlobal(control->rect().bottomLeft()), control->whatsThis(),
+                         control);
+    return;
+  }
+  QWhatsThis::enterWhatsThisMode();
+}
+
+}  // namespace
+
+ControlHelp::ControlHelp(QObject* parent) : QObject(parent) {
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool ControlHelp::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Polish) {
+    auto* control = qobject_cast<QWidget*>(watched);
+    const char* text = control ? HelpText(control->objectName().toStdString()) : nullptr;
+    if (text) control->setWhatsThis(QString::fromUtf8(text));
+    return false;
+  }
+  // Windows get the key before their controls.
+  if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.key() == Qt::Key_F1 && key.modifiers() == Qt::NoModifier) {
+      ShowHelp();
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace torvane
