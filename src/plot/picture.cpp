@@ -12,8 +12,10 @@ Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel
                          QPainter& painter, const QSize& size, double ratio) {
     ScopePainter picture(scope, PaintTime::Unbounded);
     picture.Layout(size, ratio, MakeScopeLabels(scope, reference));
-    picture.PaintBackground(painter, ScopeColours::Light());
-    picture.PaintTraces(painter, screen);
+    const ScopeColours colours = ScopeColours::Light();
+    picture.PaintBackground(painter, colours);
+    picture.PaintTraces(painter, colours, screen);
+    picture.PaintTags(painter, colours);
   };
   return {scope.Name(), paint};
 }

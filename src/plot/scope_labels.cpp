@@ -1,5 +1,6 @@
 #include "plot/scope_labels.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/text.h"
@@ -21,6 +22,21 @@ std::string WithOffset(const ZelChannel& channel, const AxisScale& axis) {
 std::string TickText(double value, double scale) {
   if (std::abs(value) < std::abs(scale) * 1e-9) value = 0.0;
   return FormatGeneral(value, 4, 1);
+}
+
+// Far off the screen one place is as good as another; what is not a number never gets here.
+double DivisionsAbove(double value, const AxisScale& axis) {
+  constexpr double farthest = 1e3;
+  return std::clamp((value + axis.Offset) / axis.Scale, -farthest, farthest);
+}
+
+std::vector<TraceMark> TraceMarks(const ZelScope& scope) {
+  std::vector<TraceMark> marks;
+  for (const std::size_t k : scope.DisplayedChannels()) {
+    const ZelChannel& channel = *scope.Channels()[k];
+    marks.push_back({k, channel.Colour(), channel.Name(), DivisionsAbove(0.0, channel.Vertical())});
+  }
+  return marks;
 }
 
 const ZelChannel* LeftAxisChannel(const ZelScope& scope, const ZelChannel* reference) {
@@ -52,6 +68,8 @@ ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) 
   labels.Legend = ScopeLegend(scope);
   if (const ZelChannel* left = LeftAxisChannel(scope, reference)) {
     labels.LeftColour = left->Colour();
+    const std::string& unit = left->Signal().Unit();
+    labels.Axis = left->Name() + (unit.empty() ? "" : " [" + unit + "]");
     const AxisScale& axis = left->Vertical();
     for (int line = 0; line <= ZelScope::VerticalDivisions; ++line) {
       const int divisions = ZelScope::VerticalDivisions / 2 - line;
@@ -68,7 +86,17 @@ ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) 
       labels.Bottom.push_back(TickText(value, axis.Scale));
     }
   }
+  labels.Traces = TraceMarks(scope);
   return labels;
+}
+
+std::optional<TriggerMark> PlaceOfTrigger(const ZelScope& scope) {
+  const ZelTrigger& trigger = scope.Trigger();
+  if (scope.XYMode() || trigger.Mode() == SweepMode::Cont) return std::nullopt;
+  const ZelChannel& source = trigger.Source();
+  return TriggerMark{source.Displayed() ? source.Colour() : -1,
+                     DivisionsAbove(trigger.Level(), source.Vertical()),
+                     std::trunc(trigger.Position()) * 0.01};
 }
 
 }  // namespace torvane

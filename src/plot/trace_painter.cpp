@@ -2,9 +2,12 @@
 
 #include <QPaintEngine>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
+
+#include "instruments/scope/scope_channel.h"
 
 namespace torvane {
 
@@ -15,8 +18,8 @@ constexpr double KeptWidth = 0.8;
 constexpr double Reach = 4.0;  // above the area, beyond which nothing of a line shows
 // Pixels along the lines of all traces that a frame has time for: smooth ones take some 45 ns a
 // pixel, plain ones of one pixel's width 8 ns.
-constexpr double SmoothInk = 150'000.0;
-constexpr double PlainInk = 900'000.0;
+constexpr double SmoothInk = 130'000.0;
+constexpr double PlainInk = 800'000.0;
 constexpr int MarkIntervals = 20;  // along the X axis, with one mark each
 constexpr double MarkHalfWidth = 4.0;
 constexpr double MarkHeight = 6.0;
@@ -30,38 +33,55 @@ QColor Pale(const QColor& colour) {
 
 }  // namespace
 
-QRect TracePainter::Paint(const std::vector<TracePoint>& points, const QColor& colour,
-                          EdgeMarks& marks) {
-  PaintTrace(points, colour, TraceWidth);
+const QVector<double>& TracePattern(int index) {
+  static const std::array<QVector<double>, TraceColourCount> patterns = {
+      QVector<double>{},   {10, 4},       {2, 4}, {10, 4, 2, 4}, {22, 4}, {5, 4},
+      {10, 4, 2, 4, 2, 4}, {22, 4, 2, 4},
+  };
+  return patterns.at(static_cast<std::size_t>(index));
+}
+
+void TracePainter::Paint(const std::vector<TracePoint>& points, std::size_t first,
+                         const TracePen& pen, TraceTrail& trail) {
+  PaintLine(points, first, pen, TraceWidth, trail);
   painter_.setPen(Qt::NoPen);
-  painter_.setBrush(colour);
-  PaintMarks(points, marks);
-  return painted_;
+  painter_.setBrush(pen.Colour);
+  PaintMarks(points, first, trail);
 }
 
-void TracePainter::PaintKept(const std::vector<TracePoint>& points, const QColor& colour) {
-  PaintTrace(points, Pale(colour), KeptWidth);
+void TracePainter::PaintKept(const std::vector<TracePoint>& points, const TracePen& pen) {
+  TraceTrail trail;
+  PaintLine(points, 0, {Pale(pen.Colour), pen.Dashes}, KeptWidth, trail);
 }
 
-void TracePainter::PaintTrace(const std::vector<TracePoint>& points, const QColor& colour,
-                              double width) {
-  painted_ = QRect();
+void TracePainter::PaintLine(const std::vector<TracePoint>& points, std::size_t first,
+                             const TracePen& pen, double width, TraceTrail& trail) {
   width_ = width;
-  painter_.setPen(QPen(colour, width_ * ratio_, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  QPen line(pen.Colour, width_ * ratio_, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin);
+  if (!OnPixels() && !pen.Dashes.isEmpty()) {
+    QVector<double> widths;
+    for (const double length : pen.Dashes) widths.append(length / width_);
+    line.setDashPattern(widths);
+  }
+  painter_.setPen(line);
   lines_.clear();
-  PaintLines(points);
-  PaintPixels(colour);
+  PaintLines(points, first);
+  if (OnPixels()) PaintPixels(pen, trail);
+}
+
+bool TracePainter::OnPixels() const {
+  return painter_.paintEngine()->type() == QPaintEngine::Raster;
 }
 
 // A line is cut where it leaves the area's reach: smooth lines far outside cost as much as visible
 // ones, and beyond the range of a short integer some devices draw nonsense.
-void TracePainter::PaintLines(const std::vector<TracePoint>& points) {
+void TracePainter::PaintLines(const std::vector<TracePoint>& points, std::size_t first) {
   const int top = -Scaled(Reach);
   run_.clear();
-  for (std::size_t i = 0; i < points.size(); ++i) {
+  for (std::size_t i = first; i < points.size(); ++i) {
     const TracePoint& point = points[i];
     const bool within = point.Y >= top;
-    if (i > 0 && within != (points[i - 1].Y >= top)) {
+    if (i > first && within != (points[i - 1].Y >= top)) {
       const TracePoint& last = points[i - 1];
       const double part = (top - 1.0 * last.Y) / (1.0 * point.Y - last.Y);
       run_.append(QPoint(last.X + static_cast<int>(std::lround((point.X - last.X) * part)), top));
@@ -76,9 +96,14 @@ void TracePainter::EndRun() {
   const int last = static_cast<int>(run_.size()) - 1;
   if (last > 0) {
     const int room = Scaled(width_) + 1;
-    painted_ |= run_.boundingRect().adjusted(-room, -room, room, room);
-    if (painter_.paintEngine()->type() != QPaintEngine::Raster) painter_.drawPolyline(run_);
-    for (int i = 0; i < last; ++i) lines_.append(QLine(run_[i], run_[i + 1]));
+    if (!OnPixels()) painter_.drawPolyline(run_);
+    for (int i = 0; i < last; ++i) {
+      lines_.append(QLine(run_[i], run_[i + 1]));
+      touched_.Add(QRect(QPoint(std::min(run_[i].x(), run_[i + 1].x()) - room,
+                                std::min(run_[i].y(), run_[i + 1].y()) - room),
+                         QPoint(std::max(run_[i].x(), run_[i + 1].x()) + room,
+                                std::max(run_[i].y(), run_[i + 1].y()) + room)));
+    }
   }
   run_.clear();
 }
@@ -86,23 +111,47 @@ void TracePainter::EndRun() {
 // On pixels lines are painted one by one: the smooth filling of a polyline's outline gets slower
 // with the square of the number of its edges that share a row of pixels, and a trace that swings to
 // and fro has hundreds.
-void TracePainter::PaintPixels(const QColor& colour) {
-  if (painter_.paintEngine()->type() != QPaintEngine::Raster) return;
+void TracePainter::PaintPixels(const TracePen& pen, TraceTrail& trail) {
   const double ink =
       std::accumulate(lines_.begin(), lines_.end(), 0.0, [](double sum, const QLine& line) {
         return sum + std::abs(line.dx()) + std::abs(line.dy());
       });
   const double share = ink * traces_;
   if (time_ == PaintTime::Unbounded || share <= SmoothInk) {
-    painter_.drawLines(lines_);
+    if (pen.Dashes.isEmpty()) {
+      painter_.drawLines(lines_);
+    } else {
+      painter_.drawLines(Dashed(pen.Dashes, trail));
+    }
     return;
   }
   const int width = std::max(1, static_cast<int>(width_ * ratio_));
   if (share * width > PlainInk) MergeLines(static_cast<int>(std::ceil(share * width / PlainInk)));
   painter_.setRenderHint(QPainter::Antialiasing, false);
-  painter_.setPen(QPen(colour, width, Qt::SolidLine, Qt::FlatCap));
+  painter_.setPen(QPen(pen.Colour, width, Qt::SolidLine, Qt::FlatCap));
   painter_.drawLines(lines_);
   painter_.setRenderHint(QPainter::Antialiasing);
+}
+
+// The lines cut into dashes; the pattern goes on from where the trace was painted last.
+QVector<QLineF> TracePainter::Dashed(const QVector<double>& dashes, TraceTrail& trail) const {
+  const double period = std::accumulate(dashes.begin(), dashes.end(), 0.0) * ratio_;
+  QVector<QLineF> pieces;
+  for (const QLine& line : lines_) {
+    const QLineF whole(line);
+    const double length = whole.length();
+    double at = -std::fmod(trail.Length, period);
+    for (int k = 0; at < length; k = (k + 1) % static_cast<int>(dashes.size())) {
+      const double end = at + dashes[k] * ratio_;
+      if (k % 2 == 0 && end > 0.0) {
+        pieces.append(QLineF(whole.pointAt(std::max(at, 0.0) / length),
+                             whole.pointAt(std::min(end, length) / length)));
+      }
+      at = end;
+    }
+    trail.Length += length;
+  }
+  return pieces;
 }
 
 // Of so many lines each in a row only the range that they cover stays.
@@ -120,10 +169,12 @@ void TracePainter::MergeLines(int count) {
   lines_ = ranges;
 }
 
-void TracePainter::PaintMarks(const std::vector<TracePoint>& points, EdgeMarks& marks) {
-  for (const TracePoint& point : points) {
+void TracePainter::PaintMarks(const std::vector<TracePoint>& points, std::size_t first,
+                              TraceTrail& trail) {
+  for (std::size_t i = first; i < points.size(); ++i) {
+    const TracePoint& point = points[i];
     if (point.Beyond == 0) continue;
-    int& marked = point.Beyond > 0 ? marks.Above : marks.Below;
+    int& marked = point.Beyond > 0 ? trail.Above : trail.Below;
     const int interval = point.X * MarkIntervals / std::max(1, area_.width());
     if (interval == marked) continue;
     marked = interval;
@@ -138,9 +189,9 @@ void TracePainter::PaintMark(int x, bool above) {
   const int base = above ? tip + Scaled(MarkHeight) : tip - Scaled(MarkHeight);
   const QPoint corners[] = {{centre, tip}, {centre - half, base}, {centre + half, base}};
   painter_.drawPolygon(corners, 3);
-  painted_ |=
+  touched_.Add(
       QRect(QPoint(centre - half, std::min(tip, base)), QPoint(centre + half, std::max(tip, base)))
-          .adjusted(-1, -1, 1, 1);
+          .adjusted(-1, -1, 1, 1));
 }
 
 }  // namespace torvane

@@ -7,6 +7,8 @@
 #include <QVector>
 #include <vector>
 
+#include "plot/touched_area.h"
+
 namespace torvane {
 
 /// A point of a trace on the paint area, in pixels.
@@ -14,13 +16,27 @@ struct TracePoint {
   int X = 0;
   int Y = 0;       ///< may lie far above the area
   int Beyond = 0;  ///< 1 for a value above the screen, -1 for one below it
+
+  bool operator==(const TracePoint&) const = default;
 };
 
-/// How far along the X axis a trace has its marks at either edge.
-struct EdgeMarks {
-  int Above = -1;  ///< the last interval with a mark; -1 before the first
+/// How far a trace has been painted.
+struct TraceTrail {
+  // Along the X axis, the last interval with a mark at either edge; -1 before the first.
+  int Above = -1;
   int Below = -1;
+  double Length = 0.0;  ///< of its line
 };
+
+/// A trace's pen: colour, and lengths of dash and gap in turn, in pixels of design; none is a solid
+/// line.
+struct TracePen {
+  QColor Colour;
+  QVector<double> Dashes;
+};
+
+/// The line pattern of the trace with that colour index.
+const QVector<double>& TracePattern(int index);
 
 /// How long painting may take: a live window's frame is due, a picture's file can wait.
 enum class PaintTime { Frame, Unbounded };
@@ -33,29 +49,33 @@ enum class PaintTime { Frame, Unbounded };
 class TracePainter {
  public:
   /// Paints onto an area of the given size at the painter's origin; `ratio` of its pixels make one
-  /// pixel of design. So many traces share the time.
+  /// pixel of design. So many traces share the time. What is painted on is added to `touched`.
   TracePainter(QPainter& painter, const QSize& area, double ratio, std::size_t traces,
-               PaintTime time)
+               PaintTime time, TouchedArea& touched)
       : painter_(painter),
         area_(area),
         ratio_(ratio),
         traces_(static_cast<double>(traces)),
-        time_(time) {}
+        time_(time),
+        touched_(touched) {}
 
-  /// Lines from the first point to the last, and the marks that are due. Gives the rectangle
-  /// painted in.
-  QRect Paint(const std::vector<TracePoint>& points, const QColor& colour, EdgeMarks& marks);
+  /// Lines from the given point to the last, and the marks that are due.
+  void Paint(const std::vector<TracePoint>& points, std::size_t first, const TracePen& pen,
+             TraceTrail& trail);
   /// A trace kept for comparison: a thin, pale line without marks.
-  void PaintKept(const std::vector<TracePoint>& points, const QColor& colour);
+  void PaintKept(const std::vector<TracePoint>& points, const TracePen& pen);
 
  private:
-  void PaintTrace(const std::vector<TracePoint>& points, const QColor& colour, double width);
-  void PaintLines(const std::vector<TracePoint>& points);
+  void PaintLine(const std::vector<TracePoint>& points, std::size_t first, const TracePen& pen,
+                 double width, TraceTrail& trail);
+  void PaintLines(const std::vector<TracePoint>& points, std::size_t first);
   void EndRun();
-  void PaintPixels(const QColor& colour);
+  void PaintPixels(const TracePen& pen, TraceTrail& trail);
+  QVector<QLineF> Dashed(const QVector<double>& dashes, TraceTrail& trail) const;
   void MergeLines(int count);
-  void PaintMarks(const std::vector<TracePoint>& points, EdgeMarks& marks);
+  void PaintMarks(const std::vector<TracePoint>& points, std::size_t first, TraceTrail& trail);
   void PaintMark(int x, bool above);
+  bool OnPixels() const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   QPainter& painter_;
@@ -66,7 +86,7 @@ class TracePainter {
   double width_ = 0.0;  // of the trace being painted, pixels of design
   QPolygon run_;        // of points that lie within reach of the area
   QVector<QLine> lines_;
-  QRect painted_;
+  TouchedArea& touched_;
 };
 
 }  // namespace torvane

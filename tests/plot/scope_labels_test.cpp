@@ -41,6 +41,23 @@ TEST(ScopeLabelsTest, TheLeftAxisBelongsToTheReferenceWhenThatIsShown) {
   EXPECT_TRUE(MakeScopeLabels(set.Scope, nullptr).Left.empty());
 }
 
+TEST(ScopeLabelsTest, MarksTellZerosAndTheTriggersPlace) {
+  TwoTraces set;
+  const ScopeLabels labels = MakeScopeLabels(set.Scope, nullptr);
+  EXPECT_EQ(labels.Axis, "Command [volts]");
+  // Offset 1 at a scale of 2.
+  EXPECT_EQ(labels.Traces, (std::vector<TraceMark>{{0, 0, "Command", 0.5}, {2, 1, "Speed", 0.0}}));
+  ZelTrigger& trigger = set.Scope.Trigger();
+  trigger.SetMode(SweepMode::Normal);
+  trigger.SetLevel(5.0);
+  trigger.SetPosition(30.9);
+  EXPECT_EQ(PlaceOfTrigger(set.Scope), (TriggerMark{0, 3.0, 0.3}));
+  trigger.SetSource(*set.Scope.FindChannel("Hidden"));
+  EXPECT_EQ(PlaceOfTrigger(set.Scope), (TriggerMark{-1, 5.0, 0.3}));
+  trigger.SetMode(SweepMode::Cont);
+  EXPECT_FALSE(PlaceOfTrigger(set.Scope));
+}
+
 TEST(ScopeLabelsTest, ASignalAsXAxisIsLabelledFromTheCentre) {
   TwoTraces set;
   ZelChannel& speed = *set.Scope.FindChannel("Speed");

@@ -29,12 +29,12 @@ class ScopePainterTest : public testing::Test {
   }
   QRect PaintNew() {
     QPainter painter(&picture_);
-    return painter_.PaintNew(painter, Screen());
+    return painter_.PaintNew(painter, ScopeColours::Light(), Screen());
   }
   void PaintTraces() {
     QPainter painter(&picture_);
     painter_.PaintBackground(painter, ScopeColours::Light());
-    painter_.PaintTraces(painter, Screen());
+    painter_.PaintTraces(painter, ScopeColours::Light(), Screen());
   }
 
   // Whether the picture is blue, the colour of "Speed", at a point of the screen. Smooth lines

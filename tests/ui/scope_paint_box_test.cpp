@@ -40,5 +40,30 @@ TEST(ScopePaintBoxTest, QuickSweepsAreShownWholeAndSlowOnesAsTheyGrow) {
   EXPECT_EQ(picture(), growing);
 }
 
+// A frame clears and paints only what traces touch.
+TEST(ScopePaintBoxTest, APictureOfManyFramesIsThatOfANewWindow) {
+  test::TwoTraces set;
+  ScopePaintBox box;
+  box.resize(640, 480);
+  box.show();
+  box.SetScope(set.Scope);
+  for (int frame = 0; frame < 30; ++frame) {
+    for (int i = 0; i < 130; ++i) {
+      set.Speed.Value = (i * frame % 100 - 50) * 0.05 * (1 + frame % 3);
+      set.Command.Value = frame % 4;
+      set.Sample(1);
+    }
+    if (frame % 10 == 5) set.Scope.KeepTraces(box.Screen());
+    box.Refresh();
+  }
+  ScopePaintBox fresh;
+  fresh.resize(640, 480);
+  fresh.show();
+  fresh.SetScope(set.Scope);
+  fresh.Refresh();
+  ASSERT_EQ(box.Shown(), fresh.Shown());
+  EXPECT_EQ(box.grab().toImage(), fresh.grab().toImage());
+}
+
 }  // namespace
 }  // namespace torvane

@@ -1,19 +1,21 @@
 #include "ui/panes/scope_paint_box.h"
 
 #include <QEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QToolTip>
+#include <QWheelEvent>
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 
 namespace torvane {
 
 namespace {
 
-constexpr qint64 SlowSweep = 100;  // milliseconds that make it worth watching a sweep grow
+constexpr qint64 SlowSweep = 100;      // milliseconds that make it worth watching a sweep grow
+constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
 
 // No picture is larger than the displays, whatever size the window has been given; some platforms
 // say less than they show.
@@ -21,26 +23,39 @@ QSize LargestPicture(const QWidget& widget) {
   return widget.screen()->virtualSize().expandedTo(QSize(2560, 1600));
 }
 
-ScopeColours Colours(const QPalette& palette) {
-  const bool dark = palette.color(QPalette::Window).lightness() < 128;
-  return dark ? ScopeColours::Dark() : ScopeColours::Light();
-}
-
 }  // namespace
 
 ScopePaintBox::ScopePaintBox(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setMouseTracking(true);
+  turnEnd_.setSingleShot(true);
+  turnEnd_.setInterval(TurnMilliseconds);
+  connect(&turnEnd_, &QTimer::timeout, this, &ScopePaintBox::DragEnded);
 }
 
 void ScopePaintBox::SetScope(ZelScope& scope) {
   scope_ = &scope;
   painter_.emplace(scope);
+  cursors_.emplace(scope);
+  mouse_.emplace(scope, *painter_);
   Prepare();
 }
 
-void ScopePaintBox::SetReference(const ZelChannel* channel) {
+void ScopePaintBox::SetReference(ZelChannel* channel) {
   reference_ = channel;
   Refresh();
+}
+
+void ScopePaintBox::SetLook(const TraceLook& look) {
+  if (look_ == look) return;
+  look_ = look;
+  stale_ = true;
+  Refresh();
+}
+
+ScopeColours ScopePaintBox::Colours() const {
+  const bool dark = palette().color(QPalette::Window).lightness() < 128;
+  return dark ? ScopeColours::Dark() : ScopeColours::Light(look_.Colours);
 }
 
 void ScopePaintBox::SetScalesShown(bool shown) {
@@ -51,6 +66,7 @@ void ScopePaintBox::SetScalesShown(bool shown) {
 ScopeLabels ScopePaintBox::Labels() const {
   ScopeLabels labels = MakeScopeLabels(*scope_, reference_);
   if (!scalesShown_) labels.Legend.clear();
+  labels.Trigger = PlaceOfTrigger(*scope_);
   return labels;
 }
 
@@ -85,14 +101,17 @@ void ScopePaintBox::Refresh() {
     PaintAll();
     update();
   } else if (changed || screen_.Sweep != sweepPainted_) {
-    PaintAll();
-    update();
+    // A periodic signal gives the same picture sweep after sweep.
+    if (painter_->Differs(screen_)) PaintAll();
+    sweepPainted_ = screen_.Sweep;
   } else if (painter_->HasNew(screen_)) {
     QPainter painter(&picture_);
     painter.scale(1.0 / ratio_, 1.0 / ratio_);
-    const QRectF area = painter_->PaintNew(painter, screen_);
-    update(QRectF(area.topLeft() / ratio_, area.size() / ratio_).toAlignedRect());
+    UpdatePixels(painter_->PaintNew(painter, Colours(), screen_));
   }
+  if (painter_->TraceEnds() != endsPainted_) PaintTags();
+  const QRect readings = cursors_->Area();
+  if (cursors_->Read(screen_, reference_)) UpdatePixels(QRegion(readings) | cursors_->Area());
 }
 
 // Lays the picture out and paints what stays the same from frame to frame.
@@ -101,24 +120,45 @@ void ScopePaintBox::Prepare() {
   labels_ = Labels();
   const QSizeF area = size().boundedTo(LargestPicture(*this));
   const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
-  painter_->Layout(pixels, ratio_, labels_);
+  painter_->Layout(pixels, ratio_, labels_, look_);
+  cursors_->Layout(painter_->Plate(), ratio_);
   background_ = QPixmap(pixels);
   QPainter painter(&background_);
-  painter_->PaintBackground(painter, Colours(palette()));
+  painter_->PaintBackground(painter, Colours());
   painter.end();
   picture_ = background_.copy();
   picture_.setDevicePixelRatio(ratio_);
+  endsPainted_.clear();
   stale_ = false;
 }
 
+// Only what the traces touched before has to be cleared.
 void ScopePaintBox::PaintAll() {
   QPainter painter(&picture_);
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.drawPixmap(painter_->Plate(), background_, painter_->Plate());
-  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter_->PaintTraces(painter, screen_);
+  const QRegion before = painter_->Touched();
+  for (const QRect& area : before) painter.drawPixmap(area, background_, area);
+  painter_->PaintTraces(painter, Colours(), screen_);
+  UpdatePixels(before | painter_->Touched());
   sweepPainted_ = screen_.Sweep;
+}
+
+void ScopePaintBox::PaintTags() {
+  QPainter painter(&picture_);
+  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  const QRect area = painter_->Marks().TagArea();
+  painter.drawPixmap(area, background_, area);
+  painter_->PaintTags(painter, Colours());
+  endsPainted_ = painter_->TraceEnds();
+  UpdatePixels(area);
+}
+
+void ScopePaintBox::UpdatePixels(const QRegion& pixels) {
+  QRegion area;
+  for (const QRect& part : pixels) {
+    area |= QRectF(part.topLeft() / ratio_, QSizeF(part.size()) / ratio_).toAlignedRect();
+  }
+  update(area);
 }
 
 void ScopePaintBox::paintEvent(QPaintEvent*) {
@@ -126,34 +166,68 @@ void ScopePaintBox::paintEvent(QPaintEvent*) {
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter_->PaintCursors(painter, Colours(palette()));
+  cursors_->Paint(painter, Colours());
 }
 
-int ScopePaintBox::PlateX(const QMouseEvent& event) const {
-  const int x = static_cast<int>(std::lround(event.position().x() * ratio_));
-  return std::clamp(x - painter_->Plate().left(), 0, painter_->Plate().width() - 1);
+QPoint ScopePaintBox::PixelAt(const QPointF& position) const {
+  return (position * ratio_).toPoint();
 }
 
 void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton || scope_->XYMode()) return;
-  const ScopeCursors& cursors = scope_->Cursors();
-  if (cursors.Mode == 0) return;
-  const int x = PlateX(*event);
-  const bool second = cursors.Mode == 2 && std::abs(x - cursors.X[1]) < std::abs(x - cursors.X[0]);
-  dragged_ = second ? 1 : 0;
-  emit DragBegun();
-  scope_->SetCursorX(*dragged_, x);
+  if (event->button() != Qt::LeftButton || !mouse_) return;
+  const QPoint at = PixelAt(event->position());
+  const std::optional<std::size_t> choice = mouse_->ChoiceAt(at);
+  if (mouse_->Press(at)) {
+    turnEnd_.stop();
+    emit DragBegun();
+    mouse_->MoveTo(at);
+  }
+  if (choice) emit ChannelChosen(*choice);
 }
 
 void ScopePaintBox::mouseMoveEvent(QMouseEvent* event) {
-  if (dragged_) scope_->SetCursorX(*dragged_, PlateX(*event));
+  if (!mouse_) return;
+  const QPoint at = PixelAt(event->position());
+  if (mouse_->Holds()) {
+    mouse_->MoveTo(at);
+  } else {
+    setCursor(mouse_->ShapeAt(at));
+  }
 }
 
 void ScopePaintBox::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton || !dragged_) return;
-  scope_->SetCursorX(*dragged_, PlateX(*event));
-  dragged_.reset();
+  if (event->button() != Qt::LeftButton || !mouse_ || !mouse_->Holds()) return;
+  mouse_->MoveTo(PixelAt(event->position()));
+  mouse_->Release();
   emit DragEnded();
+}
+
+// A turn of the wheel is one change until it rests.
+void ScopePaintBox::wheelEvent(QWheelEvent* event) {
+  event->accept();
+  if (!mouse_ || mouse_->Holds()) return;
+  if (!turnEnd_.isActive()) {
+    turned_ = 0;
+    emit DragBegun();
+  }
+  turnEnd_.start();
+  turned_ += event->angleDelta().y();
+  const int steps = turned_ / QWheelEvent::DefaultDeltasPerStep;
+  turned_ -= steps * QWheelEvent::DefaultDeltasPerStep;
+  if (steps == 0) return;
+  if (event->modifiers().testFlag(Qt::ControlModifier)) {
+    mouse_->TurnTimeBase(steps);
+  } else if (reference_) {
+    mouse_->TurnScale(*reference_, steps);
+  }
+}
+
+bool ScopePaintBox::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip || !mouse_) return QWidget::event(event);
+  const auto& help = static_cast<const QHelpEvent&>(*event);
+  const QString hint = mouse_->HintAt(PixelAt(help.pos()));
+  hint.isEmpty() ? QToolTip::hideText() : QToolTip::showText(help.globalPos(), hint, this);
+  return true;
 }
 
 void ScopePaintBox::resizeEvent(QResizeEvent*) {

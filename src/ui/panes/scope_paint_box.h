@@ -2,11 +2,14 @@
 
 #include <QElapsedTimer>
 #include <QPixmap>
+#include <QTimer>
 #include <QWidget>
 #include <optional>
 
 #include "instruments/scope/screen_pixels.h"
+#include "plot/cursor_painter.h"
 #include "plot/scope_painter.h"
+#include "ui/panes/screen_mouse.h"
 
 namespace torvane {
 
@@ -15,7 +18,8 @@ namespace torvane {
 /// It shows one whole sweep, the last complete one; when a sweep takes longer than a tenth of a
 /// second, the sweep as it grows and nothing of the one before. Points of a growing sweep are drawn
 /// onto a backing picture, never more than what is new; another sweep or a changed setting paints
-/// all of it. The mouse drags the cursor that is nearer.
+/// what traces touch. The mouse acts on it as ScreenMouse says; the wheel turns the scale of the
+/// reference channel, with Ctrl that of the X axis.
 class ScopePaintBox : public QWidget {
   Q_OBJECT
 
@@ -25,8 +29,12 @@ class ScopePaintBox : public QWidget {
   /// The scope to show; it must outlive this widget's use of it.
   void SetScope(ZelScope& scope);
 
-  /// The channel whose values the left axis shows.
-  void SetReference(const ZelChannel* channel);
+  /// The channel whose values the left axis and the cursors show and whose scale the wheel turns.
+  void SetReference(ZelChannel* channel);
+
+  /// Colours and line patterns of the traces.
+  void SetLook(const TraceLook& look);
+  ScopeColours Colours() const;
 
   /// The sweep that is shown.
   ScopeSweep Shown() const { return slowSweeps_ ? ScopeSweep::Present : ScopeSweep::Whole; }
@@ -34,6 +42,7 @@ class ScopePaintBox : public QWidget {
   /// Its points, as of the last frame, and where they stand.
   const ScopeScreen& Screen() const { return screen_; }
   ScreenPixels Pixels() const;
+  const ScopePainter& Painter() const { return *painter_; }
 
   /// The scales of the traces under the screen.
   void SetScalesShown(bool shown);
@@ -44,8 +53,12 @@ class ScopePaintBox : public QWidget {
  signals:
   void DragBegun();
   void DragEnded();
+  /// The mouse chose the channel of that index.
+  void ChannelChosen(std::size_t index);
 
  protected:
+  bool event(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
@@ -58,19 +71,27 @@ class ScopePaintBox : public QWidget {
   void WatchSweeps();
   void Prepare();
   void PaintAll();
+  void PaintTags();
+  void UpdatePixels(const QRegion& pixels);
   ScopeLabels Labels() const;
-  int PlateX(const QMouseEvent& event) const;
+  QPoint PixelAt(const QPointF& position) const;
 
   ZelScope* scope_ = nullptr;
   std::optional<ScopePainter> painter_;
-  const ZelChannel* reference_ = nullptr;
+  std::optional<CursorPainter> cursors_;
+  std::optional<ScreenMouse> mouse_;
+  ZelChannel* reference_ = nullptr;
+  TraceLook look_;
   ScopeLabels labels_;
   QPixmap background_;
   QPixmap picture_;
   double ratio_ = 0.0;  // device pixels a pixel that background_ was made for
   bool scalesShown_ = true;
-  std::optional<std::size_t> dragged_;  // cursor
-  bool stale_ = true;                   // the background must be made anew
+  bool stale_ = true;  // the background must be made anew
+  std::vector<std::optional<int>> endsPainted_;
+
+  QTimer turnEnd_;
+  int turned_ = 0;  // eighths of a degree of the wheel that are not a step yet
 
   ScopeScreen screen_;  // kept, so that a frame allocates nothing
   std::uint64_t sweepPainted_ = 0;

@@ -208,6 +208,9 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
   }
   connect(ui_->PBScreen, &ScopePaintBox::DragBegun, this, [&] { history.BeginGesture(); });
   connect(ui_->PBScreen, &ScopePaintBox::DragEnded, this, [&] { history.EndGesture(); });
+  connect(ui_->PBScreen, &ScopePaintBox::ChannelChosen, this, [this](std::size_t index) {
+    ui_->CmBVertChan->setCurrentIndex(ui_->CmBVertChan->findData(static_cast<int>(index)));
+  });
 }
 
 void TZelScopeF::ConnectMath() {
