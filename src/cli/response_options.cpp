@@ -1,13 +1,26 @@
 #include "cli/response_options.h"
 
 #include <CLI/CLI.hpp>
+#include <utility>
 
 #include "cli/command_error.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
 #include "cli/result_file.h"
+#include "core/messages.h"
+#include "instruments/analyser/response_csv.h"
 
 namespace torvane::cli {
+
+namespace {
+
+void LoadOverlay(FrequencyAnalyser& analyser, const std::string& path) {
+  ResponseText response = ReadResponseFile(path);
+  if (!response.Fault.empty()) throw FileError("--overlay " + response.Fault);
+  analyser.LoadMemory(OverlaySlot, std::move(response.Curve), path);
+}
+
+}  // namespace
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   AddModelOptions(command, options.Model);
@@ -28,6 +41,15 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
       ->type_name("FILE");
   command.add_option("--picture", options.Picture, "Draw gain and phase into this file as well")
       ->type_name("FILE.png|svg|pdf");
+  command.add_flag("--margins", options.Margins,
+                   "Print bandwidth, peaking, gain and phase margins; the points then go to --out "
+                   "only");
+  AddInteger(command, "--average", options.Average,
+             "Measurements to average, with the coherence; one without it");
+  command
+      .add_option("--overlay", options.Overlay,
+                  "Lay the response of this file, from a bench or --out, over the measured one")
+      ->type_name("FILE.csv");
 }
 
 void CheckChannels(const ResponseOptions& options) {
@@ -39,13 +61,22 @@ void CheckChannels(const ResponseOptions& options) {
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options) {
   CheckPictureFile(options.Picture);
-  CheckOutputs(options.Out, options.Picture);
+  CheckOutputs(options.Out, options.Picture, options.Overlay);
   const auto& analysers = bench.Instruments(kind);
   if (analysers.empty()) throw UsageError("the model has no such analyser");
   auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());
   if (!options.Input.empty()) analyser.SetInput(NamedSignal(bench, options.Input).Name());
   if (!options.Output.empty()) analyser.SetOutput(NamedSignal(bench, options.Output).Name());
+  if (!options.Overlay.empty()) LoadOverlay(analyser, options.Overlay);
   return analyser;
+}
+
+void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options) {
+  if (options.Average) analyser.SetAverages(*options.Average);
+  if (options.Margins && analyser.OutputOnly()) {
+    throw UsageError("--margins needs a response; --no-spectrum measures one");
+  }
+  for (const std::string& warning : analyser.Warnings()) Warning(warning);
 }
 
 }  // namespace torvane::cli

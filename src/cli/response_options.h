@@ -19,7 +19,13 @@ struct ResponseOptions {
   std::optional<double> Offset;
   std::string Out;
   std::string Picture;
+  bool Margins = false;
+  std::optional<int> Average;
+  std::string Overlay;
 };
+
+/// The memory that an overlay is laid into.
+inline constexpr int OverlaySlot = 1;
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options);
 
@@ -27,9 +33,13 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options);
 /// chosen them.
 void CheckChannels(const ResponseOptions& options);
 
-/// The model's first analyser of that kind with its channels chosen; a model without one, or an
-/// unknown signal, is wrong usage.
+/// The model's first analyser of that kind with its channels chosen and the overlay in its memory;
+/// a model without one, or an unknown signal, is wrong usage.
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options);
+
+/// Puts the options that both analysers take in force and reports what makes the measurement less
+/// trustworthy.
+void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options);
 
 }  // namespace torvane::cli

@@ -87,9 +87,13 @@ bool ResultFile::PassOn() {
   return file_.Write(piece);
 }
 
-void CheckOutputs(const std::string& out, const std::string& picture) {
+void CheckOutputs(const std::string& out, const std::string& picture, const std::string& input) {
   if (!out.empty() && !picture.empty() && SameFile(out, picture)) {
     throw UsageError("--out and --picture name one file, \"" + picture + "\"");
+  }
+  for (const std::string& output : {out, picture}) {
+    if (input.empty() || output.empty() || !SameFile(output, input)) continue;
+    throw UsageError("\"" + input + "\" is read; it cannot be written as well");
   }
   CheckWritable(out);
   CheckWritable(picture);

@@ -46,8 +46,9 @@ class ResultFile {
   std::chrono::steady_clock::time_point passedOn_;
 };
 
-/// Refuses outputs that cannot be written, or that are one and the same file, before anything is
-/// computed for them. Empty names are none.
-void CheckOutputs(const std::string& out, const std::string& picture);
+/// Refuses outputs that cannot be written, or that are one and the same file or one that is read,
+/// before anything is computed for them. Empty names are none.
+void CheckOutputs(const std::string& out, const std::string& picture,
+                  const std::string& input = {});
 
 }  // namespace torvane::cli

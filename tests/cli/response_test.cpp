@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <numbers>
 #include <sstream>
 
@@ -71,6 +72,64 @@ TEST(Meter, ReadsEachKind) {
   EXPECT_NEAR(MeterReading("--variable vC --kind average --lpf 1 --wave Offset=5").at(0), 5.0, 0.2);
   EXPECT_NEAR(MeterReading("--variable vC --kind average --lpf 1 --wave Offset=5 --ac").at(0), 0.0,
               0.2);
+}
+
+TEST(Bode, AveragesPrintsMarginsAndLaysAMeasurementOver) {
+  const std::string bench = TemporaryPath("bench.csv");
+  std::ofstream(bench) << "Frequency (Hz);Gain (dB);Phase (deg)\n10;-1;-45\n1000;-43;-45\n";
+  const std::string points = TemporaryPath("points.csv");
+  const std::string line =
+      "bode '3-1 PI Controller' --input Error --output Feedback --order 11 --tsample 0.0002"
+      " --end-delay 0.1 --average 2 --margins --overlay '" +
+      bench + "'";
+  const Outcome outcome = RunCliLine(line + " --out '" + points + "'");
+  ASSERT_EQ(outcome.Code, 0) << outcome.Err;
+  EXPECT_EQ(outcome.Err, "");
+  const std::vector<std::string> lines = Lines(outcome.Out);
+  EXPECT_EQ(lines.front(), "Response,Measure,Frequency,Value,Unit");
+  const auto value = [&](const std::string& beginning) {
+    for (const std::string& candidate : lines) {
+      if (candidate.starts_with(beginning)) {
+        return std::stod(candidate.substr(candidate.find(',', beginning.size() + 1) + 1));
+      }
+    }
+    ADD_FAILURE() << beginning << "\n" << outcome.Out;
+    return 0.0;
+  };
+  // Theory: 55.62 degrees and 14.89 dB.
+  EXPECT_NEAR(value("Measured,Smallest phase margin"), 55.62, 1.0);
+  EXPECT_NEAR(value("Measured,Smallest gain margin"), 14.89, 0.3);
+  EXPECT_EQ(value("Overlay,Bandwidth"), -3.0);
+  const std::vector<std::string> table = Lines(ReadWholeFile(points));
+  EXPECT_EQ(table.front(), "Bin,Frequency,Gain,Phase,Excited,Coherence,Overlay Gain,Overlay Phase");
+  EXPECT_EQ(table.size(), 1026U);
+  EXPECT_TRUE(table[1].ends_with(",,"));
+  EXPECT_NE(table[41].find(",1,0.9"), std::string::npos) << table[41];  // 97.7 Hz
+  EXPECT_NE(table[41].find(",-21."), std::string::npos) << table[41];
+  // What was written lies over the next measurement; without --out the margins replace the points.
+  EXPECT_EQ(RunCliLine(line + " --overlay '" + points + "'").Code, 2);  // given twice
+  EXPECT_EQ(RunCliLine("sweep '3-1 PI Controller' --input Error --output Feedback --from 40"
+                       " --to 60 --average 2 --overlay '" +
+                       points + "'")
+                .Code,
+            0);
+}
+
+TEST(Bode, RefusesWhatItCannotReadOrAverage) {
+  const std::string command = "bode '3-1 PI Controller' --input Error --output Feedback ";
+  const std::string bad = TemporaryPath("bad.csv");
+  std::ofstream(bad) << "2,3,4\n1,3,4\n";
+  const Outcome overlay = RunCliLine(command + "--overlay '" + bad + "'");
+  EXPECT_EQ(overlay.Code, 3);
+  EXPECT_NE(overlay.Err.find("line 2: the frequency is not above the one before it"),
+            std::string::npos);
+  for (const std::string& options : std::vector<std::string>{
+           "--average 0", "--margins --spectrum", "--overlay '" + bad + "' --out '" + bad + "'"}) {
+    EXPECT_EQ(RunCliLine(command + options).Code, 2) << options;
+  }
+  EXPECT_EQ(Lines(ReadWholeFile(bad)).size(), 2U);
+  const Outcome leaking = RunCliLine(command + "--order 8 --end-delay 0 --margins");
+  EXPECT_TRUE(leaking.Err.starts_with("Warning: End Zero Time = 0: ")) << leaking.Err;
 }
 
 TEST(Bode, SpectrumDropsTheInput) {

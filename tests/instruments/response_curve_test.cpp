@@ -32,21 +32,31 @@ TEST(Margins, AreReadBetweenThePointsThatCanBeTrusted) {
   EXPECT_NEAR(margins.GainMargins[0].Hz, 10.0 * std::sqrt(10.0), 1e-9);
   EXPECT_NEAR(margins.GainMargins[0].Value, 30.0, 1e-9);
   EXPECT_NEAR(margins.GainMargins[1].Value, 30.0, 1e-9);  // at -540 degrees
-  EXPECT_NEAR(*margins.GainBandwidth, std::pow(10.0, 23.0 / 40.0), 1e-9);
-  EXPECT_FALSE(margins.PhaseBandwidth || margins.Peaking);
+  EXPECT_FALSE(margins.GainBandwidth || margins.Peaking);
   EXPECT_FALSE(Read({}).SmallestGainMargin());
+  const Margins closed = Read({{1.0, 1.0, -10.0}, {10.0, -5.0, -110.0}, {99.0, 5.0, -400.0}});
+  EXPECT_NEAR(*closed.GainBandwidth, std::pow(10.0, 4.0 / 6.0), 1e-9);
+  EXPECT_NEAR(*closed.PhaseBandwidth, std::pow(10.0, 0.8), 1e-9);
+  EXPECT_TRUE(closed.PhaseMargins.empty() && closed.GainMargins.empty());
 }
 
 TEST(Margins, TakeACurveThatScattersAboutALevelForOneCrossing) {
   // At 0 dB the phase scatters about 0 degrees, so the phase margin about half a turn.
-  const Margins closed = Read({{1, 0.1, 1}, {2, -0.1, -1}, {3, 0.1, 1}, {4, -1, -1}, {5, -2, -5}});
-  ASSERT_EQ(closed.PhaseMargins.size(), 1U);
-  EXPECT_GT(std::abs(closed.PhaseMargins[0].Value), 179.0);
+  const Margins flat = Read({{1, 50, 1},
+                             {1.2, 40, 1},
+                             {1.4, 30, 1},
+                             {1.6, 25, 1},
+                             {2, 20, 1},
+                             {3, 0.1, 1},
+                             {4, -0.1, -1},
+                             {5, 0.1, 1}});
+  ASSERT_EQ(flat.PhaseMargins.size(), 1U);
+  EXPECT_GT(std::abs(flat.PhaseMargins[0].Value), 179.0);
   const Margins open = Read({{1, -9, -170}, {2, -10, -181}, {3, -11, -179}, {4, -12, -190}});
   ASSERT_EQ(open.GainMargins.size(), 1U);
   EXPECT_NEAR(open.GainMargins[0].Value, 10.5, 0.5);
   // Clear of the level in between, they are two.
-  EXPECT_EQ(Read({{1, 9, -170}, {2, 5, -187}, {3, 2, -173}}).GainMargins.size(), 2U);
+  EXPECT_EQ(Read({{1, 39, -170}, {2, 35, -187}, {3, 32, -173}}).GainMargins.size(), 2U);
 }
 
 TEST(Margins, FindThePeakBetweenThePointsOfASweep) {

@@ -85,10 +85,8 @@ TEST_P(LoopMargins, AgreeWithTheEquations) {
   loop.Generate(0.0);
   loop.Run(2.5 * loop.Model().Solver().Step());
   ZelXfer& fft = TakeRecord(loop, m.Input, m.Output, 13, StepsLong(loop, 20), 2.0);
-  ResponseCurve curve;
-  ReadCurve(fft, 0, curve);
-  if (m.Closed) OpenFromClosed(curve);
-  const Margins measured = Read(curve);
+  MarginReader reader;
+  const Margins& measured = reader.Read(fft, 0, m.Closed);
   const Margins expected = OfEquations(m.Equations);
   ASSERT_EQ(measured.PhaseMargins.size(), 1U);
   ASSERT_EQ(measured.GainMargins.size(), 1U);

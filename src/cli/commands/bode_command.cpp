@@ -5,7 +5,7 @@
 #include "cli/long_run.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
-#include "cli/response_options.h"
+#include "cli/response_output.h"
 #include "cli/result_file.h"
 #include "core/csv.h"
 #include "core/text.h"
@@ -39,11 +39,12 @@ void SetUp(ZelXfer& xfer, const BodeOptions& options) {
   if (finding.What == SetupFinding::Kind::Warning) Warning(finding.Text);
   xfer.Apply(setup);
   if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
+  ApplyOptions(xfer, response);
 }
 
-// One record, from Run to Complete. No other instrument asks for times.
-void TakeRecord(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress) {
-  const double end = xfer.TStartDelay() + xfer.RecordTime();
+// A measurement from Run to Complete. No other instrument asks for times.
+void Measure(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress) {
+  const double end = xfer.TStartDelay() + xfer.Averages() * xfer.RecordTime();
   LongRun run(model, console, end, showProgress);
   xfer.Run();
   while (xfer.Measuring()) {
@@ -56,11 +57,18 @@ void TakeRecord(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgr
 }
 
 void WriteBins(ZelXfer& xfer, ResultFile& file) {
-  file.Write(CsvLine({"Bin", "Frequency", "Gain", "Phase"}));
+  const bool averaged = xfer.HasCoherence(0);
+  std::vector<std::string> line{"Bin", "Frequency", "Gain", "Phase"};
+  if (averaged) line.emplace_back("Excited");
+  Append(line, MoreCaptions(xfer));
+  file.Write(CsvLine(line));
   for (int bin = 0; bin <= xfer.Length() / 2; ++bin) {
-    file.Write(CsvLine({std::to_string(bin), FormatShortest(xfer.BinFrequency(bin)),
-                        FormatShortest(xfer.ResponseGain(0, bin)),
-                        FormatShortest(xfer.ResponsePhase(0, bin))}));
+    const double hz = xfer.BinFrequency(bin);
+    line = {std::to_string(bin), FormatShortest(hz), FormatShortest(xfer.ResponseGain(0, bin)),
+            FormatShortest(xfer.ResponsePhase(0, bin))};
+    if (averaged) line.emplace_back(xfer.Excited(0, bin) ? "1" : "0");
+    Append(line, MoreFields(xfer, bin, hz));
+    file.Write(CsvLine(line));
   }
   file.Close();
 }
@@ -72,8 +80,9 @@ void MeasureBode(const BodeOptions& options, Console& console) {
       ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
   console.ApplySettings([&] { SetUp(xfer, options); });
   ResultFile file(options.Response.Out);
-  TakeRecord(*model, xfer, console, Console::CanShowProgress(false));
-  WriteBins(xfer, file);
+  Measure(*model, xfer, console, Console::CanShowProgress(false));
+  if (WritesPoints(options.Response)) WriteBins(xfer, file);
+  if (options.Response.Margins) PrintMargins(xfer);
   if (options.Response.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.
   if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();
@@ -83,8 +92,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
 }  // namespace
 
 void AddBodeCommand(CLI::App& app, Console& console) {
-  CLI::App* const command = app.add_subcommand(
-      "bode", "Measure a frequency response with the FFT analyser: one record, as CSV");
+  CLI::App* const command =
+      app.add_subcommand("bode", "Measure a frequency response with the FFT analyser, as CSV");
   const auto options = std::make_shared<BodeOptions>();
   AddResponseOptions(*command, options->Response);
   AddInteger(*command, "--order", options->Order, "Samples of the record, as a power of two");

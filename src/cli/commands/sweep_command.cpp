@@ -1,12 +1,11 @@
 #include <CLI/CLI.hpp>
-#include <array>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
 #include "cli/long_run.h"
 #include "cli/number_options.h"
 #include "cli/pictures.h"
-#include "cli/response_options.h"
+#include "cli/response_output.h"
 #include "cli/result_file.h"
 #include "core/csv.h"
 #include "core/text.h"
@@ -41,6 +40,7 @@ void SetUp(ZelSweptDSA& analyser, const SweepOptions& options) {
   if (response.TSample) analyser.SetTSample(*response.TSample);
   if (response.Amplitude) analyser.SetAmplitude(*response.Amplitude);
   if (response.Offset) analyser.SetOffset(*response.Offset);
+  ApplyOptions(analyser, response);
   analyser.CheckPlan();
 }
 
@@ -60,11 +60,15 @@ void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
 }
 
 void WritePoints(ZelSweptDSA& analyser, ResultFile& file) {
-  file.Write(CsvLine({"Frequency", "Gain", "Phase"}));
+  std::vector<std::string> line{"Frequency", "Gain", "Phase"};
+  Append(line, MoreCaptions(analyser));
+  file.Write(CsvLine(line));
   for (int point = 0; point < analyser.PointCount(); ++point) {
-    const std::array row{analyser.PointFrequency(0, point), analyser.ResponseGain(0, point),
-                         analyser.ResponsePhase(0, point)};
-    file.Write(CsvLine(row));
+    const double hz = analyser.PointFrequency(0, point);
+    line = {FormatShortest(hz), FormatShortest(analyser.ResponseGain(0, point)),
+            FormatShortest(analyser.ResponsePhase(0, point))};
+    Append(line, MoreFields(analyser, point, hz));
+    file.Write(CsvLine(line));
   }
   file.Close();
 }
@@ -77,7 +81,8 @@ void MeasureSweep(const SweepOptions& options, Console& console) {
   console.ApplySettings([&] { SetUp(analyser, options); });
   ResultFile file(options.Response.Out);
   Sweep(*model, analyser, console);
-  WritePoints(analyser, file);
+  if (WritesPoints(options.Response)) WritePoints(analyser, file);
+  if (options.Response.Margins) PrintMargins(analyser);
   if (!options.Response.Picture.empty()) WritePicture(analyser, options.Response.Picture);
 }
 

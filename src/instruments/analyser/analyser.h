@@ -119,6 +119,9 @@ class FrequencyAnalyser : public Instrument {
   int Averages() const { return averages_; }
   void SetAverages(int count);
 
+  /// The highest frequency at which the sample time in force measures gain and phase closely, Hz.
+  virtual double AccurateUpTo() const = 0;
+
   /// What makes the measurement, as it is set up or going on, less trustworthy; a sentence each.
   virtual std::vector<std::string> Warnings() const;
 

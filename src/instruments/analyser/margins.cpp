@@ -3,12 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "instruments/analyser/analyser.h"
+
 namespace torvane {
 
 namespace {
 
 constexpr double HalfTurn = 180.0;
 constexpr double Turn = 360.0;
+constexpr double Unity = 6.0;      // dB that a closed response may begin beside unity
+constexpr double LeastPeak = 0.1;  // dB; less is scatter
+constexpr double Closeness = 1.01;
 // How far a curve must have moved away from a level before it can cross it again.
 constexpr double GainScatter = 0.5;   // dB
 constexpr double PhaseScatter = 5.0;  // degrees
@@ -107,6 +112,86 @@ Margins::Reading Top(const ResponsePoint& left, const ResponsePoint& middle,
   return {middle.Hz * std::exp(at), middle.Gain + (slope + curvature * at) * at};
 }
 
+// The lowest points scatter most, so that the median of some says where the curve begins.
+bool BeginsAtUnity(std::span<const ResponsePoint> curve) {
+  constexpr std::size_t Points = 9;
+  std::vector<double> gains;
+  for (const ResponsePoint& point : curve) {
+    if (point.Trusted()) gains.push_back(point.Gain);
+    if (gains.size() == Points) break;
+  }
+  if (gains.empty()) return false;
+  const auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
+  std::nth_element(gains.begin(), middle, gains.end());
+  return std::abs(*middle) <= Unity;
+}
+
+std::optional<Margins::Reading> Peak(std::span<const ResponsePoint> curve) {
+  std::optional<Margins::Reading> peak;
+  const ResponsePoint* before = nullptr;
+  const ResponsePoint* last = nullptr;
+  const ResponsePoint* highest = nullptr;
+  for (const ResponsePoint& point : curve) {
+    if (!point.Trusted()) continue;
+    if (highest == last && before && last->Gain > LeastPeak && last->Gain >= point.Gain) {
+      peak = Top(*before, *last, point);
+    }
+    if (!highest || point.Gain > highest->Gain) {
+      highest = &point;
+      peak.reset();
+    }
+    before = last;
+    last = &point;
+  }
+  return peak;
+}
+
+/// The mean of points that follow each other closely.
+class Mean {
+ public:
+  bool Holds(const ResponsePoint& point) const {
+    return count_ == 0 || point.Hz <= first_ * Closeness;
+  }
+  void Add(const ResponsePoint& point) {
+    if (count_ == 0) first_ = point.Hz;
+    logHz_ += std::log(point.Hz / first_);
+    gain_ += point.Gain;
+    phase_ += point.Phase;
+    ++count_;
+  }
+  ResponsePoint Take() {
+    const ResponsePoint mean{first_ * std::exp(logHz_ / count_), gain_ / count_, phase_ / count_};
+    *this = {};
+    return mean;
+  }
+  bool IsEmpty() const { return count_ == 0; }
+
+ private:
+  double first_ = 0.0;
+  double logHz_ = 0.0;
+  double gain_ = 0.0;
+  double phase_ = 0.0;
+  int count_ = 0;
+};
+
+/// Calls read(span) for each two neighbours among the means of the points that can be trusted.
+template <class Read>
+void ForEachSpan(std::span<const ResponsePoint> curve, Read read) {
+  Mean mean;
+  std::optional<ResponsePoint> before;
+  const auto close = [&] {
+    const ResponsePoint point = mean.Take();
+    if (before) read(Span{*before, point});
+    before = point;
+  };
+  for (const ResponsePoint& point : curve) {
+    if (!point.Trusted()) continue;
+    if (!mean.Holds(point)) close();
+    mean.Add(point);
+  }
+  if (!mean.IsEmpty()) close();
+}
+
 const Margins::Reading* Smallest(const std::vector<Margins::Reading>& readings) {
   const auto found = std::min_element(
       readings.begin(), readings.end(),
@@ -130,30 +215,30 @@ void FindMargins(std::span<const ResponsePoint> unwrapped, Margins& margins) {
   margins.Peaking.reset();
   margins.PhaseMargins.clear();
   margins.GainMargins.clear();
-  const ResponsePoint* before = nullptr;
-  const ResponsePoint* last = nullptr;
-  const ResponsePoint* highest = nullptr;
+  margins.Closed = BeginsAtUnity(unwrapped);
+  if (margins.Closed) {
+    margins.Peaking = Peak(unwrapped);
+    ForEachSpan(unwrapped, [&](const Span& span) { ReadBandwidth(span, margins); });
+    return;
+  }
   Scatter ofGain(margins.PhaseMargins);
   Scatter ofPhase(margins.GainMargins);
-  for (const ResponsePoint& point : unwrapped) {
-    if (!point.Trusted()) continue;
-    if (last) {
-      ReadBandwidth({*last, point}, margins);
-      ReadCrossings({*last, point}, ofGain, ofPhase);
-    }
-    if (highest == last && before && last->Gain > 0.0 && last->Gain >= point.Gain) {
-      margins.Peaking = Top(*before, *last, point);
-    }
-    if (!highest || point.Gain > highest->Gain) {
-      highest = &point;
-      margins.Peaking.reset();
-    }
-    before = last;
-    last = &point;
-  }
+  ForEachSpan(unwrapped, [&](const Span& span) { ReadCrossings(span, ofGain, ofPhase); });
   ofGain.Leave();
   ofPhase.Leave();
   for (Margins::Reading& reading : margins.PhaseMargins) reading.Value = PhaseMargin(reading.Value);
+}
+
+const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, bool opened) {
+  ReadCurve(analyser, slot, curve_);
+  if (analyser.LoadedFrom(slot).empty()) {
+    const double highest = 2.0 * analyser.AccurateUpTo();
+    std::erase_if(curve_, [&](const ResponsePoint& point) { return point.Hz > highest; });
+  }
+  if (opened) OpenFromClosed(curve_);
+  UnwrapPhase(curve_);
+  FindMargins(curve_, margins_);
+  return margins_;
 }
 
 }  // namespace torvane

@@ -83,6 +83,9 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// Makes the range between StartFreq and EndFreq, in either order, the one that is swept.
   void ApplySweepRange();
 
+  /// A hundredth of the tick rate.
+  double AccurateUpTo() const override { return 0.01 / tSample_; }
+
   /// Hiding the window also takes all traces off the plot.
   void SetVisible(bool visible) override;
 
