@@ -119,17 +119,22 @@ double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const
   return ((k + 1) - index) * value(k) + (index - k) * value(k + 1);
 }
 
+double FrequencyAnalyser::GainOf(int slot, int index) {
+  return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Gain)
+                        : Difference(&AnalyserChannel::Gain, slot, index);
+}
+
+double FrequencyAnalyser::PhaseOf(int slot, int index) {
+  return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Phase)
+                        : WrappedPhase(slot, index);
+}
+
 double FrequencyAnalyser::ResponseGain(int slot, double index) {
-  return Interpolate(slot, index, [&](int k) {
-    return LoadedAt(slot) ? LoadedValue(slot, k, &ResponsePoint::Gain)
-                          : Difference(&AnalyserChannel::Gain, slot, k);
-  });
+  return Interpolate(slot, index, [&](int k) { return GainOf(slot, k); });
 }
 
 double FrequencyAnalyser::ResponsePhase(int slot, double index) {
-  return Interpolate(slot, index, [&](int k) {
-    return LoadedAt(slot) ? LoadedValue(slot, k, &ResponsePoint::Phase) : WrappedPhase(slot, k);
-  });
+  return Interpolate(slot, index, [&](int k) { return PhaseOf(slot, k); });
 }
 
 bool FrequencyAnalyser::Readable(int slot, double hz) const {
@@ -145,7 +150,12 @@ std::optional<double> FrequencyAnalyser::GainRead(int slot, double hz) {
 
 std::optional<double> FrequencyAnalyser::PhaseRead(int slot, double hz) {
   if (!Readable(slot, hz)) return std::nullopt;
-  return PhaseAt(slot, hz);
+  const double index = IndexAt(slot, hz);
+  const int below = static_cast<int>(index);
+  if (index > below && PhaseWraps(PhaseOf(slot, below), PhaseOf(slot, below + 1))) {
+    return std::nullopt;
+  }
+  return ResponsePhase(slot, index);
 }
 
 bool FrequencyAnalyser::StoreData(int slot) {
@@ -156,6 +166,7 @@ bool FrequencyAnalyser::StoreData(int slot) {
   if (!StoreSlot(slot)) return false;
   loaded_[static_cast<std::size_t>(slot)].reset();
   traces_[static_cast<std::size_t>(slot)] = {true, true};
+  origins_[static_cast<std::size_t>(slot)] = origins_[0];
   Changed();
   return true;
 }
@@ -166,31 +177,36 @@ void FrequencyAnalyser::SetShown(int slot, bool shown) {
 }
 
 void FrequencyAnalyser::SetCursors(CursorMode mode) {
-  if (cursors_ == mode) return;
-  Change(
-      [&] {
-        cursors_ = mode;
-        needsRedraw_ = true;
-      },
-      [&] { return SettingCaption("Cursors", static_cast<int>(mode)); });
+  StoreCursor(cursors_, mode, [&] { return SettingCaption("Cursors", static_cast<int>(mode)); });
 }
 
 void FrequencyAnalyser::SetCursorPixel(int cursor, int pixel) {
-  Store(cursorPixel_[static_cast<std::size_t>(cursor)], std::clamp(pixel, 0, LargestPixel),
-        cursor == 0 ? "Cursor 1" : "Cursor 2");
+  const int limited = std::clamp(pixel, 0, LargestPixel);
+  StoreCursor(cursorPixel_[static_cast<std::size_t>(cursor)], limited,
+              [&] { return SettingCaption(cursor == 0 ? "Cursor 1" : "Cursor 2", limited); });
 }
 
 void FrequencyAnalyser::SetCursorSlot(int slot) {
-  if (slot >= 0 && slot < SlotCount) Store(cursorSlot_, slot, "Cursor Trace");
+  if (slot < 0 || slot >= SlotCount) return;
+  StoreCursor(cursorSlot_, slot, [&] {
+    return SettingCaption("Cursor Trace", slot == 0 ? "Current" : "Memory " + std::to_string(slot));
+  });
 }
 
 void FrequencyAnalyser::SetSplitScreen(bool split) {
   Store(splitScreen_, split, "Split Screen");
 }
 
+void FrequencyAnalyser::TakeOrigin() {
+  origins_[0] = OriginNow(bench_);
+}
+
 void FrequencyAnalyser::EnableTrace(int slot) {
   Trace& trace = traces_[static_cast<std::size_t>(slot)];
-  if (!trace.Enabled) trace = {true, true};
+  needsRedraw_ = true;
+  if (trace.Enabled) return;
+  trace = {true, true};
+  TellSettingsChanged();
 }
 
 void FrequencyAnalyser::DisableTrace(int slot) {

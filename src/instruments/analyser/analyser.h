@@ -10,6 +10,7 @@
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/analyser/response_curve.h"
+#include "instruments/analyser/trace_origin.h"
 #include "instruments/setting_caption.h"
 
 namespace torvane {
@@ -69,6 +70,9 @@ class FrequencyAnalyser : public Instrument {
   /// The same at a frequency in Hz that lies within DataRange.
   double GainAt(int slot, double hz) { return ResponseGain(slot, IndexAt(slot, hz)); }
   double PhaseAt(int slot, double hz) { return ResponsePhase(slot, IndexAt(slot, hz)); }
+  /// The same at a bin or point itself.
+  double GainOf(int slot, int index);
+  double PhaseOf(int slot, int index);
 
   /// The response is the output's alone.
   virtual bool OutputOnly() const { return false; }
@@ -97,7 +101,8 @@ class FrequencyAnalyser : public Instrument {
   double Coherence(int slot, int index) const;
   bool HasCoherence(int slot) const;
 
-  /// The same for a plot, which asks at any frequency: nothing where the slot has no data.
+  /// The same for a plot, which asks at any frequency: nothing where the slot has no data. There is
+  /// no phase between two points on either side of a wrap.
   std::optional<double> GainRead(int slot, double hz);
   std::optional<double> PhaseRead(int slot, double hz);
 
@@ -126,11 +131,15 @@ class FrequencyAnalyser : public Instrument {
   virtual std::vector<std::string> Warnings() const;
 
   const Trace& TraceAt(int slot) const { return traces_[static_cast<std::size_t>(slot)]; }
+  /// When and with which constants the slot's measurement was taken.
+  const TraceOrigin& Origin(int slot) const { return origins_[static_cast<std::size_t>(slot)]; }
   void SetShown(int slot, bool shown);
 
   /// Frequency axis, Hz, logarithmic; the limits stay at least 1 % apart.
   double FreqMin() const { return freqMin_; }
   double FreqMax() const { return freqMax_; }
+  /// Frequency at a share of the axis, 0 at its low end and 1 at its high end.
+  double AxisFrequency(double share) const;
   /// Scales per division (dB, degrees), always positive; offsets in dB and degrees.
   double GainScale() const { return gainScale_; }
   double GainOffset() const { return gainOffset_; }
@@ -190,6 +199,8 @@ class FrequencyAnalyser : public Instrument {
   void AddChannel(std::unique_ptr<AnalyserChannel> channel);
   /// Reports that there are too few channels to measure a response.
   void CheckChannels() const;
+  /// The current measurement is of the model as it is now.
+  void TakeOrigin();
   /// A trace that got its first data is shown.
   void EnableTrace(int slot);
   /// Stores the current measurement in a memory whose number is checked.
@@ -212,6 +223,11 @@ class FrequencyAnalyser : public Instrument {
           needsRedraw_ = true;
         },
         [&] { return SettingCaption(name, setting); });
+  }
+  /// The same for what is drawn over the traces, which need not be drawn anew.
+  template <class T, class Caption>
+  void StoreCursor(T& setting, T value, Caption caption) {
+    if (setting != value) Change([&] { setting = value; }, caption);
   }
 
   /// The records between the channels and the scales of the plot, the analyser's own.
@@ -268,6 +284,7 @@ class FrequencyAnalyser : public Instrument {
   std::array<Trace, SlotCount> traces_;
   std::array<std::unique_ptr<Loaded>, SlotCount> loaded_;
   int averages_ = 1;
+  std::array<TraceOrigin, SlotCount> origins_;
   double gainScale_ = 20.0;
   double gainOffset_ = 0.0;
   double phaseScale_ = 90.0;

@@ -81,6 +81,10 @@ void FrequencyAnalyser::SetFreqRange(double low, double high) {
       });
 }
 
+double FrequencyAnalyser::AxisFrequency(double share) const {
+  return freqMin_ * std::pow(freqMax_ / freqMin_, share);
+}
+
 void FrequencyAnalyser::SetGainScale(double scale) {
   SetPositive(gainScale_, scale, "Gain Scale");
 }

@@ -49,4 +49,9 @@ inline double IndexAmong(std::span<const double> frequencies, double hz) {
   return static_cast<double>(below - frequencies.begin()) + fraction;
 }
 
+/// Two neighbouring phases lie on either side of a wrap.
+inline bool PhaseWraps(double one, double next) {
+  return std::abs(next - one) > 180.0;
+}
+
 }  // namespace torvane

@@ -90,6 +90,7 @@ void ZelXfer::BeginMeasurement() {
 void ZelXfer::BeginRecord() {
   sampleCount_ = 0;
   recordWhole_ = false;
+  TakeOrigin();
   for (ZelXferChannel* channel : records_) channel->MarkNewSamples();
 }
 

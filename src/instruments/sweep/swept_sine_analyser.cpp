@@ -88,6 +88,7 @@ void ZelSweptDSA::BeginSweep() {
   pointIndex_ = 0;
   f_ = FreqMin();
   frequencies_[0].clear();
+  TakeOrigin();
   for (ZelSweptDSAChannel* channel : points_) channel->ClearPoints();
 }
 
@@ -122,7 +123,6 @@ void ZelSweptDSA::CompletePoint() {
   if (f_ < FreqMax()) {
     state_ = State::Advance;
     EnableTrace(0);
-    Changed();
   } else {
     Finish(State::Done);
   }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace torvane {
+
+class FrequencyAnalyser;
+
+/// What an automatic search looks for.
+struct FindTarget {
+  enum class Kind { GainLevel, PhaseLevel, GainMax, GainMin };
+  Kind What = Kind::GainLevel;
+  double Level = 0.0;  ///< dB or degrees
+};
+
+/// "-3 dB" and "-90 deg" are levels, "Gain Max" and "Gain Min" extremes, in capitals or not;
+/// nothing when the text is none of these.
+std::optional<FindTarget> ParseFindTarget(const std::string& text);
+
+/// Searches the trace that the cursors read for what the analyser's selection says, and moves
+/// cursor 1 to it; notes what cannot be found. A column of the plot, `plotWidth` pixels wide, is
+/// one step of the search. With one cursor it goes on from there and then over the whole plot, with
+/// two it stays between them; without cursors nothing is searched.
+///
+/// The level lies between the first value of a search and the one found, however many columns are
+/// between them: a trace that starts beyond the level is found where it comes back. Between the two
+/// sides of a wrap there is no phase.
+void AutoFind(FrequencyAnalyser& analyser, int plotWidth);
+
+}  // namespace torvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "instruments/analyser/analyser.h"
+
+namespace torvane {
+
+/// A response at one frequency, Hz, dB and degrees; nothing where there is none.
+struct CursorPoint {
+  double Hz = 0.0;
+  std::optional<double> Gain;
+  std::optional<double> Phase;
+};
+
+/// What an analyser's cursors say of the trace that they read.
+struct ResponseCursorReading {
+  std::vector<CursorPoint> Points;        ///< a cursor each
+  std::optional<CursorPoint> Difference;  ///< from cursor 1 to cursor 2, when there are two
+  std::optional<double> Slope;              ///< between them, dB a decade
+};
+
+/// On a plot of so many columns.
+ResponseCursorReading ReadResponseCursors(FrequencyAnalyser& analyser, int plotWidth);
+
+}  // namespace torvane

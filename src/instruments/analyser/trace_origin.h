@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace torvane {
+
+class ZelBenchTop;
+
+/// When a measurement was taken, and with which constants.
+struct TraceOrigin {
+  double Time = 0.0;                                           ///< simulated, seconds
+  std::vector<std::pair<std::string, std::string>> Constants;  ///< name and value, as shown
+};
+
+/// Of a measurement that begins now.
+TraceOrigin OriginNow(const ZelBenchTop& bench);
+
+/// What tells one of several measurements from the others: "at 1.25 s, KP = 2", with the constants
+/// whose values are not the same in all of them.
+std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrigin*>& all);
+
+}  // namespace torvane
