@@ -3,9 +3,8 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
-#include <QPolygonF>
+#include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "core/text.h"
 #include "plot/picture_fonts.h"
@@ -16,8 +15,14 @@ namespace {
 
 constexpr double Margin = 8.0;
 constexpr double LabelGap = 5.0;
+constexpr double EntryGap = 18.0;  // between two entries of the legend
 constexpr double TraceWidth = 1.6;
-constexpr int WidestTick = 5;  // characters of the value labels
+constexpr double SampleLength = 26.0;  // of a trace in the legend
+constexpr double MarkSize = 3.4;       // from its middle
+constexpr double MarkDistance = 75.0;  // along the frequency axis
+constexpr double PointSize = 2.0;
+constexpr double PointDistance = 7.0;  // bins that are closer are not marked
+constexpr int WidestTick = 5;          // characters of the value labels
 constexpr int SmallestPlate = 40;
 constexpr double FarOutside = 3e4;  // beyond it the line drawing of some devices overflows
 
@@ -44,6 +49,10 @@ void ForEachFrequencyLine(double low, double high, PaintLine paint) {
   }
 }
 
+std::string ScaleText(const char* unit, double perDivision, double offset) {
+  return FormatEdit(perDivision) + " " + unit + "/div (Off: " + FormatEdit(offset) + ")";
+}
+
 }  // namespace
 
 void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
@@ -54,23 +63,19 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
   const int margin = Scaled(Margin);
-  const int labels =
-      margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + Scaled(LabelGap);
+  const int gap = Scaled(LabelGap);
+  const int labels = margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + gap;
   const int right = analyser_.SplitScreen() ? 2 * margin : labels;
-  const int caption = words.height() + Scaled(LabelGap);
-  const int bottom = numbers.height() + caption + 2 * margin;
-  const QRect area(labels, margin + caption, std::max(SmallestPlate, size.width() - labels - right),
-                   std::max(2 * SmallestPlate, size.height() - bottom - margin - caption));
+  const int caption = words.height() + gap;
+  MakeLegend();
+  const int bottom = PlaceLegend() + words.height() + numbers.height() + 2 * gap;
+  const QRect area(labels, caption + gap, std::max(SmallestPlate, size.width() - labels - right),
+                   std::max(2 * SmallestPlate, size.height() - bottom - caption - gap));
   gainPlate_ = phasePlate_ = area;
   if (!analyser_.SplitScreen()) return;
-  const int height = (area.height() - caption - margin) / 2;
+  const int height = (area.height() - caption - gap) / 2;
   gainPlate_.setHeight(height);
   phasePlate_.setTop(area.bottom() + 1 - height);
-}
-
-double ResponsePainter::FrequencyAt(double x) const {
-  const double low = analyser_.FreqMin();
-  return low * std::pow(analyser_.FreqMax() / low, x / gainPlate_.width());
 }
 
 double ResponsePainter::ColumnOf(double hz) const {
@@ -78,31 +83,77 @@ double ResponsePainter::ColumnOf(double hz) const {
   return std::log(hz / low) / std::log(analyser_.FreqMax() / low) * gainPlate_.width();
 }
 
-std::vector<ResponsePainter::Axis> ResponsePainter::Axes() const {
-  const bool single = !analyser_.SplitScreen();
-  const auto gain = [this](int slot, double hz) { return analyser_.GainAt(slot, hz); };
-  const auto phase = [this](int slot, double hz) { return PhaseOrGap(slot, hz); };
-  return {
-      {gainPlate_, analyser_.GainScale(), analyser_.GainOffset(), "Gain (dB)", false, false, gain},
-      {phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(), "Phase (deg)", single, single,
-       phase}};
+double ResponsePainter::YOf(const Axis& axis, double value) const {
+  const double height = axis.Plate.height();
+  const double up = (value + axis.Offset) / axis.Scale * height / VerticalDivisions;
+  return std::clamp(axis.Plate.top() + height / 2.0 - up, -FarOutside, FarOutside);
 }
 
-// Between two points on either side of a wrap there is no phase to draw.
-double ResponsePainter::PhaseOrGap(int slot, double hz) const {
-  const double index = analyser_.IndexAt(slot, hz);
-  const double lower = std::floor(index);
-  if (index > lower) {
-    const double jump =
-        analyser_.ResponsePhase(slot, lower + 1.0) - analyser_.ResponsePhase(slot, lower);
-    if (std::abs(jump) > 180.0) return std::numeric_limits<double>::quiet_NaN();
+std::array<ResponsePainter::Axis, 2> ResponsePainter::Axes() const {
+  const bool single = !analyser_.SplitScreen();
+  return {Axis{gainPlate_, analyser_.GainScale(), analyser_.GainOffset(), "Gain (dB)", false, false,
+               ResponseQuantity::Gain},
+          Axis{phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(), "Phase (deg)", single,
+               single, ResponseQuantity::Phase}};
+}
+
+// The current measurement is always spoken of.
+bool ResponsePainter::Unavailable(int slot) const {
+  return !analyser_.HasData(slot) && (slot == 0 || analyser_.TraceAt(slot).Shown);
+}
+
+std::string ResponsePainter::TraceText(int slot) const {
+  const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
+  if (Unavailable(slot)) return name + ": Unavailable";
+  std::vector<const TraceOrigin*> origins;
+  for (int other = 0; other < FrequencyAnalyser::SlotCount; ++other) {
+    if (analyser_.HasData(other)) origins.push_back(&analyser_.Origin(other));
   }
-  return analyser_.PhaseAt(slot, hz);
+  return name + " " + OriginText(analyser_.Origin(slot), origins);
+}
+
+void ResponsePainter::MakeLegend() {
+  std::string pair;
+  if (analyser_.Output()) pair = analyser_.Output()->Name();
+  if (analyser_.Input() && !analyser_.OutputOnly()) pair += " / " + analyser_.Input()->Name();
+  legend_.clear();
+  for (const std::string& text :
+       {pair, ScaleText("dB", analyser_.GainScale(), analyser_.GainOffset()),
+        ScaleText("deg", analyser_.PhaseScale(), analyser_.PhaseOffset()),
+        FormatEdit(analyser_.FreqMin()) + " Hz to " + FormatEdit(analyser_.FreqMax()) + " Hz"}) {
+    legend_.push_back({-1, text, {}});
+  }
+  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    const bool shown = analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
+    if (shown || Unavailable(slot)) legend_.push_back({slot, TraceText(slot), {}});
+  }
+}
+
+// Rows from the lower edge of the picture upwards; gives what they take of its height.
+int ResponsePainter::PlaceLegend() {
+  const QFontMetrics metrics(textFont_);
+  const int margin = Scaled(Margin);
+  const int height = metrics.height();
+  int x = margin;
+  int y = 0;
+  for (LegendEntry& entry : legend_) {
+    const int sample = entry.Slot < 0 ? 0 : Scaled(SampleLength + LabelGap);
+    const int width = sample + metrics.horizontalAdvance(Text(entry.Text)) + Scaled(2.0);
+    const bool firstTrace = entry.Slot == 0 || (entry.Slot > 0 && (&entry - 1)->Slot < 0);
+    if (x > margin && (firstTrace || x + width > size_.width() - margin)) {
+      x = margin;
+      y += height;
+    }
+    entry.Place = {x, y, width, height};
+    x += width + Scaled(EntryGap);
+  }
+  const int taken = y + height + margin;
+  for (LegendEntry& entry : legend_) entry.Place.translate(0, size_.height() - taken);
+  return taken + Scaled(LabelGap);
 }
 
 void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
   painter.fillRect(QRect(QPoint(0, 0), size_), colours.Around);
-  const std::vector<Axis> axes = Axes();
   painter.fillRect(gainPlate_, colours.Plate);
   PaintFrequencyLines(painter, colours, gainPlate_);
   if (analyser_.SplitScreen()) {
@@ -110,10 +161,12 @@ void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
     PaintFrequencyLines(painter, colours, phasePlate_);
   }
   PaintFrequencyLabels(painter, colours);
-  for (const Axis& axis : axes) {
+  for (const Axis& axis : Axes()) {
     PaintAxis(painter, colours, axis);
-    for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
-      if (analyser_.TraceAt(slot).Shown && analyser_.HasData(slot)) PaintTrace(painter, axis, slot);
+    // The current measurement lies on top.
+    for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
+      const bool shown = analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
+      if (shown) PaintTrace(painter, colours, axis, slot);
     }
   }
   PaintLegend(painter, colours);
@@ -141,12 +194,17 @@ void ResponsePainter::PaintFrequencyLabels(QPainter& painter, const ScopeColours
     if (!IsLabelled(mantissa, decades)) return;
     const QString label = Text(FormatGeneral(hz, 4, 1));
     const int width = metrics.horizontalAdvance(label);
-    const int left = phasePlate_.left() + qRound(ColumnOf(hz)) - width / 2;
+    const int left =
+        std::min(phasePlate_.left() + qRound(ColumnOf(hz)) - width / 2, size_.width() - width - 1);
     if (left < free) return;
     painter.drawText(QRect(left, top, width, metrics.height()), Qt::AlignCenter | Qt::TextDontClip,
                      label);
     free = left + width + Scaled(LabelGap);
   });
+  painter.setFont(textFont_);
+  painter.drawText(QRect(phasePlate_.left(), top + metrics.height(), phasePlate_.width(),
+                         QFontMetrics(textFont_).height()),
+                   Qt::AlignCenter, QStringLiteral("Freq (Hz)"));
 }
 
 // Division lines with their values, and the caption above the plate's corner.
@@ -174,59 +232,149 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
   }
   painter.setFont(textFont_);
   const int height = QFontMetrics(textFont_).height();
-  const QString caption = Text(axis.Caption + (axis.Dashed ? ", dashed" : ""));
+  const QString caption =
+      QString::fromLatin1(axis.Caption) + QLatin1String(axis.Dashed ? ", dashed" : "");
   painter.drawText(QRect(plate.left(), plate.top() - height - gap / 2, plate.width(), height),
                    axis.OnRight ? Qt::AlignRight : Qt::AlignLeft, caption);
 }
 
-// A point a column, within the frequencies measured. A value that is not a number breaks the line.
-void ResponsePainter::PaintTrace(QPainter& painter, const Axis& axis, int slot) const {
+QPen ResponsePainter::TracePen(int slot, bool dashed) const {
+  return {PenColour(slot), TraceWidth * ratio_, dashed ? Qt::DashLine : Qt::SolidLine, Qt::FlatCap,
+          Qt::BevelJoin};
+}
+
+void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis,
+                                 int slot) const {
   const QRect& plate = axis.Plate;
-  const FrequencyAnalyser::Range range = analyser_.DataRange(slot);
+  const ResponseLines trace = MakeResponseLines(analyser_, slot, axis.Quantity, plate.width());
   painter.save();
   painter.setClipRect(plate);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(PenColour(slot), TraceWidth * ratio_,
-                      axis.Dashed ? Qt::DashLine : Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
-  QPolygonF line;
-  for (int x = 0; x <= plate.width(); ++x) {
-    const double hz = FrequencyAt(x);
-    if (hz < range.Low) continue;
-    if (hz > range.High) break;
-    const double value = axis.Value(slot, hz);
-    if (std::isnan(value)) {
-      painter.drawPolyline(line);
-      line.clear();
-      continue;
-    }
-    const double up = (value + axis.Offset) / axis.Scale * plate.height() / VerticalDivisions;
-    const double y = plate.top() + plate.height() / 2.0 - up;
-    line << QPointF(plate.left() + x, std::clamp(y, -FarOutside, FarOutside));
+  PaintBars(painter, axis, trace, PenColour(slot));
+  painter.setPen(TracePen(slot, axis.Dashed));
+  for (QPolygonF line : trace.Lines) {
+    for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
+    painter.drawPolyline(line);
   }
-  painter.drawPolyline(line);
+  PaintMarks(painter, colours, axis, slot, trace);
   painter.restore();
 }
 
-std::string ResponsePainter::LegendText() const {
-  const auto scale = [](const char* unit, double perDivision, double offset) {
-    return FormatEdit(perDivision) + " " + unit + "/div (Off: " + FormatEdit(offset) + ")";
+// As thick as a line's stroke would be. A dashed trace's are fainter.
+void ResponsePainter::PaintBars(QPainter& painter, const Axis& axis, const ResponseLines& trace,
+                                QColor colour) const {
+  if (axis.Dashed) colour.setAlphaF(0.5F);
+  const double half = TraceWidth * ratio_ / 2.0;
+  for (const ResponseLines::Bar& bar : trace.Bars) {
+    const double top = YOf(axis, bar.High) - half;
+    const double height = YOf(axis, bar.Low) + half - top;
+    painter.fillRect(QRectF(axis.Plate.left() + bar.X, top, 1.0, height), colour);
+  }
+}
+
+// A memory's marks along its trace; of the current measurement, the bins that stand apart.
+void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis,
+                                 int slot, const ResponseLines& trace) const {
+  const auto at = [&](double column, double value) {
+    return QPointF(axis.Plate.left() + column, YOf(axis, value));
   };
-  std::string text;
-  if (analyser_.Output()) text = analyser_.Output()->Name();
-  if (analyser_.Input() && !analyser_.OutputOnly()) text += " / " + analyser_.Input()->Name();
-  return text + "     " + scale("dB", analyser_.GainScale(), analyser_.GainOffset()) + "     " +
-         scale("deg", analyser_.PhaseScale(), analyser_.PhaseOffset()) + "     " +
-         FormatEdit(analyser_.FreqMin()) + " Hz to " + FormatEdit(analyser_.FreqMax()) + " Hz";
+  if (slot == 0) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(PenColour(slot));
+    for (qsizetype i = 0; i < trace.Points.size(); ++i) {
+      const QPointF& point = trace.Points[i];
+      const bool apart = i == 0 || point.x() - trace.Points[i - 1].x() > Scaled(PointDistance);
+      if (apart)
+        painter.drawEllipse(at(point.x(), point.y()), PointSize * ratio_, PointSize * ratio_);
+    }
+    return;
+  }
+  painter.setPen(TracePen(slot, false));
+  const int distance = Scaled(MarkDistance);
+  const int columns = static_cast<int>(trace.Columns.size());
+  // Marks of one memory stand beside those of another.
+  for (int x = slot * distance / FrequencyAnalyser::SlotCount; x < columns; x += distance) {
+    const double value = trace.Columns[static_cast<std::size_t>(x)];
+    if (!std::isnan(value)) PaintMark(painter, colours.Plate, slot, at(x, value));
+  }
+}
+
+void ResponsePainter::PaintMark(QPainter& painter, const QColor& fill, int slot,
+                                const QPointF& at) const {
+  const double r = MarkSize * ratio_;
+  painter.setBrush(fill);
+  const auto corners = [&](std::initializer_list<QPointF> points) {
+    QPolygonF polygon;
+    for (const QPointF& point : points) polygon << at + r * point;
+    painter.drawPolygon(polygon);
+  };
+  switch (slot) {
+    case 1:
+      painter.drawEllipse(at, r, r);
+      break;
+    case 2:
+      corners({{-0.9, -0.9}, {0.9, -0.9}, {0.9, 0.9}, {-0.9, 0.9}});
+      break;
+    case 3:
+      corners({{0.0, -1.2}, {1.2, 0.9}, {-1.2, 0.9}});
+      break;
+    default:
+      corners({{0.0, -1.3}, {1.3, 0.0}, {0.0, 1.3}, {-1.3, 0.0}});
+  }
 }
 
 void ResponsePainter::PaintLegend(QPainter& painter, const ScopeColours& colours) const {
   painter.setFont(textFont_);
-  painter.setPen(colours.Text);
-  const int height = QFontMetrics(textFont_).height();
-  const int margin = Scaled(Margin);
-  painter.drawText(
-      QRect(margin, size_.height() - height - margin, size_.width() - 2 * margin, height),
-      Qt::AlignLeft, Text(LegendText()));
+  for (const LegendEntry& entry : legend_) {
+    QRect place = entry.Place;
+    if (entry.Slot >= 0) {
+      const QRect sample(place.left(), place.top(), Scaled(SampleLength), place.height());
+      const int y = sample.center().y();
+      painter.save();
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.fillRect(sample.adjusted(0, Scaled(2.0), 0, -Scaled(2.0)), colours.Plate);
+      painter.setPen(TracePen(entry.Slot, false));
+      painter.drawLine(QPointF(sample.left(), y + 0.5), QPointF(sample.right() + 1, y + 0.5));
+      if (entry.Slot > 0) {
+        PaintMark(painter, colours.Plate, entry.Slot, QRectF(sample).center());
+      }
+      painter.restore();
+      place.setLeft(sample.right() + Scaled(LabelGap));
+    }
+    painter.setPen(colours.Text);
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, Text(entry.Text));
+  }
+}
+
+// Numbered; the second one is dotted.
+void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colours) {
+  painter.save();
+  painter.setFont(numberFont_);
+  for (int cursor = 0; cursor < static_cast<int>(analyser_.Cursors()); ++cursor) {
+    const int column = analyser_.CursorPixel(cursor);
+    if (column >= gainPlate_.width()) continue;
+    const double hz = analyser_.AxisFrequency(static_cast<double>(column) / gainPlate_.width());
+    for (const Axis& axis : Axes()) {
+      const int x = axis.Plate.left() + column;
+      painter.setPen(
+          QPen(colours.Cursor, std::max(1, Scaled(1.0)), cursor == 0 ? Qt::DashLine : Qt::DotLine));
+      painter.drawLine(x, axis.Plate.top(), x, axis.Plate.bottom());
+      painter.drawText(x + Scaled(3.0), axis.Plate.bottom() - Scaled(LabelGap),
+                       QString::number(cursor + 1));
+      const int slot = analyser_.CursorSlot();
+      if (!analyser_.TraceAt(slot).Shown) continue;
+      const auto value = axis.Quantity == ResponseQuantity::Gain ? analyser_.GainRead(slot, hz)
+                                                                 : analyser_.PhaseRead(slot, hz);
+      if (!value) continue;
+      painter.setPen(QPen(colours.Cursor, TraceWidth * ratio_));
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.setClipRect(axis.Plate);
+      painter.drawEllipse(QPointF(x, YOf(axis, *value)), Scaled(4.0), Scaled(4.0));
+      painter.setClipping(false);
+      painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+  }
+  painter.restore();
 }
 
 }  // namespace torvane

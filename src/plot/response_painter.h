@@ -3,21 +3,23 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
-#include <functional>
+#include <array>
 #include <string>
 #include <vector>
 
-#include "instruments/analyser/analyser.h"
+#include "plot/response_lines.h"
 #include "plot/scope_colours.h"
 
 namespace torvane {
 
 /// Paints gain and phase of an analyser against a logarithmic frequency axis: gain above and phase
 /// below or, when the analyser's screen is not split, both in one plot with the phase dashed and
-/// its axis on the right. The window, picture files and the printer use this one painter.
+/// its axis on the right. A legend says which trace is which. The window, picture files and the
+/// printer use this one painter.
 ///
-/// A value v is drawn (v + offset) / scale divisions above the centre. All lengths are pixels of
-/// the painter given; `pixelRatio` of them make one pixel of text and line design.
+/// The traces differ in colour and, for eyes and printers without, in the marks that the memories
+/// carry. A value v is drawn (v + offset) / scale divisions above the centre. All lengths are
+/// pixels of the painter given; `pixelRatio` of them make one pixel of text and line design.
 class ResponsePainter {
  public:
   /// Divisions of a plot's height: a phase, from -270 to 90 degrees, fits at 90 degrees each.
@@ -25,16 +27,17 @@ class ResponsePainter {
 
   explicit ResponsePainter(FrequencyAnalyser& analyser) : analyser_(analyser) {}
 
-  /// Area of the whole picture.
+  /// Area of the whole picture. Finds room for the labels and the legend; what is left is the
+  /// plots'. Painting is of the analyser as it was laid out.
   void Layout(const QSize& size, double pixelRatio);
   /// Where gain and phase are drawn; the same area when the screen is not split.
   const QRect& GainPlate() const { return gainPlate_; }
   const QRect& PhasePlate() const { return phasePlate_; }
 
-  /// Frequency that a column of the plates stands for, Hz; the leftmost column is 0.
-  double FrequencyAt(double x) const;
-
   void Paint(QPainter& painter, const ScopeColours& colours);
+
+  /// The analyser's cursors, as far as they are on, with what they point at.
+  void PaintCursors(QPainter& painter, const ScopeColours& colours);
 
  private:
   /// One axis: its plate, scale and what it says.
@@ -42,22 +45,36 @@ class ResponsePainter {
     QRect Plate;
     double Scale;
     double Offset;
-    std::string Caption;
+    const char* Caption;
     bool OnRight;
     bool Dashed;
-    std::function<double(int slot, double hz)> Value;
+    ResponseQuantity Quantity;
+  };
+  struct LegendEntry {
+    int Slot = -1;  ///< with a sample of this trace before the text
+    std::string Text;
+    QRect Place;
   };
 
-  std::vector<Axis> Axes() const;
-  double PhaseOrGap(int slot, double hz) const;
+  std::array<Axis, 2> Axes() const;
   double ColumnOf(double hz) const;
+  double YOf(const Axis& axis, double value) const;
+  bool Unavailable(int slot) const;
+  void MakeLegend();
+  int PlaceLegend();
+  std::string TraceText(int slot) const;
   void PaintFrequencyLines(QPainter& painter, const ScopeColours& colours,
                            const QRect& plate) const;
   void PaintFrequencyLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintAxis(QPainter& painter, const ScopeColours& colours, const Axis& axis) const;
-  void PaintTrace(QPainter& painter, const Axis& axis, int slot) const;
+  void PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot) const;
+  void PaintBars(QPainter& painter, const Axis& axis, const ResponseLines& trace,
+                 QColor colour) const;
+  void PaintMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
+                  const ResponseLines& trace) const;
+  void PaintMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at) const;
   void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
-  std::string LegendText() const;
+  QPen TracePen(int slot, bool dashed) const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   FrequencyAnalyser& analyser_;
@@ -67,6 +84,7 @@ class ResponsePainter {
   QRect phasePlate_;
   QFont textFont_;
   QFont numberFont_;
+  std::vector<LegendEntry> legend_;
 };
 
 }  // namespace torvane

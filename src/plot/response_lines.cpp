@@ -1,0 +1,135 @@
+#include "plot/response_lines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "instruments/analyser/response_reading.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr double NoValue = std::numeric_limits<double>::quiet_NaN();
+
+class LineMaker {
+ public:
+  LineMaker(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity, int width)
+      : analyser_(analyser), slot_(slot), quantity_(quantity), width_(width) {}
+
+  ResponseLines Make() {
+    const FrequencyAnalyser::Range range = analyser_.DataRange(slot_);
+    const double from = std::max(range.Low, analyser_.AxisFrequency(-0.5 / width_));
+    if (from > range.High) return {};
+    int index = static_cast<int>(std::ceil(analyser_.IndexAt(slot_, from) - Rounding));
+    const int last = static_cast<int>(std::floor(analyser_.IndexAt(slot_, range.High) + Rounding));
+    result_.Columns.assign(static_cast<std::size_t>(width_) + 1, NoValue);
+    for (int x = 0; x <= width_; ++x) {
+      const double edge = Frequency(x + 0.5);
+      int past = index;
+      while (past <= last && analyser_.FrequencyOf(slot_, past) < edge) ++past;
+      if (past == index) {
+        AddBetween(x);
+      } else if (past == index + 1) {
+        AddBin(x, index);
+      } else {
+        AddBins(x, index, past);
+      }
+      index = past;
+    }
+    EndLine();
+    return std::move(result_);
+  }
+
+ private:
+  // Frequencies that a bin's number was computed from may miss it by this much.
+  static constexpr double Rounding = 1e-9;
+
+  double Frequency(double column) const { return analyser_.AxisFrequency(column / width_); }
+  double ValueOf(int index) const {
+    return quantity_ == ResponseQuantity::Gain ? analyser_.GainOf(slot_, index)
+                                               : analyser_.PhaseOf(slot_, index);
+  }
+
+  bool Breaks(double value) const {
+    return quantity_ == ResponseQuantity::Phase && last_ && PhaseWraps(*last_, value);
+  }
+
+  void AddBetween(int x) {
+    const double hz = Frequency(x);
+    const std::optional<double> value = quantity_ == ResponseQuantity::Gain
+                                            ? analyser_.GainRead(slot_, hz)
+                                            : analyser_.PhaseRead(slot_, hz);
+    if (value) {
+      AddPoint({static_cast<double>(x), *value});
+      result_.Columns[static_cast<std::size_t>(x)] = *value;
+    } else {
+      EndLine();
+    }
+  }
+
+  void AddBin(int x, int index) {
+    const double low = analyser_.FreqMin();
+    const double share =
+        std::log(analyser_.FrequencyOf(slot_, index) / low) / std::log(analyser_.FreqMax() / low);
+    const double value = ValueOf(index);
+    AddPoint({share * width_, value});
+    result_.Points << line_.back();
+    result_.Columns[static_cast<std::size_t>(x)] = value;
+  }
+
+  void AddPoint(const QPointF& point) {
+    if (Breaks(point.y())) EndLine();
+    line_ << point;
+    last_ = point.y();
+  }
+
+  void AddBins(int x, int first, int past) {
+    const std::optional<double> before = last_;
+    std::optional<ResponseLines::Bar> bar;
+    for (int index = first; index < past; ++index) {
+      const double value = ValueOf(index);
+      if (bar && Breaks(value)) {
+        result_.Bars.push_back(*bar);
+        bar.reset();
+      }
+      if (!bar) {
+        const double join = index == first && before && !Breaks(value) ? *before : value;
+        bar = {x, join, join};
+      }
+      bar->Low = std::min(bar->Low, value);
+      bar->High = std::max(bar->High, value);
+      last_ = value;
+    }
+    result_.Bars.push_back(*bar);
+    result_.Columns[static_cast<std::size_t>(x)] = *last_;
+    // A line that ends here reaches the column; one that follows starts from it.
+    const double value = *last_;
+    if (line_.size() > 1) result_.Lines.push_back(line_);
+    line_ = {QPointF(x, value)};
+  }
+
+  void EndLine() {
+    if (line_.size() > 1) result_.Lines.push_back(line_);
+    line_.clear();
+    last_.reset();
+  }
+
+  FrequencyAnalyser& analyser_;
+  int slot_;
+  ResponseQuantity quantity_;
+  int width_;
+  ResponseLines result_;
+  QPolygonF line_;
+  std::optional<double> last_;
+};
+
+}  // namespace
+
+ResponseLines MakeResponseLines(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+                                int width) {
+  return LineMaker(analyser, slot, quantity, width).Make();
+}
+
+}  // namespace torvane
