@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "cli/csv.h"
 #include "cli/result_file.h"
+#include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/margins.h"

@@ -19,16 +19,16 @@ class LineMaker {
       : analyser_(analyser), slot_(slot), quantity_(quantity), width_(width) {}
 
   ResponseLines Make() {
-    const FrequencyAnalyser::Range range = analyser_.DataRange(slot_);
-    const double from = std::max(range.Low, analyser_.AxisFrequency(-0.5 / width_));
-    if (from > range.High) return {};
-    int index = static_cast<int>(std::ceil(analyser_.IndexAt(slot_, from) - Rounding));
-    const int last = static_cast<int>(std::floor(analyser_.IndexAt(slot_, range.High) + Rounding));
+    const FrequencyAnalyser::Indices points = analyser_.Points(slot_);
+    const int last = points.End - 1;
+    int index = points.First;
+    const double low = Frequency(-0.5);
+    while (index <= last && analyser_.PointHz(slot_, index) < low) ++index;
     result_.Columns.assign(static_cast<std::size_t>(width_) + 1, NoValue);
     for (int x = 0; x <= width_; ++x) {
       const double edge = Frequency(x + 0.5);
       int past = index;
-      while (past <= last && analyser_.FrequencyOf(slot_, past) < edge) ++past;
+      while (past <= last && analyser_.PointHz(slot_, past) < edge) ++past;
       if (past == index) {
         AddBetween(x);
       } else if (past == index + 1) {
@@ -43,9 +43,6 @@ class LineMaker {
   }
 
  private:
-  // Frequencies that a bin's number was computed from may miss it by this much.
-  static constexpr double Rounding = 1e-9;
-
   double Frequency(double column) const { return analyser_.AxisFrequency(column / width_); }
   double ValueOf(int index) const {
     return quantity_ == ResponseQuantity::Gain ? analyser_.GainOf(slot_, index)
@@ -72,7 +69,7 @@ class LineMaker {
   void AddBin(int x, int index) {
     const double low = analyser_.FreqMin();
     const double share =
-        std::log(analyser_.FrequencyOf(slot_, index) / low) / std::log(analyser_.FreqMax() / low);
+        std::log(analyser_.PointHz(slot_, index) / low) / std::log(analyser_.FreqMax() / low);
     const double value = ValueOf(index);
     AddPoint({share * width_, value});
     result_.Points << line_.back();

@@ -27,6 +27,10 @@ class ScopeWindowTest : public test::Desktop {
   }
   QComboBox& List(const char* name) { return Find<QComboBox>(name); }
   ZelChannel& Channel() { return *Scope().Channels()[List("CmBVertChan").currentIndex()]; }
+  // A button of a name that other windows have as well.
+  void Press(const char* name) {
+    Find<QWidget>("TZelScopeF").findChild<QAbstractButton*>(QString::fromLatin1(name))->click();
+  }
   void RunFor(double simulated) {
     const double until = Panel->Model()->Time() + simulated;
     Click("SBRun");
@@ -279,7 +283,7 @@ TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QAbstractButton>("SBStop").isChecked(); }));
   QCoreApplication::processEvents();
   Click("PageMeasure");
-  Click("SBTwoCursors");
+  Press("SBTwoCursors");
   auto& table = Find<QTableWidget>("SGCursors");
   auto& screen = Find<ScopePaintBox>("PBScreen");
   ASSERT_TRUE(table.isVisible());
@@ -300,7 +304,7 @@ TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
   EXPECT_FALSE(table.isVisible());
   EXPECT_EQ(Scope().Cursors().X, ScopeCursors().X);
 
-  Click("SBOneCursor");
+  Press("SBOneCursor");
   EXPECT_TRUE(table.isVisible());
   Type("EHorizScale", "1e9");  // nothing of its sweep stands on the screen yet
   Scope().Trigger().SetMode(SweepMode::Cont);
@@ -308,7 +312,7 @@ TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return table.item(1, 1)->text() == "Unavailable"; }, 3000));
   List("CmBHorizChan").setCurrentIndex(1);
   EXPECT_FALSE(table.isVisible());
-  Click("SBTwoCursors");
+  Press("SBTwoCursors");
   EXPECT_EQ(Reports.Take(), Messages{"Note: Scope cursors are not active in X-Y Mode"});
   List("CmBHorizChan").setCurrentIndex(0);
   EXPECT_TRUE(table.isVisible());

@@ -52,11 +52,7 @@ void Remember(const Workspace& workspace) {
     } else {
       settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(instrument)));
     }
-    if (frame->IsShown()) {
-      settings.remove(HiddenKey(instrument));
-    } else {
-      settings.setValue(HiddenKey(instrument), true);
-    }
+    if (frame->IsChosen()) settings.setValue(HiddenKey(instrument), !frame->IsShown());
   }
 }
 
@@ -75,7 +71,8 @@ void RecallHidden(Workspace& workspace) {
   const QSettings settings = UserSettings();
   for (const InstrumentFrame* frame : workspace.Frames()) {
     const Instrument& instrument = frame->Pane().Engine();
-    if (settings.value(HiddenKey(instrument)).toBool()) workspace.SetShown(instrument, false);
+    const QVariant hidden = settings.value(HiddenKey(instrument));
+    if (hidden.isValid()) workspace.SetShown(instrument, !hidden.toBool());
   }
 }
 

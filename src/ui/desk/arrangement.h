@@ -16,7 +16,7 @@ void Remember(const Workspace& workspace);
 /// Gives the instruments that have no place yet the one where they were left.
 void RecallPlaces(const ZelBenchTop& bench);
 
-/// Hides the windows that were left hidden.
+/// Shows and hides the windows as the user has chosen.
 void RecallHidden(Workspace& workspace);
 
 }  // namespace arrangement

@@ -18,6 +18,7 @@
 #include "ui/desk/file_commands.h"
 #include "ui/desk/splash.h"
 #include "ui/desk/window_menu.h"
+#include "ui/panes/analyser_window.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/model_views.h"
 #include "ui/session/user_settings.h"
@@ -171,7 +172,15 @@ void TZelControlPanelF::LeaveModel() {
 void TZelControlPanelF::ShowModel() {
   ZelModel& model = *Model();
   if (windows_ == Windows::AsLeft) arrangement::RecallPlaces(model.Bench());
-  ui_->InstrumentArea->Open(MakeInstrumentPanes(model.Bench()));
+  auto panes = MakeInstrumentPanes(model.Bench());
+  for (const auto& pane : panes) {
+    if (const auto* analyser = qobject_cast<AnalyserWindow*>(pane.get())) {
+      connect(analyser, &AnalyserWindow::MeasurementBegun, this, [this] {
+        if (!Running()) ShowNotice(*ui_->SBRun, QStringLiteral("The measurement waits for Run"));
+      });
+    }
+  }
+  ui_->InstrumentArea->Open(std::move(panes));
   if (windows_ == Windows::AsLeft) arrangement::RecallHidden(*ui_->InstrumentArea);
   model.PrepareCapture();
   ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());

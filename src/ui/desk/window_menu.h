@@ -2,6 +2,9 @@
 
 #include <QList>
 #include <QObject>
+#include <set>
+
+#include "core/instrument_kind.h"
 
 class QAction;
 class QMenu;
@@ -11,17 +14,19 @@ namespace torvane {
 class Workspace;
 
 /// Lists the instruments at the end of a menu; checked ones have their window on the workspace. A
-/// hidden instrument goes on measuring.
+/// hidden instrument goes on measuring. F6 and F7 bring the analysers, and hide them again.
 class WindowMenu : public QObject {
  public:
   WindowMenu(QMenu& menu, Workspace& workspace);
 
  private:
   void Fill();
+  QString KeyOf(InstrumentKind kind);
 
   QMenu& menu_;
   Workspace& workspace_;
   QList<QAction*> listed_;
+  std::set<InstrumentKind> keyed_;
 };
 
 }  // namespace torvane

@@ -17,6 +17,22 @@ int Within(int at, int size, int room) {
   return std::clamp(at, 0, std::max(room - size, 0));
 }
 
+TileRole RoleOf(const Instrument& instrument) {
+  switch (instrument.Kind()) {
+    case InstrumentKind::Scope:
+      return TileRole::Scope;
+    case InstrumentKind::FftAnalyser:
+    case InstrumentKind::SweptSine:
+      return TileRole::Analyser;
+    default:
+      return TileRole::Small;
+  }
+}
+
+Tile TileOf(const InstrumentFrame& frame) {
+  return {RoleOf(frame.Pane().Engine()), frame.minimumSizeHint(), frame.sizeHint()};
+}
+
 }  // namespace
 
 InstrumentFrame::InstrumentFrame(std::unique_ptr<InstrumentPane> pane) {
@@ -58,6 +74,12 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
 void InstrumentFrame::SetShown(bool shown) {
   shown_ = shown;
   setVisible(shown);
+  Pane().ShownChanged(shown);
+}
+
+void InstrumentFrame::Choose(bool shown) {
+  chosen_ = true;
+  if (shown_ != shown) SetShown(shown);
 }
 
 void InstrumentFrame::PlaceAt(const QRect& place) {
@@ -123,13 +145,16 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   }
   std::vector<WindowPlacement> places;
   for (InstrumentFrame* frame : placed) places.push_back(frame->Pane().Engine().Placement);
+  ShowWhatFits();
   FillScreen();
   for (std::size_t i = 0; i < placed.size(); ++i) {
     placed[i]->Pane().Engine().Placement = places[i];
     if (isVisible()) placed[i]->ApplyPlacement();
   }
   if (!placed.empty()) filling_ = false;
-  for (InstrumentFrame* frame : frames_) frame->show();
+  for (InstrumentFrame* frame : frames_) {
+    if (frame->IsShown()) frame->show();
+  }
   if (!frames_.empty()) setActiveSubWindow(frames_.front());
 }
 
@@ -137,6 +162,7 @@ InstrumentFrame* Workspace::AddFrame(std::unique_ptr<InstrumentPane> pane) {
   auto* frame = new InstrumentFrame(std::move(pane));
   addSubWindow(frame);
   frames_.push_back(frame);
+  if (frame->Pane().ShownAtFirst() != InstrumentPane::AtFirst::Shown) frame->SetShown(false);
   connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
     if (!arranging_) filling_ = false;
   });
@@ -177,13 +203,24 @@ void Workspace::SetShown(const Instrument& instrument, bool shown) {
   InstrumentFrame* frame = FrameOf(instrument);
   if (!frame) return;
   const QScopedValueRollback arranging(arranging_, true);
-  if (frame->IsShown() == shown) return;
-  frame->SetShown(shown);
+  const bool changes = frame->IsShown() != shown;
+  frame->Choose(shown);
+  if (!changes) return;
   if (filling_) {
     FillScreen();
   } else if (shown) {
     frame->ApplyPlacement();
   }
+}
+
+void Workspace::Toggle(InstrumentKind kind) {
+  const auto found = std::find_if(
+      frames_.begin(), frames_.end(),
+      [&](const InstrumentFrame* frame) { return frame->Pane().Engine().Kind() == kind; });
+  if (found == frames_.end()) return;
+  const bool hide = (*found)->IsShown() && activeSubWindow() == *found;
+  SetShown((*found)->Pane().Engine(), !hide);
+  if (!hide) setActiveSubWindow(*found);
 }
 
 void Workspace::RestorePlacements() {
@@ -212,11 +249,18 @@ std::vector<InstrumentFrame*> Workspace::ShownFrames() const {
 
 std::vector<Tile> Workspace::Tiles() const {
   std::vector<Tile> tiles;
-  for (const InstrumentFrame* frame : ShownFrames()) {
-    tiles.push_back({frame->Pane().Engine().Kind() == InstrumentKind::Scope,
-                     frame->minimumSizeHint(), frame->sizeHint()});
-  }
+  for (const InstrumentFrame* frame : ShownFrames()) tiles.push_back(TileOf(*frame));
   return tiles;
+}
+
+void Workspace::ShowWhatFits() {
+  for (InstrumentFrame* frame : frames_) {
+    const bool waits = frame->Pane().ShownAtFirst() == InstrumentPane::AtFirst::ShownWithRoom;
+    if (!waits || frame->IsShown() || frame->IsChosen()) continue;
+    std::vector<Tile> tiles = Tiles();
+    tiles.push_back(TileOf(*frame));
+    if (HasAmpleRoom(tiles, size())) frame->SetShown(true);
+  }
 }
 
 void Workspace::TileOver(const QSize& area) {
@@ -264,6 +308,7 @@ void Workspace::showEvent(QShowEvent* event) {
 
 void Workspace::Arrange() {
   if (filling_) {
+    ShowWhatFits();
     FillScreen();
   } else if (isVisible()) {
     for (InstrumentFrame* frame : frames_) frame->ApplyPlacement();

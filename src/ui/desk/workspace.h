@@ -29,6 +29,9 @@ class InstrumentFrame : public QMdiSubWindow {
   /// Whether the user wants to see it; it has not come to the screen before its workspace has.
   bool IsShown() const { return shown_; }
   void SetShown(bool shown);
+  /// Shown or hidden because the user said so.
+  bool IsChosen() const { return chosen_; }
+  void Choose(bool shown);
 
  signals:
   void PlacementChanged();
@@ -43,12 +46,14 @@ class InstrumentFrame : public QMdiSubWindow {
   void RecordPlacement();
 
   bool shown_ = true;
+  bool chosen_ = false;
   QRect fitted_;  // where ApplyPlacement has put the window, until it is moved
 };
 
 /// The area below the control strip in which every instrument is a sub-window. As long as the user
 /// has not moved one, the sub-windows fill it and follow its size; after that each stands where it
-/// was put, as far as the area has room.
+/// was put, as far as the area has room. A pane that waits for room comes to the screen when the
+/// area has enough of it, unless the user has hidden it.
 class Workspace : public QMdiArea {
   Q_OBJECT
 
@@ -64,8 +69,11 @@ class Workspace : public QMdiArea {
   void Add(std::unique_ptr<InstrumentPane> pane);
   /// Closes the instrument's pane.
   void Remove(const Instrument& instrument);
-  /// A hidden pane keeps its place; while the sub-windows fill the area, the others share it.
+  /// What the user wants to see. A hidden pane keeps its place; while the sub-windows fill the
+  /// area, the others share it.
   void SetShown(const Instrument& instrument, bool shown);
+  /// Brings the first instrument of a kind to the front, or hides the one that is there.
+  void Toggle(InstrumentKind kind);
 
   /// Moves the sub-windows whose placement has a size to where it says.
   void RestorePlacements();
@@ -94,6 +102,7 @@ class Workspace : public QMdiArea {
   std::vector<InstrumentFrame*> ShownFrames() const;
   std::vector<Tile> Tiles() const;
   void TileOver(const QSize& area);
+  void ShowWhatFits();
 
   std::vector<InstrumentFrame*> frames_;
   bool filling_ = true;     // sub-windows follow the area's size

@@ -20,6 +20,13 @@ class InstrumentPane : public QWidget, public InstrumentView {
   /// New data may be there to paint; called at most once a frame while the model runs.
   virtual void ShowFrame() {}
 
+  /// Whether the pane is on the workspace as long as the user has not said so.
+  enum class AtFirst { Shown, ShownWithRoom, Hidden };
+  virtual AtFirst ShownAtFirst() const { return AtFirst::Shown; }
+
+  /// The pane has come to the workspace, or has left it while its engine goes on.
+  virtual void ShownChanged(bool /*shown*/) {}
+
  private:
   Instrument& instrument_;
 };

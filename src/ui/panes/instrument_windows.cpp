@@ -4,6 +4,7 @@
 
 #include "ui/panes/scope_window.h"
 #include "ui/panes/wave_gen_window.h"
+#include "ui/panes/xfer_window.h"
 
 namespace torvane {
 
@@ -14,6 +15,7 @@ std::unique_ptr<InstrumentPane> MakeInstrumentPane(Instrument& instrument, ZelBe
     case InstrumentKind::WaveGenerator:
       return std::make_unique<TZelWaveGenF>(static_cast<ZelWave&>(instrument));
     case InstrumentKind::FftAnalyser:
+      return std::make_unique<TZelXferF>(static_cast<ZelXfer&>(instrument), bench);
     case InstrumentKind::SweptSine:
     case InstrumentKind::Meter:
       break;

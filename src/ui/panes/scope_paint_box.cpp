@@ -5,10 +5,11 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QToolTip>
 #include <QWheelEvent>
 #include <algorithm>
+
+#include "ui/widgets/picture_ground.h"
 
 namespace torvane {
 
@@ -16,12 +17,6 @@ namespace {
 
 constexpr qint64 SlowSweep = 100;      // milliseconds that make it worth watching a sweep grow
 constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
-
-// No picture is larger than the displays, whatever size the window has been given; some platforms
-// say less than they show.
-QSize LargestPicture(const QWidget& widget) {
-  return widget.screen()->virtualSize().expandedTo(QSize(2560, 1600));
-}
 
 }  // namespace
 
@@ -54,8 +49,7 @@ void ScopePaintBox::SetLook(const TraceLook& look) {
 }
 
 ScopeColours ScopePaintBox::Colours() const {
-  const bool dark = palette().color(QPalette::Window).lightness() < 128;
-  return dark ? ScopeColours::Dark() : ScopeColours::Light(look_.Colours);
+  return ColoursFor(palette(), look_.Colours);
 }
 
 void ScopePaintBox::SetScalesShown(bool shown) {

@@ -1,0 +1,263 @@
+#include "ui/panes/analyser_window.h"
+
+#include <QAbstractItemView>
+#include <QCloseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QSignalBlocker>
+#include <algorithm>
+
+#include "core/messages.h"
+#include "core/undo.h"
+#include "instruments/analyser/auto_find.h"
+#include "plot/scope_colours.h"
+#include "ui/panes/analyser_axes.h"
+#include "ui/panes/response_cursors.h"
+#include "ui/panes/response_menu.h"
+#include "ui/widgets/notice.h"
+#include "ui_analyser.h"
+
+namespace torvane {
+
+namespace {
+
+using CursorMode = FrequencyAnalyser::CursorMode;
+
+// A trace as it is in the plot's legend.
+QIcon Swatch(int slot) {
+  QPixmap square(14, 14);
+  square.fill(Qt::transparent);
+  QPainter painter(&square);
+  painter.setPen(QColor(0x8a9299));
+  painter.setBrush(PenColour(slot));
+  painter.drawRect(1, 1, 11, 11);
+  return QIcon(square);
+}
+
+void Check(QAbstractButton& button, bool on) {
+  const QSignalBlocker blocker(button);
+  button.setChecked(on);
+}
+
+}  // namespace
+
+AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const char* name,
+                               const char* cursors)
+    : InstrumentPane(analyser), analyser_(analyser), ui_(std::make_unique<Ui::AnalyserForm>()) {
+  setObjectName(QLatin1String(name));
+  ui_->setupUi(this);
+  setWindowIcon(QIcon(QStringLiteral(":/icons/analyser.svg")));
+  ui_->PBPlot->SetAnalyser(analyser);
+  axes_ = new AnalyserAxes(*ui_, analyser, this);
+  menu_ = new ResponseMenu(analyser, this);
+  cursors_ = new ResponseCursors(analyser, cursors, this);
+  ConnectRun();
+  ConnectSignals();
+  ConnectTraces();
+  ConnectCursors(bench.History());
+  SettingsChanged();
+}
+
+AnalyserWindow::~AnalyserWindow() = default;
+
+void AnalyserWindow::ConnectRun() {
+  connect(ui_->SBRun, &QAbstractButton::clicked, this, [this](bool down) {
+    if (down) {
+      analyser_.Run();
+      if (analyser_.Measuring()) emit MeasurementBegun();
+    } else {
+      analyser_.Halt();
+    }
+  });
+  connect(ui_->SBSetup, &QAbstractButton::clicked, this, [this] { OpenSetup(); });
+  connect(ui_->LFreqAuto, &QAbstractButton::clicked, this, [this] { AutoRange(); });
+}
+
+void AnalyserWindow::ConnectSignals() {
+  for (const auto& channel : analyser_.Channels()) {
+    for (QComboBox* list : {ui_->CmBInput, ui_->CmBOutput}) {
+      list->addItem(QString::fromStdString(channel->Label()),
+                    QString::fromStdString(channel->Name()));
+    }
+  }
+  for (QComboBox* list : {ui_->CmBInput, ui_->CmBOutput}) {
+    list->view()->setMinimumWidth(list->view()->sizeHintForColumn(0) + 24);
+  }
+  const auto chosen = [](const QComboBox& list) {
+    return list.currentData().toString().toStdString();
+  };
+  connect(ui_->CmBInput, &QComboBox::activated, this,
+          [=, this] { analyser_.SetInput(chosen(*ui_->CmBInput)); });
+  connect(ui_->CmBOutput, &QComboBox::activated, this,
+          [=, this] { analyser_.SetOutput(chosen(*ui_->CmBOutput)); });
+  for (std::size_t i = 0; i < setups_.size(); ++i) {
+    setups_[i] = findChild<QToolButton*>(QStringLiteral("SBButton%1").arg(i + 1));
+    setups_[i]->setVisible(i < analyser_.Setups().size());
+    if (i >= analyser_.Setups().size()) continue;
+    const AnalyserSetup& setup = analyser_.Setups()[i];
+    setups_[i]->setText(QString::fromStdString(setup.Name));
+    setups_[i]->setToolTip(QString::fromStdString("Measure " + setup.Output + " / " + setup.Input));
+    connect(setups_[i], &QAbstractButton::clicked, this, [this, i] {
+      analyser_.SelectSetup(static_cast<int>(i));
+      ShowSignals();  // a second press of one that is down
+    });
+  }
+}
+
+void AnalyserWindow::ConnectTraces() {
+  traces_ = {ui_->CBColorCurrent, ui_->CBColor1, ui_->CBColor2, ui_->CBColor3, ui_->CBColor4};
+  for (int slot = 0; QCheckBox * trace : traces_) {
+    trace->setIcon(Swatch(slot));
+    connect(trace, &QAbstractButton::clicked, this, [this, slot](bool on) { ShowTrace(slot, on); });
+    ++slot;
+  }
+  ui_->SBMemory->setMenu(&menu_->Menu());
+  connect(ui_->PBPlot, &ResponsePaintBox::MenuAsked, this,
+          [this](const QPoint& at) { menu_->Menu().popup(at); });
+  connect(menu_, &ResponseMenu::CursorTraceChosen, this, &AnalyserWindow::ChooseCursorTrace);
+  connect(cursors_, &ResponseCursors::TraceChosen, this, &AnalyserWindow::ChooseCursorTrace);
+}
+
+void AnalyserWindow::ConnectCursors(ZelUndo& history) {
+  const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
+  for (int mode = 0; QAbstractButton * button : modes) {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, mode] { analyser_.SetCursors(static_cast<CursorMode>(mode)); });
+    ++mode;
+  }
+  connect(ui_->PBPlot, &ResponsePaintBox::MoveBegun, this, [&] { history.BeginGesture(); });
+  connect(ui_->PBPlot, &ResponsePaintBox::MoveEnded, this, [&] { history.EndGesture(); });
+  connect(ui_->CmBFindType->lineEdit(), &QLineEdit::editingFinished, this,
+          [this] { analyser_.SetFindType(ui_->CmBFindType->currentText().toStdString()); });
+  connect(ui_->CmBFindType, &QComboBox::activated, this,
+          [this] { analyser_.SetFindType(ui_->CmBFindType->currentText().toStdString()); });
+  connect(ui_->CmBFindType->lineEdit(), &QLineEdit::returnPressed, this, &AnalyserWindow::Find);
+  connect(ui_->SBFind, &QAbstractButton::clicked, this, &AnalyserWindow::Find);
+}
+
+void AnalyserWindow::Find() {
+  analyser_.SetFindType(ui_->CmBFindType->currentText().toStdString());
+  if (analyser_.Cursors() == CursorMode::None) {
+    ShowNotice(*ui_->SBFind, QStringLiteral("A search moves cursor 1: switch a cursor on"));
+    return;
+  }
+  AutoFind(analyser_, ui_->PBPlot->PlotWidth());
+}
+
+void AnalyserWindow::ShowTrace(int slot, bool shown) {
+  analyser_.SetShown(slot, shown);
+  if (!shown && slot == analyser_.CursorSlot() && analyser_.Cursors() != CursorMode::None) {
+    Note("Turning off cursor waveform");
+  }
+}
+
+void AnalyserWindow::ChooseCursorTrace(int slot) {
+  if (analyser_.TraceAt(slot).Shown) {
+    analyser_.SetCursorSlot(slot);
+  } else {
+    Note("Cursor waveform is not showing");
+  }
+  ShowCursors();
+}
+
+void AnalyserWindow::ShowSignals() {
+  const auto choose = [](QComboBox& list, const AnalyserChannel* channel) {
+    if (channel) list.setCurrentIndex(list.findData(QString::fromStdString(channel->Name())));
+  };
+  choose(*ui_->CmBInput, analyser_.Input());
+  choose(*ui_->CmBOutput, analyser_.Output());
+  ui_->CmBInput->setEnabled(!analyser_.OutputOnly());
+  for (std::size_t i = 0; i < analyser_.Setups().size(); ++i) {
+    Check(*setups_[i], analyser_.CurrentSetup() == static_cast<int>(i));
+  }
+}
+
+void AnalyserWindow::ShowTraces() {
+  for (int slot = 0; QCheckBox * box : traces_) {
+    const FrequencyAnalyser::Trace& trace = analyser_.TraceAt(slot++);
+    box->setEnabled(trace.Enabled);
+    Check(*box, trace.Shown);
+  }
+  ui_->SBMemory->setEnabled(!analyser_.OutputOnly());
+  menu_->Show();
+}
+
+void AnalyserWindow::ShowCursors() {
+  const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
+  Check(*modes[static_cast<std::size_t>(analyser_.Cursors())], true);
+  ui_->PBPlot->update();
+  const bool shown = analyser_.Cursors() != CursorMode::None && isVisible();
+  if (shown) cursors_->ShowReading(ui_->PBPlot->PlotWidth());
+  if (shown && cursors_->pos().isNull()) cursors_->move(ui_->PBPlot->QuietPlace(cursors_->size()));
+  cursors_->setVisible(shown);
+}
+
+void AnalyserWindow::ShowProgress() {
+  const int percent = static_cast<int>(100.0 * analyser_.Progress());
+  if (ui_->PBDataCollect->value() != percent) ui_->PBDataCollect->setValue(percent);
+}
+
+void AnalyserWindow::SettingsChanged() {
+  Check(*ui_->SBRun, analyser_.Measuring());
+  axes_->Show();
+  ShowSignals();
+  ShowTraces();
+  {
+    const QSignalBlocker blocker(ui_->CmBFindType);
+    ui_->CmBFindType->setCurrentText(QString::fromStdString(analyser_.FindType()));
+  }
+  ShowFrame();
+  ShowCursors();
+}
+
+void AnalyserWindow::ShowFrame() {
+  ShowProgress();
+  ui_->PBPlot->Refresh();
+}
+
+void AnalyserWindow::Redraw() {
+  ShowFrame();
+  if (cursors_->isVisible()) cursors_->ShowReading(ui_->PBPlot->PlotWidth());
+}
+
+void AnalyserWindow::ShownChanged(bool shown) {
+  analyser_.SetVisible(shown);
+}
+
+void AnalyserWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  Note("DSA cannot be closed.");
+}
+
+void AnalyserWindow::hideEvent(QHideEvent* event) {
+  InstrumentPane::hideEvent(event);
+  if (!event->spontaneous()) cursors_->hide();
+}
+
+void AnalyserWindow::showEvent(QShowEvent* event) {
+  InstrumentPane::showEvent(event);
+  ArrangeRows();
+  ShowFrame();
+  ShowCursors();
+}
+
+void AnalyserWindow::resizeEvent(QResizeEvent* event) {
+  InstrumentPane::resizeEvent(event);
+  ArrangeRows();
+}
+
+// The two groups of a row stand side by side where there is room, else one below the other.
+void AnalyserWindow::ArrangeRows() {
+  const QMargins margins = ui_->Column->contentsMargins();
+  const int room = width() - margins.left() - margins.right();
+  for (QBoxLayout* groups :
+       {ui_->TopRowGroups, ui_->TraceRowGroups, ui_->AxisRowGroups, ui_->ScaleRowGroups}) {
+    const int left = groups->itemAt(0)->minimumSize().width();
+    const int right = groups->itemAt(1)->minimumSize().width();
+    groups->parentWidget()->setMinimumWidth(std::max(left, right));
+    const bool wide = left + groups->spacing() + right <= room;
+    groups->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  }
+}
+
+}  // namespace torvane

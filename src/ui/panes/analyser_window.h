@@ -1,0 +1,80 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "instruments/analyser/analyser.h"
+#include "ui/panes/instrument_pane.h"
+
+class QCheckBox;
+class QToolButton;
+
+namespace torvane {
+
+class AnalyserAxes;
+class ResponseCursors;
+class ResponseMenu;
+
+namespace Ui {
+class AnalyserForm;
+}
+
+/// What the windows of both analysers share: the plot with its axes, traces, memories and cursors,
+/// the choice of signals, and the run button with its progress.
+class AnalyserWindow : public InstrumentPane {
+  Q_OBJECT
+
+ public:
+  ~AnalyserWindow() override;
+
+  void ShowFrame() override;
+  void Redraw() override;
+  void SettingsChanged() override;
+  void ShownChanged(bool shown) override;
+
+ signals:
+  /// The run button was pressed, and a measurement awaits the model's run.
+  void MeasurementBegun();
+
+ protected:
+  /// `name` is the window's object name; the cursors' window is called `cursors`. Analyser and
+  /// bench must outlive the window.
+  AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const char* name,
+                 const char* cursors);
+
+  /// Opens the set-up of the measurement.
+  virtual void OpenSetup() = 0;
+  /// Puts all that can be measured on the frequency axis.
+  virtual void AutoRange() = 0;
+
+  Ui::AnalyserForm& Form() { return *ui_; }
+
+  void closeEvent(QCloseEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void ConnectRun();
+  void ConnectSignals();
+  void ConnectTraces();
+  void ConnectCursors(ZelUndo& history);
+  void ShowSignals();
+  void ShowTraces();
+  void ShowCursors();
+  void ShowProgress();
+  void Find();
+  void ShowTrace(int slot, bool shown);
+  void ChooseCursorTrace(int slot);
+  void ArrangeRows();
+
+  FrequencyAnalyser& analyser_;
+  std::unique_ptr<Ui::AnalyserForm> ui_;
+  AnalyserAxes* axes_ = nullptr;
+  ResponseMenu* menu_ = nullptr;
+  ResponseCursors* cursors_ = nullptr;
+  std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};
+  std::array<QCheckBox*, FrequencyAnalyser::SlotCount> traces_{};
+};
+
+}  // namespace torvane

@@ -1,0 +1,147 @@
+#include "ui/panes/response_paint_box.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
+
+#include "ui/widgets/picture_ground.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int FastStep = 10;  // columns that a cursor moves with Ctrl
+
+}  // namespace
+
+ResponsePaintBox::ResponsePaintBox(QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
+  analyser_ = &analyser;
+  painter_.emplace(analyser);
+  PaintAll();
+}
+
+QPoint ResponsePaintBox::QuietPlace(const QSize& size) const {
+  const QRect room = screen()->availableGeometry();
+  const QPoint corner =
+      mapToGlobal((QPointF(painter_->PhasePlate().bottomLeft()) / ratio_).toPoint());
+  const QPoint at = corner - QPoint(-24, size.height() + 8);
+  return {std::clamp(at.x(), room.left(), std::max(room.right() - size.width(), room.left())),
+          std::clamp(at.y(), room.top(), std::max(room.bottom() - size.height(), room.top()))};
+}
+
+void ResponsePaintBox::Refresh() {
+  if (!painter_ || !isVisible()) return;
+  const bool changed = analyser_->TakeNeedsRedraw();
+  if (!changed && !stale_ && ratio_ == devicePixelRatioF()) return;
+  PaintAll();
+  update();
+}
+
+void ResponsePaintBox::PaintAll() {
+  ratio_ = devicePixelRatioF();
+  const QSizeF area = size().boundedTo(LargestPicture(*this));
+  const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
+  if (picture_.size() != pixels) picture_ = QPixmap(pixels);
+  picture_.setDevicePixelRatio(ratio_);
+  painter_->Layout(pixels, ratio_);
+  QPainter painter(&picture_);
+  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter_->Paint(painter, ColoursFor(palette()));
+  stale_ = false;
+}
+
+void ResponsePaintBox::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.drawPixmap(0, 0, picture_);
+  if (!painter_) return;
+  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter_->PaintCursors(painter, ColoursFor(palette()));
+  if (!hasFocus()) return;
+  painter.setPen(palette().color(QPalette::Highlight));
+  painter.drawRect(QRect(QPoint(), picture_.size() - QSize(1, 1)));
+}
+
+int ResponsePaintBox::ColumnAt(const QMouseEvent& event) const {
+  return static_cast<int>(std::lround(event.position().x() * ratio_)) -
+         painter_->GainPlate().left();
+}
+
+void ResponsePaintBox::MoveTo(int cursor, int column) {
+  analyser_->SetCursorPixel(cursor, std::clamp(column, 0, PlotWidth() - 1));
+}
+
+void ResponsePaintBox::mousePressEvent(QMouseEvent* event) {
+  using Mode = FrequencyAnalyser::CursorMode;
+  if (event->button() != Qt::LeftButton || analyser_->Cursors() == Mode::None) return;
+  const int x = ColumnAt(*event);
+  const auto distance = [&](int cursor) { return std::abs(x - analyser_->CursorPixel(cursor)); };
+  dragged_ = analyser_->Cursors() == Mode::Two && distance(1) < distance(0) ? 1 : 0;
+  moving_ = true;
+  emit MoveBegun();
+  MoveTo(*dragged_, x);
+}
+
+void ResponsePaintBox::mouseMoveEvent(QMouseEvent* event) {
+  if (dragged_) MoveTo(*dragged_, ColumnAt(*event));
+}
+
+void ResponsePaintBox::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && dragged_.has_value()) EndMove();
+}
+
+void ResponsePaintBox::EndMove() {
+  dragged_.reset();
+  if (std::exchange(moving_, false)) emit MoveEnded();
+}
+
+void ResponsePaintBox::keyPressEvent(QKeyEvent* event) {
+  const int direction = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+  const int cursor = event->modifiers().testFlag(Qt::ShiftModifier) ? 1 : 0;
+  if (direction == 0 || cursor >= static_cast<int>(analyser_->Cursors())) {
+    QWidget::keyPressEvent(event);
+    return;
+  }
+  if (!std::exchange(moving_, true)) emit MoveBegun();
+  const int step = event->modifiers().testFlag(Qt::ControlModifier) ? FastStep : 1;
+  // One that stands outside a plot that has become narrower starts from its edge.
+  const int from = std::min(analyser_->CursorPixel(cursor), PlotWidth() - 1);
+  MoveTo(cursor, from + direction * step);
+}
+
+void ResponsePaintBox::keyReleaseEvent(QKeyEvent* event) {
+  if (!event->isAutoRepeat() && !dragged_) EndMove();
+  QWidget::keyReleaseEvent(event);
+}
+
+void ResponsePaintBox::contextMenuEvent(QContextMenuEvent* event) {
+  emit MenuAsked(event->globalPos());
+}
+
+void ResponsePaintBox::resizeEvent(QResizeEvent*) {
+  stale_ = true;
+  Refresh();
+}
+
+void ResponsePaintBox::showEvent(QShowEvent*) {
+  stale_ = true;
+  Refresh();
+}
+
+void ResponsePaintBox::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+    stale_ = true;
+    Refresh();
+  }
+}
+
+}  // namespace torvane

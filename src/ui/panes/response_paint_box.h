@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+#include <optional>
+
+#include "plot/response_painter.h"
+
+namespace torvane {
+
+/// The paint box of an analyser's window: gain and phase with their legend, and the cursors over
+/// them. Traces are painted only when they have changed; the cursors every time. The mouse drags
+/// the cursor that is nearer, the arrow keys move the first one and with Shift the second, by ten
+/// columns with Ctrl.
+class ResponsePaintBox : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ResponsePaintBox(QWidget* parent = nullptr);
+
+  /// The analyser to show; it must outlive this widget's use of it.
+  void SetAnalyser(FrequencyAnalyser& analyser);
+
+  /// Columns of the plot, which cursors and searches count.
+  int PlotWidth() const { return painter_->GainPlate().width(); }
+
+  /// Where a window of that size hides little at first, on the screen: low phases at low
+  /// frequencies are rare.
+  QPoint QuietPlace(const QSize& size) const;
+
+  /// Brings the picture up to date with the engine; cheap when nothing has changed.
+  void Refresh();
+
+ signals:
+  /// Around the changes of a drag, or of a key that is held.
+  void MoveBegun();
+  void MoveEnded();
+  void MenuAsked(const QPoint& at);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void PaintAll();
+  void MoveTo(int cursor, int column);
+  void EndMove();
+  int ColumnAt(const QMouseEvent& event) const;
+
+  FrequencyAnalyser* analyser_ = nullptr;
+  std::optional<ResponsePainter> painter_;
+  QPixmap picture_;
+  double ratio_ = 0.0;          // device pixels a pixel that the picture was made for
+  bool stale_ = true;           // the picture must be made anew
+  std::optional<int> dragged_;  // cursor
+  bool moving_ = false;
+};
+
+}  // namespace torvane

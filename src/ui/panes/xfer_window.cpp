@@ -1,0 +1,49 @@
+#include "ui/panes/xfer_window.h"
+
+#include <QSignalBlocker>
+#include <utility>
+
+#include "core/messages.h"
+#include "ui/panes/xfer_setup_dialog.h"
+#include "ui_analyser.h"
+
+namespace torvane {
+
+TZelXferF::TZelXferF(ZelXfer& analyser, ZelBenchTop& bench)
+    : AnalyserWindow(analyser, bench, "TZelXferF", "TZelXferCursorF"), xfer_(analyser) {
+  setWindowTitle(analyser.Name() == "MainXFer" ? QStringLiteral("Dynamic Signal Analyzer")
+                                               : QString::fromStdString(analyser.Name()));
+  Ui::AnalyserForm& ui = Form();
+  connect(ui.CBSpectrum, &QAbstractButton::clicked, this,
+          [this](bool on) { xfer_.ClickSpectrum(on); });
+  connect(ui.CBBinary, &QAbstractButton::toggled, this, [this](bool on) { xfer_.SetBinary(on); });
+  connect(ui.CBUseGenFilter, &QAbstractButton::toggled, this,
+          [this](bool on) { xfer_.SetBypassFilter(on); });
+  SettingsChanged();
+}
+
+void TZelXferF::SettingsChanged() {
+  AnalyserWindow::SettingsChanged();
+  Ui::AnalyserForm& ui = Form();
+  const std::pair<QAbstractButton*, bool> boxes[] = {{ui.CBSpectrum, xfer_.Spectrum()},
+                                                     {ui.CBBinary, xfer_.Binary()},
+                                                     {ui.CBUseGenFilter, xfer_.BypassFilter()}};
+  for (const auto& [box, on] : boxes) {
+    const QSignalBlocker blocker(box);
+    box->setChecked(on);
+  }
+}
+
+void TZelXferF::AutoRange() {
+  xfer_.AutoRange();
+}
+
+void TZelXferF::OpenSetup() try {
+  auto* dialog = new TZelXferSetupF(xfer_, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+} catch (const std::exception&) {
+  Error("Fault in TZelXferF :: SBSetupClick");
+}
+
+}  // namespace torvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "instruments/fft/fft_analyser.h"
+#include "ui/panes/analyser_window.h"
+
+namespace torvane {
+
+/// The window of the FFT analyser.
+class TZelXferF : public AnalyserWindow {
+  Q_OBJECT
+
+ public:
+  /// Analyser and bench must outlive the window.
+  TZelXferF(ZelXfer& analyser, ZelBenchTop& bench);
+
+  void SettingsChanged() override;
+  AtFirst ShownAtFirst() const override { return AtFirst::ShownWithRoom; }
+
+ protected:
+  void OpenSetup() override;
+  void AutoRange() override;
+
+ private:
+  ZelXfer& xfer_;
+};
+
+}  // namespace torvane
