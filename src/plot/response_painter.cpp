@@ -108,7 +108,8 @@ std::string ResponsePainter::TraceText(int slot) const {
   if (const std::string& from = analyser_.LoadedFrom(slot); !from.empty()) return name + " " + from;
   std::vector<const TraceOrigin*> origins;
   for (int other = 0; other < FrequencyAnalyser::SlotCount; ++other) {
-    if (analyser_.HasData(other) && analyser_.LoadedFrom(other).empty()) origins.push_back(&analyser_.Origin(other));
+    if (analyser_.HasData(other) && analyser_.LoadedFrom(other).empty())
+      origins.push_back(&analyser_.Origin(other));
   }
   return name + " " + OriginText(analyser_.Origin(slot), origins);
 }

@@ -18,7 +18,7 @@ struct CursorPoint {
 struct ResponseCursorReading {
   std::vector<CursorPoint> Points;        ///< a cursor each
   std::optional<CursorPoint> Difference;  ///< from cursor 1 to cursor 2, when there are two
-  std::optional<double> Slope;              ///< between them, dB a decade
+  std::optional<double> Slope;            ///< between them, dB a decade
 };
 
 /// On a plot of so many columns.

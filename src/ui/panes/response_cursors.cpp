@@ -18,7 +18,7 @@ QString Text(const std::optional<double>& value) {
   return value ? QString::fromStdString(FormatEdit(*value)) : ReadOutWindow::Unavailable;
 }
 
-QStringList Row(const QString& name, const ResponsePoint& point) {
+QStringList Row(const QString& name, const CursorPoint& point) {
   return {name, QString::fromStdString(FormatEdit(point.Hz)), Text(point.Gain), Text(point.Phase)};
 }
 
