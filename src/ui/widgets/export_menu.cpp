@@ -102,7 +102,7 @@ void ExportMenu::CopyData() {
 
 void ExportMenu::Print() {
   const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
-  PrintPicture(*plot_.window(), {source_.MakePicture(), source_.Heading, date});
+  PrintPicture(plot_, {source_.MakePicture(), source_.Heading, date});
 }
 
 }  // namespace torvane

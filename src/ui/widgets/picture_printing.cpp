@@ -7,6 +7,7 @@
 
 #include "core/files/atomic_save.h"
 #include "core/messages.h"
+#include "ui/widgets/notice.h"
 
 namespace torvane {
 
@@ -36,17 +37,23 @@ std::string PrintOnPaper(QPrinter& printer, const PicturePage& page) {
 
 }  // namespace
 
-void PrintPicture(QWidget& parent, const PicturePage& page) {
+void PrintPicture(QWidget& plot, const PicturePage& page) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(page.Heading);
   printer.setPageOrientation(QPageLayout::Landscape);
-  QPrintDialog dialog(&printer, &parent);
+  QPrintDialog dialog(&printer, plot.window());
   dialog.setObjectName(QStringLiteral("PrintDialog"));
   dialog.setWindowTitle(QStringLiteral("Print"));
   if (dialog.exec() != QDialog::Accepted) return;
+  const QString file = printer.outputFileName();
   const std::string fault =
-      printer.outputFileName().isEmpty() ? PrintOnPaper(printer, page) : PrintToFile(printer, page);
-  if (!fault.empty()) Error(fault);
+      file.isEmpty() ? PrintOnPaper(printer, page) : PrintToFile(printer, page);
+  if (fault.empty()) {
+    ShowNotice(plot,
+               QStringLiteral("Printed to ") + (file.isEmpty() ? printer.printerName() : file));
+  } else {
+    Error(fault);
+  }
 }
 
 }  // namespace torvane
