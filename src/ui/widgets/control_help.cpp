@@ -11,6 +11,15 @@ namespace torvane {
 
 namespace {
 
+const char* TextFor(const QWidget& control) {
+  const std::string name = control.objectName().toStdString();
+  for (const QWidget* place = control.parentWidget(); place; place = place->parentWidget()) {
+    const char* text = HelpText(place->objectName().toStdString() + "/" + name);
+    if (text) return text;
+  }
+  return HelpText(name);
+}
+
 // The sentence of the control in the focus, or of what it is a part of; without one the pointer
 // asks for a control.
 void ShowHelp() {
@@ -32,8 +41,10 @@ ControlHelp::ControlHelp(QObject* parent) : QObject(parent) {
 bool ControlHelp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Polish) {
     auto* control = qobject_cast<QWidget*>(watched);
-    const char* text = control ? HelpText(control->objectName().toStdString()) : nullptr;
-    if (text) control->setWhatsThis(QString::fromUtf8(text));
+    const bool named = control && !control->objectName().isEmpty();
+    if (const char* text = named ? TextFor(*control) : nullptr) {
+      control->setWhatsThis(QString::fromUtf8(text));
+    }
     return false;
   }
   // Windows get the key before their controls.

@@ -4,8 +4,9 @@
 
 namespace torvane {
 
-/// What the control of that object name does for the user, in a sentence or two; nullptr for a name
-/// that the table does not have.
+/// What a control does for the user, in a sentence or two; nullptr when the table has none of it.
+/// Controls go by their object names or, where two have one name, by the name of something that
+/// they stand in and their own: "RunGroup/SBRun".
 const char* HelpText(std::string_view control);
 
 }  // namespace torvane
