@@ -66,7 +66,9 @@ bool ValueKnob::Press(const QMouseEvent& mouse) {
   return false;
 }
 
+// A release that a box took, which opened meanwhile, shows in the buttons.
 bool ValueKnob::Move(const QMouseEvent& mouse) {
+  if (!mouse.buttons().testFlag(Qt::LeftButton)) EndDrag();
   if (!pressed_) {
     const bool over = mouse.buttons() == Qt::NoButton && IsOnSelected(mouse.pos());
     table_.viewport()->setCursor(over ? Qt::SizeVerCursor : Qt::ArrowCursor);
@@ -86,7 +88,10 @@ bool ValueKnob::Move(const QMouseEvent& mouse) {
 }
 
 bool ValueKnob::Release(const QMouseEvent& mouse) {
-  if (mouse.button() != Qt::LeftButton) return false;
+  return mouse.button() == Qt::LeftButton && EndDrag();
+}
+
+bool ValueKnob::EndDrag() {
   pressed_ = false;
   if (!std::exchange(dragging_, false)) return false;
   bench_.History().EndGesture();

@@ -29,6 +29,8 @@ class ValueKnob : public QObject {
   bool Press(const QMouseEvent& mouse);
   bool Move(const QMouseEvent& mouse);
   bool Release(const QMouseEvent& mouse);
+  /// Whether a drag was under way.
+  bool EndDrag();
   void Turn(int amount, int perStep, bool fine);
 
   QTableWidget& table_;
