@@ -4,6 +4,7 @@
 #include <QHideEvent>
 #include <QScreen>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QUrl>
 #include <algorithm>
 #include <array>
@@ -25,6 +26,14 @@ constexpr int Gap = 12;  // between the window and what it stands beside, pixels
 QString PlaceKey(const Constant& constant) {
   return QStringLiteral("adjustPlaces/") +
          QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(constant.Name())));
+}
+
+// What the frame adds, with room to spare: a window does not know its frame before it is shown, and
+// a main window that fills the display has none.
+QSize FrameSize(const QWidget& window) {
+  const QStyle& style = *window.style();
+  const int edge = style.pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+  return QSize(2 * edge, 2 * edge + style.pixelMetric(QStyle::PM_TitleBarHeight));
 }
 
 // The display may have become smaller, or be another one.
@@ -100,10 +109,7 @@ void TZelAdjustF::OpenBeside(const QRect& area) {
   adjustSize();
   const QPoint beside(area.left() - width() - Gap, area.top());
   const QPoint left = UserSettings().value(PlaceKey(constant_), beside).toPoint();
-  // Before it has been shown the window does not know its frame; that of another is as thick.
-  const QWidget& framed = *parentWidget()->window();
-  const QSize frame = framed.frameGeometry().size() - framed.size();
-  move(OnDisplay(isVisible() ? pos() : left, size() + frame, *this));
+  move(OnDisplay(isVisible() ? pos() : left, size() + FrameSize(*this), *this));
   show();
   raise();
   activateWindow();
