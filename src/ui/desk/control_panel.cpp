@@ -154,7 +154,9 @@ void TZelControlPanelF::ConnectControls() {
     Model()->PrepareWideCapture();
     CopyCapture(WidePicture);
   });
-  ui_->MHelp->insertAction(ui_->MIAbout, QWhatsThis::createAction(this));
+  QAction* whatsThis = QWhatsThis::createAction(this);
+  whatsThis->setObjectName(QStringLiteral("MIWhatsThis"));
+  ui_->MHelp->insertAction(ui_->MIAbout, whatsThis);
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }
