@@ -107,7 +107,7 @@ QString Hint(const Constant& constant) {
 }  // namespace
 
 ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
-    : QObject(&table), table_(table), bench_(bench) {
+    : QObject(&table), table_(table), viewport_(*table.viewport()), bench_(bench) {
   table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(&table, bench));
   Fill();
   connect(&table, &QTableWidget::cellChanged, this, &ConstantsGrid::CommitCell);
@@ -117,7 +117,7 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   });
   connect(&table, &QTableWidget::cellDoubleClicked, this, &ConstantsGrid::Adjust);
   table.installEventFilter(this);
-  table.viewport()->installEventFilter(this);
+  viewport_.installEventFilter(this);
   new ValueKnob(table, ValueColumn, bench);
 }
 
@@ -133,7 +133,7 @@ bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
       return true;
     }
   }
-  if (watched == table_.viewport() && event->type() == QEvent::Resize) {
+  if (watched == &viewport_ && event->type() == QEvent::Resize) {
     // Once the header knows the new width too.
     QMetaObject::invokeMethod(this, &ConstantsGrid::ShowUnitsIfRoom, Qt::QueuedConnection);
   }

@@ -39,6 +39,7 @@ class ConstantsGrid : public QObject {
   void Adjust(int row);
 
   QTableWidget& table_;
+  QWidget& viewport_;  // sends events still when the table is no more than its parts
   ZelBenchTop& bench_;
   std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
   int namesAndValues_ = 0;                             // width of these columns, pixels
