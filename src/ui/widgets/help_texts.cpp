@@ -35,8 +35,9 @@ constexpr Entry Entries[] = {
      "Tells what the model shows, what its constants mean and which experiments to try."},
     // The scope.
     {"PBScreen",
-     "The signals against time, or against another signal. The right mouse button offers to save, "
-     "copy or print the picture and the data; cursors are dragged along."},
+     "The signals against time, or against another signal. The wheel scales the selected channel, "
+     "with Ctrl the time base; a click selects a trace; marks at the edges and cursors are "
+     "dragged. The right mouse button saves, copies or prints the picture and the data."},
     {"SGConsts",
      "The constants of the model. Type to change the selected value, turn it by the wheel or by a "
      "drag, finely with Shift, or double-click it for a window with steps and a slider. Changes "
