@@ -84,6 +84,8 @@ TEST_F(ExportMenuTest, TheButtonPrintsAPageToAFile) {
   const auto print = [this](const char* name) {
     Answer([path = Path(name)](QDialog& dialog) {
       EXPECT_EQ(dialog.objectName(), QStringLiteral("PrintDialog"));
+      auto* printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
+      printers->setCurrentIndex(printers->count() - 1);  // the one that prints to a file
       dialog.findChild<QLineEdit*>(QStringLiteral("filename"))->setText(path);
       dialog.accept();
     });
