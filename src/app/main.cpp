@@ -11,7 +11,9 @@
 #include "command_line.h"
 #include "core/text.h"
 #include "ui/desk/control_panel.h"
+#include "ui/desk/desk_style.h"
 #include "ui/desk/file_commands.h"
+#include "ui/desk/theme.h"
 #include "ui/session/message_boxes.h"
 
 namespace {
@@ -67,6 +69,8 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
   QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));
   torvane::MessageBoxes messages;
   const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
+  QApplication::setStyle(new torvane::DeskStyle);
+  if (!speedTest) torvane::ApplyTheme(torvane::RememberedTheme());
   using Windows = torvane::TZelControlPanelF::Windows;
   torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
                                    command.Model, speedTest ? Windows::AsBuilt : Windows::AsLeft);

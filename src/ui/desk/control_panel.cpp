@@ -17,6 +17,7 @@
 #include "ui/desk/arrangement.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/splash.h"
+#include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
 #include "ui/panes/analyser_window.h"
 #include "ui/panes/instrument_windows.h"
@@ -69,6 +70,9 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
+  view_ = new ViewMenu(
+      *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
+  connect(view_, &ViewMenu::LookChanged, this, &TZelControlPanelF::ShowLook);
   UseFixedDigits(*ui_->LTime);
   // Of one size, so that a new time does not have the whole strip laid out anew.
   ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
@@ -183,6 +187,7 @@ void TZelControlPanelF::ShowModel() {
     }
   }
   ui_->InstrumentArea->Open(std::move(panes));
+  ShowLook();
   if (windows_ == Windows::AsLeft) arrangement::RecallHidden(*ui_->InstrumentArea);
   model.PrepareCapture();
   ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());
@@ -258,6 +263,12 @@ void TZelControlPanelF::RefreshTick() {
   ShowModelName();
   ShowTitle();
   Model()->Bench().RefreshInstruments();
+}
+
+void TZelControlPanelF::ShowLook() {
+  for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) {
+    frame->Pane().SetLook(view_->Look());
+  }
 }
 
 void TZelControlPanelF::ShowLoaded() {

@@ -17,6 +17,7 @@ namespace torvane {
 class FileCommands;
 class TZelModelPictureF;
 class TZelModelTextF;
+class ViewMenu;
 
 namespace Ui {
 class TZelControlPanelF;
@@ -70,6 +71,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void LeaveModel();
   void ShowModel();
   void ShowLoaded();
+  void ShowLook();
   void SelectModel(int index);
   void ShowModelName();
   void ShowTitle();
@@ -92,6 +94,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   QTimer refreshTimer_;
   QTimer splashTimer_;
   Windows windows_;
+  ViewMenu* view_;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
   std::unique_ptr<FileCommands> files_;

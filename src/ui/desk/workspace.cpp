@@ -306,6 +306,12 @@ void Workspace::showEvent(QShowEvent* event) {
   Arrange();
 }
 
+// The base class keeps the brush that it began with.
+void Workspace::changeEvent(QEvent* event) {
+  QMdiArea::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) setBackground(palette().brush(QPalette::Dark));
+}
+
 void Workspace::Arrange() {
   if (filling_) {
     ShowWhatFits();

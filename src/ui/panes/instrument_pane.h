@@ -6,6 +6,8 @@
 
 namespace torvane {
 
+struct TraceLook;
+
 /// A view on one instrument, shown in a sub-window of the workspace. It registers itself with the
 /// instrument and must not outlive it.
 class InstrumentPane : public QWidget, public InstrumentView {
@@ -19,6 +21,9 @@ class InstrumentPane : public QWidget, public InstrumentView {
 
   /// New data may be there to paint; called at most once a frame while the model runs.
   virtual void ShowFrame() {}
+
+  /// How traces are told apart from now on.
+  virtual void SetLook(const TraceLook& /*look*/) {}
 
   /// Whether the pane is on the workspace as long as the user has not said so.
   enum class AtFirst { Shown, ShownWithRoom, Hidden };

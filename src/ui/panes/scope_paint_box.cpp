@@ -46,6 +46,7 @@ void ScopePaintBox::SetLook(const TraceLook& look) {
   look_ = look;
   stale_ = true;
   Refresh();
+  emit ColoursChanged();
 }
 
 ScopeColours ScopePaintBox::Colours() const {
@@ -240,6 +241,7 @@ void ScopePaintBox::changeEvent(QEvent* event) {
     stale_ = true;
     Refresh();
   }
+  if (event->type() == QEvent::PaletteChange) emit ColoursChanged();
 }
 
 }  // namespace torvane

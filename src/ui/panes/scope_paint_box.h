@@ -53,6 +53,8 @@ class ScopePaintBox : public QWidget {
  signals:
   void DragBegun();
   void DragEnded();
+  /// Traces have other colours than before.
+  void ColoursChanged();
   /// The mouse chose the channel of that index.
   void ChannelChosen(std::size_t index);
 

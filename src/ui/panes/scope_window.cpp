@@ -35,22 +35,22 @@ constexpr QRgb Silver = 0xc0c0c0;
 constexpr int ConstantsWidth = 250;
 
 // A square in the colour of a displayed trace, an empty place for the others.
-QIcon Swatch(int colour) {
+QIcon Swatch(const ScopeColours& colours, int colour) {
   QPixmap square(14, 14);
   square.fill(Qt::transparent);
   if (colour >= 0) {
     QPainter painter(&square);
     painter.setPen(QColor(0x8a9299));
-    painter.setBrush(PenColour(colour));
+    painter.setBrush(colours.Trace(colour));
     painter.drawRect(1, 1, 11, 11);
   }
   return QIcon(square);
 }
 
-QString ChannelLabel(const ZelChannel& channel) {
+QString ChannelLabel(const ScopeColours& colours, const ZelChannel& channel) {
   QString label = QString::fromStdString(channel.Name());
   if (channel.Displayed() && channel.Colour() >= 0) {
-    label += QStringLiteral(" (%1)").arg(QLatin1String(TraceColourAt(channel.Colour()).Label));
+    label += QStringLiteral(" (%1)").arg(QLatin1String(colours.Label(channel.Colour())));
   }
   return label;
 }
@@ -208,6 +208,7 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
   }
   connect(ui_->PBScreen, &ScopePaintBox::DragBegun, this, [&] { history.BeginGesture(); });
   connect(ui_->PBScreen, &ScopePaintBox::DragEnded, this, [&] { history.EndGesture(); });
+  connect(ui_->PBScreen, &ScopePaintBox::ColoursChanged, this, &TZelScopeF::FillChannelLists);
   connect(ui_->PBScreen, &ScopePaintBox::ChannelChosen, this, [this](std::size_t index) {
     ui_->CmBVertChan->setCurrentIndex(ui_->CmBVertChan->findData(static_cast<int>(index)));
   });
@@ -265,7 +266,7 @@ void TZelScopeF::FillChannelLists() {
   const QSignalBlocker blocker(ui_->CmBHorizChan);
   FillList(*ui_->CmBHorizChan, 0);
   const QString time = QString::fromStdString(scope_.TimeChannel().Name());
-  ui_->CmBHorizChan->insertItem(0, Swatch(-1), time, TimeAxis);
+  ui_->CmBHorizChan->insertItem(0, Swatch(ui_->PBScreen->Colours(), -1), time, TimeAxis);
   const int horizontal = scope_.XYMode() ? IndexOf(XChannel()) : TimeAxis;
   ui_->CmBHorizChan->setCurrentIndex(ui_->CmBHorizChan->findData(horizontal));
 }
@@ -273,9 +274,10 @@ void TZelScopeF::FillChannelLists() {
 void TZelScopeF::FillList(QComboBox& list, int selected) {
   const QSignalBlocker blocker(&list);
   list.clear();
+  const ScopeColours colours = ui_->PBScreen->Colours();
   for (int index = 0; const auto& channel : scope_.Channels()) {
-    list.addItem(Swatch(channel->Displayed() ? channel->Colour() : -1), ChannelLabel(*channel),
-                 index);
+    list.addItem(Swatch(colours, channel->Displayed() ? channel->Colour() : -1),
+                 ChannelLabel(colours, *channel), index);
     list.setItemData(index++, Hint(channel->Signal()), Qt::ToolTipRole);
   }
   list.setCurrentIndex(list.findData(selected));
@@ -413,6 +415,10 @@ void TZelScopeF::Redraw() {
   ShowLamp();
   ShowReading();
   ShowMath();
+}
+
+void TZelScopeF::SetLook(const TraceLook& look) {
+  ui_->PBScreen->SetLook(look);
 }
 
 void TZelScopeF::ShowLamp() {

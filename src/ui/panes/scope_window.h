@@ -33,6 +33,7 @@ class TZelScopeF : public InstrumentPane {
   ~TZelScopeF() override;
 
   void ShowFrame() override;
+  void SetLook(const TraceLook& look) override;
   void Redraw() override;
   void SettingsChanged() override;
   void ConstantChanged(const std::string& name) override;

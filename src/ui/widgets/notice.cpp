@@ -19,7 +19,6 @@ class Notice : public QLabel {
   explicit Notice(QWidget& window) : QLabel(&window) {
     setObjectName(QStringLiteral("LNotice"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setPalette(QToolTip::palette());
     setBackgroundRole(QPalette::ToolTipBase);
     setForegroundRole(QPalette::ToolTipText);
     setAutoFillBackground(true);
@@ -30,6 +29,7 @@ class Notice : public QLabel {
   }
 
   void Say(const QRect& area, const QString& text) {
+    setPalette(QToolTip::palette());
     setText(text);
     setAccessibleName(text);
     adjustSize();

@@ -1,0 +1,54 @@
+#include "ui/desk/desk_style.h"
+
+#include <QStyleOption>
+
+namespace torvane {
+
+namespace {
+
+constexpr double SwitchedOn = 0.45;  // share of the highlight in a button that is on
+constexpr int Dark = 128;            // lightness of a ground below which it is dark
+
+QColor Mixed(const QColor& a, const QColor& b, double share) {
+  const auto mix = [&](int from, int to) { return qRound(from + share * (to - from)); };
+  return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+template <typename Option>
+Option WithColour(const Option& option, QPalette::ColorRole role, const QColor& colour) {
+  Option changed = option;
+  changed.palette.setColor(role, colour);
+  return changed;
+}
+
+}  // namespace
+
+void DeskStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                              QPainter* painter, const QWidget* widget) const {
+  const QPalette& palette = option->palette;
+  const bool on = option->state.testFlag(State_On) && option->state.testFlag(State_Enabled);
+  const QColor onColour =
+      Mixed(palette.color(QPalette::Button), palette.color(QPalette::Highlight), SwitchedOn);
+  if (element == PE_PanelButtonTool && on) {
+    const QStyleOption changed = WithColour(*option, QPalette::Button, onColour);
+    QProxyStyle::drawPrimitive(element, &changed, painter, widget);
+    return;
+  }
+  const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+  if (element == PE_PanelButtonCommand && on && button) {
+    const QStyleOptionButton changed = WithColour(*button, QPalette::Button, onColour);
+    QProxyStyle::drawPrimitive(element, &changed, painter, widget);
+    return;
+  }
+  // Their frames are a darker shade of the ground.
+  const bool indicator = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+  if (indicator && button && palette.color(QPalette::Window).lightness() < Dark) {
+    const QStyleOptionButton changed =
+        WithColour(*button, QPalette::Window, palette.color(QPalette::PlaceholderText));
+    QProxyStyle::drawPrimitive(element, &changed, painter, widget);
+    return;
+  }
+  QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+}  // namespace torvane

@@ -1,0 +1,52 @@
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMdiArea>
+
+#include "desktop.h"
+#include "ui/desk/theme.h"
+#include "ui/panes/scope_paint_box.h"
+
+namespace torvane {
+namespace {
+
+class ViewMenuTest : public test::Desktop {
+ protected:
+  ~ViewMenuTest() override { ApplyTheme(Theme::System); }
+  ScopePaintBox& Screen() { return Find<ScopePaintBox>("PBScreen"); }
+  QImage Picture() { return Screen().grab().toImage(); }
+  // Of the screen, between the division lines.
+  QColor Ground() {
+    return Picture().pixelColor(Screen().Painter().Plate().topLeft() + QPoint(9, 9));
+  }
+};
+
+// The application's palette reaches windows by events of the running message loop.
+TEST_F(ViewMenuTest, TheThemeReachesScreenListsAndWorkspaceAtOnce) {
+  const auto workspace = [&] {
+    return Find<QMdiArea>("InstrumentArea").background().color().lightness();
+  };
+  const int before = workspace();
+  Trigger("MIThemeDark");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Dark().Plate; }));
+  EXPECT_EQ(Find<QComboBox>("CmBVertChan").currentText(), "vC (Wht)");
+  EXPECT_LT(workspace(), before);
+  Trigger("MIThemeLight");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Light().Plate; }));
+  EXPECT_EQ(Find<QComboBox>("CmBVertChan").currentText(), "vC (Blk)");
+}
+
+TEST_F(ViewMenuTest, PatternsAndColoursOfTracesAreChosenLive) {
+  const QImage standard = Picture();
+  Trigger("MIColoursApart");
+  const QImage apart = Picture();
+  EXPECT_NE(apart, standard);
+  Trigger("MILinePatterns");
+  EXPECT_NE(Picture(), apart);
+  // Another model's windows have them too.
+  ChooseModel("3-1 PI Controller");
+  EXPECT_EQ(Screen().Colours(), ScopeColours::Light(TraceColours::Apart));
+}
+
+}  // namespace
+}  // namespace torvane
