@@ -48,5 +48,23 @@ TEST_F(ViewMenuTest, PatternsAndColoursOfTracesAreChosenLive) {
   EXPECT_EQ(Screen().Colours(), ScopeColours::Light(TraceColours::Apart));
 }
 
+TEST_F(ViewMenuTest, AWordBesideTheLampSaysWhatTheTriggerDoes) {
+  auto& scope = static_cast<ZelScope&>(*Bench().Instruments(InstrumentKind::Scope).front());
+  const auto becomes = [&](const char* word) {
+    return QTest::qWaitFor([&, word] { return Find<QLabel>("LTrigState").text() == word; });
+  };
+  EXPECT_EQ(Find<QLabel>("LTrigState").text(), "Stopped");
+  Click("SBRun");
+  EXPECT_TRUE(becomes("Triggered"));
+  scope.Trigger().SetLevel(1e6);
+  EXPECT_TRUE(becomes("Auto"));
+  scope.Trigger().SetMode(SweepMode::Normal);
+  EXPECT_TRUE(becomes("Waiting"));
+  scope.Trigger().SetMode(SweepMode::Cont);
+  EXPECT_TRUE(becomes("Cont"));
+  Click("SBStop");
+  EXPECT_TRUE(becomes("Stopped"));
+}
+
 }  // namespace
 }  // namespace torvane

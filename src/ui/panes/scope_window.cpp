@@ -19,6 +19,7 @@
 #include "ui/panes/cursors_window.h"
 #include "ui/panes/math_window.h"
 #include "ui/panes/trigger_controls.h"
+#include "ui/panes/trigger_word.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/export_menu.h"
@@ -98,6 +99,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   ConnectHorizontal();
   ConnectTriggerSource();
   trigger_ = new TriggerControls(*ui_, scope, this);
+  triggerWord_ = new TriggerWord(*ui_->LTrigState, scope);
   ConnectPages();
   ConnectCursors(bench.History());
   ConnectMath();
@@ -413,6 +415,7 @@ void TZelScopeF::ShowFrame() {
 void TZelScopeF::Redraw() {
   ui_->PBScreen->Refresh();
   ShowLamp();
+  triggerWord_->Show();
   ShowReading();
   ShowMath();
 }

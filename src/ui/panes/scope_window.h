@@ -14,6 +14,7 @@ namespace torvane {
 class ConstantsGrid;
 class EditBinding;
 class TriggerControls;
+class TriggerWord;
 class ConstantsSplitter;
 class CursorsWindow;
 class MathWindow;
@@ -79,6 +80,7 @@ class TZelScopeF : public InstrumentPane {
   EditBinding* horizScale_ = nullptr;
   EditBinding* horizOffset_ = nullptr;
   TriggerControls* trigger_ = nullptr;
+  TriggerWord* triggerWord_ = nullptr;
   ConstantsSplitter* splitter_ = nullptr;
   CursorsWindow* cursors_ = nullptr;
   MathWindow* math_ = nullptr;

@@ -35,9 +35,10 @@ constexpr Entry Entries[] = {
      "Tells what the model shows, what its constants mean and which experiments to try."},
     // The scope.
     {"PBScreen",
-     "The signals against time, or against another signal. The wheel scales the selected channel, "
-     "with Ctrl the time base; a click selects a trace; marks at the edges and cursors are "
-     "dragged. The right mouse button saves, copies or prints the picture and the data."},
+     "The signals against time, or against another signal. Numbered flags on the left stand at the "
+     "traces' zeros and, with a T, at the trigger's level and above at its position: drag them. "
+     "The wheel scales the selected channel, with Ctrl the time base; a click on a trace selects "
+     "it; cursors are dragged along. The right mouse button offers to save, copy or print."},
     {"SGConsts",
      "The constants of the model. Type to change the selected value, turn it by the wheel or by a "
      "drag, finely with Shift, or double-click it for a window with steps and a slider. Changes "
@@ -50,6 +51,10 @@ constexpr Entry Entries[] = {
     {"CBStopModel",
      "Stops the model whenever a screen is full. Run goes on, and the scope with it."},
     {"TriggeredP", "Lights up when an event has started a screen."},
+    {"LTrigState",
+     "What the trigger is doing: it waits for an event, has had one, lets screens follow each "
+     "other "
+     "by themselves, or the model is stopped."},
     {"SBHide", "Hides the controls below, so that the screen has the window to itself."},
     {"CmBVertChan",
      "The signal whose scale and offset stand here. A double click shows or hides its trace."},
