@@ -240,9 +240,9 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
                    axis.OnRight ? Qt::AlignRight : Qt::AlignLeft, caption);
 }
 
-QPen ResponsePainter::TracePen(int slot, bool dashed) const {
-  return {PenColour(slot), TraceWidth * ratio_, dashed ? Qt::DashLine : Qt::SolidLine, Qt::FlatCap,
-          Qt::BevelJoin};
+QPen ResponsePainter::TracePen(const ScopeColours& colours, int slot, bool dashed) const {
+  return {colours.Trace(slot), TraceWidth * ratio_, dashed ? Qt::DashLine : Qt::SolidLine,
+          Qt::FlatCap, Qt::BevelJoin};
 }
 
 void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis,
@@ -252,8 +252,8 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
   painter.save();
   painter.setClipRect(plate);
   painter.setRenderHint(QPainter::Antialiasing);
-  PaintBars(painter, axis, trace, PenColour(slot));
-  painter.setPen(TracePen(slot, axis.Dashed));
+  PaintBars(painter, axis, trace, colours.Trace(slot));
+  painter.setPen(TracePen(colours, slot, axis.Dashed));
   for (QPolygonF line : trace.Lines) {
     for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
     painter.drawPolyline(line);
@@ -282,7 +282,7 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
   };
   if (slot == 0) {
     painter.setPen(Qt::NoPen);
-    painter.setBrush(PenColour(slot));
+    painter.setBrush(colours.Trace(slot));
     for (qsizetype i = 0; i < trace.Points.size(); ++i) {
       const QPointF& point = trace.Points[i];
       const bool apart = i == 0 || point.x() - trace.Points[i - 1].x() > Scaled(PointDistance);
@@ -291,7 +291,7 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
     }
     return;
   }
-  painter.setPen(TracePen(slot, false));
+  painter.setPen(TracePen(colours, slot, false));
   const int distance = Scaled(MarkDistance);
   const int columns = static_cast<int>(trace.Columns.size());
   // Marks of one memory stand beside those of another.
@@ -335,7 +335,7 @@ void ResponsePainter::PaintLegend(QPainter& painter, const ScopeColours& colours
       painter.save();
       painter.setRenderHint(QPainter::Antialiasing);
       painter.fillRect(sample.adjusted(0, Scaled(2.0), 0, -Scaled(2.0)), colours.Plate);
-      painter.setPen(TracePen(entry.Slot, false));
+      painter.setPen(TracePen(colours, entry.Slot, false));
       painter.drawLine(QPointF(sample.left(), y + 0.5), QPointF(sample.right() + 1, y + 0.5));
       if (entry.Slot > 0) {
         PaintMark(painter, colours.Plate, entry.Slot, QRectF(sample).center());

@@ -74,7 +74,7 @@ class ResponsePainter {
                   const ResponseLines& trace) const;
   void PaintMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at) const;
   void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
-  QPen TracePen(int slot, bool dashed) const;
+  QPen TracePen(const ScopeColours& colours, int slot, bool dashed) const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   FrequencyAnalyser& analyser_;

@@ -17,7 +17,7 @@ constexpr std::array<QRgb, TraceColourCount> ApartOnDark = {0xffffff, 0x0077f6, 
 ScopeColours::Pens StandardPens() {
   ScopeColours::Pens pens;
   for (int index = 0; index < TraceColourCount; ++index) {
-    pens[static_cast<std::size_t>(index)] = PenColour(index);
+    pens[static_cast<std::size_t>(index)] = QColor::fromRgb(TraceColourAt(index).Rgb);
   }
   return pens;
 }
@@ -65,10 +65,6 @@ const char* ScopeColours::Label(int index) const {
 
 QColor ScopeColours::TextOn(int index) const {
   return Luminance(Trace(index)) > EqualContrast ? QColor(Qt::black) : QColor(Qt::white);
-}
-
-QColor PenColour(int index) {
-  return QColor::fromRgb(TraceColourAt(index).Rgb);
 }
 
 }  // namespace torvane

@@ -45,7 +45,4 @@ struct ScopeColours {
   bool operator==(const ScopeColours&) const = default;
 };
 
-/// Standard colour of the displayed trace with that colour index.
-QColor PenColour(int index);
-
 }  // namespace torvane

@@ -2,8 +2,6 @@
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
-#include <QPainter>
-#include <QPixmap>
 #include <QSignalBlocker>
 #include <algorithm>
 
@@ -15,6 +13,7 @@
 #include "ui/panes/response_cursors.h"
 #include "ui/panes/response_menu.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/swatch.h"
 #include "ui_analyser.h"
 
 namespace torvane {
@@ -22,17 +21,6 @@ namespace torvane {
 namespace {
 
 using CursorMode = FrequencyAnalyser::CursorMode;
-
-// A trace as it is in the plot's legend.
-QIcon Swatch(int slot) {
-  QPixmap square(14, 14);
-  square.fill(Qt::transparent);
-  QPainter painter(&square);
-  painter.setPen(QColor(0x8a9299));
-  painter.setBrush(PenColour(slot));
-  painter.drawRect(1, 1, 11, 11);
-  return QIcon(square);
-}
 
 void Check(QAbstractButton& button, bool on) {
   const QSignalBlocker blocker(button);
@@ -107,15 +95,26 @@ void AnalyserWindow::ConnectSignals() {
 void AnalyserWindow::ConnectTraces() {
   traces_ = {ui_->CBColorCurrent, ui_->CBColor1, ui_->CBColor2, ui_->CBColor3, ui_->CBColor4};
   for (int slot = 0; QCheckBox * trace : traces_) {
-    trace->setIcon(Swatch(slot));
     connect(trace, &QAbstractButton::clicked, this, [this, slot](bool on) { ShowTrace(slot, on); });
     ++slot;
   }
+  connect(ui_->PBPlot, &ResponsePaintBox::ColoursChanged, this, &AnalyserWindow::ShowSwatches);
+  ShowSwatches();
   ui_->SBMemory->setMenu(&menu_->Menu());
   connect(ui_->PBPlot, &ResponsePaintBox::MenuAsked, this,
           [this](const QPoint& at) { menu_->Menu().popup(at); });
   connect(menu_, &ResponseMenu::CursorTraceChosen, this, &AnalyserWindow::ChooseCursorTrace);
   connect(cursors_, &ResponseCursors::TraceChosen, this, &AnalyserWindow::ChooseCursorTrace);
+}
+
+// As in the plot's legend.
+void AnalyserWindow::ShowSwatches() {
+  const ScopeColours colours = ui_->PBPlot->Colours();
+  for (int slot = 0; QCheckBox * trace : traces_) trace->setIcon(Swatch(colours.Trace(slot++)));
+}
+
+void AnalyserWindow::SetLook(const TraceLook& look) {
+  ui_->PBPlot->SetColours(look.Colours);
 }
 
 void AnalyserWindow::ConnectCursors(ZelUndo& history) {

@@ -31,6 +31,7 @@ class AnalyserWindow : public InstrumentPane {
   void Redraw() override;
   void SettingsChanged() override;
   void ShownChanged(bool shown) override;
+  void SetLook(const TraceLook& look) override;
 
  signals:
   /// The run button was pressed, and a measurement awaits the model's run.
@@ -58,6 +59,7 @@ class AnalyserWindow : public InstrumentPane {
   void ConnectRun();
   void ConnectSignals();
   void ConnectTraces();
+  void ShowSwatches();
   void ConnectCursors(ZelUndo& history);
   void ShowSignals();
   void ShowTraces();

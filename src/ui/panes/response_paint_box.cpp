@@ -55,7 +55,7 @@ void ResponsePaintBox::PaintAll() {
   painter_->Layout(pixels, ratio_);
   QPainter painter(&picture_);
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter_->Paint(painter, ColoursFor(palette()));
+  painter_->Paint(painter, Colours());
   stale_ = false;
 }
 
@@ -64,7 +64,7 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter_->PaintCursors(painter, ColoursFor(palette()));
+  painter_->PaintCursors(painter, Colours());
   if (!hasFocus()) return;
   painter.setPen(palette().color(QPalette::Highlight));
   painter.drawRect(QRect(QPoint(), picture_.size() - QSize(1, 1)));
@@ -142,6 +142,19 @@ void ResponsePaintBox::changeEvent(QEvent* event) {
     stale_ = true;
     Refresh();
   }
+  if (event->type() == QEvent::PaletteChange) emit ColoursChanged();
+}
+
+void ResponsePaintBox::SetColours(TraceColours traces) {
+  if (traces_ == traces) return;
+  traces_ = traces;
+  stale_ = true;
+  Refresh();
+  emit ColoursChanged();
+}
+
+ScopeColours ResponsePaintBox::Colours() const {
+  return ColoursFor(palette(), traces_);
 }
 
 }  // namespace torvane

@@ -21,6 +21,9 @@ class ResponsePaintBox : public QWidget {
   /// The analyser to show; it must outlive this widget's use of it.
   void SetAnalyser(FrequencyAnalyser& analyser);
 
+  void SetColours(TraceColours traces);
+  ScopeColours Colours() const;
+
   /// Columns of the plot, which cursors and searches count.
   int PlotWidth() const { return painter_->GainPlate().width(); }
 
@@ -32,6 +35,8 @@ class ResponsePaintBox : public QWidget {
   void Refresh();
 
  signals:
+  /// Traces have other colours than before.
+  void ColoursChanged();
   /// Around the changes of a drag, or of a key that is held.
   void MoveBegun();
   void MoveEnded();
@@ -57,6 +62,7 @@ class ResponsePaintBox : public QWidget {
 
   FrequencyAnalyser* analyser_ = nullptr;
   std::optional<ResponsePainter> painter_;
+  TraceColours traces_ = TraceColours::Standard;
   QPixmap picture_;
   double ratio_ = 0.0;          // device pixels a pixel that the picture was made for
   bool stale_ = true;           // the picture must be made anew

@@ -1,8 +1,6 @@
 #include "ui/panes/scope_window.h"
 
 #include <QCloseEvent>
-#include <QPainter>
-#include <QPixmap>
 #include <QRegularExpression>
 #include <QSignalBlocker>
 #include <algorithm>
@@ -24,6 +22,7 @@
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/swatch.h"
 #include "ui_scope.h"
 
 namespace torvane {
@@ -35,17 +34,9 @@ constexpr QRgb Lime = 0x00ff00;
 constexpr QRgb Silver = 0xc0c0c0;
 constexpr int ConstantsWidth = 250;
 
-// A square in the colour of a displayed trace, an empty place for the others.
-QIcon Swatch(const ScopeColours& colours, int colour) {
-  QPixmap square(14, 14);
-  square.fill(Qt::transparent);
-  if (colour >= 0) {
-    QPainter painter(&square);
-    painter.setPen(QColor(0x8a9299));
-    painter.setBrush(colours.Trace(colour));
-    painter.drawRect(1, 1, 11, 11);
-  }
-  return QIcon(square);
+QIcon SwatchOf(const ScopeColours& colours, const ZelChannel& channel) {
+  const bool traced = channel.Displayed() && channel.Colour() >= 0;
+  return Swatch(traced ? std::optional(colours.Trace(channel.Colour())) : std::nullopt);
 }
 
 QString ChannelLabel(const ScopeColours& colours, const ZelChannel& channel) {
@@ -268,7 +259,7 @@ void TZelScopeF::FillChannelLists() {
   const QSignalBlocker blocker(ui_->CmBHorizChan);
   FillList(*ui_->CmBHorizChan, 0);
   const QString time = QString::fromStdString(scope_.TimeChannel().Name());
-  ui_->CmBHorizChan->insertItem(0, Swatch(ui_->PBScreen->Colours(), -1), time, TimeAxis);
+  ui_->CmBHorizChan->insertItem(0, Swatch({}), time, TimeAxis);
   const int horizontal = scope_.XYMode() ? IndexOf(XChannel()) : TimeAxis;
   ui_->CmBHorizChan->setCurrentIndex(ui_->CmBHorizChan->findData(horizontal));
 }
@@ -278,8 +269,7 @@ void TZelScopeF::FillList(QComboBox& list, int selected) {
   list.clear();
   const ScopeColours colours = ui_->PBScreen->Colours();
   for (int index = 0; const auto& channel : scope_.Channels()) {
-    list.addItem(Swatch(colours, channel->Displayed() ? channel->Colour() : -1),
-                 ChannelLabel(colours, *channel), index);
+    list.addItem(SwatchOf(colours, *channel), ChannelLabel(colours, *channel), index);
     list.setItemData(index++, Hint(channel->Signal()), Qt::ToolTipRole);
   }
   list.setCurrentIndex(list.findData(selected));
