@@ -47,6 +47,10 @@ void ZelModel::Own(std::unique_ptr<Instrument> instrument) {
   added_.push_back(std::move(instrument));
 }
 
+void ZelModel::Disown(const Instrument& instrument) {
+  std::erase_if(added_, [&](const auto& added) { return added.get() == &instrument; });
+}
+
 void ZelModel::MakeSolver(double step, int maxOrder) {
   solver_ = std::make_unique<ZelSolver>(bench_, step, *this, maxOrder);
 }

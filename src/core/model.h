@@ -65,6 +65,8 @@ class ZelModel {
 
   /// Keeps an instrument that the user added for as long as the model lives.
   void Own(std::unique_ptr<Instrument> instrument);
+  /// Destroys such an instrument.
+  void Disown(const Instrument& instrument);
 
  protected:
   void MakeSolver(double step, int maxOrder);

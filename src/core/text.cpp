@@ -1,5 +1,6 @@
 #include "core/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -86,6 +87,19 @@ std::string FormatG(double x) {
 std::string FormatEdit(double x) {
   if (x == 0.0) x = 0.0;  // drops the sign of a negated zero
   return Print(x, std::chars_format::general, ShownDigits);
+}
+
+std::string FormatSteady(double x) {
+  constexpr double Smallest = 1e-12;
+  constexpr int LeastExponent = -3;  // of numbers written without one
+  constexpr int GreatestExponent = 6;
+  if (std::abs(x) < Smallest) x = 0.0;
+  const std::string scientific = Print(x, std::chars_format::scientific, ShownDigits - 1);
+  const std::size_t mark = scientific.find('e');
+  if (mark == std::string::npos) return scientific;  // infinite or not a number
+  const int exponent = *ParseInteger(std::string_view(scientific).substr(mark + 1));
+  if (exponent < LeastExponent || exponent > GreatestExponent) return scientific;
+  return Print(x, std::chars_format::fixed, std::max(0, ShownDigits - 1 - exponent));
 }
 
 std::string FormatGeneral(double x, int precision, int exponentDigits) {

@@ -26,6 +26,10 @@ std::string FormatG(double x);
 /// FormatG without the alignment, for edits and tables. Zero has no sign.
 std::string FormatEdit(double x);
 
+/// Five significant digits, all of them written ("2.1000", "-0.012300", "1.2000e+09"), for a
+/// reading that changes. What is less than 1e-12 in magnitude is zero.
+std::string FormatSteady(double x);
+
 /// Number in general form: at most `precision` significant digits, without trailing zeros. Written
 /// with an exponent ("1.5E-07", at least `exponentDigits` digits) below 0.00001 and where there are
 /// more than `precision` digits before the point.

@@ -48,6 +48,11 @@ TEST(TextTest, ShowsFiveDigitsRightAlignedInEight) {
 }
 
 TEST(TextTest, GeneralFormTurnsToAnExponentWhereDigitsRunOut) {
+  EXPECT_EQ(FormatSteady(-2.1), "-2.1000");
+  EXPECT_EQ(FormatSteady(9.99999), "10.000");
+  EXPECT_EQ(FormatSteady(1234567.0), "1234567");
+  EXPECT_EQ(FormatSteady(-1e-20), "0.0000");
+  EXPECT_EQ(FormatSteady(1.5e-7), "1.5000e-07");
   EXPECT_EQ(FormatGeneral(0.0, 6, 2), "0");
   EXPECT_EQ(FormatGeneral(100.0, 6, 2), "100");
   EXPECT_EQ(FormatGeneral(0.0123456789, 6, 2), "0.0123457");

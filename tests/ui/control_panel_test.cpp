@@ -298,7 +298,7 @@ TEST_F(ControlPanelTest, EveryCommandThatShowsWorks) {
   EXPECT_EQ(commands.join(" ").toStdString(),
             "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
             "MIUndo MIRedo MIRunStop MIThemeSystem MIThemeLight MIThemeDark MIColoursApart "
-            "MILinePatterns MIFillScreen MICapture MIWideCapture MIWhatsThis MIAbout");
+            "MILinePatterns MIAddMeter MIFillScreen MICapture MIWideCapture MIWhatsThis MIAbout");
   EXPECT_EQ(Find<QAction>("MIUndo").shortcut(), QKeySequence("Ctrl+Z"));
   EXPECT_EQ(Find<QAction>("MIRedo").shortcut(), QKeySequence("Ctrl+Y"));
 }

@@ -234,6 +234,7 @@ TEST_F(WorkspaceTest, APlacementIsFittedToTheWorkspace) {
 // Every control says what it does, to the eye and to a screen reader, and the keyboard gets there.
 TEST_F(WorkspaceTest, EveryControlIsExplainedAndReachable) {
   int controls = 0;
+  Trigger("MIAddMeter");
   for (QWidget* widget : Panel->findChildren<QWidget*>()) {
     const bool isControl = widget->inherits("QAbstractButton") || widget->inherits("QLineEdit") ||
                            widget->inherits("QComboBox") || widget->inherits("QTableWidget");

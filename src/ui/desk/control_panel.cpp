@@ -2,9 +2,11 @@
 
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QDragEnterEvent>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QScreen>
 #include <QShortcut>
 #include <QWhatsThis>
@@ -21,6 +23,7 @@
 #include "ui/desk/window_menu.h"
 #include "ui/panes/analyser_window.h"
 #include "ui/panes/instrument_windows.h"
+#include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
@@ -99,9 +102,6 @@ void TZelControlPanelF::ConnectSession() {
     LeaveModel();
   });
   connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
-  connect(&session_, &Session::MeterAdded, this, [](const std::string& name) {
-    Note("The meter \"" + name + "\" is kept with the model but has no window.");
-  });
   connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
   connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
 }
@@ -149,6 +149,7 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &TZelControlPanelF::RestoreDefaults);
   connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
+  connect(ui_->MIAddMeter, &QAction::triggered, this, &TZelControlPanelF::AddMeter);
   connect(ui_->MIFillScreen, &QAction::triggered, ui_->InstrumentArea, &Workspace::FillScreen);
   connect(ui_->MICapture, &QAction::triggered, this, [this] {
     Model()->PrepareCapture();
@@ -185,6 +186,7 @@ void TZelControlPanelF::ShowModel() {
         if (!Running()) ShowNotice(*ui_->SBRun, QStringLiteral("The measurement waits for Run"));
       });
     }
+    WatchMeter(*pane);
   }
   ui_->InstrumentArea->Open(std::move(panes));
   ShowLook();
@@ -271,7 +273,45 @@ void TZelControlPanelF::ShowLook() {
   }
 }
 
+void TZelControlPanelF::AddMeter() {
+  const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
+  if (torvane::AddMeter(*Model(), "Meter from Main Menu " + now.toStdString())) ShowNewMeters();
+}
+
+void TZelControlPanelF::ShowNewMeters() {
+  ZelBenchTop& bench = Model()->Bench();
+  for (Instrument* meter : bench.Instruments(InstrumentKind::Meter)) {
+    if (meter->View()) continue;
+    auto pane = MakeInstrumentPane(*meter, bench);
+    WatchMeter(*pane);
+    ui_->InstrumentArea->Add(std::move(pane));
+  }
+}
+
+// The window has to be through with its event before it goes.
+void TZelControlPanelF::WatchMeter(InstrumentPane& pane) {
+  auto* window = qobject_cast<TZelMeterF*>(&pane);
+  if (!window) return;
+  const QPointer<TZelMeterF> watched(window);
+  connect(
+      window, &TZelMeterF::Closed, this,
+      [this, watched] {
+        if (!watched) return;
+        const ZelMeter& meter = watched->Meter();
+        ui_->InstrumentArea->Remove(meter);
+        Model()->Disown(meter);
+      },
+      Qt::QueuedConnection);
+  connect(
+      window, &TZelMeterF::HeightChanged, this,
+      [this, watched] {
+        if (watched) ui_->InstrumentArea->FitHeight(watched->Meter());
+      },
+      Qt::QueuedConnection);
+}
+
 void TZelControlPanelF::ShowLoaded() {
+  ShowNewMeters();
   ui_->InstrumentArea->RestorePlacements();
 }
 

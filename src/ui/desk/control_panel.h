@@ -15,6 +15,7 @@ class QAction;
 namespace torvane {
 
 class FileCommands;
+class InstrumentPane;
 class TZelModelPictureF;
 class TZelModelTextF;
 class ViewMenu;
@@ -70,6 +71,9 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void RememberWindows();
   void LeaveModel();
   void ShowModel();
+  void AddMeter();
+  void ShowNewMeters();
+  void WatchMeter(InstrumentPane& pane);
   void ShowLoaded();
   void ShowLook();
   void SelectModel(int index);

@@ -199,6 +199,17 @@ void Workspace::Remove(const Instrument& instrument) {
   if (filling_) FillScreen();
 }
 
+// Placed by hand, a window keeps its place and width.
+void Workspace::FitHeight(const Instrument& instrument) {
+  InstrumentFrame* frame = FrameOf(instrument);
+  if (!frame) return;
+  if (filling_) {
+    FillScreen();
+  } else if (!frame->isMinimized() && !frame->isMaximized()) {
+    frame->resize(frame->width(), frame->sizeHint().height());
+  }
+}
+
 void Workspace::SetShown(const Instrument& instrument, bool shown) {
   InstrumentFrame* frame = FrameOf(instrument);
   if (!frame) return;

@@ -69,6 +69,8 @@ class Workspace : public QMdiArea {
   void Add(std::unique_ptr<InstrumentPane> pane);
   /// Closes the instrument's pane.
   void Remove(const Instrument& instrument);
+  /// The pane wants another height than it had.
+  void FitHeight(const Instrument& instrument);
   /// What the user wants to see. A hidden pane keeps its place; while the sub-windows fill the
   /// area, the others share it.
   void SetShown(const Instrument& instrument, bool shown);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ui/panes/meter_window.h"
 #include "ui/panes/scope_window.h"
 #include "ui/panes/wave_gen_window.h"
 #include "ui/panes/xfer_window.h"
@@ -14,10 +15,11 @@ std::unique_ptr<InstrumentPane> MakeInstrumentPane(Instrument& instrument, ZelBe
       return std::make_unique<TZelScopeF>(static_cast<ZelScope&>(instrument), bench);
     case InstrumentKind::WaveGenerator:
       return std::make_unique<TZelWaveGenF>(static_cast<ZelWave&>(instrument));
+    case InstrumentKind::Meter:
+      return std::make_unique<TZelMeterF>(static_cast<ZelMeter&>(instrument), bench);
     case InstrumentKind::FftAnalyser:
       return std::make_unique<TZelXferF>(static_cast<ZelXfer&>(instrument), bench);
     case InstrumentKind::SweptSine:
-    case InstrumentKind::Meter:
       break;
   }
   return nullptr;

@@ -24,12 +24,6 @@ class Session::Host final : public CatalogueHost {
   bool MayDiscard() override { return session_.MayDiscard(); }
   bool RestoresWindows() const override { return session_.restoresWindows_; }
 
-  Instrument* AddMeter(const std::string& name) override {
-    Instrument* const meter = CatalogueHost::AddMeter(name);
-    if (meter) emit session_.MeterAdded(name);
-    return meter;
-  }
-
   void Replace(std::unique_ptr<ZelModel> model) override {
     emit session_.ModelAboutToChange();
     CatalogueHost::Replace(std::move(model));

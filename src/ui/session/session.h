@@ -67,8 +67,6 @@ class Session : public QObject {
   void ModelAboutToChange();
   /// Another model is current, all of it: its file, too, has been read.
   void ModelChanged();
-  /// A file that is being read has added a meter of that name to the model.
-  void MeterAdded(const std::string& name);
   /// A file has been read into the model; comes after ModelChanged.
   void FileLoaded();
   /// The session has another file.
