@@ -43,6 +43,10 @@ TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
   ASSERT_EQ(Windows().size(), ZelMeter::MaxMeters);
   EXPECT_TRUE(Meter().Name().starts_with("Meter from Main Menu 20"));
   EXPECT_TRUE(Panel->Work().Changed());
+  for (TZelMeterF* window : Windows()) {
+    EXPECT_TRUE(
+        Find<Workspace>("InstrumentArea").rect().contains(window->parentWidget()->geometry()));
+  }
 
   // Those that are changed and closed leave file, bench and history.
   Windows().front()->Meter().SetLpf(5.0);

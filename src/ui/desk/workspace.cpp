@@ -12,6 +12,28 @@ namespace torvane {
 
 namespace {
 
+// Meters that a tiling has no room for stand over the other windows, column by column from the
+// right, so that all of them can be read.
+class Overflow {
+ public:
+  explicit Overflow(const QSize& area) : area_(area), right_(area.width()) {}
+
+  void Take(QRect& place) {
+    if (top_ == 0) right_ = std::min(place.left(), right_);
+    if (top_ + place.height() > area_.height()) {
+      right_ -= place.width();
+      top_ = 0;
+    }
+    place.moveTopLeft({std::max(right_ - place.width(), 0), top_});
+    top_ += place.height();
+  }
+
+ private:
+  QSize area_;
+  int right_;
+  int top_ = 0;
+};
+
 // `at` moved into 0 to room - size.
 int Within(int at, int size, int room) {
   return std::clamp(at, 0, std::max(room - size, 0));
@@ -280,8 +302,13 @@ void Workspace::TileOver(const QSize& area) {
   for (InstrumentFrame* frame : shown) {
     if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
   }
-  const std::vector<QRect> places = TileArea(Tiles(), area);
-  for (std::size_t i = 0; i < shown.size(); ++i) shown[i]->PlaceAt(places[i]);
+  std::vector<QRect> places = TileArea(Tiles(), area);
+  Overflow overflow(area);
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    const bool meter = shown[i]->Pane().Engine().Kind() == InstrumentKind::Meter;
+    if (meter && !QRect(QPoint(), area).contains(places[i])) overflow.Take(places[i]);
+    shown[i]->PlaceAt(places[i]);
+  }
 }
 
 void Workspace::FillScreen() {
