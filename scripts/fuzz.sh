@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Builds a fuzz target (model_file, command_line, session), replays its seeds and fuzzes for SECONDS
-# (60). What it learns is kept in build/fuzz/corpus, an input that fails in build/fuzz/failures.
+# Builds a fuzz target (model_file, command_line, session, response), replays its seeds and fuzzes for
+# SECONDS (60). What it learns is kept in build/fuzz/corpus, an input that fails in build/fuzz/failures.
 #   scripts/fuzz.sh TARGET [SECONDS]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-target=${1:?model_file, command_line or session}
+target=${1:?model_file, command_line, session or response}
 seconds=${2:-60}
 folder=${TORVANE_FUZZ_BUILD:-build/fuzz}
 corpus=$folder/corpus/$target

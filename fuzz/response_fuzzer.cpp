@@ -1,0 +1,44 @@
+#include <cmath>
+
+#include "fuzzing.h"
+#include "instruments/analyser/margins.h"
+#include "instruments/analyser/response_csv.h"
+
+// Feeds the reader of responses. Whatever a file says, either a curve comes of it that rises in
+// frequency and from which finite margins are read, or a fault.
+
+namespace {
+
+using namespace torvane;
+using fuzz::Require;
+
+void RequireFinite(const std::vector<Margins::Reading>& readings) {
+  for (const Margins::Reading& reading : readings) {
+    Require(std::isfinite(reading.Hz) && std::isfinite(reading.Value), "a margin is not finite");
+  }
+}
+
+void ReadMargins(ResponseCurve curve, bool opened) {
+  if (opened) OpenFromClosed(curve);
+  UnwrapPhase(curve);
+  Margins margins;
+  FindMargins(curve, margins);
+  RequireFinite(margins.PhaseMargins);
+  RequireFinite(margins.GainMargins);
+  if (margins.Peaking) RequireFinite({*margins.Peaking});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  const ResponseText response = ParseResponse(fuzz::AsText(data, size));
+  Require(response.Fault.empty() != response.Curve.empty(), "neither a curve nor a fault");
+  double before = 0.0;
+  for (const ResponsePoint& point : response.Curve) {
+    Require(point.Hz > before, "the frequencies do not rise");
+    before = point.Hz;
+  }
+  ReadMargins(response.Curve, false);
+  ReadMargins(response.Curve, true);
+  return 0;
+}
