@@ -12,6 +12,7 @@
 #include "core/constant.h"
 #include "desktop.h"
 #include "instruments/fft/fft_analyser.h"
+#include "instruments/sweep/swept_sine_analyser.h"
 #include "ui/panes/response_paint_box.h"
 
 namespace torvane {
@@ -27,12 +28,20 @@ class AnalyserWindowTest : public test::Desktop {
     QTest::keyClick(Panel.get(), Qt::Key_F6);
     QCoreApplication::processEvents();
   }
-  QWidget& Window() { return Find<QWidget>("TZelXferF"); }
+  virtual const char* WindowName() const { return "TZelXferF"; }
+  QWidget& Window() { return Find<QWidget>(WindowName()); }
   template <class T>
   T& In(const char* name) {
     return *Window().findChild<T*>(QString::fromLatin1(name));
   }
   void Press(const char* name) { In<QAbstractButton>(name).click(); }
+  // Of the window's own edit, as other windows have edits of these names.
+  QString Text(const char* edit) { return In<QLineEdit>(edit).text(); }
+  void Type(const char* edit, const char* text) {
+    In<QLineEdit>(edit).setText(text);
+    QTest::keyClick(&In<QLineEdit>(edit), Qt::Key_Return);
+  }
+  void Choose(const char* item) { In<QAction>(item).trigger(); }
   ZelXfer& Xfer() {
     return static_cast<ZelXfer&>(*Bench().Instruments(InstrumentKind::FftAnalyser).front());
   }
@@ -84,7 +93,7 @@ TEST_F(AnalyserWindowTest, TheOnePolesBandwidthIsFoundToWithinABin) {
   const double hz = Xfer().AxisFrequency(static_cast<double>(Xfer().CursorPixel(0)) /
                                          In<ResponsePaintBox>("PBPlot").PlotWidth());
   EXPECT_NEAR(hz, Const("1-Pole Freq").Value(), Xfer().BinFrequency(1));
-  auto& table = *Panel->findChild<QTableWidget*>("SGXferCursors");
+  auto& table = *Window().findChild<QTableWidget*>("SGXferCursors");
   EXPECT_NEAR(table.item(0, 2)->text().toDouble(), -3.0, 0.1);
 }
 
@@ -137,24 +146,24 @@ TEST_F(AnalyserWindowTest, FindSaysWhatItCannotFind) {
 }
 
 TEST_F(AnalyserWindowTest, MemoriesAreStoredShownAndReadByTheCursors) {
-  Trigger("MIMemory1");
+  Choose("MIMemory1");
   EXPECT_EQ(Reports.Take(), Messages{"Note: There is no measurement to store."});
   Xfer().SetOrder(8);
   Measure();
-  Trigger("MIMemory3");
+  Choose("MIMemory3");
   EXPECT_TRUE(In<QCheckBox>("CBColor3").isChecked());
   EXPECT_FALSE(In<QCheckBox>("CBColor1").isEnabled());
   Press("SBTwoCursors");
-  Trigger("MIMemory3B");
+  Choose("MIMemory3B");
   EXPECT_EQ(Xfer().CursorSlot(), 3);
-  EXPECT_TRUE(Find<QRadioButton>("RBColor3").isChecked());
-  Find<QRadioButton>("RBColor1").click();
+  EXPECT_TRUE(In<QRadioButton>("RBColor3").isChecked());
+  In<QRadioButton>("RBColor1").click();
   EXPECT_EQ(Reports.Take(), Messages{"Note: Cursor waveform is not showing"});
-  EXPECT_TRUE(Find<QRadioButton>("RBColor3").isChecked());
-  Trigger("MISingle");
+  EXPECT_TRUE(In<QRadioButton>("RBColor3").isChecked());
+  Choose("MISingle");
   EXPECT_FALSE(Xfer().SplitScreen());
   Trigger("MIUndo");
-  EXPECT_TRUE(Find<QAction>("MISplit").isChecked());
+  EXPECT_TRUE(In<QAction>("MISplit").isChecked());
   QTest::keyClick(&In<QWidget>("PBPlot"), Qt::Key_Right, Qt::ShiftModifier);
   EXPECT_EQ(Xfer().CursorPixel(1), 21);
   // Another constant tells a later measurement from the stored one.
@@ -275,6 +284,76 @@ TEST_F(AnalyserWindowTest, ChannelsAndSetUpButtonsFollowEachOther) {
   EXPECT_FALSE(In<QToolButton>("SBButton2").isChecked());
   Trigger("MIUndo");
   EXPECT_TRUE(In<QToolButton>("SBButton2").isChecked());
+}
+
+class SweptWindowTest : public AnalyserWindowTest {
+ protected:
+  SweptWindowTest() {
+    ChooseModel("9-1 Analog Filters");
+    EXPECT_FALSE(Window().isVisible());
+    QTest::keyClick(Panel.get(), Qt::Key_F7);
+    Reports.Take();
+  }
+  const char* WindowName() const override { return "TZelSweptDSAF"; }
+  ZelSweptDSA& Swept() {
+    return static_cast<ZelSweptDSA&>(*Bench().Instruments(InstrumentKind::SweptSine).front());
+  }
+};
+
+TEST_F(SweptWindowTest, PointsAreShownAsTheyAreMeasuredToTheEnd) {
+  SweepSetup setup = Swept().Setup();
+  setup.StartFreq = 100.0;
+  setup.EndFreq = 10.0;
+  setup.StepsPerDecade = 5;
+  setup.SettleTime = 0.01;
+  Swept().Apply(setup);
+  EXPECT_EQ(Text("EFreqMin"), "10");
+  Measure();
+  EXPECT_EQ(In<QProgressBar>("PBDataCollect").format(), "6 of 6");
+  EXPECT_TRUE(In<QCheckBox>("CBColorCurrent").isChecked());
+  Choose("MIMemory2");
+  EXPECT_TRUE(Swept().HasData(2));
+
+  Press("SBRun");
+  Click("SBRun");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Swept().PointCount() > 0; }));
+  Press("SBRun");
+  EXPECT_EQ(Swept().SweepState(), ZelSweptDSA::State::Idle);
+  EXPECT_FALSE(Swept().Measuring());
+  // Traces go with the window.
+  QTest::keyClick(Panel.get(), Qt::Key_F7);
+  EXPECT_FALSE(In<QCheckBox>("CBColor2").isEnabled());
+  EXPECT_FALSE(Window().isVisible());
+}
+
+TEST_F(SweptWindowTest, TheSetUpIsCheckedAndSetsThePlotsLimits) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"EtSample", "-1", "Error: Attempt to set TSample < 0"},
+      {"EStepsPerDecade", "0", "Error: Attempt to set Steps/Decade < 0"},
+      {"EEndFreq", "0", "Error: Attempt to set End Frequency <= MinOrder"},
+      {"ESettleTime", "-1", "Error: Attempt to set Settle Time < 0"},
+      {"EStepsPerDecade", "5000",
+       "Error: The sweep has more than 2048 points.  Reduce Steps/decade, or sweep fewer decades."},
+      {"EEndFreq", "400",
+       "Warning: Sample Time x End Frequency > 0.01.  The sine is held from sample to sample, and "
+       "the phase, and behind a direct path the gain, will be wrong at the upper end.  You may "
+       "want "
+       "to reduce Sample Time to 2.5e-05 sec or less."}};
+  for (const auto& [edit, text, report] : cases) {
+    Press("SBSetup");
+    QPointer<QDialog> setup = Window().findChild<QDialog*>("TZelSweptDSASetupF");
+    EXPECT_EQ(setup->findChild<QLabel*>("LExpected")->text(), "(Expected points = 49, in 12 sec)");
+    setup->findChild<QLineEdit*>(edit)->setText(text);
+    if (report[0] == 'W') setup->findChild<QAbstractButton*>("BtSampleUp")->click();
+    setup->accept();
+    EXPECT_EQ(Reports.Take(), Messages{report});
+    setup->reject();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !setup; }));
+  }
+  EXPECT_EQ(Swept().TSample(), 1e-4);
+  EXPECT_EQ(Swept().FreqMax(), 400.0);
+  Trigger("MIUndo");
+  EXPECT_EQ(Swept().TSample(), 5e-5);
 }
 
 // With room for all three side by side the analyser is there from the start.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include "instruments/analyser/setup_finding.h"
 
 namespace torvane {
 
@@ -18,15 +18,6 @@ struct FftSetup {
   /// Share of the record that is excited, in per cent; below 0 when the end delay covers more than
   /// the record.
   double ActiveShare() const { return 100.0 * (RecordTime() - TEndDelay) / RecordTime(); }
-};
-
-/// What is to be said of a set-up: a refusal keeps it from being used, a warning or a note does
-/// not.
-struct SetupFinding {
-  enum class Kind { Nothing, Refusal, Warning, Note };
-  Kind What = Kind::Nothing;
-  std::string Text;
-  std::string WouldFit;  ///< with a refusal, what would not be refused; may be empty
 };
 
 /// The first thing to be said of the set-up, for an analyser of the given orders on a model whose

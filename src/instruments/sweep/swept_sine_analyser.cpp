@@ -95,7 +95,7 @@ void ZelSweptDSA::BeginSweep() {
 void ZelSweptDSA::StepFrequency(double t) {
   ++pointIndex_;
   phase_ += TwoPi * f_ * t;
-  f_ = NextFrequency(f_);
+  f_ = NextSweepFrequency(Setup(), f_);
   phase_ -= TwoPi * f_ * t;
 }
 

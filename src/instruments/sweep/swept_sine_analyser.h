@@ -6,6 +6,7 @@
 
 #include "instruments/analyser/analyser.h"
 #include "instruments/sample_clock.h"
+#include "instruments/sweep/sweep_setup.h"
 #include "instruments/sweep/swept_sine_channel.h"
 
 namespace torvane {
@@ -39,16 +40,13 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   void Run() override;
   void Halt() override;
 
-  /// Points of a sweep with the present settings, Capacity + 1 when there is no room for them, and
-  /// the time that they take.
-  struct Plan {
-    int Points = 0;
-    double Seconds = 0.0;
-  };
-  Plan ExpectedPlan() const;
+  /// What a sweep takes with the present settings; Capacity + 1 points when there is no room.
+  SweepPlan ExpectedPlan() const;
   /// Whether there is room for the points; reports it when there is not.
   bool CheckPlan() const;
   double Progress() const override;
+  /// Points of the sweep in progress, or of the last one.
+  int PointsExpected() const { return pointsExpected_; }
 
   State SweepState() const { return state_; }
   /// When the next tick is due, also between two points; negative while no sweep is in progress.
@@ -68,6 +66,12 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double MeasurementTime() const { return measurementTime_; }
   double Amplitude() const { return amplitude_; }
   double Offset() const { return offset_; }
+
+  /// The present set-up; what is to be said of another one, and putting that in force at once as
+  /// one change. A refused one is reported and changes nothing.
+  SweepSetup Setup() const;
+  SetupFinding Check(const SweepSetup& setup) const;
+  bool Apply(const SweepSetup& setup);
 
   // Setters report and refuse a value out of range.
   void SetTSample(double seconds);
@@ -108,8 +112,6 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   void StepFrequency(double t);
   void CompletePoint();
   void Finish(State state);
-  double NextFrequency(double hz) const;
-  double PointTime(double hz) const;
 
   double tSample_ = 0.005;
   double startFreq_ = 10.0;

@@ -1,12 +1,10 @@
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "core/messages.h"
 #include "core/numeric.h"
 #include "instruments/setting_limits.h"
 #include "instruments/sweep/swept_sine_analyser.h"
-#include "instruments/whole_periods.h"
 
 namespace torvane {
 
@@ -59,29 +57,48 @@ void ZelSweptDSA::SetOffset(double offset) {
   if (InProgress()) excitation_ = LimitExcitation(excitation_, amplitude_, offset_);
 }
 
-double ZelSweptDSA::NextFrequency(double hz) const {
-  // The last factor keeps rounding from leaving the final point just short of FreqMax.
-  return hz * (std::exp(std::numbers::ln10 / stepsPerDecade_) * 1.000001);
+SweepSetup ZelSweptDSA::Setup() const {
+  return {tSample_,         startFreq_, endFreq_, stepsPerDecade_, settleTime_,
+          measurementTime_, amplitude_, offset_,  Averages()};
 }
 
-double ZelSweptDSA::PointTime(double hz) const {
-  return settleTime_ + Averages() * WholePeriods(measurementTime_ / hz) / hz;
+SetupFinding ZelSweptDSA::Check(const SweepSetup& setup) const {
+  return CheckSetup(setup, Capacity);
 }
 
-ZelSweptDSA::Plan ZelSweptDSA::ExpectedPlan() const {
-  Plan plan;
-  for (double hz = FreqMin(); plan.Points <= Capacity; hz = NextFrequency(hz)) {
-    ++plan.Points;
-    plan.Seconds += PointTime(hz);
-    if (hz >= FreqMax()) break;
+bool ZelSweptDSA::Apply(const SweepSetup& setup) {
+  const SetupFinding finding = Check(setup);
+  if (finding.What == SetupFinding::Kind::Refusal) {
+    Error(finding.Text);
+    return false;
   }
-  return plan;
+  Change(
+      [&] {
+        SetTSample(setup.TSample);
+        SetStartFreq(setup.StartFreq);
+        SetEndFreq(setup.EndFreq);
+        SetStepsPerDecade(setup.StepsPerDecade);
+        SetSettleTime(setup.SettleTime);
+        SetMeasurementTime(setup.MeasurementTime);
+        SetAmplitude(setup.Amplitude);
+        SetOffset(setup.Offset);
+        ApplySweepRange();
+      },
+      [] { return "Swept-Sine Setup"; });
+  return true;
+}
+
+// Of what is swept now, the plot's range.
+SweepPlan ZelSweptDSA::ExpectedPlan() const {
+  SweepSetup setup = Setup();
+  setup.StartFreq = FreqMin();
+  setup.EndFreq = FreqMax();
+  return PlanSweep(setup, Capacity);
 }
 
 bool ZelSweptDSA::CheckPlan() const {
   if (ExpectedPlan().Points <= Capacity) return true;
-  Error("The sweep has more than " + std::to_string(Capacity) +
-        " points.  Reduce Steps/decade, or sweep fewer decades.");
+  Error(TooManyPoints(Capacity));
   return false;
 }
 

@@ -8,7 +8,6 @@
 #include "core/messages.h"
 #include "core/undo.h"
 #include "instruments/analyser/auto_find.h"
-#include "plot/scope_colours.h"
 #include "ui/panes/analyser_axes.h"
 #include "ui/panes/response_cursors.h"
 #include "ui/panes/response_menu.h"
@@ -194,6 +193,8 @@ void AnalyserWindow::ShowCursors() {
 void AnalyserWindow::ShowProgress() {
   const int percent = static_cast<int>(100.0 * analyser_.Progress());
   if (ui_->PBDataCollect->value() != percent) ui_->PBDataCollect->setValue(percent);
+  const QString text = ProgressText();
+  if (ui_->PBDataCollect->format() != text) ui_->PBDataCollect->setFormat(text);
 }
 
 void AnalyserWindow::SettingsChanged() {

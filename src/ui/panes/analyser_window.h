@@ -48,6 +48,9 @@ class AnalyserWindow : public InstrumentPane {
   /// Puts all that can be measured on the frequency axis.
   virtual void AutoRange() = 0;
 
+  /// What the progress bar says.
+  virtual QString ProgressText() const { return QStringLiteral("%p%"); }
+
   Ui::AnalyserForm& Form() { return *ui_; }
 
   void closeEvent(QCloseEvent* event) override;

@@ -4,6 +4,7 @@
 
 #include "ui/panes/meter_window.h"
 #include "ui/panes/scope_window.h"
+#include "ui/panes/swept_window.h"
 #include "ui/panes/wave_gen_window.h"
 #include "ui/panes/xfer_window.h"
 
@@ -20,7 +21,7 @@ std::unique_ptr<InstrumentPane> MakeInstrumentPane(Instrument& instrument, ZelBe
     case InstrumentKind::FftAnalyser:
       return std::make_unique<TZelXferF>(static_cast<ZelXfer&>(instrument), bench);
     case InstrumentKind::SweptSine:
-      break;
+      return std::make_unique<TZelSweptDSAF>(static_cast<ZelSweptDSA&>(instrument), bench);
   }
   return nullptr;
 }

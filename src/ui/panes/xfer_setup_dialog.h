@@ -2,14 +2,12 @@
 
 #include <QDialog>
 #include <memory>
-#include <vector>
 
 #include "instruments/fft/fft_analyser.h"
-#include "ui/widgets/number_field.h"
-
-class QAbstractButton;
 
 namespace torvane {
+
+class SetupFields;
 
 namespace Ui {
 class TZelXferSetupF;
@@ -29,20 +27,12 @@ class TZelXferSetupF : public QDialog {
   void accept() override;
 
  private:
-  struct Number {
-    NumberField Field;
-    double FftSetup::*Value;
-  };
-  using Step = double (*)(double value);
-
-  void ConnectStep(QAbstractButton& button, NumberField& field, Step step);
   std::optional<FftSetup> Typed(bool reporting) const;
   void ShowActiveTime();
 
   ZelXfer& analyser_;
   std::unique_ptr<Ui::TZelXferSetupF> ui_;
-  std::vector<Number> numbers_;
-  NumberField order_;
+  SetupFields* fields_;
 };
 
 }  // namespace torvane

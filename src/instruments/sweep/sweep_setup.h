@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+
+#include "instruments/analyser/setup_finding.h"
+
+namespace torvane {
+
+/// How the swept-sine analyser measures; times in seconds, frequencies in Hz.
+struct SweepSetup {
+  double TSample = 0.005;
+  double StartFreq = 10.0;  ///< the two ends of the sweep, in either order
+  double EndFreq = 0.2;
+  int StepsPerDecade = 25;
+  double SettleTime = 0.005;
+  double MeasurementTime = 0.005;  ///< divided by the frequency, periods of a point
+  double Amplitude = 1.0;
+  double Offset = 0.0;
+  int Averages = 1;
+};
+
+/// The frequency that a sweep measures next.
+double NextSweepFrequency(const SweepSetup& setup, double hz);
+
+/// What a sweep takes: how many points, no more than `most` + 1, and how long.
+struct SweepPlan {
+  int Points = 0;
+  double Seconds = 0.0;
+};
+SweepPlan PlanSweep(const SweepSetup& setup, int most);
+
+/// What a sweep is refused with that has more points than there is room for.
+std::string TooManyPoints(int most);
+
+/// The first thing to be said of the set-up, for an analyser with room for so many points.
+SetupFinding CheckSetup(const SweepSetup& setup, int mostPoints);
+
+}  // namespace torvane

@@ -1,0 +1,64 @@
+#include "ui/panes/swept_setup_dialog.h"
+
+#include <algorithm>
+
+#include "core/text.h"
+#include "ui/panes/setup_fields.h"
+#include "ui_swept_setup.h"
+
+namespace torvane {
+
+TZelSweptDSASetupF::TZelSweptDSASetupF(ZelSweptDSA& analyser, QWidget* parent)
+    : QDialog(parent),
+      analyser_(analyser),
+      ui_(std::make_unique<Ui::TZelSweptDSASetupF>()),
+      fields_(new SetupFields(*this, [this] { ShowExpected(); })) {
+  ui_->setupUi(this);
+  const SweepSetup setup = analyser.Setup();
+  const auto fewer = [](double steps) { return std::max(steps - 5.0, 1.0); };
+  const auto moreSteps = [](double steps) { return steps == 1.0 ? 5.0 : steps + 5.0; };
+  fields_->AddStepped(*ui_->EtSample, setup.TSample, Less, More);
+  fields_->AddStepped(*ui_->EStartFreq, setup.StartFreq, Less, More);
+  fields_->AddStepped(*ui_->EEndFreq, setup.EndFreq, Less, More);
+  fields_->AddStepped(*ui_->EStepsPerDecade, setup.StepsPerDecade, fewer, moreSteps);
+  fields_->AddStepped(*ui_->ESettleTime, setup.SettleTime, LessOrNone, MoreThanNone);
+  fields_->AddStepped(*ui_->EMeasurementTime, setup.MeasurementTime, LessOrNone, MoreThanNone);
+  fields_->Add(*ui_->EAmplitude, setup.Amplitude);
+  fields_->Add(*ui_->EOffset, setup.Offset);
+  connect(ui_->Buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(ui_->Buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  ShowExpected();
+}
+
+TZelSweptDSASetupF::~TZelSweptDSASetupF() = default;
+
+std::optional<SweepSetup> TZelSweptDSASetupF::Typed(bool reporting) const {
+  const auto values = fields_->Values(reporting);
+  if (!values) return std::nullopt;
+  const std::vector<double>& v = *values;
+  const auto steps = WholeNumber(v[3], "Steps/decade", reporting);
+  if (!steps) return std::nullopt;
+  return SweepSetup{v[0], v[1], v[2], *steps, v[4], v[5], v[6], v[7], analyser_.Averages()};
+}
+
+void TZelSweptDSASetupF::ShowExpected() {
+  const auto setup = Typed(false);
+  const bool good = setup && analyser_.Check(*setup).What != SetupFinding::Kind::Refusal;
+  if (!good) {
+    ui_->LExpected->setText(QStringLiteral("(Expected points = ?)"));
+    return;
+  }
+  const SweepPlan plan = PlanSweep(*setup, ZelSweptDSA::Capacity);
+  ui_->LExpected->setText(QStringLiteral("(Expected points = %1, in %2 sec)")
+                              .arg(plan.Points)
+                              .arg(QString::fromStdString(FormatGeneral(plan.Seconds, 3, 1))));
+}
+
+void TZelSweptDSASetupF::accept() {
+  const auto setup = Typed(true);
+  if (!setup || !ReportFinding(analyser_.Check(*setup))) return;
+  analyser_.Apply(*setup);
+  QDialog::accept();
+}
+
+}  // namespace torvane

@@ -1,0 +1,34 @@
+#include "ui/panes/swept_window.h"
+
+#include "core/messages.h"
+#include "ui/panes/swept_setup_dialog.h"
+#include "ui_analyser.h"
+
+namespace torvane {
+
+TZelSweptDSAF::TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench)
+    : AnalyserWindow(analyser, bench, "TZelSweptDSAF", "TZelSweptDSACursorF"), swept_(analyser) {
+  setWindowTitle(analyser.Name() == "MainSweptDSA" ? QStringLiteral("Swept-Sine Analyzer")
+                                                   : QString::fromStdString(analyser.Name()));
+  Ui::AnalyserForm& ui = Form();
+  for (QWidget* ofRecords : {ui.CBSpectrum, ui.CBBinary, ui.CBUseGenFilter}) delete ofRecords;
+  SettingsChanged();
+}
+
+void TZelSweptDSAF::AutoRange() {
+  swept_.ApplySweepRange();
+}
+
+QString TZelSweptDSAF::ProgressText() const {
+  return QStringLiteral("%1 of %2").arg(swept_.PointCount()).arg(swept_.PointsExpected());
+}
+
+void TZelSweptDSAF::OpenSetup() try {
+  auto* dialog = new TZelSweptDSASetupF(swept_, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+} catch (const std::exception&) {
+  Error("Fault in TZelSweptDSAF :: SBSetupClick");
+}
+
+}  // namespace torvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "instruments/sweep/swept_sine_analyser.h"
+#include "ui/panes/analyser_window.h"
+
+namespace torvane {
+
+/// The window of the swept-sine analyser. Points are drawn as they are measured.
+class TZelSweptDSAF : public AnalyserWindow {
+  Q_OBJECT
+
+ public:
+  /// Analyser and bench must outlive the window.
+  TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench);
+
+  AtFirst ShownAtFirst() const override { return AtFirst::Hidden; }
+
+ protected:
+  void OpenSetup() override;
+  void AutoRange() override;
+  QString ProgressText() const override;
+
+ private:
+  ZelSweptDSA& swept_;
+};
+
+}  // namespace torvane
