@@ -192,8 +192,8 @@ constexpr Entry Entries[] = {
     {"BCancel", "Leaves the channels as they were."},
     // The analysers.
     {"RunGroup/SBRun",
-     "Starts a measurement, and the model with it, and ends by itself when the response is "
-     "measured. Pressed again, it stops the measurement."},
+     "Takes a measurement while the model runs: the excitation takes the generator's place until it "
+     "is done and the button comes up. Pressed before, it stops the measurement."},
     {"SBSetup",
      "Opens the settings of the measurement: sample time, length, delays and excitation."},
     {"CBSpectrum",
@@ -283,7 +283,7 @@ constexpr Entry Entries[] = {
     {"BtEndDelayDown", "Lets the excitation last longer."},
     {"BtEndDelayUp", "Lets the excitation end earlier."},
     {"TZelXferSetupF/EAmplitude",
-     "How far the excitation goes to either side, in the units of the model's command."},
+     "How far the excitation goes from least to greatest, in the units of the model's command."},
     {"TZelXferSetupF/EOffset", "The value about which the excitation moves."},
     {"EStartFreq", "The frequency at which the sweep begins."},
     {"BStartFreqDown", "Begins the sweep at a lower frequency."},
@@ -298,7 +298,9 @@ constexpr Entry Entries[] = {
      "The time for which the model settles at each frequency before it is measured."},
     {"BSettleTimeDown", "Gives the model less time to settle."},
     {"BSettleTimeUp", "Gives the model more time to settle."},
-    {"EMeasurementTime", "How long each frequency is measured."},
+    {"EMeasurementTime",
+     "Divided by the frequency it gives the periods for which each frequency is measured, at least "
+     "one."},
     {"BMeasurementTimeDown", "Measures each frequency for a shorter time."},
     {"BMeasurementTimeUp",
      "Measures each frequency for longer, which makes the result more exact."},
