@@ -216,6 +216,8 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
   const QFontMetrics metrics(numberFont_);
   const int gap = Scaled(LabelGap);
   painter.setFont(numberFont_);
+  const int division = plate.height() / VerticalDivisions;
+  const int step = division >= metrics.height() ? 1 : 2 * division >= metrics.height() ? 2 : 3;
   for (int line = 0; line <= VerticalDivisions; ++line) {
     const int y = plate.top() + line * (plate.height() - 1) / VerticalDivisions;
     if (line > 0 && line < VerticalDivisions && !axis.OnRight) {
@@ -223,6 +225,7 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
                           std::max(1, Scaled(1.0))));
       painter.drawLine(plate.left(), y, plate.right(), y);
     }
+    if ((line - VerticalDivisions / 2) % step != 0) continue;
     const double value = (VerticalDivisions / 2 - line) * axis.Scale - axis.Offset;
     const int top = y - metrics.height() / 2;
     const QRect place = axis.OnRight

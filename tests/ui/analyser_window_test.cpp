@@ -7,10 +7,14 @@
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTimer>
 #include <QToolButton>
 
 #include "core/constant.h"
+#include "core/files/atomic_save.h"
 #include "desktop.h"
+#include "instruments/analyser/shown_responses_csv.h"
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 #include "ui/panes/response_paint_box.h"
@@ -178,6 +182,34 @@ TEST_F(AnalyserWindowTest, MemoriesAreStoredShownAndReadByTheCursors) {
   Press("CBSpectrum");
   Xfer().SetOrder(9);
   EXPECT_FALSE(In<QCheckBox>("CBColor3").isEnabled());
+}
+
+// What was measured once lies over what is measured later.
+TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
+  Xfer().SetOrder(6);
+  Measure();
+  Choose("MIMemory1");
+  const std::string csv = ShownResponsesCsv(Xfer());
+  EXPECT_EQ(csv.substr(0, csv.find('\n')), "Frequency,Gain,Phase,Memory 1 Gain,Memory 1 Phase");
+  const QTemporaryDir folder;
+  const QString path = folder.filePath("bench.csv");
+  ASSERT_EQ(ReplaceFile(path.toStdString(), csv), "");
+  const auto load = [&](const QString& file) {
+    QTimer::singleShot(0, qApp, [file] {
+      auto& dialog = *qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(file);
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    Choose("MILoadMemory4");
+  };
+  load(path);
+  EXPECT_EQ(Xfer().LoadedFrom(4), "bench.csv");
+  EXPECT_TRUE(In<QCheckBox>("CBColor4").isChecked());
+  EXPECT_EQ(Xfer().GainRead(4, 125.0), Xfer().GainRead(0, 125.0));
+  ASSERT_EQ(ReplaceFile(path.toStdString(), "no numbers"), "");
+  load(path);
+  EXPECT_EQ(Reports.Take().size(), 1U);
+  EXPECT_EQ(Xfer().LoadedFrom(4), "bench.csv");
 }
 
 TEST_F(AnalyserWindowTest, AxesAreLimitedSteppedAndUndone) {

@@ -26,6 +26,11 @@ class ExportMenuTest : public test::Desktop {
     EXPECT_TRUE(QTest::qWaitFor([this] { return Panel->Model()->Time() > 0.05; }));
     Click("SBStop");
   }
+  // Other windows have menus of these names.
+  template <class T>
+  T& InScope(const char* name) {
+    return *Find<QWidget>("TZelScopeF").findChild<T*>(QString::fromLatin1(name));
+  }
   /// Answers the dialog that the next action opens.
   void Answer(std::function<void(QDialog& dialog)> answer) {
     QTimer::singleShot(0, qApp, [this, answer] {
@@ -39,7 +44,7 @@ class ExportMenuTest : public test::Desktop {
       dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
       dialog.accept();
     });
-    Trigger(item);
+    InScope<QAction>(item).trigger();
   }
   QString Path(const char* name) { return Folder.filePath(QLatin1String(name)); }
   QByteArray Read(const char* name) {
@@ -52,8 +57,8 @@ class ExportMenuTest : public test::Desktop {
 
 TEST_F(ExportMenuTest, PictureAndDataGoToFilesAndToTheClipboard) {
   emit Find<QWidget>("PBScreen").customContextMenuRequested({20, 20});
-  EXPECT_TRUE(Find<QMenu>("MExport").isVisible());
-  Find<QMenu>("MExport").hide();
+  EXPECT_TRUE(InScope<QMenu>("MExport").isVisible());
+  InScope<QMenu>("MExport").hide();
   Save("MIExportPng", Path("a"));
   Save("MIExportSvg", Path("b.svg"));
   Save("MIExportPdf", Path("c.PDF"));
@@ -64,11 +69,11 @@ TEST_F(ExportMenuTest, PictureAndDataGoToFilesAndToTheClipboard) {
   const QByteArray csv = Read("d.csv");
   EXPECT_TRUE(csv.startsWith("Time,vC,vF\n")) << csv.left(80).toStdString();
   EXPECT_EQ(csv.count('\n'), Find<ScopePaintBox>("PBScreen").Screen().PointCount() + 1);
-  Trigger("MICopyData");
+  InScope<QAction>("MICopyData").trigger();
   const QMimeData& copied = *QGuiApplication::clipboard()->mimeData();
   EXPECT_EQ(copied.data(QStringLiteral("text/csv")), csv);
   EXPECT_EQ(copied.text(), QString::fromUtf8(csv));
-  Trigger("MICopyPicture");
+  InScope<QAction>("MICopyPicture").trigger();
   EXPECT_EQ(QGuiApplication::clipboard()->image(),
             QImage(Path("a.png")).convertToFormat(QImage::Format_RGB32));
   EXPECT_TRUE(Reports.Take().empty());

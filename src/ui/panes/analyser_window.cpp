@@ -8,9 +8,11 @@
 #include "core/messages.h"
 #include "core/undo.h"
 #include "instruments/analyser/auto_find.h"
+#include "instruments/analyser/shown_responses_csv.h"
 #include "ui/panes/analyser_axes.h"
 #include "ui/panes/response_cursors.h"
 #include "ui/panes/response_menu.h"
+#include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/swatch.h"
 #include "ui_analyser.h"
@@ -28,16 +30,17 @@ void Check(QAbstractButton& button, bool on) {
 
 }  // namespace
 
-AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const char* name,
-                               const char* cursors)
+AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const Names& names)
     : InstrumentPane(analyser), analyser_(analyser), ui_(std::make_unique<Ui::AnalyserForm>()) {
-  setObjectName(QLatin1String(name));
+  setObjectName(QLatin1String(names.Window));
   ui_->setupUi(this);
+  setWindowTitle(analyser.Name() == names.Analyser ? QLatin1String(names.Title)
+                                                   : QString::fromStdString(analyser.Name()));
   setWindowIcon(QIcon(QStringLiteral(":/icons/analyser.svg")));
   ui_->PBPlot->SetAnalyser(analyser);
   axes_ = new AnalyserAxes(*ui_, analyser, this);
-  menu_ = new ResponseMenu(analyser, this);
-  cursors_ = new ResponseCursors(analyser, cursors, this);
+  menu_ = new ResponseMenu(analyser, MakeExports(bench, names.File), this);
+  cursors_ = new ResponseCursors(analyser, names.Cursors, this);
   ConnectRun();
   ConnectSignals();
   ConnectTraces();
@@ -46,6 +49,17 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
 }
 
 AnalyserWindow::~AnalyserWindow() = default;
+
+QMenu& AnalyserWindow::MakeExports(const ZelBenchTop& bench, const char* file) {
+  const QString model = QString::fromStdString(bench.ModelName());
+  auto* exports = new ExportMenu(
+      *ui_->PBPlot, {QStringLiteral("%1 - %2").arg(model, windowTitle()), QLatin1String(file),
+                     [this] { return ResponsePicture(analyser_); },
+                     [this] { return ShownResponsesCsv(analyser_); }});
+  // The plot has a larger menu, of which this one is a part.
+  ui_->PBPlot->setContextMenuPolicy(Qt::DefaultContextMenu);
+  return *exports;
+}
 
 void AnalyserWindow::ConnectRun() {
   connect(ui_->SBRun, &QAbstractButton::clicked, this, [this](bool down) {

@@ -7,6 +7,7 @@
 #include "ui/panes/instrument_pane.h"
 
 class QCheckBox;
+class QMenu;
 class QToolButton;
 
 namespace torvane {
@@ -38,10 +39,17 @@ class AnalyserWindow : public InstrumentPane {
   void MeasurementBegun();
 
  protected:
-  /// `name` is the window's object name; the cursors' window is called `cursors`. Analyser and
-  /// bench must outlive the window.
-  AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const char* name,
-                 const char* cursors);
+  /// How the window of a kind of analyser is called.
+  struct Names {
+    const char* Window;    ///< the object
+    const char* Cursors;   ///< its cursors' window
+    const char* Analyser;  ///< a model's first one, which has the title
+    const char* Title;     ///< others have their own name
+    const char* File;      ///< proposed for what the plot gives away
+  };
+
+  /// Analyser and bench must outlive the window.
+  AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const Names& names);
 
   /// Opens the set-up of the measurement.
   virtual void OpenSetup() = 0;
@@ -59,6 +67,7 @@ class AnalyserWindow : public InstrumentPane {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  QMenu& MakeExports(const ZelBenchTop& bench, const char* file);
   void ConnectRun();
   void ConnectSignals();
   void ConnectTraces();

@@ -1,15 +1,31 @@
 #include "ui/panes/response_menu.h"
 
 #include <QActionGroup>
+#include <QDir>
+#include <QFileDialog>
+#include <utility>
+
+#include "core/messages.h"
+#include "instruments/analyser/response_csv.h"
+#include "ui/session/user_settings.h"
 
 namespace torvane {
 
-ResponseMenu::ResponseMenu(FrequencyAnalyser& analyser, QWidget* parent)
-    : QObject(parent), analyser_(analyser), menu_(parent) {
+namespace {
+
+const QString FolderKey = QStringLiteral("exportFolder");
+
+}  // namespace
+
+ResponseMenu::ResponseMenu(FrequencyAnalyser& analyser, QMenu& exports, QWidget* parent)
+    : QObject(parent), analyser_(analyser), window_(parent), menu_(parent) {
   menu_.setObjectName(QStringLiteral("PMStoreShow"));
   AddSave();
+  AddLoad();
   AddShow();
   AddScreen();
+  exports.setTitle(QStringLiteral("Export"));
+  menu_.addMenu(&exports);
 }
 
 QAction* ResponseMenu::Add(QMenu& menu, const QString& text, const char* name) {
@@ -25,6 +41,34 @@ void ResponseMenu::AddSave() {
     QAction* item = Add(*save_, QStringLiteral("Memory &%1").arg(slot),
                         qPrintable(QStringLiteral("MIMemory%1").arg(slot)));
     connect(item, &QAction::triggered, this, [this, slot] { analyser_.StoreData(slot); });
+  }
+}
+
+void ResponseMenu::AddLoad() {
+  QMenu* menu = menu_.addMenu(QStringLiteral("Load"));
+  menu->menuAction()->setObjectName(QStringLiteral("MILoadMemory"));
+  for (int slot = 1; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    QAction* item = Add(*menu, QStringLiteral("Memory &%1...").arg(slot),
+                        qPrintable(QStringLiteral("MILoadMemory%1").arg(slot)));
+    connect(item, &QAction::triggered, this, [this, slot] { Load(slot); });
+  }
+}
+
+// What a bench or torvane-cli has measured lies over what is measured here.
+void ResponseMenu::Load(int slot) {
+  QFileDialog dialog(window_, QStringLiteral("Load a Response"),
+                     UserSettings().value(FolderKey, QDir::homePath()).toString(),
+                     QStringLiteral("Frequency, gain and phase (*.csv *.txt);;All files (*)"));
+  dialog.setObjectName(QStringLiteral("LoadResponseDialog"));
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  if (dialog.exec() != QDialog::Accepted) return;
+  const QString path = dialog.selectedFiles().value(0);
+  UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
+  ResponseText response = ReadResponseFile(path.toStdString());
+  if (response.Fault.empty()) {
+    analyser_.LoadMemory(slot, std::move(response.Curve), QFileInfo(path).fileName().toStdString());
+  } else {
+    Error(response.Fault);
   }
 }
 

@@ -8,14 +8,15 @@
 
 namespace torvane {
 
-/// The menu of an analyser's plot: stores the current measurement in a memory, chooses the trace
-/// that the cursors read, and how the screen is divided.
+/// The menu of an analyser's plot: stores the current measurement in a memory or loads one from a
+/// file, chooses the trace that the cursors read and how the screen is divided, and gives picture
+/// and data away.
 class ResponseMenu : public QObject {
   Q_OBJECT
 
  public:
-  /// The analyser must outlive it.
-  ResponseMenu(FrequencyAnalyser& analyser, QWidget* parent);
+  /// The analyser must outlive it. `exports` is the submenu for what the plot gives away.
+  ResponseMenu(FrequencyAnalyser& analyser, QMenu& exports, QWidget* parent);
 
   QMenu& Menu() { return menu_; }
 
@@ -28,10 +29,13 @@ class ResponseMenu : public QObject {
  private:
   QAction* Add(QMenu& menu, const QString& text, const char* name);
   void AddSave();
+  void AddLoad();
+  void Load(int slot);
   void AddShow();
   void AddScreen();
 
   FrequencyAnalyser& analyser_;
+  QWidget* window_;
   QMenu menu_;
   QMenu* save_ = nullptr;
   std::array<QAction*, FrequencyAnalyser::SlotCount> cursorTraces_{};

@@ -7,9 +7,10 @@
 namespace torvane {
 
 TZelSweptDSAF::TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench)
-    : AnalyserWindow(analyser, bench, "TZelSweptDSAF", "TZelSweptDSACursorF"), swept_(analyser) {
-  setWindowTitle(analyser.Name() == "MainSweptDSA" ? QStringLiteral("Swept-Sine Analyzer")
-                                                   : QString::fromStdString(analyser.Name()));
+    : AnalyserWindow(
+          analyser, bench,
+          {"TZelSweptDSAF", "TZelSweptDSACursorF", "MainSweptDSA", "Swept-Sine Analyzer", "sweep"}),
+      swept_(analyser) {
   Ui::AnalyserForm& ui = Form();
   for (QWidget* ofRecords : {ui.CBSpectrum, ui.CBBinary, ui.CBUseGenFilter}) delete ofRecords;
   SettingsChanged();
@@ -20,6 +21,7 @@ void TZelSweptDSAF::AutoRange() {
 }
 
 QString TZelSweptDSAF::ProgressText() const {
+  if (swept_.PointsExpected() == 0) return AnalyserWindow::ProgressText();
   return QStringLiteral("%1 of %2").arg(swept_.PointCount()).arg(swept_.PointsExpected());
 }
 

@@ -10,9 +10,10 @@
 namespace torvane {
 
 TZelXferF::TZelXferF(ZelXfer& analyser, ZelBenchTop& bench)
-    : AnalyserWindow(analyser, bench, "TZelXferF", "TZelXferCursorF"), xfer_(analyser) {
-  setWindowTitle(analyser.Name() == "MainXFer" ? QStringLiteral("Dynamic Signal Analyzer")
-                                               : QString::fromStdString(analyser.Name()));
+    : AnalyserWindow(
+          analyser, bench,
+          {"TZelXferF", "TZelXferCursorF", "MainXFer", "Dynamic Signal Analyzer", "response"}),
+      xfer_(analyser) {
   Ui::AnalyserForm& ui = Form();
   connect(ui.CBSpectrum, &QAbstractButton::clicked, this,
           [this](bool on) { xfer_.ClickSpectrum(on); });
