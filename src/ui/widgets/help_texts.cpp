@@ -192,7 +192,8 @@ constexpr Entry Entries[] = {
     {"BCancel", "Leaves the channels as they were."},
     // The analysers.
     {"RunGroup/SBRun",
-     "Takes a measurement while the model runs: the excitation takes the generator's place until it "
+     "Takes a measurement while the model runs: the excitation takes the generator's place until "
+     "it "
      "is done and the button comes up. Pressed before, it stops the measurement."},
     {"SBSetup",
      "Opens the settings of the measurement: sample time, length, delays and excitation."},
