@@ -7,12 +7,13 @@
 
 namespace torvane {
 
-Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference) {
-  const auto paint = [&scope, screen = std::move(screen), reference](
+Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference,
+                     const TraceLook& look) {
+  const auto paint = [&scope, screen = std::move(screen), reference, look](
                          QPainter& painter, const QSize& size, double ratio) {
     ScopePainter picture(scope, PaintTime::Unbounded);
-    picture.Layout(size, ratio, MakeScopeLabels(scope, reference));
-    const ScopeColours colours = ScopeColours::Light();
+    picture.Layout(size, ratio, MakeScopeLabels(scope, reference), look);
+    const ScopeColours colours = ScopeColours::Light(look.Colours);
     picture.PaintBackground(painter, colours);
     picture.PaintTraces(painter, colours, screen);
     picture.PaintTags(painter, colours);

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "plot/scope_colours.h"
+
 namespace torvane {
 
 class FrequencyAnalyser;
@@ -22,7 +24,8 @@ struct Picture {
 
 /// The scope with that screen, as on paper: light, with all scales. The left axis shows the values
 /// of `reference`, or of the first displayed channel. The scope must outlive the picture.
-Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference);
+Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference,
+                     const TraceLook& look = {});
 
 /// The analyser's gain and phase; the analyser must outlive the picture.
 Picture ResponsePicture(FrequencyAnalyser& analyser);

@@ -22,6 +22,7 @@ constexpr double EntryGap = 18.0;      // between legend entries of one row
 constexpr int TicksPerDivision = 5;
 constexpr int WidestTick = 7;  // characters of the left labels that always have room
 constexpr int SmallestPlate = 40;
+constexpr double LegendTakesAtMost = 0.3;  // of the picture's height
 constexpr double NamesTakeAtMost = 0.15;  // of the screen's width
 
 QString Text(const std::string& text) {
@@ -53,6 +54,10 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   markFont_.setBold(true);
   const int margin = Scaled(Margin);
   PlaceLegend(size.width() - 2 * margin);
+  while (!legendPlaces_.empty() &&
+         legendPlaces_.back().bottom() > LegendTakesAtMost * size.height()) {
+    legendPlaces_.pop_back();
+  }
   PlacePlate(legendPlaces_.empty() ? 0 : legendPlaces_.back().bottom() + 1);
   for (QRect& place : legendPlaces_) {
     const int numbers = QFontMetrics(numberFont_).height();
@@ -152,7 +157,7 @@ void ScopePainter::PaintTicks(QPainter& painter, const ScopeColours& colours) co
   }
 }
 
-// Values at the division lines; a bar and a caption in the trace's colour tell whose they are.
+// Values at the division lines, or where these are close at every second or fourth; a bar and a caption in the trace's colour tell whose they are.
 void ScopePainter::PaintAxis(QPainter& painter, const ScopeColours& colours) const {
   if (labels_.LeftColour < 0) return;
   painter.setFont(numberFont_);
@@ -161,7 +166,9 @@ void ScopePainter::PaintAxis(QPainter& painter, const ScopeColours& colours) con
   const int gap = Scaled(LabelGap);
   const int right = plate_.left() - ScreenMarks::LeftRoom(ratio_) - gap;
   const int lines = static_cast<int>(labels_.Left.size());
-  for (int k = 0; k < lines; ++k) {
+  const int division = plate_.height() / ZelScope::VerticalDivisions;
+  const int step = height <= division ? 1 : height <= 2 * division ? 2 : 4;
+  for (int k = 0; k < lines; k += step) {
     const int y = plate_.top() + k * plate_.height() / (lines - 1);
     painter.drawText(QRect(0, y - height / 2, right - gap, height),
                      Qt::AlignRight | Qt::AlignVCenter,

@@ -78,6 +78,10 @@ TEST_F(PictureExportTest, DrawingsKeepTextAndLines) {
   const QByteArray svg = Read(Path("scope.svg"));
   EXPECT_TRUE(svg.contains("Speed 5/div (Off: 0)"));
   EXPECT_TRUE(svg.contains("#0000ff"));
+  const Picture patterned = ScopePicture(set_.Scope, screen_, nullptr, {TraceColours::Apart, true});
+  ASSERT_EQ(ExportPicture(patterned, Path("patterned.svg")), "");
+  EXPECT_TRUE(Read(Path("patterned.svg")).contains("stroke-dasharray=\""));
+  EXPECT_FALSE(Read(Path("patterned.svg")).contains("#0000ff"));
   ASSERT_TRUE(Export(Path("scope.pdf"))) << error_;
   EXPECT_TRUE(Read(Path("scope.pdf")).startsWith("%PDF-"));
 }

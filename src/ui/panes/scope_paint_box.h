@@ -34,6 +34,7 @@ class ScopePaintBox : public QWidget {
 
   /// Colours and line patterns of the traces.
   void SetLook(const TraceLook& look);
+  const TraceLook& Look() const { return look_; }
   ScopeColours Colours() const;
 
   /// The sweep that is shown.

@@ -222,7 +222,7 @@ void TZelScopeF::ConnectExport(const ZelBenchTop& bench) {
   const auto heading = QStringLiteral("%1 - %2");
   const QString model = QString::fromStdString(bench.ModelName());
   const auto picture = [this] {
-    return ScopePicture(scope_, ui_->PBScreen->Screen(), &VerticalChannel());
+    return ScopePicture(scope_, ui_->PBScreen->Screen(), &VerticalChannel(), ui_->PBScreen->Look());
   };
   const auto csv = [this] { return ScreenCsv(scope_, ui_->PBScreen->Screen()); };
   auto* menu = new ExportMenu(
