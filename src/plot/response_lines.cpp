@@ -84,6 +84,8 @@ class LineMaker {
 
   void AddBins(int x, int first, int past) {
     const std::optional<double> before = last_;
+    const double begin = ValueOf(first);
+    if (!line_.empty() && !Breaks(begin)) line_ << QPointF(x, begin);
     std::optional<ResponseLines::Bar> bar;
     for (int index = first; index < past; ++index) {
       const double value = ValueOf(index);
@@ -104,7 +106,7 @@ class LineMaker {
     // A line that ends here reaches the column; one that follows starts from it.
     const double value = *last_;
     if (line_.size() > 1) result_.Lines.push_back(line_);
-    line_ = {QPointF(x, value)};
+    line_ = {QPointF(x + 1.0, value)};
   }
 
   void EndLine() {

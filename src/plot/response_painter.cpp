@@ -261,7 +261,7 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
     for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
     painter.drawPolyline(line);
   }
-  PaintMarks(painter, colours, axis, slot, trace);
+  PaintTraceMarks(painter, colours, axis, slot, trace);
   painter.restore();
 }
 
@@ -278,8 +278,9 @@ void ResponsePainter::PaintBars(QPainter& painter, const Axis& axis, const Respo
 }
 
 // A memory's marks along its trace; of the current measurement, the bins that stand apart.
-void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis,
-                                 int slot, const ResponseLines& trace) const {
+void ResponsePainter::PaintTraceMarks(QPainter& painter, const ScopeColours& colours,
+                                      const Axis& axis, int slot,
+                                      const ResponseLines& trace) const {
   const auto at = [&](double column, double value) {
     return QPointF(axis.Plate.left() + column, YOf(axis, value));
   };
@@ -300,12 +301,12 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
   // Marks of one memory stand beside those of another.
   for (int x = slot * distance / FrequencyAnalyser::SlotCount; x < columns; x += distance) {
     const double value = trace.Columns[static_cast<std::size_t>(x)];
-    if (!std::isnan(value)) PaintMark(painter, colours.Plate, slot, at(x, value));
+    if (!std::isnan(value)) PaintTraceMark(painter, colours.Plate, slot, at(x, value));
   }
 }
 
-void ResponsePainter::PaintMark(QPainter& painter, const QColor& fill, int slot,
-                                const QPointF& at) const {
+void ResponsePainter::PaintTraceMark(QPainter& painter, const QColor& fill, int slot,
+                                     const QPointF& at) const {
   const double r = MarkSize * ratio_;
   painter.setBrush(fill);
   const auto corners = [&](std::initializer_list<QPointF> points) {
@@ -341,7 +342,7 @@ void ResponsePainter::PaintLegend(QPainter& painter, const ScopeColours& colours
       painter.setPen(TracePen(colours, entry.Slot, false));
       painter.drawLine(QPointF(sample.left(), y + 0.5), QPointF(sample.right() + 1, y + 0.5));
       if (entry.Slot > 0) {
-        PaintMark(painter, colours.Plate, entry.Slot, QRectF(sample).center());
+        PaintTraceMark(painter, colours.Plate, entry.Slot, QRectF(sample).center());
       }
       painter.restore();
       place.setLeft(sample.right() + Scaled(LabelGap));
@@ -378,6 +379,34 @@ void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colour
       painter.setClipping(false);
       painter.setRenderHint(QPainter::Antialiasing, false);
     }
+  }
+  painter.restore();
+}
+
+void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
+                                 const std::vector<ResponseMark>& marks) const {
+  painter.save();
+  painter.setFont(numberFont_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double r = MarkSize * ratio_;
+  const std::array<Axis, 2> axes = Axes();
+  for (const ResponseMark& mark : marks) {
+    const Axis& axis = axes[mark.Quantity == ResponseQuantity::Gain ? 0 : 1];
+    const QPointF from(axis.Plate.left() + ColumnOf(mark.Hz), YOf(axis, mark.From));
+    const QPointF to(from.x(), YOf(axis, mark.To));
+    painter.setClipRect(axis.Plate);
+    painter.setPen(QPen(colours.Cursor, TraceWidth * ratio_));
+    painter.drawLine(from, to);
+    painter.setBrush(colours.Cursor);
+    painter.drawEllipse(to, r, r);
+    // To the side on which there is room.
+    const QFontMetrics metrics(numberFont_);
+    const QString text = Text(mark.Text);
+    const int width = metrics.horizontalAdvance(text);
+    const double gap = r + Scaled(LabelGap);
+    const bool left = to.x() + gap + width > axis.Plate.right();
+    painter.setPen(colours.Text);
+    painter.drawText(QPointF(left ? to.x() - gap - width : to.x() + gap, to.y() - gap), text);
   }
   painter.restore();
 }

@@ -12,6 +12,17 @@
 
 namespace torvane {
 
+/// Something read off a trace: a distance on one of the axes at a frequency, or a point there.
+struct ResponseMark {
+  ResponseQuantity Quantity = ResponseQuantity::Gain;
+  double Hz = 0.0;
+  double From = 0.0;
+  double To = 0.0;
+  std::string Text;
+
+  bool operator==(const ResponseMark&) const = default;
+};
+
 /// Paints gain and phase of an analyser against a logarithmic frequency axis: gain above and phase
 /// below or, when the analyser's screen is not split, both in one plot with the phase dashed and
 /// its axis on the right. A legend says which trace is which. The window, picture files and the
@@ -38,6 +49,10 @@ class ResponsePainter {
 
   /// The analyser's cursors, as far as they are on, with what they point at.
   void PaintCursors(QPainter& painter, const ScopeColours& colours);
+
+  /// What was read off the traces.
+  void PaintMarks(QPainter& painter, const ScopeColours& colours,
+                  const std::vector<ResponseMark>& marks) const;
 
  private:
   /// One axis: its plate, scale and what it says.
@@ -70,9 +85,9 @@ class ResponsePainter {
   void PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot) const;
   void PaintBars(QPainter& painter, const Axis& axis, const ResponseLines& trace,
                  QColor colour) const;
-  void PaintMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
-                  const ResponseLines& trace) const;
-  void PaintMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at) const;
+  void PaintTraceMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
+                       const ResponseLines& trace) const;
+  void PaintTraceMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at) const;
   void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
   QPen TracePen(const ScopeColours& colours, int slot, bool dashed) const;
   int Scaled(double length) const { return qRound(length * ratio_); }

@@ -184,6 +184,36 @@ TEST_F(AnalyserWindowTest, MemoriesAreStoredShownAndReadByTheCursors) {
   EXPECT_FALSE(In<QCheckBox>("CBColor3").isEnabled());
 }
 
+// Theory gives a phase margin of 55.62 degrees and a gain margin of 14.89 dB.
+TEST_F(AnalyserWindowTest, MarginsAreReadOffTheTraceOfTheCursors) {
+  ChooseModel("3-1 PI Controller");
+  Show();
+  Press("SBMargins");
+  auto& table = In<QTableWidget>("SGMargins");
+  EXPECT_EQ(table.item(0, 0)->text(), "Unavailable");
+  Xfer().SetOrder(10);
+  Press("SBButton2");
+  Measure();
+  EXPECT_TRUE(In<QLabel>("LTrust").isVisible());
+  Press("SBButton1");
+  Xfer().SetOrder(13);
+  Xfer().SetTSample(0.0001);
+  Measure();
+  EXPECT_FALSE(In<QLabel>("LTrust").isVisible());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.item(0, 0)->text(), "Bandwidth");
+  const auto row = [&](const QString& name) {
+    const auto found = table.findItems(name, Qt::MatchExactly);
+    return found.isEmpty() ? -1000.0 : table.item(found.front()->row(), 1)->text().toDouble();
+  };
+  EXPECT_GT(row("Smallest phase margin (unity feedback)"), 45.0);
+  Press("SBButton2");
+  EXPECT_NEAR(row("Smallest phase margin"), 55.62, 1.0);
+  EXPECT_NEAR(row("Smallest gain margin"), 14.89, 0.3);
+  table.window()->close();
+  EXPECT_FALSE(In<QAbstractButton>("SBMargins").isChecked());
+}
+
 // What was measured once lies over what is measured later.
 TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
   Xfer().SetOrder(6);

@@ -10,6 +10,7 @@
 #include "instruments/analyser/auto_find.h"
 #include "instruments/analyser/shown_responses_csv.h"
 #include "ui/panes/analyser_axes.h"
+#include "ui/panes/margins_window.h"
 #include "ui/panes/response_cursors.h"
 #include "ui/panes/response_menu.h"
 #include "ui/widgets/export_menu.h"
@@ -41,6 +42,7 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   axes_ = new AnalyserAxes(*ui_, analyser, this);
   menu_ = new ResponseMenu(analyser, MakeExports(bench, names.File), this);
   cursors_ = new ResponseCursors(analyser, names.Cursors, this);
+  margins_ = new MarginsWindow(analyser, this);
   ConnectRun();
   ConnectSignals();
   ConnectTraces();
@@ -145,6 +147,20 @@ void AnalyserWindow::ConnectCursors(ZelUndo& history) {
           [this] { analyser_.SetFindType(ui_->CmBFindType->currentText().toStdString()); });
   connect(ui_->CmBFindType->lineEdit(), &QLineEdit::returnPressed, this, &AnalyserWindow::Find);
   connect(ui_->SBFind, &QAbstractButton::clicked, this, &AnalyserWindow::Find);
+  connect(ui_->SBMargins, &QAbstractButton::toggled, this, &AnalyserWindow::ShowMargins);
+  connect(margins_, &MarginsWindow::Closed, this, [this] { ui_->SBMargins->setChecked(false); });
+}
+
+void AnalyserWindow::ShowMargins() {
+  const bool shown = ui_->SBMargins->isChecked() && isVisible();
+  if (shown) {
+    margins_->ReadTrace();
+    if (margins_->pos().isNull()) {
+      margins_->move(ui_->PBPlot->QuietPlace(margins_->size()) - QPoint(0, margins_->height()));
+    }
+  }
+  ui_->PBPlot->SetMarks(shown ? margins_->Marks() : std::vector<ResponseMark>());
+  margins_->setVisible(shown);
 }
 
 void AnalyserWindow::Find() {
@@ -222,11 +238,12 @@ void AnalyserWindow::SettingsChanged() {
   }
   ShowFrame();
   ShowCursors();
+  if (margins_->isVisible()) ShowMargins();
 }
 
 void AnalyserWindow::ShowFrame() {
   ShowProgress();
-  ui_->PBPlot->Refresh();
+  if (ui_->PBPlot->Refresh() && margins_->isVisible()) ShowMargins();
 }
 
 void AnalyserWindow::Redraw() {
@@ -245,7 +262,9 @@ void AnalyserWindow::closeEvent(QCloseEvent* event) {
 
 void AnalyserWindow::hideEvent(QHideEvent* event) {
   InstrumentPane::hideEvent(event);
-  if (!event->spontaneous()) cursors_->hide();
+  if (event->spontaneous()) return;
+  cursors_->hide();
+  margins_->hide();
 }
 
 void AnalyserWindow::showEvent(QShowEvent* event) {
@@ -253,6 +272,7 @@ void AnalyserWindow::showEvent(QShowEvent* event) {
   ArrangeRows();
   ShowFrame();
   ShowCursors();
+  ShowMargins();
 }
 
 void AnalyserWindow::resizeEvent(QResizeEvent* event) {

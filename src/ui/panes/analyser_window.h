@@ -13,6 +13,7 @@ class QToolButton;
 namespace torvane {
 
 class AnalyserAxes;
+class MarginsWindow;
 class ResponseCursors;
 class ResponseMenu;
 
@@ -76,6 +77,7 @@ class AnalyserWindow : public InstrumentPane {
   void ShowSignals();
   void ShowTraces();
   void ShowCursors();
+  void ShowMargins();
   void ShowProgress();
   void Find();
   void ShowTrace(int slot, bool shown);
@@ -87,6 +89,7 @@ class AnalyserWindow : public InstrumentPane {
   AnalyserAxes* axes_ = nullptr;
   ResponseMenu* menu_ = nullptr;
   ResponseCursors* cursors_ = nullptr;
+  MarginsWindow* margins_ = nullptr;
   std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};
   std::array<QCheckBox*, FrequencyAnalyser::SlotCount> traces_{};
 };

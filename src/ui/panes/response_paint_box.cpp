@@ -38,11 +38,18 @@ QPoint ResponsePaintBox::QuietPlace(const QSize& size) const {
           std::clamp(at.y(), room.top(), std::max(room.bottom() - size.height(), room.top()))};
 }
 
-void ResponsePaintBox::Refresh() {
-  if (!painter_ || !isVisible()) return;
+bool ResponsePaintBox::Refresh() {
+  if (!painter_ || !isVisible()) return false;
   const bool changed = analyser_->TakeNeedsRedraw();
-  if (!changed && !stale_ && ratio_ == devicePixelRatioF()) return;
+  if (!changed && !stale_ && ratio_ == devicePixelRatioF()) return false;
   PaintAll();
+  update();
+  return true;
+}
+
+void ResponsePaintBox::SetMarks(const std::vector<ResponseMark>& marks) {
+  if (marks_ == marks) return;
+  marks_ = marks;
   update();
 }
 
@@ -64,7 +71,9 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter_->PaintCursors(painter, Colours());
+  const ScopeColours colours = Colours();
+  painter_->PaintMarks(painter, colours, marks_);
+  painter_->PaintCursors(painter, colours);
   if (!hasFocus()) return;
   painter.setPen(palette().color(QPalette::Highlight));
   painter.drawRect(QRect(QPoint(), picture_.size() - QSize(1, 1)));

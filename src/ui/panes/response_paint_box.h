@@ -31,8 +31,12 @@ class ResponsePaintBox : public QWidget {
   /// frequencies are rare.
   QPoint QuietPlace(const QSize& size) const;
 
-  /// Brings the picture up to date with the engine; cheap when nothing has changed.
-  void Refresh();
+  /// Brings the picture up to date with the engine; cheap when nothing has changed. Tells whether
+  /// something has.
+  bool Refresh();
+
+  /// What was read off the traces.
+  void SetMarks(const std::vector<ResponseMark>& marks);
 
  signals:
   /// Traces have other colours than before.
@@ -63,6 +67,7 @@ class ResponsePaintBox : public QWidget {
   FrequencyAnalyser* analyser_ = nullptr;
   std::optional<ResponsePainter> painter_;
   TraceColours traces_ = TraceColours::Standard;
+  std::vector<ResponseMark> marks_;
   QPixmap picture_;
   double ratio_ = 0.0;          // device pixels a pixel that the picture was made for
   bool stale_ = true;           // the picture must be made anew

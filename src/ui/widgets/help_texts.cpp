@@ -257,6 +257,13 @@ constexpr Entry Entries[] = {
     {"BPhaseOffsetDown", "Moves the phase's trace down by a division."},
     {"BPhaseOffsetUp", "Moves the phase's trace up by a division."},
     {"BPhaseZero", "Draws the phase without an offset."},
+    {"SBMargins",
+     "Reads bandwidth and peaking off a closed loop's response, and the margins of the open loop; "
+     "the "
+     "places are marked on the plot."},
+    {"SGMargins",
+     "What the trace of the cursors says: of a closed loop how far it follows its command, of an "
+     "open one how far the closed loop is from instability."},
     {"SGXferCursors",
      "Frequency, gain and phase at each cursor, and their change from the first to the second."},
     {"RBColorCurrent", "Lets the cursors read the response measured last."},

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QLabel>
+#include <string>
+#include <vector>
+
+#include "instruments/analyser/margins.h"
+#include "plot/response_painter.h"
+#include "ui/panes/read_out_window.h"
+
+namespace torvane {
+
+/// What is read off the trace that an analyser's cursors read: of a closed loop bandwidth, peaking
+/// and the margins of the open loop that belongs to it at unity feedback; of an open loop its
+/// margins, at every crossing.
+class MarginsWindow : public ReadOutWindow {
+  Q_OBJECT
+
+ public:
+  /// The analyser must outlive the window.
+  MarginsWindow(FrequencyAnalyser& analyser, QWidget* parent);
+
+  /// Reads the trace as it is now.
+  void ReadTrace();
+  /// Where on the plot the figures were read that belong to the trace itself.
+  const std::vector<ResponseMark>& Marks() const { return marks_; }
+
+ signals:
+  void Closed();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void AddBandwidths(const Margins& margins);
+  void AddMargins(const Margins& margins, bool onPlot);
+  void AddRow(const std::string& name, double value, const char* unit, double hz);
+
+  FrequencyAnalyser& analyser_;
+  MarginReader reader_;
+  QLabel* trust_;
+  double highest_ = 0.0;  // frequency at which something was read, Hz
+  QList<QStringList> rows_;
+  std::vector<ResponseMark> marks_;
+};
+
+}  // namespace torvane
