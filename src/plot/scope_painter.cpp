@@ -23,7 +23,7 @@ constexpr int TicksPerDivision = 5;
 constexpr int WidestTick = 7;  // characters of the left labels that always have room
 constexpr int SmallestPlate = 40;
 constexpr double LegendTakesAtMost = 0.3;  // of the picture's height
-constexpr double NamesTakeAtMost = 0.15;  // of the screen's width
+constexpr double NamesTakeAtMost = 0.15;   // of the screen's width
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -157,7 +157,8 @@ void ScopePainter::PaintTicks(QPainter& painter, const ScopeColours& colours) co
   }
 }
 
-// Values at the division lines, or where these are close at every second or fourth; a bar and a caption in the trace's colour tell whose they are.
+// Values at the division lines, or where these are close at every second or fourth; a bar and a
+// caption in the trace's colour tell whose they are.
 void ScopePainter::PaintAxis(QPainter& painter, const ScopeColours& colours) const {
   if (labels_.LeftColour < 0) return;
   painter.setFont(numberFont_);
