@@ -8,6 +8,7 @@ namespace {
 
 constexpr int Gap = 4;                 // between windows and around them, pixels
 constexpr int ComfortableWidth = 600;  // of a window with a plot beside other plots
+constexpr double ScopesShare = 0.56;   // of the width of all plots: constants stand beside theirs
 
 // A gap beside or below each window.
 void Stack(QSize& stack, const QSize& one) {
@@ -90,7 +91,7 @@ int ShareOfScopes(const Needs& needs, int width) {
   if (needs.ScopeCount == 0) return 0;
   if (needs.AnalyserCount == 0) return width;
   const int most = std::max(width - needs.Analysers.width(), needs.Scopes.width());
-  return std::clamp(width / 2, needs.Scopes.width(), most);
+  return std::clamp(static_cast<int>(ScopesShare * width), needs.Scopes.width(), most);
 }
 
 bool IsAmple(const Needs& needs, const QSize& area) {
