@@ -93,6 +93,27 @@ TEST_F(ScopePainterTest, TracesGrowByWhatIsNew) {
   EXPECT_TRUE(painter_.Plate().contains(second));
 }
 
+TEST_F(ScopePainterTest, KeptTracesAreThinAndPaleBehindTheLiveOnes) {
+  set_.Speed.Value = 1.0;
+  set_.Sample(200);
+  set_.Scope.KeepTraces(Screen());
+  set_.Speed.Value = -1.0;
+  set_.Sample(401);
+  PaintTraces();
+  const auto ink = [&](double divisions) {
+    int blue = 0;
+    for (int dy = -3; dy <= 3; ++dy) {
+      const QPoint at = painter_.Plate().topLeft() + QPoint(X(100) + 3, Y(divisions) + dy);
+      const QColor colour = picture_.pixelColor(at);
+      blue += std::max(0, colour.blue() - colour.red());
+    }
+    return blue;
+  };
+  EXPECT_TRUE(BlueAt(X(100) + 3, Y(-2)));
+  EXPECT_GT(ink(2), 50);
+  EXPECT_LT(ink(2), ink(-2) / 2);
+}
+
 TEST_F(ScopePainterTest, PaintingAnewShowsWhatGrowingShowed) {
   for (int i = 0; i < 300; ++i) {
     set_.Speed.Value = (i % 60 - 30) / 30.0;
