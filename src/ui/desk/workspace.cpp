@@ -12,26 +12,41 @@ namespace torvane {
 
 namespace {
 
+constexpr int EdgeGap = 12;  // pixels that a window at the edge of a tiling may be off it
+
+bool IsMeter(const InstrumentFrame& frame) {
+  return frame.Pane().Engine().Kind() == InstrumentKind::Meter;
+}
+
 // Meters that a tiling has no room for stand over the other windows, column by column from the
 // right, so that all of them can be read.
 class Overflow {
  public:
-  explicit Overflow(const QSize& area) : area_(area), right_(area.width()) {}
-
-  void Take(QRect& place) {
-    if (top_ == 0) right_ = std::min(place.left(), right_);
-    if (top_ + place.height() > area_.height()) {
-      right_ -= place.width();
-      top_ = 0;
+  /// The small ones that have a column at the right edge are not covered.
+  Overflow(const QSize& area, const std::vector<QRect>& places, const std::vector<Tile>& tiles)
+      : area_(area), right_(area.width()) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      const bool atEdge = area.width() - places[i].right() < EdgeGap;
+      if (tiles[i].Role == TileRole::Small && atEdge) right_ = std::min(right_, places[i].left());
     }
-    place.moveTopLeft({std::max(right_ - place.width(), 0), top_});
-    top_ += place.height();
+  }
+
+  QRect Take(const QSize& size) {
+    if (top_ > 0 && top_ + size.height() > area_.height()) {
+      right_ -= widest_;
+      top_ = widest_ = 0;
+    }
+    const QRect place(QPoint(std::max(right_ - size.width(), 0), top_), size);
+    top_ += size.height();
+    widest_ = std::max(widest_, size.width());
+    return place;
   }
 
  private:
   QSize area_;
   int right_;
   int top_ = 0;
+  int widest_ = 0;
 };
 
 // `at` moved into 0 to room - size.
@@ -302,13 +317,42 @@ void Workspace::TileOver(const QSize& area) {
   for (InstrumentFrame* frame : shown) {
     if (frame->isMinimized() || frame->isMaximized()) frame->showNormal();
   }
-  std::vector<QRect> places = TileArea(Tiles(), area);
-  Overflow overflow(area);
-  for (std::size_t i = 0; i < shown.size(); ++i) {
-    const bool meter = shown[i]->Pane().Engine().Kind() == InstrumentKind::Meter;
-    if (meter && !QRect(QPoint(), area).contains(places[i])) overflow.Take(places[i]);
-    shown[i]->PlaceAt(places[i]);
+  const std::vector<QRect> places = PlacesOn(area, shown);
+  for (std::size_t i = 0; i < shown.size(); ++i) shown[i]->PlaceAt(places[i]);
+}
+
+// Meters have a part in the tiling as long as it has room for them, the first ones first.
+std::vector<QRect> Workspace::PlacesOn(const QSize& area,
+                                       const std::vector<InstrumentFrame*>& frames) const {
+  const QRect room(QPoint(), area);
+  std::vector<Tile> tiles;
+  std::vector<std::size_t> tiled;  // which frames the tiles are of
+  std::vector<std::size_t> meters;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    if (IsMeter(*frames[i])) {
+      meters.push_back(i);
+    } else {
+      tiles.push_back(TileOf(*frames[i]));
+      tiled.push_back(i);
+    }
   }
+  std::vector<QRect> found = TileArea(tiles, area);
+  std::size_t fitting = 0;
+  for (; fitting < meters.size(); ++fitting) {
+    tiles.push_back(TileOf(*frames[meters[fitting]]));
+    std::vector<QRect> more = TileArea(tiles, area);
+    const auto isInside = [&](const QRect& place) { return room.contains(place); };
+    if (!std::all_of(more.begin(), more.end(), isInside)) break;
+    tiled.push_back(meters[fitting]);
+    found = std::move(more);
+  }
+  std::vector<QRect> places(frames.size());
+  for (std::size_t i = 0; i < tiled.size(); ++i) places[tiled[i]] = found[i];
+  Overflow overflow(area, found, tiles);
+  for (; fitting < meters.size(); ++fitting) {
+    places[meters[fitting]] = overflow.Take(frames[meters[fitting]]->sizeHint());
+  }
+  return places;
 }
 
 void Workspace::FillScreen() {

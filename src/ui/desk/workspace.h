@@ -104,6 +104,7 @@ class Workspace : public QMdiArea {
   InstrumentFrame* FrameOf(const Instrument& instrument) const;
   std::vector<InstrumentFrame*> ShownFrames() const;
   std::vector<Tile> Tiles() const;
+  std::vector<QRect> PlacesOn(const QSize& area, const std::vector<InstrumentFrame*>& frames) const;
   void TileOver(const QSize& area);
   void ShowWhatFits();
 
