@@ -240,6 +240,8 @@ bool TZelControlPanelF::Running() const {
 
 void TZelControlPanelF::RunToggled(bool down) {
   ui_->MIRunStop->setText(down ? QStringLiteral("Stop") : QStringLiteral("Run"));
+  // Text that can be selected takes long to set, and nobody selects it while it changes.
+  ui_->LTime->setTextInteractionFlags(down ? Qt::NoTextInteraction : Qt::TextSelectableByMouse);
   if (!Model()) return;
   if (down) {
     driver_.Start(*Model());

@@ -1,6 +1,7 @@
 #include "ui/desk/run_driver.h"
 
-#include <QElapsedTimer>
+#include <QScopedValueRollback>
+#include <QTimerEvent>
 #include <algorithm>
 
 #include "core/model.h"
@@ -13,6 +14,7 @@ namespace torvane {
 namespace {
 
 constexpr qint64 LongestPass = 10'000'000;    // nanoseconds
+constexpr qint64 LongestTurn = 500'000;       // of the message loop, before the last of its passes
 constexpr qint64 ShortestFrame = 33'000'000;  // nanoseconds
 constexpr qint64 LongestFrame = 66'000'000;
 constexpr int PacedMilliseconds = 10;  // between passes of a model that is ahead of its pace
@@ -37,8 +39,20 @@ void RunDriver::Wake() {
   if (!running_ || paused_) return;
   pacedFrom_ = model_->Time();
   sincePaced_.start();
-  interval_ = 0;
-  timer_.start(interval_, this);
+  StartTimers(0);
+}
+
+// A model that is ahead of its pace needs one pass a turn.
+void RunDriver::StartTimers(int interval) {
+  interval_ = interval;
+  StopTimers();
+  timers_.front().start(interval, this);
+  if (interval > 0) return;
+  for (std::size_t i = 1; i < timers_.size(); ++i) timers_[i].start(interval, this);
+}
+
+void RunDriver::StopTimers() {
+  for (QBasicTimer& timer : timers_) timer.stop();
 }
 
 void RunDriver::SetPace(double pace) {
@@ -61,12 +75,12 @@ double RunDriver::DueTime() {
 
 void RunDriver::Stop() {
   running_ = false;
-  timer_.stop();
+  StopTimers();
 }
 
 void RunDriver::Pause() {
   paused_ = true;
-  timer_.stop();
+  StopTimers();
 }
 
 void RunDriver::Resume() {
@@ -79,25 +93,32 @@ void RunDriver::End() {
   emit Ended();
 }
 
-// A frame is a turn of its own, so that the message loop gets control back in between. The windows
-// paint before the next turn. In the shortest passes asking for the time counts: once a turn does.
-void RunDriver::timerEvent(QTimerEvent*) {
+// A frame ends its turn: the windows paint before the next one. A box that a chunk shows has a
+// message loop of its own, in which no pass may begin inside this one.
+void RunDriver::timerEvent(QTimerEvent* event) {
+  if (passing_) return;
+  const QScopedValueRollback passing(passing_, true);
   const qint64 now = clock_.nsecsElapsed();
-  if (frameShown_) {
-    frameShown_ = false;
-    frameInterval_ = std::clamp(FrameShare * (now - frameStart_), ShortestFrame, LongestFrame);
-  }
-  if (now - frameStart_ >= frameInterval_) {
-    frameStart_ = now;
-    frameShown_ = true;
-    emit Frame();
-  } else {
+  if (event->timerId() == timers_.front().timerId()) BeginTurn(now);
+  if (turnOver_ || now - turnStart_ > LongestTurn) return;
+  if (now - frameStart_ < frameInterval_) {
     Pass(now);
+    return;
   }
+  frameStart_ = now;
+  frameShown_ = true;
+  turnOver_ = true;
+  emit Frame();
 }
 
-// A box that a chunk shows has a message loop of its own; the message loop does not deliver the
-// same timer within its own delivery, so a pass never begins inside another.
+void RunDriver::BeginTurn(qint64 now) {
+  turnStart_ = now;
+  turnOver_ = false;
+  if (!frameShown_) return;
+  frameShown_ = false;
+  frameInterval_ = std::clamp(FrameShare * (now - frameStart_), ShortestFrame, LongestFrame);
+}
+
 void RunDriver::Pass(qint64 start) {
   ZelModel& model = *model_;
   ReleaseUpperVectorHalves();
@@ -117,8 +138,7 @@ void RunDriver::Pass(qint64 start) {
 
 void RunDriver::SleepUntilNext(int interval) {
   if (!running_ || paused_ || interval == interval_) return;
-  interval_ = interval;
-  timer_.start(interval, this);
+  StartTimers(interval);
 }
 
 }  // namespace torvane

@@ -3,6 +3,7 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
+#include <array>
 #include <limits>
 
 namespace torvane {
@@ -48,13 +49,19 @@ class RunDriver : public QObject {
 
  private:
   void Wake();
+  void StartTimers(int interval);
+  void StopTimers();
+  void BeginTurn(qint64 now);
   double DueTime();
   void Pass(qint64 start);
   void SleepUntilNext(int interval);
   void End();
 
-  QBasicTimer timer_;  // due at once, unless the model is ahead of its pace
-  int interval_ = 0;   // milliseconds
+  // Due at once, unless the model is ahead of its pace. A turn of the message loop, in which it
+  // asks the system for the user's input, takes as long as a short pass; of several timers that are
+  // due the loop delivers one after the other in a turn.
+  std::array<QBasicTimer, 8> timers_;
+  int interval_ = 0;  // milliseconds
   double pace_ = Unlimited;
   double pacedFrom_ = 0.0;  // the simulated time that was due at the start of sincePaced_
   QElapsedTimer sincePaced_;
@@ -62,7 +69,10 @@ class RunDriver : public QObject {
   QElapsedTimer clock_;
   qint64 frameStart_ = 0;
   qint64 frameInterval_;
+  qint64 turnStart_ = 0;
   bool frameShown_ = false;  // and its cost not yet known
+  bool turnOver_ = false;
+  bool passing_ = false;
   ZelModel* model_ = nullptr;
   bool running_ = false;
   bool paused_ = false;
