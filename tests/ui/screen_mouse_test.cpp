@@ -71,6 +71,13 @@ TEST_F(ScreenMouseTest, MarksAreDraggedWithOneUndoEach) {
   // A click changes nothing.
   Drag(Place({ScreenMark::Kind::Zero, Second()}), {});
   EXPECT_FALSE(Find<QAction>("MIUndo").isEnabled());
+  // A box took the release.
+  const QPoint zero = Place({ScreenMark::Kind::Zero, Second()});
+  QTest::mousePress(&Screen(), Qt::LeftButton, {}, zero);
+  QMouseEvent move(QEvent::MouseMove, zero + QPoint(0, 50), Screen().mapToGlobal(zero),
+                   Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&Screen(), &move);
+  EXPECT_EQ(Channel(Second()).Vertical().Offset, 0.0);
 }
 
 TEST_F(ScreenMouseTest, TheWheelTurnsScalesWithOneUndoATurn) {
@@ -92,7 +99,7 @@ TEST_F(ScreenMouseTest, AClickChoosesATraceUnlessCursorsTakeIt) {
   const QString second = Selected();
   EXPECT_NE(second, first);
   Click("SBRun");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Scope().SweepCount() > 3; }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Scope().SweepCount() > 3; }, 30000));
   Click("SBStop");
   // Where the traces are apart.
   const ScopeScreen& shown = Screen().Screen();

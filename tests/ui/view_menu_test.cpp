@@ -28,11 +28,11 @@ TEST_F(ViewMenuTest, TheThemeReachesScreenListsAndWorkspaceAtOnce) {
   };
   const int before = workspace();
   Trigger("MIThemeDark");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Dark().Plate; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Dark().Plate; }, 30000));
   EXPECT_EQ(Find<QComboBox>("CmBVertChan").currentText(), "vC (Wht)");
   EXPECT_LT(workspace(), before);
   Trigger("MIThemeLight");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Light().Plate; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Ground() == ScopeColours::Light().Plate; }, 30000));
   EXPECT_EQ(Find<QComboBox>("CmBVertChan").currentText(), "vC (Blk)");
 }
 
@@ -51,7 +51,7 @@ TEST_F(ViewMenuTest, PatternsAndColoursOfTracesAreChosenLive) {
 TEST_F(ViewMenuTest, AWordBesideTheLampSaysWhatTheTriggerDoes) {
   auto& scope = static_cast<ZelScope&>(*Bench().Instruments(InstrumentKind::Scope).front());
   const auto becomes = [&](const char* word) {
-    return QTest::qWaitFor([&, word] { return Find<QLabel>("LTrigState").text() == word; });
+    return QTest::qWaitFor([&, word] { return Find<QLabel>("LTrigState").text() == word; }, 30000);
   };
   EXPECT_EQ(Find<QLabel>("LTrigState").text(), "Stopped");
   Click("SBRun");

@@ -180,9 +180,11 @@ void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
   if (choice) emit ChannelChosen(*choice);
 }
 
+// A release that a box took, which opened meanwhile, shows in the buttons.
 void ScopePaintBox::mouseMoveEvent(QMouseEvent* event) {
   if (!mouse_) return;
   const QPoint at = PixelAt(event->position());
+  if (!event->buttons().testFlag(Qt::LeftButton)) EndDrag();
   if (mouse_->Holds()) {
     mouse_->MoveTo(at);
   } else {
@@ -193,6 +195,11 @@ void ScopePaintBox::mouseMoveEvent(QMouseEvent* event) {
 void ScopePaintBox::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton || !mouse_ || !mouse_->Holds()) return;
   mouse_->MoveTo(PixelAt(event->position()));
+  EndDrag();
+}
+
+void ScopePaintBox::EndDrag() {
+  if (!mouse_->Holds()) return;
   mouse_->Release();
   emit DragEnded();
 }

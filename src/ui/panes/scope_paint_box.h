@@ -75,6 +75,7 @@ class ScopePaintBox : public QWidget {
   void Prepare();
   void PaintAll();
   void PaintTags();
+  void EndDrag();
   void UpdatePixels(const QRegion& pixels);
   ScopeLabels Labels() const;
   QPoint PixelAt(const QPointF& position) const;
