@@ -94,7 +94,7 @@ std::string FormatSteady(double x) {
   constexpr int LeastExponent = -3;  // of numbers written without one
   constexpr int GreatestExponent = 6;
   if (std::abs(x) < Smallest) x = 0.0;
-  const std::string scientific = Print(x, std::chars_format::scientific, ShownDigits - 1);
+  std::string scientific = Print(x, std::chars_format::scientific, ShownDigits - 1);
   const std::size_t mark = scientific.find('e');
   if (mark == std::string::npos) return scientific;  // infinite or not a number
   const int exponent = *ParseInteger(std::string_view(scientific).substr(mark + 1));
