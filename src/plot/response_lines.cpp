@@ -45,8 +45,36 @@ class LineMaker {
  private:
   double Frequency(double column) const { return analyser_.AxisFrequency(column / width_); }
   double ValueOf(int index) const {
-    return quantity_ == ResponseQuantity::Gain ? analyser_.GainOf(slot_, index)
-                                               : analyser_.PhaseOf(slot_, index);
+    switch (quantity_) {
+      case ResponseQuantity::Gain:
+        return analyser_.GainOf(slot_, index);
+      case ResponseQuantity::Phase:
+        return analyser_.PhaseOf(slot_, index);
+      default:
+        return analyser_.Coherence(slot_, index);
+    }
+  }
+
+  std::optional<double> ReadAt(double hz) const {
+    switch (quantity_) {
+      case ResponseQuantity::Gain:
+        return analyser_.GainRead(slot_, hz);
+      case ResponseQuantity::Phase:
+        return analyser_.PhaseRead(slot_, hz);
+      default:
+        return CoherenceAt(hz);
+    }
+  }
+
+  std::optional<double> CoherenceAt(double hz) const {
+    const FrequencyAnalyser::Range range = analyser_.DataRange(slot_);
+    if (hz < range.Low || hz > range.High) return std::nullopt;
+    const double index = analyser_.IndexAt(slot_, hz);
+    const int below = static_cast<int>(index);
+    const double share = index - below;
+    if (share == 0.0) return analyser_.Coherence(slot_, below);
+    return (1.0 - share) * analyser_.Coherence(slot_, below) +
+           share * analyser_.Coherence(slot_, below + 1);
   }
 
   bool Breaks(double value) const {
@@ -55,9 +83,7 @@ class LineMaker {
 
   void AddBetween(int x) {
     const double hz = Frequency(x);
-    const std::optional<double> value = quantity_ == ResponseQuantity::Gain
-                                            ? analyser_.GainRead(slot_, hz)
-                                            : analyser_.PhaseRead(slot_, hz);
+    const std::optional<double> value = ReadAt(hz);
     if (value) {
       AddPoint({static_cast<double>(x), *value});
       result_.Columns[static_cast<std::size_t>(x)] = *value;
@@ -71,6 +97,11 @@ class LineMaker {
     const double share =
         std::log(analyser_.PointHz(slot_, index) / low) / std::log(analyser_.FreqMax() / low);
     const double value = ValueOf(index);
+    if (!analyser_.Excited(slot_, index)) {
+      EndLine();
+      AddFaint(x, value);
+      return;
+    }
     AddPoint({share * width_, value});
     result_.Points << line_.back();
     result_.Columns[static_cast<std::size_t>(x)] = value;
@@ -83,30 +114,46 @@ class LineMaker {
   }
 
   void AddBins(int x, int first, int past) {
-    const std::optional<double> before = last_;
-    const double begin = ValueOf(first);
-    if (!line_.empty() && !Breaks(begin)) line_ << QPointF(x, begin);
+    bool joins = last_.has_value();
+    const double before = last_.value_or(0.0);
     std::optional<ResponseLines::Bar> bar;
     for (int index = first; index < past; ++index) {
       const double value = ValueOf(index);
+      if (!analyser_.Excited(slot_, index)) {
+        AddFaint(x, value);
+        continue;
+      }
       if (bar && Breaks(value)) {
         result_.Bars.push_back(*bar);
         bar.reset();
+      } else if (!bar && !line_.empty() && !Breaks(value)) {
+        line_ << QPointF(x, value);
       }
       if (!bar) {
-        const double join = index == first && before && !Breaks(value) ? *before : value;
+        const double join = joins && !Breaks(value) ? before : value;
         bar = {x, join, join};
+        joins = false;
       }
       bar->Low = std::min(bar->Low, value);
       bar->High = std::max(bar->High, value);
       last_ = value;
     }
+    if (!bar) return;
     result_.Bars.push_back(*bar);
     result_.Columns[static_cast<std::size_t>(x)] = *last_;
     // A line that ends here reaches the column; one that follows starts from it.
     const double value = *last_;
     if (line_.size() > 1) result_.Lines.push_back(line_);
     line_ = {QPointF(x + 1.0, value)};
+  }
+
+  void AddFaint(int x, double value) {
+    if (result_.Faint.empty() || result_.Faint.back().X != x) {
+      result_.Faint.push_back({x, value, value});
+    }
+    ResponseLines::Bar& faint = result_.Faint.back();
+    faint.Low = std::min(faint.Low, value);
+    faint.High = std::max(faint.High, value);
   }
 
   void EndLine() {

@@ -7,10 +7,10 @@
 
 namespace torvane {
 
-enum class ResponseQuantity { Gain, Phase };
+enum class ResponseQuantity { Gain, Phase, Coherence };
 
-/// What a plot shows of one slot's gain or phase. X is in pixel columns from the plot's left edge,
-/// Y is the value in dB or degrees.
+/// What a plot shows of one slot's gain, phase or coherence. X is in pixel columns from the plot's
+/// left edge, Y is the value in dB or degrees, or a share.
 ///
 /// Where there are fewer bins than columns, lines go from bin to bin as the response is read
 /// between them. Where there are more, a column shows the range of all the values between its
@@ -26,6 +26,8 @@ struct ResponseLines {
 
   std::vector<QPolygonF> Lines;
   std::vector<Bar> Bars;
+  /// The same of bins in which the excitation had no power: they are noise.
+  std::vector<Bar> Faint;
   /// The bins that have a column of their own.
   QPolygonF Points;
   /// Where the trace passes the middle of each column; not a number where it does not.

@@ -20,11 +20,13 @@ constexpr double TraceWidth = 1.6;
 constexpr double SampleLength = 26.0;  // of a trace in the legend
 constexpr double MarkSize = 3.4;       // from its middle
 constexpr double MarkDistance = 75.0;  // along the frequency axis
+constexpr float FaintAlpha = 0.3F;     // of bins that are noise
 constexpr double PointSize = 2.0;
 constexpr double PointDistance = 7.0;  // bins that are closer are not marked
 constexpr int WidestTick = 5;          // characters of the value labels
 constexpr int SmallestPlate = 40;
-constexpr double FarOutside = 3e4;  // beyond it the line drawing of some devices overflows
+constexpr double CoherenceShare = 0.17;  // of the plots' height
+constexpr double FarOutside = 3e4;       // beyond it the line drawing of some devices overflows
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -69,8 +71,16 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
   const int caption = words.height() + gap;
   MakeLegend();
   const int bottom = PlaceLegend() + words.height() + numbers.height() + 2 * gap;
-  const QRect area(labels, caption + gap, std::max(SmallestPlate, size.width() - labels - right),
-                   std::max(2 * SmallestPlate, size.height() - bottom - caption - gap));
+  const QRect whole(labels, caption + gap, std::max(SmallestPlate, size.width() - labels - right),
+                    std::max(2 * SmallestPlate, size.height() - bottom - caption - gap));
+  QRect area = whole;
+  coherencePlate_ = {};
+  if (ShowsCoherence()) {
+    const int height = std::max(SmallestPlate, qRound(CoherenceShare * whole.height()));
+    coherencePlate_ = whole;
+    coherencePlate_.setTop(whole.bottom() + 1 - height);
+    area.setBottom(coherencePlate_.top() - caption - gap);
+  }
   gainPlate_ = phasePlate_ = area;
   if (!analyser_.SplitScreen()) return;
   const int height = (area.height() - caption - gap) / 2;
@@ -89,12 +99,29 @@ double ResponsePainter::YOf(const Axis& axis, double value) const {
   return std::clamp(axis.Plate.top() + height / 2.0 - up, -FarOutside, FarOutside);
 }
 
-std::array<ResponsePainter::Axis, 2> ResponsePainter::Axes() const {
+bool ResponsePainter::ShowsCoherence() const {
+  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    if (IsDrawn(slot) && analyser_.HasCoherence(slot)) return true;
+  }
+  return false;
+}
+
+bool ResponsePainter::IsDrawn(int slot) const {
+  return analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
+}
+
+std::vector<ResponsePainter::Axis> ResponsePainter::Axes() const {
   const bool single = !analyser_.SplitScreen();
-  return {Axis{gainPlate_, analyser_.GainScale(), analyser_.GainOffset(), "Gain (dB)", false, false,
-               ResponseQuantity::Gain},
-          Axis{phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(), "Phase (deg)", single,
-               single, ResponseQuantity::Phase}};
+  std::vector<Axis> axes{Axis{gainPlate_, analyser_.GainScale(), analyser_.GainOffset(),
+                              "Gain (dB)", false, false, ResponseQuantity::Gain},
+                         Axis{phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(),
+                              "Phase (deg)", single, single, ResponseQuantity::Phase}};
+  if (!coherencePlate_.isEmpty()) {
+    // From 0 at the lower edge to 1 at the upper one.
+    axes.push_back({coherencePlate_, 1.0 / VerticalDivisions, -0.5, "Coherence", false, false,
+                    ResponseQuantity::Coherence});
+  }
+  return axes;
 }
 
 // The current measurement is always spoken of.
@@ -126,8 +153,7 @@ void ResponsePainter::MakeLegend() {
     legend_.push_back({-1, text, {}});
   }
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
-    const bool shown = analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
-    if (shown || Unavailable(slot)) legend_.push_back({slot, TraceText(slot), {}});
+    if (IsDrawn(slot) || Unavailable(slot)) legend_.push_back({slot, TraceText(slot), {}});
   }
 }
 
@@ -162,13 +188,18 @@ void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
     painter.fillRect(phasePlate_, colours.Plate);
     PaintFrequencyLines(painter, colours, phasePlate_);
   }
+  if (!coherencePlate_.isEmpty()) {
+    painter.fillRect(coherencePlate_, colours.Plate);
+    PaintFrequencyLines(painter, colours, coherencePlate_);
+  }
   PaintFrequencyLabels(painter, colours);
   for (const Axis& axis : Axes()) {
     PaintAxis(painter, colours, axis);
     // The current measurement lies on top.
     for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
-      const bool shown = analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
-      if (shown) PaintTrace(painter, colours, axis, slot);
+      const bool measured =
+          axis.Quantity != ResponseQuantity::Coherence || analyser_.HasCoherence(slot);
+      if (IsDrawn(slot) && measured) PaintTrace(painter, colours, axis, slot);
     }
   }
   PaintLegend(painter, colours);
@@ -190,7 +221,8 @@ void ResponsePainter::PaintFrequencyLabels(QPainter& painter, const ScopeColours
   painter.setPen(colours.Text);
   const QFontMetrics metrics(numberFont_);
   const double decades = std::log10(analyser_.FreqMax() / analyser_.FreqMin());
-  const int top = phasePlate_.bottom() + Scaled(LabelGap);
+  const QRect& lowest = coherencePlate_.isEmpty() ? phasePlate_ : coherencePlate_;
+  const int top = lowest.bottom() + Scaled(LabelGap);
   int free = 0;
   ForEachFrequencyLine(analyser_.FreqMin(), analyser_.FreqMax(), [&](double hz, int mantissa) {
     if (!IsLabelled(mantissa, decades)) return;
@@ -217,7 +249,10 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
   const int gap = Scaled(LabelGap);
   painter.setFont(numberFont_);
   const int division = plate.height() / VerticalDivisions;
-  const int step = division >= metrics.height() ? 1 : 2 * division >= metrics.height() ? 2 : 3;
+  const int step = axis.Quantity == ResponseQuantity::Coherence ? VerticalDivisions / 2
+                   : division >= metrics.height()               ? 1
+                   : 2 * division >= metrics.height()           ? 2
+                                                                : 3;
   for (int line = 0; line <= VerticalDivisions; ++line) {
     const int y = plate.top() + line * (plate.height() - 1) / VerticalDivisions;
     if (line > 0 && line < VerticalDivisions && !axis.OnRight) {
@@ -255,7 +290,10 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
   painter.save();
   painter.setClipRect(plate);
   painter.setRenderHint(QPainter::Antialiasing);
-  PaintBars(painter, axis, trace, colours.Trace(slot));
+  QColor faint = colours.Trace(slot);
+  faint.setAlphaF(FaintAlpha);
+  PaintBars(painter, axis, trace.Faint, faint);
+  PaintBars(painter, axis, trace.Bars, colours.Trace(slot));
   painter.setPen(TracePen(colours, slot, axis.Dashed));
   for (QPolygonF line : trace.Lines) {
     for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
@@ -266,11 +304,11 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
 }
 
 // As thick as a line's stroke would be. A dashed trace's are fainter.
-void ResponsePainter::PaintBars(QPainter& painter, const Axis& axis, const ResponseLines& trace,
-                                QColor colour) const {
+void ResponsePainter::PaintBars(QPainter& painter, const Axis& axis,
+                                const std::vector<ResponseLines::Bar>& bars, QColor colour) const {
   if (axis.Dashed) colour.setAlphaF(0.5F);
   const double half = TraceWidth * ratio_ / 2.0;
-  for (const ResponseLines::Bar& bar : trace.Bars) {
+  for (const ResponseLines::Bar& bar : bars) {
     const double top = YOf(axis, bar.High) - half;
     const double height = YOf(axis, bar.Low) + half - top;
     painter.fillRect(QRectF(axis.Plate.left() + bar.X, top, 1.0, height), colour);
@@ -369,8 +407,9 @@ void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colour
                        QString::number(cursor + 1));
       const int slot = analyser_.CursorSlot();
       if (!analyser_.TraceAt(slot).Shown) continue;
-      const auto value = axis.Quantity == ResponseQuantity::Gain ? analyser_.GainRead(slot, hz)
-                                                                 : analyser_.PhaseRead(slot, hz);
+      const auto value = axis.Quantity == ResponseQuantity::Gain    ? analyser_.GainRead(slot, hz)
+                         : axis.Quantity == ResponseQuantity::Phase ? analyser_.PhaseRead(slot, hz)
+                                                                    : std::optional<double>();
       if (!value) continue;
       painter.setPen(QPen(colours.Cursor, TraceWidth * ratio_));
       painter.setRenderHint(QPainter::Antialiasing);
@@ -389,7 +428,7 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
   painter.setFont(numberFont_);
   painter.setRenderHint(QPainter::Antialiasing);
   const double r = MarkSize * ratio_;
-  const std::array<Axis, 2> axes = Axes();
+  const std::vector<Axis> axes = Axes();
   for (const ResponseMark& mark : marks) {
     const Axis& axis = axes[mark.Quantity == ResponseQuantity::Gain ? 0 : 1];
     const QPointF from(axis.Plate.left() + ColumnOf(mark.Hz), YOf(axis, mark.From));

@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
-#include <array>
 #include <string>
 #include <vector>
 
@@ -25,7 +24,8 @@ struct ResponseMark {
 
 /// Paints gain and phase of an analyser against a logarithmic frequency axis: gain above and phase
 /// below or, when the analyser's screen is not split, both in one plot with the phase dashed and
-/// its axis on the right. A legend says which trace is which. The window, picture files and the
+/// its axis on the right. Where the coherence of a shown trace is known, a third, lower plot shows
+/// it. A legend says which trace is which. The window, picture files and the
 /// printer use this one painter.
 ///
 /// The traces differ in colour and, for eyes and printers without, in the marks that the memories
@@ -71,9 +71,11 @@ class ResponsePainter {
     QRect Place;
   };
 
-  std::array<Axis, 2> Axes() const;
+  std::vector<Axis> Axes() const;
+  bool ShowsCoherence() const;
   double ColumnOf(double hz) const;
   double YOf(const Axis& axis, double value) const;
+  bool IsDrawn(int slot) const;
   bool Unavailable(int slot) const;
   void MakeLegend();
   int PlaceLegend();
@@ -83,7 +85,7 @@ class ResponsePainter {
   void PaintFrequencyLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintAxis(QPainter& painter, const ScopeColours& colours, const Axis& axis) const;
   void PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot) const;
-  void PaintBars(QPainter& painter, const Axis& axis, const ResponseLines& trace,
+  void PaintBars(QPainter& painter, const Axis& axis, const std::vector<ResponseLines::Bar>& bars,
                  QColor colour) const;
   void PaintTraceMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
                        const ResponseLines& trace) const;
@@ -97,6 +99,7 @@ class ResponsePainter {
   QSize size_;
   QRect gainPlate_;
   QRect phasePlate_;
+  QRect coherencePlate_;  ///< empty when there is none
   QFont textFont_;
   QFont numberFont_;
   std::vector<LegendEntry> legend_;

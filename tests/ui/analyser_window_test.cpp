@@ -289,6 +289,9 @@ TEST_F(AnalyserWindowTest, TheSetUpIsCheckedInOrder) {
       {"EtEndDelay", "2", "Error: Amplitude must be > 0"},
       {"EAmplitude", "3",
        "Error: Active Sample Time < 0%.  Raise Order or SampleTime, or Reduce End Zero Time."},
+      {"EAverages", "0", "Error: Averages must be 1 to 1000"},
+      {"EAverages", "2",
+       "Error: Active Sample Time < 0%.  Raise Order or SampleTime, or Reduce End Zero Time."},
       {"EtEndDelay", "0.8",
        "Warning: Active Sample Time < 25%.  You may want to raise Order or SampleTime, or Reduce "
        "End Zero Time."}};
@@ -327,6 +330,8 @@ TEST_F(AnalyserWindowTest, TheSetUpIsCheckedInOrder) {
   EXPECT_EQ(Reports.Take(),
             Messages{"Note: End Zero Time = 0.  Most systems require some End Zero Time."});
   EXPECT_EQ(Xfer().Order(), 11);
+  EXPECT_EQ(Xfer().Averages(), 2);
+  EXPECT_TRUE(In<QLabel>("LWarning").isVisible());
   Trigger("MIUndo");
   EXPECT_EQ(Xfer().Setup().TEndDelay, 0.8);
   EXPECT_EQ(Xfer().Order(), 10);

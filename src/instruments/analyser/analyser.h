@@ -10,6 +10,7 @@
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/analyser/response_curve.h"
+#include "instruments/analyser/setup_finding.h"
 #include "instruments/analyser/trace_origin.h"
 #include "instruments/setting_caption.h"
 
@@ -123,6 +124,8 @@ class FrequencyAnalyser : public Instrument {
   /// Measurements that are averaged into one, at least 1.
   int Averages() const { return averages_; }
   void SetAverages(int count);
+  static bool CanAverage(int count) { return count >= 1 && count <= MaxAverages; }
+  static SetupFinding AveragesRefusal();
 
   /// The highest frequency at which the sample time in force measures gain and phase closely, Hz.
   virtual double AccurateUpTo() const = 0;

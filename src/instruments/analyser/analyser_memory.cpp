@@ -83,9 +83,13 @@ double FrequencyAnalyser::Coherence(int slot, int index) const {
                   output_->Coherence(slot, index).value_or(1.0));
 }
 
+SetupFinding FrequencyAnalyser::AveragesRefusal() {
+  return {SetupFinding::Kind::Refusal, "Averages must be 1 to " + std::to_string(MaxAverages), {}};
+}
+
 void FrequencyAnalyser::SetAverages(int count) {
-  if (count < 1 || count > MaxAverages) {
-    Error("Averages must be 1 to " + std::to_string(MaxAverages));
+  if (!CanAverage(count)) {
+    Error(AveragesRefusal().Text);
   } else {
     Store(averages_, count, "Averages");
   }

@@ -16,10 +16,11 @@ constexpr double EndDelayShare = 0.2;  // of a record, where a longer delay does
 }  // namespace
 
 FftSetup ZelXfer::Setup() const {
-  return {tSample_, order_, tStartDelay_, tEndDelay_, amplitude_, offset_};
+  return {tSample_, order_, tStartDelay_, tEndDelay_, amplitude_, offset_, Averages()};
 }
 
 SetupFinding ZelXfer::Check(const FftSetup& setup) const {
+  if (!CanAverage(setup.Averages)) return AveragesRefusal();
   return CheckSetup(setup, MinOrder, MaxOrder(), bench_.Solver()->Step());
 }
 
@@ -37,6 +38,7 @@ bool ZelXfer::Apply(const FftSetup& setup) {
         SetTEndDelay(setup.TEndDelay);
         SetAmplitude(setup.Amplitude);
         SetOffset(setup.Offset);
+        SetAverages(setup.Averages);
       },
       [] { return "Transfer Function Setup"; });
   return true;

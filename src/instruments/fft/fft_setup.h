@@ -12,6 +12,7 @@ struct FftSetup {
   double TEndDelay = 0.2;
   double Amplitude = 1.0;
   double Offset = 0.0;
+  int Averages = 1;  ///< records that are averaged
 
   int Length() const { return 1 << Order; }
   double RecordTime() const { return Length() * TSample; }

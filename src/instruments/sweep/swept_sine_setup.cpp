@@ -63,6 +63,7 @@ SweepSetup ZelSweptDSA::Setup() const {
 }
 
 SetupFinding ZelSweptDSA::Check(const SweepSetup& setup) const {
+  if (!CanAverage(setup.Averages)) return AveragesRefusal();
   return CheckSetup(setup, Capacity);
 }
 
@@ -82,6 +83,7 @@ bool ZelSweptDSA::Apply(const SweepSetup& setup) {
         SetMeasurementTime(setup.MeasurementTime);
         SetAmplitude(setup.Amplitude);
         SetOffset(setup.Offset);
+        SetAverages(setup.Averages);
         ApplySweepRange();
       },
       [] { return "Swept-Sine Setup"; });

@@ -220,6 +220,15 @@ void AnalyserWindow::ShowCursors() {
   cursors_->setVisible(shown);
 }
 
+void AnalyserWindow::ShowWarnings() {
+  QStringList warnings;
+  for (const std::string& warning : analyser_.Warnings()) {
+    warnings << QString::fromStdString(warning);
+  }
+  ui_->LWarning->setText(warnings.join(QLatin1Char(' ')));
+  ui_->LWarning->setVisible(!warnings.isEmpty());
+}
+
 void AnalyserWindow::ShowProgress() {
   const int percent = static_cast<int>(100.0 * analyser_.Progress());
   if (ui_->PBDataCollect->value() != percent) ui_->PBDataCollect->setValue(percent);
@@ -229,6 +238,7 @@ void AnalyserWindow::ShowProgress() {
 
 void AnalyserWindow::SettingsChanged() {
   Check(*ui_->SBRun, analyser_.Measuring());
+  ShowWarnings();
   axes_->Show();
   ShowSignals();
   ShowTraces();

@@ -78,6 +78,7 @@ class AnalyserWindow : public InstrumentPane {
   void ShowTraces();
   void ShowCursors();
   void ShowMargins();
+  void ShowWarnings();
   void ShowProgress();
   void Find();
   void ShowTrace(int slot, bool shown);

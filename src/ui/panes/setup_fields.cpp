@@ -11,7 +11,7 @@
 #include "core/messages.h"
 #include "core/scale_steps.h"
 #include "core/text.h"
-#include "instruments/analyser/setup_finding.h"
+#include "instruments/analyser/analyser.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/typed_number.h"
 
@@ -105,6 +105,14 @@ double More(double value) {
 
 double LessOrNone(double value) {
   return value <= LeastStep ? 0.0 : NextLowest125(value);
+}
+
+double FewerAverages(double count) {
+  return std::max(std::round(NextLowest125(count)), 1.0);
+}
+
+double MoreAverages(double count) {
+  return std::min<double>(std::round(NextHighest125(count)), FrequencyAnalyser::MaxAverages);
 }
 
 double MoreThanNone(double value) {

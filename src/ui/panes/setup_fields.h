@@ -58,5 +58,8 @@ double More(double value);
 /// The same with nothing at its lower end.
 double LessOrNone(double value);
 double MoreThanNone(double value);
+/// Steps of a number of averages: 1, 2, 5, 10.
+double FewerAverages(double count);
+double MoreAverages(double count);
 
 }  // namespace torvane

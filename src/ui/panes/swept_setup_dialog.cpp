@@ -25,6 +25,7 @@ TZelSweptDSASetupF::TZelSweptDSASetupF(ZelSweptDSA& analyser, QWidget* parent)
   fields_->AddStepped(*ui_->EMeasurementTime, setup.MeasurementTime, LessOrNone, MoreThanNone);
   fields_->Add(*ui_->EAmplitude, setup.Amplitude);
   fields_->Add(*ui_->EOffset, setup.Offset);
+  fields_->AddStepped(*ui_->EAverages, setup.Averages, FewerAverages, MoreAverages);
   connect(ui_->Buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(ui_->Buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   ShowExpected();
@@ -37,8 +38,9 @@ std::optional<SweepSetup> TZelSweptDSASetupF::Typed(bool reporting) const {
   if (!values) return std::nullopt;
   const std::vector<double>& v = *values;
   const auto steps = WholeNumber(v[3], "Steps/decade", reporting);
-  if (!steps) return std::nullopt;
-  return SweepSetup{v[0], v[1], v[2], *steps, v[4], v[5], v[6], v[7], analyser_.Averages()};
+  const auto averages = WholeNumber(v[8], "Averages", reporting);
+  if (!steps || !averages) return std::nullopt;
+  return SweepSetup{v[0], v[1], v[2], *steps, v[4], v[5], v[6], v[7], *averages};
 }
 
 void TZelSweptDSASetupF::ShowExpected() {

@@ -23,6 +23,7 @@ TZelXferSetupF::TZelXferSetupF(ZelXfer& analyser, QWidget* parent)
   fields_->AddStepped(*ui_->EtEndDelay, setup.TEndDelay, LessOrNone, MoreThanNone);
   fields_->Add(*ui_->EAmplitude, setup.Amplitude);
   fields_->Add(*ui_->EOffset, setup.Offset);
+  fields_->AddStepped(*ui_->EAverages, setup.Averages, FewerAverages, MoreAverages);
   connect(ui_->Buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(ui_->Buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   ShowActiveTime();
@@ -35,8 +36,9 @@ std::optional<FftSetup> TZelXferSetupF::Typed(bool reporting) const {
   if (!values) return std::nullopt;
   const std::vector<double>& v = *values;
   const auto order = WholeNumber(v[1], "FFT Order", reporting);
-  if (!order) return std::nullopt;
-  return FftSetup{v[0], *order, v[2], v[3], v[4], v[5]};
+  const auto averages = WholeNumber(v[6], "Averages", reporting);
+  if (!order || !averages) return std::nullopt;
+  return FftSetup{v[0], *order, v[2], v[3], v[4], v[5], *averages};
 }
 
 void TZelXferSetupF::ShowActiveTime() {

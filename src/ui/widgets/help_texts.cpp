@@ -293,6 +293,11 @@ constexpr Entry Entries[] = {
     {"TZelXferSetupF/EAmplitude",
      "How far the excitation goes from least to greatest, in the units of the model's command."},
     {"TZelXferSetupF/EOffset", "The value about which the excitation moves."},
+    {"EAverages",
+     "How many measurements are averaged into one. More take longer, are less noisy and tell the "
+     "coherence: where it is near 1, gain and phase can be trusted."},
+    {"BAveragesDown", "Averages fewer measurements, in less time."},
+    {"BAveragesUp", "Averages more measurements, which lowers the noise."},
     {"EStartFreq", "The frequency at which the sweep begins."},
     {"BStartFreqDown", "Begins the sweep at a lower frequency."},
     {"BStartFreqUp", "Begins the sweep at a higher frequency."},
