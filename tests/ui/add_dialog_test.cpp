@@ -1,4 +1,4 @@
-#include "ui/panes/add_dialog.h"
+#include "ui/panes/scope/add_dialog.h"
 
 #include <QAbstractButton>
 #include <QListWidget>

@@ -1,4 +1,4 @@
-#include "ui/panes/adjust_dialog.h"
+#include "ui/panes/constants/adjust_dialog.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -9,7 +9,7 @@
 
 #include "core/constant.h"
 #include "desktop.h"
-#include "ui/panes/constants_grid.h"
+#include "ui/panes/constants/constants_grid.h"
 
 namespace torvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/panes/analyser_window.h"
+#include "ui/panes/analyser/analyser_window.h"
 
 #include <QCheckBox>
 #include <QDialog>
@@ -17,7 +17,7 @@
 #include "instruments/analyser/shown_responses_csv.h"
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/sweep/swept_sine_analyser.h"
-#include "ui/panes/response_paint_box.h"
+#include "ui/panes/analyser/response_paint_box.h"
 
 namespace torvane {
 namespace {

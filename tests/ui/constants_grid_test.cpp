@@ -1,4 +1,4 @@
-#include "ui/panes/constants_grid.h"
+#include "ui/panes/constants/constants_grid.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -6,7 +6,7 @@
 
 #include "core/constant.h"
 #include "desktop.h"
-#include "ui/panes/adjust_dialog.h"
+#include "ui/panes/constants/adjust_dialog.h"
 
 namespace torvane {
 namespace {

@@ -4,8 +4,8 @@
 #include <QWhatsThis>
 
 #include "desktop.h"
-#include "ui/panes/add_dialog.h"
-#include "ui/panes/adjust_dialog.h"
+#include "ui/panes/constants/adjust_dialog.h"
+#include "ui/panes/scope/add_dialog.h"
 
 namespace torvane {
 namespace {

@@ -12,7 +12,7 @@
 #include <QTimer>
 
 #include "desktop.h"
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 namespace torvane {
 namespace {

@@ -6,7 +6,7 @@
 #include "core/constant.h"
 #include "desktop.h"
 #include "library/wave.h"
-#include "ui/panes/constants_grid.h"
+#include "ui/panes/constants/constants_grid.h"
 
 namespace torvane {
 namespace {

@@ -5,7 +5,7 @@
 #include "core/constant.h"
 #include "core/files/model_file.h"
 #include "desktop.h"
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 namespace torvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ui/panes/scope_window.h"
+#include "ui/panes/scope/scope_window.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -13,7 +13,7 @@
 #include "core/text.h"
 #include "desktop.h"
 #include "instruments/scope/scope_cursors.h"
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 namespace torvane {
 namespace {

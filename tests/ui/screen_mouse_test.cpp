@@ -1,10 +1,10 @@
-#include "ui/panes/screen_mouse.h"
+#include "ui/panes/scope/screen_mouse.h"
 
 #include <QComboBox>
 #include <QWheelEvent>
 
 #include "desktop.h"
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 namespace torvane {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "desktop.h"
 #include "ui/desk/theme.h"
-#include "ui/panes/scope_paint_box.h"
+#include "ui/panes/scope/scope_paint_box.h"
 
 namespace torvane {
 namespace {

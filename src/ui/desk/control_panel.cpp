@@ -21,7 +21,7 @@
 #include "ui/desk/splash.h"
 #include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
-#include "ui/panes/analyser_window.h"
+#include "ui/panes/analyser/analyser_window.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"

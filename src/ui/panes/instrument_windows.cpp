@@ -2,11 +2,11 @@
 
 #include <utility>
 
+#include "ui/panes/analyser/swept_window.h"
+#include "ui/panes/analyser/xfer_window.h"
 #include "ui/panes/meter_window.h"
-#include "ui/panes/scope_window.h"
-#include "ui/panes/swept_window.h"
+#include "ui/panes/scope/scope_window.h"
 #include "ui/panes/wave_gen_window.h"
-#include "ui/panes/xfer_window.h"
 
 namespace torvane {
 

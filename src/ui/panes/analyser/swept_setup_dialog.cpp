@@ -1,9 +1,9 @@
-#include "ui/panes/swept_setup_dialog.h"
+#include "ui/panes/analyser/swept_setup_dialog.h"
 
 #include <algorithm>
 
 #include "core/text.h"
-#include "ui/panes/setup_fields.h"
+#include "ui/panes/analyser/setup_fields.h"
 #include "ui_swept_setup.h"
 
 namespace torvane {

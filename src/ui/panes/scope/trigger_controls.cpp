@@ -1,4 +1,4 @@
-#include "ui/panes/trigger_controls.h"
+#include "ui/panes/scope/trigger_controls.h"
 
 #include <QSignalBlocker>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "ui/panes/response_paint_box.h"
+#include "ui/panes/analyser/response_paint_box.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>

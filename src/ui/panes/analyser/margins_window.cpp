@@ -1,4 +1,4 @@
-#include "ui/panes/margins_window.h"
+#include "ui/panes/analyser/margins_window.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>

@@ -9,7 +9,7 @@
 #include "instruments/scope/screen_pixels.h"
 #include "plot/cursor_painter.h"
 #include "plot/scope_painter.h"
-#include "ui/panes/screen_mouse.h"
+#include "ui/panes/scope/screen_mouse.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "ui/panes/trigger_word.h"
+#include "ui/panes/scope/trigger_word.h"
 
 #include <QEvent>
 #include <QFontMetrics>

@@ -1,4 +1,4 @@
-#include "ui/panes/constants_grid.h"
+#include "ui/panes/constants/constants_grid.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -12,8 +12,8 @@
 #include "core/constant.h"
 #include "core/messages.h"
 #include "core/text.h"
-#include "ui/panes/adjust_dialog.h"
-#include "ui/panes/value_knob.h"
+#include "ui/panes/constants/adjust_dialog.h"
+#include "ui/panes/constants/value_knob.h"
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/edit_shortcuts.h"

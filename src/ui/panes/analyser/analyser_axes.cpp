@@ -1,4 +1,4 @@
-#include "ui/panes/analyser_axes.h"
+#include "ui/panes/analyser/analyser_axes.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "ui/panes/screen_mouse.h"
+#include "ui/panes/scope/screen_mouse.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "ui/panes/analyser_window.h"
+#include "ui/panes/analyser/analyser_window.h"
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
@@ -9,10 +9,10 @@
 #include "core/undo.h"
 #include "instruments/analyser/auto_find.h"
 #include "instruments/analyser/shown_responses_csv.h"
-#include "ui/panes/analyser_axes.h"
-#include "ui/panes/margins_window.h"
-#include "ui/panes/response_cursors.h"
-#include "ui/panes/response_menu.h"
+#include "ui/panes/analyser/analyser_axes.h"
+#include "ui/panes/analyser/margins_window.h"
+#include "ui/panes/analyser/response_cursors.h"
+#include "ui/panes/analyser/response_menu.h"
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/swatch.h"

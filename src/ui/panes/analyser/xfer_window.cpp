@@ -1,10 +1,10 @@
-#include "ui/panes/xfer_window.h"
+#include "ui/panes/analyser/xfer_window.h"
 
 #include <QSignalBlocker>
 #include <utility>
 
 #include "core/messages.h"
-#include "ui/panes/xfer_setup_dialog.h"
+#include "ui/panes/analyser/xfer_setup_dialog.h"
 #include "ui_analyser.h"
 
 namespace torvane {

@@ -1,7 +1,7 @@
-#include "ui/panes/swept_window.h"
+#include "ui/panes/analyser/swept_window.h"
 
 #include "core/messages.h"
-#include "ui/panes/swept_setup_dialog.h"
+#include "ui/panes/analyser/swept_setup_dialog.h"
 #include "ui_analyser.h"
 
 namespace torvane {

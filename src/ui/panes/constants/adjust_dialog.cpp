@@ -1,4 +1,4 @@
-#include "ui/panes/adjust_dialog.h"
+#include "ui/panes/constants/adjust_dialog.h"
 
 #include <QGuiApplication>
 #include <QHideEvent>

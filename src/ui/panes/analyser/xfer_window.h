@@ -1,7 +1,7 @@
 #pragma once
 
 #include "instruments/fft/fft_analyser.h"
-#include "ui/panes/analyser_window.h"
+#include "ui/panes/analyser/analyser_window.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "ui/panes/response_cursors.h"
+#include "ui/panes/analyser/response_cursors.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-#include "ui/panes/scope_window.h"
+#include "ui/panes/scope/scope_window.h"
 
 #include <QCloseEvent>
 #include <QRegularExpression>
@@ -11,13 +11,13 @@
 #include "instruments/scope/scope_csv.h"
 #include "library/wave.h"
 #include "plot/scope_colours.h"
-#include "ui/panes/add_dialog.h"
-#include "ui/panes/constants_grid.h"
-#include "ui/panes/constants_splitter.h"
-#include "ui/panes/cursors_window.h"
-#include "ui/panes/math_window.h"
-#include "ui/panes/trigger_controls.h"
-#include "ui/panes/trigger_word.h"
+#include "ui/panes/constants/constants_grid.h"
+#include "ui/panes/constants/constants_splitter.h"
+#include "ui/panes/scope/add_dialog.h"
+#include "ui/panes/scope/cursors_window.h"
+#include "ui/panes/scope/math_window.h"
+#include "ui/panes/scope/trigger_controls.h"
+#include "ui/panes/scope/trigger_word.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/export_menu.h"

@@ -1,4 +1,4 @@
-#include "ui/panes/setup_fields.h"
+#include "ui/panes/analyser/setup_fields.h"
 
 #include <QAbstractButton>
 #include <QDialog>

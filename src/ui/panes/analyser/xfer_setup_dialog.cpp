@@ -1,8 +1,8 @@
-#include "ui/panes/xfer_setup_dialog.h"
+#include "ui/panes/analyser/xfer_setup_dialog.h"
 
 #include <algorithm>
 
-#include "ui/panes/setup_fields.h"
+#include "ui/panes/analyser/setup_fields.h"
 #include "ui_xfer_setup.h"
 
 namespace torvane {

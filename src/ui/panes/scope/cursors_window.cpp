@@ -1,4 +1,4 @@
-#include "ui/panes/cursors_window.h"
+#include "ui/panes/scope/cursors_window.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>

@@ -1,4 +1,4 @@
-#include "ui/panes/response_menu.h"
+#include "ui/panes/analyser/response_menu.h"
 
 #include <QActionGroup>
 #include <QDir>

@@ -1,10 +1,10 @@
-#include "ui/panes/constants_splitter.h"
+#include "ui/panes/constants/constants_splitter.h"
 
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <algorithm>
 
-#include "ui/panes/constants_grid.h"
+#include "ui/panes/constants/constants_grid.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "ui/panes/math_window.h"
+#include "ui/panes/scope/math_window.h"
 
 #include <QCloseEvent>
 #include <QLayout>

@@ -1,4 +1,4 @@
-#include "ui/panes/value_knob.h"
+#include "ui/panes/constants/value_knob.h"
 
 #include <QMouseEvent>
 #include <QWheelEvent>
