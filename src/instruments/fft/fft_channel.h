@@ -5,7 +5,7 @@
 
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/fft/fft.h"
-#include "instruments/fft/spectrum_average.h"
+#include "instruments/fft/record_average.h"
 
 namespace torvane {
 
@@ -67,7 +67,7 @@ class ZelXferChannel final : public AnalyserChannel {
   const Fft& fft_;
   int order_;
   bool window_ = false;
-  SpectrumAverage average_;
+  RecordAverage average_;
   std::array<Slot, SlotCount> slots_;
 };
 

@@ -12,7 +12,7 @@ namespace torvane {
 /// What the excitation has not caused averages out of X R*, so the ratio of two signals' sums is
 /// the response between them even in a loop that noise goes round, and |sum X R*|^2 / (sum |R|^2
 /// sum |X|^2) is the share of the signal that the excitation explains.
-class SpectrumAverage {
+class RecordAverage {
  public:
   void Clear(std::size_t bins);
   void Add(std::span<const float> re, std::span<const float> im, const ExcitationRecord& reference);

@@ -1,15 +1,15 @@
-#include "instruments/fft/spectrum_average.h"
+#include "instruments/fft/record_average.h"
 
 #include <cmath>
 
 namespace torvane {
 
-void SpectrumAverage::Clear(std::size_t bins) {
+void RecordAverage::Clear(std::size_t bins) {
   sums_.assign(bins, {});
 }
 
-void SpectrumAverage::Add(std::span<const float> re, std::span<const float> im,
-                          const ExcitationRecord& reference) {
+void RecordAverage::Add(std::span<const float> re, std::span<const float> im,
+                        const ExcitationRecord& reference) {
   for (std::size_t bin = 0; bin < sums_.size(); ++bin) {
     Sums& sums = sums_[bin];
     const double xRe = re[bin];
@@ -22,9 +22,9 @@ void SpectrumAverage::Add(std::span<const float> re, std::span<const float> im,
   }
 }
 
-void SpectrumAverage::TakeResponse(const std::vector<double>& referencePower, int records,
-                                   std::span<float> re, std::span<float> im,
-                                   std::vector<float>& coherences) const {
+void RecordAverage::TakeResponse(const std::vector<double>& referencePower, int records,
+                                 std::span<float> re, std::span<float> im,
+                                 std::vector<float>& coherences) const {
   coherences.resize(sums_.size());
   for (std::size_t bin = 0; bin < sums_.size(); ++bin) {
     const Sums& sums = sums_[bin];
@@ -38,7 +38,7 @@ void SpectrumAverage::TakeResponse(const std::vector<double>& referencePower, in
   }
 }
 
-void SpectrumAverage::TakePower(int records, std::span<float> re, std::span<float> im) const {
+void RecordAverage::TakePower(int records, std::span<float> re, std::span<float> im) const {
   for (std::size_t bin = 0; bin < sums_.size(); ++bin) {
     re[bin] = static_cast<float>(std::sqrt(sums_[bin].Power / records));
     im[bin] = 0.0F;
