@@ -1,15 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "core/files/model_file.h"
-#include "core/files/model_file_lines.h"
 #include "instruments/meter/meter.h"
 #include "models/catalogue.h"
 
@@ -65,15 +66,22 @@ class PooledHost final : public ModelFileHost {
   };
 
   /// Of the model's text as it was new, what does not stand in its present one.
-  static std::string ChangedLines(const std::string& text, const std::string& now) {
-    std::set<std::string> present;
-    std::string line;
-    for (LineReader lines(now); lines.Next(line);) present.insert(line);
+  static std::string ChangedLines(std::string_view text, std::string_view now) {
+    std::unordered_set<std::string_view> present;
+    while (!now.empty()) present.insert(TakeLine(now));
     std::string changed;
-    for (LineReader lines(text); lines.Next(line);) {
-      if (!present.contains(line)) changed += line + "\n";
+    while (!text.empty()) {
+      const std::string_view line = TakeLine(text);
+      if (!present.contains(line)) changed += line;
     }
     return changed;
+  }
+
+  /// The first line with its end, which leaves TEXT.
+  static std::string_view TakeLine(std::string_view& text) {
+    const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
+    text.remove_prefix(line.size());
+    return line;
   }
 
   HandOut handOut_;
