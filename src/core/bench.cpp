@@ -129,14 +129,6 @@ bool ZelBenchTop::AnyScopeBusy() const {
   return std::any_of(scopes.begin(), scopes.end(), [](const Instrument* s) { return s->Busy(); });
 }
 
-bool ZelBenchTop::AnyAnalyserMeasuring() const {
-  const auto measuring = [](const Instrument* analyser) { return analyser->Measuring(); };
-  const auto& fft = Instruments(InstrumentKind::FftAnalyser);
-  const auto& swept = Instruments(InstrumentKind::SweptSine);
-  return std::any_of(fft.begin(), fft.end(), measuring) ||
-         std::any_of(swept.begin(), swept.end(), measuring);
-}
-
 double ZelBenchTop::MeterExcitation(double now) const {
   double sum = 0.0;
   for (const Instrument* meter : Instruments(InstrumentKind::Meter)) sum += meter->Excitation(now);

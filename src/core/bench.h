@@ -72,9 +72,6 @@ class ZelBenchTop {
 
   bool AnyScopeBusy() const;
 
-  /// An FFT or swept-sine analyser has a measurement in progress.
-  bool AnyAnalyserMeasuring() const;
-
   /// Sum of what the meters add to the model's command at time `now`.
   double MeterExcitation(double now) const;
 

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 
+#include "core/files/temporary_file.h"
 #include "support/recorder.h"
 
 namespace torvane {
@@ -37,13 +38,25 @@ class AtomicSave : public ::testing::Test {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  std::size_t FileCount() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+  std::ptrdiff_t FileCount() const {
+    return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
   }
   void ExpectOldFileWhole() const {
     EXPECT_EQ(Content(path_), "old");
-    EXPECT_EQ(FileCount(), 1U) << "something was left beside the file";
+    EXPECT_EQ(FileCount(), 1) << "something was left beside the file";
+  }
+  void ExpectSaved(const fs::path& path, const fs::path& holder) {
+    const std::string bytes = "new " + path.string();
+    EXPECT_EQ(WhyNotWritable(path), "");
+    EXPECT_TRUE(SaveAtomically(path, bytes));
+    EXPECT_EQ(Content(holder), bytes);
+    EXPECT_EQ(messages_.Take(), Messages{});
+  }
+  void ExpectNotOpened(const fs::path& path, const char* reason) {
+    const std::string fault = "Cannot open " + path.string() + ": " + reason;
+    EXPECT_EQ(WhyNotWritable(path), fault);
+    EXPECT_FALSE(SaveAtomically(path, "new"));
+    EXPECT_EQ(messages_.Take(), Messages{"Error: " + fault});
   }
 
   /// In a process of its own, as a user without special rights; tells whether it returned true.
@@ -65,35 +78,22 @@ class AtomicSave : public ::testing::Test {
   const fs::path path_ = folder_ / "a.tvf";
 };
 
-TEST_F(AtomicSave, ReplacesTheFileAndKeepsItsPermissions) {
+TEST_F(AtomicSave, ReplacesTheFileThatLinksLeadToAndKeepsItsPermissions) {
   chmod(path_.c_str(), 0640);
-  EXPECT_TRUE(SaveAtomically(path_, "new"));
-  EXPECT_EQ(Content(path_), "new");
-  struct stat status {};
-  stat(path_.c_str(), &status);
-  EXPECT_EQ(status.st_mode & 07777, 0640U);
-  EXPECT_EQ(FileCount(), 1U);
-  EXPECT_TRUE(SaveAtomically(folder_ / "b.tvf", "another"));
-  EXPECT_EQ(Content(folder_ / "b.tvf"), "another");
-  EXPECT_EQ(messages_.Take(), Messages{});
-}
-
-TEST_F(AtomicSave, FollowsSymbolicLinks) {
+  ExpectSaved(path_, path_);
+  EXPECT_EQ(FileCount(), 1);
   fs::create_directory(folder_ / "links");
   fs::create_symlink("../a.tvf", folder_ / "links" / "first");
   fs::create_symlink("first", folder_ / "links" / "second");
-  EXPECT_TRUE(SaveAtomically(folder_ / "links" / "second", "new"));
-  EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "second"));
-  EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "first"));
-  EXPECT_EQ(Content(path_), "new");
-  // One that leads nowhere yet makes the file that it names; one that leads to itself is refused.
   fs::create_symlink("not-yet.tvf", folder_ / "dangling");
-  EXPECT_TRUE(SaveAtomically(folder_ / "dangling", "made"));
-  EXPECT_EQ(Content(folder_ / "not-yet.tvf"), "made");
   fs::create_symlink("round", folder_ / "round");
-  EXPECT_FALSE(SaveAtomically(folder_ / "round", "new"));
-  EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot open " + (folder_ / "round").string() +
-                                       ": Too many levels of symbolic links"});
+  ExpectSaved(folder_ / "links" / "second", path_);
+  EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "second"));
+  struct stat status {};
+  stat(path_.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  ExpectSaved(folder_ / "dangling", folder_ / "not-yet.tvf");
+  ExpectNotOpened(folder_ / "round", "Too many levels of symbolic links");
 }
 
 // Whatever the number of bytes that still fit on the disk.
@@ -112,18 +112,18 @@ TEST_F(AtomicSave, ADiskThatIsFullLeavesTheOldFile) {
               Messages{"Error: Cannot write " + path_.string() + ": File too large"});
     ExpectOldFileWhole();
   }
-  std::signal(SIGXFSZ, SIG_DFL);
-}
-
-TEST_F(AtomicSave, AFullDeviceIsWrittenInPlaceAndSaysSo) {
+  // A device is written in place.
   EXPECT_FALSE(SaveAtomically("/dev/full", "new"));
   EXPECT_EQ(messages_.Take(), Messages{"Error: Cannot write /dev/full: No space left on device"});
-  EXPECT_TRUE(fs::is_character_file("/dev/full"));
   EXPECT_TRUE(SaveAtomically("/dev/null", "new"));
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_TRUE(fs::is_character_file("/dev/full") && fs::is_character_file("/dev/null"));
 }
 
-TEST_F(AtomicSave, WithoutRightsTheOldFileStays) {
+TEST_F(AtomicSave, WhatCannotBeWrittenStaysAsItIs) {
+  ExpectNotOpened(folder_, "Is a directory");
+  ExpectNotOpened(folder_ / "gone" / "a.tvf", "No such file or directory");
+  ExpectNotOpened(path_ / "a.tvf", "Not a directory");
+  ExpectNotOpened("", "No such file or directory");
   chmod(path_.c_str(), 0666);
   fs::permissions(folder_, static_cast<fs::perms>(0555));
   // A folder that may not be written.
@@ -136,37 +136,32 @@ TEST_F(AtomicSave, WithoutRightsTheOldFileStays) {
   ExpectOldFileWhole();
   // Not even root creates files here.
   EXPECT_FALSE(SaveAtomically("/proc/a.tvf", "new"));
-  EXPECT_EQ(messages_.Take(),
-            Messages{"Error: Cannot open /proc/a.tvf: No such file or directory"});
 }
 
-TEST_F(AtomicSave, AFolderIsNoFileAndAVanishedOneHoldsNone) {
-  EXPECT_FALSE(SaveAtomically(folder_, "new"));
-  EXPECT_FALSE(SaveAtomically(folder_ / "gone" / "a.tvf", "new"));
-  EXPECT_FALSE(SaveAtomically(path_ / "a.tvf", "new"));
-  EXPECT_FALSE(SaveAtomically("", "new"));
-  const auto refused = [](const fs::path& path, const char* reason) {
-    return "Error: Cannot open " + path.string() + ": " + reason;
-  };
-  EXPECT_EQ(messages_.Take(),
-            (Messages{refused(folder_, "Is a directory"),
-                      refused(folder_ / "gone" / "a.tvf", "No such file or directory"),
-                      refused(path_ / "a.tvf", "Not a directory"),
-                      refused("", "No such file or directory")}));
-  ExpectOldFileWhole();
-}
-
-// Only what looks like a temporary file that nobody writes any more is removed.
-TEST_F(AtomicSave, RemovesWhatDeadWritersLeft) {
-  for (const char* name : {".torvane-1-0", ".torvane-1-1", ".torvane-x", ".torvane-1"}) {
+// Only what looks like a temporary file that nobody writes any more is removed. While one is
+// written, a signal to end has to wait until it is moved or gone.
+TEST_F(AtomicSave, TemporaryFilesDoNotStay) {
+  for (const char* name : {".torvane-1-0", ".torvane-1-1", ".torvane-x-1", ".torvane-1",
+                           ".torvane-1-", ".torvane--1", "torvane-1-1"}) {
     std::ofstream(folder_ / name) << "part";
   }
   const int held = open((folder_ / ".torvane-1-1").c_str(), O_WRONLY);
   ASSERT_EQ(flock(held, LOCK_EX), 0);
   EXPECT_TRUE(SaveAtomically(path_, "new"));
   EXPECT_FALSE(fs::exists(folder_ / ".torvane-1-0"));
-  EXPECT_EQ(FileCount(), 4U);
+  EXPECT_EQ(FileCount(), 7);
   close(held);
+  sigset_t blocked;
+  {
+    const TemporaryFile temporary(folder_.string() + "/");
+    const TemporaryFile second(folder_.string() + "/");
+    EXPECT_EQ(FileCount(), 8) << "two of this process, and the one whose holder is gone is not";
+    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    EXPECT_TRUE(sigismember(&blocked, SIGTERM) && sigismember(&blocked, SIGINT));
+  }
+  EXPECT_EQ(FileCount(), 6);
+  pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+  EXPECT_FALSE(sigismember(&blocked, SIGTERM));
 }
 
 }  // namespace

@@ -2,120 +2,131 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cmath>
 
 #include "core/bench.h"
-#include "support/fake_instrument.h"
 #include "support/recorder.h"
 
 namespace torvane {
 namespace {
 
-using test::FakeInstrument;
 using test::Messages;
-using test::Recorder;
+using Log = std::vector<std::string>;
 
-class ConstantTest : public testing::Test {
+class ConstantTest : public testing::Test, protected ConstantObserver, protected UndoItems {
  protected:
+  ConstantTest() {
+    bench.History().Attach(this);
+    gain.Observe(*this);
+    feedback.Observe(*this);
+  }
   void TearDown() override { EXPECT_EQ(recorder.Take(), Messages{}); }
 
-  int Undos() {
-    int count = 0;
-    for (; bench.History().CanUndo(); ++count) bench.History().Undo();
-    return count;
+  void ConstantChanged(const Constant& constant) override { told.push_back(constant.FileText()); }
+  void SetCaption(UndoItem item, const std::string& text) override {
+    if (item == UndoItem::UndoMenu) caption = text;
   }
+  void SetEnabled(UndoItem, bool) override {}
 
-  Recorder recorder;
+  test::Recorder recorder;
+  std::string caption;
+  Log told;
   ZelBenchTop bench;
-  std::vector<std::string> log;
   Constant gain{bench, "KP", "", 1.2, 100.0, -10.0};
   Constant feedback{bench, "Feedback", {"Tach", "Encoder", "None"}, 1};
 };
 
-// The first evaluation hands every default to its block.
-TEST_F(ConstantTest, ChangedFlagStartsSetAndReadsOnce) {
-  for (Constant* constant : {&gain, &feedback}) {
-    EXPECT_TRUE(constant->TakeChanged());
-    EXPECT_FALSE(constant->TakeChanged());
-  }
-  gain.Set(2.0);
-  EXPECT_TRUE(gain.TakeChanged());
-  EXPECT_FALSE(gain.TakeChanged());
-  EXPECT_FALSE(feedback.TakeChanged());
-}
-
-TEST_F(ConstantTest, LimitsComeInEitherOrderAndLimitTheValue) {
-  EXPECT_EQ(gain.Lower(), -10.0);
-  EXPECT_EQ(gain.Upper(), 100.0);
-  gain.Set(101.0);
-  EXPECT_EQ(gain.Value(), 100.0);
-  gain.Set(std::numeric_limits<double>::infinity());  // at the limit already: no change
-  gain.Set(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_EQ(gain.Value(), 100.0);
-  gain.Set(-10.5);
-  EXPECT_EQ(gain.Value(), -10.0);
-  EXPECT_EQ(Undos(), 2);
-  EXPECT_EQ(gain.Value(), 1.2);
-}
-
-TEST_F(ConstantTest, ValuesThatDoNotChangeTheConstantLeaveNoTrace) {
-  gain.TakeChanged();
-  gain.Set(1.2);
-  gain.RestoreDefault();
-  feedback.Set(1.0);
-  EXPECT_FALSE(gain.TakeChanged());
-  EXPECT_EQ(Undos(), 0);
-}
-
-TEST_F(ConstantTest, UndoAndRedoGiveTheValueToModelAndScopesAlike) {
-  FakeInstrument scope(InstrumentKind::Scope, "scope", log);
-  bench.AddInstrument(scope);
-  gain.Set(1.0 / 3.0);
-  feedback.Set(0.0);
-  gain.TakeChanged();
-  bench.History().Undo();
-  EXPECT_EQ(feedback.DisplayText(), "Encoder");
-  bench.History().Undo();
-  EXPECT_EQ(gain.Value(), 1.2);
-  EXPECT_TRUE(gain.TakeChanged());
-  bench.History().Redo();
-  bench.History().Redo();
-  EXPECT_EQ(gain.Value(), 1.0 / 3.0);
-  EXPECT_EQ(feedback.Choice(), 0);
-  EXPECT_FALSE(bench.History().CanRedo());
-  EXPECT_EQ(log, (std::vector<std::string>{"scope told of KP", "scope told of Feedback",
-                                           "scope told of Feedback", "scope told of KP",
-                                           "scope told of KP", "scope told of Feedback"}));
-}
-
-TEST_F(ConstantTest, TheHistoryNamesTheNewValue) {
-  struct Items : UndoItems {
-    void SetCaption(UndoItem item, const std::string& caption) override {
-      if (item == UndoItem::UndoMenu) Undo = caption;
-    }
-    void SetEnabled(UndoItem, bool) override {}
-    std::string Undo;
-  } items;
-  bench.History().Attach(&items);
-  gain.Set(12.3456789);
-  EXPECT_EQ(items.Undo, "Undo KP = 12.346");
-  feedback.SetFromText("Tach");
-  EXPECT_EQ(items.Undo, "Undo Feedback = Tach");
-}
-
-// Each way from 2, 0 and -2: down by 100, 20 and 4 per cent, up by 4, 20 and 100.
-TEST_F(ConstantTest, StepsAlongTheNumberLineWhateverTheSign) {
+// The changed flag starts set: the first evaluation hands every default to its block.
+TEST_F(ConstantTest, AChangeIsLimitedFlaggedRecordedAndTold) {
+  const double nan = std::nan("");
   const struct {
+    Constant& Of;
+    double From, To;
+    const char* Undo;  // what the menu offers then; nothing where nothing changed
+  } changes[] = {
+      {gain, 1.2, 1.2, ""},
+      {gain, 101.0, 100.0, "Undo KP = 100"},
+      {gain, HUGE_VAL, 100, ""},  // at the limit already
+      {gain, nan, 100.0, ""},
+      {gain, -10.5, -10.0, "Undo KP = -10"},
+      {gain, 12.3456789, 12.3456789, "Undo KP = 12.346"},
+      {feedback, 1.9, 1, ""},
+      {feedback, 7.0, 2, "Undo Feedback = None"},
+      {feedback, -1.0, 0, "Undo Feedback = Tach"},
+  };
+  for (const auto& [of, from, to, undo] : changes) {
+    of.TakeChanged();
+    told.clear();
+    of.Set(from);
+    EXPECT_EQ(of.Value(), to) << from;
+    const bool changed = *undo != '\0';
+    EXPECT_EQ(of.TakeChanged(), changed) << from;
+    EXPECT_FALSE(of.TakeChanged());
+    EXPECT_EQ(told, changed ? Log{of.FileText()} : Log{});
+    EXPECT_EQ(caption, changed ? undo : caption);
+  }
+  const double undone[] = {2.0, 1.0, -10.0, 100.0, 1.2};  // feedback twice, then the gain
+  for (std::size_t i = 0; i < 5; ++i) {
+    Constant& of = i < 2 ? feedback : gain;
+    bench.History().Undo();
+    EXPECT_EQ(of.Value(), undone[i]);
+    EXPECT_TRUE(of.TakeChanged());
+  }
+  EXPECT_FALSE(bench.History().CanUndo());
+  while (bench.History().CanRedo()) bench.History().Redo();
+  EXPECT_EQ(gain.Value(), 12.3456789);
+  EXPECT_EQ(feedback.Choice(), 0);
+  gain.Unobserve(*this);
+  told.clear();
+  gain.RestoreDefault();
+  feedback.RestoreDefault();
+  EXPECT_EQ(gain.Value(), 1.2);
+  EXPECT_EQ(told, Log{"Encoder"});
+  EXPECT_TRUE(Constant(bench, "fresh", "", 1.0, 0.0, 2.0).TakeChanged());
+}
+
+// A drag is one step to undo, and none when it ends where it began.
+TEST_F(ConstantTest, AGestureIsOneChange) {
+  for (Constant* constant : {&gain, &feedback}) {
+    const double before = constant->Value();
+    const auto drag = [&](double end) {
+      bench.History().BeginGesture();
+      for (const double value : {0.0, 1.0, end}) constant->Set(value);
+      bench.History().EndGesture();
+    };
+    drag(before);
+    EXPECT_FALSE(bench.History().CanUndo());
+    drag(2.0);
+    EXPECT_EQ(caption, "Undo " + constant->Name() + " = " + constant->DisplayText());
+    bench.History().Undo();
+    EXPECT_EQ(constant->Value(), before);
+    bench.History().Redo();
+    EXPECT_EQ(constant->Value(), 2.0);
+    bench.History().Undo();
+  }
+}
+
+TEST_F(ConstantTest, StepsAlongTheNumberLineWhateverTheSign) {
+  // Down by 100, 20 and 4 per cent, up by 4, 20 and 100.
+  const struct {
+    Constant& Of;
     double From;
     double To[6];
-  } cases[] = {{2.0, {1.0, 1.7, 1.94, 2.08, 2.5, 5.0}},
-               {0.0, {-1.0, -0.1, -0.01, 0.1, 1.0, 10.0}},
-               {-2.0, {-5.0, -2.5, -2.08, -1.94, -1.7, -1.0}}};
-  for (const auto& [from, to] : cases) {
+  } cases[] = {{gain, 2.0, {1.0, 1.7, 1.94, 2.08, 2.5, 5.0}},
+               {gain, 0.0, {-1.0, -0.1, -0.01, 0.1, 1.0, 10.0}},  // shares of the limits
+               {gain, -2.0, {-5.0, -2.5, -2.08, -1.94, -1.7, -1.0}},
+               {gain, 100.0, {50.0, 85.0, 97.0, 100.0, 100.0, 100.0}},
+               {gain, -10.0, {-10.0, -10.0, -10.0, -9.7, -8.5, -5.0}},
+               {feedback, 0, {0, 0, 0, 1, 1, 2}},
+               {feedback, 1, {0, 0, 0, 2, 2, 2}},
+               {feedback, 2, {0, 1, 1, 2, 2, 2}}};
+  for (const auto& [of, from, to] : cases) {
     for (int step = 0; step < 6; ++step) {
-      gain.Set(from);
-      gain.Step(static_cast<ConstantStep>(step));
-      EXPECT_DOUBLE_EQ(gain.Value(), to[step]) << from << " by step " << step;
+      of.Set(from);
+      EXPECT_EQ(of.CanStepUp(), from != to[5]) << from;
+      EXPECT_EQ(of.CanStepDown(), from != to[0]) << from;
+      of.Step(static_cast<ConstantStep>(step));
+      EXPECT_DOUBLE_EQ(of.Value(), to[step]) << from << " by step " << step;
     }
   }
   gain.Set(6.0);
@@ -123,76 +134,33 @@ TEST_F(ConstantTest, StepsAlongTheNumberLineWhateverTheSign) {
   EXPECT_EQ(gain.Value(), -6.0);
   gain.SetToZero();
   EXPECT_EQ(gain.Value(), 0.0);
+  feedback.Set(1.0);
+  feedback.ChangeSign();
+  EXPECT_EQ(feedback.Choice(), 1);
   Constant frequency(bench, "F", "Hz", 5.0, 0.5, 6.0);
   frequency.SetToZero();
   EXPECT_EQ(frequency.Value(), 0.5);
-}
-
-TEST_F(ConstantTest, StepsEndAtTheLimitsAndLeaveNoTraceThere) {
-  gain.Set(60.0);
-  for (int press = 0; press < 3; ++press) gain.Step(ConstantStep::Up);
-  EXPECT_EQ(gain.Value(), 100.0);
-  EXPECT_FALSE(gain.CanStepUp());
-  EXPECT_TRUE(gain.CanStepDown());
-  EXPECT_EQ(Undos(), 2);
-  using S = ConstantStep;
-  const std::pair<S, int> walk[] = {{S::NudgeUp, 2},       {S::DinkyNudgeUp, 2}, {S::Down, 0},
-                                    {S::NudgeDown, 0},     {S::DinkyNudgeUp, 1}, {S::Up, 2},
-                                    {S::DinkyNudgeDown, 1}};
-  for (const auto& [step, choice] : walk) {
-    feedback.Step(step);
-    feedback.ChangeSign();
-    EXPECT_EQ(feedback.Choice(), choice);
-    EXPECT_EQ(feedback.CanStepUp(), choice < 2);
-    EXPECT_EQ(feedback.CanStepDown(), choice > 0);
-  }
-}
-
-TEST_F(ConstantTest, ObserversAreToldOfEveryChange) {
-  struct Observer : ConstantObserver {
-    void ConstantChanged(const Constant& constant) override { Seen.push_back(constant.Value()); }
-    std::vector<double> Seen;
-  } observer;
-  gain.Observe(observer);
-  gain.Set(3.0);
-  gain.Set(3.0);
-  bench.History().Undo();
-  gain.Unobserve(observer);
-  gain.Set(4.0);
-  EXPECT_EQ(observer.Seen, (std::vector<double>{3.0, 1.2}));
+  EXPECT_TRUE(Constant(bench, "fixed", "", 1.0, 1.0, 1.0).CanStepDown());
 }
 
 TEST_F(ConstantTest, ReadsAndWritesText) {
   EXPECT_TRUE(gain.SetFromText(" 0.1234567 "));
   EXPECT_EQ(gain.DisplayText(), "0.12346");
   EXPECT_EQ(gain.FileText(), "0.1234567");
-  EXPECT_TRUE(gain.SetFromText("1e9"));
-  EXPECT_EQ(gain.Value(), 100.0);
-  EXPECT_FALSE(gain.SetFromText("1,5"));
-  EXPECT_EQ(gain.Value(), 100.0);
-  EXPECT_EQ(recorder.Take(), Messages{"Message Box: Cannot convert \"1,5\" to a Number"});
-}
-
-TEST_F(ConstantTest, AListTakesItsChoicesOnly) {
-  EXPECT_EQ(feedback.Choice(), 1);
+  EXPECT_FALSE(gain.SetFromText("1,5", " in line 3"));
+  EXPECT_EQ(gain.Value(), 0.1234567);
+  EXPECT_EQ(recorder.Take(), Messages{"Message Box: Cannot convert \"1,5\" to a Number in line 3"});
   EXPECT_TRUE(feedback.SetFromText("None"));
-  EXPECT_EQ(feedback.Choice(), 2);
   EXPECT_EQ(feedback.FileText(), "None");
-  feedback.Set(7.0);
-  EXPECT_EQ(feedback.Choice(), 2);
-  feedback.Set(-1.0);
-  EXPECT_EQ(feedback.Choice(), 0);
   for (const std::string text : {"tach", "1", ""}) {
-    EXPECT_FALSE(feedback.SetFromText(text));
+    EXPECT_FALSE(feedback.SetFromText(text, "!"));
     EXPECT_EQ(recorder.Take(),
               Messages{"Error: \"" + text +
                        "\" is not a valid selection for \"Feedback\". \n(Note:  you can "
                        "double-click on the grid at the \nright of \"Feedback\" and use adjust "
-                       "buttons.)"});
+                       "buttons.)!"});
   }
-  EXPECT_EQ(feedback.DisplayText(), "Tach");
-  feedback.RestoreDefault();
-  EXPECT_EQ(feedback.Choice(), 1);
+  EXPECT_EQ(feedback.DisplayText(), "None");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <random>
 
 #include "support/recorder.h"
 
@@ -10,199 +11,166 @@ namespace torvane {
 namespace {
 
 using test::Messages;
-using test::Recorder;
 
-/// The four items as the main window would show them.
-class FakeItems : public UndoItems {
- public:
-  void SetCaption(UndoItem item, const std::string& caption) override { captions_[item] = caption; }
-  void SetEnabled(UndoItem item, bool enabled) override { enabled_[item] = enabled; }
+/// The items as the main window would show them.
+struct FakeItems : UndoItems {
+  void SetCaption(UndoItem item, const std::string& caption) override { Captions[item] = caption; }
+  void SetEnabled(UndoItem item, bool enabled) override { Enabled[item] = enabled; }
 
-  std::string Undo() const { return Show(UndoItem::UndoMenu, UndoItem::UndoButton); }
-  std::string Redo() const { return Show(UndoItem::RedoMenu, UndoItem::RedoButton); }
-
- private:
-  std::string Show(UndoItem menu, UndoItem button) const {
-    EXPECT_EQ(captions_.count(button), 0u) << "a button has no caption";
-    EXPECT_EQ(enabled_.at(menu), enabled_.at(button));
-    return captions_.at(menu) + (enabled_.at(menu) ? "" : " (disabled)");
-  }
-
-  std::map<UndoItem, std::string> captions_;
-  std::map<UndoItem, bool> enabled_;
+  std::map<UndoItem, std::string> Captions;
+  std::map<UndoItem, bool> Enabled;
 };
 
 /// A number whose changes can be taken back.
-class Dial : public Undoable {
- public:
-  explicit Dial(ZelUndo& history) : history_(history) {}
+struct Dial : Undoable {
+  Dial(ZelUndo& history, bool merges) : History(history), Merges(merges) {}
 
   void Turn(int value) {
     UndoEntry entry;
     entry.Target = this;
     entry.Description = std::to_string(value);
-    entry.Ints = {Value, value, 0, 0};
+    entry.Ints = {Value, value};
     Value = value;
-    history_.Push(entry);
+    History.Push(entry);
   }
   void Undo(const UndoEntry& entry) override { Value = entry.Ints[0]; }
   void Redo(const UndoEntry& entry) override { Value = entry.Ints[1]; }
   Merged Merge(UndoEntry& earlier, const UndoEntry& later) const override {
+    if (!Merges) return Undoable::Merge(earlier, later);
     earlier.Ints[1] = later.Ints[1];
     earlier.Description = later.Description;
     return earlier.Ints[0] == earlier.Ints[1] ? Merged::Nothing : Merged::Yes;
   }
 
+  ZelUndo& History;
+  const bool Merges;
   int Value = 0;
-
- private:
-  ZelUndo& history_;
 };
 
-class UndoTest : public testing::Test {
- protected:
-  void SetUp() override { history.Attach(&items); }
-  void TearDown() override { EXPECT_EQ(recorder.Take(), Messages{}); }
+/// What a history does, as plain lists of changes.
+struct PlainHistory {
+  struct Change {
+    Dial* Target;
+    int From, To;
+  };
+  using Changes = std::vector<Change>;
 
-  Recorder recorder;
-  FakeItems items;
+  void Turn(Dial& dial, int value) {
+    Undone.clear();
+    if (Done.size() > GestureStart && Done.back().Target == &dial && dial.Merges) {
+      Done.back().To = value;
+      if (Done.back().From == value) Done.pop_back();
+      return;
+    }
+    Done.push_back({&dial, dial.Value, value});
+    if (Done.size() <= ZelUndo::Depth) return;
+    Done.erase(Done.begin());
+    if (GestureStart != NoGesture) --GestureStart;
+  }
+  Change Step(Changes& from, Changes& to) {
+    GestureStart = NoGesture;
+    to.push_back(from.back());
+    from.pop_back();
+    return to.back();
+  }
+  void Forget(const Dial& dial) {
+    GestureStart = NoGesture;
+    for (Changes* list : {&Done, &Undone}) {
+      std::erase_if(*list, [&](const Change& change) { return change.Target == &dial; });
+    }
+  }
+  static std::string Caption(const std::string& step, const Changes& changes) {
+    return changes.empty() ? step : step + " " + std::to_string(changes.back().To);
+  }
+
+  static constexpr std::size_t NoGesture = 1000;
+  Changes Done, Undone;
+  std::size_t GestureStart = NoGesture;
+};
+
+TEST(Undo, AWalkAtRandomIsThatOfAPlainList) {
+  test::Recorder recorder;
   ZelUndo history;
-  Dial dial{history};
-};
-
-TEST_F(UndoTest, StepsBackAndForthAndNamesTheNextStep) {
-  EXPECT_EQ(items.Undo(), "Undo (disabled)");
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-  dial.Turn(1);
-  dial.Turn(2);
-  EXPECT_EQ(items.Undo(), "Undo 2");
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-
-  history.Undo();
-  EXPECT_EQ(dial.Value, 1);
-  EXPECT_EQ(items.Undo(), "Undo 1");
-  EXPECT_EQ(items.Redo(), "Redo 2");
-  history.Undo();
-  EXPECT_EQ(dial.Value, 0);
-  EXPECT_EQ(items.Undo(), "Undo (disabled)");
-  EXPECT_EQ(items.Redo(), "Redo 1");
-
-  history.Redo();
-  EXPECT_EQ(dial.Value, 1);
-  EXPECT_EQ(items.Undo(), "Undo 1");
-  EXPECT_EQ(items.Redo(), "Redo 2");
-  history.Redo();
-  EXPECT_EQ(dial.Value, 2);
-  EXPECT_EQ(items.Undo(), "Undo 2");
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-  EXPECT_FALSE(history.CanRedo());
+  PlainHistory plain;
+  FakeItems items;
+  history.Attach(&items);
+  Dial dials[] = {{history, true}, {history, false}};
+  std::minstd_rand random;
+  std::size_t longest = 0;
+  for (int step = 0; step < 8000; ++step) {
+    Dial& dial = dials[random() % 2];
+    const int value = static_cast<int>(random() % 5);
+    const auto what = random() % 1000;
+    if (what < 3) {
+      history.Forget(dial);
+      plain.Forget(dial);
+    } else if (what < 6) {  // what changes unrecorded loses its entries
+      history.Suspend();
+      history.Suspend();
+      dial.Turn(value);
+      history.Resume();
+      EXPECT_TRUE(history.Suspended());
+      history.Resume();
+      plain.Forget(dial);
+    } else if (what == 6) {
+      history.Clear();
+      plain = {};
+    } else if (what < 100) {
+      history.BeginGesture();
+      plain.GestureStart = plain.Done.size();
+    } else if (what < 150) {
+      history.EndGesture();
+      plain.GestureStart = PlainHistory::NoGesture;
+    } else if (what < 350 && history.CanUndo()) {
+      history.Undo();
+      const auto undone = plain.Step(plain.Done, plain.Undone);
+      EXPECT_EQ(undone.Target->Value, undone.From);
+    } else if (what < 500 && history.CanRedo()) {
+      history.Redo();
+      const auto redone = plain.Step(plain.Undone, plain.Done);
+      EXPECT_EQ(redone.Target->Value, redone.To);
+    } else if (value != dial.Value) {
+      plain.Turn(dial, value);
+      dial.Turn(value);
+    }
+    const bool undo = !plain.Done.empty();
+    const bool redo = !plain.Undone.empty();
+    using enum UndoItem;
+    ASSERT_EQ(items.Captions[UndoMenu], PlainHistory::Caption("Undo", plain.Done)) << step;
+    ASSERT_EQ(items.Captions[RedoMenu], PlainHistory::Caption("Redo", plain.Undone)) << step;
+    ASSERT_TRUE(items.Enabled[UndoMenu] == undo && items.Enabled[UndoButton] == undo) << step;
+    ASSERT_TRUE(items.Enabled[RedoMenu] == redo && items.Enabled[RedoButton] == redo) << step;
+    ASSERT_TRUE(history.CanUndo() == undo && history.CanRedo() == redo) << step;
+    longest = std::max(longest, plain.Done.size());
+  }
+  EXPECT_EQ(items.Captions.size(), 2U) << "a button has no caption";
+  EXPECT_EQ(longest, 50U) << "the walk never filled the history";
+  EXPECT_EQ(recorder.Take(), Messages{});
 }
 
-TEST_F(UndoTest, ANewChangeForgetsWhatCouldBeRedone) {
-  for (int value = 1; value <= 3; ++value) dial.Turn(value);
-  history.Undo();
-  history.Undo();
-  dial.Turn(9);
-  EXPECT_EQ(items.Undo(), "Undo 9");
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-  EXPECT_FALSE(history.CanRedo());
-  history.Undo();
-  EXPECT_EQ(dial.Value, 1);
-  history.Redo();
-  EXPECT_EQ(dial.Value, 9);
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-}
-
-TEST_F(UndoTest, KeepsTheFiftyNewestChanges) {
-  for (int value = 1; value <= 52; ++value) dial.Turn(value);
-  int undone = 0;
-  for (; history.CanUndo(); ++undone) history.Undo();
-  EXPECT_EQ(undone, 50);
-  EXPECT_EQ(dial.Value, 2);
-  EXPECT_EQ(items.Redo(), "Redo 3");
-  while (history.CanRedo()) history.Redo();
-  EXPECT_EQ(dial.Value, 52);
-  EXPECT_EQ(items.Redo(), "Redo (disabled)");
-}
-
-// The disabled items are what keeps a redo with nothing to redo away; the history does not ask.
-TEST_F(UndoTest, RedoTrustsItsCaller) {
-  dial.Turn(1);
-  dial.Turn(2);
-  history.Undo();
-  history.Undo();
-  dial.Turn(5);
-  history.Redo();
-  EXPECT_EQ(dial.Value, 2);
-}
-
-TEST_F(UndoTest, StepsOutsideTheHistoryAreFatal) {
+TEST(Undo, StepsOutsideTheHistoryAreFatalAndItemsMayComeLate) {
+  test::Recorder recorder;
+  ZelUndo history;
+  Dial dial(history, false);
   history.Undo();
   EXPECT_TRUE(recorder.Ended);
-  EXPECT_EQ(recorder.Take(), Messages{"Fatal Error: Fatal Error 3 in ZelUndo"});
-  for (int value = 1; value <= 50; ++value) dial.Turn(value);
+  for (int value = 1; value <= ZelUndo::Depth; ++value) dial.Turn(value);
   history.Redo();
-  EXPECT_EQ(recorder.Take(), Messages{"Fatal Error: Fatal Error 2 in ZelUndo"});
-  EXPECT_EQ(dial.Value, 50);
-}
-
-TEST_F(UndoTest, AGestureIsOneEntryUnlessItComesBackToItsStart) {
-  dial.Turn(1);
-  const auto gesture = [&](std::initializer_list<int> values) {
-    history.BeginGesture();
-    for (const int value : values) dial.Turn(value);
-    history.EndGesture();
-  };
-  gesture({2, 3, 4});
-  EXPECT_EQ(items.Undo(), "Undo 4");
-  gesture({7, 4});
+  EXPECT_EQ(recorder.Take(), (Messages{"Fatal Error: Fatal Error 3 in ZelUndo",
+                                       "Fatal Error: Fatal Error 2 in ZelUndo"}));
+  EXPECT_TRUE(history.Holds(dial));
   history.Undo();
-  EXPECT_EQ(dial.Value, 1);
-  EXPECT_EQ(items.Redo(), "Redo 4");
-  // A full history drops its oldest entry for the gesture's first change only.
-  for (int value = 10; value < 60; ++value) dial.Turn(value);
-  gesture({60, 61, 62});
-  int undone = 0;
-  for (; history.CanUndo(); ++undone) history.Undo();
-  EXPECT_EQ(undone, 50);
-  EXPECT_EQ(dial.Value, 10);
-}
-
-TEST_F(UndoTest, ForgetsTheEntriesOfATargetAlone) {
-  Dial other(history);
-  const auto fill = [&] {
-    history.Clear();
-    for (const int value : {1, 2, 3}) {
-      dial.Turn(value);
-      other.Turn(10 * value);
-    }
-    history.Undo();
-    history.Undo();  // both third turns are to be redone
-  };
-  fill();
-  history.Forget(other);
-  EXPECT_EQ(items.Undo(), "Undo 2");
-  EXPECT_EQ(items.Redo(), "Redo 3");
-  // What changes while the history does not record loses its entries; the rest keeps them.
-  fill();
-  history.Suspend();
-  dial.Turn(100);
-  history.Resume();
-  EXPECT_EQ(items.Undo(), "Undo 20");
-  EXPECT_EQ(items.Redo(), "Redo 30");
-}
-
-TEST_F(UndoTest, ItemsAttachedLaterAreBroughtUpToDate) {
-  dial.Turn(1);
-  dial.Turn(2);
   history.Undo();
-  FakeItems others;
-  history.Attach(&others);
-  EXPECT_EQ(others.Undo(), "Undo 1");
-  EXPECT_EQ(others.Redo(), "Redo 2");
+  FakeItems items;
+  history.Attach(&items);
+  EXPECT_EQ(items.Captions[UndoItem::UndoMenu], "Undo 48");
+  EXPECT_EQ(items.Captions[UndoItem::RedoMenu], "Redo 49");
   history.Attach(nullptr);
-  history.Undo();
-  EXPECT_EQ(others.Undo(), "Undo 1");
+  // The disabled items are what keeps a redo with nothing to redo away; the history does not ask.
+  dial.Turn(5);
+  history.Redo();
+  EXPECT_EQ(dial.Value, 50);
+  EXPECT_EQ(items.Captions[UndoItem::UndoMenu], "Undo 48");
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ class FakeInstrument : public Instrument {
     return static_cast<int>(ServicedAt.size()) != StopsAtService;
   }
   bool Busy() const override { return IsBusy; }
-  bool Measuring() const override { return IsMeasuring; }
   double Excitation(double now) const override { return Gain * now; }
+  void Restart() override { log_.push_back(Name() + " restarted"); }
   void Start() override { log_.push_back(Name() + " started"); }
   void Refresh() override { log_.push_back(Name() + " refreshed"); }
   void ConstantChanged(const std::string& name) override {
@@ -34,7 +34,6 @@ class FakeInstrument : public Instrument {
   double Requested = -1.0;
   int StopsAtService = 0;  ///< the service, counted from 1, that wants the run to stop
   bool IsBusy = false;
-  bool IsMeasuring = false;
   double Gain = 0.0;
   std::vector<double> ServicedAt;
 
