@@ -11,86 +11,63 @@
 namespace torvane {
 namespace {
 
-using test::TwoTraces;
-
 class PictureExportTest : public testing::Test {
  protected:
-  PictureExportTest() {
-    set_.Speed.Value = 1.0;
-    set_.Sample(390);
-    set_.Scope.CopyScreen(ScopeSweep::Present, screen_);
-  }
   std::string Path(const char* name) { return folder_.filePath(QString(name)).toStdString(); }
-  bool Export(const std::string& file) {
-    error_ = ExportPicture(ScopePicture(set_.Scope, screen_, nullptr), file);
-    return error_.empty();
-  }
-  QByteArray Read(const std::string& path) {
-    QFile file(QString::fromStdString(path));
+  /// What stands in the file that the picture was written to.
+  QByteArray Written(const char* name, const TraceLook& look = {}) {
+    set_.Scope.CopyScreen(ScopeSweep::Whole, screen_);
+    EXPECT_EQ(ExportPicture(ScopePicture(set_.Scope, screen_, nullptr, look), Path(name)), "");
+    QFile file(QString::fromStdString(Path(name)));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return file.readAll();
   }
+  /// Columns of the image with something clearly blue, the colour of "Speed".
+  int BlueColumns(const char* name) {
+    const QImage image = QImage::fromData(Written(name));
+    int columns = 0;
+    for (int x = 0; x < image.width(); ++x) {
+      bool blue = false;
+      for (int y = 0; y < image.height() && !blue; ++y) {
+        const QColor colour = image.pixelColor(x, y);
+        blue = colour.blue() > colour.red() + 100;
+      }
+      columns += blue;
+    }
+    EXPECT_EQ(image.size(), QSize(1920, 1280));
+    return columns;
+  }
 
   QTemporaryDir folder_;
-  TwoTraces set_;
+  test::TwoTraces set_;
   ScopeScreen screen_;
-  std::string error_;
 };
 
-TEST_F(PictureExportTest, ImagesShowTheTraces) {
-  ASSERT_TRUE(Export(Path("scope.PNG"))) << error_;
-  const QImage image(QString::fromStdString(Path("scope.PNG")));
-  ASSERT_FALSE(image.isNull());
-  int blue = 0;
-  for (int x = 0; x < image.width(); ++x) {
-    for (int y = 0; y < image.height(); ++y) {
-      const QColor colour = image.pixelColor(x, y);
-      blue += colour.blue() > 200 && colour.red() < 50 && colour.green() < 50;
-    }
-  }
-  // The trace runs across nearly the whole screen, which is most of the picture.
-  EXPECT_GT(blue, image.width() / 2);
-}
-
-// A file has time for every line of a trace that a live screen paints as ranges with gaps between.
-TEST_F(PictureExportTest, ImagesShowEveryLineOfADenseTrace) {
+TEST_F(PictureExportTest, EachKindOfFileHoldsThePicture) {
+  set_.Speed.Value = 1.0;
+  set_.Sample(801);
+  // The screen is most of the picture; it begins right of the labels.
+  EXPECT_NEAR(BlueColumns("flat.PNG"), 1736, 20);
+  const QByteArray svg = Written("scope.svg");
+  EXPECT_TRUE(svg.contains("Speed 5/div (Off: 0)") && svg.contains("#0000ff"));
+  EXPECT_TRUE(svg.contains("viewBox=\"0 0 9600 6400\"") && svg.contains(">MainScope</title>"));
+  const QByteArray patterned = Written("patterned.svg", {TraceColours::Apart, true});
+  EXPECT_TRUE(patterned.contains("stroke-dasharray=\"") && !patterned.contains("#0000ff"));
+  EXPECT_TRUE(Written("scope.pdf").startsWith("%PDF-"));
+  // A file has time for every line of a trace that a live screen paints as ranges with gaps.
   for (int i = 0; i < 801; ++i) {
     set_.Speed.Value = i % 8 < 4 ? 1.5 : -1.5;
     set_.Sample(1);
   }
-  set_.Scope.CopyScreen(ScopeSweep::Whole, screen_);
-  ASSERT_TRUE(Export(Path("dense.png"))) << error_;
-  const QImage image(QString::fromStdString(Path("dense.png")));
-  int columns = 0;
-  for (int x = 0; x < image.width(); ++x) {
-    bool blue = false;
-    for (int y = 0; y < image.height() && !blue; ++y) {
-      const QColor colour = image.pixelColor(x, y);
-      blue = colour.blue() > colour.red() + 100;
-    }
-    columns += blue;
-  }
-  EXPECT_GT(columns, image.width() * 3 / 4);
-}
-
-TEST_F(PictureExportTest, DrawingsKeepTextAndLines) {
-  ASSERT_TRUE(Export(Path("scope.svg"))) << error_;
-  const QByteArray svg = Read(Path("scope.svg"));
-  EXPECT_TRUE(svg.contains("Speed 5/div (Off: 0)"));
-  EXPECT_TRUE(svg.contains("#0000ff"));
-  const Picture patterned = ScopePicture(set_.Scope, screen_, nullptr, {TraceColours::Apart, true});
-  ASSERT_EQ(ExportPicture(patterned, Path("patterned.svg")), "");
-  EXPECT_TRUE(Read(Path("patterned.svg")).contains("stroke-dasharray=\""));
-  EXPECT_FALSE(Read(Path("patterned.svg")).contains("#0000ff"));
-  ASSERT_TRUE(Export(Path("scope.pdf"))) << error_;
-  EXPECT_TRUE(Read(Path("scope.pdf")).startsWith("%PDF-"));
+  EXPECT_NEAR(BlueColumns("dense.png"), 1736, 20);
 }
 
 TEST_F(PictureExportTest, RefusesOtherEndingsAndUnwritablePlaces) {
-  EXPECT_FALSE(Export(Path("scope.gif")));
-  EXPECT_EQ(error_, "A picture's name must end in .png, .svg or .pdf: " + Path("scope.gif"));
-  EXPECT_FALSE(Export(Path("none/scope.png")));
-  EXPECT_EQ(error_.rfind("Cannot open " + Path("none/scope.png"), 0), 0U) << error_;
+  const Picture picture = ScopePicture(set_.Scope, screen_, nullptr);
+  EXPECT_EQ(ExportPicture(picture, "scope.gif"),
+            "A picture's name must end in .png, .svg or .pdf: scope.gif");
+  const std::string none = Path("none/scope.png");
+  EXPECT_EQ(ExportPicture(picture, none).rfind("Cannot open " + none, 0), 0U);
 }
 
 }  // namespace

@@ -2,70 +2,64 @@
 
 #include <gtest/gtest.h>
 
+#include "plot/screen_marks.h"
 #include "two_traces.h"
 
 namespace torvane {
 namespace {
 
-using test::TwoTraces;
 using Texts = std::vector<std::string>;
 
-TEST(ScopeLabelsTest, TheLegendNamesShownTracesAndTheHorizontalAxis) {
-  TwoTraces set;
-  EXPECT_EQ(ScopeLegend(set.Scope), (std::vector<LegendEntry>{{"Command 2 volts/div (Off: 1)", 0},
-                                                              {"Speed 5/div (Off: 0)", 1},
-                                                              {"[Horiz]: Time 0.01 sec/div", -1}}));
-  set.Scope.SetDisplayed(*set.Scope.FindChannel("Command"), false);
-  EXPECT_EQ(ScopeLegend(set.Scope)[0], (LegendEntry{"Speed 5/div (Off: 0)", 0}));
-  set.Scope.SetHorizontalChannel(*set.Scope.FindChannel("Hidden"));
-  EXPECT_EQ(ScopeLegend(set.Scope)[1].Text, "[Horiz]: Hidden 1/div (Off: 0)");
-}
-
-TEST(ScopeLabelsTest, DivisionLinesAreLabelledInDisplayedUnits) {
-  TwoTraces set;
-  const ScopeLabels labels = MakeScopeLabels(set.Scope, nullptr);
-  EXPECT_EQ(labels.LeftColour, 0);
+TEST(ScopeLabelsTest, FollowTheChannelsAndTheXAxis) {
+  test::TwoTraces set;
+  ZelScope& scope = set.Scope;
   // A value v is drawn (v + 1) / 2 divisions above the centre.
-  EXPECT_EQ(labels.Left, (Texts{"7", "5", "3", "1", "-1", "-3", "-5", "-7", "-9"}));
-  EXPECT_EQ(labels.Bottom, (Texts{"0", "0.01", "0.02", "0.03", "0.04", "0.05", "0.06", "0.07",
-                                  "0.08", "0.09", "0.1"}));
+  EXPECT_EQ(MakeScopeLabels(scope, scope.FindChannel("Hidden")).Left,
+            (Texts{"7", "5", "3", "1", "-1", "-3", "-5", "-7", "-9"}));
+  scope.SetDisplayed(*scope.FindChannel("Command"), false);
+  ZelChannel& hidden = *scope.FindChannel("Hidden");
+  scope.SetHorizontalChannel(hidden);
+  scope.SetHorizontalScale(hidden, 0.1);
+  scope.SetHorizontalOffset(hidden, 0.3);
+  const ScopeLabels labels = MakeScopeLabels(scope, nullptr);
+  EXPECT_EQ(labels.Legend, (std::vector<LegendEntry>{{"Speed 5/div (Off: 0)", 0},
+                                                     {"[Horiz]: Hidden 0.1/div (Off: 0.3)", -1}}));
+  EXPECT_EQ(labels.Bottom, (Texts{"-0.8", "-0.7", "-0.6", "-0.5", "-0.4", "-0.3", "-0.2", "-0.1",
+                                  "0", "0.1", "0.2"}));
+  EXPECT_EQ(labels.Traces, (std::vector<TraceMark>{{2, 0, "Speed", 0.0}}));
+  EXPECT_FALSE(PlaceOfTrigger(scope));
+  scope.SetDisplayed(*scope.FindChannel("Speed"), false);
+  EXPECT_TRUE(MakeScopeLabels(scope, nullptr).Left.empty());
 }
 
-TEST(ScopeLabelsTest, TheLeftAxisBelongsToTheReferenceWhenThatIsShown) {
-  TwoTraces set;
-  EXPECT_EQ(MakeScopeLabels(set.Scope, set.Scope.FindChannel("Speed")).LeftColour, 1);
-  EXPECT_EQ(MakeScopeLabels(set.Scope, set.Scope.FindChannel("Hidden")).LeftColour, 0);
-  for (const char* name : {"Command", "Speed"}) {
-    set.Scope.SetDisplayed(*set.Scope.FindChannel(name), false);
-  }
-  EXPECT_TRUE(MakeScopeLabels(set.Scope, nullptr).Left.empty());
-}
-
-TEST(ScopeLabelsTest, MarksTellZerosAndTheTriggersPlace) {
-  TwoTraces set;
-  const ScopeLabels labels = MakeScopeLabels(set.Scope, nullptr);
-  EXPECT_EQ(labels.Axis, "Command [volts]");
-  // Offset 1 at a scale of 2.
-  EXPECT_EQ(labels.Traces, (std::vector<TraceMark>{{0, 0, "Command", 0.5}, {2, 1, "Speed", 0.0}}));
+TEST(ScopeLabelsTest, TheTriggersPlaceIsThatOfItsSource) {
+  test::TwoTraces set;
   ZelTrigger& trigger = set.Scope.Trigger();
+  EXPECT_FALSE(PlaceOfTrigger(set.Scope));  // sweeps follow each other
   trigger.SetMode(SweepMode::Normal);
   trigger.SetLevel(5.0);
   trigger.SetPosition(30.9);
   EXPECT_EQ(PlaceOfTrigger(set.Scope), (TriggerMark{0, 3.0, 0.3}));
   trigger.SetSource(*set.Scope.FindChannel("Hidden"));
   EXPECT_EQ(PlaceOfTrigger(set.Scope), (TriggerMark{-1, 5.0, 0.3}));
-  trigger.SetMode(SweepMode::Cont);
-  EXPECT_FALSE(PlaceOfTrigger(set.Scope));
+  trigger.SetLevel(-1e30);
+  EXPECT_EQ(PlaceOfTrigger(set.Scope)->Level, -1e3);
 }
 
-TEST(ScopeLabelsTest, ASignalAsXAxisIsLabelledFromTheCentre) {
-  TwoTraces set;
-  ZelChannel& speed = *set.Scope.FindChannel("Speed");
-  set.Scope.SetHorizontalChannel(speed);
-  set.Scope.SetHorizontalOffset(speed, -0.5);
-  const Texts bottom = MakeScopeLabels(set.Scope, nullptr).Bottom;
-  EXPECT_EQ(bottom.front(), "-24.5");
-  EXPECT_EQ(bottom[5], "0.5");
+TEST(ScopeLabelsTest, FlagsStandApartAsNearToTheirPlacesAsTheyCan) {
+  struct Case {
+    std::vector<int> Centres;
+    std::vector<int> Tops;
+  };
+  const Case cases[] = {
+      {{50}, {45}},
+      {{50, 50, 50}, {35, 45, 55}},          // around the place that they share
+      {{52, 20, 50}, {51, 15, 41}},          // in the order of their places
+      {{0, 1}, {0, 10}},                     // kept inside
+      {{99, 99, 78}, {80, 90, 70}},          // a group pushed up meets another one
+      {{30, 40, 49, 80}, {24, 34, 44, 75}},  // a chain
+  };
+  for (const Case& c : cases) EXPECT_EQ(SpreadFlags(c.Centres, 10, 0, 100), c.Tops);
 }
 
 }  // namespace

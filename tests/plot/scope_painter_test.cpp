@@ -5,158 +5,94 @@
 #include <QImage>
 #include <ctime>
 
+#include "plot/cursor_painter.h"
 #include "two_traces.h"
 
 namespace torvane {
 namespace {
 
-using test::TwoTraces;
-
-constexpr QSize PictureSize(640, 480);
-
+// What a live window does: paints what is new on what stands there.
 class ScopePainterTest : public testing::Test {
  protected:
-  ScopePainterTest() {
-    painter_.Layout(PictureSize, 1.0, MakeScopeLabels(set_.Scope, nullptr));
-    picture_.fill(Qt::magenta);
+  ScopePainterTest() { Begin({640, 480}); }
+
+  void Begin(const QSize& size) {
+    painter_.Layout(size, 1.0, MakeScopeLabels(set_.Scope, nullptr));
+    picture_ = QImage(size, QImage::Format_RGB32);
     QPainter painter(&picture_);
     painter_.PaintBackground(painter, ScopeColours::Light());
-  }
-
-  const ScopeScreen& Screen() {
-    set_.Scope.CopyScreen(ScopeSweep::Present, screen_);
-    return screen_;
+    background_ = picture_;
   }
   QRect PaintNew() {
+    set_.Scope.CopyScreen(ScopeSweep::Present, screen_);
     QPainter painter(&picture_);
-    return painter_.PaintNew(painter, ScopeColours::Light(), Screen());
+    return painter_.PaintNew(painter, ScopeColours::Light(), screen_);
   }
-  void PaintTraces() {
-    QPainter painter(&picture_);
-    painter_.PaintBackground(painter, ScopeColours::Light());
-    painter_.PaintTraces(painter, ScopeColours::Light(), Screen());
+  QImage PaintedAnew() {
+    QImage picture = background_;
+    QPainter painter(&picture);
+    painter_.PaintTraces(painter, ScopeColours::Light(), screen_);
+    return picture;
   }
-
-  // Whether the picture is blue, the colour of "Speed", at a point of the screen. Smooth lines
-  // spread over neighbouring pixels, so one pixel to each side counts too.
-  bool BlueAt(int x, int y) const {
-    for (int dy = -1; dy <= 1; ++dy) {
-      const QPoint at = painter_.Plate().topLeft() + QPoint(x, y + dy);
-      const QColor colour = picture_.pixelColor(at);
-      if (colour.blue() > 180 && colour.red() < 120 && colour.green() < 120) return true;
+  /// Pixels that differ clearly, of those `where` picks; the screen's corner is 0,0.
+  template <class Where>
+  int Differing(const QImage& a, const QImage& b, Where where) const {
+    int count = 0;
+    const QPoint corner = painter_.Plate().topLeft();
+    for (int y = 0; y < a.height(); ++y) {
+      for (int x = 0; x < a.width(); ++x) {
+        const bool differ = qAbs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > 64;
+        count += differ && where(QPoint(x, y) - corner);
+      }
     }
-    return false;
-  }
-  int X(int point) const { return painter_.Plate().width() * point / 400; }
-  int Y(double divisions) const {
-    return qRound(painter_.Plate().height() * (0.5 - divisions / 8));
+    return count;
   }
 
-  TwoTraces set_;
+  test::TwoTraces set_;
   ScopePainter painter_{set_.Scope};
   ScopeScreen screen_;
-  QImage picture_{PictureSize, QImage::Format_RGB32};
+  QImage picture_;
+  QImage background_;
 };
-
-TEST_F(ScopePainterTest, BackgroundCoversThePictureWithTenByEightDivisions) {
-  for (int y = 0; y < picture_.height(); ++y) {
-    for (int x = 0; x < picture_.width(); ++x) {
-      ASSERT_NE(picture_.pixelColor(x, y), QColor(Qt::magenta)) << x << "," << y;
-    }
-  }
-  // Along a row between the horizontal lines: nine vertical ones besides the border.
-  const QRect plate = painter_.Plate();
-  EXPECT_TRUE(picture_.rect().contains(plate));
-  int lines = 0;
-  for (int x = plate.left() + 1; x < plate.right(); ++x) {
-    if (picture_.pixelColor(x, plate.top() + plate.height() / 16) != ScopeColours::Light().Plate) {
-      ++lines;
-    }
-  }
-  EXPECT_EQ(lines, 9);
-}
 
 TEST_F(ScopePainterTest, TracesGrowByWhatIsNew) {
   EXPECT_TRUE(PaintNew().isEmpty());
-  set_.Speed.Value = 1.0;  // times the multiplier 10 over 5 a division: two divisions up
-  set_.Sample(200);
-  const QRect first = PaintNew();
-  EXPECT_TRUE(BlueAt(X(150), Y(2)));
-  EXPECT_FALSE(BlueAt(painter_.Plate().width() * 3 / 4, Y(2)));
-  EXPECT_TRUE(PaintNew().isEmpty());
-
-  set_.Sample(150);
-  const QRect second = PaintNew();
-  EXPECT_TRUE(BlueAt(X(300), Y(2)));
-  // The second area begins where the first one ended, give or take the width of a line.
-  EXPECT_GT(second.left(), first.right() - 8);
-  EXPECT_TRUE(painter_.Plate().contains(second));
-}
-
-TEST_F(ScopePainterTest, KeptTracesAreThinAndPaleBehindTheLiveOnes) {
-  set_.Speed.Value = 1.0;
-  set_.Sample(200);
-  set_.Scope.KeepTraces(Screen());
-  set_.Speed.Value = -1.0;
-  set_.Sample(401);
-  PaintTraces();
-  const auto ink = [&](double divisions) {
-    int blue = 0;
-    for (int dy = -3; dy <= 3; ++dy) {
-      const QPoint at = painter_.Plate().topLeft() + QPoint(X(100) + 3, Y(divisions) + dy);
-      const QColor colour = picture_.pixelColor(at);
-      blue += std::max(0, colour.blue() - colour.red());
+  QRect last = painter_.Plate();
+  last.setWidth(0);
+  for (int part = 0; part < 7; ++part) {
+    for (int i = 0; i < 50; ++i) {
+      set_.Speed.Value = (i - 30) / 30.0;
+      set_.Sample(1);
     }
-    return blue;
+    const QRect area = PaintNew();
+    EXPECT_TRUE(PaintNew().isEmpty());
+    EXPECT_TRUE(painter_.Plate().contains(area));
+    // Each area begins where the one before ended, give or take a line's width.
+    EXPECT_NEAR(area.left(), last.right(), 8);
+    last = area;
+  }
+  EXPECT_LT(painter_.Touched().boundingRect().height(), painter_.Plate().height() * 3 / 4);
+  const auto untouched = [this](const QPoint& at) {
+    return !painter_.Touched().contains(at + painter_.Plate().topLeft());
   };
-  EXPECT_TRUE(BlueAt(X(100) + 3, Y(-2)));
-  EXPECT_GT(ink(2), 50);
-  EXPECT_LT(ink(2), ink(-2) / 2);
-}
-
-TEST_F(ScopePainterTest, PaintingAnewShowsWhatGrowingShowed) {
-  for (int i = 0; i < 300; ++i) {
-    set_.Speed.Value = (i % 60 - 30) / 30.0;
-    set_.Sample(1);
-    if (i % 7 == 0) PaintNew();
-  }
-  PaintNew();
-  const QImage grown = picture_;
-  PaintTraces();
-  // Lines begin at other points, so single pixels at the joints may differ, in shade more than in
-  // place: less than one in a hundred of the pixels, none of them by much at a distance.
-  int different = 0;
-  for (int y = 0; y < picture_.height(); ++y) {
-    for (int x = 0; x < picture_.width(); ++x) {
-      if (qAbs(qGray(grown.pixel(x, y)) - qGray(picture_.pixel(x, y))) > 64) ++different;
-    }
-  }
-  EXPECT_LT(different, PictureSize.width() * PictureSize.height() / 100 / 10);
+  EXPECT_GT(Differing(picture_, background_, [](const QPoint&) { return true; }), 1000);
+  EXPECT_EQ(Differing(picture_, background_, untouched), 0);
+  EXPECT_FALSE(painter_.Differs(screen_));
+  // Lines begin at other points, so shades may differ at the joints.
+  EXPECT_LT(Differing(picture_, PaintedAnew(), [](const QPoint&) { return true; }), 100);
+  set_.Scope.SetVerticalOffset(*set_.Scope.FindChannel("Speed"), 0.5);
+  EXPECT_TRUE(painter_.Differs(screen_));
 }
 
 TEST_F(ScopePainterTest, ATraceFarOffTheScreenStaysInsideItsFrame) {
-  const QImage background = picture_;
-  set_.Speed.Value = 1e30;
-  set_.Sample(200);
-  set_.Speed.Value = -1e30;
-  set_.Sample(100);
-  PaintNew();
-  const QRect plate = painter_.Plate();
-  for (int y = 0; y < picture_.height(); ++y) {
-    for (int x = 0; x < picture_.width(); ++x) {
-      if (plate.contains(x, y)) continue;
-      ASSERT_EQ(picture_.pixel(x, y), background.pixel(x, y)) << x << "," << y;
-    }
+  for (const double value : {1e30, -1e30}) {
+    set_.Speed.Value = value;
+    set_.Sample(150);
   }
-  // Small arrows at the edge say that it goes on there: some, not one a point.
-  const auto marked = [&](int y) {
-    int count = 0;
-    for (int x = 0; x < plate.width(); ++x) count += BlueAt(x, y);
-    return count;
-  };
-  EXPECT_GT(marked(6), 30);
-  EXPECT_LT(marked(6), plate.width() / 3);
-  EXPECT_GT(marked(plate.height() - 8), 15);
+  PaintNew();
+  const QSize plate = painter_.Plate().size();
+  const auto outside = [&](const QPoint& at) { return !QRect({0, 0}, plate).contains(at); };
+  EXPECT_EQ(Differing(picture_, background_, outside), 0);
 }
 
 // Two traces that swing from edge to edge with each point took more than a second.
@@ -165,13 +101,25 @@ TEST_F(ScopePainterTest, DenseTracesArePaintedInTime) {
     set_.Speed.Value = set_.Command.Value = i % 2 ? 1e9 : -1e9;
     set_.Sample(1);
   }
-  constexpr QSize fullHd(1920, 1080);
-  painter_.Layout(fullHd, 1.0, MakeScopeLabels(set_.Scope, nullptr));
-  picture_ = QImage(fullHd, QImage::Format_RGB32);
+  Begin({1920, 1080});
   const std::clock_t start = std::clock();
-  PaintTraces();
+  PaintNew();
   EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 5);
-  EXPECT_TRUE(BlueAt(X(1), Y(0)) || BlueAt(X(2), Y(0)) || BlueAt(X(3), Y(0)));
+}
+
+TEST_F(ScopePainterTest, CursorsAreReadAnewWhenTheyReadSomethingElse) {
+  set_.Sample(300);
+  PaintNew();
+  CursorPainter cursors(set_.Scope);
+  cursors.Layout(QRect(100, 20, 800, 400), 1.0);
+  set_.Scope.SetCursorMode(2);
+  set_.Scope.SetCursorX(1, 200);
+  // Where the sweep has not come yet there is nothing to read, and of a hidden trace no value.
+  set_.Scope.SetCursorX(0, 700);
+  EXPECT_TRUE(cursors.Read(screen_, set_.Scope.FindChannel("Hidden")));
+  EXPECT_FALSE(cursors.Read(screen_, set_.Scope.FindChannel("Hidden")));
+  ASSERT_EQ(cursors.Notes().size(), 1U);
+  EXPECT_EQ(cursors.Notes()[0].Lines, QStringList{"2: 0.025249 sec"});
 }
 
 }  // namespace
