@@ -1,12 +1,10 @@
 #include "cli/cli_process.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -15,79 +13,57 @@
 namespace torvane::test {
 namespace {
 
-void Redirect(int descriptor, const std::string& path) {
-  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  if (file < 0 || dup2(file, descriptor) < 0) _exit(126);
-  close(file);
-}
+namespace fs = std::filesystem;
 
-// Into files rather than pipes, so that no side ever waits for the other.
-pid_t Start(const std::vector<std::string>& words, const std::string& out, const std::string& err) {
-  std::vector<char*> argv;
-  for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
-  argv.push_back(nullptr);
-  const pid_t pid = fork();
-  if (pid == 0) {
-    Redirect(STDOUT_FILENO, out);
-    Redirect(STDERR_FILENO, err);
-    execv(argv.front(), argv.data());
-    _exit(127);
+struct OwnFolder {
+  OwnFolder() { fs::create_directories(Path); }
+  ~OwnFolder() {
+    if (getpid() == Owner) fs::remove_all(Path);
   }
-  return pid;
+  const pid_t Owner = getpid();
+  const std::string Path = testing::TempDir() + "torvane-cli-" + std::to_string(Owner) + "/";
+};
+
+std::string StreamFile(const char* name, pid_t id) {
+  return testing::TempDir() + "torvane-cli-" + name + std::to_string(id);
 }
 
-int WaitForCode(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid) return -1;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-Outcome RunWords(const std::vector<std::string>& words, const std::string& standardOutput) {
-  const bool own = standardOutput.empty();
-  const std::string out = own ? TemporaryPath("out") : standardOutput;
-  const std::string err = TemporaryPath("err");
-  Outcome outcome;
-  outcome.Code = WaitForCode(Start(words, out, err));
-  if (own) outcome.Out = ReadWholeFile(out);
-  outcome.Err = ReadWholeFile(err);
-  return outcome;
-}
-
-Arguments WithProgram(const Arguments& arguments) {
-  Arguments words{TORVANE_CLI};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  return words;
+// Nothing where a signal came before the file.
+std::string TakeFile(const std::string& path) {
+  if (!fs::exists(path)) return {};
+  std::string text = ReadWholeFile(path);
+  fs::remove(path);
+  return text;
 }
 
 }  // namespace
 
-Outcome RunCli(const Arguments& arguments, const std::string& standardOutput) {
-  return RunWords(WithProgram(arguments), standardOutput);
+const std::string& Folder() {
+  static const OwnFolder folder;
+  return folder.Path;
 }
 
-Outcome RunCliLine(const std::string& line) {
-  return RunWords({"/bin/sh", "-c", "exec '" TORVANE_CLI "' " + line}, "");
+// Into files rather than pipes, so that no side ever waits for the other.
+Process::Process(const std::string& line) {
+  const std::string shell =
+      "cd '" + Folder() +
+      "'; PATH=$(dirname '" TORVANE_CLI "'):$PATH; DATA='" TORVANE_TEST_DATA "/cli'; exec >'" +
+      StreamFile("out", 0) + "'$$ 2>'" + StreamFile("err", 0) + "'$$; " + line;
+  id_ = fork();
+  if (id_ != 0) return;
+  execl("/bin/sh", "sh", "-c", shell.c_str(), nullptr);
+  _exit(127);
 }
 
-CliProcess::CliProcess(const Arguments& arguments)
-    : out_(TemporaryPath("out")),
-      err_(TemporaryPath("err")),
-      pid_(Start(WithProgram(arguments), out_, err_)) {}
-
-void CliProcess::Signal(int number) const {
-  kill(pid_, number);
+Outcome Process::Wait() const {
+  int status = 0;
+  EXPECT_EQ(waitpid(id_, &status, 0), id_);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TakeFile(StreamFile("out0", id_)),
+          TakeFile(StreamFile("err0", id_))};
 }
 
-Outcome CliProcess::Wait() {
-  Outcome outcome;
-  outcome.Code = WaitForCode(pid_);
-  outcome.Out = ReadWholeFile(out_);
-  outcome.Err = ReadWholeFile(err_);
-  return outcome;
-}
-
-std::string TemporaryPath(const std::string& name) {
-  return testing::TempDir() + "torvane-cli-" + std::to_string(getpid()) + "-" + name;
+Outcome Shell(const std::string& line) {
+  return Process(line).Wait();
 }
 
 std::string ReadWholeFile(const std::string& path) {
@@ -98,18 +74,12 @@ std::string ReadWholeFile(const std::string& path) {
   return text.str();
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
 Table ParseTable(const std::string& text) {
   Table table;
-  for (const std::string& line : Lines(text)) {
-    std::vector<std::string> fields;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
     std::istringstream stream(line);
+    std::vector<std::string> fields;
     for (std::string field; std::getline(stream, field, ',');) fields.push_back(field);
     if (table.Header.empty()) {
       table.Header = fields;
@@ -117,8 +87,7 @@ Table ParseTable(const std::string& text) {
       continue;
     }
     EXPECT_EQ(fields.size(), table.Header.size()) << line;
-    if (fields.size() != table.Header.size()) return {};
-    for (std::size_t i = 0; i < fields.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(fields.size(), table.Columns.size()); ++i) {
       const std::optional<double> number = ParseNumber(fields[i]);
       EXPECT_TRUE(number.has_value()) << line;
       table.Columns[i].push_back(number.value_or(0.0));

@@ -14,33 +14,25 @@ struct Outcome {
   std::string Err;
 };
 
-using Arguments = std::vector<std::string>;
-
-/// Runs torvane-cli to its end. Standard output goes to the given file instead, if there is one.
-Outcome RunCli(const Arguments& arguments, const std::string& standardOutput = "");
-
-/// As RunCli, of a command line that the shell splits into arguments.
-Outcome RunCliLine(const std::string& line);
-
-/// A running torvane-cli, to be signalled.
-class CliProcess {
+/// A running command line of the shell, which finds torvane-cli, works in Folder() and knows
+/// tests/data/cli as $DATA.
+class Process {
  public:
-  explicit CliProcess(const Arguments& arguments);
-  void Signal(int number) const;
-  Outcome Wait();
+  explicit Process(const std::string& line);
+  pid_t Id() const { return id_; }
+  Outcome Wait() const;
 
  private:
-  std::string out_;
-  std::string err_;
-  pid_t pid_;
+  pid_t id_;
 };
 
-/// A path in the test's folder for temporary files that no other test uses.
-std::string TemporaryPath(const std::string& name);
+/// Runs a command line to its end.
+Outcome Shell(const std::string& line);
+
+/// A folder of this process's own, with a slash at its end. It goes with the process.
+const std::string& Folder();
 
 std::string ReadWholeFile(const std::string& path);
-
-std::vector<std::string> Lines(const std::string& text);
 
 /// A CSV text: the header's fields and the columns of numbers.
 struct Table {

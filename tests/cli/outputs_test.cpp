@@ -1,7 +1,4 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -16,9 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Every kind of file that a command makes whole; its name follows.
+// Every kind of file that a command makes whole.
 struct Output {
-  const char* Command;
+  const char* Command;  ///< the file's name follows
   const char* Name;
 };
 constexpr Output Outputs[] = {
@@ -35,45 +32,34 @@ constexpr Output Outputs[] = {
 
 class OutputsTest : public testing::Test {
  protected:
-  OutputsTest() { fs::create_directories(folder_); }
-  ~OutputsTest() override { fs::remove_all(folder_); }
+  OutputsTest() { fs::create_directories(Place); }
+  ~OutputsTest() override { fs::remove_all(Place); }
 
-  std::string Old(const char* name) const {
-    const std::string path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << "old";
-    return path;
-  }
+  void PutOld(const std::string& path) const { std::ofstream(path) << "old"; }
   std::ptrdiff_t FileCount() const {
-    return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+    return std::distance(fs::directory_iterator(Place), fs::directory_iterator());
   }
-  static Outcome Make(const Output& output, const std::string& path) {
-    return RunCliLine(std::string(output.Command) + " '" + path + "'");
-  }
-  /// With a fault in one system call of the save.
-  static Outcome MakeFailing(const Output& output, const std::string& path, const char* call,
-                             const char* kind, int number) {
-    const std::string value = std::to_string(number);
-    setenv("LD_PRELOAD", TORVANE_FAULT_INJECTOR, 1);
-    setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
-    setenv("TORVANE_FAULT_CALL", call, 1);
-    setenv(kind, value.c_str(), 1);
-    Outcome outcome = Make(output, path);
-    for (const char* name : {"LD_PRELOAD", "ASAN_OPTIONS", "TORVANE_FAULT_CALL", kind}) {
-      unsetenv(name);
-    }
-    return outcome;
+  /// Makes the file, with a fault in one system call of the save if there is one.
+  static Outcome Make(const Output& output, const std::string& path, const std::string& call = "",
+                      const std::string& fault = "") {
+    const std::string injected =
+        "export ASAN_OPTIONS=verify_asan_link_order=0 TORVANE_FAULT_CALL=" + call +
+        " TORVANE_FAULT_" + fault + " LD_PRELOAD='" TORVANE_FAULT_INJECTOR "'; ";
+    return Shell((call.empty() ? "" : injected) + "exec torvane-cli " + output.Command + " '" +
+                 path + "'");
   }
 
-  const fs::path folder_ = TemporaryPath("outputs");
+  const std::string Place = Folder() + "outputs/";
 };
 
 TEST_F(OutputsTest, AreWholeOrNotAtAllWhateverFails) {
   const std::pair<const char*, int> faults[] = {
       {"open", EACCES}, {"write", ENOSPC}, {"fchmod", EPERM}, {"fsync", EIO}, {"rename", EBUSY}};
   for (const Output& output : Outputs) {
-    const std::string path = Old(output.Name);
+    const std::string path = Place + output.Name;
+    PutOld(path);
     for (const auto& [call, reason] : faults) {
-      const Outcome outcome = MakeFailing(output, path, call, "TORVANE_FAULT_ERRNO", reason);
+      const Outcome outcome = Make(output, path, call, "ERRNO=" + std::to_string(reason));
       const std::string what = std::string(output.Command) + " " + output.Name + " " + call;
       EXPECT_EQ(outcome.Code, 3) << what;
       EXPECT_TRUE(outcome.Err.starts_with("Error: Cannot ")) << what << outcome.Err;
@@ -90,54 +76,34 @@ TEST_F(OutputsTest, AreWholeOrNotAtAllWhateverFails) {
 
 // A request to end waits for the save; what a kill leaves is removed by the next one.
 TEST_F(OutputsTest, SignalsLeaveNothingBehind) {
-  const Output& output = Outputs[0];
-  const std::string path = Old(output.Name);
+  const std::string path = Place + "a.tvf";
+  PutOld(path);
+  const auto ends = [&](const char* call, int signal) {
+    return Make(Outputs[0], path, call, "SIGNAL=" + std::to_string(signal)).Code == -1;
+  };
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    EXPECT_EQ(MakeFailing(output, path, "fsync", "TORVANE_FAULT_SIGNAL", signal).Code, -1);
+    EXPECT_TRUE(ends("fsync", signal));
     EXPECT_TRUE(ReadWholeFile(path).starts_with("Application,"));
     EXPECT_EQ(FileCount(), 1) << signal;
   }
-  EXPECT_EQ(MakeFailing(output, path, "rename", "TORVANE_FAULT_SIGNAL", SIGKILL).Code, -1);
+  EXPECT_TRUE(ends("rename", SIGKILL));
   EXPECT_EQ(FileCount(), 2);
-  EXPECT_EQ(Make(output, path).Code, 0);
+  EXPECT_EQ(Make(Outputs[0], path).Code, 0);
   EXPECT_EQ(FileCount(), 1);
 }
 
 TEST_F(OutputsTest, OfACommandThatFailsStayAsTheyWere) {
-  const std::string path = Old("a.csv");
-  EXPECT_EQ(RunCli({"scope", "1", "--until", "1e-4", "--out", path}).Code, 1);
+  const std::string path = Place + "a.csv";
+  PutOld(path);
+  EXPECT_EQ(Shell("torvane-cli scope 1 --until 1e-4 --out " + path).Code, 1);
   EXPECT_EQ(ReadWholeFile(path), "old");
-  CliProcess process({"bode", "1", "--input", "Command", "--output", "Response", "--start-delay",
-                      "1e6", "--out", path});
+  const Process process(
+      "exec torvane-cli bode 1 --input Command --output Response --start-delay 1e6 --out " + path);
   // Whether it comes before the measurement or in it, the file stays.
-  process.Signal(SIGINT);
+  kill(process.Id(), SIGINT);
   EXPECT_NE(process.Wait().Code, 0);
   EXPECT_EQ(ReadWholeFile(path), "old");
 }
-
-#ifdef TORVANE_PICTURES
-TEST_F(OutputsTest, OfOneNameAreRefused) {
-  const std::string path = folder_ / "a.svg";
-  fs::create_symlink("a.svg", folder_ / "link.csv");
-  for (const std::string& other :
-       {path, (folder_ / "." / "a.svg").string(), (folder_ / "link.csv").string()}) {
-    const Outcome outcome =
-        RunCli({"scope", "1", "--until", "1", "--out", other, "--picture", path});
-    EXPECT_EQ(outcome.Code, 2) << other;
-    EXPECT_NE(outcome.Err.find("name one file"), std::string::npos) << outcome.Err;
-    EXPECT_FALSE(fs::exists(path));
-  }
-}
-
-TEST_F(OutputsTest, PipesAreWrittenInPlace) {
-  const std::string path = folder_ / "a.svg";
-  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-  CliProcess process({"scope", "1", "--until", "0.1", "--picture", path});
-  EXPECT_TRUE(ReadWholeFile(path).ends_with("</svg>\n"));
-  EXPECT_EQ(process.Wait().Code, 0);
-  EXPECT_TRUE(fs::is_fifo(path));
-}
-#endif
 
 }  // namespace
 }  // namespace torvane::test

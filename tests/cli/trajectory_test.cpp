@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <sstream>
+#include <thread>
+
+#include "cli/cli_process.h"
+#include "cli/row_clock.h"
+#include "models/catalogue.h"
+
+namespace torvane::test {
+namespace {
+
+const std::string References = TORVANE_TEST_DATA "/reference/";
+
+struct Reference {
+  std::string File;
+  std::string CommandLine;
+};
+
+std::vector<Reference> ReadReferences() {
+  std::vector<Reference> references;
+  std::istringstream lines(ReadWholeFile(References + "commands.txt"));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    const auto blank = line.find(' ');
+    references.push_back({line.substr(0, blank), line.substr(blank + 1)});
+  }
+  return references;
+}
+
+std::string CaseName(const testing::TestParamInfo<Reference>& info) {
+  std::string name = info.param.File.substr(0, info.param.File.find('.'));
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
+class ReferenceTest : public testing::TestWithParam<Reference> {};
+
+TEST_P(ReferenceTest, IsWhatTheCommandPrints) {
+  const Table expected = ParseTable(ReadWholeFile(References + GetParam().File));
+  const Outcome outcome = Shell("torvane-cli " + GetParam().CommandLine);
+  EXPECT_EQ(outcome.Err, "");
+  ASSERT_EQ(outcome.Code, 0);
+  const Table actual = ParseTable(outcome.Out);
+  ASSERT_EQ(actual.Header, expected.Header);
+  ASSERT_EQ(actual.Rows(), expected.Rows());
+  for (std::size_t column = 0; column < expected.Columns.size(); ++column) {
+    for (std::size_t row = 0; row < expected.Rows(); ++row) {
+      // The files give enough digits for every bit of a number.
+      ASSERT_EQ(actual.Columns[column][row], expected.Columns[column][row])
+          << expected.Header[column] << ", row " << row;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, ReferenceTest, testing::ValuesIn(ReadReferences()), CaseName);
+
+// Numbers are printed in the shortest form that reads back as the same bits, so equal bytes are
+// equal bits: of every signal, 100 times a second, at the defaults.
+TEST(Repeat, EveryModelsFirstSecondToTheBitInANewProcess) {
+  for (const std::string& model : ModelNames()) {
+    const std::string line = "torvane-cli run '" + model + "' --until 1 --every 0.01";
+    const Outcome outcome = Shell(line + " | tee first.csv; " + line + " | cmp - first.csv >&2");
+    EXPECT_EQ(outcome.Err, "") << model;
+    const Table table = ParseTable(outcome.Out);
+    EXPECT_TRUE(std::any_of(table.Columns.begin() + 1, table.Columns.end(), [](const auto& signal) {
+      return signal.front() != signal.back();
+    })) << model;
+  }
+}
+
+// The quotient of a multiple and the interval may round to either side of the whole number: no
+// multiple may be skipped and none may come twice, also where a sum of steps stops just short.
+TEST(NextRowTime, VisitsEveryMultipleOnce) {
+  using cli::NextRowTime;
+  for (const double every : {0.1, 0.0004, 1e-5, 1.0 / 3.0, 7.3e-7, 1000.0}) {
+    for (const double tolerance : {0.0, 1e-9}) {
+      double time = 0.0;
+      for (int k = 1; k <= 20000; ++k) {
+        const double due = NextRowTime(time, every, tolerance);
+        ASSERT_EQ(due, k * every - tolerance) << k;
+        const double before = std::nextafter(due - 0.5 * tolerance, 0.0);
+        ASSERT_EQ(NextRowTime(before, every, tolerance), due) << k;
+        time = due + 0.5 * tolerance;
+      }
+    }
+  }
+  // Multiples too close to tell apart are due at once.
+  for (const double every : {1e-30, 5e-324}) {
+    EXPECT_EQ(NextRowTime(0.5, every, 0.0), std::nextafter(0.5, 1.0));
+    EXPECT_GT(NextRowTime(0.5, every, 1e-11), 0.5);
+    EXPECT_GT(NextRowTime(0.0, every, 0.0), 0.0);
+  }
+}
+
+TEST(Run, AnInterruptEndsItWithTheRowsSoFarWhole) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const std::string rows = "rows" + std::to_string(signal);
+    const Process process("exec torvane-cli run 1 --until 1e6 --every 0.001 --out " + rows);
+    // Until something has been written, for as long as a very slow machine may need.
+    EXPECT_EQ(Shell("for i in $(seq 1200); do test -s " + rows + " && exit; sleep 0.05; done").Code,
+              0);
+    kill(process.Id(), signal);
+    const Outcome outcome = process.Wait();
+    EXPECT_EQ(outcome.Code, 1);
+    const std::string said = "Error: interrupted at ";
+    ASSERT_TRUE(outcome.Err.starts_with(said)) << outcome.Err;
+    const std::string text = ReadWholeFile(Folder() + rows);
+    EXPECT_TRUE(text.ends_with("\n"));
+    // Nothing that was recorded before the interrupt is missing: the last row is the last multiple.
+    EXPECT_LT(std::stod(outcome.Err.substr(said.size())) - ParseTable(text).Columns[0].back(),
+              0.001 + 1e-5);
+  }
+}
+
+}  // namespace
+}  // namespace torvane::test
