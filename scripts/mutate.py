@@ -7,6 +7,7 @@ behind in the tree. Of a changed file the one object is compiled and the folder'
 
 import argparse
 import collections
+import dataclasses
 import os
 import pathlib
 import re
@@ -22,7 +23,16 @@ import faults
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ["core", "library", "instruments", "models", "cli", "plot", "ui"]
-SHARDS = 2
+# Whose tests are run after the folder's own when those have noticed nothing.
+USERS = {
+    "core": ["models", "cli"],
+    "library": ["models", "cli"],
+    "instruments": ["models", "cli"],
+    "models": ["cli"],
+    "plot": ["cli"],
+}
+# Models keep some memory a class for the life of the program: each of their tests has its own.
+ALONE = ["models"]
 
 
 class Build:
@@ -71,83 +81,139 @@ class Build:
         return subprocess.run(command, capture_output=True, text=True)
 
 
-def limit_resources():
-    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
-    resource.setrlimit(resource.RLIMIT_AS, (1 << 33, 1 << 33))
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+@dataclasses.dataclass
+class Limit:
+    """How many seconds the tests may take, by the clock and of the processor."""
+
+    wall: float = 600
+    cpu: int = 600
+
+    def apply(self):
+        resource.setrlimit(resource.RLIMIT_CPU, (self.cpu, self.cpu))
+        resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
+        resource.setrlimit(resource.RLIMIT_AS, (1 << 33, 1 << 33))
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def run_tests(program, limit):
-    """Whether all tests pass within `limit` seconds, and what the first one that failed was."""
-    with tempfile.TemporaryDirectory(prefix="torvane-mutation-", ignore_cleanup_errors=True) as home:
-        shards = []
-        for shard in range(SHARDS):
-            own = pathlib.Path(home) / str(shard)
-            own.mkdir()
-            # A fault may write where it should not: it shall not be the user's files.
-            environment = dict(
-                os.environ, HOME=str(own), TMPDIR=str(own), XDG_CONFIG_HOME=str(own / "config"),
-                XDG_DATA_HOME=str(own / "data"), XDG_CACHE_HOME=str(own / "cache"),
-                QT_QPA_PLATFORM="offscreen", GTEST_TOTAL_SHARDS=str(SHARDS),
-                GTEST_SHARD_INDEX=str(shard), GTEST_FAIL_FAST="1",
+class Run:
+    """One process of a test program, with files of its own: a fault may write where it should not,
+    and that shall not be the user's."""
+
+    def __init__(self, program, part, limit):
+        self.home = tempfile.TemporaryDirectory(prefix="torvane-mutation-", ignore_cleanup_errors=True)
+        home = self.home.name
+        environment = dict(
+            os.environ, HOME=home, TMPDIR=home, XDG_CONFIG_HOME=f"{home}/config",
+            XDG_DATA_HOME=f"{home}/data", XDG_STATE_HOME=f"{home}/state",
+            XDG_CACHE_HOME=f"{home}/cache", QT_QPA_PLATFORM="offscreen", GTEST_FAIL_FAST="1", **part,
+        )
+        self.started = time.monotonic()
+        self.deadline = self.started + limit.wall
+        with open(f"{home}/output", "w") as output:
+            self.process = subprocess.Popen(
+                [program], cwd=home, env=environment, stdin=subprocess.DEVNULL, stdout=output,
+                stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=limit.apply,
             )
-            with open(own / "output", "w") as output:
-                shards.append(subprocess.Popen(
-                    [program], cwd=own, env=environment, stdin=subprocess.DEVNULL, stdout=output,
-                    stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=limit_resources,
-                ))
-        reason = watch(shards, time.monotonic() + limit)
-        for shard in range(SHARDS):
-            output = (pathlib.Path(home) / str(shard) / "output").read_text(errors="replace")
-            failed = re.search(r"^\[  FAILED  \] (\S+?)[,\s]", output, re.MULTILINE)
-            if failed and reason:
-                reason = failed.group(1)
-        return reason
 
+    def ended(self):
+        return self.process.poll() is not None or time.monotonic() > self.deadline
 
-def watch(shards, deadline):
-    """Waits until all have passed, or one has failed or taken too long; then none is left running."""
-    reason = None
-    waiting = list(shards)
-    while waiting and not reason:
-        time.sleep(0.02)
-        for process in list(waiting):
-            status = process.poll()
-            if status is None:
-                continue
-            waiting.remove(process)
-            if status != 0:
-                reason = f"status {status}"
-        if not reason and time.monotonic() > deadline:
-            reason = "too long"
-    for process in shards:
+    def end(self):
+        """What tells of a fault: the test that failed, a crash, or that it took too long."""
+        status = self.process.poll()
         try:
-            os.killpg(process.pid, signal.SIGKILL)  # with what it started
+            os.killpg(self.process.pid, signal.SIGKILL)  # with what it started
         except ProcessLookupError:
             pass
-        process.wait()
-    return reason
+        self.process.wait()
+        output = pathlib.Path(self.home.name, "output").read_text(errors="replace")
+        self.home.cleanup()
+        failed = re.search(r"^\[  FAILED  \] (\S+?)[,\s]", output, re.MULTILINE)
+        if status == 0:
+            return None
+        return failed.group(1) if failed else "too long" if status is None else f"status {status}"
+
+
+class Tests:
+    """The test program of one folder."""
+
+    def __init__(self, build, folder, without):
+        self.build = build
+        self.folder = folder
+        self.without = without
+        self.program = build.objects / "bin" / f"test_{folder}"
+        self.parts = []  # environments of the processes that are run, the quickest first
+        self.took = {}
+        self.limit = Limit()
+
+    def make(self):
+        return self.build.make(self.folder).returncode == 0
+
+    def run(self):
+        """What told of a fault, nothing when all tests pass. Two processes at a time."""
+        running, waiting, reason = [], list(self.parts), None
+        while (running or waiting) and not reason:
+            while waiting and len(running) < 2:
+                running.append((waiting[0], Run(self.program, waiting.pop(0), self.limit)))
+            time.sleep(0.01)
+            for part, run in [entry for entry in running if entry[1].ended()]:
+                running.remove((part, run))
+                told = run.end()
+                reason = reason or told
+                self.took[str(part)] = time.monotonic() - run.started
+        for _, run in running:
+            run.end()
+        return reason
+
+    def prepare(self):
+        """Takes how long they need without a fault, on this machine as busy as it is."""
+        if not self.make():
+            sys.exit(f"The tests of {self.folder} do not build: cmake --build {self.build.objects}")
+        self.parts = self.split()
+        cpu = cpu_of_children()
+        failed = self.run()
+        if failed:
+            sys.exit(f"The tests of {self.folder} fail without a fault: {failed}")
+        self.parts.sort(key=lambda part: self.took[str(part)])
+        self.limit = Limit(10 + 5 * max(self.took.values()), int(3 + 2 * (cpu_of_children() - cpu)))
+
+    def split(self):
+        without = f"-{self.without}" if self.without else "*"
+        if self.folder not in ALONE:
+            return [
+                {"GTEST_FILTER": without, "GTEST_TOTAL_SHARDS": "2", "GTEST_SHARD_INDEX": str(shard)}
+                for shard in range(2)
+            ]
+        listed = subprocess.run(
+            [self.program, "--gtest_list_tests", f"--gtest_filter={without}"],
+            check=True, capture_output=True, text=True,
+        ).stdout.splitlines()
+        parts, suite = [], ""
+        for line in listed:
+            if line.startswith("  "):
+                parts.append({"GTEST_FILTER": suite + line.split()[0]})
+            elif line.split("#")[0].strip().endswith("."):
+                suite = line.split()[0]
+        return parts
+
+
+def cpu_of_children():
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return used.ru_utime + used.ru_stime
 
 
 class Trial:
-    """The faults of one folder against its tests."""
+    """The faults of one folder against its tests, and those of its users."""
 
-    def __init__(self, build, folder):
+    def __init__(self, build, folder, tests, without):
         self.build = build
         self.folder = folder
-        self.program = build.objects / "bin" / f"test_{folder}"
-        self.limit = 0.0
+        self.tests = [Tests(build, name, without) for name in tests or [folder, *USERS.get(folder, [])]]
         self.results = []
 
     def prepare(self):
-        built = self.build.make(self.folder)
-        if built.returncode != 0:
-            sys.exit(f"{self.folder} does not build:\n{built.stdout[-3000:]}")
-        start = time.monotonic()
-        failed = run_tests(self.program, 600)
-        if failed:
-            sys.exit(f"The tests of {self.folder} fail without a fault: {failed}")
-        self.limit = 10 + 5 * (time.monotonic() - start)
+        for tests in self.tests:
+            tests.prepare()
 
     def run(self, candidates, count):
         """Tries the first `count` faults that compile, those of one file together, since the file
@@ -158,29 +224,35 @@ class Trial:
             batch, candidates = candidates[:missing], candidates[missing:]
             for fault in sorted(batch, key=lambda fault: (fault.file, fault.line)):
                 self.attempt(fault)
-        if self.results:
-            self.build.make(self.folder)
 
     def attempt(self, fault):
         file = self.build.tree / fault.file
         source = file.read_text()
         file.write_text(fault.apply(source))
         try:
-            if self.build.make(self.folder).returncode != 0:
-                return
-            reason = run_tests(self.program, self.limit)
+            reason = None
+            for tests in self.tests:
+                if not tests.make():
+                    return
+                reason = tests.run()
+                if reason:
+                    reason = f"{tests.folder}/{reason}"
+                    break
         finally:
             file.write_text(source)
         self.results.append((fault, reason))
         said = f"caught by {reason}" if reason else "SURVIVED"
         print(f"  {said:<10.60}  {fault}", flush=True)
 
-    def report(self, place):
+    def save(self, file):
+        lines = [f"{'caught' if reason else 'survived'}  {fault}" for fault, reason in self.results]
+        file.write_text("\n".join(sorted(lines)) + "\n")
+
+    def report(self):
         caught = sum(1 for _, reason in self.results if reason)
         total = len(self.results)
-        lines = [f"{'caught' if reason else 'survived'}  {fault}" for fault, reason in self.results]
-        (place / f"{self.folder}.faults").write_text("\n".join(sorted(lines)) + "\n")
-        print(f"{self.folder}: {caught} of {total} faults caught")
+        own = sum(1 for _, reason in self.results if reason and reason.startswith(f"{self.folder}/"))
+        print(f"{self.folder}: {caught} of {total} faults caught, {own} of them by its own tests")
         kinds = collections.Counter(fault.kind for fault, _ in self.results)
         missed = collections.Counter(fault.kind for fault, reason in self.results if not reason)
         for kind in sorted(kinds):
@@ -229,9 +301,11 @@ def arguments():
     parser.add_argument("--files", metavar="PATTERN", help="only in files whose name matches")
     parser.add_argument("--again", metavar="REPORT", help="the faults of an earlier report")
     parser.add_argument("--survivors", action="store_true", help="of those, the ones not caught")
+    parser.add_argument("--tests", nargs="+", metavar="FOLDER", help="run these folders' tests only")
+    parser.add_argument("--without", metavar="FILTER", help="leave out tests, as --gtest_filter has them")
     parser.add_argument("--list", action="store_true", help="only tell which faults these are")
     chosen = parser.parse_args()
-    for folder in chosen.folder:
+    for folder in chosen.folder + (chosen.tests or []):
         if folder not in FOLDERS:
             parser.error(f"no folder {folder}; there are {' '.join(FOLDERS)}")
     return chosen
@@ -255,10 +329,12 @@ def main():
         if chosen.list:
             print(*candidates[:count], sep="\n")
             continue
-        trial = Trial(build, folder)
+        trial = Trial(build, folder, chosen.tests, chosen.without)
         trial.prepare()
         trial.run(candidates, count)
-        scores.append((folder, *trial.report(place)))
+        if not chosen.again:
+            trial.save(place / f"{folder}.faults")
+        scores.append((folder, *trial.report()))
     if not chosen.list:
         print("\nscore:")
         for folder, caught, total in scores:

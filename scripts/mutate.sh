@@ -5,6 +5,7 @@
 #   scripts/mutate.sh [FOLDER...] [--count 100] [--seed 1] [--files PATTERN]
 #   scripts/mutate.sh [FOLDER...] --again REPORT [--survivors]
 #   scripts/mutate.sh [FOLDER...] --list
+#   --tests FOLDER... runs those tests only, --without FILTER leaves slow ones out.
 # The same seed gives the same faults. The reports stand in build/mutation/FOLDER.faults.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
