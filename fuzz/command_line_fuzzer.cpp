@@ -7,8 +7,8 @@
 #include "cli/program.h"
 #include "cli/settings.h"
 #include "fuzzing.h"
+#include "pooled_host.h"
 #include "support/model_limits.h"
-#include "support/pooled_host.h"
 
 // Feeds the command line: each line of the input is an argument. Whatever they say, the program
 // refuses them or explains itself, and a model that options were applied to has settings within

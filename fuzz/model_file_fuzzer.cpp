@@ -2,8 +2,8 @@
 #include <unordered_set>
 
 #include "fuzzing.h"
+#include "pooled_host.h"
 #include "support/model_limits.h"
-#include "support/pooled_host.h"
 
 // Feeds the reader of model files. Whatever a file says, the model that it leaves has settings
 // within their limits, runs, and saves a file that loads again without a report and gives the same

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <vector>
 
 #include "support/bare_model.h"
@@ -31,7 +32,7 @@ void Check(Waveform waveform, double duty, const std::vector<double>& xs,
   }
 }
 
-TEST(WaveTest, NineWaveforms) {
+TEST(Wave, NineWaveforms) {
   Check(Waveform::Sine, 50.0, {0.0, 0.125, 0.25, 0.5, 0.75}, {1, 2.4142135624, 3, 1, -1},
         EightDigitPi);
   Check(Waveform::Square, 10.0, {0.0, 0.499, 0.5, 0.999}, {3, 3, -1, -1});
@@ -50,7 +51,7 @@ TEST(WaveTest, NineWaveforms) {
         {1, 1.1816901138, 2, 3, 3, 3, 2.8183098862, 1.1816901138, 1, 1}, EightDigitPi);
 }
 
-TEST(WaveTest, DutyCycleAtItsEnds) {
+TEST(Wave, DutyCycleAtItsEnds) {
   const std::vector<double> quarters = {0.0, 0.25, 0.5, 0.75};
   Check(Waveform::Pulse, 0.0, quarters, {-1, -1, -1, -1});
   Check(Waveform::Pulse, 100.0, quarters, {3, 3, 3, 3});
@@ -62,98 +63,86 @@ TEST(WaveTest, DutyCycleAtItsEnds) {
   Check(Waveform::Trapezoid, 100.0, {0.25, 0.5, 0.75, 0.9375}, {2.5, 3, 2.5, 1.375});
 }
 
-TEST(WaveTest, EverySettingShowsAtTheSameInstant) {
+// What a time's value was computed from may change at that time.
+TEST(Wave, EverySettingShowsAtOnceAndIsAStepToUndo) {
   test::BareModel model;
-  ZelWave wave(model.Bench(), "Source", {0, 4.0, 2.0, 1.0, 90.0, 50.0}, 10.0);
-  const auto computed = [&] {
-    wave.AtTime(0.0625);  // a quarter of a cycle
-    return wave.Computed();
+  ZelWave wave(model.Bench(), "MainWaveGen", {0, 4.0, 2.0, 1.0, 90.0, 50.0}, 10.0);
+  const auto expect = [&](double computed) {
+    wave.AtTime(0.0625);
+    EXPECT_NEAR(wave.Computed(), computed, 1e-5);  // the sine's zero shows pi's lost digits
   };
-  wave.AtTime(0.0);
-  EXPECT_NEAR(wave.Computed(), 30.0, 1e-13);  // the crest is flat: pi's lost digits do not show
-  wave.SetPhaseDeg(0.0);
-  EXPECT_NEAR(computed(), 30.0, 1e-13);
-  wave.SetWaveform(3);
-  EXPECT_EQ(computed(), 0.0);
-  wave.SetFreqHz(8.0);
-  EXPECT_EQ(computed(), 10.0);
-  wave.SetOffset(2.0);
-  EXPECT_EQ(computed(), 20.0);
-  wave.SetWaveform(4);
-  wave.SetAmplitude(-6.0);
-  EXPECT_EQ(computed(), 80.0);  // half a cycle is outside of half of the cycle
-  wave.SetDutyCycle(51.0);
-  EXPECT_EQ(computed(), -40.0);
+  std::vector<double> computed{10.0};
+  const auto change = [&](auto set, auto value, double expected) {
+    for (int times = 0; times < 2; ++times) (wave.*set)(value);  // once more is no change
+    computed.push_back(expected);
+    expect(expected);
+  };
+  expect(10.0);
+  change(&ZelWave::SetPhaseDeg, 0.0, 30.0);
+  change(&ZelWave::SetWaveform, 3, 0.0);
+  change(&ZelWave::SetFreqHz, -8.0, 10.0);  // counts as 8
+  change(&ZelWave::SetOffset, 2.0, 20.0);
+  change(&ZelWave::SetWaveform, 4, 0.0);
+  change(&ZelWave::SetAmplitude, -6.0, 80.0);  // half a cycle is outside of half of it
+  change(&ZelWave::SetDutyCycle, 51.0, -40.0);
+  ZelUndo& history = model.Bench().History();
+  for (computed.pop_back(); !computed.empty(); computed.pop_back()) {
+    history.Undo();
+    expect(computed.back());
+  }
+  EXPECT_FALSE(history.CanUndo());
 }
 
-TEST(WaveTest, SettingsAreLimitedSilently) {
+TEST(Wave, SettingsAreLimitedSilently) {
   test::BareModel model;
   ZelWave wave(model.Bench(), "Source", {.Index = 99, .FreqHz = -5.0, .DutyCycle = 101.0});
-  EXPECT_EQ(wave.Settings().Index, 8);
-  EXPECT_EQ(wave.Settings().FreqHz, 5.0);
-  EXPECT_EQ(wave.Settings().DutyCycle, 100.0);
-  wave.SetWaveform(-1);
-  wave.SetFreqHz(-0.5);
-  wave.SetDutyCycle(-1.0);
-  EXPECT_EQ(wave.Settings().Index, 0);
-  EXPECT_EQ(wave.Settings().FreqHz, 0.5);
-  EXPECT_EQ(wave.Settings().DutyCycle, 0.0);
   EXPECT_EQ(model.Bench().FindInstrument(InstrumentKind::WaveGenerator, "Source"), &wave);
+  const auto expect = [&](int index, double hz, double duty) {
+    EXPECT_EQ(wave.Settings().Index, index);
+    EXPECT_EQ(wave.Settings().FreqHz, hz);
+    EXPECT_EQ(wave.Settings().DutyCycle, duty);
+  };
+  expect(8, 5.0, 100.0);
+  wave.SetWaveform(-1);
+  wave.SetDutyCycle(-1.0);
+  expect(0, 5.0, 0.0);
+  wave.SetFreqHz(std::numeric_limits<double>::infinity());
+  wave.SetDutyCycle(200.0);
+  wave.SetWaveform(99);
+  expect(8, 5.0, 100.0);
 }
 
-TEST(WaveTest, OutputsFollowThroughStatesOneStepAndTwoStepsLate) {
+TEST(Wave, OutputsFollowThroughStatesOneStepAndTwoStepsLate) {
   test::BareModel model(0.125);
   ZelWave wave(model.Bench(), "Source",
                {.Index = 3, .FreqHz = 1.0, .Amplitude = 4.0, .Offset = 4.0});  // 8 t
   std::vector<double> seen;
   model.Loop = [&](double) { seen.push_back(wave.Output()); };
-  const auto step = [&] { model.Solver().RunUntil(model.Time() + 0.0625); };
-  step();
-  EXPECT_EQ(wave.Output(), 1.0);  // computed for the end of the step
-  EXPECT_EQ(wave.DelayedOutput(), 0.0);
-  step();
-  EXPECT_EQ(wave.Output(), 2.0);
-  EXPECT_EQ(wave.DelayedOutput(), 1.0);
+  const auto step = [&](double output, double delayed) {
+    model.Solver().RunUntil(model.Time() + 0.0625);
+    EXPECT_EQ(wave.Output(), output);
+    EXPECT_EQ(wave.DelayedOutput(), delayed);
+  };
+  step(1.0, 0.0);  // computed for the end of the step
+  step(2.0, 1.0);
   wave.SetOffset(104.0);
   EXPECT_EQ(wave.Output(), 2.0);
-  step();
-  EXPECT_EQ(wave.Output(), 103.0);
-  EXPECT_EQ(wave.DelayedOutput(), 2.0);
+  step(103.0, 2.0);
   // Within a step the output rests.
   EXPECT_EQ(seen, (std::vector<double>{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2}));
+  // A step that is fused to one end's value comes to the same.
+  wave.AtEndOfStep(0.5);
+  EXPECT_EQ(wave.Output(), 104.0);
+  EXPECT_EQ(wave.DelayedOutput(), 103.0);
   model.Reset();
   EXPECT_EQ(wave.Output(), 0.0);
-}
-
-TEST(Wave, ItsSettingsUndoOneByOneAndAGestureAsOne) {
-  test::BareModel model;
-  ZelWave wave(model.Bench(), "Source", {1, 10.0, 2.0, 0.0, 0.0, 50.0});
-  ZelUndo& history = model.Bench().History();
-  wave.SetFreqHz(-20.0);
-  wave.SetFreqHz(20.0);  // no change
-  wave.SetWaveform(3);
-  history.BeginGesture();
-  for (const double amplitude : {3.0, 4.0, 5.0}) wave.SetAmplitude(amplitude);
-  wave.SetDutyCycle(200.0);
-  history.EndGesture();
-  history.Undo();
-  EXPECT_EQ(wave.Settings().Amplitude, 2.0);
-  EXPECT_EQ(wave.Settings().DutyCycle, 50.0);
-  EXPECT_EQ(wave.Settings().Index, 3);
-  history.Undo();
-  history.Undo();
-  EXPECT_EQ(wave.Settings().FreqHz, 10.0);
-  EXPECT_FALSE(history.CanUndo());
-  while (history.CanRedo()) history.Redo();
-  EXPECT_EQ(wave.Settings().Amplitude, 5.0);
-  EXPECT_EQ(wave.Settings().DutyCycle, 100.0);
-  EXPECT_EQ(wave.Settings().FreqHz, 20.0);
-  // The value computed for a time is none of the settings' that have changed since.
-  wave.AtTime(0.0);
-  const double before = wave.Computed();
-  history.Undo();
-  wave.AtTime(0.0);
-  EXPECT_NE(wave.Computed(), before);
+  wave.SetOffset(1.7e308);
+  EXPECT_FALSE(wave.OverflowsAt(0.0));
+  wave.SetAmplitude(-1e308);
+  EXPECT_TRUE(wave.OverflowsAt(0.0));
+  wave.SetFreqHz(1.7e308);
+  wave.SetAmplitude(0.0);
+  EXPECT_TRUE(wave.OverflowsAt(2.0));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "instruments/fft/fft_analyser.h"
 #include "library/wave.h"
 #include "models/catalogue.h"
+#include "models/catalogue_host.h"
 #include "support/recorder.h"
 
 namespace torvane::test {
@@ -23,24 +24,27 @@ using Settings = std::vector<std::pair<std::string, std::string>>;
 /// lived fails the test.
 class Loop {
  public:
-  explicit Loop(const std::string& name, const Settings& settings = {})
-      : model_(LoadModel(FindModel(name))) {
+  /// Whether the model's class remembers what its last model left.
+  enum class ClassMemory { None, Kept };
+
+  explicit Loop(const std::string& name, const Settings& settings = {},
+                ClassMemory memory = ClassMemory::None) {
+    if (memory == ClassMemory::None) LoadModel(FindModel(name))->ResetEverything();
+    host_.Model = LoadModel(FindModel(name));
     Set(settings);
   }
   ~Loop() { EXPECT_EQ(messages_.Take(), Messages{}); }
   Loop(const Loop&) = delete;
   Loop& operator=(const Loop&) = delete;
 
-  ZelModel& Model() { return *model_; }
-  ZelBenchTop& Bench() { return model_->Bench(); }
+  ZelModel& Model() { return *host_.Model; }
+  ZelBenchTop& Bench() { return Model().Bench(); }
 
   void Set(const Settings& settings) {
-    for (const auto& [name, text] : settings) {
-      Constant* constant = Bench().FindConst(name);
-      ASSERT_TRUE(constant) << name;
-      ASSERT_TRUE(constant->SetFromText(text)) << name;
-    }
+    for (const auto& [name, text] : settings) Load("Constant," + name + "," + text + "\n");
   }
+  /// Takes lines of a model file.
+  void Load(const std::string& lines) { EXPECT_TRUE(LoadModelText(lines, host_)) << lines; }
 
   /// Value of a signal, to be read or written.
   double& operator[](const std::string& signal) { return Bench().FindVar(signal)->Value; }
@@ -59,7 +63,7 @@ class Loop {
     auto& wave = The<ZelWave>(InstrumentKind::WaveGenerator, generator);
     wave.SetWaveform(static_cast<int>(Waveform::Dc));
     wave.SetOffset(value);
-    for (StateVariable* state : model_->Solver().States()) {
+    for (StateVariable* state : Model().Solver().States()) {
       if (state->Name() == "ZelWave #1" && generator-- == 0) state->Value = value;
     }
   }
@@ -67,33 +71,33 @@ class Loop {
   /// The equations at time t, at which a sample is due when the clock says so.
   void Sample(double t) {
     Bench().UpdateTimeDriven(t);
-    model_->Derivatives(t);
+    Model().Derivatives(t);
   }
 
   /// Runs without instruments.
-  void Run(double until) { model_->Solver().RunUntil(until); }
+  void Run(double until) { Model().Solver().RunUntil(until); }
+
+  /// Lets the FFT analyser measure to its end, alone.
+  ZelXfer& Measure() {
+    ZelXfer& fft = The<ZelXfer>(InstrumentKind::FftAnalyser);
+    fft.Run();
+    while (fft.Measuring()) {
+      Run(fft.NextTime());
+      fft.Service(Model().Time());
+    }
+    return fft;
+  }
 
  private:
   Recorder messages_;
-  std::unique_ptr<ZelModel> model_;
+  CatalogueHost host_;
 };
 
-/// Leaves in the memory of the model's class what a model at rest leaves. 5-1 cannot go back to an
-/// earlier sample: its next one is put off.
-inline void BringClassToRest(const std::string& model) {
-  Loop loop(model);
-  if (model.starts_with("16-2")) {  // a command empties the integral
-    loop.Set({{"Zero on Move?", "Yes"}});
-    loop.Generate(1.0);
-    loop.Sample(0.0);
-    loop.Generate(0.0);
-    loop["pC"] = 0.0;
-  }
-  if (model.starts_with("5-2")) {  // rounded to nothing
-    loop.Set({{"Pole", "0.001"}, {"Res", "100"}});
-  }
-  if (model.starts_with("5-1")) loop.Set({{"TSample", "100"}});
-  for (const double t : {0.0, 0.01, 0.02}) loop.Sample(t);
+/// Every signal's value.
+inline std::vector<double> Values(const ZelModel& model) {
+  std::vector<double> values;
+  for (const Variable* variable : model.Bench().Variables()) values.push_back(variable->Value);
+  return values;
 }
 
 }  // namespace torvane::test
