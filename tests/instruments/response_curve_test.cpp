@@ -11,7 +11,8 @@ namespace torvane {
 namespace {
 
 Margins Read(const ResponseCurve& curve) {
-  Margins margins;
+  // What stands there of another curve goes.
+  Margins margins{true, 1.0, 1.0, Margins::Reading{}, {{1.0, 1.0}}, {{1.0, 1.0}}};
   FindMargins(curve, margins);
   return margins;
 }

@@ -1,26 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <limits>
+#include <cmath>
 
-#include "core/files/record.h"
+#include "instruments/scope/scope_csv.h"
+#include "instruments/scope/scope_cursors.h"
+#include "instruments/scope/scope_math.h"
 #include "instruments/scope/screen_pixels.h"
 #include "instruments/scope_bench.h"
 #include "support/recorder.h"
 
 namespace torvane::test {
-
-namespace {
-
-struct UndoCaption : UndoItems {
-  void SetCaption(UndoItem item, const std::string& caption) override {
-    if (item == UndoItem::UndoMenu) Caption = caption;
-  }
-  void SetEnabled(UndoItem /*item*/, bool /*enabled*/) override {}
-  std::string Caption;
-};
-
-}  // namespace
 
 TEST(ScopeAxes, VerticalPixelsTruncateAndEndAboveTheBottomEdge) {
   ZelBenchTop bench;
@@ -133,90 +122,72 @@ TEST(ScopeAxes, AutoAndFillUseThePointsOnTheScreenAndTheMultiplier) {
   EXPECT_EQ(trace.Vertical(), (AxisScale{2.0, 4.0}));
 }
 
-// Every setting undoes to the first state and redoes to the last, one entry each, and what it says
-// while it does loads silently.
-TEST(ScopeAxes, EverySettingIsUndone) {
+TEST(ScopeAxes, RefusesWhatCannotDivide) {
   Recorder recorder;
   ScopeBench b;
-  Variable other(b.Bench, "Other", "", {});
-  ZelScope scope(b.Bench, "Second");
-  SignalChannel& signal = *scope.Channels()[0];
-  SignalChannel& hidden = *scope.Channels()[1];
-  ZelTrigger& trigger = scope.Trigger();
-  b.Ramp(0, 10);
-  const auto state = [&] {
-    std::string text;
-    RecordWriter writer(text, "Scope", scope.Name());
-    scope.SaveState(writer);
-    return text;
-  };
-  const std::vector<std::pair<std::string, std::function<void()>>> changes = {
-      {"Show Other", [&] { scope.SetDisplayed(hidden, true); }},
-      {"Signal Scale = -2", [&] { scope.SetVerticalScale(signal, -2.0); }},
-      {"Signal Offset = 3", [&] { scope.SetVerticalOffset(signal, 3.0); }},
-      {"Auto Scale of Signal", [&] { scope.AutoVertical(signal); }},
-      {"Horizontal Scale = 4", [&] { scope.SetHorizontalScale(scope.TimeChannel(), 4.0); }},
-      {"X Axis = Other", [&] { scope.SetHorizontalChannel(hidden); }},
-      {"Horizontal Offset = 0.5", [&] { scope.SetHorizontalOffset(hidden, 0.5); }},
-      {"Trigger Mode = Normal", [&] { trigger.SetMode(SweepMode::Normal); }},
-      {"Trigger Level = 0.25", [&] { trigger.SetLevel(0.25); }},
-      {"Trigger Position = 100", [&] { trigger.SetPosition(1e308); }},
-      {"Roll on", [&] { trigger.SetRoll(true); }},
-      {"Trigger Source = Other", [&] { trigger.SetSource(hidden); }},
-      {"Trigger Slope = Negative", [&] { trigger.SetPositiveSlope(false); }},
-      {"Initial Delay on", [&] { trigger.SetInitialDelay(true); }},
-      {"Initial Delay = 2", [&] { trigger.SetInitialDelayTime(2.0); }},
-      {"Count Events on", [&] { trigger.SetCountEvents(true); }},
-      {"Number of Events = 3", [&] { trigger.SetNumberOfEvents(3); }},
-      {"Delay After on", [&] { trigger.SetDelayAfter(true); }},
-      {"Delay After = 0.001", [&] { trigger.SetDelayAfterTime(0.001); }},
-      {"Single Shot on", [&] { scope.SetSingleShot(true); }},
-      {"Stop Model on", [&] { scope.SetStopsModel(true); }},
-      {"Constants Panel",
-       [&] {
-         scope.SetConstForm({false, 200, 90});
-       }},
-  };
-  std::vector<std::string> states{state()};
-  UndoCaption items;
-  b.Bench.History().Attach(&items);
-  for (const auto& [caption, change] : changes) {
-    change();
-    EXPECT_EQ(items.Caption, "Undo " + caption);
-    states.push_back(state());
-    change();  // nothing new, nothing to undo
-  }
-  for (std::size_t i = changes.size(); i-- > 0;) {
-    b.Bench.History().Undo();
-    EXPECT_EQ(state(), states[i]) << changes[i].first;
-  }
-  EXPECT_FALSE(b.Bench.History().CanUndo());
-  for (std::size_t i = 0; i < changes.size(); ++i) {
-    b.Bench.History().Redo();
-    EXPECT_EQ(state(), states[i + 1]) << changes[i].first;
-  }
-  EXPECT_TRUE(recorder.Take().empty());
-}
-
-TEST(ScopeAxes, RefusesScalesThatCannotDivide) {
-  Recorder recorder;
-  ScopeBench b;
-  for (const double bad : {0.0, std::numeric_limits<double>::quiet_NaN()}) {
-    EXPECT_FALSE(b.Scope.SetVerticalScale(b.Trace(), bad));
-    EXPECT_FALSE(b.Scope.SetHorizontalScale(b.Scope.TimeChannel(), bad));
-    EXPECT_EQ(recorder.Take(), (Messages{"Error: Scale cannot be set to zero",
-                                         "Error: Horizontal scale cannot be set to zero"}));
-  }
-  EXPECT_EQ(b.Trace().Vertical().Scale, 1.0);
-  EXPECT_EQ(b.Scope.SampleInterval(), 1.0);
-
+  EXPECT_FALSE(b.Scope.SetVerticalScale(b.Trace(), std::nan("")));
+  EXPECT_FALSE(b.Scope.SetHorizontalScale(b.Scope.TimeChannel(), std::nan("")));
   const ScreenPixels none;
   none.Y(b.Trace(), 0.0);
   none.X(b.Trace(), 0.0);
   none.TimeX(b.Scope.TimeChannel(), 0.0, 0.0);
-  EXPECT_EQ(recorder.Take(), (Messages{"Error: Internal Error: ScreenHeight not initialized",
+  EXPECT_EQ(recorder.Take(), (Messages{"Error: Scale cannot be set to zero",
+                                       "Error: Horizontal scale cannot be set to zero",
+                                       "Error: Internal Error: ScreenHeight not initialized",
                                        "Error: Internal Error: ScreenDimensions not initialized",
                                        "Error: Internal Error: Uninit ScreenDimension"}));
+}
+
+// A ramp of a second a point on a screen of 400 pixels, which is shown tenfold; the source steps
+// at 100 s.
+TEST(ScopeAxes, CursorsMeasureWhatIsShown) {
+  ZelBenchTop bench;
+  TimeVariable time(bench, "Time", "sec", {.Scale = 40.0});
+  Variable step(bench, "Step", "", {.Shown = true});
+  Variable hidden(bench, "Hidden", "");
+  Variable ramp(bench, "Ramp", "", {.Multiplier = 10.0, .Shown = true});
+  ZelScope scope(bench, "MainScope");
+  for (int n = 0; n < 300; ++n) {
+    time.Value = n;
+    ramp.Value = std::min(n, 200);
+    step.Value = n < 100 ? -1.0 : 1.0;
+    scope.Sample(n);
+  }
+  const ScreenPixels pixels(400, 300);
+  ScopeScreen screen;
+  EXPECT_TRUE(MeasureScreen(scope, screen, pixels).empty());
+  scope.CopyScreen(ScopeSweep::Present, screen);
+  EXPECT_FALSE(ReadCursors(scope, screen, pixels));
+  // The first point to the right of the cursor.
+  const struct {
+    int Mode, First, Second;
+    double Step, Ramp, Time;
+  } cases[] = {{1, 120, 50, 1, 1210, 0}, {2, 120, 50, 2, 700, 70}, {2, 20, 230, 2, 1790, 210}};
+  for (const auto& [mode, first, second, ofStep, ofRamp, ofTime] : cases) {
+    scope.SetCursorMode(mode);
+    scope.SetCursorX(0, first);
+    scope.SetCursorX(1, second);
+    const auto reading = ReadCursors(scope, screen, pixels);
+    ASSERT_TRUE(reading);
+    EXPECT_EQ(reading->Values, (std::vector{ofStep, ofRamp}));
+    EXPECT_EQ(reading->Time, ofTime);
+  }
+  const auto between = MeasureScreen(scope, screen, pixels);
+  ASSERT_EQ(between.size(), 2U);
+  EXPECT_EQ(between[1].Trace->Minimum, 210.0);
+  EXPECT_EQ(between[1].Trace->Maximum, 2000.0);
+  EXPECT_EQ(between[1].Trace->PeakToPeak(), 1790.0);
+  EXPECT_FALSE(between[0].Step) << "a command does not respond to itself";
+  ASSERT_TRUE(between[1].Step);
+  EXPECT_NEAR(between[1].Step->Delay, 49.5, 1e-3);
+  scope.SetCursorX(1, 350);  // the sweep has not come so far
+  EXPECT_FALSE(ReadCursors(scope, screen, pixels));
+  EXPECT_FALSE(MeasureScreen(scope, screen, pixels)[0].Trace);
+  scope.SetHorizontalChannel(*scope.Channels()[2]);
+  EXPECT_FALSE(ReadCursors(scope, screen, pixels));
+  EXPECT_EQ(MeasureScreen(scope, screen, pixels)[1].Trace->Minimum, 0.0);
+  const std::string csv = ScreenCsv(scope, screen);
+  EXPECT_EQ(csv.substr(0, csv.find("\n2,")), "Time,Step,Ramp\n0,-1,0\n1,-1,10");
 }
 
 }  // namespace torvane::test

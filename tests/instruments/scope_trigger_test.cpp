@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
 #include <vector>
 
@@ -10,13 +11,18 @@ namespace torvane::test {
 
 namespace {
 
-using Detection = ZelTrigger::Detection;
+using enum ZelTrigger::Detection;
 
+/// At 1 s a division; the signal is shown by the factor -2.
 struct TriggerBench {
   bool StepAt(double t, double value) {
     Time.Value = t;
     Signal.Value = value;
     return Trigger.Step();
+  }
+  bool TimeoutAt(double t) {
+    Time.Value = t;
+    return Trigger.AutoTimeout();
   }
 
   ZelBenchTop Bench;
@@ -28,94 +34,78 @@ struct TriggerBench {
   ZelTrigger Trigger{Source, Reference};
 };
 
+/// What is set before a step of the detection, and what has to come of the step.
+struct Step {
+  std::function<void(ZelTrigger&)> Set;
+  double Time, Value;
+  bool Fires;
+  ZelTrigger::Detection State;
+};
+
+void Play(const std::vector<Step>& steps) {
+  TriggerBench b;
+  for (const Step& step : steps) {
+    if (step.Set) step.Set(b.Trigger);
+    EXPECT_EQ(b.StepAt(step.Time, step.Value), step.Fires) << step.Time << " " << step.Value;
+    EXPECT_EQ(b.Trigger.State(), step.State) << step.Time << " " << step.Value;
+    EXPECT_EQ(b.Trigger.ConsumeFired(), step.Fires);
+    EXPECT_EQ(step.Fires ? b.Trigger.FireTime() : step.Time, step.Time);
+  }
+}
+
 }  // namespace
 
-TEST(ScopeTrigger, ComparesTheDisplayedValueStrictly) {
-  TriggerBench b;
-  b.Trigger.SetLevel(1.0);  // met by a signal of -0.5
-  EXPECT_FALSE(b.StepAt(1, -3.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Arming);
-  EXPECT_FALSE(b.StepAt(2, -0.5));
-  EXPECT_EQ(b.Trigger.State(), Detection::Armed);
-  EXPECT_FALSE(b.StepAt(3, -0.5));
-  EXPECT_TRUE(b.StepAt(4, -0.500001));
-  EXPECT_EQ(b.Trigger.State(), Detection::Idle);
-  EXPECT_EQ(b.Trigger.FireTime(), 4.0);
-  EXPECT_FALSE(b.StepAt(20, 0.0));
-
-  TriggerBench falling;
-  falling.Trigger.SetPositiveSlope(false);
-  EXPECT_FALSE(falling.StepAt(1, 0.0));
-  EXPECT_FALSE(falling.StepAt(2, 0.0));
-  EXPECT_FALSE(falling.StepAt(3, -1.0));
-  EXPECT_TRUE(falling.StepAt(4, 1e-300));
+TEST(ScopeTrigger, FindsCrossingsOfTheDisplayedValue) {
+  Play({{[](auto& t) { t.SetLevel(1.0); }, 1, -3.0, false, Arming},  // met by a signal of -0.5
+        {{}, 2, -0.5, false, Armed},
+        {{}, 3, -0.5, false, Armed},
+        {{}, 4, -0.500001, true, Idle},
+        {{}, 20, 0.0, false, Idle}});
+  Play({{[](auto& t) { t.SetPositiveSlope(false); }, 1, 0.0, false, Armed},
+        {{}, 2, 0.0, false, Armed},
+        {{}, 3, -1.0, false, Armed},
+        {{}, 4, 1e-300, true, Idle}});
 }
 
 TEST(ScopeTrigger, CountsEventsAndDelaysAfterTheLast) {
-  TriggerBench b;
-  b.Trigger.SetCountEvents(true);
-  b.Trigger.SetNumberOfEvents(3);
-  b.Trigger.SetDelayAfter(true);
-  b.Trigger.SetDelayAfterTime(2.5);
-  // High at odd times. Each crossing needs a return, which arms on a step of its own.
-  for (int t = 0; t <= 4; ++t) EXPECT_FALSE(b.StepAt(t, t % 2 ? -1.0 : 1.0)) << t;
-  EXPECT_FALSE(b.StepAt(5, -1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::DelayAfter);
-  EXPECT_FALSE(b.StepAt(7.49, 1.0));
-  EXPECT_TRUE(b.StepAt(7.5, 1.0));
-
+  const auto countThree = [](ZelTrigger& t) {
+    t.SetCountEvents(true);
+    t.SetNumberOfEvents(3);
+    t.SetDelayAfter(true);
+    t.SetDelayAfterTime(2.5);
+  };
+  // Each crossing needs a return, which arms on a step of its own.
+  Play({{countThree, 0, 1.0, false, Armed},
+        {{}, 1, -1.0, false, Arming},
+        {{}, 2, 1.0, false, Armed},
+        {{}, 3, -1.0, false, Arming},
+        {{}, 4, 1.0, false, Armed},
+        {{}, 5, -1.0, false, DelayAfter},
+        {{}, 7.49, 1.0, false, DelayAfter},
+        {{}, 7.5, 1.0, true, Idle}});
   // The lowest count, and a delay of nothing, fire on the first event.
-  TriggerBench lowest;
-  lowest.Trigger.SetCountEvents(true);
-  lowest.Trigger.SetNumberOfEvents(std::numeric_limits<std::int32_t>::min());
-  lowest.Trigger.SetDelayAfter(true);
-  EXPECT_FALSE(lowest.StepAt(0, 1.0));
-  EXPECT_TRUE(lowest.StepAt(1, -1.0));
+  const auto countNone = [](ZelTrigger& t) {
+    t.SetCountEvents(true);
+    t.SetNumberOfEvents(std::numeric_limits<std::int32_t>::min());
+    t.SetDelayAfter(true);
+  };
+  Play({{countNone, 0, 1.0, false, Armed}, {{}, 1, -1.0, true, Idle}});
 }
 
 TEST(ScopeTrigger, IgnoresEventsForTenDivisionsAfterFiring) {
-  TriggerBench b;
-  b.StepAt(0, 1.0);
-  EXPECT_TRUE(b.StepAt(1, -1.0));
-  b.Trigger.Rearm();
-  EXPECT_FALSE(b.StepAt(10.99, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Arming);
-  EXPECT_FALSE(b.StepAt(11, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Armed);
+  const auto rearm = [](ZelTrigger& t) { t.Rearm(); };
+  const auto rearmCont = [](ZelTrigger& t) {
+    t.Rearm();
+    t.SetMode(SweepMode::Cont);
+  };
   // Choosing a sweep mode leaves the detection alone, and ends the hold-off in all but Cont.
-  b.Trigger.SetMode(SweepMode::Normal);
-  EXPECT_EQ(b.Trigger.State(), Detection::Armed);
-  EXPECT_TRUE(b.StepAt(12, -1.0));
-  b.Trigger.Rearm();
-  b.Trigger.SetMode(SweepMode::Cont);
-  EXPECT_FALSE(b.StepAt(13, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Arming);
-  b.Trigger.SetMode(SweepMode::Auto);
-  EXPECT_FALSE(b.StepAt(13, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Armed);
-}
-
-TEST(ScopeTrigger, AutoSweepsAtOnceThenEveryTwentyAndAHalfDivisions) {
-  TriggerBench b;
-  b.Time.Value = 5.0;
-  b.Trigger.SetMode(SweepMode::Auto);
-  EXPECT_FALSE(b.Trigger.AutoTimeout());
-  b.Time.Value = 5.001;
-  b.Trigger.SetMode(SweepMode::Normal);
-  EXPECT_FALSE(b.Trigger.AutoTimeout());
-  b.Trigger.SetMode(SweepMode::Auto);
-  b.Time.Value = 6.0;
-  EXPECT_TRUE(b.Trigger.AutoTimeout());
-  b.Time.Value = 26.5;
-  EXPECT_FALSE(b.Trigger.AutoTimeout());
-  // The present scale counts, and its sign does not.
-  b.Scope.SetHorizontalScale(b.Reference, -2.0);
-  b.StepAt(27, 1.0);
-  EXPECT_TRUE(b.StepAt(28, -1.0));
-  b.Time.Value = 28 + 41.0;
-  EXPECT_FALSE(b.Trigger.AutoTimeout());
-  b.Time.Value = 28 + 41.5;
-  EXPECT_TRUE(b.Trigger.AutoTimeout());
+  Play({{{}, 0, 1.0, false, Armed},
+        {{}, 1, -1.0, true, Idle},
+        {rearm, 10.99, 1.0, false, Arming},
+        {{}, 11, 1.0, false, Armed},
+        {[](auto& t) { t.SetMode(SweepMode::Normal); }, 12, -1.0, true, Idle},
+        {rearmCont, 13, 1.0, false, Arming},
+        {[](auto& t) { t.SetMode(SweepMode::Auto); }, 13, 1.0, false, Armed}});
 }
 
 TEST(ScopeTrigger, EverySetterRestartsDetectionInitialDelayIncluded) {
@@ -123,55 +113,63 @@ TEST(ScopeTrigger, EverySetterRestartsDetectionInitialDelayIncluded) {
   b.Trigger.SetInitialDelay(true);
   b.Trigger.SetInitialDelayTime(3.0);
   EXPECT_FALSE(b.StepAt(2.9, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::InitialDelay);
-  EXPECT_FALSE(b.StepAt(3.0, 1.0));
-  EXPECT_EQ(b.Trigger.State(), Detection::Armed);  // both in one step
-  const auto arm = [&b] {
-    b.StepAt(4.0, 1.0);
-    return b.Trigger.State() == Detection::Armed;
-  };
-  const std::vector<void (*)(TriggerBench&)> setters = {
-      [](TriggerBench& t) { t.Trigger.SetSource(t.Source); },
-      [](TriggerBench& t) { t.Trigger.SetPositiveSlope(true); },
-      [](TriggerBench& t) { t.Trigger.SetInitialDelay(true); },
-      [](TriggerBench& t) { t.Trigger.SetInitialDelayTime(3.0); },
-      [](TriggerBench& t) { t.Trigger.SetCountEvents(false); },
-      [](TriggerBench& t) { t.Trigger.SetNumberOfEvents(1); },
-      [](TriggerBench& t) { t.Trigger.SetDelayAfter(false); },
-      [](TriggerBench& t) { t.Trigger.SetDelayAfterTime(0.0); }};
-  for (std::size_t i = 0; i < setters.size(); ++i) {
-    ASSERT_TRUE(arm()) << i;
-    setters[i](b);
-    EXPECT_EQ(b.Trigger.State(), Detection::InitialDelay) << i;
+  EXPECT_EQ(b.Trigger.State(), InitialDelay);
+  const std::vector<std::function<void(ZelTrigger&)>> setters = {
+      [&](auto& t) { t.SetSource(b.Source); },  [](auto& t) { t.SetPositiveSlope(true); },
+      [](auto& t) { t.SetInitialDelay(true); }, [](auto& t) { t.SetInitialDelayTime(3.0); },
+      [](auto& t) { t.SetCountEvents(false); }, [](auto& t) { t.SetNumberOfEvents(1); },
+      [](auto& t) { t.SetDelayAfter(false); },  [](auto& t) { t.SetDelayAfterTime(0.0); }};
+  for (const auto& set : setters) {
+    EXPECT_FALSE(b.StepAt(3.0, 1.0));
+    EXPECT_EQ(b.Trigger.State(), Armed);  // both in one step
+    set(b.Trigger);
+    EXPECT_EQ(b.Trigger.State(), InitialDelay);
   }
 }
 
-TEST(ScopeTrigger, LampsShareOneCounter) {
-  TriggerBench a;
+TEST(ScopeTrigger, AutoSweepsAtOnceThenEveryTwentyAndAHalfDivisions) {
   TriggerBench b;
-  TriggerLamp lampA;
-  TriggerLamp lampB;
+  b.Time.Value = 5.0;
+  b.Trigger.SetMode(SweepMode::Auto);
+  EXPECT_FALSE(b.TimeoutAt(5.0));
+  EXPECT_TRUE(b.TimeoutAt(5.001));
+  b.Trigger.SetMode(SweepMode::Normal);
+  EXPECT_FALSE(b.TimeoutAt(100.0));
+  b.Time.Value = 6.0;
+  b.Trigger.SetMode(SweepMode::Auto);
+  EXPECT_TRUE(b.TimeoutAt(6.5));
+  EXPECT_FALSE(b.TimeoutAt(27.0));
+  // The present scale counts, and its sign does not.
+  b.Scope.SetHorizontalScale(b.Reference, -2.0);
+  b.StepAt(27, 1.0);
+  EXPECT_TRUE(b.StepAt(28, -1.0));
+  EXPECT_FALSE(b.TimeoutAt(28 + 41.0));
+  EXPECT_TRUE(b.TimeoutAt(28 + 41.5));
+}
+
+// An event lights a lamp for five refreshes; two lamps count twice a refresh, and neither lights
+// for the other's event.
+TEST(ScopeTrigger, LampsShareOneCounter) {
+  TriggerBench a, b;
+  TriggerLamp lampA, lampB;
+  const auto lit = [&](int refreshes, bool both) {
+    int count = 0;
+    for (int refresh = 0; refresh < refreshes; ++refresh) {
+      lampA.Refresh(a.Trigger);
+      if (both) lampB.Refresh(b.Trigger);
+      count += lampA.Lit();
+      EXPECT_FALSE(lampB.Lit());
+    }
+    return count;
+  };
   a.StepAt(0, 1.0);
   a.StepAt(1, -1.0);
-  for (int refresh = 1; refresh <= 5; ++refresh) {
-    lampA.Refresh(a.Trigger);
-    EXPECT_TRUE(lampA.Lit()) << refresh;
-  }
-  lampA.Refresh(a.Trigger);
-  EXPECT_FALSE(lampA.Lit());
-
+  EXPECT_EQ(lit(5, false), 5);
+  EXPECT_EQ(lit(2, false), 0);
   a.Trigger.Rearm();
   a.StepAt(11, 1.0);
   a.StepAt(12, -1.0);
-  // Two lamps count twice a refresh, and neither lights for the other's event.
-  int lit = 0;
-  for (int refresh = 0; refresh < 10; ++refresh) {
-    lampA.Refresh(a.Trigger);
-    lampB.Refresh(b.Trigger);
-    lit += lampA.Lit();
-    EXPECT_FALSE(lampB.Lit());
-  }
-  EXPECT_EQ(lit, 3);
+  EXPECT_EQ(lit(10, true), 3);
 }
 
 }  // namespace torvane::test

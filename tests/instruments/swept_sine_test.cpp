@@ -54,34 +54,36 @@ class SweptSine : public testing::Test {
   ZelSweptDSA Sweep{Model.Bench(), "Sweep"};
 };
 
+/// Ticks of a channel from time `start` to `end`, of the signal that is given as a function of
+/// time.
+void Accumulate(ZelSweptDSAChannel& channel, Variable& signal, double hz, double start, double end,
+                const std::function<double(double)>& x) {
+  for (double t = start; t < end; t += 1.0 / 512.0) {
+    signal.Value = x(t);
+    channel.Accumulate(hz, t);
+  }
+}
+
 TEST_F(SweptSine, ReadsASineExactly) {
   // A sine of amplitude 3, 50 degrees ahead, on a constant: over whole periods of 32 ticks, and
   // over periods of 21.3 ticks, where the sums are not orthogonal. Some hundred units of rounding.
   for (const double f : {16.0, 24.0}) {
     ZelSweptDSAChannel channel(X, 4);
-    const double lead = 50.0 / 57.295780490442965;
-    const double start = 0.3;
-    for (double t = start; t < start + 2.0 / f + Tick; t += Tick) {
-      X.Value = 3.0 * std::sin(TwoPi * f * t + lead) + 7.0;
-      channel.Accumulate(f, t);
-    }
+    Accumulate(channel, X, f, 0.3, 0.3 + 2.0 / f + Tick, [&](double t) {
+      return 3.0 * std::sin(TwoPi * f * t + 50.0 / 57.295780490442965) + 7.0;
+    });
     ASSERT_TRUE(channel.Measure(0));
     EXPECT_NEAR(channel.Gain(0, 0), 20.0 * std::log10(3.0), 1e-10) << f;
     EXPECT_NEAR(channel.Phase(0, 0), 50.0, 1e-9) << f;
   }
-}
-
-TEST_F(SweptSine, KeepsHarmonicsOutOfWholePeriods) {
-  // The tick that closes the period opens the next one. Counted twice, the harmonics would leak in
-  // by one part in 32.
+  // The tick that closes the period opens the next one. Counted twice, harmonics would leak in by
+  // one part in 32; the truncated 2 pi leaves the period open by 5e-8 of a radian.
   ZelSweptDSAChannel channel(X, 1);
-  for (int i = 0; i <= 32; ++i) {
-    const double t = i * Tick;
-    X.Value = std::sin(TwoPi * 16.0 * t) + std::cos(TwoPi * 32.0 * t) + std::cos(TwoPi * 48.0 * t);
-    channel.Accumulate(16.0, t);
-  }
+  Accumulate(channel, X, 16.0, 0.0, 32.5 * Tick, [](double t) {
+    const double angle = TwoPi * 16.0 * t;
+    return std::sin(angle) + std::cos(2.0 * angle) + std::cos(3.0 * angle);
+  });
   channel.Measure(0);
-  // The truncated 2 pi leaves the period open by 5e-8 of a radian.
   EXPECT_NEAR(channel.Gain(0, 0), 0.0, 1e-6);
   EXPECT_NEAR(channel.Phase(0, 0), 0.0, 1e-5);
 }
@@ -91,11 +93,11 @@ TEST_F(SweptSine, ReadsAFinitePointFromTooFewTicks) {
   channel.Measure(0);
   EXPECT_EQ(channel.Gain(0, 0), -200.0);
   X.Value = 1.0;
-  channel.Accumulate(256.0, 0.001);
-  channel.Measure(1);
-  channel.Accumulate(256.0, 0.002);
-  channel.Measure(2);
-  EXPECT_TRUE(std::isfinite(channel.Gain(0, 1)) && std::isfinite(channel.Gain(0, 2)));
+  for (const int tick : {1, 2}) {
+    channel.Accumulate(256.0, tick * 0.001);
+    channel.Measure(tick);
+    EXPECT_TRUE(std::isfinite(channel.Gain(0, tick)));
+  }
   EXPECT_FALSE(channel.Measure(3));
   channel.Gain(0, 3);
   channel.Phase(1, 0);
@@ -131,6 +133,22 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
     EXPECT_NEAR(Sweep.ResponseGain(0, i), 20.0 * std::log10(std::abs(h)), 1e-7) << i;
     EXPECT_NEAR(Sweep.ResponsePhase(0, i), std::arg(h) * 57.295780490442965, 1e-5) << i;
   }
+  // A memory keeps its own range.
+  EXPECT_TRUE(Sweep.StoreData(1));
+  const double stored = Sweep.GainAt(1, 2.0);
+  Sweep.SetFreqRange(2.0, 4.0);
+  RunToTheEnd();
+  EXPECT_EQ(Sweep.DataRange(0).Low, 2.0);
+  EXPECT_EQ(Sweep.DataRange(1).Low, 1.0);
+  EXPECT_EQ(Sweep.GainAt(1, 2.0), stored);
+  // Interpolated on the logarithm: 1e-3 dB is the curvature between two of 25 points a decade.
+  EXPECT_NEAR(stored, Sweep.GainAt(0, 2.0), 1e-3);
+  EXPECT_NEAR(Sweep.IndexAt(1, std::sqrt(Sweep.PointFrequency(1, 3) * Sweep.PointFrequency(1, 4))),
+              3.5, 1e-9);
+  Sweep.SetVisible(true);
+  EXPECT_TRUE(Sweep.TraceAt(1).Enabled);
+  Sweep.SetVisible(false);
+  EXPECT_FALSE(Sweep.TraceAt(0).Enabled || Sweep.TraceAt(1).Enabled || Sweep.HasData(1));
   EXPECT_EQ(Reports.Take(), Messages{});
 }
 
@@ -175,80 +193,62 @@ TEST_F(SweptSine, MeasuresMorePeriodsWhenMeasurementTimeExceedsTheFrequency) {
   EXPECT_NEAR(measured(2.0, 0.0), 1.0, 2.0 * Tick);
 }
 
-TEST_F(SweptSine, EndsASweepThatWouldNotEnd) {
+TEST_F(SweptSine, EndsByHandAndASweepThatWouldNotEnd) {
+  Sweep.Run();
+  for (int i = 0; i < 100; ++i) Advance();
+  EXPECT_NE(Sweep.Excitation(Model.Time()), 0.0);
+  Sweep.Halt();
+  EXPECT_FALSE(Sweep.Measuring());
+  Sweep.SetOffset(3.0);
+  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
   Sweep.SetFreqRange(200.0, 1e6);
   Sweep.SetStepsPerDecade(100000);
   Sweep.SetSettleTime(0.0);
   Sweep.Run();
   EXPECT_FALSE(Sweep.Measuring());
-  EXPECT_EQ(Reports.Take(), Messages{"Error: The sweep has more than 2048 points.  Reduce "
-                                     "Steps/decade, or sweep fewer decades."});
   // And one that is given more points while it runs.
   Sweep.SetStepsPerDecade(25);
   Sweep.Run();
   Sweep.SetStepsPerDecade(100000);
   while (Sweep.Measuring()) Advance();
   EXPECT_EQ(Sweep.PointCount(), ZelSweptDSA::Capacity);
-  EXPECT_EQ(Reports.Take(), Messages{"Error: Index overrun in ZelSweptDSAChannel :: Measure"});
+  EXPECT_EQ(Reports.Take(), (Messages{"Error: The sweep has more than 2048 points.  Reduce "
+                                      "Steps/decade, or sweep fewer decades.",
+                                      "Error: Index overrun in ZelSweptDSAChannel :: Measure"}));
 }
 
-TEST_F(SweptSine, ReadsBetweenPointsAndFromMemoriesOfAnotherRange) {
-  RunToTheEnd();
-  EXPECT_TRUE(Sweep.StoreData(1));
-  const double stored = Sweep.GainAt(1, 2.0);
-  Sweep.SetFreqRange(2.0, 4.0);
-  RunToTheEnd();
-  EXPECT_EQ(Sweep.DataRange(0).Low, 2.0);
-  EXPECT_EQ(Sweep.DataRange(1).Low, 1.0);
-  EXPECT_EQ(Sweep.GainAt(1, 2.0), stored);
-  // Interpolated on the logarithm: 1e-3 dB is the curvature between two of 25 points a decade.
-  EXPECT_NEAR(stored, Sweep.GainAt(0, 2.0), 1e-3);
-  EXPECT_NEAR(Sweep.IndexAt(1, std::sqrt(Sweep.PointFrequency(1, 3) * Sweep.PointFrequency(1, 4))),
-              3.5, 1e-9);
-
-  Sweep.SetVisible(true);
-  EXPECT_TRUE(Sweep.TraceAt(1).Enabled);
-  Sweep.SetVisible(false);
-  EXPECT_FALSE(Sweep.TraceAt(0).Enabled || Sweep.TraceAt(1).Enabled);
-  EXPECT_FALSE(Sweep.HasData(1));
-  EXPECT_EQ(Reports.Take(), Messages{});
-}
-
-TEST_F(SweptSine, StopsByHand) {
-  Sweep.Run();
-  for (int i = 0; i < 100; ++i) Advance();
-  EXPECT_NE(Sweep.Excitation(Model.Time()), 0.0);
-  Sweep.Halt();
-  EXPECT_FALSE(Sweep.Measuring());
-  EXPECT_EQ(Sweep.SweepState(), State::Idle);
-  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
-  Sweep.SetOffset(3.0);
-  EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
-}
-
-TEST_F(SweptSine, StartsFromTheDialogsTextsAndRefusesSettingsOutOfRange) {
-  const ZelSweptDSA fresh(Model.Bench(), "Fresh");
-  EXPECT_FALSE(fresh.Visible());
-  EXPECT_EQ(fresh.FreqMin(), 0.2);
-  EXPECT_EQ(fresh.FreqMax(), 10.0);
-  const std::vector<std::pair<std::function<void()>, std::string>> refused = {
-      {[&] { Sweep.SetFreqMin(-1.0); }, "Attempt to set SweptDSA FreqMin <= 0"},
-      {[&] { Sweep.SetGainScale(0.0); }, "Attempt to set SweptDSA Gain Scale <= 0"},
-      {[&] { Sweep.SetPhaseScale(0.0); }, "Attempt to set SweptDSA Phase Scale <= 0"},
-      {[&] { Sweep.SetStartFreq(0.0); }, "Attempt to set Start Frequency <= MinOrder"},
-      {[&] { Sweep.SetEndFreq(-2.0); }, "Attempt to set End Frequency <= MinOrder"},
-      {[&] { Sweep.SetTSample(0.0); }, "Attempt to set TSample < 0"},
-      {[&] { Sweep.SetStepsPerDecade(0); }, "Attempt to set Steps/Decade < 0"},
-      {[&] { Sweep.SetMeasurementTime(-1.0); }, "Attempt to set Measurement Time < 0"},
-      {[&] { Sweep.SetSettleTime(std::nan("")); }, "Attempt to set Settle Time < 0"},
-      {[&] { Sweep.SetAmplitude(-1.0); }, "Attempt to set Excitation Amplitude < 0"},
+TEST_F(SweptSine, ChecksASetupAsAWhole) {
+  using enum SetupFinding::Kind;
+  SweepSetup good;
+  good.TSample = 0.001;
+  const auto with = [&](auto member, auto value) {
+    SweepSetup setup = good;
+    setup.*member = value;
+    return setup;
   };
-  for (const auto& [set, message] : refused) {
-    set();
-    EXPECT_EQ(Reports.Take(), Messages{"Error: " + message});
+  const std::vector<std::pair<SweepSetup, SetupFinding>> cases = {
+      {with(&SweepSetup::TSample, 0.0), {Refusal, "Attempt to set TSample < 0", {}}},
+      {with(&SweepSetup::StartFreq, 0.0), {Refusal, "Attempt to set Start Frequency", {}}},
+      {with(&SweepSetup::EndFreq, 0.0), {Refusal, "Attempt to set End Frequency", {}}},
+      {with(&SweepSetup::StepsPerDecade, 0), {Refusal, "Attempt to set Steps/Decade < 0", {}}},
+      {with(&SweepSetup::StepsPerDecade, 1300), {Refusal, "The sweep has more than 2048", {}}},
+      {with(&SweepSetup::SettleTime, -1.0), {Refusal, "Attempt to set Settle Time < 0", {}}},
+      {with(&SweepSetup::MeasurementTime, -1.0), {Refusal, "Attempt to set Measurement Ti", {}}},
+      {with(&SweepSetup::Amplitude, -1.0), {Refusal, "Attempt to set Excitation Ampli", {}}},
+      {with(&SweepSetup::Averages, 1001), {Refusal, "Averages must be 1 to 1000", {}}},
+      {with(&SweepSetup::TSample, 0.0011), {Warning, "Sample Time x End Frequency > 0.01.", {}}},
+      {with(&SweepSetup::StepsPerDecade, 1200), {}},
+      {with(&SweepSetup::EndFreq, 0.5), {}},
+  };
+  for (const auto& [setup, expected] : cases) {
+    const SetupFinding found = Sweep.Check(setup);
+    EXPECT_EQ(found.What, expected.What) << found.Text;
+    EXPECT_TRUE(found.Text.starts_with(expected.Text)) << found.Text;
+    EXPECT_EQ(Sweep.Apply(setup), expected.What != Refusal);
   }
-  EXPECT_EQ(Sweep.TSample(), Tick);
-  EXPECT_EQ(Sweep.StepsPerDecade(), 25);
+  // The ends of the sweep, in either order, become the plot's.
+  EXPECT_EQ(Sweep.FreqMin(), 0.5);
+  EXPECT_EQ(Sweep.FreqMax(), 10.0);
 }
 
 TEST_F(SweptSine, AveragesWindowsInARowAtEachPoint) {

@@ -1,0 +1,246 @@
+// What an analyser makes of its records: averages, memories, set-ups, cursors and searches.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "core/constant.h"
+#include "instruments/analyser/auto_find.h"
+#include "instruments/analyser/cursor_reading.h"
+#include "instruments/analyser/excitation.h"
+#include "instruments/analyser/margins.h"
+#include "instruments/analyser/shown_responses_csv.h"
+#include "instruments/fft_bench.h"
+#include "instruments/sweep/swept_sine_analyser.h"
+
+namespace torvane {
+namespace {
+
+using test::Messages;
+
+class AnalyserMemory : public testing::Test, protected test::FftBench {};
+
+TEST_F(AnalyserMemory, IsKeptUntilTheRecordChangesItsMeasure) {
+  EXPECT_FALSE(Xfer.StoreData(1));
+  EXPECT_EQ(Reports.Take(), Messages{"Note: There is no measurement to store."});
+  TakeRecord(Impulse, One);
+  const double before = Xfer.Output()->Gain(0, 0);
+  EXPECT_TRUE(Xfer.StoreData(2));
+  Xfer.SetShown(2, false);
+  EXPECT_TRUE(Xfer.StoreData(2));
+  EXPECT_TRUE(Xfer.TraceAt(2).Shown);
+  TakeRecord(Impulse, Zero);
+  EXPECT_EQ(Xfer.ResponseGain(0, 0.0), -200.0);
+  EXPECT_EQ(Xfer.ResponseGain(2, 0.0), before);
+  EXPECT_TRUE(Xfer.Excited(2, 3));
+  Xfer.Run();
+  Xfer.SetTSample(Period);
+  Xfer.SetOrder(4);
+  EXPECT_TRUE(Xfer.Measuring() && Xfer.HasData(2));
+  Xfer.SetOrder(3);
+  EXPECT_FALSE(Xfer.Measuring() || Xfer.HasData(0) || Xfer.HasData(2));
+  EXPECT_EQ(Xfer.NextTime(), -1.0);
+  EXPECT_TRUE(Xfer.TraceAt(0).Enabled);
+}
+
+TEST_F(AnalyserMemory, TakesAResponseFromElsewhere) {
+  Xfer.LoadMemory(2, {{1.0, -3.0, 300.0}, {100.0, -7.0, -400.0, 0.5, false}}, "bench.csv");
+  Xfer.LoadMemory(0, {{1.0, -3.0, 0.0}}, "no memory");
+  EXPECT_FALSE(Xfer.HasData(0));
+  EXPECT_EQ(Xfer.GainRead(2, 10.0), -5.0);
+  EXPECT_EQ(Xfer.PhaseRead(2, 1.0), -60.0);
+  EXPECT_EQ(Xfer.PhaseRead(2, 100.0), -40.0);
+  EXPECT_FALSE(Xfer.GainRead(2, 101.0));
+  EXPECT_TRUE(Xfer.HasCoherence(2) && Xfer.Excited(2, 0) && !Xfer.Excited(2, 1));
+  EXPECT_EQ(Xfer.Coherence(2, 1), 0.5);
+  // It has nothing to do with the records' length.
+  Xfer.SetOrder(3);
+  EXPECT_TRUE(Xfer.HasData(2) && Xfer.TraceAt(2).Shown);
+  EXPECT_EQ(Xfer.LoadedFrom(2), "bench.csv");
+  TakeRecord(One, One);
+  EXPECT_TRUE(Xfer.StoreData(2));
+  EXPECT_EQ(Xfer.LoadedFrom(2), "");
+}
+
+TEST_F(AnalyserMemory, AveragesRecordsThatGoOnFromEachOther) {
+  // The output is twice the input, with a disturbance of the same size on it.
+  Xfer.SetAverages(200);
+  RandomSequence drawn;
+  std::minstd_rand disturbance;
+  Xfer.Run();
+  Steps(-2, 0, Zero, Zero);
+  for (int n = 0; n < 200 * 16; ++n) {
+    EXPECT_NEAR(Xfer.Progress(), n / 3200.0, 1e-12);
+    const double next = drawn.Uniform(1.0, 0.0);
+    Step(next, next + (disturbance() % 2 == 0 ? 0.25 : -0.25));
+    EXPECT_EQ(Xfer.Excitation(Model.Bench().Time()), next);
+  }
+  EXPECT_FALSE(Xfer.Measuring());
+  EXPECT_EQ(Xfer.Progress(), 1.0);
+  ASSERT_TRUE(Xfer.HasCoherence(0));
+  for (int bin = 1; bin < 8; ++bin) {
+    // Power of the response to that of the disturbance: 1/12 to 1/16. Averages of 200 scatter by a
+    // fifteenth.
+    EXPECT_NEAR(Xfer.ResponseGain(0, bin), 20.0 * std::log10(2.0), 0.6) << bin;
+    EXPECT_NEAR(Xfer.ResponsePhase(0, bin), 0.0, 5.0) << bin;
+    EXPECT_NEAR(Xfer.Coherence(0, bin), 4.0 / 7.0, 0.12) << bin;
+    EXPECT_TRUE(Xfer.Excited(0, bin));
+  }
+  EXPECT_TRUE(Xfer.StoreData(1));
+  EXPECT_EQ(Xfer.Coherence(1, 3), Xfer.Coherence(0, 3));
+  // Stopped by hand, the records that are whole make the average.
+  Xfer.SetAverages(3);
+  Xfer.Run();
+  Steps(-2, 20, Impulse, Impulse);
+  Xfer.Halt();
+  EXPECT_TRUE(Xfer.HasData(0));
+  EXPECT_NEAR(Xfer.ResponseGain(0, 3), 20.0 * std::log10(2.0), 1e-5);  // single precision
+  // In spectrum mode, powers: of 2 and of 4 the root of 10.
+  Xfer.SetSpectrum(true);
+  Xfer.SetAverages(2);
+  Xfer.Run();
+  Steps(-2, 16, Zero, ImpulseAt(8));
+  Steps(0, 16, Zero, ImpulseAt(8, 0.5));
+  EXPECT_NEAR(Xfer.ResponseGain(0, 3), 10.0 * std::log10(10.0), 1e-5);
+}
+
+TEST_F(AnalyserMemory, WarnsOfWhatMakesAMeasurementLessTrustworthy) {
+  Xfer.SetAmplitude(0.0);
+  TakeRecord(One, One);
+  EXPECT_FALSE(Xfer.Excited(0, 3));
+  EXPECT_FALSE(Xfer.HasCoherence(0));
+  EXPECT_EQ(Xfer.Warnings().size(), 1U);
+  Xfer.SetTEndDelay(Period);
+  ZelSweptDSA sweep(Model.Bench(), "Sweep");
+  Xfer.Run();
+  EXPECT_TRUE(Xfer.Warnings().empty());
+  sweep.Run();
+  EXPECT_EQ(Xfer.Warnings().size(), 1U);
+  EXPECT_EQ(sweep.Warnings().at(0).substr(0, 26), "Two analysers measure at o");
+}
+
+TEST_F(AnalyserMemory, OffersSetups) {
+  Xfer.AddSetup("Back", "Out", "In");
+  Xfer.AddSetup("Back+180", "Out", "In", 180.0);
+  EXPECT_EQ(Xfer.CurrentSetup(), -1);
+  TakeRecord(One, One);
+  // A gain of a half, turned by half a turn; 180 reads as -180.
+  for (const int setup : {1, 0}) {
+    EXPECT_TRUE(Xfer.SelectSetup(setup));
+    EXPECT_EQ(Xfer.CurrentSetup(), setup);
+    EXPECT_EQ(Xfer.ResponsePhase(0, 0.0), setup == 1 ? -180.0 : 0.0);
+  }
+  EXPECT_EQ(Reports.Take(), Messages{});
+  Xfer.AddSetup("No", "In", "vQ");
+  Xfer.AddSetup("No", "Hidden", "In");
+  Xfer.SelectSetup(2);
+  EXPECT_EQ(Reports.Take(),
+            (Messages{"Error: Call to Set Xfer Channel with unknown output channel: vQ",
+                      "Error: Call to Set Xfer Channel with with unknown input channel: Hidden",
+                      "Error: Call to Enable Xfer Channel Button with Illegal Value"}));
+}
+
+/// A memory with a straight fall of 20 dB a decade from 10 to 1000 Hz on a plot of 201 columns, a
+/// hundred a decade, with a phase that goes from -60 to -160 degrees.
+class ResponseCursors : public AnalyserMemory {
+ protected:
+  ResponseCursors() {
+    Xfer.SetFreqRange(10.0, 1000.0);
+    Xfer.LoadMemory(1, {{10.0, 5.0, -60.0}, {1000.0, -35.0, -160.0}}, "line");
+    Xfer.SetCursorSlot(1);
+  }
+  static constexpr int Width = 200;
+};
+
+TEST_F(ResponseCursors, ReadWhereTheyStand) {
+  EXPECT_TRUE(ReadResponseCursors(Xfer, Width).Points.empty());
+  Xfer.SetCursors(ZelXfer::CursorMode::Two);
+  Xfer.SetCursorPixel(0, 0);
+  Xfer.SetCursorPixel(1, 100);
+  const ResponseCursorReading reading = ReadResponseCursors(Xfer, Width);
+  ASSERT_EQ(reading.Points.size(), 2U);
+  EXPECT_EQ(reading.Points[0].Gain, 5.0);
+  EXPECT_NEAR(reading.Points[1].Hz, 100.0, 1e-9);
+  EXPECT_NEAR(*reading.Points[1].Phase, -110.0, 1e-9);
+  EXPECT_NEAR(reading.Difference->Hz, 90.0, 1e-9);
+  EXPECT_NEAR(*reading.Difference->Gain, -20.0, 1e-9);
+  EXPECT_NEAR(*reading.Difference->Phase, -50.0, 1e-9);
+  EXPECT_NEAR(*reading.Slope, -20.0, 1e-9);
+  Xfer.SetShown(1, false);
+  EXPECT_FALSE(ReadResponseCursors(Xfer, Width).Points[0].Gain);
+  EXPECT_FALSE(ReadResponseCursors(Xfer, Width).Difference->Gain);
+  EXPECT_EQ(ShownResponsesCsv(Xfer), "Frequency,Gain,Phase\n");
+  Xfer.SetShown(1, true);
+  Xfer.LoadMemory(2, {{10.0, 1.0, 2.0}, {11.0, 1.0, 2.0}}, "short");
+  EXPECT_EQ(ShownResponsesCsv(Xfer),
+            "Frequency,Gain,Phase,Memory 2 Gain,Memory 2 Phase\n"
+            "10,5,-60,1,2\n1000,-35,-160,,\n");
+  Xfer.LoadMemory(1, {{10.0, 5.0, -60.0, 0.5}}, "line");
+  EXPECT_EQ(ShownResponsesCsv(Xfer),
+            "Frequency,Gain,Phase,Coherence,Memory 2 Gain,Memory 2 Phase\n10,5,-60,0.5,1,2\n");
+}
+
+TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
+  const struct {
+    const char* What;
+    int Cursors, First, Second;
+    int Then;  // where the first cursor stands afterwards
+    const char* Note;
+  } cases[] = {
+      {"-2.9 dB", 1, 0, 0, 40, ""},
+      {"-3.1DB", 1, 50, 0, 41, ""},  // from the beginning again
+      {"-109.9 deg", 1, 0, 0, 100, ""},
+      {"-109.9 deg", 2, 90, 120, 100, ""},
+      {"gain MAX", 1, 50, 0, 0, ""},
+      {"Gain Min", 1, 0, 0, 196, ""},
+      {"-100 dB", 1, 7, 0, 7, "Note: Could not find -100 dB on screen"},
+      {"-3 dB", 2, 100, 50, 100, "Note: Could not find -3 dB between cursors"},
+      {"Gain Max", 2, 70, 50, 70, "Note: Gain Maximum at Cursor2"},
+      {"Gain Min", 2, 70, 50, 70, "Note: Gain Minimum at Cursor1"},
+      {"-3 dB", 2, 50, 50, 50,
+       "Note: Cursors are in same position.\nMove one cursor or configure screen for one cursor."},
+      {"Phase", 1, 3, 0, 3, "Note: Cannot read Autofind selection"},
+      {"any dB", 1, 3, 0, 3, "Note: Cannot read Autofind selection"},
+      {"-3 dB", 0, 3, 0, 3, ""},
+  };
+  for (const auto& [what, cursors, first, second, then, note] : cases) {
+    Xfer.SetFindType(what);
+    Xfer.SetCursors(static_cast<ZelXfer::CursorMode>(cursors));
+    Xfer.SetCursorPixel(0, first);
+    Xfer.SetCursorPixel(1, second);
+    AutoFind(Xfer, Width);
+    EXPECT_EQ(Xfer.CursorPixel(0), then) << what << " from " << first;
+    EXPECT_EQ(Reports.Take(), *note ? Messages{note} : Messages{}) << what;
+  }
+  Xfer.SetCursors(ZelXfer::CursorMode::One);
+  Xfer.SetShown(1, false);
+  AutoFind(Xfer, Width);
+  EXPECT_EQ(Reports.Take(), Messages{"Note: Cursor waveform is not showing"});
+}
+
+TEST_F(AnalyserMemory, SaysWhenAndWithWhichConstantsItWasTaken) {
+  Constant gain(Model.Bench(), "KP", "", 1.0, 0.0, 10.0);
+  Constant other(Model.Bench(), "KI", "", 7.0, 0.0, 10.0);
+  Model.Bench().AdvanceTime(1.25);
+  const TraceOrigin one = OriginNow(Model.Bench());
+  gain.Set(2.0);
+  const TraceOrigin two = OriginNow(Model.Bench());
+  EXPECT_EQ(OriginText(one, {&one, &two}), "at 1.25 s, KP = 1");
+  EXPECT_EQ(OriginText(two, {&two}), "at 1.25 s");
+}
+
+TEST_F(AnalyserMemory, HasTheMarginsOfItsResponse) {
+  // An integrator of 0 dB at 10 Hz behind 45 degrees of lag, and the same closed.
+  ResponseCurve open;
+  for (double hz = 1.0; hz < 100.0; hz *= 1.05) {
+    open.push_back({hz, -20.0 * std::log10(hz / 10.0), -135.0});
+  }
+  Xfer.LoadMemory(1, open, "open");
+  MarginReader reader;
+  EXPECT_NEAR(reader.Read(Xfer, 1, false).SmallestPhaseMargin()->Value, 45.0, 1e-9);
+  EXPECT_NEAR(reader.Read(Xfer, 1, false).SmallestPhaseMargin()->Hz, 10.0, 1e-3);
+}
+
+}  // namespace
+}  // namespace torvane
