@@ -82,6 +82,8 @@ const bool registered = [] {
       {"scope_and_swept_sine", {.Scope = Traces::One, .Analysers = {SweptSine}}},
       {"scope_and_both_analysers", {.Scope = Traces::One, .Analysers = {FftAnalyser, SweptSine}}},
       {"scope_and_1_meter", {.Scope = Traces::One, .Meters = 1}},
+      {"scope_and_5_meters", {.Scope = Traces::One, .Meters = 5}},
+      {"scope_and_10_meters", {.Scope = Traces::One, .Meters = 10}},
       {"scope_and_15_meters", {.Scope = Traces::One, .Meters = 15}},
   };
   for (const auto& [name, watchers] : rows) {
