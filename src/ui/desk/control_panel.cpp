@@ -17,6 +17,7 @@
 #include "core/text.h"
 #include "models/catalogue.h"
 #include "ui/desk/arrangement.h"
+#include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/splash.h"
 #include "ui/desk/view_menu.h"
@@ -72,6 +73,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   new ControlHelp(this);
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
+  new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *text_);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScreen>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace torvane {
@@ -83,15 +84,29 @@ TZelModelTextF::TZelModelTextF(QWidget* parent)
 
 void TZelModelTextF::ShowModel(const QString& modelName, const QString& file,
                                const DataFolder& folder) {
-  setWindowTitle(QStringLiteral("More about Model \"%1\"").arg(modelName));
   const QString path = folder.Find(file);
   QFile source(path);
+  QString text;
   if (path.isEmpty()) {
-    text_->setPlainText(folder.MissingText(file));
+    text = folder.MissingText(file);
   } else if (source.open(QIODevice::ReadOnly | QIODevice::Text)) {
-    text_->setPlainText(QString::fromUtf8(source.readAll()));
+    text = QString::fromUtf8(source.readAll());
   } else {
-    text_->setPlainText(QStringLiteral("Cannot read \"%1\": %2").arg(path, source.errorString()));
+    text = QStringLiteral("Cannot read \"%1\": %2").arg(path, source.errorString());
+  }
+  ShowText(QStringLiteral("More about Model \"%1\"").arg(modelName), text);
+}
+
+// A short text leaves sight of the instruments, in the corner where there are fewest.
+void TZelModelTextF::ShowText(const QString& title, const QString& text) {
+  setWindowTitle(title);
+  text_->setPlainText(text);
+  const int lines = static_cast<int>(text.count(u'\n')) + 4;
+  const QSize fitting(TextWindow.width(), text_->fontMetrics().lineSpacing() * lines);
+  resize(fitting.boundedTo(TextWindow).boundedTo(screen()->availableSize() * 0.9));
+  if (!isVisible()) {
+    const QPoint bar(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    move(parentWidget()->window()->geometry().bottomRight() - rect().bottomRight() - bar);
   }
   ShowAbove(*this);
 }

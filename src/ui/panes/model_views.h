@@ -32,6 +32,8 @@ class TZelModelTextF : public QDialog {
  public:
   explicit TZelModelTextF(QWidget* parent);
   void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
+  /// Shows another text about a model.
+  void ShowText(const QString& title, const QString& text);
 
  private:
   QPlainTextEdit* text_;
