@@ -295,10 +295,11 @@ TEST_F(ControlPanelTest, EveryCommandThatShowsWorks) {
       if (!action->objectName().isEmpty() && !action->menu()) commands << action->objectName();
     }
   }
-  EXPECT_EQ(commands.join(" ").toStdString(),
-            "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
-            "MIUndo MIRedo MIRunStop MIThemeSystem MIThemeLight MIThemeDark MIColoursApart "
-            "MILinePatterns MIAddMeter MIFillScreen MICapture MIWideCapture MIWhatsThis MIAbout");
+  EXPECT_EQ(
+      commands.join(" ").toStdString(),
+      "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
+      "MIUndo MIRedo MIRunStop MIThemeSystem MIThemeLight MIThemeDark MIColoursApart "
+      "MILinePatterns MIAddMeter MIFillScreen MICapture MIWideCapture MIGuide MIWhatsThis MIAbout");
   EXPECT_EQ(Find<QAction>("MIUndo").shortcut(), QKeySequence("Ctrl+Z"));
   EXPECT_EQ(Find<QAction>("MIRedo").shortcut(), QKeySequence("Ctrl+Y"));
 }

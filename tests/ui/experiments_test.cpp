@@ -45,5 +45,11 @@ TEST_F(ExperimentsTest, SetTheModelUpFromItsDefaults) {
   EXPECT_EQ(Panel->windowTitle(), "Torvane--Melkorin, 2nd Edition");
 }
 
+TEST_F(ExperimentsTest, TheGuideOpensFromTheMenu) {
+  Trigger("MIGuide");
+  EXPECT_TRUE(Find<QWidget>("GuideF").isVisible());
+  EXPECT_TRUE(Find<QTextEdit>("TBGuide").toPlainText().startsWith("Guide\nHalf an hour"));
+}
+
 }  // namespace
 }  // namespace torvane::test

@@ -23,6 +23,7 @@
 #include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
 #include "ui/panes/analyser/analyser_window.h"
+#include "ui/panes/guide_window.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"
@@ -70,7 +71,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   ui_->setupUi(this);
   setAcceptDrops(true);
   new WheelGuard(this);
-  new ControlHelp(this);
+  new ControlHelp(this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *text_);
@@ -164,6 +165,7 @@ void TZelControlPanelF::ConnectControls() {
   QAction* whatsThis = QWhatsThis::createAction(this);
   whatsThis->setObjectName(QStringLiteral("MIWhatsThis"));
   ui_->MHelp->insertAction(ui_->MIAbout, whatsThis);
+  connect(ui_->MIGuide, &QAction::triggered, this, &TZelControlPanelF::ShowGuide);
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }
@@ -346,6 +348,13 @@ void TZelControlPanelF::ResetVariables() {
 
 void TZelControlPanelF::RestoreDefaults() {
   Model()->RestoreDefaults();
+}
+
+void TZelControlPanelF::ShowGuide() {
+  if (!guide_) guide_ = new GuideF(data_, this);
+  guide_->show();
+  guide_->raise();
+  guide_->activateWindow();
 }
 
 void TZelControlPanelF::ShowAbout() {

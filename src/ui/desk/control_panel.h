@@ -17,6 +17,7 @@ namespace torvane {
 class FileCommands;
 class InstrumentPane;
 class TZelModelPictureF;
+class GuideF;
 class TZelModelTextF;
 class ViewMenu;
 
@@ -86,6 +87,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void CopyCapture(const QSize& proportions);
   void ResetVariables();
   void RestoreDefaults();
+  void ShowGuide();
   void ShowAbout();
 
   void SetCaption(UndoItem item, const std::string& caption) override;
@@ -101,6 +103,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   ViewMenu* view_;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
+  GuideF* guide_ = nullptr;  // until it is asked for
   std::unique_ptr<FileCommands> files_;
   int frames_ = 0;
 };

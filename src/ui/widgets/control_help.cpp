@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QWhatsThis>
 #include <QWidget>
+#include <utility>
 
 #include "ui/widgets/help_texts.h"
 
@@ -20,21 +21,24 @@ const char* TextFor(const QWidget& control) {
   return HelpText(name);
 }
 
-// The sentence of the control in the focus, or of what it is a part of; without one the pointer
-// asks for a control.
-void ShowHelp() {
+// The sentence of the control in the focus, or of what it is a part of; without one, in a box the
+// pointer asks for a control. False where neither is the case.
+bool ShowHelp() {
   for (QWidget* control = QApplication::focusWidget(); control; control = control->parentWidget()) {
     if (control->whatsThis().isEmpty()) continue;
     QWhatsThis::showText(control->mapToGlobal(control->rect().bottomLeft()), control->whatsThis(),
                          control);
-    return;
+    return true;
   }
+  if (!QApplication::activeModalWidget()) return false;
   QWhatsThis::enterWhatsThisMode();
+  return true;
 }
 
 }  // namespace
 
-ControlHelp::ControlHelp(QObject* parent) : QObject(parent) {
+ControlHelp::ControlHelp(QObject* parent, std::function<void()> otherwise)
+    : QObject(parent), otherwise_(std::move(otherwise)) {
   QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -51,7 +55,7 @@ bool ControlHelp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
     const auto& key = static_cast<const QKeyEvent&>(*event);
     if (key.key() == Qt::Key_F1 && key.modifiers() == Qt::NoModifier) {
-      ShowHelp();
+      if (!ShowHelp()) otherwise_();
       return true;
     }
   }

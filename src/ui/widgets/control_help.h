@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QObject>
-
-class QAction;
+#include <functional>
 
 namespace torvane {
 
@@ -10,11 +9,15 @@ namespace torvane {
 /// shows it: of the control that has the focus on F1, of any other after the action for that.
 class ControlHelp : public QObject {
  public:
-  /// Watches the whole application.
-  explicit ControlHelp(QObject* parent);
+  /// Watches the whole application. What F1 does where no control with a sentence has the focus and
+  /// no box is open is given.
+  ControlHelp(QObject* parent, std::function<void()> otherwise);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  std::function<void()> otherwise_;
 };
 
 }  // namespace torvane
