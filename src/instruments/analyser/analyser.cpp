@@ -45,7 +45,7 @@ bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name
       [&] {
         chosen = channel;
         phaseAdd_ = 0.0;
-        needsRedraw_ = true;
+        MarkStale();
       },
       [&] { return SettingCaption(what, name); });
   return true;
@@ -83,7 +83,7 @@ bool FrequencyAnalyser::SelectSetup(int index) {
         input_ = FindChannel(setup.Input);
         output_ = FindChannel(setup.Output);
         phaseAdd_ = setup.PhaseAdd;
-        needsRedraw_ = true;
+        MarkStale();
       },
       [&] { return SettingCaption("Channels", setup.Name); });
   return true;
@@ -119,12 +119,12 @@ double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const
   return ((k + 1) - index) * value(k) + (index - k) * value(k + 1);
 }
 
-double FrequencyAnalyser::GainOf(int slot, int index) {
+double FrequencyAnalyser::MeasuredGain(int slot, int index) const {
   return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Gain)
                         : Difference(&AnalyserChannel::Gain, slot, index);
 }
 
-double FrequencyAnalyser::PhaseOf(int slot, int index) {
+double FrequencyAnalyser::MeasuredPhase(int slot, int index) const {
   return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Phase)
                         : WrappedPhase(slot, index);
 }
@@ -203,7 +203,7 @@ void FrequencyAnalyser::TakeOrigin() {
 
 void FrequencyAnalyser::EnableTrace(int slot) {
   Trace& trace = traces_[static_cast<std::size_t>(slot)];
-  needsRedraw_ = true;
+  MarkStale();
   if (trace.Enabled) return;
   trace = {true, true};
   TellSettingsChanged();
@@ -219,8 +219,13 @@ double FrequencyAnalyser::LimitExcitation(double value, double amplitude, double
   return value > upper || value < lower ? upper : value;
 }
 
-void FrequencyAnalyser::Changed() {
+void FrequencyAnalyser::MarkStale() {
   needsRedraw_ = true;
+  derived_.Forget();
+}
+
+void FrequencyAnalyser::Changed() {
+  MarkStale();
   TellSettingsChanged();
 }
 

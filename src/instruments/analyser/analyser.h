@@ -9,7 +9,9 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/analyser/derived_responses.h"
 #include "instruments/analyser/response_curve.h"
+#include "instruments/analyser/response_view.h"
 #include "instruments/analyser/setup_finding.h"
 #include "instruments/analyser/trace_origin.h"
 #include "instruments/setting_caption.h"
@@ -74,6 +76,9 @@ class FrequencyAnalyser : public Instrument {
   /// The same at a bin or point itself.
   double GainOf(int slot, int index);
   double PhaseOf(int slot, int index);
+  /// As it was measured, whatever the view makes of it.
+  double MeasuredGain(int slot, int index) const;
+  double MeasuredPhase(int slot, int index) const;
 
   /// The response is the output's alone.
   virtual bool OutputOnly() const { return false; }
@@ -106,6 +111,18 @@ class FrequencyAnalyser : public Instrument {
   /// no phase between two points on either side of a wrap.
   std::optional<double> GainRead(int slot, double hz);
   std::optional<double> PhaseRead(int slot, double hz);
+
+  /// Which plot is shown, and what of the responses; all that is read of them follows. A spectrum
+  /// is shown as it is.
+  const ResponseView& View() const { return responseView_; }
+  void SetView(const ResponseView& view);
+  /// What the view shows of a slot that has data, until data or view change.
+  const DerivedResponse& ShownResponse(int slot);
+  /// The lower plot shows group delay instead of phase.
+  bool ShowsDelay() const { return responseView_.GroupDelay && !OutputOnly(); }
+  /// Group delay in seconds at a bin or point, and at a frequency; while it is shown.
+  double DelayOf(int slot, int index);
+  std::optional<double> DelayRead(int slot, double hz);
 
   /// The share of the measurement in progress, or of the last one, that has been taken, 0 to 1.
   virtual double Progress() const = 0;
@@ -143,6 +160,8 @@ class FrequencyAnalyser : public Instrument {
   double FreqMax() const { return freqMax_; }
   /// Frequency at a share of the axis, 0 at its low end and 1 at its high end.
   double AxisFrequency(double share) const;
+  /// The other way round.
+  double AxisShare(double hz) const;
   /// Scales per division (dB, degrees), always positive; offsets in dB and degrees.
   double GainScale() const { return gainScale_; }
   double GainOffset() const { return gainOffset_; }
@@ -223,7 +242,7 @@ class FrequencyAnalyser : public Instrument {
     Change(
         [&] {
           setting = value;
-          needsRedraw_ = true;
+          MarkStale();
         },
         [&] { return SettingCaption(name, setting); });
   }
@@ -274,8 +293,12 @@ class FrequencyAnalyser : public Instrument {
   double Interpolate(int slot, double index, Value value) const;
   bool Choose(AnalyserChannel*& chosen, const std::string& name, const char* what);
   bool Readable(int slot, double hz) const;
+  const DerivedResponse* DerivedAt(int slot);
+  /// What is drawn has changed.
+  void MarkStale();
   bool LoadChoice(const Record& record);
   bool LoadAxis(const Record& record);
+  bool LoadView(const std::string& keyword, int value);
   void SetPositive(double& setting, double value, const char* what);
 
   std::string label_;
@@ -298,6 +321,8 @@ class FrequencyAnalyser : public Instrument {
   std::array<int, 2> cursorPixel_{10, 20};
   int cursorSlot_ = 0;
   bool splitScreen_ = true;
+  ResponseView responseView_;
+  DerivedResponses derived_;
   std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
   std::optional<double> fileFreqMax_;
   bool needsRedraw_ = false;

@@ -85,6 +85,10 @@ double FrequencyAnalyser::AxisFrequency(double share) const {
   return freqMin_ * std::pow(freqMax_ / freqMin_, share);
 }
 
+double FrequencyAnalyser::AxisShare(double hz) const {
+  return std::log(hz / freqMin_) / std::log(freqMax_ / freqMin_);
+}
+
 void FrequencyAnalyser::SetGainScale(double scale) {
   SetPositive(gainScale_, scale, "Gain Scale");
 }

@@ -1,5 +1,6 @@
 // The records that both analysers have in a model file.
 
+#include <algorithm>
 #include <array>
 
 #include "core/files/record.h"
@@ -21,6 +22,17 @@ constexpr std::array Scales{
     Number{"PhaseScale", &FrequencyAnalyser::PhaseScale, &FrequencyAnalyser::SetPhaseScale},
     Number{"PhaseOffset", &FrequencyAnalyser::PhaseOffset, &FrequencyAnalyser::SetPhaseOffset},
 };
+
+struct ViewSwitch {
+  const char* Keyword;
+  bool ResponseView::*On;
+};
+constexpr std::array ViewSwitches{
+    ViewSwitch{"OpenLoop", &ResponseView::OpenLoop},
+    ViewSwitch{"Unwrapped", &ResponseView::Unwrapped},
+    ViewSwitch{"GroupDelay", &ResponseView::GroupDelay},
+};
+constexpr int LastPlot = static_cast<int>(ResponsePlot::Nichols);
 
 std::string NumberedKeyword(const char* keyword, std::size_t number) {
   return keyword + std::to_string(number);
@@ -85,6 +97,8 @@ void FrequencyAnalyser::SaveMore(RecordWriter& writer) const {
   }
   write("CursorTrace", cursorSlot_);
   write("SplitScreen", splitScreen_);
+  write("Plot", static_cast<int>(responseView_.Plot));
+  for (const ViewSwitch& view : ViewSwitches) write(view.Keyword, responseView_.*view.On);
   for (std::size_t i = 0; i < traces_.size(); ++i) {
     write(NumberedKeyword("Shown", i), traces_[i].Shown);
   }
@@ -103,6 +117,7 @@ bool FrequencyAnalyser::LoadMore(const std::string& keyword, int value) {
       return true;
     }
   }
+  if (LoadView(keyword, value)) return true;
   if (keyword == "Cursors") {
     SetCursors(static_cast<CursorMode>(value));
   } else if (keyword == "CursorTrace") {
@@ -113,6 +128,22 @@ bool FrequencyAnalyser::LoadMore(const std::string& keyword, int value) {
     return false;
   }
   return true;
+}
+
+bool FrequencyAnalyser::LoadView(const std::string& keyword, int value) {
+  ResponseView view = responseView_;
+  if (keyword == "Plot") {
+    view.Plot = static_cast<ResponsePlot>(std::clamp(value, 0, LastPlot));
+    SetView(view);
+    return true;
+  }
+  for (const ViewSwitch& one : ViewSwitches) {
+    if (keyword != one.Keyword) continue;
+    view.*one.On = value != 0;
+    SetView(view);
+    return true;
+  }
+  return false;
 }
 
 bool FrequencyAnalyser::LoadChoice(const Record& record) {

@@ -21,17 +21,20 @@ ResponseCursorReading ReadResponseCursors(FrequencyAnalyser& analyser, int plotW
     CursorPoint point{
         analyser.AxisFrequency(static_cast<double>(analyser.CursorPixel(cursor)) / plotWidth),
         {},
+        {},
         {}};
     if (shown) {
       point.Gain = analyser.GainRead(slot, point.Hz);
       point.Phase = analyser.PhaseRead(slot, point.Hz);
+      point.Delay = analyser.DelayRead(slot, point.Hz);
     }
     reading.Points.push_back(point);
   }
   if (reading.Points.size() < 2) return reading;
   const CursorPoint& one = reading.Points[0];
   const CursorPoint& two = reading.Points[1];
-  reading.Difference = {two.Hz - one.Hz, Change(one.Gain, two.Gain), Change(one.Phase, two.Phase)};
+  reading.Difference = {two.Hz - one.Hz, Change(one.Gain, two.Gain), Change(one.Phase, two.Phase),
+                        Change(one.Delay, two.Delay)};
   if (reading.Difference->Gain && two.Hz != one.Hz) {
     reading.Slope = *reading.Difference->Gain / std::log10(two.Hz / one.Hz);
   }

@@ -7,11 +7,13 @@
 
 namespace torvane {
 
-/// A response at one frequency, Hz, dB and degrees; nothing where there is none.
+/// A response at one frequency, Hz, dB, degrees and seconds; nothing where there is none. Delay is
+/// read where it is shown.
 struct CursorPoint {
   double Hz = 0.0;
   std::optional<double> Gain;
   std::optional<double> Phase;
+  std::optional<double> Delay;
 };
 
 /// What an analyser's cursors say of the trace that they read.

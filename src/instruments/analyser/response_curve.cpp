@@ -5,6 +5,7 @@
 #include <complex>
 
 #include "instruments/analyser/analyser.h"
+#include "instruments/analyser/curve_part.h"
 #include "instruments/analyser/response_reading.h"
 
 namespace torvane {
@@ -12,11 +13,16 @@ namespace torvane {
 void ReadCurve(FrequencyAnalyser& analyser, int slot, ResponseCurve& curve) {
   curve.clear();
   if (!analyser.HasData(slot)) return;
-  const FrequencyAnalyser::Indices indices = analyser.Points(slot);
-  curve.reserve(static_cast<std::size_t>(std::max(0, indices.End - indices.First)));
-  for (int i = indices.First; i < indices.End; ++i) {
-    const double gain = analyser.ResponseGain(slot, i);
-    curve.push_back({analyser.PointHz(slot, i), gain, analyser.ResponsePhase(slot, i),
+  ReadCurvePart(analyser, slot, analyser.Points(slot), curve);
+}
+
+void ReadCurvePart(FrequencyAnalyser& analyser, int slot, FrequencyAnalyser::Indices points,
+                   ResponseCurve& curve) {
+  curve.clear();
+  curve.reserve(static_cast<std::size_t>(std::max(0, points.End - points.First)));
+  for (int i = points.First; i < points.End; ++i) {
+    const double gain = analyser.MeasuredGain(slot, i);
+    curve.push_back({analyser.PointHz(slot, i), gain, analyser.MeasuredPhase(slot, i),
                      analyser.Coherence(slot, i), gain > NoGain && analyser.Excited(slot, i)});
   }
 }

@@ -25,8 +25,8 @@ struct ResponsePoint {
 /// A response in order of frequency, without the bin at 0 Hz.
 using ResponseCurve = std::vector<ResponsePoint>;
 
-/// What a slot of an analyser holds, phases in (-270, 90]; empty without data. The curve's memory
-/// is used again, so reading one that grows no longer allocates nothing.
+/// What a slot of an analyser holds as measured, phases in (-270, 90]; empty without data. The
+/// curve's memory is used again, so reading one that grows no longer allocates nothing.
 void ReadCurve(FrequencyAnalyser& analyser, int slot, ResponseCurve& curve);
 
 /// Adds whole turns, so that the phase never moves by more than half a turn between two points
