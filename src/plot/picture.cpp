@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "plot/plane_painter.h"
 #include "plot/response_painter.h"
 #include "plot/scope_painter.h"
 
@@ -21,11 +22,18 @@ Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel
   return {scope.Name(), paint};
 }
 
-Picture ResponsePicture(FrequencyAnalyser& analyser) {
-  const auto paint = [&analyser](QPainter& painter, const QSize& size, double ratio) {
+Picture ResponsePicture(FrequencyAnalyser& analyser, const TraceLook& look) {
+  const auto paint = [&analyser, look](QPainter& painter, const QSize& size, double ratio) {
+    const ScopeColours colours = ScopeColours::Light(look.Colours);
+    if (analyser.View().Plot != ResponsePlot::Bode) {
+      PlanePainter plane(analyser);
+      plane.Layout(size, ratio, look);
+      plane.Paint(painter, colours);
+      return;
+    }
     ResponsePainter picture(analyser);
-    picture.Layout(size, ratio);
-    picture.Paint(painter, ScopeColours::Light());
+    picture.Layout(size, ratio, look);
+    picture.Paint(painter, colours);
   };
   return {analyser.Name(), paint};
 }

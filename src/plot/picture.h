@@ -27,7 +27,7 @@ struct Picture {
 Picture ScopePicture(const ZelScope& scope, ScopeScreen screen, const ZelChannel* reference,
                      const TraceLook& look = {});
 
-/// The analyser's gain and phase; the analyser must outlive the picture.
-Picture ResponsePicture(FrequencyAnalyser& analyser);
+/// The analyser's responses in the view that it shows; the analyser must outlive the picture.
+Picture ResponsePicture(FrequencyAnalyser& analyser, const TraceLook& look = {});
 
 }  // namespace torvane

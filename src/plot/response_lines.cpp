@@ -13,22 +13,40 @@ namespace {
 
 constexpr double NoValue = std::numeric_limits<double>::quiet_NaN();
 
+double ValueOf(const DerivedResponse& response, ResponseQuantity quantity, int index) {
+  const ResponsePoint* point = response.At(index);
+  if (!point) return NoValue;
+  switch (quantity) {
+    case ResponseQuantity::Gain:
+      return point->Gain;
+    case ResponseQuantity::Phase:
+      return point->Phase;
+    case ResponseQuantity::Delay:
+      return response.DelayAt(index);
+    default:
+      return point->Coherence;
+  }
+}
+
 class LineMaker {
  public:
-  LineMaker(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity, int width)
-      : analyser_(analyser), slot_(slot), quantity_(quantity), width_(width) {}
+  LineMaker(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+            const FrequencyColumns& columns)
+      : analyser_(analyser),
+        slot_(slot),
+        quantity_(quantity),
+        columns_(columns),
+        response_(analyser.ShownResponse(slot)) {}
 
   ResponseLines Make() {
-    const FrequencyAnalyser::Indices points = analyser_.Points(slot_);
-    const int last = points.End - 1;
-    int index = points.First;
-    const double low = Frequency(-0.5);
-    while (index <= last && analyser_.PointHz(slot_, index) < low) ++index;
-    result_.Columns.assign(static_cast<std::size_t>(width_) + 1, NoValue);
-    for (int x = 0; x <= width_; ++x) {
-      const double edge = Frequency(x + 0.5);
+    const int end = response_.First + static_cast<int>(response_.Curve.size());
+    int index = response_.First;
+    while (index < end && Hz(index) < columns_.LeftEdge(0)) ++index;
+    result_.Columns.assign(static_cast<std::size_t>(columns_.Width()) + 1, NoValue);
+    for (int x = 0; x <= columns_.Width(); ++x) {
+      const double edge = columns_.RightEdge(x);
       int past = index;
-      while (past <= last && analyser_.PointHz(slot_, past) < edge) ++past;
+      while (past < end && Hz(past) < edge) ++past;
       if (past == index) {
         AddBetween(x);
       } else if (past == index + 1) {
@@ -43,47 +61,17 @@ class LineMaker {
   }
 
  private:
-  double Frequency(double column) const { return analyser_.AxisFrequency(column / width_); }
-  double ValueOf(int index) const {
-    switch (quantity_) {
-      case ResponseQuantity::Gain:
-        return analyser_.GainOf(slot_, index);
-      case ResponseQuantity::Phase:
-        return analyser_.PhaseOf(slot_, index);
-      default:
-        return analyser_.Coherence(slot_, index);
-    }
-  }
-
-  std::optional<double> ReadAt(double hz) const {
-    switch (quantity_) {
-      case ResponseQuantity::Gain:
-        return analyser_.GainRead(slot_, hz);
-      case ResponseQuantity::Phase:
-        return analyser_.PhaseRead(slot_, hz);
-      default:
-        return CoherenceAt(hz);
-    }
-  }
-
-  std::optional<double> CoherenceAt(double hz) const {
-    const FrequencyAnalyser::Range range = analyser_.DataRange(slot_);
-    if (hz < range.Low || hz > range.High) return std::nullopt;
-    const double index = analyser_.IndexAt(slot_, hz);
-    const int below = static_cast<int>(index);
-    const double share = index - below;
-    if (share == 0.0) return analyser_.Coherence(slot_, below);
-    return (1.0 - share) * analyser_.Coherence(slot_, below) +
-           share * analyser_.Coherence(slot_, below + 1);
-  }
+  double Hz(int index) const { return response_.At(index)->Hz; }
+  bool Trusted(int index) const { return response_.At(index)->Excited; }
+  double Value(int index) const { return ValueOf(response_, quantity_, index); }
 
   bool Breaks(double value) const {
     return quantity_ == ResponseQuantity::Phase && last_ && PhaseWraps(*last_, value);
   }
 
   void AddBetween(int x) {
-    const double hz = Frequency(x);
-    const std::optional<double> value = ReadAt(hz);
+    const std::optional<double> value =
+        ReadResponse(analyser_, slot_, quantity_, columns_.Middle(x));
     if (value) {
       AddPoint({static_cast<double>(x), *value});
       result_.Columns[static_cast<std::size_t>(x)] = *value;
@@ -93,16 +81,13 @@ class LineMaker {
   }
 
   void AddBin(int x, int index) {
-    const double low = analyser_.FreqMin();
-    const double share =
-        std::log(analyser_.PointHz(slot_, index) / low) / std::log(analyser_.FreqMax() / low);
-    const double value = ValueOf(index);
-    if (!analyser_.Excited(slot_, index)) {
+    const double value = Value(index);
+    if (!Trusted(index)) {
       EndLine();
       AddFaint(x, value);
       return;
     }
-    AddPoint({share * width_, value});
+    AddPoint({analyser_.AxisShare(Hz(index)) * columns_.Width(), value});
     result_.Points << line_.back();
     result_.Columns[static_cast<std::size_t>(x)] = value;
   }
@@ -118,8 +103,8 @@ class LineMaker {
     const double before = last_.value_or(0.0);
     std::optional<ResponseLines::Bar> bar;
     for (int index = first; index < past; ++index) {
-      const double value = ValueOf(index);
-      if (!analyser_.Excited(slot_, index)) {
+      const double value = Value(index);
+      if (!Trusted(index)) {
         AddFaint(x, value);
         continue;
       }
@@ -147,7 +132,9 @@ class LineMaker {
     line_ = {QPointF(x + 1.0, value)};
   }
 
+  // A gain of nothing has no place on the plot.
   void AddFaint(int x, double value) {
+    if (quantity_ == ResponseQuantity::Gain && value <= NoGain) return;
     if (result_.Faint.empty() || result_.Faint.back().X != x) {
       result_.Faint.push_back({x, value, value});
     }
@@ -165,7 +152,8 @@ class LineMaker {
   FrequencyAnalyser& analyser_;
   int slot_;
   ResponseQuantity quantity_;
-  int width_;
+  const FrequencyColumns& columns_;
+  const DerivedResponse& response_;
   ResponseLines result_;
   QPolygonF line_;
   std::optional<double> last_;
@@ -173,9 +161,36 @@ class LineMaker {
 
 }  // namespace
 
+std::optional<double> ReadResponse(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+                                   double hz) {
+  if (!analyser.HasData(slot)) return std::nullopt;
+  if (quantity == ResponseQuantity::Coherence && !analyser.HasCoherence(slot)) return std::nullopt;
+  const FrequencyAnalyser::Range range = analyser.DataRange(slot);
+  if (!(hz >= range.Low && hz <= range.High)) return std::nullopt;
+  const DerivedResponse& response = analyser.ShownResponse(slot);
+  const double index = analyser.IndexAt(slot, hz);
+  const int below = static_cast<int>(index);
+  const double share = index - below;
+  const double value = ValueOf(response, quantity, below);
+  const double next = ValueOf(response, quantity, below + 1);
+  // The range's ends may round to indices outside the points.
+  if (std::isnan(value)) return std::nullopt;
+  if (share == 0.0 || std::isnan(next)) return value;
+  if (quantity == ResponseQuantity::Phase && PhaseWraps(value, next)) return std::nullopt;
+  return (1.0 - share) * value + share * next;
+}
+
+FrequencyColumns::FrequencyColumns(const FrequencyAnalyser& analyser, int width) : width_(width) {
+  const int count = 2 * (width + 1) + 1;
+  halves_.reserve(static_cast<std::size_t>(count));
+  for (int half = 0; half < count; ++half) {
+    halves_.push_back(analyser.AxisFrequency((0.5 * half - 0.5) / width));
+  }
+}
+
 ResponseLines MakeResponseLines(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
-                                int width) {
-  return LineMaker(analyser, slot, quantity, width).Make();
+                                const FrequencyColumns& columns) {
+  return LineMaker(analyser, slot, quantity, columns).Make();
 }
 
 }  // namespace torvane

@@ -1,16 +1,37 @@
 #pragma once
 
 #include <QPolygonF>
+#include <optional>
 #include <vector>
 
 #include "instruments/analyser/analyser.h"
 
 namespace torvane {
 
-enum class ResponseQuantity { Gain, Phase, Coherence };
+enum class ResponseQuantity { Gain, Phase, Delay, Coherence };
 
-/// What a plot shows of one slot's gain, phase or coherence. X is in pixel columns from the plot's
-/// left edge, Y is the value in dB or degrees, or a share.
+/// What is shown of a slot at a frequency, between two points in proportion; nothing where the slot
+/// has no such value, or the phase wraps.
+std::optional<double> ReadResponse(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+                                   double hz);
+
+/// The frequencies of a plot's columns.
+class FrequencyColumns {
+ public:
+  FrequencyColumns(const FrequencyAnalyser& analyser, int width);
+
+  int Width() const { return width_; }
+  double Middle(int x) const { return halves_[static_cast<std::size_t>(2 * x + 1)]; }
+  double LeftEdge(int x) const { return halves_[static_cast<std::size_t>(2 * x)]; }
+  double RightEdge(int x) const { return LeftEdge(x + 1); }
+
+ private:
+  int width_;
+  std::vector<double> halves_;  // from half a column left of the plot, in steps of half a column
+};
+
+/// What a plot shows of one slot's gain, phase, group delay or coherence. X is in pixel columns
+/// from the plot's left edge, Y is the value in dB, degrees or seconds, or a share.
 ///
 /// Where there are fewer bins than columns, lines go from bin to bin as the response is read
 /// between them. Where there are more, a column shows the range of all the values between its
@@ -34,8 +55,7 @@ struct ResponseLines {
   std::vector<double> Columns;
 };
 
-/// Lines for a plot of so many columns.
 ResponseLines MakeResponseLines(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
-                                int width);
+                                const FrequencyColumns& columns);
 
 }  // namespace torvane

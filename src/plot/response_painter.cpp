@@ -15,9 +15,7 @@ namespace {
 
 constexpr double Margin = 8.0;
 constexpr double LabelGap = 5.0;
-constexpr double EntryGap = 18.0;  // between two entries of the legend
-constexpr double TraceWidth = 1.6;
-constexpr double SampleLength = 26.0;  // of a trace in the legend
+constexpr double SecondWidth = 0.9;    // where line patterns tell the traces apart
 constexpr double MarkSize = 3.4;       // from its middle
 constexpr double MarkDistance = 75.0;  // along the frequency axis
 constexpr float FaintAlpha = 0.3F;     // of bins that are noise
@@ -25,8 +23,10 @@ constexpr double PointSize = 2.0;
 constexpr double PointDistance = 7.0;  // bins that are closer are not marked
 constexpr int WidestTick = 5;          // characters of the value labels
 constexpr int SmallestPlate = 40;
-constexpr double CoherenceShare = 0.17;  // of the plots' height
-constexpr double FarOutside = 3e4;       // beyond it the line drawing of some devices overflows
+constexpr std::size_t DelayTail = 50;     // one of so many delays at each end is left out
+constexpr double LeastDelayRange = 1e-9;  // seconds
+constexpr double CoherenceShare = 0.17;   // of the plots' height
+constexpr double FarOutside = 3e4;        // beyond it the line drawing of some devices overflows
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
@@ -35,6 +35,15 @@ QString Text(const std::string& text) {
 // Two decades or less have room for labels between the powers of ten.
 bool IsLabelled(int mantissa, double decades) {
   return mantissa == 1 || (decades <= 2.5 && (mantissa == 2 || mantissa == 5));
+}
+
+// The least of 1, 2 and 5 times a power of ten that is not below it.
+double RoundStep(double least) {
+  const double power = std::pow(10.0, std::floor(std::log10(least)));
+  for (const double step : {1.0, 2.0, 5.0}) {
+    if (step * power >= least) return step * power;
+  }
+  return 10.0 * power;
 }
 
 // Calls paint(hz, mantissa) for every whole mantissa from 1 to 9 of each decade within the range.
@@ -51,13 +60,10 @@ void ForEachFrequencyLine(double low, double high, PaintLine paint) {
   }
 }
 
-std::string ScaleText(const char* unit, double perDivision, double offset) {
-  return FormatEdit(perDivision) + " " + unit + "/div (Off: " + FormatEdit(offset) + ")";
-}
-
 }  // namespace
 
-void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
+void ResponsePainter::Layout(const QSize& size, double pixelRatio, const TraceLook& look) {
+  look_ = look;
   size_ = size;
   ratio_ = pixelRatio;
   textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
@@ -69,8 +75,8 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
   const int labels = margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + gap;
   const int right = analyser_.SplitScreen() ? 2 * margin : labels;
   const int caption = words.height() + gap;
-  MakeLegend();
-  const int bottom = PlaceLegend() + words.height() + numbers.height() + 2 * gap;
+  const int bottom =
+      legend_.Layout(size, ratio_, textFont_, look_) + words.height() + numbers.height() + 2 * gap;
   const QRect whole(labels, caption + gap, std::max(SmallestPlate, size.width() - labels - right),
                     std::max(2 * SmallestPlate, size.height() - bottom - caption - gap));
   QRect area = whole;
@@ -81,7 +87,9 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
     coherencePlate_.setTop(whole.bottom() + 1 - height);
     area.setBottom(coherencePlate_.top() - caption - gap);
   }
+  if (analyser_.ShowsDelay()) FitDelays();
   gainPlate_ = phasePlate_ = area;
+  columns_.emplace(analyser_, area.width());
   if (!analyser_.SplitScreen()) return;
   const int height = (area.height() - caption - gap) / 2;
   gainPlate_.setHeight(height);
@@ -89,8 +97,7 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio) {
 }
 
 double ResponsePainter::ColumnOf(double hz) const {
-  const double low = analyser_.FreqMin();
-  return std::log(hz / low) / std::log(analyser_.FreqMax() / low) * gainPlate_.width();
+  return analyser_.AxisShare(hz) * gainPlate_.width();
 }
 
 double ResponsePainter::YOf(const Axis& axis, double value) const {
@@ -99,23 +106,23 @@ double ResponsePainter::YOf(const Axis& axis, double value) const {
   return std::clamp(axis.Plate.top() + height / 2.0 - up, -FarOutside, FarOutside);
 }
 
-bool ResponsePainter::ShowsCoherence() const {
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
-    if (IsDrawn(slot) && analyser_.HasCoherence(slot)) return true;
-  }
-  return false;
+// Traces, each on every axis.
+int ResponsePainter::CurveCount() const {
+  return ResponseLegend::DrawnCount(analyser_) * (coherencePlate_.isEmpty() ? 2 : 3);
 }
 
-bool ResponsePainter::IsDrawn(int slot) const {
-  return analyser_.TraceAt(slot).Shown && analyser_.HasData(slot);
+bool ResponsePainter::ShowsCoherence() const {
+  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    if (ResponseLegend::IsDrawn(analyser_, slot) && analyser_.HasCoherence(slot)) return true;
+  }
+  return false;
 }
 
 std::vector<ResponsePainter::Axis> ResponsePainter::Axes() const {
   const bool single = !analyser_.SplitScreen();
   std::vector<Axis> axes{Axis{gainPlate_, analyser_.GainScale(), analyser_.GainOffset(),
                               "Gain (dB)", false, false, ResponseQuantity::Gain},
-                         Axis{phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(),
-                              "Phase (deg)", single, single, ResponseQuantity::Phase}};
+                         LowerAxis(single)};
   if (!coherencePlate_.isEmpty()) {
     // From 0 at the lower edge to 1 at the upper one.
     axes.push_back({coherencePlate_, 1.0 / VerticalDivisions, -0.5, "Coherence", false, false,
@@ -124,60 +131,39 @@ std::vector<ResponsePainter::Axis> ResponsePainter::Axes() const {
   return axes;
 }
 
-// The current measurement is always spoken of.
-bool ResponsePainter::Unavailable(int slot) const {
-  return !analyser_.HasData(slot) && (slot == 0 || analyser_.TraceAt(slot).Shown);
+ResponsePainter::Axis ResponsePainter::LowerAxis(bool single) const {
+  if (analyser_.ShowsDelay()) {
+    return {phasePlate_, delayScale_, delayOffset_,           "Group delay (s)",
+            single,      single,      ResponseQuantity::Delay};
+  }
+  return {phasePlate_, analyser_.PhaseScale(), analyser_.PhaseOffset(), "Phase (deg)", single,
+          single,      ResponseQuantity::Phase};
 }
 
-std::string ResponsePainter::TraceText(int slot) const {
-  const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
-  if (Unavailable(slot)) return name + ": Unavailable";
-  if (const std::string& from = analyser_.LoadedFrom(slot); !from.empty()) return name + " " + from;
-  std::vector<const TraceOrigin*> origins;
-  for (int other = 0; other < FrequencyAnalyser::SlotCount; ++other) {
-    if (analyser_.HasData(other) && analyser_.LoadedFrom(other).empty())
-      origins.push_back(&analyser_.Origin(other));
-  }
-  return name + " " + OriginText(analyser_.Origin(slot), origins);
-}
-
-void ResponsePainter::MakeLegend() {
-  std::string pair;
-  if (analyser_.Output()) pair = analyser_.Output()->Name();
-  if (analyser_.Input() && !analyser_.OutputOnly()) pair += " / " + analyser_.Input()->Name();
-  legend_.clear();
-  for (const std::string& text :
-       {pair, ScaleText("dB", analyser_.GainScale(), analyser_.GainOffset()),
-        ScaleText("deg", analyser_.PhaseScale(), analyser_.PhaseOffset()),
-        FormatEdit(analyser_.FreqMin()) + " Hz to " + FormatEdit(analyser_.FreqMax()) + " Hz"}) {
-    legend_.push_back({-1, text, {}});
-  }
+// The delays of all traces within the frequency axis, the outliers of noise left out.
+void ResponsePainter::FitDelays() {
+  std::vector<double> delays;
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
-    if (IsDrawn(slot) || Unavailable(slot)) legend_.push_back({slot, TraceText(slot), {}});
-  }
-}
-
-// Rows from the lower edge of the picture upwards; gives what they take of its height.
-int ResponsePainter::PlaceLegend() {
-  const QFontMetrics metrics(textFont_);
-  const int margin = Scaled(Margin);
-  const int height = metrics.height();
-  int x = margin;
-  int y = 0;
-  for (LegendEntry& entry : legend_) {
-    const int sample = entry.Slot < 0 ? 0 : Scaled(SampleLength + LabelGap);
-    const int width = sample + metrics.horizontalAdvance(Text(entry.Text)) + Scaled(2.0);
-    const bool firstTrace = entry.Slot == 0 || (entry.Slot > 0 && (&entry - 1)->Slot < 0);
-    if (x > margin && (firstTrace || x + width > size_.width() - margin)) {
-      x = margin;
-      y += height;
+    if (!ResponseLegend::IsDrawn(analyser_, slot)) continue;
+    const DerivedResponse& response = analyser_.ShownResponse(slot);
+    for (std::size_t i = 0; i < response.Delay.size(); ++i) {
+      const ResponsePoint& point = response.Curve[i];
+      const bool seen = point.Hz >= analyser_.FreqMin() && point.Hz <= analyser_.FreqMax();
+      if (seen && point.Excited) delays.push_back(response.Delay[i]);
     }
-    entry.Place = {x, y, width, height};
-    x += width + Scaled(EntryGap);
   }
-  const int taken = y + height + margin;
-  for (LegendEntry& entry : legend_) entry.Place.translate(0, size_.height() - taken);
-  return taken + Scaled(LabelGap);
+  const std::size_t tail = delays.size() / DelayTail;
+  const auto at = [&](std::size_t rank) {
+    if (delays.empty()) return 0.0;
+    const auto place = delays.begin() + static_cast<std::ptrdiff_t>(rank);
+    std::nth_element(delays.begin(), place, delays.end());
+    return *place;
+  };
+  const double low = std::min(0.0, at(tail));
+  const double high = std::max(0.0, at(delays.size() - 1 - tail));
+  const int divisions = VerticalDivisions;
+  delayScale_ = RoundStep(std::max(high - low, LeastDelayRange) / (divisions - 1));
+  delayOffset_ = -(std::floor(low / delayScale_) + divisions / 2) * delayScale_;
 }
 
 void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
@@ -199,10 +185,11 @@ void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
     for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
       const bool measured =
           axis.Quantity != ResponseQuantity::Coherence || analyser_.HasCoherence(slot);
-      if (IsDrawn(slot) && measured) PaintTrace(painter, colours, axis, slot);
+      if (ResponseLegend::IsDrawn(analyser_, slot) && measured)
+        PaintTrace(painter, colours, axis, slot);
     }
   }
-  PaintLegend(painter, colours);
+  legend_.Paint(painter, colours);
 }
 
 void ResponsePainter::PaintFrequencyLines(QPainter& painter, const ScopeColours& colours,
@@ -273,46 +260,50 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
   painter.setFont(textFont_);
   const int height = QFontMetrics(textFont_).height();
   const QString caption =
-      QString::fromLatin1(axis.Caption) + QLatin1String(axis.Dashed ? ", dashed" : "");
+      QLatin1String(axis.Caption) + QLatin1String(!axis.Second     ? ""
+                                                  : look_.Patterns ? ", thin"
+                                                                   : ", dashed");
   painter.drawText(QRect(plate.left(), plate.top() - height - gap / 2, plate.width(), height),
                    axis.OnRight ? Qt::AlignRight : Qt::AlignLeft, caption);
-}
-
-QPen ResponsePainter::TracePen(const ScopeColours& colours, int slot, bool dashed) const {
-  return {colours.Trace(slot), TraceWidth * ratio_, dashed ? Qt::DashLine : Qt::SolidLine,
-          Qt::FlatCap, Qt::BevelJoin};
 }
 
 void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis,
                                  int slot) const {
   const QRect& plate = axis.Plate;
-  const ResponseLines trace = MakeResponseLines(analyser_, slot, axis.Quantity, plate.width());
+  const ResponseLines trace = MakeResponseLines(analyser_, slot, axis.Quantity, *columns_);
+  TracePen pen = ResponsePen(colours, look_, slot);
+  if (axis.Second && !look_.Patterns) pen.Dashes = {6.0, 3.0};
+  const double width = axis.Second && look_.Patterns ? SecondWidth : ResponseWidth;
   painter.save();
   painter.setClipRect(plate);
   painter.setRenderHint(QPainter::Antialiasing);
-  QColor faint = colours.Trace(slot);
+  CurvePainter curve(painter, plate, pen, width, ratio_, CurveCount());
+  QColor faint = pen.Colour;
   faint.setAlphaF(FaintAlpha);
-  PaintBars(painter, axis, trace.Faint, faint);
-  PaintBars(painter, axis, trace.Bars, colours.Trace(slot));
-  painter.setPen(TracePen(colours, slot, axis.Dashed));
-  for (QPolygonF line : trace.Lines) {
+  PaintBars(curve, axis, trace.Faint, faint);
+  PaintBars(curve, axis, trace.Bars, pen.Colour);
+  std::vector<QPolygonF> lines = trace.Lines;
+  for (QPolygonF& line : lines) {
     for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
-    painter.drawPolyline(line);
+    line = Simplified(line);
   }
+  curve.PaintLines(lines);
   PaintTraceMarks(painter, colours, axis, slot, trace);
   painter.restore();
 }
 
-// As thick as a line's stroke would be. A dashed trace's are fainter.
-void ResponsePainter::PaintBars(QPainter& painter, const Axis& axis,
-                                const std::vector<ResponseLines::Bar>& bars, QColor colour) const {
-  if (axis.Dashed) colour.setAlphaF(0.5F);
-  const double half = TraceWidth * ratio_ / 2.0;
+// As thick as a line's stroke would be.
+void ResponsePainter::PaintBars(CurvePainter& curve, const Axis& axis,
+                                const std::vector<ResponseLines::Bar>& bars,
+                                const QColor& colour) const {
+  const double half = ResponseWidth * ratio_ / 2.0;
+  std::vector<CurvePainter::Column> columns;
+  columns.reserve(bars.size());
   for (const ResponseLines::Bar& bar : bars) {
-    const double top = YOf(axis, bar.High) - half;
-    const double height = YOf(axis, bar.Low) + half - top;
-    painter.fillRect(QRectF(axis.Plate.left() + bar.X, top, 1.0, height), colour);
+    columns.push_back(
+        {axis.Plate.left() + bar.X, YOf(axis, bar.High) - half, YOf(axis, bar.Low) + half});
   }
+  curve.PaintColumns(columns, colour);
 }
 
 // A memory's marks along its trace; of the current measurement, the bins that stand apart.
@@ -333,60 +324,13 @@ void ResponsePainter::PaintTraceMarks(QPainter& painter, const ScopeColours& col
     }
     return;
   }
-  painter.setPen(TracePen(colours, slot, false));
+  painter.setPen(QPen(colours.Trace(slot), ResponseWidth * ratio_));
   const int distance = Scaled(MarkDistance);
   const int columns = static_cast<int>(trace.Columns.size());
   // Marks of one memory stand beside those of another.
   for (int x = slot * distance / FrequencyAnalyser::SlotCount; x < columns; x += distance) {
     const double value = trace.Columns[static_cast<std::size_t>(x)];
-    if (!std::isnan(value)) PaintTraceMark(painter, colours.Plate, slot, at(x, value));
-  }
-}
-
-void ResponsePainter::PaintTraceMark(QPainter& painter, const QColor& fill, int slot,
-                                     const QPointF& at) const {
-  const double r = MarkSize * ratio_;
-  painter.setBrush(fill);
-  const auto corners = [&](std::initializer_list<QPointF> points) {
-    QPolygonF polygon;
-    for (const QPointF& point : points) polygon << at + r * point;
-    painter.drawPolygon(polygon);
-  };
-  switch (slot) {
-    case 1:
-      painter.drawEllipse(at, r, r);
-      break;
-    case 2:
-      corners({{-0.9, -0.9}, {0.9, -0.9}, {0.9, 0.9}, {-0.9, 0.9}});
-      break;
-    case 3:
-      corners({{0.0, -1.2}, {1.2, 0.9}, {-1.2, 0.9}});
-      break;
-    default:
-      corners({{0.0, -1.3}, {1.3, 0.0}, {0.0, 1.3}, {-1.3, 0.0}});
-  }
-}
-
-void ResponsePainter::PaintLegend(QPainter& painter, const ScopeColours& colours) const {
-  painter.setFont(textFont_);
-  for (const LegendEntry& entry : legend_) {
-    QRect place = entry.Place;
-    if (entry.Slot >= 0) {
-      const QRect sample(place.left(), place.top(), Scaled(SampleLength), place.height());
-      const int y = sample.center().y();
-      painter.save();
-      painter.setRenderHint(QPainter::Antialiasing);
-      painter.fillRect(sample.adjusted(0, Scaled(2.0), 0, -Scaled(2.0)), colours.Plate);
-      painter.setPen(TracePen(colours, entry.Slot, false));
-      painter.drawLine(QPointF(sample.left(), y + 0.5), QPointF(sample.right() + 1, y + 0.5));
-      if (entry.Slot > 0) {
-        PaintTraceMark(painter, colours.Plate, entry.Slot, QRectF(sample).center());
-      }
-      painter.restore();
-      place.setLeft(sample.right() + Scaled(LabelGap));
-    }
-    painter.setPen(colours.Text);
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, Text(entry.Text));
+    if (!std::isnan(value)) PaintMemoryMark(painter, colours.Plate, slot, at(x, value), ratio_);
   }
 }
 
@@ -407,11 +351,9 @@ void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colour
                        QString::number(cursor + 1));
       const int slot = analyser_.CursorSlot();
       if (!analyser_.TraceAt(slot).Shown) continue;
-      const auto value = axis.Quantity == ResponseQuantity::Gain    ? analyser_.GainRead(slot, hz)
-                         : axis.Quantity == ResponseQuantity::Phase ? analyser_.PhaseRead(slot, hz)
-                                                                    : std::optional<double>();
+      const auto value = ReadResponse(analyser_, slot, axis.Quantity, hz);
       if (!value) continue;
-      painter.setPen(QPen(colours.Cursor, TraceWidth * ratio_));
+      painter.setPen(QPen(colours.Cursor, ResponseWidth * ratio_));
       painter.setRenderHint(QPainter::Antialiasing);
       painter.setClipRect(axis.Plate);
       painter.drawEllipse(QPointF(x, YOf(axis, *value)), Scaled(4.0), Scaled(4.0));
@@ -431,10 +373,11 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
   const std::vector<Axis> axes = Axes();
   for (const ResponseMark& mark : marks) {
     const Axis& axis = axes[mark.Quantity == ResponseQuantity::Gain ? 0 : 1];
+    if (axis.Quantity != mark.Quantity) continue;
     const QPointF from(axis.Plate.left() + ColumnOf(mark.Hz), YOf(axis, mark.From));
     const QPointF to(from.x(), YOf(axis, mark.To));
     painter.setClipRect(axis.Plate);
-    painter.setPen(QPen(colours.Cursor, TraceWidth * ratio_));
+    painter.setPen(QPen(colours.Cursor, ResponseWidth * ratio_));
     painter.drawLine(from, to);
     painter.setBrush(colours.Cursor);
     painter.drawEllipse(to, r, r);

@@ -3,9 +3,12 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "plot/curve_painter.h"
+#include "plot/response_legend.h"
 #include "plot/response_lines.h"
 #include "plot/scope_colours.h"
 
@@ -29,18 +32,19 @@ struct ResponseMark {
 /// printer use this one painter.
 ///
 /// The traces differ in colour and, for eyes and printers without, in the marks that the memories
-/// carry. A value v is drawn (v + offset) / scale divisions above the centre. All lengths are
-/// pixels of the painter given; `pixelRatio` of them make one pixel of text and line design.
+/// carry and, on request, in line patterns. On request the lower plot shows group delay, on a scale
+/// that fits it. A value v is drawn (v + offset) / scale divisions above the centre. All lengths
+/// are pixels of the painter given; `pixelRatio` of them make one pixel of text and line design.
 class ResponsePainter {
  public:
   /// Divisions of a plot's height: a phase, from -270 to 90 degrees, fits at 90 degrees each.
   static constexpr int VerticalDivisions = 6;
 
-  explicit ResponsePainter(FrequencyAnalyser& analyser) : analyser_(analyser) {}
+  explicit ResponsePainter(FrequencyAnalyser& analyser) : analyser_(analyser), legend_(analyser) {}
 
   /// Area of the whole picture. Finds room for the labels and the legend; what is left is the
   /// plots'. Painting is of the analyser as it was laid out.
-  void Layout(const QSize& size, double pixelRatio);
+  void Layout(const QSize& size, double pixelRatio, const TraceLook& look = {});
   /// Where gain and phase are drawn; the same area when the screen is not split.
   const QRect& GainPlate() const { return gainPlate_; }
   const QRect& PhasePlate() const { return phasePlate_; }
@@ -62,39 +66,31 @@ class ResponsePainter {
     double Offset;
     const char* Caption;
     bool OnRight;
-    bool Dashed;
+    bool Second;  ///< of two in one plate: its traces look different
     ResponseQuantity Quantity;
-  };
-  struct LegendEntry {
-    int Slot = -1;  ///< with a sample of this trace before the text
-    std::string Text;
-    QRect Place;
   };
 
   std::vector<Axis> Axes() const;
+  Axis LowerAxis(bool single) const;
+  void FitDelays();
   bool ShowsCoherence() const;
+  int CurveCount() const;
   double ColumnOf(double hz) const;
   double YOf(const Axis& axis, double value) const;
-  bool IsDrawn(int slot) const;
-  bool Unavailable(int slot) const;
-  void MakeLegend();
-  int PlaceLegend();
-  std::string TraceText(int slot) const;
   void PaintFrequencyLines(QPainter& painter, const ScopeColours& colours,
                            const QRect& plate) const;
   void PaintFrequencyLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintAxis(QPainter& painter, const ScopeColours& colours, const Axis& axis) const;
   void PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot) const;
-  void PaintBars(QPainter& painter, const Axis& axis, const std::vector<ResponseLines::Bar>& bars,
-                 QColor colour) const;
+  void PaintBars(CurvePainter& curve, const Axis& axis, const std::vector<ResponseLines::Bar>& bars,
+                 const QColor& colour) const;
   void PaintTraceMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
                        const ResponseLines& trace) const;
-  void PaintTraceMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at) const;
-  void PaintLegend(QPainter& painter, const ScopeColours& colours) const;
-  QPen TracePen(const ScopeColours& colours, int slot, bool dashed) const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
   FrequencyAnalyser& analyser_;
+  TraceLook look_;
+  std::optional<FrequencyColumns> columns_;
   double ratio_ = 1.0;
   QSize size_;
   QRect gainPlate_;
@@ -102,7 +98,9 @@ class ResponsePainter {
   QRect coherencePlate_;  ///< empty when there is none
   QFont textFont_;
   QFont numberFont_;
-  std::vector<LegendEntry> legend_;
+  ResponseLegend legend_;
+  double delayScale_ = 1.0;
+  double delayOffset_ = 0.0;
 };
 
 }  // namespace torvane

@@ -8,6 +8,7 @@
 #include <numeric>
 
 #include "instruments/scope/scope_channel.h"
+#include "plot/dashes.h"
 
 namespace torvane {
 
@@ -57,13 +58,9 @@ void TracePainter::PaintKept(const std::vector<TracePoint>& points, const TraceP
 void TracePainter::PaintLine(const std::vector<TracePoint>& points, std::size_t first,
                              const TracePen& pen, double width, TraceTrail& trail) {
   width_ = width;
-  QPen line(pen.Colour, width_ * ratio_, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin);
-  if (!OnPixels() && !pen.Dashes.isEmpty()) {
-    QVector<double> widths;
-    for (const double length : pen.Dashes) widths.append(length / width_);
-    line.setDashPattern(widths);
-  }
-  painter_.setPen(line);
+  // On pixels the lines themselves are cut.
+  painter_.setPen(DashedPen(pen.Colour, width_ * ratio_,
+                            OnPixels() ? QVector<double>() : InPixels(pen.Dashes)));
   lines_.clear();
   PaintLines(points, first);
   if (OnPixels()) PaintPixels(pen, trail);
@@ -133,25 +130,16 @@ void TracePainter::PaintPixels(const TracePen& pen, TraceTrail& trail) {
   painter_.setRenderHint(QPainter::Antialiasing);
 }
 
-// The lines cut into dashes; the pattern goes on from where the trace was painted last.
+QVector<double> TracePainter::InPixels(const QVector<double>& dashes) const {
+  QVector<double> lengths;
+  for (const double length : dashes) lengths.append(length * ratio_);
+  return lengths;
+}
+
+// The pattern goes on from where the trace was painted last.
 QVector<QLineF> TracePainter::Dashed(const QVector<double>& dashes, TraceTrail& trail) const {
-  const double period = std::accumulate(dashes.begin(), dashes.end(), 0.0) * ratio_;
-  QVector<QLineF> pieces;
-  for (const QLine& line : lines_) {
-    const QLineF whole(line);
-    const double length = whole.length();
-    double at = -std::fmod(trail.Length, period);
-    for (int k = 0; at < length; k = (k + 1) % static_cast<int>(dashes.size())) {
-      const double end = at + dashes[k] * ratio_;
-      if (k % 2 == 0 && end > 0.0) {
-        pieces.append(QLineF(whole.pointAt(std::max(at, 0.0) / length),
-                             whole.pointAt(std::min(end, length) / length)));
-      }
-      at = end;
-    }
-    trail.Length += length;
-  }
-  return pieces;
+  return CutIntoDashes(QVector<QLineF>(lines_.begin(), lines_.end()), InPixels(dashes),
+                       trail.Length);
 }
 
 // Of so many lines each in a row only the range that they cover stays.

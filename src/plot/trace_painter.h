@@ -71,6 +71,7 @@ class TracePainter {
   void PaintLines(const std::vector<TracePoint>& points, std::size_t first);
   void EndRun();
   void PaintPixels(const TracePen& pen, TraceTrail& trail);
+  QVector<double> InPixels(const QVector<double>& dashes) const;
   QVector<QLineF> Dashed(const QVector<double>& dashes, TraceTrail& trail) const;
   void MergeLines(int count);
   void PaintMarks(const std::vector<TracePoint>& points, std::size_t first, TraceTrail& trail);

@@ -1,0 +1,347 @@
+#include "plot/plane_painter.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "core/text.h"
+#include "instruments/analyser/response_reading.h"
+#include "plot/curve_painter.h"
+#include "plot/nichols_contours.h"
+#include "plot/picture_fonts.h"
+#include "plot/response_lines.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr double Margin = 8.0;
+constexpr double LabelGap = 5.0;
+constexpr int WidestTick = 5;  // characters of the value labels
+constexpr int SmallestPlate = 40;
+constexpr int Divisions = 6;           // of gain and phase, as against frequency
+constexpr double LeastRadius = 1.5;    // shows the unit circle
+constexpr double LargestRadius = 4.0;  // an integrator's gain is endless: the point -1 matters
+constexpr double NyquistStep = 0.5;
+constexpr double CriticalSize = 5.0;
+constexpr double CursorSize = 4.0;
+constexpr double LeastStep = 0.8;      // pixels between points that are drawn
+constexpr double MarkDistance = 75.0;  // along a trace
+constexpr double FarOutside = 3e4;     // beyond it the line drawing of some devices overflows
+
+double Distance(const QPointF& a, const QPointF& b) {
+  return std::hypot(a.x() - b.x(), a.y() - b.y());
+}
+
+}  // namespace
+
+void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook& look) {
+  size_ = size;
+  look_ = look;
+  ratio_ = pixelRatio;
+  textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
+  numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
+  const QFontMetrics numbers(numberFont_);
+  const QFontMetrics words(textFont_);
+  const int gap = Scaled(LabelGap);
+  const int left = Scaled(Margin) + numbers.horizontalAdvance(QString(WidestTick, u'0')) + gap;
+  const int top = words.height() + 2 * gap;
+  const int bottom =
+      legend_.Layout(size, ratio_, textFont_, look_) + words.height() + numbers.height() + 2 * gap;
+  plate_ = {left, top, std::max(SmallestPlate, size.width() - left - Scaled(2.0 * Margin)),
+            std::max(SmallestPlate, size.height() - bottom - top)};
+  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    points_[static_cast<std::size_t>(slot)] = ReadPoints(slot);
+  }
+  radius_ = FitRadius();
+  for (std::vector<Point>& points : points_) {
+    for (Point& point : points) point.At = Place(point.Gain, point.Phase);
+  }
+}
+
+// All that the traces reach, as far as the point -1 stays in sight.
+double PlanePainter::FitRadius() const {
+  double largest = 0.0;  // dB
+  for (const std::vector<Point>& points : points_) {
+    for (const Point& point : points) largest = std::max(largest, point.Gain);
+  }
+  const double reach = std::max(LeastRadius, std::pow(10.0, largest / 20.0));
+  return std::min(std::ceil(reach / NyquistStep) * NyquistStep, LargestRadius);
+}
+
+QPointF PlanePainter::Place(double gain, double phase) const {
+  const QPointF middle = QRectF(plate_).center();
+  QPointF from;
+  if (IsNyquist()) {
+    const double length =
+        std::pow(10.0, gain / 20.0) / radius_ * std::min(plate_.width(), plate_.height()) / 2.0;
+    const double angle = phase / DegreesPerRadian;
+    from = {length * std::cos(angle), -length * std::sin(angle)};
+  } else {
+    from = {(phase + analyser_.PhaseOffset()) / analyser_.PhaseScale() * plate_.width() / Divisions,
+            -(gain + analyser_.GainOffset()) / analyser_.GainScale() * plate_.height() / Divisions};
+  }
+  const double far = std::hypot(from.x(), from.y());
+  return middle + (far > FarOutside ? from * (FarOutside / far) : from);
+}
+
+// Those of a trace on the frequency axis; none of one that is not drawn.
+std::vector<PlanePainter::Point> PlanePainter::ReadPoints(int slot) const {
+  std::vector<Point> points;
+  if (!ResponseLegend::IsDrawn(analyser_, slot)) return points;
+  for (const ResponsePoint& point : analyser_.ShownResponse(slot).Curve) {
+    if (point.Hz < analyser_.FreqMin() || point.Hz > analyser_.FreqMax()) continue;
+    if (point.Excited) points.push_back({point.Hz, point.Gain, point.Phase, {}});
+  }
+  return points;
+}
+
+const std::vector<PlanePainter::Point>& PlanePainter::PointsOf(int slot) const {
+  return points_[static_cast<std::size_t>(slot)];
+}
+
+void PlanePainter::Paint(QPainter& painter, const ScopeColours& colours) const {
+  painter.fillRect(QRect(QPoint(0, 0), size_), colours.Around);
+  painter.fillRect(plate_, colours.Plate);
+  PaintGrid(painter, colours);
+  PaintCaptions(painter, colours);
+  painter.save();
+  painter.setClipRect(plate_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (IsNyquist()) {
+    PaintUnitCircle(painter, colours);
+  } else {
+    PaintContours(painter, colours);
+  }
+  // The current measurement lies on top.
+  for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
+    if (ResponseLegend::IsDrawn(analyser_, slot)) PaintTrace(painter, colours, slot);
+  }
+  PaintCriticalPoints(painter, colours);
+  if (!IsNyquist()) PaintContourLabels(painter, colours);
+  painter.restore();
+  legend_.Paint(painter, colours);
+}
+
+// A line across the plate at a value of one of the axes, labelled outside.
+void PlanePainter::PaintLine(QPainter& painter, const ScopeColours& colours, bool vertical,
+                             double value, bool axis) const {
+  const double pixels = std::min(plate_.width(), plate_.height()) / (2.0 * radius_);
+  const QPointF middle = QRectF(plate_).center();
+  QPointF at = Place(value, value);
+  if (IsNyquist()) at = middle + QPointF(value * pixels, -value * pixels);
+  const QPoint line = at.toPoint();
+  painter.setPen(QPen(axis ? colours.Axis : colours.Grid, std::max(1, Scaled(1.0))));
+  const QFontMetrics metrics(numberFont_);
+  const QString label = QString::fromStdString(FormatGeneral(value, 4, 1));
+  const int gap = Scaled(LabelGap);
+  if (vertical) {
+    painter.drawLine(line.x(), plate_.top(), line.x(), plate_.bottom());
+    const int width = metrics.horizontalAdvance(label);
+    painter.setPen(colours.Text);
+    painter.drawText(QRect(line.x() - width / 2, plate_.bottom() + gap, width, metrics.height()),
+                     Qt::AlignCenter | Qt::TextDontClip, label);
+  } else {
+    painter.drawLine(plate_.left(), line.y(), plate_.right(), line.y());
+    painter.setPen(colours.Text);
+    painter.drawText(
+        QRect(0, line.y() - metrics.height() / 2, plate_.left() - gap, metrics.height()),
+        Qt::AlignRight | Qt::AlignVCenter, label);
+  }
+}
+
+void PlanePainter::PaintGrid(QPainter& painter, const ScopeColours& colours) const {
+  painter.setFont(numberFont_);
+  if (IsNyquist()) {
+    const double step = radius_ > 2.0 ? 2.0 * NyquistStep : NyquistStep;
+    for (const bool vertical : {true, false}) {
+      const double side = vertical ? plate_.width() : plate_.height();
+      const double reach = side / std::min(plate_.width(), plate_.height()) * radius_;
+      const int lines = static_cast<int>(reach / step);
+      for (int i = -lines; i <= lines; ++i) {
+        PaintLine(painter, colours, vertical, i * step, i == 0);
+      }
+    }
+  } else {
+    for (int i = -Divisions / 2; i <= Divisions / 2; ++i) {
+      PaintLine(painter, colours, true, i * analyser_.PhaseScale() - analyser_.PhaseOffset(),
+                i == 0);
+      PaintLine(painter, colours, false, i * analyser_.GainScale() - analyser_.GainOffset(),
+                i == 0);
+    }
+  }
+  painter.setPen(QPen(colours.Axis, std::max(1, Scaled(1.0))));
+  painter.drawRect(plate_.adjusted(0, 0, -1, -1));
+}
+
+void PlanePainter::PaintCaptions(QPainter& painter, const ScopeColours& colours) const {
+  painter.setFont(textFont_);
+  painter.setPen(colours.Text);
+  const int gap = Scaled(LabelGap);
+  const int height = QFontMetrics(textFont_).height();
+  const QRect above(plate_.left(), plate_.top() - height - gap / 2, plate_.width(), height);
+  const QRect below(plate_.left(), plate_.bottom() + gap + QFontMetrics(numberFont_).height(),
+                    plate_.width(), height);
+  painter.drawText(above, Qt::AlignLeft,
+                   IsNyquist() ? QStringLiteral("Imaginary") : QStringLiteral("Gain (dB)"));
+  painter.drawText(below, Qt::AlignCenter,
+                   IsNyquist() ? QStringLiteral("Real") : QStringLiteral("Phase (deg)"));
+}
+
+void PlanePainter::PaintUnitCircle(QPainter& painter, const ScopeColours& colours) const {
+  const double radius = Place(0.0, 0.0).x() - QRectF(plate_).center().x();
+  painter.setPen(QPen(colours.Axis, ratio_, Qt::DashLine));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawEllipse(QRectF(plate_).center(), radius, radius);
+}
+
+PlanePainter::Turns PlanePainter::TurnsOnPlate() const {
+  const double middle = -analyser_.PhaseOffset();
+  const double half = Divisions / 2 * analyser_.PhaseScale();
+  constexpr double Most = 8.0;  // more are too fine to be seen
+  return {static_cast<int>(std::floor(std::max(middle - half, middle - Most * 360.0) / 360.0)),
+          static_cast<int>(std::floor(std::min(middle + half, middle + Most * 360.0) / 360.0))};
+}
+
+// They lie between -360 and 0 degrees, and again a turn further.
+void PlanePainter::PaintContours(QPainter& painter, const ScopeColours& colours) const {
+  const Turns turns = TurnsOnPlate();
+  std::vector<QPolygonF> lines;
+  for (const double closed : ContourGains) {
+    const std::vector<OpenLoopPoint> contour = NicholsContour(closed);
+    for (int turn = turns.First; turn <= turns.Last; ++turn) {
+      QPolygonF& line = lines.emplace_back();
+      for (const OpenLoopPoint& point : contour) {
+        line << Place(point.Gain, point.Phase + 360.0 * (turn + 1));
+      }
+    }
+  }
+  CurvePainter(painter, plate_, {colours.Axis, {2.0, 2.0}}, 1.0, ratio_, 1).PaintLines(lines);
+}
+
+void PlanePainter::PaintContourLabels(QPainter& painter, const ScopeColours& colours) const {
+  painter.setFont(numberFont_);
+  painter.setPen(colours.Text);
+  const QFontMetrics metrics(numberFont_);
+  const Turns turns = TurnsOnPlate();
+  std::vector<QRectF> taken;
+  for (const double closed : ContourGains) {
+    const QString text = QString::fromStdString(FormatGeneral(closed, 4, 1) + " dB");
+    const OpenLoopPoint place = ContourLabelPlace(closed);
+    for (int turn = turns.First; turn <= turns.Last; ++turn) {
+      const QPointF at = Place(place.Gain, place.Phase + 360.0 * (turn + 1));
+      const QRectF room(at.x() + Scaled(2.0), at.y() - metrics.height(),
+                        metrics.horizontalAdvance(text), metrics.height());
+      const bool free = QRectF(plate_).contains(room) &&
+                        std::none_of(taken.begin(), taken.end(),
+                                     [&](const QRectF& other) { return other.intersects(room); });
+      if (!free) continue;
+      taken.push_back(room);
+      painter.drawText(room, Qt::AlignCenter | Qt::TextDontClip, text);
+    }
+  }
+}
+
+void PlanePainter::PaintCriticalPoints(QPainter& painter, const ScopeColours& colours) const {
+  painter.setPen(QPen(colours.Text, 1.6 * ratio_));
+  painter.setFont(numberFont_);
+  const double r = CriticalSize * ratio_;
+  const Turns turns = IsNyquist() ? Turns{0, 0} : TurnsOnPlate();
+  for (int turn = turns.First; turn <= turns.Last; ++turn) {
+    const QPointF at = Place(0.0, 180.0 + 360.0 * turn);
+    painter.drawLine(at - QPointF(r, 0.0), at + QPointF(r, 0.0));
+    painter.drawLine(at - QPointF(0.0, r), at + QPointF(0.0, r));
+    if (IsNyquist()) {
+      painter.drawText(
+          at + QPointF(-QFontMetrics(numberFont_).horizontalAdvance(u'0') * 2.0 - r, -r),
+          QStringLiteral("-1"));
+    }
+  }
+}
+
+// Straight from point to point, except across a wrap of the phase.
+void PlanePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, int slot) const {
+  const std::vector<Point>& points = PointsOf(slot);
+  const QRectF near = QRectF(plate_).adjusted(-1.0, -1.0, 1.0, 1.0);
+  std::vector<QPolygonF> lines(1);
+  std::vector<QPointF> marks;
+  const double distance = Scaled(MarkDistance);
+  double way = slot * distance / FrequencyAnalyser::SlotCount;  // until the next mark
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const Point& point = points[i];
+    if (i > 0 && !IsNyquist() && PhaseWraps(points[i - 1].Phase, point.Phase)) {
+      lines.emplace_back();
+    }
+    QPolygonF& line = lines.back();
+    const double step = line.empty() ? 0.0 : Distance(line.back(), point.At);
+    if (!line.empty() && i + 1 < points.size() && step < LeastStep * ratio_) continue;
+    line << point.At;
+    if (!near.contains(point.At)) continue;
+    way -= step;
+    if (way > 0.0) continue;
+    marks.push_back(point.At);
+    way = distance;
+  }
+  const TracePen pen = ResponsePen(colours, look_, slot);
+  CurvePainter(painter, plate_, pen, ResponseWidth, ratio_, ResponseLegend::DrawnCount(analyser_))
+      .PaintLines(lines);
+  if (slot == 0) return;
+  painter.setPen(QPen(pen.Colour, ResponseWidth * ratio_));
+  for (const QPointF& at : marks) PaintMemoryMark(painter, colours.Plate, slot, at, ratio_);
+}
+
+void PlanePainter::PaintCursors(QPainter& painter, const ScopeColours& colours,
+                                int plotWidth) const {
+  painter.save();
+  painter.setClipRect(plate_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setFont(numberFont_);
+  const double r = CursorSize * ratio_;
+  for (int cursor = 0; cursor < static_cast<int>(analyser_.Cursors()); ++cursor) {
+    const int column = analyser_.CursorPixel(cursor);
+    const double hz = analyser_.AxisFrequency(static_cast<double>(column) / plotWidth);
+    const auto place = PlaceAt(hz);
+    if (column >= plotWidth || !place) continue;
+    const QPointF at = *place;
+    painter.setPen(
+        QPen(colours.Cursor, std::max(1, Scaled(1.0)), cursor == 0 ? Qt::DashLine : Qt::DotLine));
+    if (IsNyquist()) {
+      painter.drawLine(QRectF(plate_).center(), at);
+    } else {
+      painter.drawLine(QPointF(plate_.left(), at.y()), QPointF(plate_.right(), at.y()));
+      painter.drawLine(QPointF(at.x(), plate_.top()), QPointF(at.x(), plate_.bottom()));
+    }
+    painter.setPen(QPen(colours.Cursor, 1.6 * ratio_));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(at, r, r);
+    // The first one's above the point, the second one's below: they may be close.
+    const double above = cursor == 0 ? -r : r + QFontMetrics(numberFont_).ascent();
+    painter.drawText(at + QPointF(r + Scaled(2.0), above),
+                     QString::number(cursor + 1) + QStringLiteral(": ") +
+                         QString::fromStdString(FormatGeneral(hz, 4, 1)) + QStringLiteral(" Hz"));
+  }
+  painter.restore();
+}
+
+std::optional<QPointF> PlanePainter::PlaceAt(double hz) const {
+  const int slot = analyser_.CursorSlot();
+  if (!ResponseLegend::IsDrawn(analyser_, slot)) return std::nullopt;
+  const auto gain = ReadResponse(analyser_, slot, ResponseQuantity::Gain, hz);
+  const auto phase = ReadResponse(analyser_, slot, ResponseQuantity::Phase, hz);
+  if (!gain || !phase) return std::nullopt;
+  return Place(*gain, *phase);
+}
+
+std::optional<double> PlanePainter::HzNear(const QPointF& at) const {
+  const std::vector<Point>& points = PointsOf(analyser_.CursorSlot());
+  const auto nearest = std::min_element(
+      points.begin(), points.end(),
+      [&](const Point& a, const Point& b) { return Distance(a.At, at) < Distance(b.At, at); });
+  if (nearest == points.end()) return std::nullopt;
+  return nearest->Hz;
+}
+
+}  // namespace torvane
