@@ -17,6 +17,8 @@
 #include "instruments/analyser/shown_responses_csv.h"
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/sweep/swept_sine_analyser.h"
+#include "plot/picture_export.h"
+#include "plot/plane_painter.h"
 #include "ui/panes/analyser/response_paint_box.h"
 
 namespace torvane {
@@ -212,6 +214,62 @@ TEST_F(AnalyserWindowTest, MarginsAreReadOffTheTraceOfTheCursors) {
   EXPECT_NEAR(row("Smallest gain margin"), 14.89, 0.3);
   table.window()->close();
   EXPECT_FALSE(In<QAbstractButton>("SBMargins").isChecked());
+}
+
+// The closed loop's trace becomes that of the open one, wherever it is read; a click in a view
+// without a frequency axis finds the point that it hits.
+TEST_F(AnalyserWindowTest, TheViewShowsTheOpenLoopThatBelongsToAClosedOne) {
+  ChooseModel("3-1 PI Controller");
+  Show();
+  Xfer().SetOrder(13);
+  Xfer().SetTSample(0.0001);
+  Press("SBButton2");
+  Measure();
+  Press("SBOneCursor");
+  Choose("MIMemory1");
+  std::vector<ResponsePoint> direct;
+  for (const double hz : {20.0, 60.0, 200.0}) {
+    direct.push_back({hz, *Xfer().GainRead(0, hz), *Xfer().PhaseRead(0, hz)});
+  }
+  Xfer().SetInput("Command");
+  Xfer().SetOutput("Feedback");
+  const double closed = *Xfer().GainRead(0, 60.0);
+  Choose("MIOpenLoop");
+  // Of one record, in which the error is the difference of both: what is left is single precision.
+  for (const ResponsePoint& open : direct) {
+    EXPECT_NEAR(*Xfer().GainRead(0, open.Hz), open.Gain, 0.01);
+    EXPECT_NEAR(*Xfer().PhaseRead(0, open.Hz), open.Phase, 0.1);
+  }
+  Choose("MIUnwrapped");
+  Choose("MIGroupDelay");
+  const FrequencyAnalyser::Indices points = Xfer().Points(0);
+  for (int i = points.First + 1; Xfer().PointHz(0, i) < 300.0; ++i) {
+    EXPECT_LE(std::abs(Xfer().PhaseOf(0, i) - Xfer().PhaseOf(0, i - 1)), 180.0);
+  }
+  auto& box = In<ResponsePaintBox>("PBPlot");
+  const auto cursorHz = [&] {
+    return Xfer().AxisFrequency(1.0 * Xfer().CursorPixel(0) / box.PlotWidth());
+  };
+  EXPECT_NEAR(In<QTableWidget>("SGXferCursors").item(0, 4)->text().toDouble(),
+              *Xfer().DelayRead(0, cursorHz()), 1e-4);
+  QImage before = PictureImage(ResponsePicture(Xfer()));
+  for (const std::string view : {"MINyquist", "MINichols", "MIBode"}) {
+    Choose(view.c_str());
+    EXPECT_EQ(In<QWidget>("GainPage").isEnabled(), view != "MINyquist");
+    const QImage picture = PictureImage(ResponsePicture(Xfer()));
+    EXPECT_NE(picture, before) << view;
+    EXPECT_NE(picture, PictureImage(ResponsePicture(Xfer(), {TraceColours::Standard, true})));
+    before = picture;
+    if (view == "MIBode") continue;
+    PlanePainter plane(Xfer());
+    plane.Layout(box.size(), 1.0);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, plane.PlaceAt(60.0)->toPoint());
+    EXPECT_NEAR(cursorHz(), 60.0, 3.0) << view;
+  }
+  Choose("MIOpenLoop");
+  EXPECT_EQ(*Xfer().GainRead(0, 60.0), closed);
+  Trigger("MIUndo");
+  EXPECT_TRUE(In<QAction>("MIOpenLoop").isChecked());
 }
 
 // What was measured once lies over what is measured later.

@@ -28,7 +28,7 @@ ViewMenu::ViewMenu(QMenu& menu, Memory memory) : QObject(&menu), memory_(memory)
                      QStringLiteral("Trace colours that stay apart for every kind of colour "
                                     "vision; those on a dark ground always do"));
   patterns_ = AddSwitch(menu, "MILinePatterns", QStringLiteral("Line &Patterns"),
-                        QStringLiteral("Each trace of a scope has dashes of its own"));
+                        QStringLiteral("Each trace has dashes of its own"));
 }
 
 void ViewMenu::AddThemes(QMenu& menu) {

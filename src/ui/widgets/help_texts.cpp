@@ -261,6 +261,9 @@ constexpr Entry Entries[] = {
      "Reads bandwidth and peaking off a closed loop's response, and the margins of the open loop; "
      "the "
      "places are marked on the plot."},
+    {"SBView",
+     "Shows the responses as a Bode, Nyquist or Nichols plot, as the open loop that belongs to a "
+     "closed one, with the phase unwrapped, or with the group delay."},
     {"SGMargins",
      "What the trace of the cursors says: of a closed loop how far it follows its command, of an "
      "open one how far the closed loop is from instability."},

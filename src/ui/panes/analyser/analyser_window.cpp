@@ -13,6 +13,7 @@
 #include "ui/panes/analyser/margins_window.h"
 #include "ui/panes/analyser/response_cursors.h"
 #include "ui/panes/analyser/response_menu.h"
+#include "ui/panes/analyser/response_view_menu.h"
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/swatch.h"
@@ -41,6 +42,9 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   ui_->PBPlot->SetAnalyser(analyser);
   axes_ = new AnalyserAxes(*ui_, analyser, this);
   menu_ = new ResponseMenu(analyser, MakeExports(bench, names.File), this);
+  viewMenu_ = new ResponseViewMenu(analyser, this);
+  menu_->Menu().addMenu(&viewMenu_->Menu());
+  ui_->SBView->setMenu(&viewMenu_->Menu());
   cursors_ = new ResponseCursors(analyser, names.Cursors, this);
   margins_ = new MarginsWindow(analyser, this);
   ConnectRun();
@@ -56,7 +60,7 @@ QMenu& AnalyserWindow::MakeExports(const ZelBenchTop& bench, const char* file) {
   const QString model = QString::fromStdString(bench.ModelName());
   auto* exports = new ExportMenu(
       *ui_->PBPlot, {QStringLiteral("%1 - %2").arg(model, windowTitle()), QLatin1String(file),
-                     [this] { return ResponsePicture(analyser_); },
+                     [this] { return ResponsePicture(analyser_, ui_->PBPlot->Look()); },
                      [this] { return ShownResponsesCsv(analyser_); }});
   // The plot has a larger menu, of which this one is a part.
   ui_->PBPlot->setContextMenuPolicy(Qt::DefaultContextMenu);
@@ -129,7 +133,7 @@ void AnalyserWindow::ShowSwatches() {
 }
 
 void AnalyserWindow::SetLook(const TraceLook& look) {
-  ui_->PBPlot->SetColours(look.Colours);
+  ui_->PBPlot->SetLook(look);
 }
 
 void AnalyserWindow::ConnectCursors(ZelUndo& history) {
@@ -210,6 +214,16 @@ void AnalyserWindow::ShowTraces() {
   menu_->Show();
 }
 
+// Scales that the plot does not have cannot be set.
+void AnalyserWindow::ShowView() {
+  viewMenu_->Show();
+  const ResponsePlot plot = analyser_.View().Plot;
+  const bool nyquist = plot == ResponsePlot::Nyquist;
+  ui_->GainPage->setEnabled(!nyquist);
+  ui_->PhasePage->setEnabled(!nyquist &&
+                             (plot == ResponsePlot::Nichols || !analyser_.ShowsDelay()));
+}
+
 void AnalyserWindow::ShowCursors() {
   const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
   Check(*modes[static_cast<std::size_t>(analyser_.Cursors())], true);
@@ -242,6 +256,7 @@ void AnalyserWindow::SettingsChanged() {
   axes_->Show();
   ShowSignals();
   ShowTraces();
+  ShowView();
   {
     const QSignalBlocker blocker(ui_->CmBFindType);
     ui_->CmBFindType->setCurrentText(QString::fromStdString(analyser_.FindType()));

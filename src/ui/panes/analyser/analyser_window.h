@@ -16,6 +16,7 @@ class AnalyserAxes;
 class MarginsWindow;
 class ResponseCursors;
 class ResponseMenu;
+class ResponseViewMenu;
 
 namespace Ui {
 class AnalyserForm;
@@ -76,6 +77,7 @@ class AnalyserWindow : public InstrumentPane {
   void ConnectCursors(ZelUndo& history);
   void ShowSignals();
   void ShowTraces();
+  void ShowView();
   void ShowCursors();
   void ShowMargins();
   void ShowWarnings();
@@ -89,6 +91,7 @@ class AnalyserWindow : public InstrumentPane {
   std::unique_ptr<Ui::AnalyserForm> ui_;
   AnalyserAxes* axes_ = nullptr;
   ResponseMenu* menu_ = nullptr;
+  ResponseViewMenu* viewMenu_ = nullptr;
   ResponseCursors* cursors_ = nullptr;
   MarginsWindow* margins_ = nullptr;
   std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};

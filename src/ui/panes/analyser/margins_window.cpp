@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLayout>
 #include <algorithm>
+#include <cmath>
 
 #include "core/text.h"
 
@@ -40,13 +41,15 @@ void MarginsWindow::ReadTrace() {
   highest_ = 0.0;
   const int slot = analyser_.CursorSlot();
   if (analyser_.TraceAt(slot).Shown && analyser_.HasData(slot) && !analyser_.OutputOnly()) {
-    const Margins& margins = reader_.Read(analyser_, slot);
+    const bool opened = analyser_.View().OpenLoop;
+    const Margins& margins = reader_.Read(analyser_, slot, opened);
     if (margins.Closed) {
       AddBandwidths(margins);
       AddMargins(reader_.Read(analyser_, slot, true), false);
     } else {
       AddMargins(margins, true);
     }
+    if (analyser_.View().Unwrapped) MoveMarksToTrace(slot);
   }
   if (rows_.isEmpty()) rows_ << QStringList{Unavailable, {}, {}, {}};
   SetCells({QStringLiteral("Measure"), QStringLiteral("Value"), QStringLiteral("Unit"),
@@ -108,6 +111,17 @@ void MarginsWindow::AddMargins(const Margins& margins, bool onPlot) {
       [](const Margins::Reading& one) {
         return ResponseMark{Gain, one.Hz, 0.0, -one.Value, Figure(one.Value) + " dB"};
       });
+}
+
+// An unwrapped phase may have made turns.
+void MarginsWindow::MoveMarksToTrace(int slot) {
+  for (ResponseMark& mark : marks_) {
+    const auto phase = analyser_.PhaseRead(slot, mark.Hz);
+    if (mark.Quantity != ResponseQuantity::Phase || !phase) continue;
+    const double turns = 360.0 * std::round((*phase - mark.To) / 360.0);
+    mark.From += turns;
+    mark.To += turns;
+  }
 }
 
 void MarginsWindow::closeEvent(QCloseEvent* event) {

@@ -19,7 +19,8 @@ QString Text(const std::optional<double>& value) {
 }
 
 QStringList Row(const QString& name, const CursorPoint& point) {
-  return {name, QString::fromStdString(FormatEdit(point.Hz)), Text(point.Gain), Text(point.Phase)};
+  return {name, QString::fromStdString(FormatEdit(point.Hz)), Text(point.Gain), Text(point.Phase),
+          Text(point.Delay)};
 }
 
 }  // namespace
@@ -66,9 +67,10 @@ void ResponseCursors::ShowReading(int plotWidth) {
     rows << Row(QStringLiteral("Cursor %1").arg(i + 1), reading.Points[i]);
   }
   if (reading.Difference) rows << Row(QStringLiteral("Difference"), *reading.Difference);
-  SetCells({QString(), QStringLiteral("Freq (Hz)"), QStringLiteral("Gain (dB)"),
-            QStringLiteral("Phase (deg)")},
-           rows);
+  QStringList captions{QString(), QStringLiteral("Freq (Hz)"), QStringLiteral("Gain (dB)"),
+                       QStringLiteral("Phase (deg)")};
+  if (analyser_.ShowsDelay()) captions << QStringLiteral("Delay (s)");
+  SetCells(captions, rows);
   slope_->setVisible(reading.Difference.has_value());
   slope_->setText(QStringLiteral("Slope %1 dB/decade").arg(Text(reading.Slope)));
   traces_[static_cast<std::size_t>(analyser_.CursorSlot())]->setChecked(true);

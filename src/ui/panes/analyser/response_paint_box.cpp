@@ -26,6 +26,7 @@ ResponsePaintBox::ResponsePaintBox(QWidget* parent) : QWidget(parent) {
 void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
   analyser_ = &analyser;
   painter_.emplace(analyser);
+  plane_.emplace(analyser);
   PaintAll();
 }
 
@@ -59,10 +60,15 @@ void ResponsePaintBox::PaintAll() {
   const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
   if (picture_.size() != pixels) picture_ = QPixmap(pixels);
   picture_.setDevicePixelRatio(ratio_);
-  painter_->Layout(pixels, ratio_);
+  painter_->Layout(pixels, ratio_, look_);
   QPainter painter(&picture_);
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
-  painter_->Paint(painter, Colours());
+  if (ShowsPlane()) {
+    plane_->Layout(pixels, ratio_, look_);
+    plane_->Paint(painter, Colours());
+  } else {
+    painter_->Paint(painter, Colours());
+  }
   stale_ = false;
 }
 
@@ -72,14 +78,23 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
   if (!painter_) return;
   painter.scale(1.0 / ratio_, 1.0 / ratio_);
   const ScopeColours colours = Colours();
-  painter_->PaintMarks(painter, colours, marks_);
-  painter_->PaintCursors(painter, colours);
+  if (ShowsPlane()) {
+    plane_->PaintCursors(painter, colours, PlotWidth());
+  } else {
+    painter_->PaintMarks(painter, colours, marks_);
+    painter_->PaintCursors(painter, colours);
+  }
   if (!hasFocus()) return;
   painter.setPen(palette().color(QPalette::Highlight));
   painter.drawRect(QRect(QPoint(), picture_.size() - QSize(1, 1)));
 }
 
+// In a plane, of the point that is nearest.
 int ResponsePaintBox::ColumnAt(const QMouseEvent& event) const {
+  if (ShowsPlane()) {
+    const double hz = plane_->HzNear(event.position() * ratio_).value_or(analyser_->FreqMin());
+    return static_cast<int>(std::lround(analyser_->AxisShare(hz) * PlotWidth()));
+  }
   return static_cast<int>(std::lround(event.position().x() * ratio_)) -
          painter_->GainPlate().left();
 }
@@ -154,16 +169,16 @@ void ResponsePaintBox::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) emit ColoursChanged();
 }
 
-void ResponsePaintBox::SetColours(TraceColours traces) {
-  if (traces_ == traces) return;
-  traces_ = traces;
+void ResponsePaintBox::SetLook(const TraceLook& look) {
+  if (look_ == look) return;
+  look_ = look;
   stale_ = true;
   Refresh();
   emit ColoursChanged();
 }
 
 ScopeColours ResponsePaintBox::Colours() const {
-  return ColoursFor(palette(), traces_);
+  return ColoursFor(palette(), look_.Colours);
 }
 
 }  // namespace torvane

@@ -4,14 +4,15 @@
 #include <QWidget>
 #include <optional>
 
+#include "plot/plane_painter.h"
 #include "plot/response_painter.h"
 
 namespace torvane {
 
-/// The paint box of an analyser's window: gain and phase with their legend, and the cursors over
-/// them. Traces are painted only when they have changed; the cursors every time. The mouse drags
-/// the cursor that is nearer, the arrow keys move the first one and with Shift the second, by ten
-/// columns with Ctrl.
+/// The paint box of an analyser's window: gain and phase, or their Nyquist or Nichols plot,
+/// with their legend, and the cursors over them. Traces are painted only when they have changed;
+/// the cursors every time. The mouse drags the cursor that is nearer, the arrow keys move the first
+/// one and with Shift the second, by ten columns with Ctrl.
 class ResponsePaintBox : public QWidget {
   Q_OBJECT
 
@@ -21,7 +22,8 @@ class ResponsePaintBox : public QWidget {
   /// The analyser to show; it must outlive this widget's use of it.
   void SetAnalyser(FrequencyAnalyser& analyser);
 
-  void SetColours(TraceColours traces);
+  void SetLook(const TraceLook& look);
+  const TraceLook& Look() const { return look_; }
   ScopeColours Colours() const;
 
   /// Columns of the plot, which cursors and searches count.
@@ -59,6 +61,7 @@ class ResponsePaintBox : public QWidget {
   void changeEvent(QEvent* event) override;
 
  private:
+  bool ShowsPlane() const { return analyser_->View().Plot != ResponsePlot::Bode; }
   void PaintAll();
   void MoveTo(int cursor, int column);
   void EndMove();
@@ -66,7 +69,8 @@ class ResponsePaintBox : public QWidget {
 
   FrequencyAnalyser* analyser_ = nullptr;
   std::optional<ResponsePainter> painter_;
-  TraceColours traces_ = TraceColours::Standard;
+  std::optional<PlanePainter> plane_;  // for the views without a frequency axis
+  TraceLook look_;
   std::vector<ResponseMark> marks_;
   QPixmap picture_;
   double ratio_ = 0.0;          // device pixels a pixel that the picture was made for
