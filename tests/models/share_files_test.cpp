@@ -24,6 +24,12 @@ std::string DrawingOf(const ZelModel& model) {
   return std::filesystem::path(picture).replace_extension(".svg").string();
 }
 
+/// A model that names no description has one beside its drawing, for its experiments.
+std::string DescriptionOf(const ZelModel& model) {
+  if (!model.TextFile().empty()) return model.TextFile();
+  return std::filesystem::path(DrawingOf(model)).replace_extension(".txt").string();
+}
+
 std::string ReadFile(const std::string& name) {
   std::ifstream file(Folder / name, std::ios::binary);
   EXPECT_TRUE(file) << name;
@@ -85,8 +91,7 @@ class ShareFiles : public ::testing::TestWithParam<std::string> {
   }
 
   test::Loop loop_{GetParam()};
-  const std::string text_ =
-      loop_.Model().TextFile().empty() ? "" : ReadFile(loop_.Model().TextFile());
+  const std::string text_ = ReadFile(DescriptionOf(loop_.Model()));
 };
 
 TEST_P(ShareFiles, DrawingNamesEveryConstantAndNothingElse) {
@@ -102,7 +107,6 @@ TEST_P(ShareFiles, DrawingNamesEveryConstantAndNothingElse) {
 }
 
 TEST_P(ShareFiles, DescriptionListsEveryConstantWithItsDefault) {
-  if (text_.empty()) return;
   EXPECT_TRUE(text_.starts_with(GetParam() + "\n"));
   const std::string table = text_.substr(text_.find("\nCONSTANTS"));
   for (const Constant* constant : Bench().Constants()) {
@@ -120,7 +124,6 @@ TEST_P(ShareFiles, DescriptionListsEveryConstantWithItsDefault) {
 }
 
 TEST_P(ShareFiles, ExperimentsCanBeDoneAsWritten) {
-  if (text_.empty()) return;
   const std::size_t experiments = Found(text_, "\n([1-9])\\. ").size();
   EXPECT_TRUE(experiments == 3 || experiments == 4) << experiments;
   for (const std::string& text : Instructions(text_, "Set")) {
@@ -149,7 +152,7 @@ TEST(ShareFolder, HoldsTheFilesThatModelsNameAndNoOthers) {
   for (const std::string& name : ModelNames()) {
     const auto model = LoadModel(FindModel(name));
     EXPECT_FALSE(model->PictureFile().empty() && model->TextFile().empty()) << name;
-    named.insert({DrawingOf(*model), model->TextFile()});
+    named.insert({DrawingOf(*model), DescriptionOf(*model)});
   }
   std::set<std::string> present{""};
   for (const auto& entry : std::filesystem::directory_iterator(Folder)) {
