@@ -31,20 +31,37 @@ struct Reference {
     File = word();
     Command = word();
     Model = word();
-    for (std::string name = word(); !name.empty(); name = word()) {
-      Options.emplace_back(name, word());
-    }
+    for (std::string name = word(); !name.empty(); name = word()) Take(name, word());
   }
 
-  double Number(const std::string& name) const {
-    for (const auto& [option, value] : Options) {
-      if (option == name) return ParseNumber(value).value();
+  /// What is set becomes lines of a model file.
+  void Take(const std::string& option, std::string value) {
+    static const std::map<std::string, std::string> records{
+        {"--set", "Constant"},
+        {"--wave", "WaveGen"},
+        {"--order", "Xfer,MainXFer,Order"},
+        {"--tsample", "Xfer,MainXFer,tSample"},
+        {"--input", "Xfer,MainXFer,InputChannel"},
+        {"--output", "Xfer,MainXFer,OutputChannel"},
+        {"--amplitude", "Xfer,MainXFer,ExAmplitude"},
+        {"--offset", "Xfer,MainXFer,ExOffset"},
+        {"--start-delay", "Xfer,MainXFer,tStartDelay"},
+        {"--end-delay", "Xfer,MainXFer,tEndDelay"}};
+    if (!records.contains(option)) {
+      Numbers[option] = ParseNumber(value).value_or(0.0);
+      return;
     }
-    return 0.0;
+    // 15-1, 16-1 and 16-2 have sources of the command and of the disturbance.
+    if (option == "--wave" && value.find(':') == std::string::npos) {
+      value.insert(0, Model.starts_with("1") ? "Command Source:" : "MainWaveGen:");
+    }
+    std::ranges::replace_if(
+        value, [](char c) { return c == '=' || c == ':'; }, ',');
+    Settings += records.at(option) + "," + value + "\n";
   }
 
-  std::string File, Command, Model;
-  test::Settings Options;
+  std::string File, Command, Model, Settings;
+  std::map<std::string, double> Numbers;
 };
 
 void PrintTo(const Reference& reference, std::ostream* stream) {
@@ -67,30 +84,6 @@ Fields Split(const std::string& text) {
   return fields;
 }
 
-/// The options as lines of a model file.
-std::string SettingsOf(const Reference& reference, const std::string& generator) {
-  const std::map<std::string, std::string> starts{{"--set", "Constant"},
-                                                  {"--wave", "WaveGen"},
-                                                  {"--order", "Xfer,MainXFer,Order"},
-                                                  {"--tsample", "Xfer,MainXFer,tSample"},
-                                                  {"--input", "Xfer,MainXFer,InputChannel"},
-                                                  {"--output", "Xfer,MainXFer,OutputChannel"},
-                                                  {"--amplitude", "Xfer,MainXFer,ExAmplitude"},
-                                                  {"--offset", "Xfer,MainXFer,ExOffset"},
-                                                  {"--start-delay", "Xfer,MainXFer,tStartDelay"},
-                                                  {"--end-delay", "Xfer,MainXFer,tEndDelay"}};
-  std::string lines;
-  for (auto [option, value] : reference.Options) {
-    if (!starts.contains(option)) continue;
-    if (option == "--wave" && value.find(':') == std::string::npos)
-      value.insert(0, generator + ":");
-    std::replace_if(
-        value.begin(), value.end(), [](char c) { return c == '=' || c == ':'; }, ',');
-    lines += starts.at(option) + "," + value + "\n";
-  }
-  return lines;
-}
-
 /// A row at time 0 and one whenever a step comes to within a millionth of it of the next instant.
 std::vector<Row> Trajectory(Loop& loop, const Reference& reference, const Fields& signals) {
   std::vector<Row> rows;
@@ -101,8 +94,8 @@ std::vector<Row> Trajectory(Loop& loop, const Reference& reference, const Fields
     }
   };
   const double near = 1e-6 * loop.Model().Solver().Step();
-  const double end = reference.Number("--until") - near;
-  const double every = reference.Number("--every");
+  const double end = reference.Numbers.at("--until") - near;
+  const double every = reference.Numbers.at("--every");
   write();
   while (loop.Model().Time() < end) {
     const double due = (std::floor((loop.Model().Time() + near) / every) + 1.0) * every - near;
@@ -127,8 +120,7 @@ class ReferenceTest : public testing::TestWithParam<Reference> {};
 TEST_P(ReferenceTest, IsWhatTheModelDoes) {
   const Reference& reference = GetParam();
   Loop loop(reference.Model);
-  const auto& generators = loop.Bench().Instruments(InstrumentKind::WaveGenerator);
-  loop.Load(SettingsOf(reference, generators.front()->Name()));
+  loop.Load(reference.Settings);
 
   std::ifstream file(Folder + reference.File);
   std::string line;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 #include <string>
 
 #include "core/constant.h"
@@ -19,7 +21,9 @@ class LimitCheck {
   /// What was found, a line each; empty when all is well.
   static std::string Run(const ZelModel& model) {
     LimitCheck check;
-    check.Constants(model.Bench());
+    for (const Constant* c : model.Bench().Constants()) {
+      check.Expect(c->Value() >= c->Lower() && c->Value() <= c->Upper(), c->Name());
+    }
     check.Each<ZelScope>(model, InstrumentKind::Scope);
     check.Each<ZelXfer>(model, InstrumentKind::FftAnalyser);
     check.Each<ZelSweptDSA>(model, InstrumentKind::SweptSine);
@@ -31,13 +35,21 @@ class LimitCheck {
   }
 
  private:
+  using Numbers = std::initializer_list<double>;
+
   void Expect(bool good, const std::string& what) {
     if (!good) found_ += what + "\n";
   }
-  void Finite(double x, const std::string& what) { Expect(std::isfinite(x), what); }
-  void Positive(double x, const std::string& what) { Expect(std::isfinite(x) && x > 0.0, what); }
-  void NotNegative(double x, const std::string& what) {
-    Expect(std::isfinite(x) && x >= 0.0, what);
+  /// Each of the numbers is finite and at least, or above, 0; a report gives its place in the list.
+  void Finite(const std::string& what, Numbers numbers) { Bounded(what, numbers, -HUGE_VAL); }
+  void Positive(const std::string& what, Numbers numbers) { Bounded(what, numbers, 0.0); }
+  void NotNegative(const std::string& what, Numbers numbers) {
+    Bounded(what, numbers, -std::numeric_limits<double>::denorm_min());
+  }
+  void Bounded(const std::string& what, Numbers numbers, double above) {
+    for (const double& x : numbers) {
+      Expect(std::isfinite(x) && x > above, what + " " + std::to_string(&x - numbers.begin()));
+    }
   }
 
   template <class Kind>
@@ -51,90 +63,63 @@ class LimitCheck {
     }
   }
 
-  void Constants(const ZelBenchTop& bench) {
-    for (const Constant* c : bench.Constants()) {
-      Expect(c->Value() >= c->Lower() && c->Value() <= c->Upper(), c->Name());
-    }
-  }
-
   void Look(const ZelScope& scope) {
     int displayed = 0;
     int horizontal = scope.TimeChannel().IsHorizontal() ? 1 : 0;
-    Axis(scope.TimeChannel());
+    Axes(scope.TimeChannel());
     for (const auto& channel : scope.Channels()) {
-      Axis(*channel);
+      Axes(*channel);
       displayed += channel->Displayed() ? 1 : 0;
       horizontal += channel->IsHorizontal() ? 1 : 0;
     }
     Expect(displayed <= TraceColourCount, "displayed channels");
     Expect(horizontal == 1, "horizontal channels");
-    Positive(scope.SampleInterval(), "sample interval");
-    Finite(scope.Trigger().Level(), "trigger level");
-    Finite(scope.Trigger().Position(), "trigger position");
-    Finite(scope.Trigger().InitialDelayTime(), "initial delay");
-    Finite(scope.Trigger().DelayAfterTime(), "delay after");
+    const ZelTrigger& trigger = scope.Trigger();
+    Positive("sample interval", {scope.SampleInterval()});
+    Finite("trigger", {trigger.Level(), trigger.Position(), trigger.InitialDelayTime(),
+                       trigger.DelayAfterTime()});
   }
 
-  void Axis(const ZelChannel& channel) {
+  void Axes(const ZelChannel& channel) {
     for (const AxisScale& axis : {channel.Vertical(), channel.Horizontal()}) {
-      Positive(std::abs(axis.Scale), "scale of " + channel.Name());
-      Finite(axis.Offset, "offset of " + channel.Name());
+      Positive("scale of " + channel.Name(), {std::abs(axis.Scale)});
+      Finite("offset of " + channel.Name(), {axis.Offset});
     }
   }
 
-  void Plot(const FrequencyAnalyser& analyser) {
-    Positive(analyser.FreqMin(), "FreqMin");
-    Expect(std::isfinite(analyser.FreqMax()) && analyser.FreqMax() > 1.009 * analyser.FreqMin(),
-           "FreqMax");
-    Positive(analyser.GainScale(), "GainScale");
-    Positive(analyser.PhaseScale(), "PhaseScale");
-    Finite(analyser.GainOffset(), "GainOffset");
-    Finite(analyser.PhaseOffset(), "PhaseOffset");
+  void Plot(const FrequencyAnalyser& a) {
+    Positive("axes",
+             {a.FreqMin(), a.FreqMax() - 1.009 * a.FreqMin(), a.GainScale(), a.PhaseScale()});
+    Finite("axes' offsets", {a.GainOffset(), a.PhaseOffset()});
   }
 
   void Look(const ZelXfer& xfer) {
     Plot(xfer);
     Expect(xfer.Order() >= ZelXfer::MinOrder && xfer.Order() <= xfer.MaxOrder(), "Order");
-    Positive(xfer.TSample(), "Xfer tSample");
-    NotNegative(xfer.TStartDelay(), "tStartDelay");
-    NotNegative(xfer.TEndDelay(), "tEndDelay");
-    Expect(xfer.TEndDelay() < xfer.Length() * xfer.TSample(), "tEndDelay of the record");
-    NotNegative(xfer.Amplitude(), "Xfer amplitude");
-    Finite(xfer.Offset(), "Xfer offset");
+    Positive("Xfer", {xfer.TSample(), xfer.Length() * xfer.TSample() - xfer.TEndDelay()});
+    NotNegative("Xfer", {xfer.TStartDelay(), xfer.TEndDelay(), xfer.Amplitude()});
+    Finite("Xfer", {xfer.Offset()});
   }
 
-  void Look(const ZelSweptDSA& swept) {
-    Plot(swept);
-    Positive(swept.TSample(), "SweptDSA tSample");
-    Positive(swept.StartFreq(), "StartFreq");
-    Positive(swept.EndFreq(), "EndFreq");
-    Expect(swept.StepsPerDecade() > 0, "StepsPerDecade");
-    NotNegative(swept.SettleTime(), "SettleTime");
-    NotNegative(swept.MeasurementTime(), "MeasurementTime");
-    NotNegative(swept.Amplitude(), "SweptDSA amplitude");
-    Finite(swept.Offset(), "SweptDSA offset");
+  void Look(const ZelSweptDSA& s) {
+    Plot(s);
+    Positive("SweptDSA", {s.TSample(), s.StartFreq(), s.EndFreq(), 1.0 * s.StepsPerDecade()});
+    NotNegative("SweptDSA", {s.SettleTime(), s.MeasurementTime(), s.Amplitude()});
+    Finite("SweptDSA", {s.Offset()});
   }
 
-  void Look(const ZelMeter& meter) {
-    Expect(meter.Measured() && meter.CorrVar() && meter.HarmonicXferVar(), "meter's variables");
-    Positive(meter.TSample(), "meter TSample");
-    NotNegative(meter.Lpf(), "Lpf");
-    NotNegative(meter.AcHpf(), "ACHpf");
-    Positive(meter.HarmonicFreq(), "HarmonicFreq");
-    NotNegative(meter.TWindow(), "TWindow");
-    Finite(meter.ExcitationMag(), "ExcitationMag");
-    Finite(meter.ExcitationOff(), "ExcitationOff");
-    Finite(meter.ExcitationMult(), "ExcitationMult");
+  void Look(const ZelMeter& m) {
+    Expect(m.Measured() && m.CorrVar() && m.HarmonicXferVar(), "meter's variables");
+    Positive("meter", {m.TSample(), m.HarmonicFreq()});
+    NotNegative("meter", {m.Lpf(), m.AcHpf(), m.TWindow()});
+    Finite("meter", {m.ExcitationMag(), m.ExcitationOff(), m.ExcitationMult()});
   }
 
   void Look(const ZelWave& wave) {
     const WaveSettings& s = wave.Settings();
     Expect(s.Index >= 0 && s.Index < ZelWave::WaveformCount, "Waveform");
-    NotNegative(s.FreqHz, "FreqHz");
-    Finite(s.Amplitude, "Amplitude");
-    Finite(s.Offset, "Offset");
-    Finite(s.PhaseDeg, "PhaseDeg");
-    Expect(s.DutyCycle >= 0.0 && s.DutyCycle <= 100.0, "DutyCycle");
+    NotNegative("WaveGen", {s.FreqHz, s.DutyCycle, 100.0 - s.DutyCycle});
+    Finite("WaveGen", {s.Amplitude, s.Offset, s.PhaseDeg});
   }
 
   std::string found_;
