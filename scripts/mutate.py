@@ -89,6 +89,8 @@ class Limit:
     cpu: int = 600
 
     def apply(self):
+        for number in (signal.SIGHUP, signal.SIGINT, signal.SIGTERM):
+            signal.signal(number, signal.SIG_DFL)  # ignored in the background; tests send them
         resource.setrlimit(resource.RLIMIT_CPU, (self.cpu, self.cpu))
         resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
         resource.setrlimit(resource.RLIMIT_AS, (1 << 33, 1 << 33))
