@@ -381,14 +381,16 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
     painter.drawLine(from, to);
     painter.setBrush(colours.Cursor);
     painter.drawEllipse(to, r, r);
-    // To the side on which there is room.
+    // To the side on which there is room, above or below what falls with frequency.
     const QFontMetrics metrics(numberFont_);
     const QString text = Text(mark.Text);
     const int width = metrics.horizontalAdvance(text);
     const double gap = r + Scaled(LabelGap);
     const bool left = to.x() + gap + width > axis.Plate.right();
     painter.setPen(colours.Text);
-    painter.drawText(QPointF(left ? to.x() - gap - width : to.x() + gap, to.y() - gap), text);
+    painter.drawText(left ? QPointF(to.x() - gap - width, to.y() + gap + metrics.ascent())
+                          : QPointF(to.x() + gap, to.y() - gap),
+                     text);
   }
   painter.restore();
 }

@@ -14,6 +14,8 @@ namespace torvane {
 
 namespace {
 
+constexpr int FigureLength = 12;  // with the room around it
+
 QString Text(const std::optional<double>& value) {
   return value ? QString::fromStdString(FormatEdit(*value)) : ReadOutWindow::Unavailable;
 }
@@ -71,6 +73,8 @@ void ResponseCursors::ShowReading(int plotWidth) {
                        QStringLiteral("Phase (deg)")};
   if (analyser_.ShowsDelay()) captions << QStringLiteral("Delay (s)");
   SetCells(captions, rows);
+  const int figure = Table().fontMetrics().horizontalAdvance(QString(FigureLength, u'0'));
+  setMinimumWidth(figure * static_cast<int>(captions.size()));
   slope_->setVisible(reading.Difference.has_value());
   slope_->setText(QStringLiteral("Slope %1 dB/decade").arg(Text(reading.Slope)));
   traces_[static_cast<std::size_t>(analyser_.CursorSlot())]->setChecked(true);
