@@ -28,6 +28,17 @@ class WorkspaceTest : public test::Desktop {
     }
     throw std::runtime_error("no such frame");
   }
+  /// Whether none covers another, and the part of the area that they cover.
+  std::pair<bool, double> Cover() {
+    std::vector<QRect> places;
+    double covered = 0.0;
+    for (InstrumentFrame* frame : Area().Frames()) {
+      if (!frame->isVisible()) continue;
+      places.push_back(frame->geometry());
+      covered += 1.0 * frame->width() * frame->height();
+    }
+    return {AreApart(places, Area().size()), covered / Area().width() / Area().height()};
+  }
   InstrumentFrame& Generator() { return Frame(InstrumentKind::WaveGenerator); }
 };
 
@@ -52,15 +63,50 @@ TEST_F(WorkspaceTest, SubWindowsFillASmallDisplayWithoutOverlap) {
 TEST_F(WorkspaceTest, SubWindowsFollowTheAreaUntilTheUserMovesOne) {
   InstrumentFrame& scope = *Area().Frames()[0];
   const int width = scope.width();
-  Panel->resize(Small + QSize(200, 0));
+  Panel->resize(Small + QSize(80, 0));
   QTest::qWait(10);
-  EXPECT_EQ(scope.width(), width + 200);
+  EXPECT_EQ(scope.width(), width + 80);
   scope.resize(500, 400);
   Panel->resize(Small);
   QTest::qWait(10);
   EXPECT_EQ(scope.size(), QSize(500, 400));
   Trigger("MIFillScreen");
   EXPECT_EQ(scope.width(), width);
+}
+
+// Two analysers in half a display each had plots of 30 pixels, and meters stood behind them.
+TEST_F(WorkspaceTest, AnalysersAndMetersFindRoomOrTakeIt) {
+  const struct {
+    QSize Size;
+    bool Apart;
+    bool Both;
+  } cases[] = {{{800, 600}, false, false}, {Small, true, false}, {{1920, 1080}, true, true}};
+  for (const auto& [size, apart, both] : cases) {
+    Panel->resize(size);
+    ChooseModel(both            ? "16-2 PID Position Loop"
+                : size == Small ? "3-1 PI Controller"
+                                : "4-1 Digital PI Controller");
+    InstrumentFrame& fft = Frame(InstrumentKind::FftAnalyser);
+    InstrumentFrame& swept = Frame(InstrumentKind::SweptSine);
+    Area().SetShown(fft.Pane().Engine(), true);
+    EXPECT_EQ(Cover().first, apart);
+    EXPECT_TRUE(!apart || Cover().second > 0.97) << size.width();
+    Area().Toggle(InstrumentKind::SweptSine);
+    EXPECT_TRUE(swept.isVisible());
+    EXPECT_EQ(fft.isVisible(), both);
+    EXPECT_EQ(Cover().first, apart);
+    EXPECT_GE(swept.findChild<QWidget*>("PBPlot")->height(), 280);
+    Trigger("MIAddMeter");
+    Trigger("MIAddMeter");
+    EXPECT_EQ(Cover().first, apart);
+    EXPECT_EQ(Area().subWindowList(QMdiArea::StackingOrder).back(), Area().Frames().back());
+    Area().SetShown(swept.Pane().Engine(), false);
+    EXPECT_TRUE(fft.isVisible());
+  }
+  // Among windows that the user has placed.
+  Area().Frames()[0]->resize(500, 400);
+  Trigger("MIAddMeter");
+  EXPECT_TRUE(Cover().first);
 }
 
 TEST_F(WorkspaceTest, TheEngineKnowsTheWindowsPlacement) {

@@ -6,156 +6,211 @@ namespace torvane {
 
 namespace {
 
-constexpr int Gap = 4;                 // between windows and around them, pixels
-constexpr int ComfortableWidth = 600;  // of a window with a plot beside other plots
-constexpr double ScopesShare = 0.56;   // of the width of all plots: constants stand beside theirs
+constexpr int Gap = 4;                  // between windows and around them, pixels
+constexpr int ComfortableWidth = 600;   // of a window with a plot beside other plots
+constexpr int ComfortableHeight = 680;  // of scopes above small windows, where they could be beside
+constexpr double ScopesShare = 0.56;    // of the width of all plots: constants stand beside theirs
+constexpr int GrowthStep = 8;           // in the search for an area
 
-// A gap beside or below each window.
-void Stack(QSize& stack, const QSize& one) {
-  stack = {std::max(stack.width(), one.width() + Gap), stack.height() + one.height() + Gap};
-}
+using Tiles = std::vector<Tile>;
+using Places = std::vector<QRect>;
 
-QSize Beside(const QSize& left, const QSize& right) {
-  return {left.width() + right.width(), std::max(left.height(), right.height())};
-}
-
-QSize Below(const QSize& upper, const QSize& lower) {
-  return {std::max(upper.width(), lower.width()), upper.height() + lower.height()};
-}
-
-// What the windows of each role need, with their gaps.
-struct Needs {
-  QSize Scopes{0, 0};
-  QSize Analysers{0, 0};
-  QSize Column{0, 0};  // of the small ones
-  QSize Row{0, 0};
-  int ScopeCount = 0;
-  int AnalyserCount = 0;
-
-  explicit Needs(const std::vector<Tile>& tiles) {
-    for (const Tile& tile : tiles) {
-      if (tile.Role == TileRole::Scope) {
-        ++ScopeCount;
-        Stack(Scopes, tile.Least);
-      } else if (tile.Role == TileRole::Analyser) {
-        ++AnalyserCount;
-        Stack(Analysers, tile.Least);
-      } else {
-        const QSize needed(tile.Least.width(), tile.Wanted.height());
-        Stack(Column, needed);
-        Row = {Row.width() + needed.width() + Gap, std::max(Row.height(), needed.height() + Gap)};
-      }
-    }
-  }
-
-  QSize WithColumn() const { return Beside(Scopes, Column) + QSize(Gap, Gap); }
-  QSize WithRow() const { return Below(Scopes, Row) + QSize(Gap, Gap); }
-  QSize Columns() const { return Beside(Beside(Scopes, Analysers), Column) + QSize(Gap, Gap); }
-  QSize Sides() const { return Beside(Below(Scopes, Row), Analysers) + QSize(Gap, Gap); }
-};
-
-bool Holds(const QSize& area, const QSize& needed) {
-  return needed.width() <= area.width() && needed.height() <= area.height();
-}
-
-// A column of the area, filled from above.
-struct Shelf {
-  QRect Room;
-  int Each = 0;  // height of one of the windows that share the column
-
-  QRect Share(const QSize& least) {
-    const QRect place(Room.topLeft(), QSize(Room.width(), Each).expandedTo(least));
-    Room.setTop(Room.top() + Each + Gap);
-    return place;
-  }
-  QRect Take(int height) {
-    const QRect place(Room.topLeft(), QSize(Room.width(), height));
-    Room.setTop(Room.top() + height + Gap);
-    return place;
-  }
-  QRect TakeBeside(const QSize& size) {
-    const QRect place(Room.topLeft(), size);
-    Room.setLeft(Room.left() + size.width() + Gap);
-    return place;
-  }
-};
-
-// `width` and `height` with their gaps; the height is shared by so many.
-Shelf MakeShelf(const QPoint& corner, int width, int height, int count) {
-  const int each = height / std::max(count, 1) - Gap;
-  return {QRect(corner, QSize(width - Gap, height - Gap)), each};
-}
-
-// Two columns of plots share a width; each has what it needs at least.
-int ShareOfScopes(const Needs& needs, int width) {
-  if (needs.ScopeCount == 0) return 0;
-  if (needs.AnalyserCount == 0) return width;
-  const int most = std::max(width - needs.Analysers.width(), needs.Scopes.width());
-  return std::clamp(static_cast<int>(ScopesShare * width), needs.Scopes.width(), most);
-}
-
-bool IsAmple(const Needs& needs, const QSize& area) {
-  const int room = area.width() - Gap - needs.Column.width();
-  const int plots = (needs.ScopeCount > 0 ? 1 : 0) + (needs.AnalyserCount > 0 ? 1 : 0);
-  return Holds(area, needs.Columns()) && room >= plots * (ComfortableWidth + Gap);
-}
-
-struct Shelves {
-  Shelf Scopes;
-  Shelf Analysers;
-  Shelf Small;
-  bool Row;  // the small ones stand side by side
-};
-
-Shelves MakeShelves(const Needs& needs, const QSize& area) {
-  const QPoint corner(Gap, Gap);
-  const QSize room = area - QSize(Gap, Gap);
-  const bool sides = needs.AnalyserCount > 0 && !IsAmple(needs, area);
-  const bool narrow = needs.AnalyserCount == 0 && needs.WithColumn().width() > area.width() &&
-                      Holds(area, needs.WithRow());
-  const bool row = sides || narrow;
-  const int plots = row ? room.width() : room.width() - needs.Column.width();
-  const int left = sides ? std::max(ShareOfScopes(needs, plots), needs.Row.width())
-                         : ShareOfScopes(needs, plots);
-  const int height = row ? room.height() - needs.Row.height() : room.height();
-  const QPoint small = row ? corner + QPoint(0, height) : corner + QPoint(plots, 0);
-  return {MakeShelf(corner, left, height, needs.ScopeCount),
-          MakeShelf(corner + QPoint(left, 0), plots - left, room.height(), needs.AnalyserCount),
-          MakeShelf(small, needs.Column.width(), room.height(), 1), row};
-}
-
-}  // namespace
-
-std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area) {
-  Shelves shelves = MakeShelves(Needs(tiles), area);
-  std::vector<QRect> places;
+// What windows need one above the other or side by side, a gap after each.
+QSize StackOf(const Tiles& tiles, TileRole role) {
+  QSize stack(0, 0);
   for (const Tile& tile : tiles) {
-    if (tile.Role == TileRole::Scope) {
-      places.push_back(shelves.Scopes.Share(tile.Least));
-    } else if (tile.Role == TileRole::Analyser) {
-      places.push_back(shelves.Analysers.Share(tile.Least));
-    } else if (shelves.Row) {
-      places.push_back(shelves.Small.TakeBeside(QSize(tile.Least.width(), tile.Wanted.height())));
-    } else {
-      places.push_back(shelves.Small.Take(tile.Wanted.height()));
+    if (tile.Role != role) continue;
+    stack = {std::max(stack.width(), tile.Least.width() + Gap),
+             stack.height() + tile.Least.height() + Gap};
+  }
+  return stack;
+}
+
+int WidthInARow(const Tiles& tiles, TileRole role) {
+  int width = 0;
+  for (const Tile& tile : tiles) {
+    if (tile.Role == role) width += tile.Least.width() + Gap;
+  }
+  return width;
+}
+
+int CountOf(const Tiles& tiles, TileRole role) {
+  return static_cast<int>(std::count_if(tiles.begin(), tiles.end(),
+                                        [&](const Tile& tile) { return tile.Role == role; }));
+}
+
+int HeightAt(const Tile& tile, int width) {
+  const bool flat = !tile.Flat.isEmpty() && width >= tile.Flat.width();
+  return flat ? tile.Flat.height() : tile.Wanted.height();
+}
+
+// Small windows side by side, those that can be flat in lines of their own.
+struct Line {
+  std::vector<std::size_t> Members;
+  int Least = 0;  // width with gaps
+};
+
+std::vector<Line> LinesOf(const Tiles& tiles, int width) {
+  std::vector<Line> lines;
+  for (std::size_t i = 0; i < tiles.size(); ++i) {
+    if (tiles[i].Role != TileRole::Small) continue;
+    const int least = tiles[i].Least.width() + Gap;
+    const auto joins = [&](const Line& line) {
+      return tiles[line.Members.front()].Flat.isEmpty() == tiles[i].Flat.isEmpty() &&
+             line.Least + least <= width;
+    };
+    if (lines.empty() || !joins(lines.back())) lines.emplace_back();
+    lines.back().Members.push_back(i);
+    lines.back().Least += least;
+  }
+  return lines;
+}
+
+// The windows of a line share its width.
+int ShareOf(const Line& line, int width) {
+  return width / static_cast<int>(line.Members.size()) - Gap;
+}
+
+int HeightOf(const Line& line, const Tiles& tiles, int width) {
+  int height = 0;
+  for (const std::size_t i : line.Members) {
+    height = std::max(height, HeightAt(tiles[i], ShareOf(line, width)) + Gap);
+  }
+  return height;
+}
+
+int HeightOfLines(const Tiles& tiles, int width) {
+  int height = 0;
+  for (const Line& line : LinesOf(tiles, width)) height += HeightOf(line, tiles, width);
+  return height;
+}
+
+// A room begins with a window and ends with a gap.
+void PlaceLines(Places& places, const Tiles& tiles, const QRect& room) {
+  int top = room.top();
+  for (const Line& line : LinesOf(tiles, room.width())) {
+    const int share = ShareOf(line, room.width());
+    int left = room.left();
+    for (const std::size_t i : line.Members) {
+      const int width = std::max(share, tiles[i].Least.width());
+      places[i] = QRect(left, top, width, HeightAt(tiles[i], width));
+      left += width + Gap;
     }
+    top += HeightOf(line, tiles, room.width());
+  }
+}
+
+void PlaceColumn(Places& places, const Tiles& tiles, const QRect& room) {
+  int top = room.top();
+  for (std::size_t i = 0; i < tiles.size(); ++i) {
+    if (tiles[i].Role != TileRole::Small) continue;
+    places[i] = QRect(room.left(), top, room.width() - Gap, tiles[i].Wanted.height());
+    top += tiles[i].Wanted.height() + Gap;
+  }
+}
+
+// Plots of a kind share a room.
+void PlacePlots(Places& places, const Tiles& tiles, TileRole role, const QRect& room) {
+  const bool stacked = StackOf(tiles, role).height() <= room.height();
+  const int count = std::max(CountOf(tiles, role), 1);
+  const QSize share(stacked ? room.width() - Gap : room.width() / count - Gap,
+                    stacked ? room.height() / count - Gap : room.height() - Gap);
+  QPoint at = room.topLeft();
+  for (std::size_t i = 0; i < tiles.size(); ++i) {
+    if (tiles[i].Role != role) continue;
+    places[i] = QRect(at, share.expandedTo(tiles[i].Least));
+    at += stacked ? QPoint(0, places[i].height() + Gap) : QPoint(places[i].width() + Gap, 0);
+  }
+}
+
+QRect RoomOn(const QSize& area) {
+  return QRect(Gap, Gap, area.width() - Gap, area.height() - Gap);
+}
+
+void PlaceAbove(Places& places, const Tiles& tiles, TileRole role, const QRect& room) {
+  const int lines = HeightOfLines(tiles, room.width());
+  PlacePlots(places, tiles, role, room.adjusted(0, 0, 0, -lines));
+  PlaceLines(places, tiles, room.adjusted(0, room.height() - lines, 0, 0));
+}
+
+// One kind of plot, and the small ones beside or below it.
+Places PlaceOneKind(const Tiles& tiles, TileRole role, const QSize& area) {
+  const QRect room = RoomOn(area);
+  const int column = StackOf(tiles, TileRole::Small).width();
+  Places beside(tiles.size());
+  PlacePlots(beside, tiles, role, room.adjusted(0, 0, -column, 0));
+  PlaceColumn(beside, tiles, room.adjusted(room.width() - column, 0, 0, 0));
+  Places below(tiles.size());
+  PlaceAbove(below, tiles, role, room);
+  const int height = room.height() - HeightOfLines(tiles, room.width()) - Gap;
+  const bool isHigh = height >= ComfortableHeight * CountOf(tiles, role);
+  if (!AreApart(below, area)) return beside;
+  return isHigh || !AreApart(beside, area) ? below : beside;
+}
+
+// Scopes with the small ones below them, and analysers to the right.
+Places PlaceBothKinds(const Tiles& tiles, const QSize& area) {
+  const QRect room = RoomOn(area);
+  const QSize stack = StackOf(tiles, TileRole::Analyser);
+  const bool stacked = stack.height() <= room.height();
+  const int right = stacked ? stack.width() : WidthInARow(tiles, TileRole::Analyser);
+  const int scopes = StackOf(tiles, TileRole::Scope).width();
+  const int least = stacked ? scopes : std::max(scopes, ComfortableWidth + Gap);
+  const int share = static_cast<int>(ScopesShare * room.width());
+  const int left = std::max(std::min(share, room.width() - right), least);
+  Places places(tiles.size());
+  PlaceAbove(places, tiles, TileRole::Scope, room.adjusted(0, 0, left - room.width(), 0));
+  PlacePlots(places, tiles, TileRole::Analyser, room.adjusted(left, 0, 0, 0));
+  return places;
+}
+
+// The analysers cover the others.
+Places PlaceInFront(const Tiles& tiles, const QSize& area) {
+  Tiles behind;
+  std::copy_if(tiles.begin(), tiles.end(), std::back_inserter(behind),
+               [](const Tile& tile) { return tile.Role != TileRole::Analyser; });
+  const Places found = PlaceOneKind(behind, TileRole::Scope, area);
+  Places places;
+  auto next = found.begin();
+  for (const Tile& tile : tiles) {
+    const QSize whole = area.expandedTo(tile.Least);
+    places.push_back(tile.Role == TileRole::Analyser ? QRect(QPoint(), whole) : *next++);
   }
   return places;
 }
 
+}  // namespace
+
+bool AreApart(const std::vector<QRect>& places, const QSize& area) {
+  const QRect room(QPoint(), area);
+  for (auto place = places.begin(); place != places.end(); ++place) {
+    const auto covers = [&](const QRect& other) { return other.intersects(*place); };
+    if (!room.contains(*place) || std::any_of(places.begin(), place, covers)) return false;
+  }
+  return true;
+}
+
+std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area) {
+  if (CountOf(tiles, TileRole::Analyser) == 0) return PlaceOneKind(tiles, TileRole::Scope, area);
+  Places places = CountOf(tiles, TileRole::Scope) == 0
+                      ? PlaceOneKind(tiles, TileRole::Analyser, area)
+                      : PlaceBothKinds(tiles, area);
+  return AreApart(places, area) ? places : PlaceInFront(tiles, area);
+}
+
 bool HasAmpleRoom(const std::vector<Tile>& tiles, const QSize& area) {
-  return IsAmple(Needs(tiles), area);
+  const std::vector<QRect> places = TileArea(tiles, area);
+  for (std::size_t i = 0; i < tiles.size(); ++i) {
+    if (tiles[i].Role != TileRole::Small && places[i].width() < ComfortableWidth) return false;
+  }
+  return AreApart(places, area);
 }
 
 QSize LeastTiledArea(const std::vector<Tile>& tiles, const QSize& proportions) {
-  const Needs needs(tiles);
-  const auto area = [&](const QSize& needed) {
-    return proportions.scaled(needed, Qt::KeepAspectRatioByExpanding);
-  };
-  if (needs.AnalyserCount > 0) return area(needs.Sides());
-  const QSize beside = area(needs.WithColumn());
-  const QSize below = area(needs.WithRow());
-  return below.width() < beside.width() ? below : beside;
+  for (int width = GrowthStep;; width += GrowthStep) {
+    const QSize area(width, width * proportions.height() / proportions.width());
+    if (AreApart(TileArea(tiles, area), area)) return area;
+  }
 }
 
 }  // namespace torvane

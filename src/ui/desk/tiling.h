@@ -14,16 +14,20 @@ struct Tile {
   TileRole Role;
   QSize Least;
   QSize Wanted;
+  QSize Flat{};  ///< a small one that is given this width needs no more than this height
 };
 
-/// Places of the windows on an area, in their order. Scopes stand one above the other, the small
-/// ones in a column to the right of them or, where that is too narrow but high enough, in a row
-/// below. Analysers have a column between the two where there is ample room; else they have the
-/// right side, and the others share the left one.
+/// Places of the windows on an area, in their order. Plots stand one above the other or, where that
+/// is too low for them, side by side; analysers to the right of the scopes. The small ones stand in
+/// lines below the scopes, or in a column to the right of them where they would leave these too
+/// little height and there are no analysers. Where all together find no room, the analysers cover
+/// the whole area.
 std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area);
 
-/// Whether scopes, analysers and small windows find room side by side, with plots that are
-/// comfortably wide.
+/// Whether each place is within the area and covers no other.
+bool AreApart(const std::vector<QRect>& places, const QSize& area);
+
+/// Whether all find room together, with plots that are comfortably wide.
 bool HasAmpleRoom(const std::vector<Tile>& tiles, const QSize& area);
 
 /// The smallest area of the given proportions on which no window covers another.

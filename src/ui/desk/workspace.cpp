@@ -22,9 +22,10 @@ bool IsMeter(const InstrumentFrame& frame) {
 // right, so that all of them can be read.
 class Overflow {
  public:
-  /// The small ones that have a column at the right edge are not covered.
+  /// The small ones that have a column at the right edge are not covered, where they are in sight.
   Overflow(const QSize& area, const std::vector<QRect>& places, const std::vector<Tile>& tiles)
       : area_(area), right_(area.width()) {
+    if (!AreApart(places, area)) return;
     for (std::size_t i = 0; i < places.size(); ++i) {
       const bool atEdge = area.width() - places[i].right() < EdgeGap;
       if (tiles[i].Role == TileRole::Small && atEdge) right_ = std::min(right_, places[i].left());
@@ -67,7 +68,14 @@ TileRole RoleOf(const Instrument& instrument) {
 }
 
 Tile TileOf(const InstrumentFrame& frame) {
-  return {RoleOf(frame.Pane().Engine()), frame.minimumSizeHint(), frame.sizeHint()};
+  const QSize edges = frame.sizeHint() - frame.Pane().sizeHint();
+  const QSize flat = frame.Pane().FlatSize();
+  return {RoleOf(frame.Pane().Engine()), frame.minimumSizeHint(), frame.sizeHint(),
+          flat.isEmpty() ? QSize() : flat + edges};
+}
+
+bool IsAnalyser(const InstrumentFrame& frame) {
+  return RoleOf(frame.Pane().Engine()) == TileRole::Analyser;
 }
 
 }  // namespace
@@ -75,6 +83,10 @@ Tile TileOf(const InstrumentFrame& frame) {
 InstrumentFrame::InstrumentFrame(std::unique_ptr<InstrumentPane> pane) {
   setWindowTitle(pane->windowTitle());
   setWindowIcon(pane->windowIcon());
+  // A read-out is small, and is to be seen wherever it stands.
+  if (pane->Engine().Kind() == InstrumentKind::Meter) {
+    setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
+  }
   setWidget(pane.release());
 }
 
@@ -101,8 +113,10 @@ void InstrumentFrame::ApplyPlacement() {
 // A file may come from a larger display, or say what no display can show.
 QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
   const QSize room = parentWidget()->size();
-  const QSize size =
-      QSize(placement.Width, placement.Height).boundedTo(room).expandedTo(minimumSizeHint());
+  const QSize asked = QSize(placement.Width, placement.Height).boundedTo(room);
+  const Tile tile = TileOf(*this);
+  const bool flat = !tile.Flat.isEmpty() && asked.width() >= tile.Flat.width();
+  const QSize size = asked.expandedTo(flat ? tile.Flat : tile.Least);
   return {{Within(placement.Left, size.width(), room.width()),
            Within(placement.Top, size.height(), room.height())},
           size};
@@ -110,13 +124,20 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
 
 void InstrumentFrame::SetShown(bool shown) {
   shown_ = shown;
+  yielded_ = false;
   setVisible(shown);
   Pane().ShownChanged(shown);
 }
 
 void InstrumentFrame::Choose(bool shown) {
   chosen_ = true;
+  yielded_ = false;
   if (shown_ != shown) SetShown(shown);
+}
+
+void InstrumentFrame::Yield() {
+  SetShown(false);
+  yielded_ = true;
 }
 
 void InstrumentFrame::PlaceAt(const QRect& place) {
@@ -219,11 +240,47 @@ void Workspace::Add(std::unique_ptr<InstrumentPane> pane) {
   InstrumentFrame* frame = AddFrame(std::move(pane));
   frame->show();
   frame->Pane().Engine().Placement = place;
-  if (place.Width > 0) {
-    frame->ApplyPlacement();
+  PlaceAsAsked(*frame);
+  setActiveSubWindow(frame);
+}
+
+void Workspace::PlaceAsAsked(InstrumentFrame& frame) {
+  if (frame.Pane().Engine().Placement.Width > 0) {
+    frame.ApplyPlacement();
   } else if (filling_) {
     FillScreen();
+  } else {
+    frame.PlaceAt(FreePlace(frame));
   }
+}
+
+// The first place beside others that covers none; else the upper right corner, a step below windows
+// that have it.
+QRect Workspace::FreePlace(const InstrumentFrame& frame) const {
+  QRect place(QPoint(), frame.sizeHint().boundedTo(size()));
+  std::vector<int> lefts{0};
+  std::vector<int> tops{0};
+  std::vector<QRect> taken;
+  for (const InstrumentFrame* other : ShownFrames()) {
+    if (other == &frame) continue;
+    taken.push_back(other->geometry());
+    lefts.push_back(taken.back().right() + 1);
+    tops.push_back(taken.back().bottom() + 1);
+  }
+  const auto isFree = [&] {
+    return rect().contains(place) &&
+           std::none_of(taken.begin(), taken.end(),
+                        [&](const QRect& other) { return other.intersects(place); });
+  };
+  for (const int top : tops) {
+    for (const int left : lefts) {
+      place.moveTopLeft({left, top});
+      if (isFree()) return place;
+    }
+  }
+  place.moveTopRight(rect().topRight());
+  while (std::find(taken.begin(), taken.end(), place) != taken.end()) place.translate(0, EdgeGap);
+  return place;
 }
 
 void Workspace::Remove(const Instrument& instrument) {
@@ -255,10 +312,13 @@ void Workspace::SetShown(const Instrument& instrument, bool shown) {
   frame->Choose(shown);
   if (!changes) return;
   if (filling_) {
+    if (shown) MakeRoomFor(*frame);
+    BringBack();
     FillScreen();
   } else if (shown) {
-    frame->ApplyPlacement();
+    PlaceAsAsked(*frame);
   }
+  if (shown) setActiveSubWindow(frame);
 }
 
 void Workspace::Toggle(InstrumentKind kind) {
@@ -302,12 +362,45 @@ std::vector<Tile> Workspace::Tiles() const {
 }
 
 void Workspace::ShowWhatFits() {
+  BringBack();
   for (InstrumentFrame* frame : frames_) {
     const bool waits = frame->Pane().ShownAtFirst() == InstrumentPane::AtFirst::ShownWithRoom;
     if (!waits || frame->IsShown() || frame->IsChosen()) continue;
     std::vector<Tile> tiles = Tiles();
     tiles.push_back(TileOf(*frame));
     if (HasAmpleRoom(tiles, size())) frame->SetShown(true);
+  }
+}
+
+void Workspace::BringBack() {
+  for (InstrumentFrame* frame : frames_) {
+    if (!frame->HasYielded()) continue;
+    std::vector<Tile> tiles = Tiles();
+    tiles.push_back(TileOf(*frame));
+    const bool isAlone = !FrontAnalyser();
+    if (isAlone || AreApart(TileArea(tiles, size()), size())) frame->SetShown(true);
+  }
+}
+
+const InstrumentFrame* Workspace::FrontAnalyser() const {
+  const InstrumentFrame* front = nullptr;
+  for (const QMdiSubWindow* window : subWindowList(QMdiArea::StackingOrder)) {
+    const auto* frame = static_cast<const InstrumentFrame*>(window);
+    if (frame->IsShown() && IsAnalyser(*frame)) front = frame;
+  }
+  return front;
+}
+
+// Meters have a place over the others at worst.
+void Workspace::MakeRoomFor(const InstrumentFrame& wanted) {
+  if (!IsAnalyser(wanted)) return;
+  for (InstrumentFrame* frame : frames_) {
+    if (frame == &wanted || !frame->IsShown() || !IsAnalyser(*frame)) continue;
+    std::vector<Tile> tiles;
+    for (const InstrumentFrame* shown : ShownFrames()) {
+      if (!IsMeter(*shown)) tiles.push_back(TileOf(*shown));
+    }
+    if (!AreApart(TileArea(tiles, size()), size())) frame->Yield();
   }
 }
 
@@ -324,7 +417,6 @@ void Workspace::TileOver(const QSize& area) {
 // Meters have a part in the tiling as long as it has room for them, the first ones first.
 std::vector<QRect> Workspace::PlacesOn(const QSize& area,
                                        const std::vector<InstrumentFrame*>& frames) const {
-  const QRect room(QPoint(), area);
   std::vector<Tile> tiles;
   std::vector<std::size_t> tiled;  // which frames the tiles are of
   std::vector<std::size_t> meters;
@@ -341,8 +433,7 @@ std::vector<QRect> Workspace::PlacesOn(const QSize& area,
   for (; fitting < meters.size(); ++fitting) {
     tiles.push_back(TileOf(*frames[meters[fitting]]));
     std::vector<QRect> more = TileArea(tiles, area);
-    const auto isInside = [&](const QRect& place) { return room.contains(place); };
-    if (!std::all_of(more.begin(), more.end(), isInside)) break;
+    if (!AreApart(more, area)) break;
     tiled.push_back(meters[fitting]);
     found = std::move(more);
   }
@@ -396,6 +487,7 @@ void Workspace::changeEvent(QEvent* event) {
 
 void Workspace::Arrange() {
   if (filling_) {
+    if (const InstrumentFrame* front = FrontAnalyser()) MakeRoomFor(*front);
     ShowWhatFits();
     FillScreen();
   } else if (isVisible()) {

@@ -32,6 +32,9 @@ class InstrumentFrame : public QMdiSubWindow {
   /// Shown or hidden because the user said so.
   bool IsChosen() const { return chosen_; }
   void Choose(bool shown);
+  /// Hidden for one that has no room beside it, until there is room.
+  bool HasYielded() const { return yielded_; }
+  void Yield();
 
  signals:
   void PlacementChanged();
@@ -47,13 +50,15 @@ class InstrumentFrame : public QMdiSubWindow {
 
   bool shown_ = true;
   bool chosen_ = false;
+  bool yielded_ = false;
   QRect fitted_;  // where ApplyPlacement has put the window, until it is moved
 };
 
 /// The area below the control strip in which every instrument is a sub-window. As long as the user
 /// has not moved one, the sub-windows fill it and follow its size; after that each stands where it
 /// was put, as far as the area has room. A pane that waits for room comes to the screen when the
-/// area has enough of it, unless the user has hidden it.
+/// area has enough of it, unless the user has hidden it. An analyser that is asked for takes the
+/// place of another where both have no room.
 class Workspace : public QMdiArea {
   Q_OBJECT
 
@@ -64,15 +69,15 @@ class Workspace : public QMdiArea {
   void Open(std::vector<std::unique_ptr<InstrumentPane>> panes);
   void CloseAll();
 
-  /// One pane more while the others stand. It is shown where its placement says or, as long as the
-  /// sub-windows fill the area, takes its share of it.
+  /// One pane more while the others stand. It is shown in front, where its placement says or, as
+  /// long as the sub-windows fill the area, takes its share of it; else it has a free place.
   void Add(std::unique_ptr<InstrumentPane> pane);
   /// Closes the instrument's pane.
   void Remove(const Instrument& instrument);
   /// The pane wants another height than it had.
   void FitHeight(const Instrument& instrument);
-  /// What the user wants to see. A hidden pane keeps its place; while the sub-windows fill the
-  /// area, the others share it.
+  /// What the user wants to see, in front. A hidden pane keeps its place; while the sub-windows
+  /// fill the area, the others share it.
   void SetShown(const Instrument& instrument, bool shown);
   /// Brings the first instrument of a kind to the front, or hides the one that is there.
   void Toggle(InstrumentKind kind);
@@ -107,6 +112,11 @@ class Workspace : public QMdiArea {
   std::vector<QRect> PlacesOn(const QSize& area, const std::vector<InstrumentFrame*>& frames) const;
   void TileOver(const QSize& area);
   void ShowWhatFits();
+  void BringBack();
+  const InstrumentFrame* FrontAnalyser() const;
+  void MakeRoomFor(const InstrumentFrame& wanted);
+  void PlaceAsAsked(InstrumentFrame& frame);
+  QRect FreePlace(const InstrumentFrame& frame) const;
 
   std::vector<InstrumentFrame*> frames_;
   bool filling_ = true;     // sub-windows follow the area's size

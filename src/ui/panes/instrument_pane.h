@@ -29,6 +29,9 @@ class InstrumentPane : public QWidget, public InstrumentView {
   enum class AtFirst { Shown, ShownWithRoom, Hidden };
   virtual AtFirst ShownAtFirst() const { return AtFirst::Shown; }
 
+  /// What the pane needs where it can be flat: from this width on no more than this height.
+  virtual QSize FlatSize() const { return {}; }
+
   /// The pane has come to the workspace, or has left it while its engine goes on.
   virtual void ShownChanged(bool /*shown*/) {}
 

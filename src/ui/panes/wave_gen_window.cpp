@@ -18,6 +18,9 @@ namespace {
 
 constexpr double PhaseStep = 45.0;  // degrees
 constexpr double DutyStep = 10.0;   // per cent
+constexpr int FlatRows = 3;
+constexpr int Columns = 5;      // of widgets beside a number
+constexpr int ColumnsGap = 20;  // between two columns of numbers, pixels
 
 }  // namespace
 
@@ -38,6 +41,8 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
   for (const WaveNumber& number : ZelWave::Numbers()) Bind(number);
   ConnectButtons();
   SettingsChanged();
+  wanted_ = InstrumentPane::sizeHint();
+  least_ = InstrumentPane::minimumSizeHint();
 } catch (const std::exception&) {
   Error("Fault in TZelWaveGenF :: TZelWaveGenF");
 }
@@ -96,6 +101,51 @@ void TZelWaveGenF::SettingsChanged() {
   const QSignalBlocker blocker(ui_->CmBWaveform);
   ui_->CmBWaveform->setCurrentIndex(wave_.Settings().Index);
   for (EditBinding* edit : edits_) edit->Show();
+}
+
+QSize TZelWaveGenF::FlatSize() const {
+  const int spacing = ui_->Fields->verticalSpacing();
+  const int rows = flat_ ? FlatRows : 2 * FlatRows;
+  const int fields = ui_->Fields->sizeHint().height() + spacing;
+  return {2 * least_.width() + ColumnsGap,
+          InstrumentPane::sizeHint().height() - fields + fields / rows * FlatRows};
+}
+
+QSize TZelWaveGenF::minimumSizeHint() const {
+  return flat_ ? QSize(least_.width(), FlatSize().height()) : least_;
+}
+
+void TZelWaveGenF::SetFlat(bool flat) {
+  if (flat_ == flat) return;
+  flat_ = flat;
+  QGridLayout& fields = *ui_->Fields;
+  for (int row = 0; row < FlatRows; ++row) {
+    for (int column = 0; column < Columns; ++column) {
+      const QPoint below(column, row + FlatRows);
+      const QPoint beside(column + Columns + 1, row);
+      const QPoint from = flat ? below : beside;
+      const QPoint to = flat ? beside : below;
+      QLayoutItem* item = fields.itemAtPosition(from.y(), from.x());
+      if (item) fields.addWidget(item->widget(), to.y(), to.x());
+    }
+  }
+  fields.setColumnMinimumWidth(Columns, flat ? ColumnsGap : 0);
+  fields.setColumnStretch(Columns + 2, flat ? 1 : 0);
+  // Who makes the window narrow may leave it too low for one column.
+  if (!flat) {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          QWidget& frame = *parentWidget();
+          frame.resize(frame.size().expandedTo(frame.minimumSizeHint()));
+        },
+        Qt::QueuedConnection);
+  }
+}
+
+void TZelWaveGenF::resizeEvent(QResizeEvent* event) {
+  InstrumentPane::resizeEvent(event);
+  SetFlat(width() >= FlatSize().width());
 }
 
 void TZelWaveGenF::closeEvent(QCloseEvent* event) {

@@ -16,7 +16,8 @@ namespace Ui {
 class TZelWaveGenF;
 }
 
-/// The window of a waveform generator.
+/// The window of a waveform generator: its numbers one below the other or, where the window is wide
+/// enough, in two columns.
 class TZelWaveGenF : public InstrumentPane {
   Q_OBJECT
 
@@ -28,7 +29,12 @@ class TZelWaveGenF : public InstrumentPane {
   void Redraw() override {}
   void SettingsChanged() override;
 
+  QSize FlatSize() const override;
+  QSize sizeHint() const override { return wanted_; }
+  QSize minimumSizeHint() const override;
+
  protected:
+  void resizeEvent(QResizeEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
@@ -37,10 +43,14 @@ class TZelWaveGenF : public InstrumentPane {
   void Bind(const WaveNumber& number);
   void BindButton(QAbstractButton* button, Number number, Change change);
   void ConnectButtons();
+  void SetFlat(bool flat);
 
   ZelWave& wave_;
   std::unique_ptr<Ui::TZelWaveGenF> ui_;
   std::vector<EditBinding*> edits_;
+  bool flat_ = false;
+  QSize wanted_;  // with all in one column
+  QSize least_;
 };
 
 }  // namespace torvane

@@ -52,6 +52,7 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   ConnectTraces();
   ConnectCursors(bench.History());
   SettingsChanged();
+  ArrangeRows();  // tells how narrow the window may be
 }
 
 AnalyserWindow::~AnalyserWindow() = default;
