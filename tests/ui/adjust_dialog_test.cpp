@@ -9,7 +9,9 @@
 
 #include "core/constant.h"
 #include "desktop.h"
+#include "models/catalogue.h"
 #include "ui/panes/constants/constants_grid.h"
+#include "ui/widgets/slider_scale.h"
 
 namespace torvane {
 namespace {
@@ -135,9 +137,26 @@ TEST_F(AdjustDialogTest, AHeldButtonAndADragAreOneChangeEach) {
     slider.setValue(static_cast<int>(share * slider.maximum()));
   }
   QTest::mouseRelease(&slider, Qt::LeftButton);
-  EXPECT_NEAR(gain.Value(), 25.1, 0.01);  // 100 less a tenth of six decades
+  EXPECT_NEAR(gain.Value(), 30.6, 0.01);  // 100 less a tenth of what is above 0.72e-3
   EXPECT_EQ(Undos(), 2);
   EXPECT_EQ(gain.Value(), before);
+}
+
+// A default far below its upper limit stood at the very left, where nothing smaller could be had.
+TEST_F(AdjustDialogTest, TheSliderHasRoomAroundEveryDefault) {
+  for (int index = 0; index < static_cast<int>(ModelNames().size()); ++index) {
+    const auto model = LoadModel(index);
+    for (Constant* constant : model->Bench().Constants()) {
+      const double usual = constant->Value();
+      if (constant->IsList() || usual == 0.0) continue;
+      const std::string which = ModelNames()[index] + ' ' + constant->Name();
+      const double at = FractionOf(*constant);
+      EXPECT_GT(at, 0.03) << which;
+      EXPECT_NEAR(ValueAt(*constant, at), usual, 0.005 * usual) << which;  // its three digits
+      // A hundredth of the way is a step that a hand can use.
+      EXPECT_NEAR(ValueAt(*constant, at - 0.01), usual, 0.25 * usual) << which;
+    }
+  }
 }
 
 TEST_F(AdjustDialogTest, AListStepsThroughItsChoices) {

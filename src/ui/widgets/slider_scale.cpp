@@ -11,13 +11,24 @@ namespace torvane {
 namespace {
 
 constexpr double FewestDecades = 2.0;
-constexpr double DecadesFromZero = 6.0;
+constexpr double DecadesFromZero = 6.0;  // where zero is the default
+constexpr double DecadesBelowDefault = 3.0;
+constexpr double NarrowDecades = 1.0;  // a default that is nearer to the upper limit needs no more
+constexpr double NarrowLimit = 2.0;    // of a share or a mix, whose default is zero
 constexpr int Digits = 3;
+
+/// Of a scale whose lower limit is zero.
+double DecadesAboveZero(const Constant& constant) {
+  if (constant.Unit() == "%") return 0.0;
+  if (constant.Default() <= 0.0) return constant.Upper() > NarrowLimit ? DecadesFromZero : 0.0;
+  const double above = std::log10(constant.Upper() / constant.Default());
+  return above > NarrowDecades ? above + DecadesBelowDefault : 0.0;
+}
 
 /// The decades that the scale spans; 0 when it is linear.
 double DecadesOf(const Constant& constant) {
   if (constant.Lower() < 0.0 || constant.Upper() <= 0.0) return 0.0;
-  if (constant.Lower() == 0.0) return DecadesFromZero;
+  if (constant.Lower() == 0.0) return DecadesAboveZero(constant);
   const double decades = std::log10(constant.Upper() / constant.Lower());
   return decades >= FewestDecades ? decades : 0.0;
 }
