@@ -51,4 +51,20 @@ void DeskStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
   QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
+// The base style has black buttons on the title bar of a window that is not active. One that is
+// active in the colour of the ground has bright ones.
+void DeskStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                   QPainter* painter, const QWidget* widget) const {
+  const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+  const QColor ground = option->palette.color(QPalette::Window);
+  if (control == CC_TitleBar && bar && !(bar->titleBarState & State_Active) &&
+      ground.lightness() < Dark) {
+    QStyleOptionTitleBar changed = WithColour(*bar, QPalette::Highlight, ground);
+    changed.titleBarState |= State_Active;
+    QProxyStyle::drawComplexControl(control, &changed, painter, widget);
+    return;
+  }
+  QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
 }  // namespace torvane

@@ -4,12 +4,14 @@
 
 namespace torvane {
 
-/// The platform's style, in which what is switched on, and the frames of what can be switched, stay
-/// visible on a dark ground too.
+/// The platform's style, in which what is switched on, the frames of what can be switched and the
+/// buttons of a window in the background stay visible on a dark ground too.
 class DeskStyle : public QProxyStyle {
  public:
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override;
 };
 
 }  // namespace torvane
