@@ -40,7 +40,7 @@ ResponseCursors::ResponseCursors(FrequencyAnalyser& analyser, const char* name, 
   slope_->setToolTip(QStringLiteral("The line from cursor 1 to cursor 2"));
   UseFixedDigits(*slope_);
   layout()->addWidget(slope_);
-  resize(350, 160);
+  resize(430, 160);
 }
 
 void ResponseCursors::AddTraces() {

@@ -22,6 +22,7 @@ namespace torvane {
 
 namespace {
 
+constexpr int ValueEdges = 8;        // beside a value in its cell
 constexpr int LargestMinimum = 165;  // pixels of width that a narrow window must spare
 
 // Edits a value as text, or by a list of choices when the constant has one.
@@ -183,20 +184,24 @@ void ConstantsGrid::Fill() {
     ShowValue(row);
   }
   table_.resizeColumnsToContents();
-  namesAndValues_ = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
+  // Values to come may be longer than these.
+  const int value = QFontMetrics(digits).horizontalAdvance(QStringLiteral("0.00000")) + ValueEdges;
+  table_.setColumnWidth(ValueColumn, std::max(table_.columnWidth(ValueColumn), value));
+  const int namesAndValues = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
   // The last column is stretched: it has room to spare.
   const QAbstractItemView& view = table_;
   units_ = std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
                     view.sizeHintForColumn(UnitColumn));
   const int around = table_.verticalScrollBar()->sizeHint().width() + 2 * table_.frameWidth();
-  table_.setMinimumWidth(std::min(namesAndValues_ + around, LargestMinimum));
+  table_.setMinimumWidth(std::min(namesAndValues + around, LargestMinimum));
   table_.verticalHeader()->setDefaultSectionSize(table_.fontMetrics().height() + 9);
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }
 
 // In a narrow window the hints tell the units.
 void ConstantsGrid::ShowUnitsIfRoom() {
-  table_.setColumnHidden(UnitColumn, table_.viewport()->width() < namesAndValues_ + units_);
+  const int others = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
+  table_.setColumnHidden(UnitColumn, table_.viewport()->width() < others + units_);
 }
 
 void ConstantsGrid::ShowConstant(const std::string& name) {

@@ -32,7 +32,7 @@ namespace {
 constexpr int TimeAxis = -1;  // in the list of X axes, before the channels
 constexpr QRgb Lime = 0x00ff00;
 constexpr QRgb Silver = 0xc0c0c0;
-constexpr int ConstantsWidth = 250;
+constexpr int ConstantsWidth = 270;
 
 QIcon SwatchOf(const ScopeColours& colours, const ZelChannel& channel) {
   const bool traced = channel.Displayed() && channel.Colour() >= 0;
