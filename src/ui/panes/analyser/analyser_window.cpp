@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QSignalBlocker>
 #include <algorithm>
 
@@ -79,6 +80,14 @@ void AnalyserWindow::ConnectRun() {
   });
   connect(ui_->SBSetup, &QAbstractButton::clicked, this, [this] { OpenSetup(); });
   connect(ui_->LFreqAuto, &QAbstractButton::clicked, this, [this] { AutoRange(); });
+}
+
+void AnalyserWindow::OpenSetup() try {
+  QDialog* dialog = MakeSetup();
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+} catch (const std::exception&) {
+  Error("Fault in " + objectName().toStdString() + " :: SBSetupClick");
 }
 
 void AnalyserWindow::ConnectSignals() {

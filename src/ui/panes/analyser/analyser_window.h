@@ -7,6 +7,7 @@
 #include "ui/panes/instrument_pane.h"
 
 class QCheckBox;
+class QDialog;
 class QMenu;
 class QToolButton;
 
@@ -53,8 +54,8 @@ class AnalyserWindow : public InstrumentPane {
   /// Analyser and bench must outlive the window.
   AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const Names& names);
 
-  /// Opens the set-up of the measurement.
-  virtual void OpenSetup() = 0;
+  /// The set-up of the measurement, to be opened.
+  virtual QDialog* MakeSetup() = 0;
   /// Puts all that can be measured on the frequency axis.
   virtual void AutoRange() = 0;
 
@@ -71,6 +72,7 @@ class AnalyserWindow : public InstrumentPane {
  private:
   QMenu& MakeExports(const ZelBenchTop& bench, const char* file);
   void ConnectRun();
+  void OpenSetup();
   void ConnectSignals();
   void ConnectTraces();
   void ShowSwatches();

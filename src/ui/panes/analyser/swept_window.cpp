@@ -1,6 +1,5 @@
 #include "ui/panes/analyser/swept_window.h"
 
-#include "core/messages.h"
 #include "ui/panes/analyser/swept_setup_dialog.h"
 #include "ui_analyser.h"
 
@@ -25,12 +24,8 @@ QString TZelSweptDSAF::ProgressText() const {
   return QStringLiteral("%1 of %2").arg(swept_.PointCount()).arg(swept_.PointsExpected());
 }
 
-void TZelSweptDSAF::OpenSetup() try {
-  auto* dialog = new TZelSweptDSASetupF(swept_, this);
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->open();
-} catch (const std::exception&) {
-  Error("Fault in TZelSweptDSAF :: SBSetupClick");
+QDialog* TZelSweptDSAF::MakeSetup() {
+  return new TZelSweptDSASetupF(swept_, this);
 }
 
 }  // namespace torvane

@@ -16,7 +16,7 @@ class TZelSweptDSAF : public AnalyserWindow {
   AtFirst ShownAtFirst() const override { return AtFirst::Hidden; }
 
  protected:
-  void OpenSetup() override;
+  QDialog* MakeSetup() override;
   void AutoRange() override;
   QString ProgressText() const override;
 

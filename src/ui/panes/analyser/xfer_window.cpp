@@ -3,7 +3,6 @@
 #include <QSignalBlocker>
 #include <utility>
 
-#include "core/messages.h"
 #include "ui/panes/analyser/xfer_setup_dialog.h"
 #include "ui_analyser.h"
 
@@ -39,12 +38,8 @@ void TZelXferF::AutoRange() {
   xfer_.AutoRange();
 }
 
-void TZelXferF::OpenSetup() try {
-  auto* dialog = new TZelXferSetupF(xfer_, this);
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->open();
-} catch (const std::exception&) {
-  Error("Fault in TZelXferF :: SBSetupClick");
+QDialog* TZelXferF::MakeSetup() {
+  return new TZelXferSetupF(xfer_, this);
 }
 
 }  // namespace torvane

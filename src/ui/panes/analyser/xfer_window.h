@@ -17,7 +17,7 @@ class TZelXferF : public AnalyserWindow {
   AtFirst ShownAtFirst() const override { return AtFirst::ShownWithRoom; }
 
  protected:
-  void OpenSetup() override;
+  QDialog* MakeSetup() override;
   void AutoRange() override;
 
  private:
