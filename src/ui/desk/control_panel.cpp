@@ -70,8 +70,8 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   InitIcons();
   ui_->setupUi(this);
   setAcceptDrops(true);
-  new WheelGuard(this);
-  new ControlHelp(this, [this] { ShowGuide(); });
+  GuardAgainstWheel(*this);
+  HelpWithControls(*this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *text_);

@@ -35,12 +35,17 @@ bool ShowHelp() {
   return true;
 }
 
-}  // namespace
+class ControlHelp : public QObject {
+ public:
+  ControlHelp(QObject* parent, std::function<void()> otherwise)
+      : QObject(parent), otherwise_(std::move(otherwise)) {}
 
-ControlHelp::ControlHelp(QObject* parent, std::function<void()> otherwise)
-    : QObject(parent), otherwise_(std::move(otherwise)) {
-  QCoreApplication::instance()->installEventFilter(this);
-}
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  std::function<void()> otherwise_;
+};
 
 bool ControlHelp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Polish) {
@@ -60,6 +65,12 @@ bool ControlHelp::eventFilter(QObject* watched, QEvent* event) {
     }
   }
   return false;
+}
+
+}  // namespace
+
+void HelpWithControls(QObject& owner, std::function<void()> otherwise) {
+  QCoreApplication::instance()->installEventFilter(new ControlHelp(&owner, std::move(otherwise)));
 }
 
 }  // namespace torvane

@@ -7,9 +7,15 @@
 
 namespace torvane {
 
-WheelGuard::WheelGuard(QObject* parent) : QObject(parent) {
-  QCoreApplication::instance()->installEventFilter(this);
-}
+namespace {
+
+class WheelGuard : public QObject {
+ public:
+  using QObject::QObject;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+};
 
 // What surrounds the control gets the wheel in its place.
 bool WheelGuard::eventFilter(QObject* watched, QEvent* event) {
@@ -19,6 +25,12 @@ bool WheelGuard::eventFilter(QObject* watched, QEvent* event) {
   if (control->hasFocus()) return false;
   event->ignore();
   return true;
+}
+
+}  // namespace
+
+void GuardAgainstWheel(QObject& owner) {
+  QCoreApplication::instance()->installEventFilter(new WheelGuard(&owner));
 }
 
 }  // namespace torvane
