@@ -4,6 +4,7 @@
 #include "core/files/record.h"
 #include "core/messages.h"
 #include "core/solver.h"
+#include "instruments/analyser/refusal.h"
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/setting_limits.h"
 
@@ -25,11 +26,7 @@ SetupFinding ZelXfer::Check(const FftSetup& setup) const {
 }
 
 bool ZelXfer::Apply(const FftSetup& setup) {
-  const SetupFinding finding = Check(setup);
-  if (finding.What == SetupFinding::Kind::Refusal) {
-    Error(finding.Text);
-    return false;
-  }
+  if (IsRefused(Check(setup))) return false;
   Change(
       [&] {
         SetOrder(setup.Order);

@@ -3,6 +3,7 @@
 
 #include "core/messages.h"
 #include "core/numeric.h"
+#include "instruments/analyser/refusal.h"
 #include "instruments/setting_limits.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 
@@ -68,11 +69,7 @@ SetupFinding ZelSweptDSA::Check(const SweepSetup& setup) const {
 }
 
 bool ZelSweptDSA::Apply(const SweepSetup& setup) {
-  const SetupFinding finding = Check(setup);
-  if (finding.What == SetupFinding::Kind::Refusal) {
-    Error(finding.Text);
-    return false;
-  }
+  if (IsRefused(Check(setup))) return false;
   Change(
       [&] {
         SetTSample(setup.TSample);

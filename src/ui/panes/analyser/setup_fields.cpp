@@ -12,6 +12,7 @@
 #include "core/scale_steps.h"
 #include "core/text.h"
 #include "instruments/analyser/analyser.h"
+#include "instruments/analyser/refusal.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/typed_number.h"
 
@@ -79,19 +80,9 @@ std::optional<int> WholeNumber(double value, const char* what, bool reporting) {
 }
 
 bool ReportFinding(const SetupFinding& finding) {
-  switch (finding.What) {
-    case SetupFinding::Kind::Refusal:
-      Error(finding.Text);
-      return false;
-    case SetupFinding::Kind::Warning:
-      Warning(finding.Text);
-      break;
-    case SetupFinding::Kind::Note:
-      Note(finding.Text);
-      break;
-    case SetupFinding::Kind::Nothing:
-      break;
-  }
+  if (IsRefused(finding)) return false;
+  if (finding.What == SetupFinding::Kind::Warning) Warning(finding.Text);
+  if (finding.What == SetupFinding::Kind::Note) Note(finding.Text);
   return true;
 }
 
