@@ -15,6 +15,8 @@ constexpr const char* Footer =
     "Exit codes: 0 done; 1 the run was stopped by an error; 2 wrong usage;\n"
     "3 a file could not be read or written. Messages go to standard error.";
 
+}  // namespace
+
 void AddCommands(CLI::App& app, Console& console) {
   app.set_version_flag("--version", std::string("torvane-cli ") + Version(),
                        "Print the version and exit");
@@ -33,6 +35,8 @@ void AddCommands(CLI::App& app, Console& console) {
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
 }
+
+namespace {
 
 std::vector<std::string> LongOptions(const CLI::App& command) {
   std::vector<std::string> names;

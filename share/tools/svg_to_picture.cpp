@@ -1,5 +1,5 @@
-// Build-time tool: svg_to_bmp IN.svg OUT.bmp [WIDTH] paints a drawing as the program's picture
-// window would, WIDTH pixels wide (default 1280).
+// Build-time tool: svg_to_picture IN.svg OUT [WIDTH] paints a drawing WIDTH pixels wide (default
+// 1280). OUT is a BMP, painted on white as the program's picture window would, or an icon as PNG.
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -38,34 +38,39 @@ int main(int argc, char** argv) {
   const QGuiApplication application(argc, argv);  // fonts need it
   const QStringList arguments = QGuiApplication::arguments();
   if (arguments.size() < 3) {
-    std::fputs("usage: svg_to_bmp IN.svg OUT.bmp [WIDTH]\n", stderr);
+    std::fputs("usage: svg_to_picture IN.svg OUT.bmp|OUT.png [WIDTH]\n", stderr);
     return 2;
   }
   // Without one a drawing comes out without a word, or as rows of boxes.
   if (QFontDatabase::families().isEmpty()) {
-    std::fputs("svg_to_bmp: no fonts are installed; the drawings want DejaVu Sans\n", stderr);
+    std::fputs("svg_to_picture: no fonts are installed; the drawings want DejaVu Sans\n", stderr);
     return 1;
   }
   QSvgRenderer renderer(arguments[1]);
   if (!renderer.isValid()) {
-    std::fprintf(stderr, "svg_to_bmp: cannot read %s\n", qPrintable(arguments[1]));
+    std::fprintf(stderr, "svg_to_picture: cannot read %s\n", qPrintable(arguments[1]));
     return 1;
   }
   const int width = arguments.size() > 3 ? arguments[3].toInt() : 1280;
   const QSize size = renderer.defaultSize();
   if (width <= 0 || size.isEmpty()) {
-    std::fprintf(stderr, "svg_to_bmp: no size for %s\n", qPrintable(arguments[1]));
+    std::fprintf(stderr, "svg_to_picture: no size for %s\n", qPrintable(arguments[1]));
     return 1;
   }
-  QImage picture(width, width * size.height() / size.width(), QImage::Format_RGB32);
-  picture.fill(Qt::white);
+  const bool icon = arguments[2].endsWith(QStringLiteral(".png"));
+  QImage picture(width, width * size.height() / size.width(),
+                 icon ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+  picture.fill(icon ? Qt::transparent : Qt::white);
   QPainter painter(&picture);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
   renderer.render(&painter);
   painter.end();
-  picture = picture.convertToFormat(QImage::Format_Indexed8, Palette(picture), Qt::ThresholdDither);
-  if (!picture.save(arguments[2], "BMP")) {
-    std::fprintf(stderr, "svg_to_bmp: cannot write %s\n", qPrintable(arguments[2]));
+  if (!icon) {
+    picture =
+        picture.convertToFormat(QImage::Format_Indexed8, Palette(picture), Qt::ThresholdDither);
+  }
+  if (!picture.save(arguments[2])) {
+    std::fprintf(stderr, "svg_to_picture: cannot write %s\n", qPrintable(arguments[2]));
     return 1;
   }
   return 0;

@@ -1,0 +1,39 @@
+#compdef torvane-cli torvane
+# Completion of torvane-cli and torvane in zsh. Commands and options of torvane-cli are filled in by
+# the build.
+
+# A model: its name, or a model file.
+_torvane_models() {
+  local -a names=(${(f)"$(_call_program models torvane-cli models 2>/dev/null | cut -f 2)"})
+  _alternative "models:model:compadd -a names" 'files:model file:_files -g "*.(#i)tvf"'
+}
+
+_torvane_cli() {
+  local -a commands=(
+@ZSH_DESCRIPTIONS@
+  )
+  if ((CURRENT == 2)); then
+    _describe -t commands command commands
+    _arguments '--help[Print a help and exit]' '--version[Print the version and exit]'
+    return
+  fi
+  local command=$words[2]
+  shift words
+  ((CURRENT--))
+  case $command in
+@ZSH_COMMANDS@
+  esac
+}
+
+_torvane() {
+  _arguments \
+    '--speed-test[Press Run, print the speed after that time, and end]:SECONDS: ' \
+    '--help[Print a help and exit]' \
+    '--version[Print the version and exit]' \
+    ':MODEL:_torvane_models'
+}
+
+case $service in
+  torvane-cli) _torvane_cli ;;
+  torvane) _torvane ;;
+esac

@@ -1,0 +1,97 @@
+#include <CLI/CLI.hpp>
+
+#include "cli_texts.h"
+
+namespace torvane::tools {
+namespace {
+
+// Between single quotes, in which a shell leaves all but the quote alone.
+std::string Quoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+// With what divides the parts of a specification in zsh escaped.
+std::string Part(const std::string& text) {
+  std::string part;
+  for (const char c : text) {
+    if (c == ':' || c == '[' || c == ']' || c == '\\') part += '\\';
+    part += c;
+  }
+  return part;
+}
+
+// How zsh completes a value, by the name that stands for it.
+std::string Action(const std::string& value) {
+  if (value.starts_with("FILE")) return "_files";
+  if (value.find('|') == std::string::npos) return " ";
+  std::string choices = value;
+  for (char& c : choices) c = c == '|' ? ' ' : c;
+  return "(" + choices + ")";
+}
+
+std::string ZshSpecification(const CLI::Option& option, const std::string& name) {
+  const std::string value = ValueName(option);
+  const std::string repeat = option.get_expected_max() > 1 ? "*" : "";
+  const std::string equals = !value.empty() && name.starts_with("--") ? "=" : "";
+  return repeat + name + equals + "[" + Part(option.get_description()) + "]" +
+         (value.empty() ? "" : ":" + Part(value) + ":" + Action(value));
+}
+
+}  // namespace
+
+std::string CommandWords(const CLI::App& app) {
+  std::string words;
+  for (const CLI::App* command : Commands(app)) {
+    words += (words.empty() ? "" : " ") + command->get_name();
+  }
+  return words;
+}
+
+std::string BashCommands(const CLI::App& app) {
+  std::string text;
+  for (const CLI::App* command : Commands(app)) {
+    std::string options;
+    std::string values;
+    for (const CLI::Option* option : command->get_options()) {
+      const std::string value = ValueName(*option);
+      for (const std::string& name : Names(*option)) {
+        options += name + " ";
+        if (!value.empty()) values += name + "=" + value + " ";
+      }
+    }
+    text += "    " + command->get_name() + ") options=" + Quoted(options) +
+            " values=" + Quoted(values) + " ;;\n";
+  }
+  return text;
+}
+
+std::string ZshDescriptions(const CLI::App& app) {
+  std::string text;
+  for (const CLI::App* command : Commands(app)) {
+    text += "    " + Quoted(command->get_name() + ":" + Part(command->get_description())) + "\n";
+  }
+  return text;
+}
+
+std::string ZshCommands(const CLI::App& app) {
+  std::string text;
+  for (const CLI::App* command : Commands(app)) {
+    text += "    " + command->get_name() + ")\n      _arguments";
+    for (const CLI::Option* option : command->get_options()) {
+      if (IsPositional(*option)) {
+        const std::string name = option->get_name(true);
+        const char* action = name == "MODEL" ? ":_torvane_models" : ":_files";
+        text += " \\\n        " + Quoted(":" + name + action);
+      }
+      for (const std::string& name : Names(*option)) {
+        text += " \\\n        " + Quoted(ZshSpecification(*option, name));
+      }
+    }
+    text += "\n      ;;\n";
+  }
+  return text;
+}
+
+}  // namespace torvane::tools
