@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 
@@ -79,6 +80,11 @@ struct PlainHistory {
       std::erase_if(*list, [&](const Change& change) { return change.Target == &dial; });
     }
   }
+  bool Holds(const Dial& dial) const {
+    const auto is = [&](const Change& change) { return change.Target == &dial; };
+    return std::any_of(Done.begin(), Done.end(), is) ||
+           std::any_of(Undone.begin(), Undone.end(), is);
+  }
   static std::string Caption(const std::string& step, const Changes& changes) {
     return changes.empty() ? step : step + " " + std::to_string(changes.back().To);
   }
@@ -118,6 +124,10 @@ TEST(Undo, AWalkAtRandomIsThatOfAPlainList) {
     } else if (what < 100) {
       history.BeginGesture();
       plain.GestureStart = plain.Done.size();
+    } else if (what < 110) {  // items that come late are brought up to date
+      history.Attach(nullptr);
+      items = {};
+      history.Attach(&items);
     } else if (what < 150) {
       history.EndGesture();
       plain.GestureStart = PlainHistory::NoGesture;
@@ -141,6 +151,7 @@ TEST(Undo, AWalkAtRandomIsThatOfAPlainList) {
     ASSERT_TRUE(items.Enabled[UndoMenu] == undo && items.Enabled[UndoButton] == undo) << step;
     ASSERT_TRUE(items.Enabled[RedoMenu] == redo && items.Enabled[RedoButton] == redo) << step;
     ASSERT_TRUE(history.CanUndo() == undo && history.CanRedo() == redo) << step;
+    ASSERT_EQ(history.Holds(dials[0]), plain.Holds(dials[0])) << step;
     longest = std::max(longest, plain.Done.size());
   }
   EXPECT_EQ(items.Captions.size(), 2U) << "a button has no caption";
@@ -148,29 +159,21 @@ TEST(Undo, AWalkAtRandomIsThatOfAPlainList) {
   EXPECT_EQ(recorder.Take(), Messages{});
 }
 
-TEST(Undo, StepsOutsideTheHistoryAreFatalAndItemsMayComeLate) {
+// The disabled items are what keeps a redo with nothing to redo away; the history does not ask.
+TEST(Undo, RedoTrustsItsCallerWithinTheHistory) {
   test::Recorder recorder;
   ZelUndo history;
   Dial dial(history, false);
   history.Undo();
-  EXPECT_TRUE(recorder.Ended);
   for (int value = 1; value <= ZelUndo::Depth; ++value) dial.Turn(value);
   history.Redo();
   EXPECT_EQ(recorder.Take(), (Messages{"Fatal Error: Fatal Error 3 in ZelUndo",
                                        "Fatal Error: Fatal Error 2 in ZelUndo"}));
-  EXPECT_TRUE(history.Holds(dial));
   history.Undo();
   history.Undo();
-  FakeItems items;
-  history.Attach(&items);
-  EXPECT_EQ(items.Captions[UndoItem::UndoMenu], "Undo 48");
-  EXPECT_EQ(items.Captions[UndoItem::RedoMenu], "Redo 49");
-  history.Attach(nullptr);
-  // The disabled items are what keeps a redo with nothing to redo away; the history does not ask.
   dial.Turn(5);
   history.Redo();
   EXPECT_EQ(dial.Value, 50);
-  EXPECT_EQ(items.Captions[UndoItem::UndoMenu], "Undo 48");
 }
 
 }  // namespace

@@ -168,25 +168,22 @@ TEST_F(MeterTest, MeasuresAHarmonicTransfer) {
   EXPECT_EQ(Meter.Value(), -200.0);
 }
 
+// So small a value at a quarter period that its cosine part, 1e-8 of it, is no longer a number but
+// 0, while the sine part is one.
 TEST_F(MeterTest, KeepsItsAnglesOfSumsWithoutACosine) {
+  const auto quarter = [this] {
+    return [at = Model.Time() + 511 * T](double t) { return t == at ? -1e-315 : 0.0; };
+  };
   Meter.SetKind(MeterKind::Harmonic);
   Update(OnePeriod + 1, 0.0);
   EXPECT_NEAR(Meter.AngleDeg(), 90.0, 1e-12);
-
-  // So small a value at a quarter period that its cosine part, 1e-8 of it, is no longer a number
-  // but 0, while the sine part is one: angle of a negative sine alone.
-  const double quarter = Model.Time() - T + 512 * T;
-  const auto negative = [&](double t) { return t == quarter ? -1e-315 : 0.0; };
-  Update(OnePeriod, negative, negative);
+  Update(OnePeriod, quarter(), quarter());
   EXPECT_NEAR(Meter.AngleDeg(), -90.0, 1e-12);
-
   // As a reference the same sums stand at +90 degrees.
   Meter.SetHarmonicXfer(true);
   Meter.SetHarmonicXferVar("y");
-  const double later = Model.Time() - T + 512 * T;
-  const auto reference = [&](double t) { return t == later ? -1e-315 : 0.0; };
-  const auto sine = [](double t) { return std::sin(TwoPi * 2.0 * t); };
-  Update(OnePeriod + 1, sine, reference);
+  Update(
+      OnePeriod + 1, [](double t) { return std::sin(TwoPi * 2.0 * t); }, quarter());
   EXPECT_NEAR(Meter.AngleDeg(), -90.0, 1e-4);
 }
 

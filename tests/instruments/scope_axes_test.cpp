@@ -122,22 +122,6 @@ TEST(ScopeAxes, AutoAndFillUseThePointsOnTheScreenAndTheMultiplier) {
   EXPECT_EQ(trace.Vertical(), (AxisScale{2.0, 4.0}));
 }
 
-TEST(ScopeAxes, RefusesWhatCannotDivide) {
-  Recorder recorder;
-  ScopeBench b;
-  EXPECT_FALSE(b.Scope.SetVerticalScale(b.Trace(), std::nan("")));
-  EXPECT_FALSE(b.Scope.SetHorizontalScale(b.Scope.TimeChannel(), std::nan("")));
-  const ScreenPixels none;
-  none.Y(b.Trace(), 0.0);
-  none.X(b.Trace(), 0.0);
-  none.TimeX(b.Scope.TimeChannel(), 0.0, 0.0);
-  EXPECT_EQ(recorder.Take(), (Messages{"Error: Scale cannot be set to zero",
-                                       "Error: Horizontal scale cannot be set to zero",
-                                       "Error: Internal Error: ScreenHeight not initialized",
-                                       "Error: Internal Error: ScreenDimensions not initialized",
-                                       "Error: Internal Error: Uninit ScreenDimension"}));
-}
-
 // A ramp of a second a point on a screen of 400 pixels, which is shown tenfold; the source steps
 // at 100 s.
 TEST(ScopeAxes, CursorsMeasureWhatIsShown) {

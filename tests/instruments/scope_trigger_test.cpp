@@ -152,24 +152,21 @@ TEST(ScopeTrigger, AutoSweepsAtOnceThenEveryTwentyAndAHalfDivisions) {
 TEST(ScopeTrigger, LampsShareOneCounter) {
   TriggerBench a, b;
   TriggerLamp lampA, lampB;
-  const auto lit = [&](int refreshes, bool both) {
-    int count = 0;
-    for (int refresh = 0; refresh < refreshes; ++refresh) {
+  for (const int expected : {5, 3}) {
+    a.StepAt(11.0 * expected, 1.0);
+    EXPECT_TRUE(a.StepAt(11.0 * expected + 1.0, -1.0));
+    int lit = 0;
+    for (int refresh = 0; refresh < 10; ++refresh) {
       lampA.Refresh(a.Trigger);
-      if (both) lampB.Refresh(b.Trigger);
-      count += lampA.Lit();
+      if (expected == 3) lampB.Refresh(b.Trigger);
+      lit += lampA.Lit();
       EXPECT_FALSE(lampB.Lit());
     }
-    return count;
-  };
-  a.StepAt(0, 1.0);
-  a.StepAt(1, -1.0);
-  EXPECT_EQ(lit(5, false), 5);
-  EXPECT_EQ(lit(2, false), 0);
-  a.Trigger.Rearm();
-  a.StepAt(11, 1.0);
-  a.StepAt(12, -1.0);
-  EXPECT_EQ(lit(10, true), 3);
+    EXPECT_EQ(lit, expected);
+    a.Time.Value = 0.0;
+    a.Trigger.SetMode(SweepMode::Normal);
+    a.Trigger.Rearm();
+  }
 }
 
 }  // namespace torvane::test

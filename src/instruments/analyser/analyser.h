@@ -182,7 +182,6 @@ class FrequencyAnalyser : public Instrument {
   void SetFindType(const std::string& text);
 
   /// Whether the window is on the workspace; it is never destroyed.
-  bool Visible() const { return visible_; }
   virtual void SetVisible(bool visible);
 
   CursorMode Cursors() const { return cursors_; }

@@ -48,8 +48,6 @@ class ZelXfer final : public FrequencyAnalyser {
   State SampleState() const { return state_; }
   int SampleCount() const { return sampleCount_; }
   double Progress() const override;
-  /// Whole records of the measurement that is going on, or was the last.
-  int RecordsTaken() const { return recordsTaken_; }
   int MaxOrder() const { return fft_.MaxOrder(); }
   int Order() const { return order_; }
   int Length() const { return 1 << order_; }

@@ -58,7 +58,6 @@ double ZelMeter::Read(Source& source) const {
 }
 
 void ZelMeter::Update(double t) {
-  elapsed_ += tSample_;
   const double x = Read(measured_);
   switch (kind_) {
     case MeterKind::Rms:

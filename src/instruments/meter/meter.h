@@ -46,8 +46,6 @@ class ZelMeter final : public Instrument {
   double AngleDeg() const;
   /// Unit of the value shown; "(Unitless)" when there is none.
   std::string UnitText() const;
-  /// Simulated time for which the meter has been updated, seconds.
-  double ElapsedTime() const { return elapsed_; }
 
   /// The signals chosen; nullptr on a bench without offered signals.
   const Variable* Measured() const { return measured_.Signal; }
@@ -150,7 +148,6 @@ class ZelMeter final : public Instrument {
   double lowPole_ = 0.0;
   double highPole_ = 0.0;
   SampleClock clock_;
-  double elapsed_ = 0.0;
   double rms_ = 0.0;
   double mean_ = 0.0;
   double p_ = 0.0;

@@ -107,7 +107,6 @@ class ZelScope final : public Instrument {
   void SetCursorX(std::size_t cursor, int x);
 
   int ScreenLength() const { return memory_.ScreenLength(); }
-  int RingLength() const { return memory_.RingLength(); }
   double SampleInterval() const { return interval_; }
   /// Takes the interval from the time channel's scale, whatever its sign, and waits for the trigger
   /// anew. The setters do so by themselves.

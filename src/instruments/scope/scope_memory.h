@@ -46,7 +46,6 @@ class ScopeMemory {
   ZelTimeChannel& TimeChannel() const { return *timeChannel_; }
 
   int ScreenLength() const { return screenLength_; }
-  int RingLength() const { return ringLength_; }
   // Of the present sweep.
   int StartIndex() const { return Present().Start; }
   int FillIndex() const { return Present().Fill; }
