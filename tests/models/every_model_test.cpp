@@ -19,17 +19,18 @@ long allocations = 0;
 long failingAllocation = -1;
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Out of line: the compiler must not see malloc and free beside a new or delete of its own.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   if (++allocations == failingAllocation) throw std::bad_alloc();
   if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
   throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
   std::free(memory);
 }
 

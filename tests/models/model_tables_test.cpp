@@ -79,7 +79,7 @@ class Listing {
   template <class... Fields>
   void Line(const std::string& first, const Fields&... fields) {
     Text += first;
-    ((Text += "," + Field(fields)), ...);
+    ((Text.append(",").append(Field(fields))), ...);
     Text += "\n";
   }
 
