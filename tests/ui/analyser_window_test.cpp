@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -209,6 +210,7 @@ TEST_F(AnalyserWindowTest, MarginsAreReadOffTheTraceOfTheCursors) {
     return found.isEmpty() ? -1000.0 : table.item(found.front()->row(), 1)->text().toDouble();
   };
   EXPECT_GT(row("Smallest phase margin (unity feedback)"), 45.0);
+  EXPECT_EQ(table.horizontalScrollBar()->maximum(), 0);
   Press("SBButton2");
   EXPECT_NEAR(row("Smallest phase margin"), 55.62, 1.0);
   EXPECT_NEAR(row("Smallest gain margin"), 14.89, 0.3);

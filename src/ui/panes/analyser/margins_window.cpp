@@ -55,11 +55,23 @@ void MarginsWindow::ReadTrace() {
   SetCells({QStringLiteral("Measure"), QStringLiteral("Value"), QStringLiteral("Unit"),
             QStringLiteral("Freq (Hz)")},
            rows_);
+  ShowWholeColumns();
   const double accurate = analyser_.AccurateUpTo();
   trust_->setVisible(highest_ > accurate);
   trust_->setText(QStringLiteral("The sample time is short enough for what is read up to %1 Hz; "
                                  "choose a shorter one for what is read above.")
                       .arg(QString::fromStdString(Figure(accurate))));
+}
+
+// The longest names come with responses of closed loops.
+void MarginsWindow::ShowWholeColumns() {
+  const QAbstractItemView& cells = Table();
+  int width = 2 * Table().frameWidth();
+  for (int column = 0; column < Table().columnCount(); ++column) {
+    width += std::max(cells.sizeHintForColumn(column),
+                      Table().horizontalHeader()->sectionSizeHint(column));
+  }
+  Table().setMinimumWidth(width);
 }
 
 void MarginsWindow::AddRow(const std::string& name, double value, const char* unit, double hz) {

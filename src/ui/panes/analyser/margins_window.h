@@ -35,6 +35,7 @@ class MarginsWindow : public ReadOutWindow {
   void AddBandwidths(const Margins& margins);
   void AddMargins(const Margins& margins, bool onPlot);
   void MoveMarksToTrace(int slot);
+  void ShowWholeColumns();
   void AddRow(const std::string& name, double value, const char* unit, double hz);
 
   FrequencyAnalyser& analyser_;

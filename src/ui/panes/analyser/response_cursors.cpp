@@ -14,7 +14,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int FigureLength = 12;  // with the room around it
+constexpr int FigureLength = 13;  // with the room around it
 
 QString Text(const std::optional<double>& value) {
   return value ? QString::fromStdString(FormatEdit(*value)) : ReadOutWindow::Unavailable;
