@@ -40,7 +40,7 @@ class Engine final : public QPaintEngine {
     }
     const QBrush& brush = state->brush();
     if (brush != Qt::NoBrush) style += " on " + brush.color().name(QColor::HexArgb).toStdString();
-    const bool goesOn = what == "line" && what == what_ && style == style_;
+    const bool goesOn = what != "shape" && what == what_ && style == style_;
     if (goesOn) Drawn.pop_back();
     if (!goesOn) points_.clear();
     what_ = what;
