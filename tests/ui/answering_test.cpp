@@ -15,17 +15,18 @@ double ProcessorSeconds() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// A key waits for the rest of a pass, ten milliseconds long at most, and for a frame.
+// At the slowest a screen lasts three centuries. A key waits for the rest of a pass, ten
+// milliseconds long at most, and for a frame.
 TEST_F(AnsweringTest, AKeyIsAnsweredWithinFiftyMillisecondsAtEveryTimeBase) {
   auto& edit = Find<QLineEdit>("EOffset");
   edit.setFocus();
   Click("SBRun");
-  for (const char* scale : {"1e-6", "1e-4", "0.002", "0.05", "2", "1000"}) {
+  for (const char* scale : {"1e-6", "1e-4", "0.002", "0.05", "2", "1e9"}) {
     Type("EHorizScale", scale);
     double longest = 0.0;
-    for (int key = 0; key < 12; ++key) {
+    for (int key = 0; key < 6; ++key) {
       const double time = Panel->Model()->Time();
-      ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > time; }));
+      ASSERT_TRUE(WaitFor([&] { return Panel->Model()->Time() > time; }));
       const QString before = edit.text();
       const double posted = ProcessorSeconds();
       QCoreApplication::postEvent(

@@ -13,49 +13,81 @@
 
 namespace torvane::test {
 
+/// A control, or the cell of a table, and the place in it that gestures are made at.
+struct Target {
+  QWidget& Widget;
+  QPoint Place;
+};
+
 /// The main window on the offscreen display, with the first model, stopped. Reports are recorded.
+///
+/// It plays scripts, as they stand in tests/data/ui: lines of "gestures -> what is to be seen
+/// then", on either side parted by "; ". What is to be seen is waited for. Lines that begin with
+/// "#" are remarks. NAME is a control's object name, WINDOW/NAME where several windows have one of
+/// that name, NAME[KVP] the value of a table's line, or "focus" for the control that has it.
+///
+///   click NAME            a button, a cell, or a command of a menu; double NAME: twice
+///   type NAME TEXT        in place of what the edit holds, with Enter; write NAME TEXT: without
+///   keys NAME TEXT        as keys, one after the other
+///   key NAME Ctrl+Z       one key
+///   wheel NAME 120 Shift  so many eighths of a degree, with a key held or without
+///   drag NAME 0,-40 Shift from the middle, so far; "lost" instead of a key: without its release
+///   choose NAME TEXT      of a list
+///   focus NAME; close NAME; model NAME; run SECONDS of the model's time; answer ok|cancel
+///   set CONSTANT VALUE    as another window does
+///
+///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
+///   NAME.PROPERTY=TEXT
+///   NAME on|off|enabled|disabled|shown|hidden|focused
+///   saved RECORD          a line of the file that a save would write; * for any name
+///   undo=TEXT             what can be undone; redo=TEXT; notice=TEXT
+///   report TEXT           a report or question; there may be none but those of the line
 class Desktop : public testing::Test {
  protected:
   static constexpr QSize Small{1280, 800};
 
-  Desktop() {
-    Panel->resize(Small);
-    Panel->show();
-    QTest::qWait(20);
-  }
+  Desktop();
+
+  /// Plays the lines until one fails.
+  void Play(const std::string& script);
 
   template <typename Control>
-  Control& Find(const char* name) {
-    Control* control = Panel->findChild<Control*>(QString::fromLatin1(name));
-    if (!control) throw std::runtime_error(std::string("no control ") + name);
+  Control& Find(const std::string& name) {
+    auto* control = qobject_cast<Control*>(Named(name));
+    if (!control) throw std::runtime_error("no control " + name);
     return *control;
   }
-  void Click(const char* name) { QTest::mouseClick(&Find<QWidget>(name), Qt::LeftButton); }
-  void Trigger(const char* name) { Find<QAction>(name).trigger(); }
-
+  void Click(const std::string& name) { Do("click " + name); }
+  void Trigger(const std::string& name) { Find<QAction>(name).trigger(); }
   /// Chooses a model as the user does, in the list.
-  void ChooseModel(const QString& name) {
-    auto& list = Find<QComboBox>("ModelCmB");
-    list.setCurrentText(name);
-    emit list.activated(list.currentIndex());
-  }
-
+  void ChooseModel(const QString& name) { Do("model " + name.toStdString()); }
   QString Text(const char* edit) { return Find<QLineEdit>(edit).text(); }
-  /// Types into an edit in place of what it holds; commits on Enter.
-  void Type(const char* name, const char* text, bool enter = true) {
-    QLineEdit& edit = Find<QLineEdit>(name);
-    edit.setFocus();
-    edit.selectAll();
-    QTest::keyClicks(&edit, QString::fromLatin1(text));
-    if (enter) QTest::keyClick(&edit, Qt::Key_Return);
-  }
+  void Type(const std::string& name, const std::string& text) { Do("type " + name + " " + text); }
+  /// Runs the model so long, by its own time.
+  void RunFor(double seconds) { Do("run " + std::to_string(seconds)); }
+  /// A message loop's worth of what is due.
+  static bool WaitFor(const std::function<bool()>& so) { return QTest::qWaitFor(so, 30000); }
 
   ZelBenchTop& Bench() { return Panel->Model()->Bench(); }
-  Constant& Const(const char* name) { return *Bench().FindConst(name); }
+  Constant& Const(const std::string& name) { return *Bench().FindConst(name); }
+  /// The model's first instrument of a kind.
+  template <typename Engine>
+  Engine& First(InstrumentKind kind) {
+    return dynamic_cast<Engine&>(*Bench().Instruments(kind).front());
+  }
 
   Recorder Reports;
   DataFolder Data{QCoreApplication::applicationDirPath()};
   std::unique_ptr<TZelControlPanelF> Panel = std::make_unique<TZelControlPanelF>(Data);
+
+ private:
+  QObject* Named(const std::string& name);
+  Target At(const std::string& name);
+  void Do(const std::string& step);
+  bool DoToAll(const std::string& verb, const std::string& rest);
+  void DoAt(const std::string& verb, const Target& target, const QString& text);
+  std::string Shown(const std::string& name);
+  std::string Missing(const std::string& seen);
 };
 
 }  // namespace torvane::test

@@ -36,7 +36,6 @@ class FileCommandsTest : public Desktop {
     Panel = std::make_unique<TZelControlPanelF>(Data);
     Panel->resize(Small);
     Panel->show();
-    QTest::qWait(20);
     Reports.Take();
   }
 
@@ -50,12 +49,13 @@ class FileCommandsTest : public Desktop {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(text);
   }
-  // Answers the next modal dialog, as soon as it is there.
+  // Answers the next modal dialog, or the next one with that title, as soon as it is there.
   template <typename Answer>
-  void Next(Answer answer) {
-    QTimer::singleShot(20, qApp, [this, answer] {
+  void Next(Answer answer, const QString& title = {}) {
+    QTimer::singleShot(5, qApp, [=, this] {
       auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      dialog ? answer(*dialog) : Next(answer);
+      const bool wanted = dialog && (title.isEmpty() || dialog->windowTitle() == title);
+      wanted ? answer(*dialog) : Next(answer, title);
     });
   }
   void ChooseFile(const QString& path) {
@@ -113,12 +113,7 @@ TEST_F(FileCommandsTest, SavesAndLoadsThroughTheMenu) {
 TEST_F(FileCommandsTest, AsksBeforeItReplacesAFileOrAModel) {
   Put(Path("old.tvf"), "kept");
   ChooseFile(Path("old.tvf"));
-  QTimer::singleShot(400, qApp, [] {
-    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->windowTitle(), "File Exsits");
-    box->reject();
-  });
+  Next([](QDialog& box) { box.reject(); }, "File Exsits");
   EXPECT_FALSE(Panel->Files().SaveAs());
   QFile file(Path("old.tvf"));
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -148,8 +143,7 @@ TEST_F(FileCommandsTest, ADroppedFileOpens) {
   EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(Panel.get(), &drop);
-  QTest::qWait(20);
-  EXPECT_EQ(Const("KVP").Value(), 4);
+  EXPECT_TRUE(WaitFor([&] { return Const("KVP").Value() == 4; }));
 }
 
 TEST_F(FileCommandsTest, ABrokenFileShowsTenBoxesAndOneList) {
@@ -185,7 +179,7 @@ TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
 // Painted from within a box, a trace that is shown for the first time had no colour yet.
 TEST_F(FileCommandsTest, ABoxWhileLoadingShowsNothingHalfLoaded) {
   Click("SBRun");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Frames() >= 3; }));
+  ASSERT_TRUE(WaitFor([&] { return Panel->Frames() >= 3; }));
   struct Painter : test::Recorder {
     explicit Painter(TZelControlPanelF& painted) : panel(painted) {}
     void Show(MessageKind kind, const std::string& text) override {

@@ -66,6 +66,10 @@ TEST(ScopePaintBoxTest, APictureOfManyFramesIsThatOfANewWindow) {
   fresh.Refresh();
   ASSERT_EQ(box.Shown(), fresh.Shown());
   EXPECT_EQ(box.grab().toImage(), fresh.grab().toImage());
+  // Also in another size, though nothing runs.
+  for (ScopePaintBox* one : {&box, &fresh}) one->resize(500, 400);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(box.grab().toImage(), fresh.grab().toImage());
 }
 
 }  // namespace
