@@ -34,8 +34,7 @@ class ConsoleHost final : public CatalogueHost {
   std::set<int> reported_;
 };
 
-void Load(const std::string& path, ConsoleHost& host, std::string& text) {
-  if (!ReadModelText(path, text)) throw FileError("");
+void Load(const std::string& path, ConsoleHost& host, const std::string& text) {
   // Records may stand before the line that names their model.
   const std::string name = ModelNameIn(text);
   if (host.InCatalogue(name)) host.ChangeModel(name);
@@ -45,16 +44,26 @@ void Load(const std::string& path, ConsoleHost& host, std::string& text) {
 
 }  // namespace
 
-std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& console) {
-  ConsoleHost host(path, console);
+std::string ReadModelFile(const std::string& path) {
   std::string text;
+  if (!ReadModelText(path, text)) throw FileError("");
+  return text;
+}
+
+std::unique_ptr<ZelModel> OpenModelText(const std::string& path, const std::string& text,
+                                        Console& console) {
+  ConsoleHost host(path, console);
   Load(path, host, text);
   return std::move(host.Model);
 }
 
+std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& console) {
+  return OpenModelText(path, ReadModelFile(path), console);
+}
+
 void CheckModelFile(const std::string& path, Console& console) {
   ConsoleHost host(path, console);
-  std::string text;
+  const std::string text = ReadModelFile(path);
   Load(path, host, text);
   RemarkOnLines(text, *host.Model, host.Reported(), [&](int line, const std::string& remark) {
     host.AtLine(line);

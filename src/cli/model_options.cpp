@@ -21,6 +21,10 @@ void AddModelName(CLI::App& command, std::string& model) {
 
 void AddModelOptions(CLI::App& command, ModelOptions& options) {
   AddModelName(command, options.Model);
+  AddModelSettings(command, options);
+}
+
+void AddModelSettings(CLI::App& command, ModelOptions& options) {
   command
       .add_option(
           "--set", options.Settings,
@@ -65,7 +69,9 @@ std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console) {
 
 std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console) {
   console.SetAnswerOk(options.AnswerOk);
-  std::unique_ptr<ZelModel> model = OpenModel(options.Model, console);
+  std::unique_ptr<ZelModel> model = options.FileText
+                                        ? OpenModelText(options.Model, *options.FileText, console)
+                                        : OpenModel(options.Model, console);
   for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
   for (const std::string& wave : options.Waves) ApplyWave(model->Bench(), wave);
   return model;

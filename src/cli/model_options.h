@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ namespace torvane::cli {
 /// Which model a command works on, and what is set on it before it runs.
 struct ModelOptions {
   std::string Model;
+  /// Of the file that MODEL is, when it has been read already.
+  std::optional<std::string> FileText;
   std::vector<std::string> Settings;
   std::vector<std::string> Waves;
   bool AnswerOk = false;
@@ -23,6 +26,9 @@ struct ModelOptions {
 
 /// MODEL alone, for commands that only describe it.
 void AddModelName(CLI::App& command, std::string& model);
+
+/// What is set on a model.
+void AddModelSettings(CLI::App& command, ModelOptions& options);
 
 /// MODEL and what is set on it.
 void AddModelOptions(CLI::App& command, ModelOptions& options);

@@ -32,6 +32,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddBodeCommand(app, console);
   AddSweepCommand(app, console);
   AddMeterCommand(app, console);
+  AddMeasureCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
 }

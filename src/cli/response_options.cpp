@@ -32,11 +32,7 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
       .add_option("--output", options.Output,
                   "Signal whose response is measured; needed unless MODEL is a file")
       ->type_name("B");
-  AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
-            "The analyser's sample time, seconds");
-  AddNumber(command, "--amplitude", options.Amplitude, NumberRange::NotNegative,
-            "Amplitude of the excitation, in the command's units");
-  AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
+  AddExcitationOptions(command, options);
   command.add_option("--out", options.Out, "File to write; standard output without it")
       ->type_name("FILE");
   command.add_option("--picture", options.Picture, "Draw gain and phase into this file as well")
@@ -44,12 +40,20 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   command.add_flag("--margins", options.Margins,
                    "Print bandwidth, peaking, gain and phase margins; the points then go to --out "
                    "only");
-  AddInteger(command, "--average", options.Average,
-             "Measurements to average, with the coherence; one without it");
   command
       .add_option("--overlay", options.Overlay,
                   "Lay the response of this file, from a bench or --out, over the measured one")
       ->type_name("FILE.csv");
+}
+
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options) {
+  AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
+            "The analyser's sample time, seconds");
+  AddNumber(command, "--amplitude", options.Amplitude, NumberRange::NotNegative,
+            "Amplitude of the excitation, in the command's units");
+  AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
+  AddInteger(command, "--average", options.Average,
+             "Measurements to average, with the coherence; one without it");
 }
 
 void CheckChannels(const ResponseOptions& options) {

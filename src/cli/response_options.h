@@ -29,6 +29,9 @@ inline constexpr int OverlaySlot = 1;
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options);
 
+/// How the model is excited and how often that is measured.
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options);
+
 /// A model of the catalogue needs input and output to be named, or it is wrong usage; a file has
 /// chosen them.
 void CheckChannels(const ResponseOptions& options);

@@ -60,6 +60,11 @@ class ZelModel {
   /// either: from now on the model runs as one that was built when its class had seen none.
   void ResetEverything();
 
+  /// Drops what the class keeps from one model to the next, and through a reset. A model that was
+  /// just built then runs as the first one of its program; while models run, only an overflow asks
+  /// for it.
+  virtual void DropClassMemory() {}
+
   /// Every constant back to its default.
   void RestoreDefaults();
 
@@ -78,10 +83,6 @@ class ZelModel {
     return set;
   }
   void SetFiles(std::string picture, std::string text);
-
-  /// Drops what the class keeps from one model to the next, and through a reset: only an overflow
-  /// asks for it.
-  virtual void DropClassMemory() {}
 
  private:
   void Reset(ResetKind kind);

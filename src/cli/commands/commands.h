@@ -19,6 +19,7 @@ void AddSpeedCommand(CLI::App& app, Console& console);
 void AddBodeCommand(CLI::App& app, Console& console);
 void AddSweepCommand(CLI::App& app, Console& console);
 void AddMeterCommand(CLI::App& app, Console& console);
+void AddMeasureCommand(CLI::App& app, Console& console);
 void AddCheckCommand(CLI::App& app, Console& console);
 void AddConvertCommand(CLI::App& app, Console& console);
 

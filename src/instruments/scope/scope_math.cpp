@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <iterator>
 
 #include "instruments/scope/scope_cursors.h"
 
@@ -32,7 +34,32 @@ std::vector<double> Shown(const ZelChannel& channel, const std::vector<Sample>& 
   return values;
 }
 
+// A signal's trace over the whole screen.
+std::vector<double> Trace(const ZelScope& scope, const ScopeScreen& screen,
+                          const Variable& signal) {
+  for (std::size_t k = 0; k < screen.Values.size(); ++k) {
+    const ZelChannel& channel = *scope.Channels()[k];
+    if (&channel.Signal() == &signal)
+      return Shown(channel, screen.Values[k], {0, screen.Time.size()});
+  }
+  return {};
+}
+
 }  // namespace
+
+ResponseMeasures MeasureResponse(const ZelScope& scope, const ScopeScreen& screen,
+                                 const Variable& command, const Variable& response) {
+  const std::vector<double> times =
+      Shown(scope.TimeChannel(), screen.Time, {0, screen.Time.size()});
+  const std::vector<double> wanted = Trace(scope, screen, command);
+  const std::vector<double> is = Trace(scope, screen, response);
+  ResponseMeasures measures;
+  measures.Step = MeasureStep(times, wanted, is);
+  std::vector<double> error;
+  std::transform(wanted.begin(), wanted.end(), is.begin(), std::back_inserter(error), std::minus());
+  if (const auto of = MeasureTrace(error)) measures.RmsError = of->Rms;
+  return measures;
+}
 
 std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
                                            const ScreenPixels& pixels) {

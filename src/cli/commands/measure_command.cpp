@@ -1,0 +1,36 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/commands/commands.h"
+#include "cli/measurement.h"
+#include "cli/quiet.h"
+#include "cli/result_file.h"
+#include "core/csv.h"
+
+namespace torvane::cli {
+namespace {
+
+void Measure(const MeasureOptions& options, Console& console) {
+  auto model = OpenModel(options.Bode.Response.Model, console);
+  CheckMeasurement(*model, options, console);
+  ResultFile output("");
+  const MakeModel make = [&] { return OpenModel(options.Bode.Response.Model, console); };
+  // Building the model once has said all that there is to say about the options.
+  const Quiet quiet;
+  const RunMeasures measures = MeasureRun(make, options, console, Console::CanShowProgress(false));
+  output.Write(CsvLine(MeasureCaptions(options)));
+  output.Write(CsvLine(measures.Fields));
+  output.Close();
+}
+
+}  // namespace
+
+void AddMeasureCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "measure", "Measure how a signal follows a step of another one, as a line of CSV");
+  const auto options = std::make_shared<MeasureOptions>();
+  AddModelName(*command, options->Bode.Response.Model.Model);
+  AddMeasureOptions(*command, *options);
+  command->callback([options, &console] { Measure(*options, console); });
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/bode_measurement.h"
+#include "cli/console.h"
+#include "instruments/scope/scope.h"
+
+namespace torvane::cli {
+
+/// What is measured of a run: how a signal follows a step of another on the last screen of the
+/// scope and, if asked for, the frequency response between them.
+struct MeasureOptions {
+  /// MODEL, the two signals (Input is the command, Output the response) and how the frequency
+  /// response is measured.
+  BodeOptions Bode;
+  bool WithBode = false;
+  double Until = 0.0;
+};
+
+/// All but MODEL.
+void AddMeasureOptions(CLI::App& command, MeasureOptions& options);
+
+/// What the fields of a measurement are called.
+std::vector<std::string> MeasureCaptions(const MeasureOptions& options);
+
+/// The unit of such a field.
+std::string MeasureUnit(const std::string& caption);
+
+/// Wrong usage if the options do not fit the model, which is set up for a measurement: its scope is
+/// there, the signals are, and the analyser takes its settings.
+void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console);
+
+/// What came of a run.
+struct RunMeasures {
+  std::vector<std::string> Fields;  ///< by caption; one that cannot be measured is empty
+  ScopeScreen Screen;               ///< that the step was measured on
+};
+
+/// Builds a model with its settings.
+using MakeModel = std::function<std::unique_ptr<ZelModel>()>;
+
+/// Measures as a process would that runs nothing else, whatever ran in this one: each part in a
+/// model of its own whose class has seen none. An overflow, or a screen or record that is not
+/// whole, is a CommandError of ExitCode::Stopped.
+RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
+                       bool showProgress);
+
+}  // namespace torvane::cli
