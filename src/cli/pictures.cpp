@@ -7,6 +7,7 @@
 
 #ifdef TORVANE_PICTURES
 #include "plot/picture_export.h"
+#include "plot/study_picture.h"
 #endif
 
 namespace torvane::cli {
@@ -37,12 +38,28 @@ void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::s
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
   WritePicture(ResponsePicture(analyser), file);
 }
+
+void WritePicture(StudyResponses responses, const std::string& file) {
+  WritePicture(StudyResponsesPicture(std::move(responses)), file);
+}
+
+void WritePicture(StudyMap map, const std::string& file) {
+  WritePicture(StudyMapPicture(std::move(map)), file);
+}
 #else
 void WritePicture(const ZelScope&, const ScopeScreen&, const std::string& file) {
   CheckPictureFile(file);
 }
 
 void WritePicture(FrequencyAnalyser&, const std::string& file) {
+  CheckPictureFile(file);
+}
+
+void WritePicture(StudyResponses, const std::string& file) {
+  CheckPictureFile(file);
+}
+
+void WritePicture(StudyMap, const std::string& file) {
   CheckPictureFile(file);
 }
 #endif

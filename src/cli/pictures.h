@@ -4,6 +4,7 @@
 
 #include "instruments/analyser/analyser.h"
 #include "instruments/scope/scope.h"
+#include "instruments/study_data.h"
 
 namespace torvane::cli {
 
@@ -16,5 +17,9 @@ void CheckPictureFile(const std::string& file);
 void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file);
 /// The same of an analyser's gain and phase.
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file);
+
+/// The responses of a study's runs, or a map of them.
+void WritePicture(StudyResponses responses, const std::string& file);
+void WritePicture(StudyMap map, const std::string& file);
 
 }  // namespace torvane::cli

@@ -33,6 +33,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddSweepCommand(app, console);
   AddMeterCommand(app, console);
   AddMeasureCommand(app, console);
+  AddStudyCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
 }

@@ -18,4 +18,8 @@ void ApplySetting(ZelBenchTop& bench, const std::string& assignment);
 /// DutyCycle.
 void ApplyWave(ZelBenchTop& bench, const std::string& assignment);
 
+/// Sets the constant of that name or else, named as in ApplyWave, the generator's setting. A name
+/// that is neither is wrong usage.
+void ApplyConstantOrWave(ZelBenchTop& bench, const std::string& name, const std::string& value);
+
 }  // namespace torvane::cli

@@ -2,6 +2,7 @@
 #include "cli/names.h"
 #include "cli/settings.h"
 #include "core/bench.h"
+#include "core/constant.h"
 #include "core/text.h"
 #include "library/wave.h"
 
@@ -30,10 +31,10 @@ ZelWave& AddressedGenerator(const ZelBenchTop& bench, Assignment& assignment) {
   return dynamic_cast<ZelWave&>(*generator);
 }
 
-CommandError UnknownKey(const std::string& key) {
+std::vector<std::string> Keys() {
   std::vector<std::string> names{WaveformKey};
   for (const WaveNumber& known : ZelWave::Numbers()) names.emplace_back(known.Name);
-  return UnknownName("generator setting", key, names);
+  return names;
 }
 
 }  // namespace
@@ -54,7 +55,21 @@ void ApplyWave(ZelBenchTop& bench, const std::string& text) {
     if (stored != wanted) NoteLimited(assignment.Name, FormatShortest(stored));
     return;
   }
-  throw UnknownKey(assignment.Name);
+  throw UnknownName("generator setting", assignment.Name, Keys());
+}
+
+void ApplyConstantOrWave(ZelBenchTop& bench, const std::string& name, const std::string& value) {
+  const std::string assignment = name + "=" + value;
+  std::vector<std::string> names = Keys();
+  const bool wave = name.find(':') != std::string::npos || IndexOfName(name, names) >= 0;
+  if (bench.FindConst(name)) {
+    ApplySetting(bench, assignment);
+  } else if (wave) {
+    ApplyWave(bench, assignment);
+  } else {
+    for (const Constant* constant : bench.Constants()) names.push_back(constant->Name());
+    throw UnknownName("constant or generator setting", name, names);
+  }
 }
 
 }  // namespace torvane::cli

@@ -20,6 +20,7 @@ void AddBodeCommand(CLI::App& app, Console& console);
 void AddSweepCommand(CLI::App& app, Console& console);
 void AddMeterCommand(CLI::App& app, Console& console);
 void AddMeasureCommand(CLI::App& app, Console& console);
+void AddStudyCommand(CLI::App& app, Console& console);
 void AddCheckCommand(CLI::App& app, Console& console);
 void AddConvertCommand(CLI::App& app, Console& console);
 

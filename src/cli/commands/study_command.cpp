@@ -1,0 +1,57 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/commands/commands.h"
+#include "cli/number_options.h"
+#include "cli/study/study.h"
+
+namespace torvane::cli {
+
+void AddStudyCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "study", "Measure many runs of a model with other settings each, a line of CSV a run");
+  const auto options = std::make_shared<StudyOptions>();
+  command
+      ->add_option(
+          "[STUDY.csv] MODEL", options->Files,
+          "A table with a column for each constant or generator setting and a row for each "
+          "run; a model or model file")
+      ->type_name("");
+  command
+      ->add_option("--vary", options->Vary,
+                   "Vary a constant or generator setting, without a table; several make a grid. "
+                   "Repeatable")
+      ->allow_extra_args(false)
+      ->type_name("NAME=FROM:TO:COUNT[:log]");
+  AddInteger(*command, "--sample", options->Sample,
+             "Take so many samples of the ranges, a Latin hypercube, in place of the grid");
+  AddInteger(*command, "--seed", options->Seed, "Which samples (1 without it)");
+  AddMeasureOptions(*command, options->Measure);
+  AddInteger(*command, "--jobs", options->Jobs,
+             "Processes at a time; one a processor without it. The result is the same");
+  command->add_option("--shard", options->Shard, "Do the share K of N alone")->type_name("K/N");
+  command->add_flag("--merge", options->Merge,
+                    "Put the results of all shares, which stand in place of the model, together");
+  command
+      ->add_option("--out", options->Out,
+                   "File to write; standard output without it. Until all runs are done their rows "
+                   "stand in FILE.part, where the same command goes on after an end before time")
+      ->type_name("FILE.csv");
+  command
+      ->add_option("--picture", options->Picture,
+                   "Draw the response of every run, or the map, into this file as well")
+      ->type_name("FILE.png|svg|pdf");
+  AddInteger(*command, "--chosen", options->Chosen, "Run that the picture sets off");
+  command
+      ->add_option("--map", options->Map,
+                   "Draw this measure over the first two settings that vary instead")
+      ->type_name("MEASURE");
+  command->callback([options, &console] {
+    if (options->Merge) {
+      MergeStudies(*options);
+    } else {
+      RunStudy(*options, console);
+    }
+  });
+}
+
+}  // namespace torvane::cli

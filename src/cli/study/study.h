@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/measurement.h"
+#include "instruments/study_data.h"
+
+namespace torvane::cli {
+
+/// What the command "study" is told.
+struct StudyOptions {
+  std::vector<std::string> Files;  ///< [STUDY.csv] MODEL, or the results to merge
+  std::vector<std::string> Vary;
+  std::optional<int> Sample;
+  std::optional<int> Seed;
+  std::optional<int> Jobs;
+  std::string Shard;
+  bool Merge = false;
+  std::string Out;
+  std::string Picture;
+  std::optional<int> Chosen;
+  std::string Map;
+  MeasureOptions Measure;
+};
+
+/// Measures every run of a study, or of a share of it.
+void RunStudy(StudyOptions options, Console& console);
+
+/// Puts the results of the shares of a study together.
+void MergeStudies(const StudyOptions& options);
+
+/// Refuses what does not make a picture, before anything is run for it.
+void CheckStudyPicture(const StudyOptions& options);
+
+/// The same of a table whose measures may still be empty.
+void CheckStudyPicture(const StudyOptions& options, const std::string& table);
+
+/// Draws the responses that were collected or, with Map, a measure of the rows, which begin with
+/// the captions.
+void WriteStudyPicture(const StudyOptions& options, const std::string& table,
+                       StudyResponses responses);
+
+}  // namespace torvane::cli
