@@ -5,6 +5,7 @@
 #include <QMdiSubWindow>
 #include <QTableWidget>
 #include <QWheelEvent>
+#include <algorithm>
 #include <map>
 
 #include "core/constant.h"
@@ -66,13 +67,19 @@ Desktop::Desktop() {
   QCoreApplication::processEvents();
 }
 
+// Of controls of one name, that on the screen.
 QObject* Desktop::Named(const std::string& name) {
   if (name == "focus") return QApplication::focusWidget();
   if (name == "panel") return Panel.get();
   QObject* found = Panel.get();
   for (const QString& part : QString::fromStdString(name).split(u'/')) {
-    found = found->findChild<QObject*>(part);
-    if (!found) throw std::runtime_error("no control " + name);
+    const QList<QObject*> namesakes = found->findChildren<QObject*>(part);
+    if (namesakes.isEmpty()) throw std::runtime_error("no control " + name);
+    const auto onScreen =
+        std::find_if(namesakes.begin(), namesakes.end(), [](const QObject* object) {
+          return object->isWidgetType() && object->property("visible").toBool();
+        });
+    found = onScreen == namesakes.end() ? namesakes.front() : *onScreen;
   }
   return found;
 }
