@@ -52,7 +52,8 @@ std::vector<double> NumberAxis::Ticks(int most) const {
   if (!log_ || high_ / low_ < 10.0) {
     const double step = RoundStep((high_ - low_) / most);
     const double first = std::ceil(low_ / step - Slack);
-    for (double k = first; k * step <= high_ + Slack * step; ++k) ticks.push_back(k * step);
+    // Not -0.
+    for (double k = first; k * step <= high_ + Slack * step; ++k) ticks.push_back(k * step + 0.0);
     return ticks;
   }
   const bool between = std::log10(high_ / low_) < 3.0;
@@ -106,7 +107,7 @@ void NumberFrame::Paint(QPainter& painter, const ScopeColours& colours, bool gri
                      Qt::AlignRight | Qt::AlignVCenter, TickText(tick));
   }
   painter.setFont(text);
-  painter.drawText(QRect(Plate.left(), 0, painter.window().width(), Plate.top() - gap),
+  painter.drawText(QRect(Plate.left(), 0, Plate.width(), Plate.top() - gap),
                    Qt::AlignLeft | Qt::AlignBottom, QString::fromStdString(Title));
   const int below = Plate.bottom() + 2 * gap + numbers.height();
   painter.drawText(QRect(Plate.left(), below, Plate.width(), words.height()), Qt::AlignCenter,

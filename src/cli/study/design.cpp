@@ -116,8 +116,8 @@ StudyDesign ReadTable(const std::string& path) {
     const CsvRow& row = rows[i];
     const std::string place = path + ":" + std::to_string(row.Line) + ": ";
     if (row.Fields.size() != design.Names.size()) {
-      throw UsageError(place + std::to_string(row.Fields.size()) + " fields below " +
-                       std::to_string(design.Names.size()) + " columns");
+      throw UsageError(place + "a row needs " + std::to_string(design.Names.size()) +
+                       " fields, not " + std::to_string(row.Fields.size()));
     }
     design.Runs.push_back(row.Fields);
     design.Places.push_back(place);

@@ -80,6 +80,7 @@ class Study {
   Console& console_;
   StudyDesign design_;
   std::vector<std::size_t> share_;
+  int processes_ = 1;
   std::unique_ptr<ZelModel> first_;
   std::string description_;  ///< of all that decides the results but the runs
 };
@@ -89,6 +90,7 @@ Study::Study(StudyOptions options, Console& console)
   CheckStudyPicture(options_);
   CheckOutputs(options_.Out, options_.Picture, options_.Vary.empty() ? options_.Files[0] : "");
   share_ = RunsOfShare(options_.Shard, design_.Runs.size());
+  processes_ = Processes(options_);
   ModelOptions& model = options_.Measure.Bode.Response.Model;
   model.Model = options_.Files.back();
   if (NamesModelFile(model.Model)) model.FileText = ReadModelFile(model.Model);
@@ -202,7 +204,7 @@ void Study::Run() {
     Progress progress(console_, share_.size(), done,
                       Console::CanShowProgress(options_.Out.empty()));
     DoInWorkers(
-        jobs, Processes(options_), [&](std::size_t run) { return Measure(run).Packed(); }, take,
+        jobs, processes_, [&](std::size_t run) { return Measure(run).Packed(); }, take,
         [&] { progress.Show(done); });
   } catch (const CommandError& error) {
     throw CommandError(
