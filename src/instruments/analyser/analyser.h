@@ -116,7 +116,8 @@ class FrequencyAnalyser : public Instrument {
   /// is shown as it is.
   const ResponseView& View() const { return responseView_; }
   void SetView(const ResponseView& view);
-  /// What the view shows of a slot that has data, until data or view change.
+  /// What a plot shows of a slot that has data: its points on the frequency axis, or all of them
+  /// where the view makes something of them. Kept until data or settings change.
   const DerivedResponse& ShownResponse(int slot);
   /// The lower plot shows group delay instead of phase.
   bool ShowsDelay() const { return responseView_.GroupDelay && !OutputOnly(); }
