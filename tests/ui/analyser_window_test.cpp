@@ -205,6 +205,8 @@ TEST_F(AnalyserWindowTest, MarginsAreReadOffTheTraceOfTheCursors) {
   EXPECT_FALSE(In<QLabel>("LTrust").isVisible());
   QCoreApplication::processEvents();
   EXPECT_EQ(table.item(0, 0)->text(), "Bandwidth");
+  EXPECT_FALSE(table.horizontalScrollBar()->isVisible() || table.verticalScrollBar()->isVisible());
+  EXPECT_GE(table.columnWidth(3), static_cast<QAbstractItemView&>(table).sizeHintForColumn(3));
   const auto row = [&](const QString& name) {
     const auto found = table.findItems(name, Qt::MatchExactly);
     return found.isEmpty() ? -1000.0 : table.item(found.front()->row(), 1)->text().toDouble();

@@ -2,10 +2,17 @@
 
 #include <QHeaderView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/widgets/digits.h"
 
 namespace torvane {
+
+namespace {
+
+constexpr int MostRows = 14;  // without scrolling
+
+}  // namespace
 
 ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const QString& hint,
                              QWidget* parent)
@@ -28,6 +35,7 @@ ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const Q
 
 // Only what differs is written, for these figures change ten times a second.
 void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>& rows) {
+  const int rowsBefore = table_->rowCount();
   table_->setColumnCount(static_cast<int>(header.size()));
   table_->setRowCount(static_cast<int>(rows.size()));
   for (int column = 0; column < header.size(); ++column) {
@@ -45,6 +53,22 @@ void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>
       if (item->text() != rows[row][column]) item->setText(rows[row][column]);
     }
   }
+  if (table_->rowCount() != rowsBefore) FitTable();
+}
+
+void ReadOutWindow::FitTable() {
+  const QHeaderView& columns = *table_->horizontalHeader();
+  const int rows = std::min(table_->rowCount(), MostRows);
+  const int edges = 2 * table_->frameWidth();
+  table_->setMinimumHeight(columns.sizeHint().height() +
+                           rows * table_->verticalHeader()->defaultSectionSize() + edges);
+  const QMargins around = layout()->contentsMargins();
+  int wide = edges + around.left() + around.right();
+  const QAbstractItemView& view = *table_;
+  for (int column = 0; column < table_->columnCount(); ++column) {
+    wide += std::max(columns.sectionSizeHint(column), view.sizeHintForColumn(column));
+  }
+  resize(std::max(width(), wide), minimumSizeHint().height());
 }
 
 }  // namespace torvane

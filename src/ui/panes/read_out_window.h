@@ -5,7 +5,8 @@
 
 namespace torvane {
 
-/// A small window above the others that shows a table of figures.
+/// A small window above the others that shows a table of figures. It is as high as its rows, and
+/// wide enough for its columns; the user may make it larger.
 class ReadOutWindow : public QWidget {
  public:
   /// What does not exist is shown as this.
@@ -20,6 +21,8 @@ class ReadOutWindow : public QWidget {
   QTableWidget& Table() { return *table_; }
 
  private:
+  void FitTable();
+
   QTableWidget* table_;
 };
 

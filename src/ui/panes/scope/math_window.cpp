@@ -14,7 +14,6 @@ namespace {
 
 constexpr int NameWidth = 130;
 constexpr int ColumnWidth = 92;
-constexpr int Height = 240;
 
 template <typename Measures, typename Value>
 QString Figure(const std::optional<Measures>& measures, Value value) {
@@ -72,7 +71,7 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
   const int margins = layout()->contentsMargins().left() + layout()->contentsMargins().right();
   const int frame = 2 * Table().frameWidth();
   const int width = NameWidth + ColumnWidth * static_cast<int>(measures.size()) + margins + frame;
-  resize(std::min(width, screen()->availableGeometry().width()), Height);
+  resize(std::min(width, screen()->availableGeometry().width()), height());
 }
 
 void MathWindow::closeEvent(QCloseEvent* event) {
