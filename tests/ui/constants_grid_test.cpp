@@ -1,3 +1,6 @@
+#include "ui/panes/constants/constants_grid.h"
+
+#include <QScrollBar>
 #include <QTableWidget>
 
 #include "core/constant.h"
@@ -11,6 +14,15 @@ class ConstantsGridTest : public test::Desktop {
   ConstantsGridTest() { ChooseModel("4-1 Digital PI Controller"); }
   QTableWidget& Grid() { return Find<QTableWidget>("SGConsts"); }
 };
+
+TEST_F(ConstantsGridTest, UnitsComeBackWithTheirRoom) {
+  for (const auto& [size, hidden] : {std::pair(QSize(800, 600), true), std::pair(Small, false)}) {
+    Panel->resize(size);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return Grid().isColumnHidden(ConstantsGrid::UnitColumn) == hidden; }));
+  }
+  EXPECT_FALSE(Grid().horizontalScrollBar()->isVisible());
+}
 
 TEST_F(ConstantsGridTest, ChoicesAreOfferedAsAList) {
   Play("click SGConsts[Feedback]; key focus F2 ->");

@@ -186,8 +186,9 @@ void ConstantsGrid::Fill() {
   table_.resizeColumnsToContents();
   // Values to come may be longer than these.
   const int value = QFontMetrics(digits).horizontalAdvance(QStringLiteral("0.00000")) + ValueEdges;
-  table_.setColumnWidth(ValueColumn, std::max(table_.columnWidth(ValueColumn), value));
-  const int namesAndValues = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
+  values_ = std::max(table_.columnWidth(ValueColumn), value);
+  table_.setColumnWidth(ValueColumn, values_);
+  const int namesAndValues = table_.columnWidth(NameColumn) + values_;
   // The last column is stretched: it has room to spare.
   const QAbstractItemView& view = table_;
   units_ = std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
@@ -198,10 +199,13 @@ void ConstantsGrid::Fill() {
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }
 
-// In a narrow window the hints tell the units.
+// In a narrow window the hints tell the units, and the values' column has their room.
 void ConstantsGrid::ShowUnitsIfRoom() {
-  const int others = table_.columnWidth(NameColumn) + table_.columnWidth(ValueColumn);
-  table_.setColumnHidden(UnitColumn, table_.viewport()->width() < others + units_);
+  const int others = table_.columnWidth(NameColumn) + values_;
+  const bool hide = table_.viewport()->width() < others + units_;
+  if (hide == table_.isColumnHidden(UnitColumn)) return;
+  table_.setColumnHidden(UnitColumn, hide);
+  if (!hide) table_.setColumnWidth(ValueColumn, values_);
 }
 
 void ConstantsGrid::ShowConstant(const std::string& name) {

@@ -42,6 +42,7 @@ class ConstantsGrid : public QObject {
   QWidget& viewport_;  // sends events still when the table is no more than its parts
   ZelBenchTop& bench_;
   std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
+  int values_ = 0;                                     // width of the values' column, pixels
   int units_ = 0;                                      // and of the units'
   bool showing_ = false;                               // cells are being written from the constants
 };
