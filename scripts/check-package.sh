@@ -16,9 +16,8 @@ files=build/package/files
 root=build/package/root
 example=/usr/share/torvane/examples/4-1-encoder-resolution.tvf
 
-inside() {
-  "${as_root[@]}" chroot "$root" env -i PATH=/usr/bin:/bin HOME=/root LANG=C.UTF-8 "$@"
-}
+# An array and no function, so that what is started in the background has the number of the program.
+inside=("${as_root[@]}" chroot "$root" env -i PATH=/usr/bin:/bin HOME=/root LANG=C.UTF-8)
 
 check_files() {
   dpkg-deb --extract "$package" "$files"
@@ -69,13 +68,13 @@ make_root() {
     cp /var/lib/dpkg/info/"$name"{,:*}.list "$root/var/lib/dpkg/info" 2>/dev/null || true
   done
   "${as_root[@]}" cp -a /dev/null /dev/urandom "$root/dev"
-  inside /sbin/ldconfig
+  "${inside[@]}" /sbin/ldconfig
 }
 
 check_command_line() {
-  inside torvane-cli run 1 --until 0.1 --every 0.001 >build/package/run.csv
+  "${inside[@]}" torvane-cli run 1 --until 0.1 --every 0.001 >build/package/run.csv
   build/release/bin/torvane-cli run 1 --until 0.1 --every 0.001 | cmp - build/package/run.csv
-  inside QT_QPA_PLATFORM=offscreen torvane-cli scope "$example" --until 0.5 \
+  "${inside[@]}" QT_QPA_PLATFORM=offscreen torvane-cli scope "$example" --until 0.5 \
     --out /tmp/screen.csv --picture /tmp/screen.png
   [[ $(wc -c <"$root/tmp/screen.png") -gt 10000 ]]
 }
@@ -93,16 +92,17 @@ wait_for_window() {
 # A double click on a model file, which starts what the desktop entry says, while a window is open.
 check_desktop() {
   local display=build/package/display
+  rm -f "$display"
   Xvfb -displayfd 1 -screen 0 1280x800x24 -ac >"$display" 2>/dev/null &
   started+=($!)
   until [[ -s $display ]]; do sleep 0.1; done
   DISPLAY=:$(<"$display")
   export DISPLAY
-  inside "DISPLAY=$DISPLAY" torvane &
+  "${inside[@]}" "DISPLAY=$DISPLAY" torvane &
   started+=($!)
   wait_for_window "^Torvane"
   # shellcheck disable=SC2046
-  inside "DISPLAY=$DISPLAY" $(sed -n "s|^Exec=\(.*\)%f|\1$example|p" \
+  "${inside[@]}" "DISPLAY=$DISPLAY" $(sed -n "s|^Exec=\(.*\)%f|\1$example|p" \
     "$files/usr/share/applications/torvane.desktop") &
   started+=($!)
   wait_for_window "4-1-encoder-resolution"
