@@ -46,7 +46,7 @@ check_options() {
 # The essential packages and those that the package needs, with all that they need in turn.
 needed_packages() {
   local asked
-  asked=$(dpkg-deb --field "$package" Depends | tr ',|' '\n\n' | sed 's/(.*//')
+  asked=$(dpkg-deb --field "$package" Depends | tr ',|' '\n' | sed 's/(.*//')
   # shellcheck disable=SC2046,SC2086
   apt-cache depends --recurse --installed --important \
     $(dpkg-query -W -f '${Essential} ${Package}\n' | sed -n 's/^yes //p') $asked | sort -u |
