@@ -178,17 +178,17 @@ TEST(Solver, NamesWhatGoesFirst) {
       {1e301, 1.0, 1e302, 1e300, "signal \"first\" (value 0 a step before)"},
       {0.0, HUGE_VAL, HUGE_VAL, 0, "signal \"first\""},
   };
-  for (const auto& [start, slope, signal, factor, found] : cases) {
-    OneStateModel model(0.25, start, [&](double t, double) {
-      model.First.Value = t > 0.25 ? signal : 0.0;
-      return t > 0.25 ? slope : 0.0;
+  for (const auto& c : cases) {
+    OneStateModel model(0.25, c.Start, [&](double t, double) {
+      model.First.Value = t > 0.25 ? c.Signal : 0.0;
+      return t > 0.25 ? c.Slope : 0.0;
     });
     volatile double product = 0.0;
     OnTime clock(model.Bench(), [&](double t) {
-      if (t > 0.25) product = factor * (factor * 1.0);
+      if (t > 0.25) product = c.Clock * (c.Clock * 1.0);
     });
     EXPECT_EQ(Overflow(model, 2.0),
-              std::string("floating-point overflow in ") + found + " at time 0.5 s");
+              std::string("floating-point overflow in ") + c.Found + " at time 0.5 s");
   }
 }
 
