@@ -35,7 +35,7 @@ ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const Q
 
 // Only what differs is written, for these figures change ten times a second.
 void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>& rows) {
-  const int rowsBefore = table_->rowCount();
+  const QSize before(table_->columnCount(), table_->rowCount());
   table_->setColumnCount(static_cast<int>(header.size()));
   table_->setRowCount(static_cast<int>(rows.size()));
   for (int column = 0; column < header.size(); ++column) {
@@ -53,7 +53,7 @@ void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>
       if (item->text() != rows[row][column]) item->setText(rows[row][column]);
     }
   }
-  if (table_->rowCount() != rowsBefore) FitTable();
+  if (QSize(table_->columnCount(), table_->rowCount()) != before) FitTable();
 }
 
 void ReadOutWindow::FitTable() {
