@@ -146,18 +146,14 @@ TEST(Messages, ReachTheInnermostSinkUnderTheirCaptions) {
   Recorder outer;
   {
     Recorder inner;
-    Note("a");
     Warning("b");
-    Error("c");
-    ConversionError("d");
     EXPECT_FALSE(inner.Ended);
     FatalError("e");
     EXPECT_TRUE(inner.Ended);
     EXPECT_TRUE(WarningQuestion("f"));
     inner.Answer = false;
     EXPECT_FALSE(ErrorQuestion("g"));
-    EXPECT_EQ(inner.Take(), (Messages{"Note: a", "Warning: b", "Error: c", "Message Box: d",
-                                      "Fatal Error: e", "Warning: f", "Error: g"}));
+    EXPECT_EQ(inner.Take(), (Messages{"Warning: b", "Fatal Error: e", "Warning: f", "Error: g"}));
   }
   Error("outer");
   EXPECT_EQ(outer.Take(), Messages{"Error: outer"});

@@ -39,21 +39,20 @@ class ConstantTest : public testing::Test, protected ConstantObserver, protected
 // The changed flag starts set: the first evaluation hands every default to its block.
 TEST_F(ConstantTest, AChangeIsLimitedFlaggedRecordedAndTold) {
   const double nan = std::nan("");
+  // `Undo` is what the menu offers then; nothing where nothing changed, as at a limit.
   const struct {
     Constant& Of;
     double From, To;
-    const char* Undo;  // what the menu offers then; nothing where nothing changed
-  } changes[] = {
-      {gain, 1.2, 1.2, ""},
-      {gain, 101.0, 100.0, "Undo KP = 100"},
-      {gain, HUGE_VAL, 100, ""},  // at the limit already
-      {gain, nan, 100.0, ""},
-      {gain, -10.5, -10.0, "Undo KP = -10"},
-      {gain, 12.3456789, 12.3456789, "Undo KP = 12.346"},
-      {feedback, 1.9, 1, ""},
-      {feedback, 7.0, 2, "Undo Feedback = None"},
-      {feedback, -1.0, 0, "Undo Feedback = Tach"},
-  };
+    const char* Undo;
+  } changes[] = {{gain, 1.2, 1.2, ""},
+                 {gain, 101.0, 100.0, "Undo KP = 100"},
+                 {gain, HUGE_VAL, 100, ""},
+                 {gain, nan, 100.0, ""},
+                 {gain, -10.5, -10.0, "Undo KP = -10"},
+                 {gain, 12.3456789, 12.3456789, "Undo KP = 12.346"},
+                 {feedback, 1.9, 1, ""},
+                 {feedback, 7.0, 2, "Undo Feedback = None"},
+                 {feedback, -1.0, 0, "Undo Feedback = Tach"}};
   for (const auto& [of, from, to, undo] : changes) {
     of.TakeChanged();
     told.clear();

@@ -234,15 +234,13 @@ TEST(InstrumentUndo, StepsBackAndForthAndMergesAGesture) {
   turn({{0, 3}, {0, 2}});  // back to where it was
   turn({{1, 6}});
   EXPECT_EQ(scope.Told, 6);
-  history.Undo();
-  EXPECT_EQ(scope.Values, (Values{2, 5}));
-  history.Undo();
-  EXPECT_EQ(scope.Values, (Values{0, 0}));
-  EXPECT_FALSE(history.CanUndo());
-  history.Redo();
-  EXPECT_EQ(scope.Values, (Values{2, 5}));
-  history.Redo();
-  EXPECT_EQ(scope.Values, (Values{2, 6}));
+  for (const auto& [undo, values] :
+       {std::pair{true, Values{2, 5}}, {true, {0, 0}}, {false, {2, 5}}, {false, {2, 6}}}) {
+    EXPECT_TRUE(undo ? history.CanUndo() : history.CanRedo());
+    undo ? history.Undo() : history.Redo();
+    EXPECT_EQ(scope.Values, values);
+    EXPECT_EQ(history.CanUndo(), values[1] != 0);
+  }
   EXPECT_EQ(scope.Told, 10);
   model.Bench().RemoveInstrument(scope);
   EXPECT_FALSE(history.CanUndo());

@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
+#include <vector>
 
 #include "core/scale_steps.h"
 #include "support/recorder.h"
@@ -53,39 +55,22 @@ double CoarseDown(double x) {
   return NextLowestThisArray(x, CoarseLadder());
 }
 
-// Compared exactly: a step gives the double nearest to its decimal value.
+// Compared exactly: a step gives the double nearest to its decimal value. From between two values
+// it goes to the neighbour, not by a whole step; of what is negative the magnitude steps, and 0 is
+// on no ladder.
 TEST(ScaleSteps, GoToTheNeighbourOnTheirLadder) {
   const struct {
     double (*Step)(double);
-    double From, To;
-  } steps[] = {
-      {CoarseUp, 8.5, 10.0},
-      {CoarseUp, 0.0065, 0.00707},  // between two: to the neighbour,
-                                    // not by a whole step
-      {CoarseDown, 0.0065, 0.006},
-      {CoarseUp, -1.2, -1.4},  // the magnitude steps, the sign stays
-      {CoarseDown, -1.2, -1.0},
-      {CoarseUp, 0.0, 0.0},  // which is on no ladder
-      {CoarseDown, 0.0, 0.0},
-      {NextHighest10, 9.0, 10.0},
-      {NextHighest10, 10.0, 20.0},
-      {NextHighest10, 0.0, 0.0},
-      {NextHighest125, 0.3, 0.5},
-      {NextHighest125, -2.0, -5.0},
-      {NextHighest125, 5.0, 10.0},
-      {NextHighest125, 7.0, 10.0},
-      {NextHighest125, 10.0, 20.0},
-      {NextHighest125, 0.0, 0.0},
-      {NextLowest125, 1.0, 0.5},
-      {NextLowest125, 0.3, 0.2},
-      {NextLowest125, 0.7, 0.5},
-      {NextLowest125, 10.0, 5.0},
-      {NextLowest125, 5.0, 2.0},
-      {NextLowest125, -2.0, -1.0},
-      {NextLowest125, 1.5, 1.0},
-      {NextLowest125, 0.0, 0.0},
-  };
-  for (const auto& [step, from, to] : steps) EXPECT_EQ(step(from), to) << "from " << from;
+    std::vector<std::pair<double, double>> FromTo;
+  } steps[] = {{CoarseUp, {{8.5, 10}, {0.0065, 0.00707}, {-1.2, -1.4}, {0, 0}}},
+               {CoarseDown, {{0.0065, 0.006}, {-1.2, -1.0}, {0, 0}}},
+               {NextHighest10, {{9, 10}, {10, 20}, {0, 0}}},
+               {NextHighest125, {{0.3, 0.5}, {-2, -5}, {5, 10}, {7, 10}, {10, 20}, {0, 0}}},
+               {NextLowest125,
+                {{1, 0.5}, {0.3, 0.2}, {0.7, 0.5}, {10, 5}, {5, 2}, {-2, -1}, {1.5, 1}, {0, 0}}}};
+  for (const auto& [step, values] : steps) {
+    for (const auto& [from, to] : values) EXPECT_EQ(step(from), to) << "from " << from;
+  }
 }
 
 // Every press from 1e-9 to 1e9 and back: no value is skipped or repeated at a decade, where

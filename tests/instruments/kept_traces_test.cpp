@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "scope_bench.h"
 
 namespace torvane {
@@ -60,18 +62,15 @@ TEST(KeptTraces, KeepingAndClearingAreUndone) {
   keep(7);
   set.Scope.ClearKeptTraces();
   EXPECT_EQ(last(), -1.0);
-  history.Undo();
-  EXPECT_EQ(last(), 7.0);
-  history.Undo();
-  EXPECT_EQ(last(), 6.0);
-  history.Redo();
-  EXPECT_EQ(last(), 7.0);
-  history.Undo();
+  for (const auto& [undo, then] : {std::pair{true, 7.0}, {true, 6.0}, {false, 7.0}, {true, 6.0}}) {
+    undo ? history.Undo() : history.Redo();
+    EXPECT_EQ(last(), then);
+  }
   keep(8);  // in place of what was undone
-  history.Undo();
-  EXPECT_EQ(last(), 6.0);
-  history.Undo();
-  EXPECT_EQ(last(), -1.0);
+  for (const double then : {6.0, -1.0}) {
+    history.Undo();
+    EXPECT_EQ(last(), then);
+  }
   for (int i = 0; i < 2 * ZelUndo::Depth; ++i) keep(10 + i);
   for (int i = 0; i < ZelUndo::Depth; ++i) history.Undo();
   EXPECT_EQ(last(), 10.0 + ZelUndo::Depth - 1);

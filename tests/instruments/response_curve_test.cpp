@@ -43,14 +43,9 @@ TEST(Margins, AreReadBetweenThePointsThatCanBeTrusted) {
 
 TEST(Margins, TakeACurveThatScattersAboutALevelForOneCrossing) {
   // At 0 dB the phase scatters about 0 degrees, so the phase margin about half a turn.
-  const Margins flat = Read({{1, 50, 1},
-                             {1.2, 40, 1},
-                             {1.4, 30, 1},
-                             {1.6, 25, 1},
-                             {2, 20, 1},
-                             {3, 0.1, 1},
-                             {4, -0.1, -1},
-                             {5, 0.1, 1}});
+  const ResponseCurve scattered{{1, 50, 1}, {1.2, 40, 1}, {1.4, 30, 1},  {1.6, 25, 1},
+                                {2, 20, 1}, {3, 0.1, 1},  {4, -0.1, -1}, {5, 0.1, 1}};
+  const Margins flat = Read(scattered);
   ASSERT_EQ(flat.PhaseMargins.size(), 1U);
   EXPECT_GT(std::abs(flat.PhaseMargins[0].Value), 179.0);
   const Margins open = Read({{1, -9, -170}, {2, -10, -181}, {3, -11, -179}, {4, -12, -190}});

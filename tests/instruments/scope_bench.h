@@ -39,13 +39,4 @@ struct ScopeBench {
   bool GoesOn = true;
 };
 
-/// A model without equations, for the chunks of the run loop.
-class IdleModel : public ZelModel {
- public:
-  explicit IdleModel(double step) : ZelModel("Idle") { MakeSolver(step, 1); }
-  void Derivatives(double /*t*/) override {}
-
-  TimeVariable TimeVar{Bench(), "Time", "sec", {.Scale = 40.0}};
-};
-
 }  // namespace torvane::test

@@ -7,6 +7,7 @@
 #include "core/files/record.h"
 #include "core/text.h"
 #include "instruments/scope_bench.h"
+#include "support/bare_model.h"
 #include "support/recorder.h"
 
 namespace torvane::test {
@@ -97,8 +98,9 @@ TEST(ScopeCapture, ASignalThatCannotBeShownEndsTheRun) {
 }
 
 TEST(ScopeCapture, OneSampleAStepWhenTheStepIsLongerThanTheInterval) {
-  IdleModel model(2.5);
+  BareModel model(2.5);
   ZelScope scope(model.Bench(), "MainScope");
+  scope.SetHorizontalScale(scope.TimeChannel(), 40.0);
   for (int chunk = 0; chunk <= 100; ++chunk) {
     model.RunChunk();
     EXPECT_EQ(model.Time(), 2.5 * chunk);
@@ -117,8 +119,9 @@ TEST(ScopeCapture, OneSampleAStepWhenTheStepIsLongerThanTheInterval) {
 }
 
 TEST(ScopeCapture, NoTimeScaleStopsTheClock) {
-  IdleModel model(1.0);
+  BareModel model(1.0);
   ZelScope scope(model.Bench(), "MainScope");
+  scope.SetHorizontalScale(scope.TimeChannel(), 40.0);
   model.RunChunk();
   double expected = 0.0;
   for (const double scale : {1e-300, -1e-323, 1e300, 40.0, -40.0}) {
