@@ -8,12 +8,9 @@
 #include <locale>
 
 #include "core/csv.h"
-#include "support/recorder.h"
 
 namespace torvane {
 namespace {
-
-using test::Messages;
 
 TEST(Text, ReadsWholeFiniteNumbersOnly) {
   EXPECT_EQ(ParseNumber(" +2.5e-3\t"), 2.5e-3);
@@ -29,13 +26,6 @@ TEST(Text, ReadsWholeFiniteNumbersOnly) {
   for (const char* bad : {"", "2.0", "1e3", "2147483648", "7th"}) {
     EXPECT_EQ(ParseInteger(bad), std::nullopt) << bad;
   }
-  test::Recorder recorder;
-  EXPECT_EQ(ToNumber("1.5"), 1.5);
-  EXPECT_EQ(ToInteger("15"), 15);
-  EXPECT_EQ(ToNumber("ten", " in line 3"), std::nullopt);
-  EXPECT_EQ(ToInteger("1.5"), std::nullopt);
-  EXPECT_EQ(recorder.Take(), (Messages{"Message Box: Cannot convert \"ten\" to a Number in line 3",
-                                       "Message Box: Cannot convert \"1.5\" to an Integer"}));
 }
 
 TEST(Text, ShowsNumbersInTheFormOfTheirPlace) {
@@ -106,7 +96,6 @@ TEST(Text, LinesAreTakenApartAndPutTogether) {
   EXPECT_EQ(StripRemark("Use Inv. PC (x) (y)"), "Use Inv. PC");
   EXPECT_EQ(StripRemark("f(x)"), "f(x)");
   EXPECT_EQ(StripRemark(" (volts)"), " (volts)");  // searched from the second character
-  EXPECT_EQ(StripRemark("a (volts)"), "a");
   std::vector<std::string> fields;
   EXPECT_EQ(SplitFields(" Scope, 1,,\r\n 2.5 ", fields, 3), 3);
   EXPECT_EQ(fields, (std::vector<std::string>{"Scope", "1", "2.5"}));
