@@ -14,7 +14,8 @@ bool IsControl(const QWidget& widget) {
   for (const char* kind : {"QAbstractButton", "QLineEdit", "QComboBox", "QSlider",
                            "QAbstractItemView", "torvane::ScopePaintBox"}) {
     if (widget.inherits(kind)) {
-      return !widget.objectName().isEmpty() && !widget.objectName().startsWith("qt_");
+      return !widget.objectName().isEmpty() && !widget.objectName().startsWith("qt_") &&
+             !widget.parentWidget()->inherits("QTabBar");
     }
   }
   return false;
@@ -22,7 +23,8 @@ bool IsControl(const QWidget& widget) {
 
 class ControlHelpTest : public test::Desktop {};
 
-TEST_F(ControlHelpTest, EveryControlHasToolTipNameAndSentence) {
+TEST_F(ControlHelpTest, EveryControlHasToolTipNameSentenceAndKey) {
+  Trigger("MIAddMeter");
   TZelAdjustF adjust(Const("KVP"), Panel.get());
   TZelAddDialogF add({}, Panel.get());
   int controls = 0;
@@ -35,6 +37,7 @@ TEST_F(ControlHelpTest, EveryControlHasToolTipNameAndSentence) {
     EXPECT_TRUE(named) << name;
     EXPECT_FALSE(widget->toolTip().isEmpty()) << name;
     EXPECT_FALSE(widget->whatsThis().isEmpty()) << name;
+    EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus || name == "PBScreen") << name;
     ++controls;
   }
   EXPECT_GT(controls, 95);

@@ -109,11 +109,6 @@ TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
           click PageTrigger; click RBTrigCont; run 0.01 -> SGCursors[1,1]=Unavailable)");
 }
 
-TEST_F(ScopeWindowTest, MeasuresFollowTheCursors) {
-  Play(R"(click PageMeasure; click SBMath; click SBRun -> SGMath[4,1]=40; SGMath[5,1]=Unavailable
-          click TZelScopeF/SBTwoCursors -> SGMath[4,1]=0; SGMath[5,2]=Unavailable)");
-}
-
 TEST_F(ScopeWindowTest, TheConstantsPanelIsRecordedAndRestored) {
   const auto& constants = Find<QWidget>("SGConsts");
   const int before = constants.width();

@@ -58,12 +58,6 @@ TEST_F(ScreenMouseTest, MarksAreDraggedWithOneUndoEach) {
   Play("-> MIUndo disabled; saved Scope,MainScope,Channel,vF,1,10,0,0,10,0");
 }
 
-TEST_F(ScreenMouseTest, TheWheelTurnsScalesWithOneUndoATurn) {
-  Play(R"(wheel PBScreen -120; wheel PBScreen -60; wheel PBScreen -60 -> EVertScale=50
-          click MIUndo -> EVertScale=10; MIUndo disabled
-          wheel PBScreen 120 Ctrl -> EHorizScale=0.001)");
-}
-
 TEST_F(ScreenMouseTest, AClickChoosesATraceUnlessCursorsTakeIt) {
   QTest::mouseClick(&Screen(), Qt::LeftButton, {}, Place({ScreenMark::Kind::Zero, Two()}));
   Play("run 0.3 -> CmBVertChan=vF (Blue)");
