@@ -179,6 +179,7 @@ class MapPainter {
 
   void PaintScale() {
     if (!measured_) return;
+    painter_.setRenderHint(QPainter::Antialiasing, false);
     const QRect& plate = frame_.Plate;
     const int left = plate.right() + qRound(ScaleGap * ratio_);
     const int width = qRound(ScaleWidth * ratio_);
