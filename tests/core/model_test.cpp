@@ -103,10 +103,6 @@ TEST_F(RunLoop, APassIsTwentyFiveChunksUnlessAnInstrumentStopsIt) {
   EXPECT_EQ(model.Time(), 8.0);
   EXPECT_EQ(RunPass(model), PassResult::Paused);
   EXPECT_EQ(model.Time(), 8.0);
-
-  OneStateModel alone(1e4, 0.0, [](double, double) { return 1.0; });
-  EXPECT_TRUE(alone.RunChunk());
-  EXPECT_EQ(alone.Time(), 1e6);
 }
 
 // A chunk of years, cut again and again, steps as one that runs through.

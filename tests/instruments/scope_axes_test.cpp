@@ -12,11 +12,8 @@
 namespace torvane::test {
 
 TEST(ScopeAxes, VerticalPixelsTruncateAndEndAboveTheBottomEdge) {
-  ZelBenchTop bench;
-  TimeVariable time(bench, "Time", "sec", {});
-  Variable signal(bench, "Signal", "",
-                  {.Scale = 4.0, .Offset = 1.0, .Multiplier = 2.0, .Shown = true});
-  const SignalChannel channel(signal, 8, 4);
+  ScopeBench b({.Scale = 4.0, .Offset = 1.0, .Multiplier = 2.0, .Shown = true});
+  const SignalChannel channel(b.Signal, 8, 4);
   const ScreenPixels pixels(640, 401);
   const struct {
     double Value;
@@ -90,21 +87,17 @@ TEST(ScopeAxes, TheTimeAxisIsExactAtAMillionSeconds) {
 
 TEST(ScopeAxes, AutoAndFillUseThePointsOnTheScreenAndTheMultiplier) {
   Recorder recorder;
-  ZelBenchTop bench;
-  TimeVariable time(bench, "Time", "sec", {.Scale = 40.0});
-  Variable signal(bench, "Signal", "", {.Offset = 3.0, .Multiplier = 2.0});
-  ZelScope scope(bench, "MainScope");
-  SignalChannel& trace = *scope.Channels()[0];
+  ScopeBench b({.Offset = 3.0, .Multiplier = 2.0});
+  ZelScope& scope = b.Scope;
+  SignalChannel& trace = b.Trace();
   scope.FillVertical(trace);  // nothing on the screen
   EXPECT_EQ(recorder.Take(), Messages{"Note: Cannot Fill because Max = Min"});
 
-  scope.Sample(0.0);
+  b.At(0.0, 0.0);
   scope.AutoVertical(trace);
   EXPECT_EQ(trace.Vertical(), (AxisScale{1.0, 0.0}));
-  signal.Value = -6.0;
-  scope.Sample(1.0);
-  signal.Value = 2.0;
-  scope.Sample(2.0);
+  b.At(1.0, -6.0);
+  b.At(2.0, 2.0);
   scope.SetVerticalOffset(trace, 5.0);
   scope.AutoVertical(trace);
   EXPECT_EQ(trace.Vertical(), (AxisScale{3.0, 0.0}));  // 2 * 6 / 4
@@ -113,7 +106,7 @@ TEST(ScopeAxes, AutoAndFillUseThePointsOnTheScreenAndTheMultiplier) {
 
   // A flat trace: of the sweep that is meant.
   scope.Trigger().SetMode(SweepMode::Cont);
-  for (int n = 3; n <= 850; ++n) scope.Sample(n);
+  for (int n = 3; n <= 850; ++n) b.At(n, 2.0);
   EXPECT_TRUE(recorder.Take().empty());
   scope.FillVertical(trace, ScopeSweep::Whole);
   EXPECT_EQ(recorder.Take(), Messages{"Note: Cannot Fill because Max = Min"});

@@ -12,6 +12,8 @@ namespace torvane::test {
 /// A bench with a time and one shown signal, for driving a scope by hand. At 40 s a division the
 /// 400 intervals of a screen are 1 s each, so sample n is taken at time n exactly.
 struct ScopeBench {
+  explicit ScopeBench(const DisplayDefaults& display = {.Shown = true})
+      : Signal(Bench, "Signal", "", display) {}
   void At(double t, double value) {
     Time.Value = t;
     Signal.Value = value;
@@ -34,7 +36,7 @@ struct ScopeBench {
 
   ZelBenchTop Bench;
   TimeVariable Time{Bench, "Time", "sec", {.Scale = 40.0}};
-  Variable Signal{Bench, "Signal", "", {.Shown = true}};
+  Variable Signal;
   ZelScope Scope{Bench, "MainScope"};
   bool GoesOn = true;
 };
