@@ -30,17 +30,14 @@ struct TriggerBench {
   ZelTrigger Trigger{Source, Reference};
 };
 
-/// A step of the detection, what has to come of it, and what is set before it.
+/// A step of the detection, and what has to come of it.
 struct Step {
   double Time, Value;
   ZelTrigger::Detection State;
-  std::function<void(ZelTrigger&)> Set = {};
 };
 
-void Play(const std::vector<Step>& steps) {
-  TriggerBench b;
+void Play(TriggerBench& b, const std::vector<Step>& steps) {
   for (const Step& step : steps) {
-    if (step.Set) step.Set(b.Trigger);
     const bool fires = step.State == Idle && b.Trigger.State() != Idle;
     EXPECT_EQ(b.StepAt(step.Time, step.Value), fires) << step.Time << " " << step.Value;
     EXPECT_EQ(b.Trigger.State(), step.State) << step.Time << " " << step.Value;
@@ -52,54 +49,43 @@ void Play(const std::vector<Step>& steps) {
 }  // namespace
 
 TEST(ScopeTrigger, FindsCrossingsOfTheDisplayedValue) {
-  const auto high = [](ZelTrigger& t) { t.SetLevel(1.0); };  // met by a signal of -0.5
-  Play({{1, -3.0, Arming, high},
-        {2, -0.5, Armed},
-        {3, -0.5, Armed},
-        {4, -0.500001, Idle},
-        {20, 0.0, Idle}});
-  const auto falling = [](ZelTrigger& t) { t.SetPositiveSlope(false); };
-  Play({{1, 0.0, Armed, falling}, {2, 0.0, Armed}, {3, -1.0, Armed}, {4, 1e-300, Idle}});
+  TriggerBench high;
+  high.Trigger.SetLevel(1.0);  // met by a signal of -0.5
+  Play(high, {{1, -3.0, Arming}, {2, -0.5, Armed}, {3, -0.5, Armed}, {4, -0.500001, Idle}});
+  Play(high, {{20, 0.0, Idle}});
+  TriggerBench falling;
+  falling.Trigger.SetPositiveSlope(false);
+  Play(falling, {{1, 0.0, Armed}, {2, 0.0, Armed}, {3, -1.0, Armed}, {4, 1e-300, Idle}});
 }
 
 TEST(ScopeTrigger, CountsEventsAndDelaysAfterTheLast) {
-  const auto count = [](int events, double delay) {
-    return [=](ZelTrigger& t) {
-      t.SetCountEvents(true);
-      t.SetNumberOfEvents(events);
-      t.SetDelayAfter(true);
-      t.SetDelayAfterTime(delay);
-    };
-  };
+  TriggerBench b;
+  b.Trigger.SetCountEvents(true);
+  b.Trigger.SetNumberOfEvents(3);
+  b.Trigger.SetDelayAfter(true);
+  b.Trigger.SetDelayAfterTime(2.5);
   // Each crossing needs a return, which arms on a step of its own.
-  Play({{0, 1.0, Armed, count(3, 2.5)},
-        {1, -1.0, Arming},
-        {2, 1.0, Armed},
-        {3, -1.0, Arming},
-        {4, 1.0, Armed},
-        {5, -1.0, DelayAfter},
-        {7.49, 1.0, DelayAfter},
-        {7.5, 1.0, Idle}});
+  Play(b, {{0, 1.0, Armed}, {1, -1.0, Arming}, {2, 1.0, Armed}, {3, -1.0, Arming}});
+  Play(b, {{4, 1.0, Armed}, {5, -1.0, DelayAfter}, {7.49, 1.0, DelayAfter}, {7.5, 1.0, Idle}});
   // The lowest count, and a delay of nothing, fire on the first event.
-  Play({{0, 1.0, Armed, count(std::numeric_limits<int>::min(), 0.0)}, {1, -1.0, Idle}});
+  b.Trigger.SetNumberOfEvents(std::numeric_limits<int>::min());
+  b.Trigger.SetDelayAfterTime(0.0);
+  Play(b, {{20, 1.0, Armed}, {21, -1.0, Idle}});
 }
 
 TEST(ScopeTrigger, IgnoresEventsForTenDivisionsAfterFiring) {
-  const auto rearm = [](ZelTrigger& t) { t.Rearm(); };
-  const auto rearmCont = [](ZelTrigger& t) {
-    t.Rearm();
-    t.SetMode(SweepMode::Cont);
-  };
+  TriggerBench b;
+  Play(b, {{0, 1.0, Armed}, {1, -1.0, Idle}});
+  b.Trigger.Rearm();
+  Play(b, {{10.99, 1.0, Arming}, {11, 1.0, Armed}});
   // Choosing a sweep mode leaves the detection alone, and ends the hold-off in all but Cont.
-  const auto normal = [](ZelTrigger& t) { t.SetMode(SweepMode::Normal); };
-  const auto automatic = [](ZelTrigger& t) { t.SetMode(SweepMode::Auto); };
-  Play({{0, 1.0, Armed},
-        {1, -1.0, Idle},
-        {10.99, 1.0, Arming, rearm},
-        {11, 1.0, Armed},
-        {12, -1.0, Idle, normal},
-        {13, 1.0, Arming, rearmCont},
-        {13, 1.0, Armed, automatic}});
+  b.Trigger.SetMode(SweepMode::Normal);
+  Play(b, {{12, -1.0, Idle}});
+  b.Trigger.Rearm();
+  b.Trigger.SetMode(SweepMode::Cont);
+  Play(b, {{13, 1.0, Arming}});
+  b.Trigger.SetMode(SweepMode::Auto);
+  Play(b, {{13, 1.0, Armed}});
 }
 
 TEST(ScopeTrigger, EverySetterRestartsDetectionInitialDelayIncluded) {
