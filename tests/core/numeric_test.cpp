@@ -48,13 +48,6 @@ TEST(Numeric, RoundsAndLimits) {
   EXPECT_NEAR(Exp10(-5.0), 1e-5, 1e-5 * tolerance);
 }
 
-double CoarseUp(double x) {
-  return NextHighestThisArray(x, CoarseLadder());
-}
-double CoarseDown(double x) {
-  return NextLowestThisArray(x, CoarseLadder());
-}
-
 // Compared exactly: a step gives the double nearest to its decimal value. From between two values
 // it goes to the neighbour, not by a whole step; of what is negative the magnitude steps, and 0 is
 // on no ladder.
@@ -62,8 +55,10 @@ TEST(ScaleSteps, GoToTheNeighbourOnTheirLadder) {
   const struct {
     double (*Step)(double);
     std::vector<std::pair<double, double>> FromTo;
-  } steps[] = {{CoarseUp, {{8.5, 10}, {0.0065, 0.00707}, {-1.2, -1.4}, {0, 0}}},
-               {CoarseDown, {{0.0065, 0.006}, {-1.2, -1.0}, {0, 0}}},
+  } steps[] = {{[](double x) { return NextHighestThisArray(x, CoarseLadder()); },
+                {{8.5, 10}, {0.0065, 0.00707}, {-1.2, -1.4}, {0, 0}}},
+               {[](double x) { return NextLowestThisArray(x, CoarseLadder()); },
+                {{0.0065, 0.006}, {-1.2, -1.0}, {0, 0}}},
                {NextHighest10, {{9, 10}, {10, 20}, {0, 0}}},
                {NextHighest125, {{0.3, 0.5}, {-2, -5}, {5, 10}, {7, 10}, {10, 20}, {0, 0}}},
                {NextLowest125,
