@@ -387,10 +387,11 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
     const int width = metrics.horizontalAdvance(text);
     const double gap = r + Scaled(LabelGap);
     const bool left = to.x() + gap + width > axis.Plate.right();
+    const double base = std::clamp(left ? to.y() + gap + metrics.ascent() : to.y() - gap,
+                                   axis.Plate.top() + 1.0 * metrics.ascent(),
+                                   axis.Plate.bottom() - 1.0 * metrics.descent());
     painter.setPen(colours.Text);
-    painter.drawText(left ? QPointF(to.x() - gap - width, to.y() + gap + metrics.ascent())
-                          : QPointF(to.x() + gap, to.y() - gap),
-                     text);
+    painter.drawText(QPointF(left ? to.x() - gap - width : to.x() + gap, base), text);
   }
   painter.restore();
 }
