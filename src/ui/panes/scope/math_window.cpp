@@ -1,6 +1,7 @@
 #include "ui/panes/scope/math_window.h"
 
 #include <QCloseEvent>
+#include <QHeaderView>
 #include <QLayout>
 #include <QScreen>
 #include <algorithm>
@@ -65,12 +66,13 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
   const bool otherChannels = Table().columnCount() != header.size();
   SetCells(header, rows);
   if (!otherChannels) return;
+  const QMargins around = layout()->contentsMargins();
+  int width = around.left() + around.right() + 2 * Table().frameWidth();
   for (int column = 0; column < header.size(); ++column) {
-    Table().setColumnWidth(column, column == 0 ? NameWidth : ColumnWidth);
+    const int titled = Table().horizontalHeader()->sectionSizeHint(column);
+    Table().setColumnWidth(column, std::max(column == 0 ? NameWidth : ColumnWidth, titled));
+    width += Table().columnWidth(column);
   }
-  const int margins = layout()->contentsMargins().left() + layout()->contentsMargins().right();
-  const int frame = 2 * Table().frameWidth();
-  const int width = NameWidth + ColumnWidth * static_cast<int>(measures.size()) + margins + frame;
   resize(std::min(width, screen()->availableGeometry().width()), height());
 }
 
