@@ -10,6 +10,7 @@
 
 #include "core/constant.h"
 #include "core/files/model_file.h"
+#include "core/text.h"
 
 namespace torvane::test {
 namespace {
@@ -103,7 +104,7 @@ bool Desktop::DoToAll(const std::string& verb, const std::string& rest) {
     list.setCurrentText(QString::fromStdString(rest));
     emit list.activated(list.currentIndex());
   } else if (verb == "run") {
-    const double until = Panel->Model()->Time() + std::stod(rest);
+    const double until = Panel->Model()->Time() + ParseNumber(rest).value();
     Click("SBRun");
     EXPECT_TRUE(WaitFor([&] { return Panel->Model()->Time() >= until; })) << rest;
     Click("SBStop");
@@ -111,7 +112,7 @@ bool Desktop::DoToAll(const std::string& verb, const std::string& rest) {
     Reports.Answer = rest == "ok";
   } else if (verb == "set") {
     const auto blank = rest.find(' ');
-    Const(rest.substr(0, blank)).Set(std::stod(rest.substr(blank)));
+    Const(rest.substr(0, blank)).Set(ParseNumber(rest.substr(blank + 1)).value());
   } else {
     return false;
   }

@@ -8,6 +8,7 @@
 #include <QTest>
 #include <memory>
 
+#include "core/text.h"
 #include "support/recorder.h"
 #include "ui/desk/control_panel.h"
 
@@ -64,7 +65,7 @@ class Desktop : public testing::Test {
   QString Text(const char* edit) { return Find<QLineEdit>(edit).text(); }
   void Type(const std::string& name, const std::string& text) { Do("type " + name + " " + text); }
   /// Runs the model so long, by its own time.
-  void RunFor(double seconds) { Do("run " + std::to_string(seconds)); }
+  void RunFor(double seconds) { Do("run " + FormatShortest(seconds)); }
   /// A message loop's worth of what is due.
   static bool WaitFor(const std::function<bool()>& so) { return QTest::qWaitFor(so, 30000); }
 
