@@ -170,7 +170,7 @@ void AnalyserWindow::ShowMargins() {
   if (shown) {
     margins_->ReadTrace();
     if (margins_->pos().isNull()) {
-      margins_->move(ui_->PBPlot->QuietPlace(margins_->size()) - QPoint(0, margins_->height()));
+      margins_->move(ui_->PBPlot->QuietPlace(margins_->size(), ResponseQuantity::Gain));
     }
   }
   ui_->PBPlot->SetMarks(shown ? margins_->Marks() : std::vector<ResponseMark>());
@@ -240,7 +240,9 @@ void AnalyserWindow::ShowCursors() {
   ui_->PBPlot->update();
   const bool shown = analyser_.Cursors() != CursorMode::None && isVisible();
   if (shown) cursors_->ShowReading(ui_->PBPlot->PlotWidth());
-  if (shown && cursors_->pos().isNull()) cursors_->move(ui_->PBPlot->QuietPlace(cursors_->size()));
+  if (shown && cursors_->pos().isNull()) {
+    cursors_->move(ui_->PBPlot->QuietPlace(cursors_->size(), ResponseQuantity::Phase));
+  }
   cursors_->setVisible(shown);
 }
 

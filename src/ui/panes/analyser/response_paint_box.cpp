@@ -30,10 +30,11 @@ void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
   PaintAll();
 }
 
-QPoint ResponsePaintBox::QuietPlace(const QSize& size) const {
+QPoint ResponsePaintBox::QuietPlace(const QSize& size, ResponseQuantity plot) const {
   const QRect room = screen()->availableGeometry();
-  const QPoint corner =
-      mapToGlobal((QPointF(painter_->PhasePlate().bottomLeft()) / ratio_).toPoint());
+  const QRect& plate =
+      plot == ResponseQuantity::Gain ? painter_->GainPlate() : painter_->PhasePlate();
+  const QPoint corner = mapToGlobal((QPointF(plate.bottomLeft()) / ratio_).toPoint());
   const QPoint at = corner - QPoint(-24, size.height() + 8);
   return {std::clamp(at.x(), room.left(), std::max(room.right() - size.width(), room.left())),
           std::clamp(at.y(), room.top(), std::max(room.bottom() - size.height(), room.top()))};
