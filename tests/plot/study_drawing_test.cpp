@@ -1,0 +1,47 @@
+#include <gtest/gtest.h>
+
+#include "plot/drawing.h"
+#include "plot/study_picture.h"
+#include "support/expected_lines.h"
+
+namespace torvane {
+namespace {
+
+void Expect(const char* name, const Picture& picture) {
+  test::ExpectLines(std::string("drawings/") + name + ".txt",
+                    test::Drawn([&](QPainter& to) { picture.Paint(to, QSize(420, 300), 1.0); }));
+}
+
+// Of five runs one has no trace and one runs far away.
+TEST(StudyDrawing, ResponsesWithTheChosenOne) {
+  StudyResponses responses{"vF", "sec", {}, 1, "KVP = 2"};
+  for (const float size : {1.0F, 1.2F, 0.0F, 0.8F, 1e6F}) {
+    responses.Runs.emplace_back();
+    if (size == 0.0F) continue;
+    responses.Runs.back() = {{-0.1F, 0.0F, 0.1F, 0.2F}, {0.0F, -0.1F, 10.0F * size, 9.0F * size}};
+  }
+  Expect("study-responses", StudyResponsesPicture(responses));
+}
+
+// A grid over a range of decades; one cell was not measured.
+TEST(StudyDrawing, MapOfAGrid) {
+  StudyMap map{"KVP", "KVI", "Overshoot (%)", {}, 4};
+  for (const double x : {0.1, 1.0, 10.0, 100.0}) {
+    for (const double y : {20.0, 30.0, 40.0}) map.Runs.push_back({x, y, 5.0 * x + y});
+  }
+  map.Runs[2].Value.reset();
+  Expect("study-grid", StudyMapPicture(map));
+}
+
+TEST(StudyDrawing, MapOfSamples) {
+  Expect("study-samples",
+         StudyMapPicture(
+             {"KVP",
+              "J",
+              "RiseTime (sec)",
+              {{0.2, 0.001, 0.004}, {1.1, 0.003, 0.002}, {1.9, 0.002, {}}, {1.5, 0.0005, 0.001}},
+              1}));
+}
+
+}  // namespace
+}  // namespace torvane
