@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "plot/drawing.h"
+#include "plot/number_axis.h"
 #include "plot/study_picture.h"
 #include "support/expected_lines.h"
 
@@ -10,6 +11,19 @@ namespace {
 void Expect(const char* name, const Picture& picture) {
   test::ExpectLines(std::string("drawings/") + name + ".txt",
                     test::Drawn([&](QPainter& to) { picture.Paint(to, QSize(420, 300), 1.0); }));
+}
+
+TEST(NumberAxis, TicksAreRoundAndNotTooMany) {
+  const auto ticks = [](const NumberAxis& axis) {
+    QStringList texts;
+    for (const double tick : axis.Ticks(8)) texts << TickText(tick);
+    return texts.join(' ');
+  };
+  EXPECT_EQ(ticks({0.03, 0.47}), "0.1 0.2 0.3 0.4");
+  EXPECT_EQ(ticks({2.0, 2.0}), "1 1.5 2 2.5 3");
+  EXPECT_EQ(ticks({-4000.0, 4000.0}), "-4000 -3000 -2000 -1000 0 1000 2000 3000 4000");
+  EXPECT_EQ(ticks({30.0, 400.0, true}), "50 100 200");
+  EXPECT_EQ(ticks({0.1, 1000.0, true}), "0.1 1 10 100 1000");
 }
 
 // Of five runs one has no trace and one runs far away.
