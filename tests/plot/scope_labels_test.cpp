@@ -62,5 +62,17 @@ TEST(ScopeLabelsTest, FlagsStandApartAsNearToTheirPlacesAsTheyCan) {
   for (const Case& c : cases) EXPECT_EQ(SpreadFlags(c.Centres, 10, 0, 100), c.Tops);
 }
 
+// Black or white on the standard colours and on those of the dark theme.
+TEST(ScopeColours, TextReadsOnEveryTrace) {
+  std::string texts;
+  for (const ScopeColours& colours : {ScopeColours::Light(), ScopeColours::Dark()}) {
+    for (int index = 0; index < TraceColourCount; ++index) {
+      texts += colours.TextOn(index) == QColor(Qt::black) ? 'B' : 'W';
+    }
+    texts += ' ';
+  }
+  EXPECT_EQ(texts, "WWWWBWWB BBWBBBBW ");
+}
+
 }  // namespace
 }  // namespace torvane
