@@ -12,14 +12,14 @@ std::string Quoted(const std::string& text) {
   return quoted + "'";
 }
 
-// With what divides the parts of a specification in zsh escaped.
-std::string Part(const std::string& text) {
-  std::string part;
+// What divides an option's description in zsh stands there with a backslash.
+std::string Escaped(const std::string& text) {
+  std::string escaped;
   for (const char c : text) {
-    if (c == ':' || c == '[' || c == ']' || c == '\\') part += '\\';
-    part += c;
+    if (c == ':' || c == '[' || c == ']' || c == '\\') escaped += '\\';
+    escaped += c;
   }
-  return part;
+  return escaped;
 }
 
 // How zsh completes a value, by the name that stands for it.
@@ -31,12 +31,13 @@ std::string Action(const std::string& value) {
   return "(" + choices + ")";
 }
 
-std::string ZshSpecification(const CLI::Option& option, const std::string& name) {
+// An option under one of its names, as _arguments takes it.
+std::string ZshOption(const CLI::Option& option, const std::string& name) {
   const std::string value = ValueName(option);
   const std::string repeat = option.get_expected_max() > 1 ? "*" : "";
   const std::string equals = !value.empty() && name.starts_with("--") ? "=" : "";
-  return repeat + name + equals + "[" + Part(option.get_description()) + "]" +
-         (value.empty() ? "" : ":" + Part(value) + ":" + Action(value));
+  return repeat + name + equals + "[" + Escaped(option.get_description()) + "]" +
+         (value.empty() ? "" : ":" + Escaped(value) + ":" + Action(value));
 }
 
 }  // namespace
@@ -70,7 +71,7 @@ std::string BashCommands(const CLI::App& app) {
 std::string ZshDescriptions(const CLI::App& app) {
   std::string text;
   for (const CLI::App* command : Commands(app)) {
-    text += "    " + Quoted(command->get_name() + ":" + Part(command->get_description())) + "\n";
+    text += "    " + Quoted(command->get_name() + ":" + Escaped(command->get_description())) + "\n";
   }
   return text;
 }
@@ -86,7 +87,7 @@ std::string ZshCommands(const CLI::App& app) {
         text += " \\\n        " + Quoted(":" + name + action);
       }
       for (const std::string& name : Names(*option)) {
-        text += " \\\n        " + Quoted(ZshSpecification(*option, name));
+        text += " \\\n        " + Quoted(ZshOption(*option, name));
       }
     }
     text += "\n      ;;\n";
