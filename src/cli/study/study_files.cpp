@@ -66,13 +66,15 @@ PartFile::PartFile(const std::string& out, const std::string& identity)
   if (!LockWhole(file_.Descriptor())) {
     throw FileError(path_ + " is being written by another process");
   }
-  rows_ = WholeLines(ReadAll(file_.Descriptor()));
-  if (rows_.empty()) {
+  const std::string text = ReadAll(file_.Descriptor());
+  // New, or cut off before its first line was whole.
+  if (text.size() < identity_.size() && identity_.starts_with(text)) {
     CutTo(0);
     Append(identity_);
     return;
   }
-  if (rows_.front() != identity_) {
+  rows_ = WholeLines(text);
+  if (rows_.empty() || rows_.front() != identity_) {
     throw FileError(path_ +
                     " has rows of another study; finish that one, remove the file or choose "
                     "another --out");
