@@ -10,7 +10,8 @@ namespace torvane {
 namespace {
 
 constexpr QSize GuideWindow(820, 680);
-constexpr int RoomBeside = 60;  // of pictures: margins and scroll bar
+constexpr double ShareOfScreen = 0.8;  // at most, for the frame has to be in sight, too
+constexpr int RoomBeside = 60;         // of pictures: margins and scroll bar
 
 /// Pictures are as wide as the window at most.
 class GuideText : public QTextBrowser {
@@ -22,7 +23,7 @@ class GuideText : public QTextBrowser {
     if (type != QTextDocument::ImageResource) return resource;
     QImage picture = QImage::fromData(resource.toByteArray());
     const double ratio = devicePixelRatioF();
-    const int most = qRound((GuideWindow.width() - RoomBeside) * ratio);
+    const int most = qRound((window()->width() - RoomBeside) * ratio);
     if (picture.width() > most) picture = picture.scaledToWidth(most, Qt::SmoothTransformation);
     picture.setDevicePixelRatio(ratio);
     return picture;
@@ -37,6 +38,7 @@ GuideF::GuideF(const DataFolder& folder, QWidget* parent)
   setWindowTitle(QStringLiteral("Guide"));
   text_->setObjectName(QStringLiteral("TBGuide"));
   text_->setAccessibleName(QStringLiteral("Guide"));
+  resize(GuideWindow.boundedTo(screen()->availableSize() * ShareOfScreen));
   const QString file = QStringLiteral("guide/guide.md");
   const QString path = folder.Find(file);
   if (path.isEmpty()) {
@@ -47,7 +49,6 @@ GuideF::GuideF(const DataFolder& folder, QWidget* parent)
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(6, 6, 6, 6);
   column->addWidget(text_);
-  resize(GuideWindow.boundedTo(screen()->availableSize() * 0.9));
 }
 
 }  // namespace torvane
