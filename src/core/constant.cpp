@@ -10,14 +10,6 @@
 
 namespace torvane {
 
-namespace {
-
-// Kinds of undo entry, kept in Ints[0].
-constexpr int ValueEntry = 0;
-constexpr int IndexEntry = 1;
-
-}  // namespace
-
 Constant::Constant(ZelBenchTop& bench, std::string name, std::string unit, double defaultValue,
                    double limit, double otherLimit)
     : bench_(bench),
@@ -51,10 +43,9 @@ void Constant::Set(double value) {
   UndoEntry entry;
   entry.Target = this;
   if (IsList()) {
-    entry.Ints = {IndexEntry, Choice(), static_cast<std::int32_t>(limited), 0};
+    entry.Ints = {Choice(), static_cast<std::int32_t>(limited)};
   } else {
-    entry.Ints[0] = ValueEntry;
-    entry.Doubles = {value_, limited, 0.0, 0.0};
+    entry.Doubles = {value_, limited};
   }
   Store(limited);
   entry.Description = name_ + " = " + DisplayText();
@@ -87,19 +78,19 @@ std::string Constant::FileText() const {
 }
 
 void Constant::Undo(const UndoEntry& entry) {
-  Store(entry.Ints[0] == IndexEntry ? entry.Ints[1] : entry.Doubles[0]);
+  Store(IsList() ? entry.Ints[0] : entry.Doubles[0]);
 }
 
 void Constant::Redo(const UndoEntry& entry) {
-  Store(entry.Ints[0] == IndexEntry ? entry.Ints[2] : entry.Doubles[1]);
+  Store(IsList() ? entry.Ints[1] : entry.Doubles[1]);
 }
 
 Undoable::Merged Constant::Merge(UndoEntry& earlier, const UndoEntry& later) const {
-  earlier.Ints[2] = later.Ints[2];
+  earlier.Ints[1] = later.Ints[1];
   earlier.Doubles[1] = later.Doubles[1];
   earlier.Description = later.Description;
-  const bool same = earlier.Ints[0] == IndexEntry ? earlier.Ints[1] == earlier.Ints[2]
-                                                  : earlier.Doubles[0] == earlier.Doubles[1];
+  // Of a list the numbers stay 0, of a number the indices.
+  const bool same = earlier.Ints[0] == earlier.Ints[1] && earlier.Doubles[0] == earlier.Doubles[1];
   return same ? Merged::Nothing : Merged::Yes;
 }
 

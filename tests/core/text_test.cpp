@@ -8,6 +8,7 @@
 #include <locale>
 
 #include "core/csv.h"
+#include "core/csv_table.h"
 
 namespace torvane {
 namespace {
@@ -104,8 +105,10 @@ TEST(Text, LinesAreTakenApartAndPutTogether) {
   EXPECT_TRUE(fields.empty());
   EXPECT_EQ(AppendLine("Scope, 1"), "Scope, 1\r\n");
   // Quotes only around what would not read back.
-  EXPECT_EQ(CsvLine({"a b", "1;2", "x,y", "say \"hi\"", "two\nlines", ""}),
-            "a b,1;2,\"x,y\",\"say \"\"hi\"\"\",\"two\nlines\",\n");
+  fields = {"a b", "1;2", "x,y", "say \"hi\"", "two\nlines", ""};
+  const std::string line = CsvLine(fields);
+  EXPECT_EQ(line, "a b,1;2,\"x,y\",\"say \"\"hi\"\"\",\"two\nlines\",\n");
+  EXPECT_EQ(ParseCsv(line).at(0).Fields, fields);
 }
 
 }  // namespace

@@ -36,10 +36,8 @@ class LineLength {
 
 // A file may consist of millions of blank lines.
 void LineReader::PassBlankLines() {
-  std::size_t blank = 0;
-  for (; blank < rest_.size() && (rest_[blank] == '\n' || rest_[blank] == '\r'); ++blank) {
-    if (rest_[blank] == '\n') ++number_;
-  }
+  const std::size_t blank = std::min(rest_.find_first_not_of("\r\n"), rest_.size());
+  number_ += static_cast<int>(std::count(rest_.begin(), rest_.begin() + blank, '\n'));
   rest_.remove_prefix(blank);
 }
 

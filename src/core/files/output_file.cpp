@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace torvane {
 namespace {
@@ -40,8 +41,7 @@ bool OutputFile::Flush() const {
 }
 
 bool OutputFile::Close() {
-  const int descriptor = descriptor_;
-  descriptor_ = -1;
+  const int descriptor = std::exchange(descriptor_, -1);
   return descriptor < 0 || close(descriptor) == 0;
 }
 
