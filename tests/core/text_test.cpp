@@ -109,6 +109,12 @@ TEST(Text, LinesAreTakenApartAndPutTogether) {
   const std::string line = CsvLine(fields);
   EXPECT_EQ(line, "a b,1;2,\"x,y\",\"say \"\"hi\"\"\",\"two\nlines\",\n");
   EXPECT_EQ(ParseCsv(line).at(0).Fields, fields);
+  std::string sheet;  // as spreadsheets and hands write them
+  for (const CsvRow& row : ParseCsv("\xef\xbb\xbf a b , \" c\" x,\r\n\n\"\"\n,1,\"2\n3\"\n 4\t")) {
+    sheet += std::to_string(row.Line);
+    for (const std::string& field : row.Fields) sheet += '|' + field;
+  }
+  EXPECT_EQ(sheet, "1|a b| c|3|4||1|2\n36|4");
 }
 
 }  // namespace

@@ -176,6 +176,29 @@ TEST_F(ResponseCursors, ReadWhereTheyStand) {
             "Frequency,Gain,Phase,Coherence,Memory 2 Gain,Memory 2 Phase\n10,5,-60,0.5,1,2\n");
 }
 
+// A gain of a half and a delay of 10 ms at 500 Hz that grows with frequency; the phase has turned
+// twice below the plot.
+TEST_F(ResponseCursors, ReadTheViewThatIsShown) {
+  ResponseCurve lag;
+  for (int hz = 20; hz <= 1000; hz += 20) lag.push_back({1.0 * hz, -6.0206, -0.0036 * hz * hz});
+  Xfer.LoadMemory(1, lag, "lag");
+  Xfer.SetFreqRange(500.0, 1000.0);
+  Xfer.SetCursors(ZelXfer::CursorMode::Two);
+  Xfer.SetCursorPixel(0, 0);
+  Xfer.SetCursorPixel(1, Width);
+  Xfer.SetView({ResponsePlot::Bode, false, true, true});
+  const ResponseCursorReading reading = ReadResponseCursors(Xfer, Width);
+  EXPECT_NEAR(*reading.Points[0].Phase, -900.0, 1e-9);
+  EXPECT_NEAR(*reading.Difference->Phase, -2700.0, 1e-9);
+  EXPECT_NEAR(*reading.Points[0].Delay, 0.01, 1e-9);
+  EXPECT_NEAR(*Xfer.DelayRead(1, 510.0), 0.010202, 1e-6);
+  Xfer.SetView({ResponsePlot::Bode, true});
+  // Half of a closed loop is all of an open one, and with half a turn a third.
+  EXPECT_NEAR(*Xfer.GainRead(1, 1000.0), 0.0, 1e-3);
+  EXPECT_NEAR(*Xfer.GainRead(1, 500.0), -9.5424, 1e-3);
+  EXPECT_FALSE(Xfer.DelayRead(1, 510.0));
+}
+
 TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
   // The first cursor stands at `Then` afterwards.
   const struct {

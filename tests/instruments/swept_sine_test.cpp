@@ -141,6 +141,8 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
   Sweep.SetVisible(false);
   EXPECT_FALSE(Sweep.TraceAt(0).Enabled || Sweep.TraceAt(1).Enabled || Sweep.HasData(1));
   EXPECT_EQ(Reports.Take(), Messages{});
+  EXPECT_FALSE(Sweep.StoreData(0));
+  EXPECT_EQ(Reports.Take(), Messages{"Error: Fault in ZelSweptDSAChannel :: StoreData"});
 }
 
 TEST_F(SweptSine, StepsTheFrequencyWithoutAPhaseJump) {
