@@ -78,7 +78,7 @@ class AtomicSave : public ::testing::Test {
 };
 
 TEST_F(AtomicSave, ReplacesTheFileThatLinksLeadToAndKeepsItsPermissions) {
-  chmod(path_.c_str(), 0640);
+  chmod(path_.c_str(), 04640);
   ExpectSaved(path_, path_);
   EXPECT_EQ(FileCount(), 1);
   fs::create_directory(folder_ / "links");
@@ -90,7 +90,7 @@ TEST_F(AtomicSave, ReplacesTheFileThatLinksLeadToAndKeepsItsPermissions) {
   EXPECT_TRUE(fs::is_symlink(folder_ / "links" / "second"));
   struct stat status {};
   stat(path_.c_str(), &status);
-  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(status.st_mode & 07777, 04640U);
   ExpectSaved(folder_ / "dangling", folder_ / "not-yet.tvf");
   ExpectNotOpened(folder_ / "round", "Too many levels of symbolic links");
 }

@@ -65,7 +65,7 @@ struct Program : ModelFileHost {
   bool InCatalogue(const std::string& name) const override {
     return name == "A, first" || name == "B";
   }
-  bool MayDiscard() override { return Discards; }
+  bool MayDiscard() override { return ++Confirmed, Discards; }
   bool ChangeModel(const std::string& name) override {
     Model = std::make_unique<SmallModel>(name);
     return true;
@@ -93,6 +93,7 @@ struct Program : ModelFileHost {
   std::unique_ptr<SmallModel> Model = std::make_unique<SmallModel>("A, first");
   bool Discards = true, Restores = true;
   int Asked = 0;  ///< for meters
+  int Confirmed = 0;
 };
 
 std::string Flags(const LoadResult& result) {
@@ -137,13 +138,15 @@ TEST(ModelFile, AsksBeforeAnythingChangesAndKeepsWhatItMust) {
   test::Recorder recorder;
   Program program;
   program.Discards = false;
-  EXPECT_FALSE(LoadModelText("Constant,KP,2\nModel,B\nConstant,KP,3", program));
+  EXPECT_FALSE(LoadModelText("Constant,KP,2\nModel,B\nModel,A, first\nConstant,KP,3", program));
   EXPECT_EQ(program.State(), "A, first 2 Off 0 0");
   program.Discards = true;
+  EXPECT_TRUE(LoadModelText("Model,B\nModel,A, first\nConstant,KP,3", program));
+  EXPECT_EQ(program.Confirmed, 2) << "once a file";
   recorder.Answer = false;
   EXPECT_FALSE(LoadModelText("Constant,KP,4\nModel,B\n", program));
   EXPECT_EQ(program.State(), "A, first 4 Off 0 0");
-  EXPECT_EQ(recorder.Take().size(), 2U) << "questions";
+  EXPECT_EQ(recorder.Take().size(), 4U) << "questions";
   program.Restores = false;
   program.Model->Scope.Placement.Left = 7;
   program.Model->Scope.Turn(0, 1);
@@ -187,8 +190,8 @@ TEST(ModelFile, SavesWhatLoadsAgain) {
   EXPECT_TRUE(LoadModelFile(path, other).IsModelFile());
   EXPECT_EQ(ModelFileText(*other.Model), text);
   // The longest line and file that are read, and those of a byte more.
-  for (const auto& [longer, size] : {std::pair{"a line longer than 64 KiB", MaxModelLineLength},
-                                     std::pair{"larger than 16 MiB", MaxModelFileSize}}) {
+  for (const auto& [longer, size] : {std::pair{"a line longer than 64 KiB", 65536U},
+                                     std::pair{"larger than 16 MiB", 16777216U}}) {
     std::string large(size, longer[0] == 'a' ? 'x' : '\n');
     std::ofstream(path) << large;
     EXPECT_TRUE(LoadModelFile(path, other));
