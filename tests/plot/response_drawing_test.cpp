@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <sstream>
 
 #include "core/bench.h"
+#include "core/files/record.h"
 #include "instruments/fft/fft_analyser.h"
 #include "plot/drawing.h"
 #include "plot/picture.h"
+#include "plot/plane_painter.h"
 #include "plot/response_painter.h"
 #include "support/expected_lines.h"
 
@@ -38,18 +42,31 @@ struct Responses {
     Xfer.SetCursorPixel(0, 100);
     Xfer.SetCursorPixel(1, 400);
   }
-  void Expect(const char* name, const QSize& size, double ratio) {
+  /// A record of the excitation through a low-pass.
+  void Measure() {
+    Xfer.Run();
+    for (; Xfer.Measuring(); Bench.AdvanceTime(Xfer.TSample())) {
+      In.Value = Xfer.Excitation(Bench.Time());
+      Out.Value += 0.3 * (In.Value - Out.Value);
+      Xfer.Service(Bench.Time());
+    }
+  }
+  /// As a window shows it.
+  void Paint(QPainter& to, const ScopeColours& colours, const QSize& size, double ratio,
+             const TraceLook& look) {
+    if (Xfer.View().Plot != ResponsePlot::Bode) {
+      PlanePainter painter(Xfer);
+      painter.Layout(size, ratio, look);
+      painter.Paint(to, colours);
+      return painter.PaintCursors(to, colours, 500);
+    }
     ResponsePainter painter(Xfer);
-    painter.Layout(size, ratio);
-    const ScopeColours colours = ScopeColours::Light();
-    test::ExpectLines(std::string("drawings/") + name + ".txt", test::Drawn([&](QPainter& to) {
-                        painter.Paint(to, colours);
-                        painter.PaintCursors(to, colours);
-                        painter.PaintMarks(
-                            to, colours,
-                            {{ResponseQuantity::Gain, 40.0, 0.0, 14.0, "Peak"},
-                             {ResponseQuantity::Phase, 180.0, -180.0, -120.0, "60"}});
-                      }));
+    painter.Layout(size, ratio, look);
+    painter.Paint(to, colours);
+    painter.PaintCursors(to, colours);
+    painter.PaintMarks(to, colours,
+                       {{ResponseQuantity::Gain, 40.0, 0.0, 14.0, "Peak"},
+                        {ResponseQuantity::Phase, 180.0, -180.0, -120.0, "60"}});
   }
 
   ZelBenchTop Bench;
@@ -58,36 +75,36 @@ struct Responses {
   ZelXfer Xfer{Bench, 8};
 };
 
-TEST(ResponseDrawingTest, GainPhaseAndCoherenceWithCursorsAndMarks) {
-  Responses responses;
-  responses.Xfer.SetFreqRange(1.0, 250.0);
-  responses.Xfer.SetGainScale(10.0);
-  responses.Xfer.SetPhaseOffset(90.0);
-  responses.Expect("response", {1400, 1000}, 1.0);
-}
-
-TEST(ResponseDrawingTest, BothInOneFinePlotOfTwoDecades) {
-  Responses responses;
-  responses.Xfer.SetFreqRange(5.0, 300.0);
-  responses.Xfer.SetGainOffset(20.0);
-  responses.Xfer.SetSplitScreen(false);
-  responses.Xfer.SetShown(3, false);
-  responses.Expect("response-single", {900, 500}, 2.0);
-}
-
-TEST(ResponseDrawingTest, EveryOtherViewOfTheSameResponses) {
-  const std::pair<const char*, ResponseView> views[] = {
-      {"response-nyquist", {ResponsePlot::Nyquist}},
-      {"response-nichols", {ResponsePlot::Nichols, true}},
-      {"response-delay", {ResponsePlot::Bode, false, true, true}}};
-  Responses responses;
-  responses.Xfer.SetFreqRange(1.0, 250.0);
-  for (const auto& [name, view] : views) {
-    responses.Xfer.SetView(view);
-    const Picture picture = ResponsePicture(responses.Xfer, {TraceColours::Apart, true});
-    test::ExpectLines(std::string("drawings/") + name + ".txt", test::Drawn([&](QPainter& to) {
-                        picture.Paint(to, {1400, 1000}, 1.0);
-                      }));
+// A line of the table each: the drawing's name, size and ratio, then what is done, in order: a
+// record of the analyser, a measurement, or another look; a line that ends with "picture" is as in
+// a file.
+TEST(ResponseDrawingTest, EachLineOfTheTableIsAsInItsDrawing) {
+  std::ifstream table(TORVANE_TEST_DATA "/response_drawings.txt");
+  for (const std::string& line : test::LinesOf(table)) {
+    std::istringstream words(line);
+    std::string name, word;
+    QSize size;
+    double ratio = 1.0;
+    words >> name >> size.rwidth() >> size.rheight() >> ratio;
+    Responses responses;
+    TraceLook look;
+    ScopeColours colours = ScopeColours::Light();
+    auto device = QPaintEngine::User;
+    while (words >> word) {
+      if (word == "patterns") look.Patterns = true;
+      if (word == "apart") look.Colours = TraceColours::Apart;
+      if (word == "dark") colours = ScopeColours::Dark();
+      if (word == "pixels") device = QPaintEngine::Raster;
+      if (word == "measure") responses.Measure();
+      if (word.find(',') == std::string::npos) continue;
+      responses.Xfer.LoadState(ParseRecord("Xfer,F," + word, 1));
+      responses.Xfer.FinishLoading([](int) {});
+    }
+    const auto paint = [&](QPainter& to) {
+      if (word == "picture") return ResponsePicture(responses.Xfer, look).Paint(to, size, ratio);
+      responses.Paint(to, colours, size, ratio, look);
+    };
+    test::ExpectLines("drawings/" + name + ".txt", test::Drawn(paint, device));
   }
 }
 
