@@ -21,6 +21,7 @@ QVector<QLineF> CutIntoDashes(const QVector<QLineF>& lines, const QVector<double
   QVector<QLineF> pieces;
   for (const QLineF& line : lines) {
     const double length = line.length();
+    if (length == 0.0) continue;  // two points on one pixel
     double at = -std::fmod(way, period);
     for (int k = 0; at < length; k = (k + 1) % static_cast<int>(dashes.size())) {
       const double end = at + dashes[k];

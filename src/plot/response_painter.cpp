@@ -22,6 +22,7 @@ constexpr float FaintAlpha = 0.3F;     // of bins that are noise
 constexpr double PointSize = 2.0;
 constexpr double PointDistance = 7.0;  // bins that are closer are not marked
 constexpr int WidestTick = 5;          // characters of the value labels
+constexpr int WidestDelay = 7;         // and of delays
 constexpr int SmallestPlate = 40;
 constexpr std::size_t DelayTail = 50;     // one of so many delays at each end is left out
 constexpr double LeastDelayRange = 1e-9;  // seconds
@@ -72,7 +73,8 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio, const TraceLo
   const QFontMetrics words(textFont_);
   const int margin = Scaled(Margin);
   const int gap = Scaled(LabelGap);
-  const int labels = margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + gap;
+  const int widest = analyser_.ShowsDelay() ? WidestDelay : WidestTick;
+  const int labels = margin + numbers.horizontalAdvance(QString(widest, u'0')) + gap;
   const int right = analyser_.SplitScreen() ? 2 * margin : labels;
   const int caption = words.height() + gap;
   const int bottom =

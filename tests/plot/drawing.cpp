@@ -3,6 +3,8 @@
 #include <QPainterPath>
 #include <sstream>
 
+#include "support/expected_lines.h"
+
 namespace torvane::test {
 namespace {
 
@@ -85,6 +87,21 @@ std::vector<std::string> Drawn(const std::function<void(QPainter&)>& paint,
   paint(painter);
   painter.end();
   return device.Recorder.Drawn;
+}
+
+void ExpectDrawings(const std::string& table,
+                    const std::function<void(QPainter&, const DrawingRow&)>& paint) {
+  std::ifstream file(TORVANE_TEST_DATA "/" + table);
+  for (const std::string& line : LinesOf(file)) {
+    if (line.starts_with('#')) continue;
+    std::istringstream stream(line);
+    DrawingRow row;
+    stream >> row.Name >> row.Size.rwidth() >> row.Size.rheight() >> row.Ratio;
+    for (std::string word; stream >> word;) row.Words.push_back(word);
+    ExpectLines("drawings/" + row.Name + ".txt",
+                Drawn([&](QPainter& painter) { paint(painter, row); },
+                      row.Has("pixels") ? QPaintEngine::Raster : QPaintEngine::User));
+  }
 }
 
 }  // namespace torvane::test

@@ -2,9 +2,12 @@
 
 #include <QPaintEngine>
 #include <QPainter>
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "plot/scope_colours.h"
 
 namespace torvane::test {
 
@@ -13,5 +16,25 @@ namespace torvane::test {
 /// pixels. A painter treats the device as one of `type`: of pixels, or of a file with lines.
 std::vector<std::string> Drawn(const std::function<void(QPainter&)>& paint,
                                QPaintEngine::Type type = QPaintEngine::User);
+
+/// A line of a table of drawings: name, width, height and ratio, then words.
+struct DrawingRow {
+  bool Has(const char* word) const { return std::ranges::count(Words, word) > 0; }
+  TraceLook Look() const {
+    return {Has("apart") ? TraceColours::Apart : TraceColours::Standard, Has("patterns")};
+  }
+  ScopeColours Colours() const {
+    return Has("dark") ? ScopeColours::Dark() : ScopeColours::Light(Look().Colours);
+  }
+
+  std::string Name;
+  QSize Size;
+  double Ratio = 1.0;
+  std::vector<std::string> Words;
+};
+
+/// Compares each drawing of a table of tests/data with what `paint` does.
+void ExpectDrawings(const std::string& table,
+                    const std::function<void(QPainter&, const DrawingRow&)>& paint);
 
 }  // namespace torvane::test

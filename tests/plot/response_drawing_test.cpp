@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
 #include "core/bench.h"
 #include "core/files/record.h"
@@ -11,7 +9,6 @@
 #include "plot/picture.h"
 #include "plot/plane_painter.h"
 #include "plot/response_painter.h"
-#include "support/expected_lines.h"
 
 namespace torvane {
 namespace {
@@ -42,9 +39,13 @@ struct Responses {
     Xfer.SetCursorPixel(0, 100);
     Xfer.SetCursorPixel(1, 400);
   }
-  /// A record of the excitation through a low-pass.
-  void Measure() {
-    Xfer.Run();
+  /// Takes a record of a file, or measures a low-pass.
+  void Do(const std::string& word) {
+    if (word.find(',') != std::string::npos) {
+      Xfer.LoadState(ParseRecord("Xfer,F," + word, 1));
+      Xfer.FinishLoading([](int) {});
+    }
+    if (word == "measure") Xfer.Run();
     for (; Xfer.Measuring(); Bench.AdvanceTime(Xfer.TSample())) {
       In.Value = Xfer.Excitation(Bench.Time());
       Out.Value += 0.3 * (In.Value - Out.Value);
@@ -52,16 +53,16 @@ struct Responses {
     }
   }
   /// As a window shows it.
-  void Paint(QPainter& to, const ScopeColours& colours, const QSize& size, double ratio,
-             const TraceLook& look) {
+  void Paint(QPainter& to, const test::DrawingRow& row) {
+    const ScopeColours colours = row.Colours();
     if (Xfer.View().Plot != ResponsePlot::Bode) {
       PlanePainter painter(Xfer);
-      painter.Layout(size, ratio, look);
+      painter.Layout(row.Size, row.Ratio, row.Look());
       painter.Paint(to, colours);
       return painter.PaintCursors(to, colours, 500);
     }
     ResponsePainter painter(Xfer);
-    painter.Layout(size, ratio, look);
+    painter.Layout(row.Size, row.Ratio, row.Look());
     painter.Paint(to, colours);
     painter.PaintCursors(to, colours);
     painter.PaintMarks(to, colours,
@@ -75,37 +76,16 @@ struct Responses {
   ZelXfer Xfer{Bench, 8};
 };
 
-// A line of the table each: the drawing's name, size and ratio, then what is done, in order: a
-// record of the analyser, a measurement, or another look; a line that ends with "picture" is as in
-// a file.
 TEST(ResponseDrawingTest, EachLineOfTheTableIsAsInItsDrawing) {
-  std::ifstream table(TORVANE_TEST_DATA "/response_drawings.txt");
-  for (const std::string& line : test::LinesOf(table)) {
-    std::istringstream words(line);
-    std::string name, word;
-    QSize size;
-    double ratio = 1.0;
-    words >> name >> size.rwidth() >> size.rheight() >> ratio;
+  test::ExpectDrawings("response_drawings.txt", [](QPainter& to, const test::DrawingRow& row) {
     Responses responses;
-    TraceLook look;
-    ScopeColours colours = ScopeColours::Light();
-    auto device = QPaintEngine::User;
-    while (words >> word) {
-      if (word == "patterns") look.Patterns = true;
-      if (word == "apart") look.Colours = TraceColours::Apart;
-      if (word == "dark") colours = ScopeColours::Dark();
-      if (word == "pixels") device = QPaintEngine::Raster;
-      if (word == "measure") responses.Measure();
-      if (word.find(',') == std::string::npos) continue;
-      responses.Xfer.LoadState(ParseRecord("Xfer,F," + word, 1));
-      responses.Xfer.FinishLoading([](int) {});
+    for (const std::string& word : row.Words) responses.Do(word);
+    if (row.Has("file")) {
+      ResponsePicture(responses.Xfer, row.Look()).Paint(to, row.Size, row.Ratio);
+    } else {
+      responses.Paint(to, row);
     }
-    const auto paint = [&](QPainter& to) {
-      if (word == "picture") return ResponsePicture(responses.Xfer, look).Paint(to, size, ratio);
-      responses.Paint(to, colours, size, ratio, look);
-    };
-    test::ExpectLines("drawings/" + name + ".txt", test::Drawn(paint, device));
-  }
+  });
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "core/files/record.h"
 #include "plot/cursor_painter.h"
 #include "plot/drawing.h"
 #include "plot/scope_painter.h"
-#include "support/expected_lines.h"
 #include "two_traces.h"
 
 namespace torvane {
@@ -25,40 +25,42 @@ struct Scene : test::TwoTraces {
     }
     Scope.CopyScreen(ScopeSweep::Present, Screen);
   }
-  /// All of it as a window shows it, on pixels or as for a file; "Speed" is chosen.
-  void Expect(const char* name, const QSize& size, double ratio, const TraceLook& look,
-              QPaintEngine::Type device = QPaintEngine::User) {
+  /// Takes a record of a file, or a trace that swings to and fro, which is drawn as ranges.
+  void Do(const std::string& word) {
+    if (word.find(',') != std::string::npos) {
+      Scope.LoadState(ParseRecord("Scope,MainScope," + word, 1));
+      Scope.FinishLoading([](int) {});
+    }
+    if (word != "swing") return;
+    Scope.ClearKeptTraces();
+    for (int i = 0; i < 401; ++i) {
+      Speed.Value = i % 2 ? 1.9 : -1.8;
+      Command.Value = 0.02 * i;
+      Sample(1);
+    }
+    Scope.CopyScreen(ScopeSweep::Whole, Screen);
+  }
+  /// All of it as a window shows it; "Speed" is chosen.
+  void Paint(QPainter& to, const test::DrawingRow& row) {
     ScopeLabels labels = MakeScopeLabels(Scope, Scope.FindChannel("Speed"));
     labels.Trigger = PlaceOfTrigger(Scope);
-    const ScopeColours colours = ScopeColours::Light(look.Colours);
-    Painter.Layout(size, ratio, labels, look);
-    const auto paint = [&](QPainter& painter) {
-      Painter.PaintBackground(painter, colours);
-      Painter.PaintTraces(painter, colours, Screen);
-      Painter.PaintTags(painter, colours);
-      CursorPainter cursors(Scope);
-      cursors.Layout(Painter.Plate(), ratio);
-      cursors.Read(Screen, Scope.FindChannel("Speed"));
-      cursors.Paint(painter, colours);
-    };
-    test::ExpectLines(std::string("drawings/") + name + ".txt", test::Drawn(paint, device));
+    const ScopeColours colours = row.Colours();
+    Painter.Layout(row.Size, row.Ratio, labels, row.Look());
+    Painter.PaintBackground(to, colours);
+    Painter.PaintTraces(to, colours, Screen);
+    Painter.PaintTags(to, colours);
+    CursorPainter cursors(Scope);
+    cursors.Layout(Painter.Plate(), row.Ratio);
+    cursors.Read(Screen, Scope.FindChannel("Speed"));
+    cursors.Paint(to, colours);
   }
 
   ScopePainter Painter{Scope};
   ScopeScreen Screen;
 };
 
-TEST(ScopeDrawingTest, EverythingInAPictureForAFile) {
-  Scene scene;
-  scene.Scope.Trigger().SetMode(SweepMode::Normal);
-  scene.Scope.Trigger().SetLevel(3.0);
-  scene.Scope.Trigger().SetPosition(25.0);
-  scene.Scope.SetCursorMode(2);
-  scene.Scope.SetCursorX(0, 500);
-  scene.Scope.SetCursorX(1, 120);
-  scene.Expect("scope", {1400, 900}, 1.0, {TraceColours::Apart, true});
-
-  // The same places as in the drawing, and just beside them.
+// What stands where in the first drawing, and just beside it.
+void ExpectPlaces(Scene& scene) {
   using Kind = ScreenMark::Kind;
   const std::size_t speed = scene.Scope.DisplayedChannels()[1];
   const std::pair<QPoint, std::optional<ScreenMark>> marks[] = {
@@ -75,26 +77,13 @@ TEST(ScopeDrawingTest, EverythingInAPictureForAFile) {
   EXPECT_FALSE(scene.Painter.TraceAt({165, 658}, 5.0) || scene.Painter.TraceAt({165, 859}, 999.0));
 }
 
-// With few labels and no second row of the legend, as there is no room.
-TEST(ScopeDrawingTest, ASmallPictureOfOneSignalAgainstAnother) {
-  Scene scene;
-  scene.Scope.SetHorizontalChannel(*scene.Scope.FindChannel("Command"));
-  scene.Scope.SetCursorMode(1);
-  scene.Expect("scope-small", {520, 230}, 1.0, {});
-}
-
-// On pixels dashes are cut by hand, and a trace that swings to and fro is drawn as ranges.
-TEST(ScopeDrawingTest, ADenseScreenOnFinePixels) {
-  Scene scene;
-  scene.Scope.ClearKeptTraces();
-  for (int i = 0; i < 401; ++i) {
-    scene.Speed.Value = i % 2 ? 1.9 : -1.8;
-    scene.Command.Value = 0.02 * i;
-    scene.Sample(1);
-  }
-  scene.Scope.CopyScreen(ScopeSweep::Whole, scene.Screen);
-  scene.Expect("scope-dense", {1400, 900}, 2.0, {TraceColours::Standard, true},
-               QPaintEngine::Raster);
+TEST(ScopeDrawingTest, EachLineOfTheTableIsAsInItsDrawing) {
+  test::ExpectDrawings("scope_drawings.txt", [](QPainter& to, const test::DrawingRow& row) {
+    Scene scene;
+    for (const std::string& word : row.Words) scene.Do(word);
+    scene.Paint(to, row);
+    if (row.Name == "scope") ExpectPlaces(scene);
+  });
 }
 
 }  // namespace

@@ -82,6 +82,9 @@ TEST_F(ScopePainterTest, TracesGrowByWhatIsNew) {
   EXPECT_LT(Differing(picture_, PaintedAnew(), [](const QPoint&) { return true; }), 100);
   set_.Scope.SetVerticalOffset(*set_.Scope.FindChannel("Speed"), 0.5);
   EXPECT_TRUE(painter_.Differs(screen_));
+  PaintedAnew();
+  set_.Scope.KeepTraces(screen_);
+  EXPECT_TRUE(painter_.Differs(screen_));
 }
 
 TEST_F(ScopePainterTest, ATraceFarOffTheScreenStaysInsideItsFrame) {
