@@ -19,9 +19,7 @@ double NonNegative(double x, const std::string& name) {
 }
 
 double Clamp(double x, double a, double b) {
-  const auto [lower, upper] = std::minmax(a, b);
-  if (x < lower) return lower;
-  return x > upper ? upper : x;
+  return std::clamp(x, std::min(a, b), std::max(a, b));
 }
 
 double Log10(double x) {

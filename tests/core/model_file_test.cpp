@@ -28,8 +28,6 @@ class Knobs : public Instrument, public InstrumentView {
   void Turn(std::size_t knob, int value) {
     Change([&] { Values.at(knob) = value; }, [&] { return "Knob " + std::to_string(value); });
   }
-  double NextTime() const override { return -1.0; }
-  bool Service(double) override { return true; }
   void SaveRecords(RecordWriter& writer) const override {
     SaveDisplay(writer, Placement);
     for (const std::size_t knob : {0U, 1U}) {

@@ -153,24 +153,24 @@ TEST(Solver, AStateThatIsNotFiniteStopsTheRunAndIsKept) {
 // Close to the end of the numbers each step is watched, and what goes first in it is named.
 TEST(Solver, NamesWhatGoesFirst) {
   const struct {
-    double Start, Slope, Signal;  // of the state; the signal's from time 0.25 on
+    double Start, Slope, Signal;  // of the state; all from the step's end on
     double Clock;                 // the factor that a time-driven object overflows with
     const char* Found;
   } cases[] = {
       {1e301, HUGE_VAL, 0, 0, "slope of state \"x\" (value 1e+301 a step before)"},
       {1e301, HUGE_VAL, HUGE_VAL, 0, "signal \"first\" (value 0 a step before)"},
-      {1e308, 1e308, 0, 0, "state \"x\" (value 1e+308 a step before)"},
+      {1.79e308, 1.7e308, 0, 0, "state \"x\" (value 1.79e+308 a step before)"},
       {1e301, 1.0, 1e302, 1e300, "signal \"first\" (value 0 a step before)"},
       {0.0, HUGE_VAL, HUGE_VAL, 0, "signal \"first\""},
   };
   for (const auto& c : cases) {
     OneStateModel model(0.25, c.Start, [&](double t, double) {
-      model.First.Value = t > 0.25 ? c.Signal : 0.0;
-      return t > 0.25 ? c.Slope : 0.0;
+      model.First.Value = t > 0.4 ? c.Signal : 0.0;
+      return t > 0.4 ? c.Slope : 0.0;
     });
     volatile double product = 0.0;
     OnTime clock(model.Bench(), [&](double t) {
-      if (t > 0.25) product = c.Clock * (c.Clock * 1.0);
+      if (t > 0.4) product = c.Clock * (c.Clock * 1.0);
     });
     EXPECT_EQ(Overflow(model, 2.0),
               std::string("floating-point overflow in ") + c.Found + " at time 0.5 s");

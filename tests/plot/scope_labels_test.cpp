@@ -10,26 +10,11 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-TEST(ScopeLabelsTest, FollowTheChannelsAndTheXAxis) {
+TEST(ScopeLabelsTest, ValuesAreTheFirstTracesWhereTheChosenOneIsHidden) {
   test::TwoTraces set;
-  ZelScope& scope = set.Scope;
   // A value v is drawn (v + 1) / 2 divisions above the centre.
-  EXPECT_EQ(MakeScopeLabels(scope, scope.FindChannel("Hidden")).Left,
+  EXPECT_EQ(MakeScopeLabels(set.Scope, set.Scope.FindChannel("Hidden")).Left,
             (Texts{"7", "5", "3", "1", "-1", "-3", "-5", "-7", "-9"}));
-  scope.SetDisplayed(*scope.FindChannel("Command"), false);
-  ZelChannel& hidden = *scope.FindChannel("Hidden");
-  scope.SetHorizontalChannel(hidden);
-  scope.SetHorizontalScale(hidden, 0.1);
-  scope.SetHorizontalOffset(hidden, 0.3);
-  const ScopeLabels labels = MakeScopeLabels(scope, nullptr);
-  EXPECT_EQ(labels.Legend, (std::vector<LegendEntry>{{"Speed 5/div (Off: 0)", 0},
-                                                     {"[Horiz]: Hidden 0.1/div (Off: 0.3)", -1}}));
-  EXPECT_EQ(labels.Bottom, (Texts{"-0.8", "-0.7", "-0.6", "-0.5", "-0.4", "-0.3", "-0.2", "-0.1",
-                                  "0", "0.1", "0.2"}));
-  EXPECT_EQ(labels.Traces, (std::vector<TraceMark>{{2, 0, "Speed", 0.0}}));
-  EXPECT_FALSE(PlaceOfTrigger(scope));
-  scope.SetDisplayed(*scope.FindChannel("Speed"), false);
-  EXPECT_TRUE(MakeScopeLabels(scope, nullptr).Left.empty());
 }
 
 TEST(ScopeLabelsTest, TheTriggersPlaceIsThatOfItsSource) {
