@@ -122,16 +122,17 @@ TEST_F(AnalyserMemory, WarnsOfWhatMakesAMeasurementLessTrustworthy) {
 TEST_F(AnalyserMemory, OffersSetups) {
   Xfer.AddSetup("Back", "Out", "In");
   Xfer.AddSetup("Back+180", "Out", "In", 180.0);
+  Xfer.AddSetup("Back+90", "Out", "In", 90.0);
   EXPECT_EQ(Xfer.CurrentSetup(), -1);
   TakeRecord(One, One);
   // A gain of a half, turned by half a turn; 180 reads as -180.
-  for (const int setup : {1, 0}) {
+  for (const auto& [setup, phase] : {std::pair{2, 90.0}, {1, -180.0}, {0, 0.0}}) {
     EXPECT_TRUE(Xfer.SelectSetup(setup));
     EXPECT_EQ(Xfer.CurrentSetup(), setup);
-    EXPECT_EQ(Xfer.ResponsePhase(0, 0.0), setup == 1 ? -180.0 : 0.0);
+    EXPECT_EQ(Xfer.ResponsePhase(0, 0.0), phase);
   }
   Xfer.AddSetup("No", "In", "Hidden");
-  EXPECT_FALSE(Xfer.SelectSetup(2));
+  EXPECT_FALSE(Xfer.SelectSetup(3));
   EXPECT_EQ(Reports.Take(),
             (Messages{"Error: Call to Set Xfer Channel with unknown output channel: Hidden",
                       "Error: Call to Enable Xfer Channel Button with Illegal Value"}));
@@ -181,6 +182,7 @@ TEST_F(ResponseCursors, ReadWhereTheyStand) {
 TEST_F(ResponseCursors, ReadTheViewThatIsShown) {
   ResponseCurve lag;
   for (int hz = 20; hz <= 1000; hz += 20) lag.push_back({1.0 * hz, -6.0206, -0.0036 * hz * hz});
+  lag.push_back({2000.0, 0.0, 0.0});  // an open loop without end
   Xfer.LoadMemory(1, lag, "lag");
   Xfer.SetFreqRange(500.0, 1000.0);
   Xfer.SetCursors(ZelXfer::CursorMode::Two);
@@ -196,6 +198,8 @@ TEST_F(ResponseCursors, ReadTheViewThatIsShown) {
   // Half of a closed loop is all of an open one, and with half a turn a third.
   EXPECT_NEAR(*Xfer.GainRead(1, 1000.0), 0.0, 1e-3);
   EXPECT_NEAR(*Xfer.GainRead(1, 500.0), -9.5424, 1e-3);
+  EXPECT_EQ(Xfer.GainRead(1, 2000.0), -200.0);
+  EXPECT_EQ(Xfer.PhaseRead(1, 2000.0), 0.0);
   EXPECT_FALSE(Xfer.DelayRead(1, 510.0));
 }
 
