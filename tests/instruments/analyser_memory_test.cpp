@@ -36,7 +36,7 @@ TEST_F(AnalyserMemory, IsKeptUntilTheRecordChangesItsMeasure) {
   Xfer.Run();
   Xfer.SetTSample(Period);
   Xfer.SetOrder(4);
-  EXPECT_TRUE(Xfer.Measuring() && Xfer.HasData(2));
+  EXPECT_TRUE(Xfer.Measuring() && Xfer.HasData(2) && !Xfer.HasData(0));
   Xfer.SetOrder(3);
   EXPECT_FALSE(Xfer.Measuring() || Xfer.HasData(0) || Xfer.HasData(2));
   EXPECT_EQ(Xfer.NextTime(), -1.0);

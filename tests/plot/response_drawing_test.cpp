@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <deque>
 
 #include "core/bench.h"
 #include "core/files/record.h"
@@ -39,16 +40,19 @@ struct Responses {
     Xfer.SetCursorPixel(0, 100);
     Xfer.SetCursorPixel(1, 400);
   }
-  /// Takes a record of a file, or measures a low-pass.
+  /// Takes a record of a file, or measures a low-pass behind a delay.
   void Do(const std::string& word) {
     if (word.find(',') != std::string::npos) {
       Xfer.LoadState(ParseRecord("Xfer,F," + word, 1));
       Xfer.FinishLoading([](int) {});
     }
     if (word == "measure") Xfer.Run();
+    std::deque<double> delayed(8);
     for (; Xfer.Measuring(); Bench.AdvanceTime(Xfer.TSample())) {
       In.Value = Xfer.Excitation(Bench.Time());
-      Out.Value += 0.3 * (In.Value - Out.Value);
+      Out.Value += 0.3 * (delayed.front() - Out.Value);
+      delayed.pop_front();
+      delayed.push_back(In.Value);
       Xfer.Service(Bench.Time());
     }
   }

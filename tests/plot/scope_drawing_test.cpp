@@ -74,6 +74,7 @@ void ExpectPlaces(Scene& scene) {
   EXPECT_EQ(scene.Painter.LegendAt({600, 885}), speed);
   EXPECT_FALSE(scene.Painter.LegendAt({700, 885}) || scene.Painter.LegendAt({600, 870}));
   EXPECT_EQ(scene.Painter.TraceAt({165, 655}, 5.0), speed);
+  EXPECT_EQ(scene.Painter.TraceAt({430, 612}, 5.0), scene.Scope.DisplayedChannels()[0]);
   EXPECT_FALSE(scene.Painter.TraceAt({165, 658}, 5.0) || scene.Painter.TraceAt({165, 859}, 999.0));
 }
 

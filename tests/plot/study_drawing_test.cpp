@@ -34,7 +34,13 @@ TEST(StudyDrawing, ResponsesWithTheChosenOne) {
     if (size == 0.0F) continue;
     responses.Runs.back() = {{-0.1F, 0.0F, 0.1F, 0.2F}, {0.0F, -0.1F, 10.0F * size, 9.0F * size}};
   }
-  Expect("study-responses", StudyResponsesPicture(responses));
+  for (const auto& [name, chosen] :
+       {std::pair<const char*, std::optional<std::size_t>>{"study-responses", 1},
+        {"study-wild", 4},
+        {"study-all", {}}}) {
+    responses.Chosen = chosen;
+    Expect(name, StudyResponsesPicture(responses));
+  }
 }
 
 // A grid over a range of decades; one cell was not measured.
@@ -55,6 +61,9 @@ TEST(StudyDrawing, MapOfSamples) {
               "RiseTime (sec)",
               {{0.2, 0.001, 0.004}, {1.1, 0.003, 0.002}, {1.9, 0.002, {}}, {1.5, 0.0005, 0.001}},
               1}));
+  const StudyMap decades{
+      "", "", "", {{0.01, 1.0, 4.0}, {1.0, 30.0, -2.0}, {100.0, 1e3, {}}, {5.0, 2.0, 1.0}}, {}};
+  Expect("study-decades", StudyMapPicture(decades));
 }
 
 }  // namespace
