@@ -44,7 +44,6 @@ std::vector<MalformedCase> ReadCases() {
       last.Lines.push_back(line);
     }
   }
-  if (cases.back().Lines.empty()) cases.pop_back();
   return cases;
 }
 
@@ -52,12 +51,6 @@ std::string Text(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + "\n";
   return text;
-}
-
-// "..." at the end stands for the rest of a longer report.
-bool Matches(const std::string& report, const std::string& expected) {
-  if (!expected.ends_with("...")) return report == expected;
-  return report.starts_with(expected.substr(0, expected.size() - 3));
 }
 
 void ExpectUsable(ModelFileHost& host) {
@@ -73,11 +66,7 @@ TEST(MalformedModelFile, IsReportedAsTheTableSays) {
     test::Recorder messages;
     CatalogueHost host(LoadModel(FindModel("3-1 PI Controller")));
     LoadModelText(Text(wrong.Lines), host);
-    const Messages reports = messages.Take();
-    EXPECT_EQ(reports.size(), wrong.Reports.size());
-    for (std::size_t i = 0; i < std::min(reports.size(), wrong.Reports.size()); ++i) {
-      EXPECT_TRUE(Matches(reports[i], wrong.Reports[i])) << reports[i];
-    }
+    EXPECT_EQ(messages.Take(), wrong.Reports);
     ExpectUsable(host);
   }
 }
