@@ -30,7 +30,9 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 // Leaves of both states only the lines in which they differ. States of one instrument have their
 // lines in the same order; where one has more of them, both stay whole.
-void KeepDifferences(std::string& before, std::string& after) {
+void KeepDifferences(UndoEntry& entry) {
+  std::string& before = entry.Strings[Before];
+  std::string& after = entry.Strings[After];
   const std::vector<std::string> old = LinesOf(before);
   const std::vector<std::string> now = LinesOf(after);
   if (old.size() != now.size()) return;
@@ -78,7 +80,7 @@ void Instrument::Change(const std::function<void()>& change,
   changing_ = false;
   entry.Strings[After] = StateText();
   if (entry.Strings[Before] == entry.Strings[After]) return;
-  KeepDifferences(entry.Strings[Before], entry.Strings[After]);
+  KeepDifferences(entry);
   entry.Description = caption();
   history_->Push(entry);
   TellSettingsChanged();

@@ -121,7 +121,7 @@ int ResponseLegend::Layout(const QSize& size, double ratio, const QFont& font,
   for (Entry& entry : entries_) {
     const int sample = entry.Slot < 0 ? 0 : Scaled(SampleLength + LabelGap);
     const int width = sample + metrics.horizontalAdvance(Text(entry.Text)) + Scaled(2.0);
-    const bool firstTrace = entry.Slot == 0 || (entry.Slot > 0 && (&entry - 1)->Slot < 0);
+    const bool firstTrace = entry.Slot >= 0 && (&entry - 1)->Slot < 0;
     if (x > margin && (firstTrace || x + width > size.width() - margin)) {
       x = margin;
       y += height;

@@ -66,6 +66,7 @@ struct Responses {
       return painter.PaintCursors(to, colours, 500);
     }
     ResponsePainter painter(Xfer);
+    painter.Layout({500, 500}, 1.0);  // as it was before
     painter.Layout(row.Size, row.Ratio, row.Look());
     painter.Paint(to, colours);
     painter.PaintCursors(to, colours);

@@ -45,6 +45,7 @@ struct Scene : test::TwoTraces {
     ScopeLabels labels = MakeScopeLabels(Scope, Scope.FindChannel("Speed"));
     labels.Trigger = PlaceOfTrigger(Scope);
     const ScopeColours colours = row.Colours();
+    Painter.Layout({500, 500}, 1.0, labels);  // as it was before
     Painter.Layout(row.Size, row.Ratio, labels, row.Look());
     Painter.PaintBackground(to, colours);
     Painter.PaintTraces(to, colours, Screen);

@@ -12,7 +12,7 @@ namespace torvane {
 // Opened without waiting: a pipe may never have a writer. Reading waits.
 InputFile::InputFile(const std::string& path, int patience)
     : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), patience_(patience) {
-  if (descriptor_ < 0) return;
+  if (!IsOpen()) return;
   struct stat status {};
   const bool known = fstat(descriptor_, &status) == 0;
   if (!known || S_ISDIR(status.st_mode)) {
@@ -26,7 +26,7 @@ InputFile::InputFile(const std::string& path, int patience)
 }
 
 InputFile::~InputFile() {
-  if (descriptor_ >= 0) close(descriptor_);
+  if (IsOpen()) close(descriptor_);
 }
 
 ssize_t InputFile::Read(char* buffer, std::size_t size) {

@@ -20,7 +20,7 @@ class InputFile {
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
-  bool IsOpen() const { return descriptor_ >= 0; }
+  bool IsOpen() const { return descriptor_ != -1; }
 
   /// Bytes read; 0 at the end, negative after a failure.
   ssize_t Read(char* buffer, std::size_t size);

@@ -42,7 +42,7 @@ bool OutputFile::Flush() const {
 
 bool OutputFile::Close() {
   const int descriptor = std::exchange(descriptor_, -1);
-  return descriptor < 0 || close(descriptor) == 0;
+  return descriptor == -1 || close(descriptor) == 0;
 }
 
 }  // namespace torvane

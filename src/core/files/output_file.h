@@ -10,13 +10,13 @@ namespace torvane {
 /// succeeded; errno has the reason.
 class OutputFile {
  public:
-  /// Takes the descriptor over; a negative one is no file.
+  /// Takes the descriptor over; -1 is no file.
   explicit OutputFile(int descriptor) : descriptor_(descriptor) {}
   ~OutputFile() { Close(); }
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  bool IsOpen() const { return descriptor_ >= 0; }
+  bool IsOpen() const { return descriptor_ != -1; }
   int Descriptor() const { return descriptor_; }
 
   /// All of the bytes, however many calls that takes; waits for a reader of a pipe to make room.

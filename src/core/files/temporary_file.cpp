@@ -72,8 +72,8 @@ int TemporaryFile::Create(const std::string& folder) {
     name_ = stem + std::to_string(i);
     const int descriptor =
         open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, NewFileMode);
-    if (descriptor < 0 && errno == EEXIST) continue;
-    if (descriptor < 0) return -1;
+    if (descriptor == -1 && errno == EEXIST) continue;
+    if (descriptor == -1) return -1;
     // A file system without locks is written without; nothing is ever removed there.
     flock(descriptor, LOCK_EX);
     if (IsNamed(descriptor, name_)) return descriptor;
