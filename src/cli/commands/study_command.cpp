@@ -1,10 +1,25 @@
 #include <CLI/CLI.hpp>
+#include <set>
 
+#include "cli/command_error.h"
 #include "cli/commands/commands.h"
 #include "cli/number_options.h"
 #include "cli/study/study.h"
 
 namespace torvane::cli {
+namespace {
+
+// Results were made with all other options already.
+void CheckMergeOptions(const CLI::App& command) {
+  const std::set<std::string> fitting{"--merge", "--out", "--picture", "--chosen", "--map"};
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->get_positional() || option->count() == 0) continue;
+    if (fitting.contains(option->get_name())) continue;
+    throw UsageError(option->get_name() + " does not go with --merge");
+  }
+}
+
+}  // namespace
 
 void AddStudyCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
@@ -45,8 +60,9 @@ void AddStudyCommand(CLI::App& app, Console& console) {
       ->add_option("--map", options->Map,
                    "Draw this measure over the first two settings that vary instead")
       ->type_name("MEASURE");
-  command->callback([options, &console] {
+  command->callback([options, command, &console] {
     if (options->Merge) {
+      CheckMergeOptions(*command);
       MergeStudies(*options);
     } else {
       RunStudy(*options, console);

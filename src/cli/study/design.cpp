@@ -150,6 +150,9 @@ StudyDesign MakeGrid(const std::vector<VaryRange>& ranges) {
 
 StudyDesign MakeSamples(const std::vector<VaryRange>& ranges, int samples, std::uint64_t seed) {
   if (samples < 1) throw UsageError("--sample must be above 0, not " + std::to_string(samples));
+  for (const VaryRange& range : ranges) {
+    if (range.Count) throw UsageError("--vary " + range.Name + " has a COUNT, but --sample counts");
+  }
   StudyDesign design = Empty(ranges, static_cast<std::size_t>(samples));
   Random random(seed);
   for (const VaryRange& range : ranges) {

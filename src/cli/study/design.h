@@ -32,7 +32,7 @@ struct VaryRange {
   std::string At(double share) const;
 };
 
-/// Anything that is no range is wrong usage; the count may be left out when samples are taken.
+/// Anything that is no range is wrong usage; the count is left out when samples are taken.
 VaryRange ParseVaryRange(const std::string& text);
 
 /// The runs of a table: a column for each name and a row for each run. A file that is no such table
@@ -43,7 +43,8 @@ StudyDesign ReadTable(const std::string& path);
 StudyDesign MakeGrid(const std::vector<VaryRange>& ranges);
 
 /// A Latin hypercube: each range is cut into as many equal shares as there are samples, and each
-/// share holds one. The same seed gives the same samples on every machine.
+/// share holds one. The same seed gives the same samples on every machine. A range with a count is
+/// wrong usage.
 StudyDesign MakeSamples(const std::vector<VaryRange>& ranges, int samples, std::uint64_t seed);
 
 }  // namespace torvane::cli

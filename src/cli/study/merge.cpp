@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 
 #include "cli/command_error.h"
@@ -11,12 +12,22 @@
 namespace torvane::cli {
 namespace {
 
+constexpr std::size_t MostMissingNamed = 5;
+
+/// How many runs a study has, from the first caption of a share's result.
+std::optional<int> RunsOfStudy(const std::string& caption) {
+  const std::string before = std::string(RunCaption) + ShareCaption;
+  if (!caption.starts_with(before)) return {};
+  return ParseInteger(caption.substr(before.size()));
+}
+
 /// The rows of a study by their runs' numbers.
 class Shares {
  public:
   void Add(const std::string& path) {
     const std::vector<CsvRow> rows = ParseCsv(ReadStudyFile(path));
-    if (rows.empty() || rows.front().Fields.front() != "Run") {
+    const std::string first = rows.empty() ? "" : rows.front().Fields.front();
+    if (first != RunCaption && !RunsOfStudy(first)) {
       throw UsageError(path + " is no result of a study");
     }
     if (captions_.empty()) captions_ = rows.front().Fields;
@@ -25,17 +36,34 @@ class Shares {
   }
 
   std::string Table() const {
-    std::string table = CsvLine(captions_);
-    int next = 1;
-    for (const auto& [run, row] : rows_) {
-      if (run != next) throw UsageError("run " + std::to_string(next) + " is in no file");
-      ++next;
-      table += CsvLine(row);
-    }
+    CheckThatNoneIsMissing();
+    std::vector<std::string> captions = captions_;
+    captions.front() = RunCaption;
+    std::string table = CsvLine(captions);
+    for (const auto& [run, row] : rows_) table += CsvLine(row);
     return table;
   }
 
  private:
+  /// A result that is of no share has all runs up to its last one.
+  int RunCount() const {
+    const int last = rows_.empty() ? 0 : rows_.rbegin()->first;
+    return std::max(last, RunsOfStudy(captions_.front()).value_or(0));
+  }
+
+  void CheckThatNoneIsMissing() const {
+    const auto missing = static_cast<std::size_t>(RunCount()) - rows_.size();
+    if (missing == 0) return;
+    std::string text = std::to_string(missing) + " of " + std::to_string(RunCount()) +
+                       (missing == 1 ? " runs is in no file:" : " runs are in no file:");
+    std::size_t named = 0;
+    for (int run = 1; named < std::min(missing, MostMissingNamed); ++run) {
+      if (rows_.contains(run)) continue;
+      text += (named++ > 0 ? ", " : " ") + std::to_string(run);
+    }
+    throw UsageError(text + (missing > named ? ", ..." : ""));
+  }
+
   void AddRow(const std::string& path, const CsvRow& row) {
     const std::string place = path + ":" + std::to_string(row.Line) + ": ";
     const std::optional<int> run = ParseInteger(row.Fields.front());

@@ -104,7 +104,8 @@ Study::Study(StudyOptions options, Console& console)
 }
 
 std::string Study::Header() const {
-  std::vector<std::string> header{"Run"};
+  std::vector<std::string> header{RunCaption};
+  if (!options_.Shard.empty()) header[0] += ShareCaption + std::to_string(design_.Runs.size());
   Append(header, design_.Names);
   Append(header, MeasureCaptions(options_.Measure));
   header.emplace_back("Reason");

@@ -9,6 +9,11 @@
 
 namespace torvane::cli {
 
+/// What the first column of a result is called and, in that of a share, what follows before the
+/// number of runs in all shares.
+inline constexpr const char* RunCaption = "Run";
+inline constexpr const char* ShareCaption = " of ";
+
 /// What the command "study" is told.
 struct StudyOptions {
   std::vector<std::string> Files;  ///< [STUDY.csv] MODEL, or the results to merge

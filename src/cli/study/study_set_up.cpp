@@ -17,6 +17,7 @@ constexpr int MostJobs = 1024;
 }  // namespace
 
 StudyDesign MakeDesign(const StudyOptions& options) {
+  if (options.Seed && !options.Sample) throw UsageError("--seed needs --sample");
   if (options.Vary.empty()) {
     if (options.Sample) throw UsageError("--sample needs ranges to sample, with --vary");
     if (options.Files.size() != 2) {
