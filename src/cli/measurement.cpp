@@ -67,11 +67,15 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
       ->type_name("SIGNAL");
   AddNumber(command, "--until", options.Until, NumberRange::Positive,
             "Simulated time of a run, seconds; the scope's last complete screen is measured");
-  command.add_flag("--bode", options.WithBode,
-                   "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
-                   "analyser in a run of its own");
+  CLI::Option* const withBode =
+      command.add_flag("--bode", options.WithBode,
+                       "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
+                       "analyser in a run of its own");
+  const std::size_t before = command.get_options().size();
   AddRecordOptions(command, bode);
   AddExcitationOptions(command, bode.Response);
+  const std::vector<CLI::Option*> all = command.get_options();
+  for (std::size_t k = before; k < all.size(); ++k) all[k]->needs(withBode);
   AddModelSettings(command, bode.Response.Model);
 }
 

@@ -99,6 +99,9 @@ VaryRange ParseVaryRange(const std::string& text) {
   if (range.Log && !(range.From * range.To > 0.0)) {
     throw UsageError("--vary " + text + ": a logarithmic range has both ends on one side of 0");
   }
+  if (!std::isfinite(range.Log ? std::log(range.To / range.From) : range.To - range.From)) {
+    throw UsageError("--vary " + text + ": the range is too wide");
+  }
   if (parts.size() < 3) return range;
   range.Count = ParseInteger(parts[2]);
   if (!range.Count || *range.Count < 1) throw BadRange(text);
@@ -112,6 +115,10 @@ StudyDesign ReadTable(const std::string& path) {
   CheckCount(rows.size() - 1);
   StudyDesign design;
   design.Names = rows.front().Fields;
+  for (std::size_t k = 0; k < design.Names.size(); ++k) {
+    if (!design.Names[k].empty()) continue;
+    throw UsageError(path + ": column " + std::to_string(k + 1) + " has no name");
+  }
   for (std::size_t i = 1; i < rows.size(); ++i) {
     const CsvRow& row = rows[i];
     const std::string place = path + ":" + std::to_string(row.Line) + ": ";

@@ -53,9 +53,12 @@ std::string ReadStudyFile(const std::string& path) {
   for (;;) {
     const ssize_t count = file.Read(piece.data(), piece.size());
     if (count < 0) throw FileError("Cannot read " + path + ": " + SystemReason(errno));
-    if (count == 0) return text;
+    if (count == 0) break;
     text.append(piece.data(), static_cast<std::size_t>(count));
   }
+  // UTF-16, say, or a spreadsheet's own format.
+  if (text.find('\0') != std::string::npos) throw UsageError(path + " is no plain text");
+  return text;
 }
 
 PartFile::PartFile(const std::string& out, const std::string& identity)

@@ -8,7 +8,7 @@
 
 namespace torvane::cli {
 
-/// A file's text; one that cannot be read is a CommandError.
+/// A file's text; one that cannot be read, or is none, is a CommandError.
 std::string ReadStudyFile(const std::string& path);
 
 /// The rows that a study has so far, in a file beside its result, OUT.part: they outlast a kill,
