@@ -6,6 +6,7 @@
 #include "cli/number_options.h"
 #include "cli/program.h"
 #include "cli/settings.h"
+#include "cli/study/study_set_up.h"
 #include "fuzzing.h"
 #include "pooled_host.h"
 #include "support/model_limits.h"
@@ -57,6 +58,8 @@ void Apply(const std::vector<std::string>& arguments, ZelModel& model) {
     Try([&] { cli::ApplyWave(model.Bench(), text); });
     Try([&] { cli::NamedSignal(model.Bench(), text); });
     Try([&] { cli::ParseOption("--option", text, cli::NumberRange::Positive); });
+    Try([&] { cli::ParseVaryRange(text); });
+    Try([&] { cli::RunsOfShare(text, 3); });
   }
   const std::string found = test::LimitCheck::Run(model);
   Require(found.empty(), found);

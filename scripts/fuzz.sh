@@ -14,7 +14,7 @@ fuzz() {
   local target=$1 corpus=$folder/corpus/$1 log=$folder/$1.log
   local options=(-timeout=10 -rss_limit_mb=1024 -max_len=16384 -close_fd_mask=1 -entropic=0
     -detect_leaks=0 "-artifact_prefix=$folder/failures/$target-")
-  [[ ! -f fuzz/$target.dict ]] || options+=("-dict=fuzz/$target.dict")
+  [[ ! -f $folder/$target.dict ]] || options+=("-dict=$folder/$target.dict")
   mkdir -p "$corpus"
   if "$programs/${target}_fuzzer" "${options[@]}" -runs=0 "fuzz/seeds/$target" &>"$log" &&
     "$programs/${target}_fuzzer" "${options[@]}" -max_total_time="$seconds" -print_final_stats=1 \
@@ -34,6 +34,13 @@ export -f fuzz
 export ASAN_OPTIONS=malloc_context_size=0
 
 cmake --preset asan+ubsan >/dev/null
-cmake --build --preset asan+ubsan --target "${targets[@]/%/_fuzzer}"
+cmake --build --preset asan+ubsan --target "${targets[@]/%/_fuzzer}" torvane-cli
 mkdir -p "$folder/failures"
+cp fuzz/*.dict "$folder"
+# The commands and options that there are.
+"$programs/torvane-cli" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\+\) .*/\1/p' |
+  while read -r command; do
+    printf '"%s"\n' "$command"
+    "$programs/torvane-cli" "$command" --help | grep -oE -- '--[a-z-]+' | sed 's/.*/"&"/'
+  done | sort -u >>"$folder/command_line.dict"
 printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -euo pipefail -c 'fuzz {}'
