@@ -169,7 +169,9 @@ std::vector<std::filesystem::path> ClaimFiles() {
   return {begin(folder), end(folder)};
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, Claims, testing::ValuesIn(ClaimFiles()));
+INSTANTIATE_TEST_SUITE_P(Texts, Claims, testing::ValuesIn(ClaimFiles()), [](const auto& file) {
+  return std::regex_replace(file.param.stem().string(), std::regex("-"), "_");
+});
 
 TEST(ClaimFiles, TryEveryExample) {
   std::string claims;
