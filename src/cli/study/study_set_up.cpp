@@ -4,6 +4,7 @@
 #include <set>
 #include <thread>
 
+#include "cli/assignment.h"
 #include "cli/command_error.h"
 #include "cli/settings.h"
 #include "core/text.h"
@@ -81,6 +82,7 @@ int Processes(const StudyOptions& options) {
   if (*options.Jobs < 1) {
     throw UsageError("--jobs must be above 0, not " + std::to_string(*options.Jobs));
   }
+  if (*options.Jobs > MostJobs) NoteLimited("--jobs", std::to_string(MostJobs));
   return std::min(*options.Jobs, MostJobs);
 }
 
