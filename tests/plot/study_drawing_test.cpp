@@ -32,7 +32,11 @@ TEST(StudyDrawing, ResponsesWithTheChosenOne) {
   for (const float size : {1.0F, 1.2F, 0.0F, 0.8F, 1e6F}) {
     responses.Runs.emplace_back();
     if (size == 0.0F) continue;
-    responses.Runs.back() = {{-0.1F, 0.0F, 0.1F, 0.2F}, {0.0F, -0.1F, 10.0F * size, 9.0F * size}};
+    for (int i = -50; i < 100; ++i) {
+      responses.Runs.back().Times.push_back(0.002F * static_cast<float>(i));
+      responses.Runs.back().Values.push_back(i < 0 ? 0.0F
+                                                   : size * static_cast<float>(i * (100 - i)));
+    }
   }
   for (const auto& [name, chosen] :
        {std::pair<const char*, std::optional<std::size_t>>{"study-responses", 1},
@@ -41,6 +45,8 @@ TEST(StudyDrawing, ResponsesWithTheChosenOne) {
     responses.Chosen = chosen;
     Expect(name, StudyResponsesPicture(responses));
   }
+  responses.Runs.resize(1);
+  Expect("study-one", StudyResponsesPicture(responses));
 }
 
 // A grid over a range of decades; one cell was not measured.
