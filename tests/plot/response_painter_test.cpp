@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <cmath>
 
 #include "instruments/fft/fft_analyser.h"
 #include "support/bare_model.h"
@@ -32,21 +31,6 @@ TEST(ResponsePainter, ShowsEveryBin) {
     const int y = plate.center().y() - plate.height() * 3 / 12;
     EXPECT_LT(image.pixelColor(x, y).red(), 100) << peak;
     EXPECT_GT(image.pixelColor(x + 2, y).red(), 150) << peak;
-  }
-}
-
-TEST(CurvePainter, LeavesOutOnlyWhatIsNotSeen) {
-  QPolygonF line;
-  for (int x = 0; x < 1000; ++x) {
-    line << QPointF(x, 200.0 / (1.0 + std::exp(0.05 * (500 - x))) + (x % 300 == 0 ? 9.0 : 0.0));
-  }
-  const QPolygonF kept = Simplified(line);
-  EXPECT_LT(kept.size(), line.size() / 8);
-  for (qsizetype i = 1; i < kept.size(); ++i) {
-    const QLineF straight(kept[i - 1], kept[i]);
-    for (int x = qRound(straight.x1()); x <= qRound(straight.x2()); ++x) {
-      EXPECT_NEAR(straight.pointAt((x - straight.x1()) / straight.dx()).y(), line[x].y(), 0.2);
-    }
   }
 }
 
