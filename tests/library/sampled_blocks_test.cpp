@@ -66,7 +66,9 @@ TEST(SampleClock, RaisesTheFlagAtEachPeriodAndCatchesUpOnePeriodPerTick) {
   model.Reset();
   expect({{0.3, false}});
   model.ResetEverything();
-  expect({{0.3, true}, {0.54, false}});
+  expect({{0.3, true}, {0.54, false}, {0.55, true}});
+  model.ResetEverything();
+  EXPECT_FALSE(clock.SampleDue());
 }
 
 TEST_F(SampledBlocks, FirstOrderHalvesTheDistanceAndHoldsAtZeroHz) {
