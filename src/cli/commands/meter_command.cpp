@@ -66,6 +66,19 @@ void SetUp(ZelMeter& meter, const MeterOptions& options) {
   if (options.Db) meter.SetUseDb(*options.Db);
 }
 
+// What the meter would pass over.
+void CheckOptionsOfKind(const ZelMeter& meter, const MeterOptions& options) {
+  const bool harmonic = meter.Measurement() == MeterKind::Harmonic;
+  if (!harmonic && (options.Harmonic || options.Window)) {
+    throw UsageError("--harmonic and --window go with the kind harmonic only");
+  }
+  if (harmonic && options.Lpf) throw UsageError("--lpf does not go with the kind harmonic");
+  if (options.Db && !(harmonic && meter.HarmonicXfer())) {
+    throw UsageError("--db goes with a ratio only, the kind harmonic and --with");
+  }
+  if (options.Hpf && !meter.AcCoupled()) throw UsageError("--hpf needs --ac");
+}
+
 // A harmonic is read from whole windows; before the first one ends there is nothing to read.
 void CheckWindowFits(const ZelMeter& meter, double until) {
   if (meter.Measurement() != MeterKind::Harmonic) return;
@@ -109,6 +122,7 @@ void ReadMeter(const MeterOptions& options, Console& console) {
   if (!options.Kind.empty()) meter->SetKind(NamedKind(options.Kind));
   if (!options.With.empty()) SetSecondSignal(*meter, model->Bench(), options.With);
   console.ApplySettings([&] { SetUp(*meter, options); });
+  CheckOptionsOfKind(*meter, options);
   CheckWindowFits(*meter, options.Until);
   ResultFile output("");
   Measure(*model, *meter, options.Until, console);
