@@ -54,9 +54,7 @@ void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
   }
   const int points = analyser.PointCount();
   if (points == analyser.ExpectedPlan().Points) return;
-  throw StoppedError("the sweep is not whole: " + std::to_string(points) + " points, up to " +
-                     (points > 0 ? FormatShortest(analyser.PointFrequency(0, points - 1)) : "0") +
-                     " Hz");
+  throw StoppedError("the sweep is not whole: " + std::to_string(points) + " points");
 }
 
 void WritePoints(ZelSweptDSA& analyser, ResultFile& file) {
