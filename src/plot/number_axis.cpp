@@ -20,7 +20,8 @@ constexpr double NumberShare = 0.92;  // of the text's size
 constexpr int TicksAcross = 8;
 constexpr double Slack = 1e-9;  // a tick at an end is on the axis whatever the rounding
 
-// The smallest of 1, 2, 5 times a power of ten that is not below the number.
+}  // namespace
+
 double RoundStep(double least) {
   const double power = std::pow(10.0, std::floor(std::log10(least)));
   for (const double mantissa : {1.0, 2.0, 5.0}) {
@@ -28,8 +29,6 @@ double RoundStep(double least) {
   }
   return 10.0 * power;
 }
-
-}  // namespace
 
 QString TickText(double value) {
   return QString::fromStdString(FormatGeneral(value, 4, 1));

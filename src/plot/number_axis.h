@@ -49,6 +49,9 @@ struct NumberFrame {
   double Ratio = 1.0;
 };
 
+/// The smallest of 1, 2, 5 times a power of ten that is not below the number.
+double RoundStep(double least);
+
 /// Four significant digits.
 QString TickText(double value);
 

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "core/text.h"
+#include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
 
 namespace torvane {
@@ -36,15 +37,6 @@ QString Text(const std::string& text) {
 // Two decades or less have room for labels between the powers of ten.
 bool IsLabelled(int mantissa, double decades) {
   return mantissa == 1 || (decades <= 2.5 && (mantissa == 2 || mantissa == 5));
-}
-
-// The least of 1, 2 and 5 times a power of ten that is not below it.
-double RoundStep(double least) {
-  const double power = std::pow(10.0, std::floor(std::log10(least)));
-  for (const double step : {1.0, 2.0, 5.0}) {
-    if (step * power >= least) return step * power;
-  }
-  return 10.0 * power;
 }
 
 // Calls paint(hz, mantissa) for every whole mantissa from 1 to 9 of each decade within the range.

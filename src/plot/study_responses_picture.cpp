@@ -115,7 +115,7 @@ Picture StudyResponsesPicture(StudyResponses responses) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor thin(0x2f5d9b);
     // Many lines on one another still show where they are densest.
-    const double runs = std::max<double>(1.0, static_cast<double>(responses.Runs.size()));
+    const auto runs = static_cast<double>(responses.Runs.size());
     thin.setAlphaF(static_cast<float>(std::clamp(3.0 / std::sqrt(runs), 0.12, 0.7)));
     painter.setPen(QPen(thin, ThinWidth * ratio));
     for (const StudyTrace& trace : responses.Runs) PaintTrace(painter, frame, trace);
