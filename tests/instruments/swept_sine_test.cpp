@@ -130,7 +130,7 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
   Sweep.SetFreqRange(2.0, 4.0);
   RunToTheEnd();
   EXPECT_EQ(Sweep.DataRange(0).Low, 2.0);
-  EXPECT_EQ(Sweep.DataRange(1).Low, 1.0);
+  EXPECT_TRUE(Sweep.DataRange(1).Low == 1.0 && Sweep.DataRange(1).High >= 10.0);
   EXPECT_EQ(Sweep.GainAt(1, 2.0), stored);
   // Interpolated on the logarithm: 1e-3 dB is the curvature between two of 25 points a decade.
   EXPECT_NEAR(stored, Sweep.GainAt(0, 2.0), 1e-3);
@@ -189,7 +189,7 @@ TEST_F(SweptSine, MeasuresMorePeriodsWhenMeasurementTimeExceedsTheFrequency) {
 TEST_F(SweptSine, EndsByHandAndASweepThatWouldNotEnd) {
   Sweep.Run();
   for (int i = 0; i < 100; ++i) Advance();
-  EXPECT_NE(Sweep.Excitation(Model.Time()), 0.0);
+  EXPECT_TRUE(Sweep.Excitation(Model.Time()) != 0.0 && Sweep.Progress() < 1.0);
   Sweep.Halt();
   EXPECT_FALSE(Sweep.Measuring());
   Sweep.SetOffset(3.0);
