@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QMdiSubWindow>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QWheelEvent>
 #include <algorithm>
@@ -161,6 +162,8 @@ void Desktop::DoAt(const std::string& verb, const Target& at, const QString& tex
     auto& list = dynamic_cast<QComboBox&>(control);
     list.setCurrentText(text);
     emit list.activated(list.currentIndex());
+  } else if (verb == "resize") {
+    control.resize(text.section(u'x', 0, 0).toInt(), text.section(u'x', 1).toInt());
   } else if (verb == "focus") {
     control.setFocus();
   } else if (verb == "close") {
@@ -187,6 +190,19 @@ std::string Desktop::Shown(const std::string& name) {
   const std::string property = text.section(u'.', 1).toStdString();
   const char* usual = qobject_cast<QComboBox*>(found) ? "currentText" : "text";
   return found->property(property.empty() ? usual : property.c_str()).toString().toStdString();
+}
+
+// Neither cut off nor covered by what stands beside it.
+bool Fits(const QWidget& widget) {
+  const QWidget& parent = *widget.parentWidget();
+  for (const auto* other : parent.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+    const bool covers = other->isVisible() && other->geometry().intersects(widget.geometry());
+    if (covers && other != &widget) return false;
+  }
+  const auto* table = qobject_cast<const QTableWidget*>(&widget);
+  return parent.rect().contains(widget.geometry()) &&
+         widget.height() >= widget.heightForWidth(widget.width()) &&
+         (!table || table->horizontalScrollBar()->maximum() == 0);
 }
 
 // What of one thing to be seen is not so; empty when all is well.
@@ -216,6 +232,7 @@ std::string Desktop::Missing(const std::string& seen) {
       {"shown", {"visible", true}},   {"hidden", {"visible", false}},
       {"focused", {"focus", true}}};
   const auto blank = seen.find(' ');
+  if (seen.ends_with(" fits")) return Fits(Find<QWidget>(seen.substr(0, blank))) ? "" : "no";
   const auto& [property, value] = states.at(seen.substr(blank + 1));
   return Named(seen.substr(0, blank))->property(property).toBool() == value ? "" : "it is not";
 }

@@ -35,11 +35,13 @@ struct Target {
 ///   drag NAME 0,-40 Shift from the middle, so far; "lost" instead of a key: without its release
 ///   choose NAME TEXT      of a list
 ///   focus NAME; close NAME; model NAME; run SECONDS of the model's time; answer ok|cancel
+///   resize NAME 800x600
 ///   set CONSTANT VALUE    as another window does
 ///
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
 ///   NAME.PROPERTY=TEXT
 ///   NAME on|off|enabled|disabled|shown|hidden|focused
+///   NAME fits             neither cut off nor covered
 ///   saved RECORD          a line of the file that a save would write; * for any name
 ///   undo=TEXT             what can be undone; redo=TEXT; notice=TEXT
 ///   report TEXT           a report or question; there may be none but those of the line

@@ -19,6 +19,7 @@
 #include "core/files/seal.h"
 #include "desktop.h"
 #include "library/wave.h"
+#include "ui/desk/workspace.h"
 
 namespace torvane {
 namespace {
@@ -174,6 +175,14 @@ TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
   EXPECT_EQ(Generator().Placement.Left, 40);
   QWidget* frame = Find<QWidget>("TZelWaveGenF").parentWidget();
   EXPECT_EQ(frame->geometry(), QRect(40, 50, 330, 300));
+  auto& area = Find<Workspace>("InstrumentArea");
+  const Instrument& analyser = *Bench().Instruments(InstrumentKind::FftAnalyser).front();
+  area.SetShown(analyser, true);
+  Put(Path("shown.tvf"), QByteArray::fromStdString(ModelFileText(*Panel->Model())));
+  area.SetShown(analyser, false);
+  Play("-> TZelXferF hidden; saved Xfer,MainXFer,Display,wsNormal,0,0,0,0");
+  Open(Path("shown.tvf"));
+  Play("-> TZelXferF shown; saved SweptDSA,MainSweptDSA,Display,wsNormal,0,0,0,0");
 }
 
 // Painted from within a box, a trace that is shown for the first time had no colour yet.

@@ -110,15 +110,6 @@ TEST_F(WorkspaceTest, TheEngineKnowsTheWindowsPlacement) {
   EXPECT_EQ(placement.State, WindowState::Normal);
 }
 
-TEST_F(WorkspaceTest, AGivenPlacementIsKept) {
-  auto model = LoadModel(0);
-  Instrument& scope = *model->Bench().Instruments(InstrumentKind::Scope).front();
-  scope.Placement = {WindowState::Normal, 420, 11, 22, 640};
-  Panel->MakeCurrent(std::move(model));
-  QTest::qWait(10);
-  EXPECT_EQ(Area().Frames()[0]->geometry(), QRect(11, 22, 640, 420));
-}
-
 TEST_F(WorkspaceTest, APaneOpenedHiddenShownAndClosedAHundredTimesLeavesNothing) {
   Instrument& generator = *Bench().Instruments(InstrumentKind::WaveGenerator).front();
   const QRect before = Area().Frames()[0]->geometry();

@@ -29,10 +29,11 @@ QString HiddenKey(const Instrument& instrument) {
 }
 
 // As in a model file.
-std::string PlaceText(const Instrument& instrument) {
+std::string PlaceText(const InstrumentFrame& frame) {
+  const Instrument& instrument = frame.Pane().Engine();
   std::string text;
   RecordWriter writer(text, RecordKeyword(instrument.Kind()), instrument.Name());
-  SaveDisplay(writer, instrument.Placement);
+  SaveDisplay(writer, frame.Place());
   return text.substr(0, text.find('\r'));
 }
 
@@ -50,7 +51,7 @@ void Remember(const Workspace& workspace) {
     if (workspace.IsFilled()) {
       settings.remove(PlaceKey(instrument));
     } else {
-      settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(instrument)));
+      settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(*frame)));
     }
     if (frame->IsChosen()) settings.setValue(HiddenKey(instrument), !frame->IsShown());
   }

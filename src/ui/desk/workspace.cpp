@@ -5,6 +5,7 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "ui/panes/instrument_pane.h"
 
@@ -122,11 +123,19 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
           size};
 }
 
+// A file knows by its place that a window is shown: a hidden one has none.
 void InstrumentFrame::SetShown(bool shown) {
+  WindowPlacement& placement = Pane().Engine().Placement;
+  if (!shown && shown_) whileHidden_ = std::exchange(placement, {});
+  if (shown && !shown_ && placement.Width == 0) placement = whileHidden_;
   shown_ = shown;
   yielded_ = false;
   setVisible(shown);
   Pane().ShownChanged(shown);
+}
+
+WindowPlacement InstrumentFrame::Place() const {
+  return shown_ ? Pane().Engine().Placement : whileHidden_;
 }
 
 void InstrumentFrame::Choose(bool shown) {
@@ -194,20 +203,19 @@ Workspace::Workspace(QWidget* parent) : QMdiArea(parent) {
 void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   CloseAll();
   filling_ = true;
-  std::vector<InstrumentFrame*> placed;
+  std::vector<std::pair<InstrumentFrame*, WindowPlacement>> placed;
   const QScopedValueRollback arranging(arranging_, true);
   for (auto& pane : panes) {
-    const bool hasPlace = pane->Engine().Placement.Width > 0;
+    const WindowPlacement place = pane->Engine().Placement;
     InstrumentFrame* frame = AddFrame(std::move(pane));
-    if (hasPlace) placed.push_back(frame);
+    if (place.Width > 0) placed.emplace_back(frame, place);
   }
-  std::vector<WindowPlacement> places;
-  for (InstrumentFrame* frame : placed) places.push_back(frame->Pane().Engine().Placement);
   ShowWhatFits();
   FillScreen();
-  for (std::size_t i = 0; i < placed.size(); ++i) {
-    placed[i]->Pane().Engine().Placement = places[i];
-    if (isVisible()) placed[i]->ApplyPlacement();
+  for (const auto& [frame, place] : placed) {
+    if (!frame->IsShown()) continue;
+    frame->Pane().Engine().Placement = place;
+    if (isVisible()) frame->ApplyPlacement();
   }
   if (!placed.empty()) filling_ = false;
   for (InstrumentFrame* frame : frames_) {
@@ -333,7 +341,16 @@ void Workspace::Toggle(InstrumentKind kind) {
 
 void Workspace::RestorePlacements() {
   const QScopedValueRollback arranging(arranging_, true);
+  std::vector<WindowPlacement> places;
   for (InstrumentFrame* frame : frames_) {
+    places.push_back(frame->Pane().Engine().Placement);
+    if (!frame->IsShown() && places.back().Width > 0) frame->SetShown(true);
+  }
+  if (filling_) FillScreen();
+  for (std::size_t i = 0; i < frames_.size(); ++i) {
+    if (places[i].Width == 0) continue;
+    InstrumentFrame* frame = frames_[i];
+    frame->Pane().Engine().Placement = places[i];
     const QRect before = frame->geometry();
     frame->ApplyPlacement();
     if (frame->geometry() != before) filling_ = false;

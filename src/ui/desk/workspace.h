@@ -25,6 +25,8 @@ class InstrumentFrame : public QMdiSubWindow {
   void ApplyPlacement();
   /// Stands there from now on.
   void PlaceAt(const QRect& place);
+  /// The instrument's placement, or what it was until the window was hidden.
+  WindowPlacement Place() const;
 
   /// Whether the user wants to see it; it has not come to the screen before its workspace has.
   bool IsShown() const { return shown_; }
@@ -51,6 +53,7 @@ class InstrumentFrame : public QMdiSubWindow {
   bool shown_ = true;
   bool chosen_ = false;
   bool yielded_ = false;
+  WindowPlacement whileHidden_;
   QRect fitted_;  // where ApplyPlacement has put the window, until it is moved
 };
 
@@ -82,7 +85,7 @@ class Workspace : public QMdiArea {
   /// Brings the first instrument of a kind to the front, or hides the one that is there.
   void Toggle(InstrumentKind kind);
 
-  /// Moves the sub-windows whose placement has a size to where it says.
+  /// Shows the sub-windows whose placement has a size where it says.
   void RestorePlacements();
 
   /// Whether the sub-windows fill the area, as long as the user moves none.

@@ -61,6 +61,8 @@ void MarginsWindow::ReadTrace() {
   trust_->setText(QStringLiteral("The sample time is short enough for what is read up to %1 Hz; "
                                  "choose a shorter one for what is read above.")
                       .arg(QString::fromStdString(Figure(accurate))));
+  // A text that is wrapped asks for no height by itself.
+  resize(width(), std::max(height(), layout()->totalMinimumHeightForWidth(width())));
 }
 
 // The longest names come with responses of closed loops.

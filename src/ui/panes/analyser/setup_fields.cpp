@@ -31,6 +31,7 @@ void SetupFields::Add(QLineEdit& edit, double value) {
   UseFixedDigits(edit);
   fields_.push_back({&edit, 0.0, {}});
   Show(fields_.back(), value);
+  if (fields_.size() == 1) edit.selectAll();  // the dialog opens with the cursor there
   connect(&edit, &QLineEdit::textChanged, this, [this] { changed_(); });
 }
 

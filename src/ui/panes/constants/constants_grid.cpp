@@ -189,7 +189,8 @@ void ConstantsGrid::Fill() {
   values_ = std::max(table_.columnWidth(ValueColumn), value);
   table_.setColumnWidth(ValueColumn, values_);
   const int namesAndValues = table_.columnWidth(NameColumn) + values_;
-  // The last column is stretched: it has room to spare.
+  // The last column is stretched, and has room to spare.
+  table_.horizontalHeader()->setSectionResizeMode(UnitColumn, QHeaderView::Stretch);
   const QAbstractItemView& view = table_;
   units_ = std::max(table_.horizontalHeader()->sectionSizeHint(UnitColumn),
                     view.sizeHintForColumn(UnitColumn));
@@ -205,6 +206,8 @@ void ConstantsGrid::ShowUnitsIfRoom() {
   const bool hide = table_.viewport()->width() < others + units_;
   if (hide == table_.isColumnHidden(UnitColumn)) return;
   table_.setColumnHidden(UnitColumn, hide);
+  table_.horizontalHeader()->setSectionResizeMode(
+      ValueColumn, hide ? QHeaderView::Stretch : QHeaderView::Interactive);
   if (!hide) table_.setColumnWidth(ValueColumn, values_);
 }
 
