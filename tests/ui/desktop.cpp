@@ -200,6 +200,10 @@ bool Fits(const QWidget& widget) {
     if (covers && other != &widget) return false;
   }
   const auto* table = qobject_cast<const QTableWidget*>(&widget);
+  for (int column = 0; table && column < table->columnCount(); ++column) {
+    const int wanted = static_cast<const QAbstractItemView*>(table)->sizeHintForColumn(column);
+    if (!table->isColumnHidden(column) && table->columnWidth(column) < wanted) return false;
+  }
   return parent.rect().contains(widget.geometry()) &&
          widget.height() >= widget.heightForWidth(widget.width()) &&
          (!table || table->horizontalScrollBar()->maximum() == 0);

@@ -176,13 +176,16 @@ TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
   QWidget* frame = Find<QWidget>("TZelWaveGenF").parentWidget();
   EXPECT_EQ(frame->geometry(), QRect(40, 50, 330, 300));
   auto& area = Find<Workspace>("InstrumentArea");
-  const Instrument& analyser = *Bench().Instruments(InstrumentKind::FftAnalyser).front();
-  area.SetShown(analyser, true);
+  area.SetShown(First<Instrument>(InstrumentKind::FftAnalyser), true);
   Put(Path("shown.tvf"), QByteArray::fromStdString(ModelFileText(*Panel->Model())));
-  area.SetShown(analyser, false);
+  area.SetShown(First<Instrument>(InstrumentKind::FftAnalyser), false);
   Play("-> TZelXferF hidden; saved Xfer,MainXFer,Display,wsNormal,0,0,0,0");
   Open(Path("shown.tvf"));
-  Play("-> TZelXferF shown; saved SweptDSA,MainSweptDSA,Display,wsNormal,0,0,0,0");
+  Play("-> TZelXferF shown\nmodel 3-1 PI Controller -> TZelXferF hidden");
+  Open(Path("shown.tvf"));
+  Play(
+      "-> TZelXferF shown; report Warning: This file is for another model.  Press OK to change "
+      "models.; saved SweptDSA,MainSweptDSA,Display,wsNormal,0,0,0,0");
 }
 
 // Painted from within a box, a trace that is shown for the first time had no colour yet.

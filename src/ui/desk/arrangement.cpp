@@ -29,11 +29,10 @@ QString HiddenKey(const Instrument& instrument) {
 }
 
 // As in a model file.
-std::string PlaceText(const InstrumentFrame& frame) {
-  const Instrument& instrument = frame.Pane().Engine();
+std::string PlaceText(const Instrument& instrument) {
   std::string text;
   RecordWriter writer(text, RecordKeyword(instrument.Kind()), instrument.Name());
-  SaveDisplay(writer, frame.Place());
+  SaveDisplay(writer, instrument.Placement);
   return text.substr(0, text.find('\r'));
 }
 
@@ -51,7 +50,7 @@ void Remember(const Workspace& workspace) {
     if (workspace.IsFilled()) {
       settings.remove(PlaceKey(instrument));
     } else {
-      settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(*frame)));
+      settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(instrument)));
     }
     if (frame->IsChosen()) settings.setValue(HiddenKey(instrument), !frame->IsShown());
   }

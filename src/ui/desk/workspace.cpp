@@ -134,10 +134,6 @@ void InstrumentFrame::SetShown(bool shown) {
   Pane().ShownChanged(shown);
 }
 
-WindowPlacement InstrumentFrame::Place() const {
-  return shown_ ? Pane().Engine().Placement : whileHidden_;
-}
-
 void InstrumentFrame::Choose(bool shown) {
   chosen_ = true;
   yielded_ = false;
@@ -208,12 +204,13 @@ void Workspace::Open(std::vector<std::unique_ptr<InstrumentPane>> panes) {
   for (auto& pane : panes) {
     const WindowPlacement place = pane->Engine().Placement;
     InstrumentFrame* frame = AddFrame(std::move(pane));
-    if (place.Width > 0) placed.emplace_back(frame, place);
+    if (place.Width == 0) continue;
+    placed.emplace_back(frame, place);
+    if (!frame->IsShown()) frame->SetShown(true);
   }
   ShowWhatFits();
   FillScreen();
   for (const auto& [frame, place] : placed) {
-    if (!frame->IsShown()) continue;
     frame->Pane().Engine().Placement = place;
     if (isVisible()) frame->ApplyPlacement();
   }

@@ -25,8 +25,6 @@ class InstrumentFrame : public QMdiSubWindow {
   void ApplyPlacement();
   /// Stands there from now on.
   void PlaceAt(const QRect& place);
-  /// The instrument's placement, or what it was until the window was hidden.
-  WindowPlacement Place() const;
 
   /// Whether the user wants to see it; it has not come to the screen before its workspace has.
   bool IsShown() const { return shown_; }
@@ -68,7 +66,8 @@ class Workspace : public QMdiArea {
  public:
   explicit Workspace(QWidget* parent = nullptr);
 
-  /// Shows the instruments; those whose placement has a size stand there, the others fill the area.
+  /// Shows the instruments; those whose placement has a size stand there, also those that a model
+  /// begins without, the others fill the area.
   void Open(std::vector<std::unique_ptr<InstrumentPane>> panes);
   void CloseAll();
 

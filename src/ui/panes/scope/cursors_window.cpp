@@ -11,6 +11,9 @@ namespace torvane {
 
 namespace {
 
+constexpr int UnitColumn = 2;
+constexpr int ValueEdges = 12;  // beside a value in its cell
+
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
 }
@@ -32,8 +35,8 @@ CursorsWindow::CursorsWindow(ZelScope& scope, QWidget* parent)
       scope_(scope),
       time_(new QLabel(this)) {
   setObjectName(QStringLiteral("TZelCursorsF"));
-  Table().horizontalHeader()->setStretchLastSection(true);
-  Table().horizontalHeader()->setDefaultSectionSize(80);
+  const int widest = Table().fontMetrics().horizontalAdvance(Unavailable);
+  Table().horizontalHeader()->setDefaultSectionSize(widest + ValueEdges);
   time_->setObjectName(QStringLiteral("LCursorTime"));
   UseFixedDigits(*time_);
   layout()->addWidget(time_);
@@ -52,6 +55,7 @@ void CursorsWindow::ShowReading(const std::optional<CursorReading>& reading) {
   }
   const QString value = two ? QStringLiteral("Difference") : QStringLiteral("Value");
   SetCells({QStringLiteral("Channel"), value, QStringLiteral("Unit")}, rows);
+  Table().horizontalHeader()->setSectionResizeMode(UnitColumn, QHeaderView::Stretch);
   time_->setVisible(two);
   time_->setText(reading ? TimeText(scope_, *reading) : QStringLiteral("Time Unavailable"));
 }
