@@ -172,9 +172,7 @@ TEST_F(FileCommandsTest, WindowsGoWhereTheFileSaysUnlessToldNotTo) {
   EXPECT_EQ(Generator().Placement, before);
   Trigger("MIResizeWhenLoading");
   Open(Path("placed.tvf"));
-  EXPECT_EQ(Generator().Placement.Left, 40);
-  QWidget* frame = Find<QWidget>("TZelWaveGenF").parentWidget();
-  EXPECT_EQ(frame->geometry(), QRect(40, 50, 330, 300));
+  EXPECT_EQ(Find<QWidget>("TZelWaveGenF").parentWidget()->geometry(), QRect(40, 50, 330, 300));
   auto& area = Find<Workspace>("InstrumentArea");
   area.SetShown(First<Instrument>(InstrumentKind::FftAnalyser), true);
   Put(Path("shown.tvf"), QByteArray::fromStdString(ModelFileText(*Panel->Model())));
