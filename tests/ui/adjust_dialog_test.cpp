@@ -77,25 +77,5 @@ TEST_F(AdjustDialogTest, TheSliderHasRoomAroundEveryDefault) {
   }
 }
 
-TEST_F(AdjustDialogTest, OneWindowAConstantStaysWhereItWasPutAndOnTheDisplay) {
-  TZelAdjustF& dialog = Open("KVP");
-  dialog.move(50, 60);
-  Press(dialog, "BBOK");
-  EXPECT_EQ(&Open("KVP"), &dialog);
-  EXPECT_EQ(dialog.pos(), QPoint(50, 60));
-  EXPECT_GE(In<QWidget>(dialog, "LUnits").width(), 40);  // a place to double-click without a unit
-  TZelAdjustF& other = Open("KVI");
-  EXPECT_NE(&other, &dialog);
-  other.move(100000, -100000);
-  Find<QWidget>("TZelScopeF").parentWidget()->hide();
-  EXPECT_FALSE(dialog.isVisible() || other.isVisible());
-  // The next start of the program; the display has become too small for where one was left.
-  Panel = std::make_unique<TZelControlPanelF>(Data);
-  Panel->show();
-  EXPECT_EQ(Open("KVP").pos(), QPoint(50, 60));
-  const TZelAdjustF& again = Open("KVI");
-  EXPECT_TRUE(again.screen()->availableGeometry().contains(again.frameGeometry()));
-}
-
 }  // namespace
 }  // namespace torvane

@@ -64,19 +64,6 @@ class AnalyserWindowTest : public test::Desktop {
   const char* WindowName = "TZelXferF";
 };
 
-TEST_F(AnalyserWindowTest, AMeasurementPopsTheButtonUpAndIsShown) {
-  for (const char* model : {"2-1 PI+ Controller", "6-1 PID Controller", "9-1 Analog Filters"}) {
-    ChooseModel(model);
-    Show();
-    Xfer().SetOrder(10);
-    EXPECT_FALSE(In<QCheckBox>("CBColorCurrent").isEnabled());
-    Measure();
-    EXPECT_TRUE(In<QCheckBox>("CBColorCurrent").isChecked());
-    EXPECT_EQ(In<QProgressBar>("PBDataCollect").value(), 100);
-    EXPECT_TRUE(Xfer().HasData(0)) << model;
-  }
-}
-
 // The axis is narrow enough for a column to be a small part of a bin.
 TEST_F(AnalyserWindowTest, TheOnePolesBandwidthIsFoundToWithinABin) {
   ChooseModel("9-1 Analog Filters");
@@ -141,41 +128,6 @@ TEST_F(AnalyserWindowTest, FindSaysWhatItCannotFind) {
   Press("CBColorCurrent");
   EXPECT_EQ(Reports.Take(), Messages{"Note: Turning off cursor waveform"});
   EXPECT_EQ(find("Gain Max"), Messages{"Note: Cursor waveform is not showing"});
-}
-
-TEST_F(AnalyserWindowTest, MemoriesAreStoredShownAndReadByTheCursors) {
-  Choose("MIMemory1");
-  EXPECT_EQ(Reports.Take(), Messages{"Note: There is no measurement to store."});
-  Xfer().SetOrder(8);
-  Measure();
-  Choose("MIMemory3");
-  EXPECT_TRUE(In<QCheckBox>("CBColor3").isChecked());
-  EXPECT_FALSE(In<QCheckBox>("CBColor1").isEnabled());
-  Press("SBTwoCursors");
-  Choose("MIMemory3B");
-  EXPECT_EQ(Xfer().CursorSlot(), 3);
-  EXPECT_TRUE(In<QRadioButton>("RBColor3").isChecked());
-  In<QRadioButton>("RBColor1").click();
-  EXPECT_EQ(Reports.Take(), Messages{"Note: Cursor waveform is not showing"});
-  EXPECT_TRUE(In<QRadioButton>("RBColor3").isChecked());
-  Choose("MISingle");
-  EXPECT_FALSE(Xfer().SplitScreen());
-  Trigger("MIUndo");
-  EXPECT_TRUE(In<QAction>("MISplit").isChecked());
-  QTest::keyClick(&In<QWidget>("PBPlot"), Qt::Key_Right, Qt::ShiftModifier);
-  EXPECT_EQ(Xfer().CursorPixel(1), 21);
-  // Another constant tells a later measurement from the stored one.
-  Const("KVP").Set(0.5);
-  Measure();
-  std::vector<const TraceOrigin*> both{&Xfer().Origin(0), &Xfer().Origin(3)};
-  EXPECT_TRUE(OriginText(Xfer().Origin(3), both).ends_with(" s, KVP = 0.72"));
-  EXPECT_EQ(OriginText(Xfer().Origin(0), {both[0]}).find("KVP"), std::string::npos);
-
-  Press("CBSpectrum");
-  EXPECT_FALSE(In<QComboBox>("CmBInput").isEnabled() || In<QWidget>("SBMemory").isEnabled());
-  Press("CBSpectrum");
-  Xfer().SetOrder(9);
-  EXPECT_FALSE(In<QCheckBox>("CBColor3").isEnabled());
 }
 
 // Theory gives a phase margin of 55.62 degrees and a gain margin of 14.89 dB.
@@ -321,24 +273,6 @@ TEST_F(AnalyserWindowTest, PointsOfASweepAreShownAsTheyAreMeasuredToTheEnd) {
   // Traces go with the window.
   QTest::keyClick(Panel.get(), Qt::Key_F7);
   EXPECT_FALSE(In<QCheckBox>("CBColor2").isEnabled() || Window().isVisible());
-}
-
-// With room for all three side by side the analyser is there from the start.
-TEST_F(AnalyserWindowTest, TheAnalyserComesWithRoomAndGoesWhenItIsNotWanted) {
-  QWidget& frame = *Window().parentWidget();
-  EXPECT_TRUE(frame.isVisible());
-  Show();
-  EXPECT_FALSE(frame.isVisible());
-  Panel->resize(1920, 1080);
-  QCoreApplication::processEvents();
-  EXPECT_FALSE(frame.isVisible());  // hidden by the user
-  ChooseModel("3-1 PI Controller");
-  EXPECT_TRUE(Window().isVisible());
-  Panel->resize(Small);
-  QCoreApplication::processEvents();
-  EXPECT_TRUE(Window().isVisible());
-  ChooseModel("4-1 Digital PI Controller");
-  EXPECT_FALSE(Window().isVisible());
 }
 
 }  // namespace

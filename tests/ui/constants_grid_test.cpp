@@ -15,15 +15,6 @@ class ConstantsGridTest : public test::Desktop {
   QTableWidget& Grid() { return Find<QTableWidget>("SGConsts"); }
 };
 
-TEST_F(ConstantsGridTest, UnitsComeBackWithTheirRoom) {
-  for (const auto& [size, hidden] : {std::pair(QSize(800, 600), true), std::pair(Small, false)}) {
-    Panel->resize(size);
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return Grid().isColumnHidden(ConstantsGrid::UnitColumn) == hidden; }));
-  }
-  EXPECT_FALSE(Grid().horizontalScrollBar()->isVisible());
-}
-
 TEST_F(ConstantsGridTest, ChoicesAreOfferedAsAList) {
   Play("click SGConsts[Feedback]; key focus F2 ->");
   QComboBox* editor = Grid().findChild<QComboBox*>();

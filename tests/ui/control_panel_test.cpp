@@ -128,22 +128,5 @@ TEST_F(ControlPanelTest, AnOverflowStopsTheRunAndOffersAReset) {
       "again.\\nThe model will be automatically stopped.");
 }
 
-TEST_F(ControlPanelTest, EveryCommandThatShowsWorks) {
-  QStringList commands;
-  for (const QAction* title : Panel->menuBar()->actions()) {
-    ASSERT_NE(title->menu(), nullptr);
-    for (const QAction* action : title->menu()->actions()) {
-      if (!action->objectName().isEmpty() && !action->menu()) commands << action->objectName();
-    }
-  }
-  EXPECT_EQ(
-      commands.join(" ").toStdString(),
-      "MILoad MIRestoreDefaults MIResetVariables MISave MISaveAs MIResizeWhenLoading MIExit "
-      "MIUndo MIRedo MIRunStop MIThemeSystem MIThemeLight MIThemeDark MIColoursApart "
-      "MILinePatterns MIAddMeter MIFillScreen MICapture MIWideCapture MIGuide MIWhatsThis MIAbout");
-  EXPECT_EQ(Find<QAction>("MIUndo").shortcut(), QKeySequence("Ctrl+Z"));
-  EXPECT_EQ(Find<QAction>("MIRedo").shortcut(), QKeySequence("Ctrl+Y"));
-}
-
 }  // namespace
 }  // namespace torvane

@@ -1,22 +1,33 @@
 #include "desktop.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QDropEvent>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTableWidget>
+#include <QTimer>
 #include <QWheelEvent>
 #include <algorithm>
-#include <map>
 
 #include "core/constant.h"
 #include "core/files/model_file.h"
 #include "core/text.h"
+#include "support/expected_lines.h"
+#include "ui/desk/tiling.h"
 
 namespace torvane::test {
 namespace {
 
-constexpr int LongestWait = 10000;  // ms; a very slow machine needs seconds for a run
+constexpr int LongestWait = 30000;  // ms; a very slow machine needs seconds for a run
 
 std::vector<std::string> Parts(const QString& text) {
   std::vector<std::string> parts;
@@ -41,6 +52,77 @@ QTableWidgetItem& Cell(const QTableWidget& table, const QString& place) {
                                                : table.item(named.front()->row(), 1);
   if (!item) throw std::runtime_error("no cell " + place.toStdString());
   return *item;
+}
+
+std::vector<int> Numbers(const QString& text) {
+  std::vector<int> numbers;
+  for (const QString& number : text.split(u',')) numbers.push_back(number.toInt());
+  return numbers;
+}
+
+// The frame in the workspace, or the window itself.
+QWidget& WindowOf(QWidget& widget) {
+  QWidget* at = &widget;
+  while (!at->isWindow() && !qobject_cast<QMdiSubWindow*>(at)) at = at->parentWidget();
+  return *at;
+}
+
+// As it stands on the display.
+QImage PictureOf(const QWidget& widget) {
+  const QWidget& window = *widget.window();
+  const QPoint at = widget.mapTo(&window, QPoint());
+  return window.screen()
+      ->grabWindow(window.winId(), at.x(), at.y(), widget.width(), widget.height())
+      .toImage();
+}
+
+// Whether no visible control is cut off.
+bool IsWhole(const QWidget& window) {
+  for (const QWidget* control : window.findChildren<QWidget*>()) {
+    const auto* around = control->parentWidget();
+    if (!control->isVisible() || control->isWindow() || around->inherits("QAbstractItemView") ||
+        around->inherits("QMdiSubWindow")) {
+      continue;
+    }
+    const bool wide =
+        control->minimumWidth() > 0 || control->width() >= control->minimumSizeHint().width();
+    if (!wide || !around->rect().contains(control->geometry())) return false;
+  }
+  return true;
+}
+
+QStringList Texts(const QTableWidget& table, const QString& part) {
+  QStringList lines;
+  for (int row = part == "header" ? -1 : 0; row < (part == "header" ? 0 : table.rowCount());
+       ++row) {
+    QStringList cells;
+    for (int column = 0; column < table.columnCount(); ++column) {
+      const auto* cell = row < 0 ? table.horizontalHeaderItem(column) : table.item(row, column);
+      if (!table.isColumnHidden(column)) cells << (cell ? cell->text() : QString());
+    }
+    lines << cells.join(u',');
+  }
+  return lines;
+}
+
+// Items that are on with a "*" before them, disabled ones in brackets.
+QStringList Texts(QMenu& menu) {
+  emit menu.aboutToShow();
+  QStringList items;
+  for (const QAction* item : menu.actions()) {
+    const QString text = (item->isChecked() ? u"*"_qs : QString()) + item->text().remove(u'&');
+    items << (item->isSeparator() ? u"-"_qs : item->isEnabled() ? text : u'(' + text + u')');
+  }
+  return items;
+}
+
+QStringList Texts(QObject& object, const QString& part) {
+  if (auto* table = qobject_cast<QTableWidget*>(&object)) return Texts(*table, part);
+  if (auto* menu = qobject_cast<QMenu*>(&object)) return Texts(*menu);
+  QStringList items;
+  const auto* list = qobject_cast<QComboBox*>(&object);
+  for (int i = 0; list && i < list->count(); ++i) items << list->itemText(i);
+  return items;
 }
 
 void Send(QEvent::Type type, const Target& to, Qt::MouseButton button, Qt::MouseButtons held,
@@ -88,9 +170,20 @@ QObject* Desktop::Named(const std::string& name) {
 
 Target Desktop::At(const std::string& name) {
   const auto bracket = name.find('[');
+  const auto at = name.find('@');
+  if (at != std::string::npos) {
+    auto& widget = Find<QWidget>(name.substr(0, at));
+    const QStringList shares = QString::fromStdString(name.substr(at + 1)).split(u',');
+    return {widget,
+            {qRound(shares[0].toDouble() * widget.width()),
+             qRound(shares[1].toDouble() * widget.height())}};
+  }
   if (bracket == std::string::npos) {
+    // A wide check box or radio button has its mark at the left.
     auto& widget = Find<QWidget>(name);
-    return {widget, widget.rect().center()};
+    const bool marked = widget.inherits("QCheckBox") || widget.inherits("QRadioButton");
+    const QPoint middle = widget.rect().center();
+    return {widget, {marked ? std::min(8, middle.x()) : middle.x(), middle.y()}};
   }
   const auto& table = Find<QTableWidget>(name.substr(0, bracket));
   const QTableWidgetItem& item =
@@ -98,25 +191,100 @@ Target Desktop::At(const std::string& name) {
   return {*table.viewport(), table.visualItemRect(&item).center()};
 }
 
+// Answers modal boxes as soon as they are there.
+void Desktop::AnswerBox() {
+  QTimer::singleShot(5, Panel.get(), [this] {
+    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (!box) return AnswerBox();
+    const QString answer = answers_.takeFirst();
+    if (!answers_.isEmpty()) AnswerBox();
+    box_ = box->windowTitle();
+    for (const char* told : {"text", "informativeText"}) {
+      if (box->property(told).isValid()) box_ += u'|' + box->property(told).toString();
+    }
+    const auto* list = box->findChild<QPlainTextEdit*>();
+    if (list) box_ += u'|' + list->toPlainText().replace(u'\n', u'/');
+    if (const auto* files = qobject_cast<QFileDialog*>(box)) {
+      box_ += u'|' + files->directory().path() + u'|' + files->nameFilters().join(u',');
+    }
+    if (answer.isEmpty()) return box->reject();
+    if (auto* name = box->findChild<QLineEdit*>("fileNameEdit")) {
+      name->setText(answer);
+      QTest::keyClick(name, Qt::Key_Return);
+    }
+    for (QAbstractButton* button : box->findChildren<QAbstractButton*>()) {
+      if (button->text().remove(u'&') == answer) return button->click();
+    }
+  });
+}
+
 // What is done to the program rather than to one control.
-bool Desktop::DoToAll(const std::string& verb, const std::string& rest) {
+bool Desktop::DoToAll(const std::string& verb, const QString& rest) {
+  const QString first = rest.section(u' ', 0, 0);
+  const QString second = rest.section(u' ', 1);
   if (verb == "model") {
     auto& list = Find<QComboBox>("ModelCmB");
-    list.setCurrentText(QString::fromStdString(rest));
+    list.setCurrentText(rest);
     emit list.activated(list.currentIndex());
   } else if (verb == "run") {
-    const double until = Panel->Model()->Time() + ParseNumber(rest).value();
+    const double until = Panel->Model()->Time() + ParseNumber(rest.toStdString()).value();
     Click("SBRun");
-    EXPECT_TRUE(WaitFor([&] { return Panel->Model()->Time() >= until; })) << rest;
+    EXPECT_TRUE(WaitFor([&] { return Panel->Model()->Time() >= until; })) << until;
     Click("SBStop");
   } else if (verb == "answer") {
     Reports.Answer = rest == "ok";
   } else if (verb == "set") {
-    const auto blank = rest.find(' ');
-    Const(rest.substr(0, blank)).Set(ParseNumber(rest.substr(blank + 1)).value());
+    Const(first.toStdString()).Set(ParseNumber(second.toStdString()).value());
+  } else if (verb == "box") {
+    answers_ << rest;
+    if (answers_.size() == 1) AnswerBox();
+  } else if (verb == "put") {
+    QFile file(first);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QString(second).replace(u"\\n"_qs, u"\n"_qs).toUtf8());
+  } else {
+    return DoToWindow(verb, rest);
+  }
+  return true;
+}
+
+bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
+  if (verb == "size") {
+    Panel->resize({Numbers(rest)[0], Numbers(rest)[1]});
+  } else if (verb == "place") {
+    const std::vector<int> place = Numbers(rest.section(u' ', 1));
+    WindowOf(Find<QWidget>(rest.section(u' ', 0, 0).toStdString()))
+        .setGeometry(place[0], place[1], place[2], place[3]);
+  } else if (verb == "start") {
+    Panel->close();
+    Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+    Panel->ShowAtStart(false);
+  } else if (verb == "look") {
+    QCoreApplication::processEvents();
+    auto& widget = Find<QWidget>(rest.toStdString());
+    looks_[rest.toStdString()] = {PictureOf(widget), WindowOf(widget).geometry()};
+  } else if (verb == "pick") {
+    auto& menu = Find<QMenu>(rest.section(u' ', 0, 0).toStdString());
+    emit menu.aboutToShow();
+    for (QAction* item : menu.actions()) {
+      if (item->text().remove(u'&').section(u'\t', 0, 0) == rest.section(u' ', 1)) {
+        item->trigger();
+        return true;
+      }
+    }
+    throw std::runtime_error("no item " + rest.toStdString());
+  } else if (verb == "drop") {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(rest)});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Panel.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Panel.get(), &drop);
   } else {
     return false;
   }
+  QCoreApplication::processEvents();
   return true;
 }
 
@@ -124,10 +292,10 @@ void Desktop::Do(const std::string& step) {
   const QString words = QString::fromStdString(step);
   const std::string verb = words.section(u' ', 0, 0).toStdString();
   const QString rest = words.section(u' ', 1);
-  if (DoToAll(verb, rest.toStdString())) return;
+  if (DoToAll(verb, rest)) return;
   const std::string name = rest.section(u' ', 0, 0).toStdString();
   if (auto* command =
-          name.find('[') < name.size() ? nullptr : qobject_cast<QAction*>(Named(name))) {
+          name.find_first_of("[@") < name.size() ? nullptr : qobject_cast<QAction*>(Named(name))) {
     EXPECT_TRUE(command->isEnabled()) << name;
     return command->trigger();
   }
@@ -155,6 +323,8 @@ void Desktop::DoAt(const std::string& verb, const Target& at, const QString& tex
     QWheelEvent wheel(at.Place, control.mapToGlobal(at.Place), {},
                       {0, text.section(u' ', 0, 0).toInt()}, {}, Modifiers(text), {}, false);
     QApplication::sendEvent(&control, &wheel);
+  } else if (verb == "point") {
+    Send(QEvent::MouseMove, at, Qt::NoButton, {}, {});
   } else if (verb == "drag") {
     const QStringList by = text.section(u' ', 0, 0).split(u',');
     Drag(at, {by[0].toInt(), by[1].toInt()}, Modifiers(text), text.endsWith(u"lost"));
@@ -178,6 +348,8 @@ std::string Desktop::Shown(const std::string& name) {
   const QString text = QString::fromStdString(name);
   if (name == "undo") return Find<QAction>("MIUndo").text().mid(5).toStdString();
   if (name == "redo") return Find<QAction>("MIRedo").text().mid(5).toStdString();
+  if (name == "box") return box_.toStdString();
+  if (name == "clipboard") return QApplication::clipboard()->text().toStdString();
   if (name == "notice") {
     const auto* notice = Panel->findChild<QLabel*>("LNotice");
     return notice && notice->isVisible() ? notice->text().toStdString() : "";
@@ -188,6 +360,23 @@ std::string Desktop::Shown(const std::string& name) {
   }
   QObject* found = Named(text.section(u'.', 0, 0).toStdString());
   const std::string property = text.section(u'.', 1).toStdString();
+  if (property == "items" || property == "cells" || property == "header") {
+    return Texts(*found, text.section(u'.', 1)).join(u'|').toStdString();
+  }
+  if (property == "cursor") {
+    return std::to_string(dynamic_cast<QWidget&>(*found).cursor().shape());
+  }
+  if (property == "place" || property == "corner") {
+    const QRect place = WindowOf(dynamic_cast<QWidget&>(*found)).geometry();
+    if (property == "corner")
+      return QStringLiteral("%1,%2").arg(place.x()).arg(place.y()).toStdString();
+    return QStringLiteral("%1,%2,%3,%4")
+        .arg(place.x())
+        .arg(place.y())
+        .arg(place.width())
+        .arg(place.height())
+        .toStdString();
+  }
   const char* usual = qobject_cast<QComboBox*>(found) ? "currentText" : "text";
   return found->property(property.empty() ? usual : property.c_str()).toString().toStdString();
 }
@@ -209,6 +398,50 @@ bool Fits(const QWidget& widget) {
          (!table || table->horizontalScrollBar()->maximum() == 0);
 }
 
+bool Desktop::Looks(const std::string& name, const QString& how) {
+  auto& widget = Find<QWidget>(name);
+  const QRect is = WindowOf(widget).geometry();
+  if (how == "inside") return WindowOf(widget).parentWidget()->rect().contains(is);
+  if (how == "whole") return IsWhole(widget);
+  if (how == "apart") {
+    std::vector<QRect> places;
+    for (const auto* window : Panel->findChildren<QMdiSubWindow*>()) {
+      if (window->isVisible()) places.push_back(window->geometry());
+    }
+    return AreApart(places, widget.size());
+  }
+  const auto& [picture, was] = looks_.at(name);
+  const bool same = PictureOf(widget) == picture;
+  const std::map<QString, bool> so = {{"stays", is == was},
+                                      {"wider", is.width() > was.width()},
+                                      {"narrower", is.width() < was.width()},
+                                      {"higher", is.height() > was.height()},
+                                      {"lower", is.height() < was.height()},
+                                      {"unchanged", same},
+                                      {"repainted", !same}};
+  return so.at(how);
+}
+
+// A line for each control of a window.
+std::vector<std::string> Desktop::Sheet(const std::string& name) {
+  std::vector<std::string> lines;
+  for (QWidget* control : Find<QWidget>(name).findChildren<QWidget*>()) {
+    if (control->objectName().isEmpty() || control->objectName().startsWith("qt_")) continue;
+    QString line = control->objectName() + u':';
+    for (const char* shown : {"text", "currentText", "value", "maximum", "format"}) {
+      const QVariant value = control->property(shown);
+      if (value.isValid()) line += u' ' + value.toString();
+    }
+    const QStringList listed = Texts(*control, "cells");
+    if (!listed.isEmpty()) line += u" {"_qs + listed.join(u'|') + u'}';
+    if (control->property("checked").toBool()) line += u" on"_qs;
+    if (!control->isEnabled()) line += u" disabled"_qs;
+    if (!control->isVisible()) line += u" hidden"_qs;
+    lines.push_back(line.toStdString());
+  }
+  return lines;
+}
+
 // What of one thing to be seen is not so; empty when all is well.
 std::string Desktop::Missing(const std::string& seen) {
   if (seen.starts_with("saved ")) {
@@ -225,6 +458,13 @@ std::string Desktop::Missing(const std::string& seen) {
     return "it is not in " +
            text.section(wanted.section(u',', 0, -2), 1, 1).section(u"\r\n"_qs, 0, 0).toStdString();
   }
+  const QStringList words = QString::fromStdString(seen).split(u' ');
+  if (words[0] == "file") {
+    QFile file(words[1]);
+    const QString wanted = QString::fromStdString(seen).section(u' ', 2);
+    const bool holds = file.open(QIODevice::ReadOnly) && file.readAll().contains(wanted.toUtf8());
+    return holds ? "" : "not so";
+  }
   const auto equals = seen.find('=');
   if (equals != std::string::npos) {
     const std::string shown = Shown(seen.substr(0, equals));
@@ -235,14 +475,16 @@ std::string Desktop::Missing(const std::string& seen) {
       {"enabled", {"enabled", true}}, {"disabled", {"enabled", false}},
       {"shown", {"visible", true}},   {"hidden", {"visible", false}},
       {"focused", {"focus", true}}};
-  const auto blank = seen.find(' ');
-  if (seen.ends_with(" fits")) return Fits(Find<QWidget>(seen.substr(0, blank))) ? "" : "no";
-  const auto& [property, value] = states.at(seen.substr(blank + 1));
-  return Named(seen.substr(0, blank))->property(property).toBool() == value ? "" : "it is not";
+  const std::string name = words[0].toStdString();
+  if (words[1] == "fits") return Fits(Find<QWidget>(name)) ? "" : "no";
+  if (!states.contains(words[1].toStdString())) return Looks(name, words[1]) ? "" : "it is not";
+  const auto& [property, value] = states.at(words[1].toStdString());
+  return Named(name)->property(property).toBool() == value ? "" : "it is not";
 }
 
 void Desktop::Play(const std::string& script) {
-  for (const QString& line : QString::fromStdString(script).split(u'\n', Qt::SkipEmptyParts)) {
+  const QString lines = QString::fromStdString(script).replace(u'~', folder_.path());
+  for (const QString& line : lines.split(u'\n', Qt::SkipEmptyParts)) {
     if (line.trimmed().isEmpty() || line.trimmed().startsWith(u'#')) continue;
     const std::string where = line.trimmed().toStdString();
     for (const std::string& step : Parts(line.section(u"->"_qs, 0, 0))) Do(step);
@@ -253,6 +495,10 @@ void Desktop::Play(const std::string& script) {
                               .replace(u"\\n"_qs, u"\n"_qs)
                               .replace(u"\\r"_qs, u"\r"_qs)
                               .toStdString());
+      } else if (const QStringList words = QString::fromStdString(seen).split(u' ');
+                 words.size() == 3 && words[1] == "like") {
+        QCoreApplication::processEvents();
+        ExpectLines("ui/" + words[2].toStdString() + ".look", Sheet(words[0].toStdString()));
       } else if (!QTest::qWaitFor([&] { return Missing(seen).empty(); }, LongestWait)) {
         ADD_FAILURE() << where << "\n" << seen << ": " << Missing(seen);
         return;

@@ -5,7 +5,9 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTemporaryDir>
 #include <QTest>
+#include <map>
 #include <memory>
 
 #include "core/text.h"
@@ -24,27 +26,41 @@ struct Target {
 ///
 /// It plays scripts, as they stand in tests/data/ui: lines of "gestures -> what is to be seen
 /// then", on either side parted by "; ". What is to be seen is waited for. Lines that begin with
-/// "#" are remarks. NAME is a control's object name, WINDOW/NAME where several windows have one of
-/// that name, NAME[KVP] the value of a table's line, or "focus" for the control that has it.
+/// "#" are remarks, "~" is a folder of the test's own. NAME is a control's object name, WINDOW/NAME
+/// where several windows have one of that name, NAME[KVP] the value of a table's line, NAME@0.5,0.2
+/// a place in it, in shares of its size, or "focus" for the control that has it.
 ///
 ///   click NAME            a button, a cell, or a command of a menu; double NAME: twice
 ///   type NAME TEXT        in place of what the edit holds, with Enter; write NAME TEXT: without
 ///   keys NAME TEXT        as keys, one after the other
 ///   key NAME Ctrl+Z       one key
 ///   wheel NAME 120 Shift  so many eighths of a degree, with a key held or without
+///   point NAME            with the mouse
 ///   drag NAME 0,-40 Shift from the middle, so far; "lost" instead of a key: without its release
-///   choose NAME TEXT      of a list
+///   choose NAME TEXT      of a list; pick MENU TEXT: of a menu whose items have no names
 ///   focus NAME; close NAME; model NAME; run SECONDS of the model's time; answer ok|cancel
 ///   resize NAME 800x600
 ///   set CONSTANT VALUE    as another window does
+///   box TEXT              answers the next box: with a file, or the button of that caption
+///   put FILE TEXT         writes a file; drop FILE: on the main window
+///   size 800,600          of the main window; place NAME 40,30,640,420: of a window
+///   start                 the program ends and starts anew, its windows as they were left
+///   look NAME             remembers how it looks, and where its window stands
 ///
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
-///   NAME.PROPERTY=TEXT
-///   NAME on|off|enabled|disabled|shown|hidden|focused
+///   NAME.PROPERTY=TEXT; NAME.items, NAME.cells, NAME.header of what is listed; NAME.place
+///   and NAME.corner of its window; NAME.cursor
+///   NAME on|off|enabled|disabled|shown|hidden|focused|repainted|unchanged
+///   NAME inside|apart     its window within the workspace; all of them, and none over another
+///   NAME whole            of its controls none is cut off
+///   NAME stays|wider|narrower|higher|lower than it was when looked at
+///   NAME like FILE        all that the window's controls show, as in tests/data/ui/FILE.look
 ///   NAME fits             neither cut off nor covered
 ///   saved RECORD          a line of the file that a save would write; * for any name
 ///   undo=TEXT             what can be undone; redo=TEXT; notice=TEXT
 ///   report TEXT           a report or question; there may be none but those of the line
+///   file FILE TEXT        that it holds; box=TITLE|TEXT|...: the last one that was answered
+///   clipboard=TEXT
 class Desktop : public testing::Test {
  protected:
   static constexpr QSize Small{1280, 800};
@@ -87,10 +103,19 @@ class Desktop : public testing::Test {
   QObject* Named(const std::string& name);
   Target At(const std::string& name);
   void Do(const std::string& step);
-  bool DoToAll(const std::string& verb, const std::string& rest);
+  bool DoToAll(const std::string& verb, const QString& rest);
+  bool DoToWindow(const std::string& verb, const QString& rest);
+  void AnswerBox();
   void DoAt(const std::string& verb, const Target& target, const QString& text);
   std::string Shown(const std::string& name);
   std::string Missing(const std::string& seen);
+  bool Looks(const std::string& name, const QString& how);
+  std::vector<std::string> Sheet(const std::string& name);
+
+  QTemporaryDir folder_;
+  QStringList answers_;  // to the next boxes
+  QString box_;
+  std::map<std::string, std::pair<QImage, QRect>> looks_;
 };
 
 }  // namespace torvane::test

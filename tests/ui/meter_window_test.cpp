@@ -1,8 +1,5 @@
 #include "ui/panes/meter_window.h"
 
-#include <QMenu>
-#include <QTemporaryDir>
-
 #include "desktop.h"
 #include "ui/desk/workspace.h"
 
@@ -35,33 +32,6 @@ TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
   EXPECT_TRUE(WaitFor([&] { return Windows().isEmpty(); }));
   EXPECT_TRUE(Meters().empty());
   Play("-> undo=; panel.windowTitle=Torvane--Melkorin, 2nd Edition");
-}
-
-TEST_F(MeterWindowTest, MetersOfAFileGetTheirWindows) {
-  const QTemporaryDir folder;
-  const QString file = folder.filePath("meters.tvf");
-  Trigger("MIAddMeter");
-  Meter().SetVariable("iC");
-  Meter().SetShowSetup(true);
-  Meter().Placement = {WindowState::Normal, 420, 300, 40, 360};
-  ASSERT_TRUE(Panel->Work().Save(file));
-  for (const char* model : {"2-1 PI+ Controller", "3-1 PI Controller"}) {
-    ChooseModel(model);
-    EXPECT_TRUE(Windows().isEmpty());
-    ASSERT_TRUE(Panel->Work().Open(file));
-    Reports.Take();
-    ASSERT_EQ(Windows().size(), 1) << model;
-    Play("-> PCSetup shown; TZelMeterF.windowTitle=iC");
-    EXPECT_EQ(Windows().front()->parentWidget()->pos(), QPoint(300, 40));
-  }
-  // The Window menu hides it and the meter goes on.
-  QMenu& menu = Find<QMenu>("MWindow");
-  emit menu.aboutToShow();
-  for (QAction* item : menu.actions()) {
-    if (item->text() == "iC") item->trigger();
-  }
-  Play("-> TZelMeterF hidden");
-  EXPECT_EQ(Meters().size(), 1U);
 }
 
 }  // namespace

@@ -29,31 +29,6 @@ class ScopeWindowTest : public test::Desktop {
   }
 };
 
-// Controls that did not fit were cut, or reached by a scroll bar only.
-TEST_F(ScopeWindowTest, EveryPageFitsTheSmallestAndTheUsualWindow) {
-  for (int model = 0; model < Find<QComboBox>("ModelCmB").count(); ++model) {
-    ChooseModel(Find<QComboBox>("ModelCmB").itemText(model));
-    for (const QSize size : {QSize(800, 600), Small}) {
-      Panel->resize(size);
-      auto& scope = Find<QWidget>("TZelScopeF");
-      for (const char* page : {"PageTrigger", "PageScales"}) {
-        Click(page);
-        QCoreApplication::processEvents();
-        for (const QWidget* control : scope.findChildren<QWidget*>()) {
-          if (!control->isVisible() || control->parentWidget() == &Find<QWidget>("SGConsts")) {
-            continue;
-          }
-          EXPECT_TRUE(control->parentWidget()->rect().contains(control->geometry()) &&
-                      (control->minimumWidth() > 0 ||
-                       control->width() >= control->minimumSizeHint().width()))
-              << model << ' ' << control->objectName().toStdString() << ' ' << size.width();
-        }
-      }
-      EXPECT_GE(Screen().height(), Panel->height() * (size == Small ? 6 : 0) / 10);
-    }
-  }
-}
-
 TEST_F(ScopeWindowTest, TheScreenGetsTheRoomOfWhatIsHidden) {
   const int before = Height();
   Click("SBHide");
@@ -71,19 +46,6 @@ TEST_F(ScopeWindowTest, ADoubleClickInTheOpenListOfTracesHidesOne) {
   QTest::mouseDClick(list.view()->viewport(), Qt::LeftButton);
   Play("-> CBVertShow off");
   EXPECT_FALSE(list.view()->isVisible());
-}
-
-TEST_F(ScopeWindowTest, TheLampShowsTriggerEvents) {
-  const auto becomes = [&](QRgb colour) {
-    return WaitFor([&] {
-      return Find<QLabel>("TriggeredP").palette().color(QPalette::Window) == QColor(colour);
-    });
-  };
-  EXPECT_TRUE(becomes(0xc0c0c0));
-  Click("SBRun");
-  EXPECT_TRUE(becomes(0x00ff00));
-  Click("SBStop");
-  EXPECT_TRUE(becomes(0xc0c0c0));
 }
 
 TEST_F(ScopeWindowTest, CursorsAreDraggedReadAndUndone) {
@@ -144,35 +106,6 @@ TEST_F(ScopeWindowTest, KeptTracesOutliveFilesButNotTheModel) {
   Click("BClearKept");
   EXPECT_EQ(header(2), "vF");
   Play("run 0.05; click BKeep; model 3-1 PI Controller -> BClearKept disabled");
-}
-
-// The application's palette reaches windows by events of the running message loop.
-TEST_F(ScopeWindowTest, TheThemeReachesScreenListsAndWorkspaceAtOnce) {
-  const auto workspace = [&] {
-    return Find<QMdiArea>("InstrumentArea").background().color().lightness();
-  };
-  const auto ground = [&](const ScopeColours& colours) {
-    return WaitFor(
-        [&] { return Picture().pixelColor(Picture().width() / 3, 60) == colours.Plate; });
-  };
-  const int before = workspace();
-  Play("click MIThemeDark -> CmBVertChan=vC (Wht)");
-  EXPECT_TRUE(ground(ScopeColours::Dark()));
-  EXPECT_LT(workspace(), before);
-  Play("click MIThemeLight -> CmBVertChan=vC (Blk)");
-  EXPECT_TRUE(ground(ScopeColours::Light()));
-}
-
-TEST_F(ScopeWindowTest, PatternsAndColoursOfTracesAreChosenLive) {
-  const QImage standard = Picture();
-  Trigger("MIColoursApart");
-  const QImage apart = Picture();
-  EXPECT_NE(apart, standard);
-  Trigger("MILinePatterns");
-  EXPECT_NE(Picture(), apart);
-  // Another model's windows have them too.
-  ChooseModel("3-1 PI Controller");
-  EXPECT_EQ(Screen().Colours(), ScopeColours::Light(TraceColours::Apart));
 }
 
 }  // namespace

@@ -50,20 +50,6 @@ TEST_F(WorkspaceTest, SubWindowsFillASmallDisplayWithoutOverlap) {
   }
 }
 
-TEST_F(WorkspaceTest, SubWindowsFollowTheAreaUntilTheUserMovesOne) {
-  InstrumentFrame& scope = *Area().Frames()[0];
-  const int width = scope.width();
-  Panel->resize(Small + QSize(80, 0));
-  QTest::qWait(10);
-  EXPECT_EQ(scope.width(), width + 80);
-  scope.resize(500, 400);
-  Panel->resize(Small);
-  QTest::qWait(10);
-  EXPECT_EQ(scope.size(), QSize(500, 400));
-  Trigger("MIFillScreen");
-  EXPECT_EQ(scope.width(), width);
-}
-
 // Two analysers in half a display each had plots of 30 pixels, and meters stood behind them.
 TEST_F(WorkspaceTest, AnalysersAndMetersFindRoomOrTakeIt) {
   const struct {
@@ -136,27 +122,6 @@ TEST_F(WorkspaceTest, APaneOpenedHiddenShownAndClosedAHundredTimesLeavesNothing)
   }
   Click("SBStop");
   EXPECT_EQ(entries(), without);
-}
-
-TEST_F(WorkspaceTest, TheWindowMenuShowsAndHidesInstruments) {
-  auto& menu = Find<QMenu>("MWindow");
-  emit menu.aboutToShow();
-  emit menu.aboutToShow();  // lists each but once
-  QStringList listed;
-  for (QAction* item : menu.actions()) {
-    if (item->isCheckable() && item->isChecked()) listed << item->text();
-  }
-  ASSERT_EQ(listed, QStringList({"Main Scope", "Waveform Generator"}));
-  InstrumentFrame& generator = Generator();
-  const int width = Area().Frames()[0]->width();
-  menu.actions().back()->trigger();
-  EXPECT_FALSE(generator.isVisible());
-  EXPECT_GT(Area().Frames()[0]->width(), width);
-  EXPECT_NE(generator.Pane().Engine().View(), nullptr);
-  emit menu.aboutToShow();
-  EXPECT_FALSE(menu.actions().back()->isChecked());
-  menu.actions().back()->trigger();
-  EXPECT_TRUE(generator.isVisible());
 }
 
 TEST_F(WorkspaceTest, ACaptureHoldsAllShownInstrumentsAtItsProportions) {
@@ -242,20 +207,6 @@ TEST_F(WorkspaceTest, TheMainWindowComesBackOnADisplayThatHasBecomeSmaller) {
   EXPECT_LE(Panel->width(), room.width());
   EXPECT_LE(Panel->height(), room.height());
   UserSettings().clear();
-}
-
-// A window of 32767 pixels a side would have buffers of gigabytes.
-TEST_F(WorkspaceTest, APlacementIsFittedToTheWorkspace) {
-  Instrument& scope = Area().Frames()[0]->Pane().Engine();
-  const WindowPlacement hostile[] = {{WindowState::Normal, 32767, 0, 0, 32767},
-                                     {WindowState::Normal, 300, 32767, -32767, 400},
-                                     {WindowState::Normal, 300, -32767, 32767, 1},
-                                     {WindowState::Maximised, 32767, 0, 0, 32767}};
-  for (const WindowPlacement& placement : hostile) {
-    scope.Placement = placement;
-    Area().RestorePlacements();
-    EXPECT_TRUE(Area().rect().contains(Area().Frames()[0]->geometry()));
-  }
 }
 
 }  // namespace
