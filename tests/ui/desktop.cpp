@@ -11,8 +11,6 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QScreen>
-#include <QScrollBar>
 #include <QTableWidget>
 #include <QTimer>
 #include <QWheelEvent>
@@ -21,6 +19,7 @@
 #include "core/constant.h"
 #include "core/files/model_file.h"
 #include "core/text.h"
+#include "seen.h"
 #include "support/expected_lines.h"
 #include "ui/desk/tiling.h"
 
@@ -58,71 +57,6 @@ std::vector<int> Numbers(const QString& text) {
   std::vector<int> numbers;
   for (const QString& number : text.split(u',')) numbers.push_back(number.toInt());
   return numbers;
-}
-
-// The frame in the workspace, or the window itself.
-QWidget& WindowOf(QWidget& widget) {
-  QWidget* at = &widget;
-  while (!at->isWindow() && !qobject_cast<QMdiSubWindow*>(at)) at = at->parentWidget();
-  return *at;
-}
-
-// As it stands on the display.
-QImage PictureOf(const QWidget& widget) {
-  const QWidget& window = *widget.window();
-  const QPoint at = widget.mapTo(&window, QPoint());
-  return window.screen()
-      ->grabWindow(window.winId(), at.x(), at.y(), widget.width(), widget.height())
-      .toImage();
-}
-
-// Whether no visible control is cut off.
-bool IsWhole(const QWidget& window) {
-  for (const QWidget* control : window.findChildren<QWidget*>()) {
-    const auto* around = control->parentWidget();
-    if (!control->isVisible() || control->isWindow() || around->inherits("QAbstractItemView") ||
-        around->inherits("QMdiSubWindow")) {
-      continue;
-    }
-    const bool wide =
-        control->minimumWidth() > 0 || control->width() >= control->minimumSizeHint().width();
-    if (!wide || !around->rect().contains(control->geometry())) return false;
-  }
-  return true;
-}
-
-QStringList Texts(const QTableWidget& table, const QString& part) {
-  QStringList lines;
-  for (int row = part == "header" ? -1 : 0; row < (part == "header" ? 0 : table.rowCount());
-       ++row) {
-    QStringList cells;
-    for (int column = 0; column < table.columnCount(); ++column) {
-      const auto* cell = row < 0 ? table.horizontalHeaderItem(column) : table.item(row, column);
-      if (!table.isColumnHidden(column)) cells << (cell ? cell->text() : QString());
-    }
-    lines << cells.join(u',');
-  }
-  return lines;
-}
-
-// Items that are on with a "*" before them, disabled ones in brackets.
-QStringList Texts(QMenu& menu) {
-  emit menu.aboutToShow();
-  QStringList items;
-  for (const QAction* item : menu.actions()) {
-    const QString text = (item->isChecked() ? u"*"_qs : QString()) + item->text().remove(u'&');
-    items << (item->isSeparator() ? u"-"_qs : item->isEnabled() ? text : u'(' + text + u')');
-  }
-  return items;
-}
-
-QStringList Texts(QObject& object, const QString& part) {
-  if (auto* table = qobject_cast<QTableWidget*>(&object)) return Texts(*table, part);
-  if (auto* menu = qobject_cast<QMenu*>(&object)) return Texts(*menu);
-  QStringList items;
-  const auto* list = qobject_cast<QComboBox*>(&object);
-  for (int i = 0; list && i < list->count(); ++i) items << list->itemText(i);
-  return items;
 }
 
 void Send(QEvent::Type type, const Target& to, Qt::MouseButton button, Qt::MouseButtons held,
@@ -379,23 +313,6 @@ std::string Desktop::Shown(const std::string& name) {
   }
   const char* usual = qobject_cast<QComboBox*>(found) ? "currentText" : "text";
   return found->property(property.empty() ? usual : property.c_str()).toString().toStdString();
-}
-
-// Neither cut off nor covered by what stands beside it.
-bool Fits(const QWidget& widget) {
-  const QWidget& parent = *widget.parentWidget();
-  for (const auto* other : parent.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-    const bool covers = other->isVisible() && other->geometry().intersects(widget.geometry());
-    if (covers && other != &widget) return false;
-  }
-  const auto* table = qobject_cast<const QTableWidget*>(&widget);
-  for (int column = 0; table && column < table->columnCount(); ++column) {
-    const int wanted = static_cast<const QAbstractItemView*>(table)->sizeHintForColumn(column);
-    if (!table->isColumnHidden(column) && table->columnWidth(column) < wanted) return false;
-  }
-  return parent.rect().contains(widget.geometry()) &&
-         widget.height() >= widget.heightForWidth(widget.width()) &&
-         (!table || table->horizontalScrollBar()->maximum() == 0);
 }
 
 bool Desktop::Looks(const std::string& name, const QString& how) {
