@@ -22,6 +22,7 @@
 #include "seen.h"
 #include "support/expected_lines.h"
 #include "ui/desk/tiling.h"
+#include "ui/session/user_settings.h"
 
 namespace torvane::test {
 namespace {
@@ -82,7 +83,15 @@ void Drag(const Target& from, const QPoint& by, Qt::KeyboardModifiers keys, bool
 Desktop::Desktop() {
   Panel->resize(Small);
   Panel->show();
-  QCoreApplication::processEvents();
+  // What earlier windows asked for when they were closed has happened then: an end of the program,
+  // after which no box would wait for its answer.
+  QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
+  QCoreApplication::exec();
+}
+
+Desktop::~Desktop() {
+  Panel.reset();
+  UserSettings().clear();
 }
 
 // Of controls of one name, that on the screen.

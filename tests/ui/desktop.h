@@ -66,6 +66,8 @@ class Desktop : public testing::Test {
   static constexpr QSize Small{1280, 800};
 
   Desktop();
+  /// Nothing is left to the next one's settings.
+  ~Desktop() override;
 
   /// Plays the lines until one fails.
   void Play(const std::string& script);

@@ -3,6 +3,7 @@
 
 #include "desktop.h"
 #include "support/expected_lines.h"
+#include "ui/session/user_settings.h"
 
 namespace torvane::test {
 namespace {
@@ -20,6 +21,7 @@ TEST_P(Script, GoesAsWritten) {
     SCOPED_TRACE(heading);
     if (script.empty()) return;
     Panel.reset();
+    UserSettings().clear();
     Panel = std::make_unique<TZelControlPanelF>(Data);
     Panel->resize(Small);
     Panel->show();

@@ -158,7 +158,6 @@ TEST_F(WorkspaceTest, AnArrangementIsRemembered) {
     Panel->resize(size);
     QCoreApplication::processEvents();
   };
-  UserSettings().clear();
   start(Small);
   EXPECT_TRUE(Area().IsFilled());
   Area().Frames()[0]->setGeometry(place);
@@ -206,7 +205,6 @@ TEST_F(WorkspaceTest, TheMainWindowComesBackOnADisplayThatHasBecomeSmaller) {
   EXPECT_TRUE(room.contains(Panel->pos()));
   EXPECT_LE(Panel->width(), room.width());
   EXPECT_LE(Panel->height(), room.height());
-  UserSettings().clear();
 }
 
 }  // namespace
