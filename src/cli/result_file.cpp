@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "cli/command_error.h"
 #include "core/files/atomic_save.h"
@@ -81,8 +82,7 @@ void ResultFile::Close() {
 }
 
 bool ResultFile::PassOn() {
-  const std::string piece = std::move(pending_);
-  pending_.clear();
+  const std::string piece = std::exchange(pending_, {});
   passedOn_ = std::chrono::steady_clock::now();
   return file_.Write(piece);
 }

@@ -51,146 +51,7 @@ class Overflow {
   int widest_ = 0;
 };
 
-// `at` moved into 0 to room - size.
-int Within(int at, int size, int room) {
-  return std::clamp(at, 0, std::max(room - size, 0));
-}
-
-TileRole RoleOf(const Instrument& instrument) {
-  switch (instrument.Kind()) {
-    case InstrumentKind::Scope:
-      return TileRole::Scope;
-    case InstrumentKind::FftAnalyser:
-    case InstrumentKind::SweptSine:
-      return TileRole::Analyser;
-    default:
-      return TileRole::Small;
-  }
-}
-
-Tile TileOf(const InstrumentFrame& frame) {
-  const QSize edges = frame.sizeHint() - frame.Pane().sizeHint();
-  const QSize flat = frame.Pane().FlatSize();
-  return {RoleOf(frame.Pane().Engine()), frame.minimumSizeHint(), frame.sizeHint(),
-          flat.isEmpty() ? QSize() : flat + edges};
-}
-
-bool IsAnalyser(const InstrumentFrame& frame) {
-  return RoleOf(frame.Pane().Engine()) == TileRole::Analyser;
-}
-
 }  // namespace
-
-InstrumentFrame::InstrumentFrame(std::unique_ptr<InstrumentPane> pane) {
-  setWindowTitle(pane->windowTitle());
-  setWindowIcon(pane->windowIcon());
-  // A read-out is small, and is to be seen wherever it stands.
-  if (pane->Engine().Kind() == InstrumentKind::Meter) {
-    setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
-  }
-  setWidget(pane.release());
-}
-
-InstrumentPane& InstrumentFrame::Pane() const {
-  return *static_cast<InstrumentPane*>(widget());
-}
-
-// The placement stays what was asked for: where there is more room later the window can have it.
-void InstrumentFrame::ApplyPlacement() {
-  const WindowPlacement placement = Pane().Engine().Placement;
-  if (shown_ && placement.State == WindowState::Normal && (isMinimized() || isMaximized())) {
-    showNormal();
-  }
-  const bool atRest = !isMinimized() && !isMaximized();
-  if (atRest && placement.Width > 0 && placement.Height > 0) {
-    fitted_ = Fitted(placement);
-    setGeometry(fitted_);
-  }
-  if (shown_ && placement.State == WindowState::Minimised) showMinimized();
-  if (shown_ && placement.State == WindowState::Maximised) showMaximized();
-  Pane().Engine().Placement = placement;
-}
-
-// A file may come from a larger display, or say what no display can show.
-QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
-  const QSize room = parentWidget()->size();
-  const QSize asked = QSize(placement.Width, placement.Height).boundedTo(room);
-  const Tile tile = TileOf(*this);
-  const bool flat = !tile.Flat.isEmpty() && asked.width() >= tile.Flat.width();
-  const QSize size = asked.expandedTo(flat ? tile.Flat : tile.Least);
-  return {{Within(placement.Left, size.width(), room.width()),
-           Within(placement.Top, size.height(), room.height())},
-          size};
-}
-
-// A file knows by its place that a window is shown: a hidden one has none.
-void InstrumentFrame::SetShown(bool shown) {
-  WindowPlacement& placement = Pane().Engine().Placement;
-  if (!shown && shown_) whileHidden_ = std::exchange(placement, {});
-  if (shown && !shown_ && placement.Width == 0) placement = whileHidden_;
-  shown_ = shown;
-  yielded_ = false;
-  setVisible(shown);
-  Pane().ShownChanged(shown);
-}
-
-void InstrumentFrame::Choose(bool shown) {
-  chosen_ = true;
-  yielded_ = false;
-  if (shown_ != shown) SetShown(shown);
-}
-
-void InstrumentFrame::Yield() {
-  SetShown(false);
-  yielded_ = true;
-}
-
-void InstrumentFrame::PlaceAt(const QRect& place) {
-  fitted_ = {};
-  setGeometry(place);
-  Pane().Engine().Placement = {WindowState::Normal, place.height(), place.x(), place.y(),
-                               place.width()};
-}
-
-// A window that is not shown yet is told its first place late, one that was fitted may be told so
-// again.
-void InstrumentFrame::RecordPlacement() {
-  if (!widget() || !isVisible()) return;
-  const bool atRest = !isMinimized() && !isMaximized();
-  if (atRest && geometry() == fitted_ && Pane().Engine().Placement.State == WindowState::Normal) {
-    return;
-  }
-  fitted_ = {};
-  WindowPlacement placement = Pane().Engine().Placement;
-  placement.State = isMinimized()   ? WindowState::Minimised
-                    : isMaximized() ? WindowState::Maximised
-                                    : WindowState::Normal;
-  if (placement.State == WindowState::Normal) {
-    placement.Height = height();
-    placement.Left = x();
-    placement.Top = y();
-    placement.Width = width();
-  }
-  // A window told its place again, as on activation, has not been moved.
-  if (placement == Pane().Engine().Placement) return;
-  Pane().Engine().Placement = placement;
-  emit PlacementChanged();
-}
-
-void InstrumentFrame::moveEvent(QMoveEvent* event) {
-  QMdiSubWindow::moveEvent(event);
-  RecordPlacement();
-}
-
-void InstrumentFrame::resizeEvent(QResizeEvent* event) {
-  QMdiSubWindow::resizeEvent(event);
-  RecordPlacement();
-}
-
-void InstrumentFrame::changeEvent(QEvent* event) {
-  QMdiSubWindow::changeEvent(event);
-  if (event->type() == QEvent::WindowStateChange) RecordPlacement();
-}
 
 Workspace::Workspace(QWidget* parent) : QMdiArea(parent) {
   setActivationOrder(QMdiArea::CreationOrder);
@@ -371,7 +232,7 @@ std::vector<InstrumentFrame*> Workspace::ShownFrames() const {
 
 std::vector<Tile> Workspace::Tiles() const {
   std::vector<Tile> tiles;
-  for (const InstrumentFrame* frame : ShownFrames()) tiles.push_back(TileOf(*frame));
+  for (const InstrumentFrame* frame : ShownFrames()) tiles.push_back(frame->Sizes());
   return tiles;
 }
 
@@ -381,7 +242,7 @@ void Workspace::ShowWhatFits() {
     const bool waits = frame->Pane().ShownAtFirst() == InstrumentPane::AtFirst::ShownWithRoom;
     if (!waits || frame->IsShown() || frame->IsChosen()) continue;
     std::vector<Tile> tiles = Tiles();
-    tiles.push_back(TileOf(*frame));
+    tiles.push_back(frame->Sizes());
     if (HasAmpleRoom(tiles, size())) frame->SetShown(true);
   }
 }
@@ -390,7 +251,7 @@ void Workspace::BringBack() {
   for (InstrumentFrame* frame : frames_) {
     if (!frame->HasYielded()) continue;
     std::vector<Tile> tiles = Tiles();
-    tiles.push_back(TileOf(*frame));
+    tiles.push_back(frame->Sizes());
     const bool isAlone = !FrontAnalyser();
     if (isAlone || AreApart(TileArea(tiles, size()), size())) frame->SetShown(true);
   }
@@ -400,19 +261,19 @@ const InstrumentFrame* Workspace::FrontAnalyser() const {
   const InstrumentFrame* front = nullptr;
   for (const QMdiSubWindow* window : subWindowList(QMdiArea::StackingOrder)) {
     const auto* frame = static_cast<const InstrumentFrame*>(window);
-    if (frame->IsShown() && IsAnalyser(*frame)) front = frame;
+    if (frame->IsShown() && frame->Role() == TileRole::Analyser) front = frame;
   }
   return front;
 }
 
 // Meters have a place over the others at worst.
 void Workspace::MakeRoomFor(const InstrumentFrame& wanted) {
-  if (!IsAnalyser(wanted)) return;
+  if (wanted.Role() != TileRole::Analyser) return;
   for (InstrumentFrame* frame : frames_) {
-    if (frame == &wanted || !frame->IsShown() || !IsAnalyser(*frame)) continue;
+    if (frame == &wanted || !frame->IsShown() || frame->Role() != TileRole::Analyser) continue;
     std::vector<Tile> tiles;
     for (const InstrumentFrame* shown : ShownFrames()) {
-      if (!IsMeter(*shown)) tiles.push_back(TileOf(*shown));
+      if (!IsMeter(*shown)) tiles.push_back(shown->Sizes());
     }
     if (!AreApart(TileArea(tiles, size()), size())) frame->Yield();
   }
@@ -438,14 +299,14 @@ std::vector<QRect> Workspace::PlacesOn(const QSize& area,
     if (IsMeter(*frames[i])) {
       meters.push_back(i);
     } else {
-      tiles.push_back(TileOf(*frames[i]));
+      tiles.push_back(frames[i]->Sizes());
       tiled.push_back(i);
     }
   }
   std::vector<QRect> found = TileArea(tiles, area);
   std::size_t fitting = 0;
   for (; fitting < meters.size(); ++fitting) {
-    tiles.push_back(TileOf(*frames[meters[fitting]]));
+    tiles.push_back(frames[meters[fitting]]->Sizes());
     std::vector<QRect> more = TileArea(tiles, area);
     if (!AreApart(more, area)) break;
     tiled.push_back(meters[fitting]);
