@@ -147,7 +147,7 @@ void Desktop::AnswerBox() {
       if (box->property(told).isValid()) box_ += u'|' + box->property(told).toString();
     }
     const auto* list = box->findChild<QPlainTextEdit*>();
-    if (list) box_ += u'|' + list->toPlainText().replace(u'\n', u'/');
+    if (list) box_ += (list->isReadOnly() ? u'|' : u'?') + list->toPlainText().replace(u'\n', u'/');
     if (const auto* files = qobject_cast<QFileDialog*>(box)) {
       box_ += u'|' + files->directory().path() + u'|' + files->nameFilters().join(u',');
     }
