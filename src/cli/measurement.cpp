@@ -4,57 +4,14 @@
 
 #include "cli/command_error.h"
 #include "cli/number_options.h"
-#include "cli/scope_run.h"
 #include "core/csv.h"
-#include "core/text.h"
-#include "instruments/analyser/margins.h"
-#include "instruments/scope/scope_math.h"
 
 namespace torvane::cli {
 namespace {
 
-std::string Field(const std::optional<double>& value) {
-  return value ? FormatShortest(*value) : "";
-}
-
-std::vector<std::string> StepFields(const ResponseMeasures& measures) {
-  const auto step = [&](double StepMeasures::*of) {
-    return measures.Step ? FormatShortest((*measures.Step).*of) : "";
-  };
-  return {step(&StepMeasures::OvershootPercent), step(&StepMeasures::RiseTime),
-          step(&StepMeasures::SettlingTime), step(&StepMeasures::Delay), Field(measures.RmsError)};
-}
-
-// As the desktop reads them: the margins of a closed response are those of the open loop that it
-// has if its feedback is its output.
-std::vector<std::string> MarginFields(FrequencyAnalyser& analyser) {
-  const auto value = [](const Margins::Reading* reading) {
-    return reading ? FormatShortest(reading->Value) : "";
-  };
-  MarginReader reader;
-  const Margins& response = reader.Read(analyser, 0);
-  const bool closed = response.Closed;
-  std::vector<std::string> fields{Field(response.GainBandwidth),
-                                  value(response.Peaking ? &*response.Peaking : nullptr)};
-  const Margins& open = closed ? reader.Read(analyser, 0, true) : response;
-  fields.push_back(value(open.SmallestGainMargin()));
-  fields.push_back(value(open.SmallestPhaseMargin()));
-  return fields;
-}
-
-ZelXfer& SetUpAnalyser(ZelModel& model, const BodeOptions& options, Console& console) {
-  auto& xfer = dynamic_cast<ZelXfer&>(
-      ChooseAnalyser(model.Bench(), InstrumentKind::FftAnalyser, options.Response));
-  // Margins are read off a response.
-  xfer.SetSpectrum(false);
-  console.ApplySettings([&] { SetUp(xfer, options); });
-  return xfer;
-}
-
-std::unique_ptr<ZelModel> MakeFirst(const MakeModel& make) {
-  std::unique_ptr<ZelModel> model = make();
-  model->DropClassMemory();
-  return model;
+StepOptions Step(const MeasureOptions& options) {
+  const ResponseOptions& response = options.Bode.Response;
+  return {response.Input, response.Output, options.Until};
 }
 
 }  // namespace
@@ -80,8 +37,8 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
 }
 
 std::vector<std::string> MeasureCaptions(const MeasureOptions& options) {
-  std::vector<std::string> captions{"Overshoot", "Rise", "Settling", "Delay", "RMS Error"};
-  if (options.WithBode) Append(captions, {"Bandwidth", "Peaking", "Gain Margin", "Phase Margin"});
+  std::vector<std::string> captions = StepCaptions();
+  if (options.WithBode) Append(captions, LoopCaptions());
   return captions;
 }
 
@@ -98,27 +55,17 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   if (response.Input.empty()) throw UsageError("--command is required");
   if (response.Output.empty()) throw UsageError("--response is required");
   if (!(options.Until > 0.0)) throw UsageError("--until is required");
-  FirstScope(model.Bench());
-  NamedSignal(model.Bench(), response.Input);
-  NamedSignal(model.Bench(), response.Output);
-  if (options.WithBode) SetUpAnalyser(model, options.Bode, console);
+  CheckStep(model, Step(options));
+  if (options.WithBode) CheckLoop(model, options.Bode, console);
 }
 
 RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
                        bool showProgress) {
-  const ResponseOptions& response = options.Bode.Response;
-  RunMeasures measures;
-  auto model = MakeFirst(make);
-  ZelScope& scope = FirstScope(model->Bench());
-  measures.Screen = LastCompleteScreen(*model, scope, options.Until, console, showProgress);
-  measures.Fields = StepFields(MeasureResponse(scope, measures.Screen,
-                                               NamedSignal(model->Bench(), response.Input),
-                                               NamedSignal(model->Bench(), response.Output)));
-  if (!options.WithBode) return measures;
-  model = MakeFirst(make);
-  ZelXfer& xfer = SetUpAnalyser(*model, options.Bode, console);
-  MeasureResponse(*model, xfer, console, showProgress);
-  Append(measures.Fields, MarginFields(xfer));
+  MeasuredStep step = MeasureStep(make, Step(options), console, showProgress);
+  RunMeasures measures{std::move(step.Fields), std::move(step.Screen)};
+  if (options.WithBode) {
+    Append(measures.Fields, MeasureLoop(make, options.Bode, console, showProgress));
+  }
   return measures;
 }
 

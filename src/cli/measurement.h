@@ -1,13 +1,10 @@
 #pragma once
 
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "cli/bode_measurement.h"
-#include "cli/console.h"
-#include "instruments/scope/scope.h"
+#include "cli/loop_measurement.h"
+#include "cli/step_measurement.h"
 
 namespace torvane::cli {
 
@@ -39,9 +36,6 @@ struct RunMeasures {
   std::vector<std::string> Fields;  ///< by caption; one that cannot be measured is empty
   ScopeScreen Screen;               ///< that the step was measured on
 };
-
-/// Builds a model with its settings.
-using MakeModel = std::function<std::unique_ptr<ZelModel>()>;
 
 /// Measures as a process would that runs nothing else, whatever ran in this one: each part in a
 /// model of its own whose class has seen none. An overflow, or a screen or record that is not
