@@ -74,7 +74,10 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
   using Windows = torvane::TZelControlPanelF::Windows;
   torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
                                    command.Model, speedTest ? Windows::AsBuilt : Windows::AsLeft);
-  if (!panel.Model()) return 1;
+  if (!panel.Model()) {
+    QApplication::exec();  // which shows why
+    return 1;
+  }
   QApplication::setWindowIcon(panel.windowIcon());
   panel.ShowAtStart(!speedTest);
   // A speed test measures a model as it is built, whatever the user's configuration.

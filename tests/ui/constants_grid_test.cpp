@@ -5,6 +5,8 @@
 
 #include "core/constant.h"
 #include "desktop.h"
+#include "ui/panes/constants/adjust_dialog.h"
+#include "ui/session/message_boxes.h"
 
 namespace torvane {
 namespace {
@@ -33,6 +35,30 @@ TEST_F(ConstantsGridTest, AKeyOnAListConstantOpensItsChoices) {
     Grid().setFocus();
     EXPECT_TRUE(WaitFor([&] { return Grid().findChild<QComboBox*>() == nullptr; }));
   }
+}
+
+// What comes before the box has been shown, and answered, finds the editor closed.
+TEST_F(ConstantsGridTest, InputAfterATextThatIsNoNumberFindsTheEditorClosed) {
+  static QStringList warnings;
+  const MessageBoxes boxes;
+  const auto handler =
+      qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+        if (!text.startsWith("This plugin")) warnings << text;
+      });
+  for (const char* more : {"key focus Return", "key focus Return; key focus Return",
+                           "click SGConsts[KVI]", "click SBRun", "key focus Down; keys focus 5",
+                           "key focus F2; keys focus x; key focus Return; click SGConsts[KVP]"}) {
+    SCOPED_TRACE(more);
+    Play(std::string("box OK; click SGConsts[KVP]; keys focus abc; key focus Return; ") + more +
+         " -> box=Message Box|Cannot convert \"abc\" to a Number|; SGConsts[KVP]=0.72");
+    Play("click SBStop -> SBStop on");
+    if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) box->accept();
+    for (auto* dialog : Panel->findChildren<TZelAdjustF*>()) dialog->hide();
+    Panel->activateWindow();
+    ASSERT_TRUE(WaitFor([&] { return Panel->isActiveWindow(); }));
+  }
+  qInstallMessageHandler(handler);
+  EXPECT_EQ(warnings, QStringList());
 }
 
 }  // namespace

@@ -114,8 +114,9 @@ TEST_F(ControlPanelTest, AnOverflowStopsTheRunAndOffersAReset) {
   for (const bool reset : {false, true}) {
     Reports.Answer = reset;
     Click("SBRun");
-    ASSERT_TRUE(WaitFor([&] { return !Panel->Running(); }));
-    const Messages reports = Reports.Take();
+    Messages reports;
+    ASSERT_TRUE(WaitFor([&] { return !(reports = Reports.Take()).empty(); }));
+    EXPECT_FALSE(Panel->Running());
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_TRUE(reports[0].starts_with(question) && reports[0].find("\"x\"") < reports[0].size());
     EXPECT_EQ(model.X.Value == 1.0, reset);

@@ -5,23 +5,29 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QTest>
 #include <QTimer>
 #include <functional>
 
 namespace torvane {
 namespace {
 
-// What the box that `report` shows looks like; it is answered with the button.
+// What the box that `report` shows looks like; it is answered with the button. A report's box is
+// there only when the call is over.
 QString Seen(QMessageBox::StandardButton answer, const std::function<void()>& report) {
-  QString seen = "no box";
-  QTimer::singleShot(0, [&] {
+  QString seen;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     if (!box) return;
     seen = box->windowTitle() + "|" + box->text();
     for (QAbstractButton* button : box->buttons()) seen += "|" + button->text().remove('&');
+    look.stop();
     box->button(answer)->click();
   });
+  look.start(1);
   report();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty(); }, 30000));
   return seen;
 }
 
@@ -31,6 +37,24 @@ TEST(MessageBoxesTest, ReportsAreModalBoxesWithTheirCaption) {
   EXPECT_EQ(Seen(QMessageBox::Ok, [] { Warning("w"); }), "Warning|w|OK");
   EXPECT_EQ(Seen(QMessageBox::Ok, [] { Error("first\rsecond"); }), "Error|first\nsecond|OK");
   EXPECT_EQ(Seen(QMessageBox::Ok, [] { ConversionError("c"); }), "Message Box|c|OK");
+}
+
+// What repeats itself while it waits is told once.
+TEST(MessageBoxesTest, BoxesComeInTheirOrderAndBeforeAQuestion) {
+  const MessageBoxes boxes;
+  QStringList seen;
+  for (const char* text : {"1", "2", "1", "2"}) Error(text);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box) return;
+    seen << box->text();
+    box->accept();
+  });
+  look.start(1);
+  WarningQuestion("q");
+  EXPECT_EQ(seen, QStringList({"1", "2", "q"}));
 }
 
 TEST(MessageBoxesTest, QuestionsAreAnswered) {

@@ -27,6 +27,7 @@
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"
+#include "ui/session/box_queue.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
 #include "ui/widgets/digits.h"
@@ -176,6 +177,7 @@ void TZelControlPanelF::RememberWindows() {
 
 void TZelControlPanelF::LeaveModel() {
   Stop();
+  driver_.Leave();
   ui_->InstrumentArea->CloseAll();
   if (Model()) Model()->Bench().History().Attach(nullptr);
 }
@@ -299,15 +301,14 @@ void TZelControlPanelF::WatchMeter(InstrumentPane& pane) {
   auto* window = qobject_cast<TZelMeterF*>(&pane);
   if (!window) return;
   const QPointer<TZelMeterF> watched(window);
-  connect(
-      window, &TZelMeterF::Closed, this,
-      [this, watched] {
-        if (!watched) return;
-        const ZelMeter& meter = watched->Meter();
-        ui_->InstrumentArea->Remove(meter);
-        Model()->Disown(meter);
-      },
-      Qt::QueuedConnection);
+  connect(window, &TZelMeterF::Closed, this, [this, watched] {
+    WhenNothingIsOpen(*this, [this, watched] {
+      if (!watched) return;
+      const ZelMeter& meter = watched->Meter();
+      ui_->InstrumentArea->Remove(meter);
+      Model()->Disown(meter);
+    });
+  });
   connect(
       window, &TZelMeterF::HeightChanged, this,
       [this, watched] {
@@ -339,7 +340,7 @@ void TZelControlPanelF::dragEnterEvent(QDragEnterEvent* event) {
 void TZelControlPanelF::dropEvent(QDropEvent* event) {
   const QString path = event->mimeData()->urls().value(0).toLocalFile();
   event->acceptProposedAction();
-  QTimer::singleShot(0, this, [this, path] { session_.Open(path); });
+  WhenNothingIsOpen(*this, [this, path] { session_.Open(path); });
 }
 
 void TZelControlPanelF::ResetVariables() {

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "core/files/model_file.h"
+#include "ui/session/box_queue.h"
 #include "ui/session/session.h"
 #include "ui/session/user_settings.h"
 
@@ -99,6 +100,7 @@ FileCommands::Recovery FileCommands::AskAboutRecovery(const KeptSession& kept) {
   const auto* restore = box.addButton(QStringLiteral("&Restore"), QMessageBox::AcceptRole);
   const auto* discard = box.addButton(QStringLiteral("&Discard"), QMessageBox::DestructiveRole);
   box.setEscapeButton(box.addButton(QStringLiteral("&Not Now"), QMessageBox::RejectRole));
+  BoxQueue::OfApplication().Finish();
   box.exec();
   if (box.clickedButton() == restore) return Recovery::Restore;
   return box.clickedButton() == discard ? Recovery::Discard : Recovery::NotNow;
@@ -153,20 +155,23 @@ void FileCommands::ShowManyReports(const CollectedReports::Rest& rest) {
   if (rest.Count > rest.Texts.size()) {
     texts += QStringLiteral("And %1 more.").arg(rest.Count - rest.Texts.size());
   }
-  QDialog box(&window_);
-  box.setObjectName(QStringLiteral("LoadReportBox"));
-  box.setWindowTitle(QString::fromLatin1(MessageCaption(MessageKind::Error)));
-  auto* layout = new QVBoxLayout(&box);
-  layout->addWidget(new QLabel(QStringLiteral("The file gave %1 more reports:").arg(rest.Count)));
-  auto* list = new QPlainTextEdit(texts.trimmed());
-  list->setReadOnly(true);
-  list->setAccessibleName(QStringLiteral("Reports"));
-  layout->addWidget(list);
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
-  connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
-  layout->addWidget(buttons);
-  box.resize(640, 400);
-  box.exec();
+  const auto make = [texts, count = rest.Count](QWidget* over) {
+    auto* box = new QDialog(over);
+    box->setObjectName(QStringLiteral("LoadReportBox"));
+    box->setWindowTitle(QString::fromLatin1(MessageCaption(MessageKind::Error)));
+    auto* layout = new QVBoxLayout(box);
+    layout->addWidget(new QLabel(QStringLiteral("The file gave %1 more reports:").arg(count)));
+    auto* list = new QPlainTextEdit(texts.trimmed());
+    list->setReadOnly(true);
+    list->setAccessibleName(QStringLiteral("Reports"));
+    layout->addWidget(list);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
+    connect(buttons, &QDialogButtonBox::accepted, box, &QDialog::accept);
+    layout->addWidget(buttons);
+    box->resize(640, 400);
+    return box;
+  };
+  BoxQueue::OfApplication().Add(texts, make);
 }
 
 void FileCommands::AddRecent() {

@@ -1,6 +1,5 @@
 #include "ui/desk/run_driver.h"
 
-#include <QScopedValueRollback>
 #include <QTimerEvent>
 #include <algorithm>
 
@@ -78,6 +77,11 @@ void RunDriver::Stop() {
   StopTimers();
 }
 
+void RunDriver::Leave() {
+  Stop();
+  model_ = nullptr;
+}
+
 void RunDriver::Pause() {
   paused_ = true;
   StopTimers();
@@ -93,11 +97,8 @@ void RunDriver::End() {
   emit Ended();
 }
 
-// A frame ends its turn: the windows paint before the next one. A box that a chunk shows has a
-// message loop of its own, in which no pass may begin inside this one.
+// A frame ends its turn: the windows paint before the next one.
 void RunDriver::timerEvent(QTimerEvent* event) {
-  if (passing_) return;
-  const QScopedValueRollback passing(passing_, true);
   const qint64 now = clock_.nsecsElapsed();
   if (event->timerId() == timers_.front().timerId()) BeginTurn(now);
   if (turnOver_ || now - turnStart_ > LongestTurn) return;
@@ -129,7 +130,11 @@ void RunDriver::Pass(qint64 start) {
     SleepUntilNext(model.Time() >= due ? PacedMilliseconds : 0);
   } catch (const SolverOverflow& overflow) {
     End();
-    OfferResetAfterOverflow(model, overflow);
+    // The question has a message loop of its own, which a timer's event must not hold up.
+    const auto offer = [this, overflow] {
+      if (model_) OfferResetAfterOverflow(*model_, overflow);
+    };
+    QMetaObject::invokeMethod(this, offer, Qt::QueuedConnection);
   } catch (const std::exception& error) {
     End();
     ReportRunTimeError(error);

@@ -28,9 +28,11 @@ class RunDriver : public QObject {
   /// A model that cannot keep up runs as fast as it can and does not catch up later.
   void SetPace(double pace);
 
-  /// The model must live until Stop, or until the run ends by itself.
+  /// The model must live until Leave.
   void Start(ZelModel& model);
   void Stop();
+  /// Stops, and forgets the model.
+  void Leave();
   bool Running() const { return running_; }
   /// Between Pause and Resume a run stands still; it may be started and stopped meanwhile.
   void Pause();
@@ -72,7 +74,6 @@ class RunDriver : public QObject {
   qint64 turnStart_ = 0;
   bool frameShown_ = false;  // and its cost not yet known
   bool turnOver_ = false;
-  bool passing_ = false;
   ZelModel* model_ = nullptr;
   bool running_ = false;
   bool paused_ = false;

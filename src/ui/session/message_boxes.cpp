@@ -4,6 +4,9 @@
 #include <QMessageBox>
 #include <QTimer>
 #include <cstdlib>
+#include <memory>
+
+#include "ui/session/box_queue.h"
 
 namespace torvane {
 
@@ -25,14 +28,15 @@ QMessageBox::Icon IconFor(MessageKind kind) {
 
 // Texts are shown as written: a line may also end in a bare carriage return, and nothing in them is
 // markup.
-int Execute(MessageKind kind, const std::string& text, QMessageBox::StandardButtons buttons) {
-  QString shown = QString::fromStdString(text);
+std::unique_ptr<QMessageBox> MakeBox(MessageKind kind, const QString& text,
+                                     QMessageBox::StandardButtons buttons, QWidget* over) {
+  QString shown = text;
   shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
-  QMessageBox box(IconFor(kind), QString::fromLatin1(MessageCaption(kind)), shown, buttons,
-                  QApplication::activeWindow());
-  box.setTextFormat(Qt::PlainText);
-  box.setObjectName(QStringLiteral("MessageBox"));
-  return box.exec();
+  auto box = std::make_unique<QMessageBox>(IconFor(kind), QString::fromLatin1(MessageCaption(kind)),
+                                           shown, buttons, over);
+  box->setTextFormat(Qt::PlainText);
+  box->setObjectName(QStringLiteral("MessageBox"));
+  return box;
 }
 
 }  // namespace
@@ -44,15 +48,26 @@ MessageBoxes::~MessageBoxes() {
 }
 
 void MessageBoxes::Show(MessageKind kind, const std::string& text) {
-  Execute(kind, text, QMessageBox::Ok);
+  const QString told = QString::fromStdString(text);
+  BoxQueue::OfApplication().Add(told, [kind, told](QWidget* over) {
+    return MakeBox(kind, told, QMessageBox::Ok, over).release();
+  });
 }
 
 bool MessageBoxes::Ask(MessageKind kind, const std::string& text) {
-  return Execute(kind, text, QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+  BoxQueue::OfApplication().Finish();
+  return MakeBox(kind, QString::fromStdString(text), QMessageBox::Ok | QMessageBox::Cancel,
+                 QApplication::activeWindow())
+             ->exec() == QMessageBox::Ok;
 }
 
+// The box may be the last window, whose end is a success elsewhere.
 void MessageBoxes::EndApplication() {
-  QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(EXIT_FAILURE); });
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  BoxQueue::OfApplication().Add({}, [](QWidget*) {
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    return nullptr;
+  });
 }
 
 }  // namespace torvane

@@ -15,7 +15,7 @@ class EditBinding : public QObject {
   using Commit = std::function<void(const std::string& text)>;
   using Stored = std::function<std::string()>;
 
-  /// The binding belongs to the edit. `commit` may show message boxes.
+  /// The binding belongs to the edit.
   EditBinding(QLineEdit& edit, Commit commit, Stored stored);
 
   /// Rewrites the edit from the stored value.
@@ -31,7 +31,7 @@ class EditBinding : public QObject {
   Commit commit_;
   Stored stored_;
   QString shown_;
-  bool committing_ = false;  // a box shown by commit takes the focus, which would commit again
+  bool committing_ = false;  // commit may take the focus away, which would commit again
 };
 
 /// What to say of a number that is stored otherwise than typed; empty when there is nothing to say.

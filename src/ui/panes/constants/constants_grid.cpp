@@ -25,6 +25,17 @@ namespace {
 constexpr int ValueEdges = 8;        // beside a value in its cell
 constexpr int LargestMinimum = 165;  // pixels of width that a narrow window must spare
 
+bool IsEnter(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress) return false;
+  const int key = static_cast<const QKeyEvent&>(event).key();
+  return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+// A closed editor is hidden until it is deleted.
+bool IsOpen(const QWidget& editor) {
+  return !editor.isHidden();
+}
+
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
  public:
@@ -42,11 +53,11 @@ class ValueDelegate : public QStyledItemDelegate {
       }
       // A choice made counts at once; there is nothing more to confirm.
       connect(list, &QComboBox::activated, this, [this, list] {
-        auto* self = const_cast<ValueDelegate*>(this);
-        emit self->commitData(list);
-        emit self->closeEditor(list);
+        if (IsOpen(*list)) const_cast<ValueDelegate*>(this)->Settle(*list);
       });
-      QTimer::singleShot(0, list, &QComboBox::showPopup);
+      QTimer::singleShot(0, list, [list] {
+        if (IsOpen(*list)) list->showPopup();
+      });
       editor = list;
     } else {
       editor = QStyledItemDelegate::createEditor(parent, option, index);
@@ -73,7 +84,13 @@ class ValueDelegate : public QStyledItemDelegate {
   }
 
  protected:
+  // Enter counts at once: what waited for the message loop would find the editor closed when
+  // another key or a click comes first.
   bool eventFilter(QObject* watched, QEvent* event) override {
+    if (IsEnter(*event)) {
+      Settle(*static_cast<QWidget*>(watched));
+      return true;
+    }
     if (auto* editor = qobject_cast<QLineEdit*>(watched)) {
       const auto commit = [this, editor] { emit commitData(editor); };
       if (SettleShortcut(*editor, *event, editor->isModified(), commit)) return true;
@@ -82,6 +99,11 @@ class ValueDelegate : public QStyledItemDelegate {
   }
 
  private:
+  void Settle(QWidget& editor) {
+    emit commitData(&editor);
+    emit closeEditor(&editor);
+  }
+
   const ZelBenchTop& bench_;
 };
 
@@ -125,14 +147,9 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
 ConstantsGrid::~ConstantsGrid() = default;
 
 bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress && table_.currentRow() >= 0) {
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    // An open editor passes on the Enter that it commits with.
-    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
-    if (enter && !table_.isPersistentEditorOpen(table_.currentIndex())) {
-      Adjust(table_.currentRow());
-      return true;
-    }
+  if (IsEnter(*event) && table_.currentRow() >= 0) {
+    Adjust(table_.currentRow());
+    return true;
   }
   if (watched == &viewport_ && event->type() == QEvent::Resize) {
     // Once the header knows the new width too.
