@@ -82,9 +82,10 @@ std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser) {
   return captions;
 }
 
-std::vector<std::string> MoreFields(FrequencyAnalyser& analyser, int index, double hz) {
+std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index, double hz) {
   std::vector<std::string> fields;
-  if (analyser.HasCoherence(0)) fields.push_back(FormatShortest(analyser.Coherence(0, index)));
+  if (analyser.HasCoherence(0))
+    fields.push_back(FormatShortest(analyser.ResponseAt(0).At(index)->Coherence));
   if (HasOverlay(analyser)) {
     fields.push_back(Optional(analyser.GainRead(OverlaySlot, hz)));
     fields.push_back(Optional(analyser.PhaseRead(OverlaySlot, hz)));

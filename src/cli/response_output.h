@@ -10,7 +10,7 @@ namespace torvane::cli {
 /// What a response's line says beyond gain and phase: the coherence of an averaged one, and what
 /// the overlay reads at the same frequency, empty where it has nothing.
 std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser);
-std::vector<std::string> MoreFields(FrequencyAnalyser& analyser, int index, double hz);
+std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index, double hz);
 
 /// Whether the points are written: to --out, or to standard output unless the margins go there.
 bool WritesPoints(const ResponseOptions& options);

@@ -92,7 +92,7 @@ QPointF PlanePainter::Place(double gain, double phase) const {
 std::vector<PlanePainter::Point> PlanePainter::ReadPoints(int slot) const {
   std::vector<Point> points;
   if (!ResponseLegend::IsDrawn(analyser_, slot)) return points;
-  for (const ResponsePoint& point : analyser_.ShownResponse(slot).Curve) {
+  for (const ResponsePoint& point : analyser_.ShownResponse(slot).Curve()) {
     if (point.Hz < analyser_.FreqMin() || point.Hz > analyser_.FreqMax()) continue;
     if (point.Excited) points.push_back({point.Hz, point.Gain, point.Phase, {}});
   }
@@ -329,8 +329,8 @@ void PlanePainter::PaintCursors(QPainter& painter, const ScopeColours& colours,
 std::optional<QPointF> PlanePainter::PlaceAt(double hz) const {
   const int slot = analyser_.CursorSlot();
   if (!ResponseLegend::IsDrawn(analyser_, slot)) return std::nullopt;
-  const auto gain = ReadResponse(analyser_, slot, ResponseQuantity::Gain, hz);
-  const auto phase = ReadResponse(analyser_, slot, ResponseQuantity::Phase, hz);
+  const auto gain = analyser_.GainRead(slot, hz);
+  const auto phase = analyser_.PhaseRead(slot, hz);
   if (!gain || !phase) return std::nullopt;
   return Place(*gain, *phase);
 }

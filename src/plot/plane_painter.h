@@ -19,7 +19,8 @@ namespace torvane {
 /// Traces, legend and lengths are as in ResponsePainter's plots.
 class PlanePainter {
  public:
-  explicit PlanePainter(FrequencyAnalyser& analyser) : analyser_(analyser), legend_(analyser) {}
+  explicit PlanePainter(const FrequencyAnalyser& analyser)
+      : analyser_(analyser), legend_(analyser) {}
 
   /// Area of the whole picture. Painting is of the analyser as it was laid out.
   void Layout(const QSize& size, double pixelRatio, const TraceLook& look = {});
@@ -64,7 +65,7 @@ class PlanePainter {
   Turns TurnsOnPlate() const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
-  FrequencyAnalyser& analyser_;
+  const FrequencyAnalyser& analyser_;
   ResponseLegend legend_;
   TraceLook look_;
   std::array<std::vector<Point>, FrequencyAnalyser::SlotCount> points_;

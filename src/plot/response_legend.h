@@ -24,7 +24,7 @@ void PaintMemoryMark(QPainter& painter, const QColor& fill, int slot, const QPoi
 /// What stands below a plot of responses: the signals, the axes, and which trace is which.
 class ResponseLegend {
  public:
-  explicit ResponseLegend(FrequencyAnalyser& analyser) : analyser_(analyser) {}
+  explicit ResponseLegend(const FrequencyAnalyser& analyser) : analyser_(analyser) {}
 
   /// The slot's trace is on the plot.
   static bool IsDrawn(const FrequencyAnalyser& analyser, int slot) {
@@ -52,7 +52,7 @@ class ResponseLegend {
                    const QRect& place) const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
-  FrequencyAnalyser& analyser_;
+  const FrequencyAnalyser& analyser_;
   double ratio_ = 1.0;
   QFont font_;
   TraceLook look_;

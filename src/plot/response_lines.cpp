@@ -13,34 +13,14 @@ namespace {
 
 constexpr double NoValue = std::numeric_limits<double>::quiet_NaN();
 
-double ValueOf(const DerivedResponse& response, ResponseQuantity quantity, int index) {
-  const ResponsePoint* point = response.At(index);
-  if (!point) return NoValue;
-  switch (quantity) {
-    case ResponseQuantity::Gain:
-      return point->Gain;
-    case ResponseQuantity::Phase:
-      return point->Phase;
-    case ResponseQuantity::Delay:
-      return response.DelayAt(index);
-    default:
-      return point->Coherence;
-  }
-}
-
 class LineMaker {
  public:
-  LineMaker(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
-            const FrequencyColumns& columns)
-      : analyser_(analyser),
-        slot_(slot),
-        quantity_(quantity),
-        columns_(columns),
-        response_(analyser.ShownResponse(slot)) {}
+  LineMaker(const Response& response, ResponseQuantity quantity, const FrequencyColumns& columns)
+      : response_(response), quantity_(quantity), columns_(columns) {}
 
   ResponseLines Make() {
-    const int end = response_.First + static_cast<int>(response_.Curve.size());
-    int index = response_.First;
+    const int end = response_.End();
+    int index = response_.First();
     while (index < end && Hz(index) < columns_.LeftEdge(0)) ++index;
     result_.Columns.assign(static_cast<std::size_t>(columns_.Width()) + 1, NoValue);
     for (int x = 0; x <= columns_.Width(); ++x) {
@@ -63,15 +43,14 @@ class LineMaker {
  private:
   double Hz(int index) const { return response_.At(index)->Hz; }
   bool Trusted(int index) const { return response_.At(index)->Excited; }
-  double Value(int index) const { return ValueOf(response_, quantity_, index); }
+  double Value(int index) const { return response_.ValueOf(quantity_, index).value_or(NoValue); }
 
   bool Breaks(double value) const {
     return quantity_ == ResponseQuantity::Phase && last_ && PhaseWraps(*last_, value);
   }
 
   void AddBetween(int x) {
-    const std::optional<double> value =
-        ReadResponse(analyser_, slot_, quantity_, columns_.Middle(x));
+    const std::optional<double> value = response_.Read(quantity_, columns_.Middle(x));
     if (value) {
       AddPoint({static_cast<double>(x), *value});
       result_.Columns[static_cast<std::size_t>(x)] = *value;
@@ -87,7 +66,7 @@ class LineMaker {
       AddFaint(x, value);
       return;
     }
-    AddPoint({analyser_.AxisShare(Hz(index)) * columns_.Width(), value});
+    AddPoint({columns_.ColumnOf(Hz(index)), value});
     result_.Points << line_.back();
     result_.Columns[static_cast<std::size_t>(x)] = value;
   }
@@ -149,11 +128,9 @@ class LineMaker {
     last_.reset();
   }
 
-  FrequencyAnalyser& analyser_;
-  int slot_;
+  const Response& response_;
   ResponseQuantity quantity_;
   const FrequencyColumns& columns_;
-  const DerivedResponse& response_;
   ResponseLines result_;
   QPolygonF line_;
   std::optional<double> last_;
@@ -161,26 +138,8 @@ class LineMaker {
 
 }  // namespace
 
-std::optional<double> ReadResponse(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
-                                   double hz) {
-  if (!analyser.HasData(slot)) return std::nullopt;
-  if (quantity == ResponseQuantity::Coherence && !analyser.HasCoherence(slot)) return std::nullopt;
-  const FrequencyAnalyser::Range range = analyser.DataRange(slot);
-  if (!(hz >= range.Low && hz <= range.High)) return std::nullopt;
-  const DerivedResponse& response = analyser.ShownResponse(slot);
-  const double index = analyser.IndexAt(slot, hz);
-  const int below = static_cast<int>(index);
-  const double share = index - below;
-  const double value = ValueOf(response, quantity, below);
-  const double next = ValueOf(response, quantity, below + 1);
-  // The range's ends may round to indices outside the points.
-  if (std::isnan(value)) return std::nullopt;
-  if (share == 0.0 || std::isnan(next)) return value;
-  if (quantity == ResponseQuantity::Phase && PhaseWraps(value, next)) return std::nullopt;
-  return (1.0 - share) * value + share * next;
-}
-
-FrequencyColumns::FrequencyColumns(const FrequencyAnalyser& analyser, int width) : width_(width) {
+FrequencyColumns::FrequencyColumns(const FrequencyAnalyser& analyser, int width)
+    : analyser_(analyser), width_(width) {
   const int count = 2 * (width + 1) + 1;
   halves_.reserve(static_cast<std::size_t>(count));
   for (int half = 0; half < count; ++half) {
@@ -188,9 +147,9 @@ FrequencyColumns::FrequencyColumns(const FrequencyAnalyser& analyser, int width)
   }
 }
 
-ResponseLines MakeResponseLines(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+ResponseLines MakeResponseLines(const Response& response, ResponseQuantity quantity,
                                 const FrequencyColumns& columns) {
-  return LineMaker(analyser, slot, quantity, columns).Make();
+  return LineMaker(response, quantity, columns).Make();
 }
 
 }  // namespace torvane

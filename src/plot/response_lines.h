@@ -1,19 +1,11 @@
 #pragma once
 
 #include <QPolygonF>
-#include <optional>
 #include <vector>
 
 #include "instruments/analyser/analyser.h"
 
 namespace torvane {
-
-enum class ResponseQuantity { Gain, Phase, Delay, Coherence };
-
-/// What is shown of a slot at a frequency, between two points in proportion; nothing where the slot
-/// has no such value, or the phase wraps.
-std::optional<double> ReadResponse(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
-                                   double hz);
 
 /// The frequencies of a plot's columns.
 class FrequencyColumns {
@@ -24,8 +16,11 @@ class FrequencyColumns {
   double Middle(int x) const { return halves_[static_cast<std::size_t>(2 * x + 1)]; }
   double LeftEdge(int x) const { return halves_[static_cast<std::size_t>(2 * x)]; }
   double RightEdge(int x) const { return LeftEdge(x + 1); }
+  /// Where a frequency lies, in columns.
+  double ColumnOf(double hz) const { return analyser_.AxisShare(hz) * width_; }
 
  private:
+  const FrequencyAnalyser& analyser_;
   int width_;
   std::vector<double> halves_;  // from half a column left of the plot, in steps of half a column
 };
@@ -55,7 +50,8 @@ struct ResponseLines {
   std::vector<double> Columns;
 };
 
-ResponseLines MakeResponseLines(FrequencyAnalyser& analyser, int slot, ResponseQuantity quantity,
+/// Of a response as its view shows it.
+ResponseLines MakeResponseLines(const Response& response, ResponseQuantity quantity,
                                 const FrequencyColumns& columns);
 
 }  // namespace torvane

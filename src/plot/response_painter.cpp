@@ -139,11 +139,12 @@ void ResponsePainter::FitDelays() {
   std::vector<double> delays;
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
     if (!ResponseLegend::IsDrawn(analyser_, slot)) continue;
-    const DerivedResponse& response = analyser_.ShownResponse(slot);
-    for (std::size_t i = 0; i < response.Delay.size(); ++i) {
-      const ResponsePoint& point = response.Curve[i];
+    const Response& response = analyser_.ShownResponse(slot);
+    for (int i = response.First(); i < response.End(); ++i) {
+      const ResponsePoint& point = *response.At(i);
       const bool seen = point.Hz >= analyser_.FreqMin() && point.Hz <= analyser_.FreqMax();
-      if (seen && point.Excited) delays.push_back(response.Delay[i]);
+      const auto delay = response.ValueOf(ResponseQuantity::Delay, i);
+      if (seen && point.Excited && delay) delays.push_back(*delay);
     }
   }
   const std::size_t tail = delays.size() / DelayTail;
@@ -264,7 +265,8 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
 void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis,
                                  int slot) const {
   const QRect& plate = axis.Plate;
-  const ResponseLines trace = MakeResponseLines(analyser_, slot, axis.Quantity, *columns_);
+  const ResponseLines trace =
+      MakeResponseLines(analyser_.ShownResponse(slot), axis.Quantity, *columns_);
   TracePen pen = ResponsePen(colours, look_, slot);
   if (axis.Second && !look_.Patterns) pen.Dashes = {6.0, 3.0};
   const double width = axis.Second && look_.Patterns ? SecondWidth : ResponseWidth;
@@ -345,7 +347,7 @@ void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colour
                        QString::number(cursor + 1));
       const int slot = analyser_.CursorSlot();
       if (!analyser_.TraceAt(slot).Shown) continue;
-      const auto value = ReadResponse(analyser_, slot, axis.Quantity, hz);
+      const auto value = analyser_.Read(axis.Quantity, slot, hz);
       if (!value) continue;
       painter.setPen(QPen(colours.Cursor, ResponseWidth * ratio_));
       painter.setRenderHint(QPainter::Antialiasing);

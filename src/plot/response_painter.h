@@ -40,7 +40,8 @@ class ResponsePainter {
   /// Divisions of a plot's height: a phase, from -270 to 90 degrees, fits at 90 degrees each.
   static constexpr int VerticalDivisions = 6;
 
-  explicit ResponsePainter(FrequencyAnalyser& analyser) : analyser_(analyser), legend_(analyser) {}
+  explicit ResponsePainter(const FrequencyAnalyser& analyser)
+      : analyser_(analyser), legend_(analyser) {}
 
   /// Area of the whole picture. Finds room for the labels and the legend; what is left is the
   /// plots'. Painting is of the analyser as it was laid out.
@@ -88,7 +89,7 @@ class ResponsePainter {
                        const ResponseLines& trace) const;
   int Scaled(double length) const { return qRound(length * ratio_); }
 
-  FrequencyAnalyser& analyser_;
+  const FrequencyAnalyser& analyser_;
   TraceLook look_;
   std::optional<FrequencyColumns> columns_;
   double ratio_ = 1.0;

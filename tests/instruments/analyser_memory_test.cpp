@@ -32,7 +32,7 @@ TEST_F(AnalyserMemory, IsKeptUntilTheRecordChangesItsMeasure) {
   TakeRecord(Impulse, Zero);
   EXPECT_EQ(Xfer.ResponseGain(0, 0.0), -200.0);
   EXPECT_EQ(Xfer.ResponseGain(2, 0.0), before);
-  EXPECT_TRUE(Xfer.Excited(2, 3));
+  EXPECT_TRUE(Xfer.ResponseAt(2).At(0)->Excited);
   Xfer.Run();
   Xfer.SetTSample(Period);
   Xfer.SetOrder(4);
@@ -51,8 +51,9 @@ TEST_F(AnalyserMemory, TakesAResponseFromElsewhere) {
   EXPECT_EQ(Xfer.PhaseRead(2, 1.0), -60.0);
   EXPECT_EQ(Xfer.PhaseRead(2, 100.0), -40.0);
   EXPECT_FALSE(Xfer.GainRead(2, 101.0));
-  EXPECT_TRUE(Xfer.HasCoherence(2) && Xfer.Excited(2, 0) && !Xfer.Excited(2, 1));
-  EXPECT_EQ(Xfer.Coherence(2, 1), 0.5);
+  const Response& loaded = Xfer.ResponseAt(2);
+  EXPECT_TRUE(loaded.HasCoherence() && loaded.At(0)->Excited && !loaded.At(1)->Excited);
+  EXPECT_EQ(loaded.At(1)->Coherence, 0.5);
   // It has nothing to do with the records' length.
   Xfer.SetOrder(3);
   EXPECT_TRUE(Xfer.HasData(2) && Xfer.TraceAt(2).Shown);
@@ -83,11 +84,11 @@ TEST_F(AnalyserMemory, AveragesRecordsThatGoOnFromEachOther) {
     // fifteenth.
     EXPECT_NEAR(Xfer.ResponseGain(0, bin), 20.0 * std::log10(2.0), 0.6) << bin;
     EXPECT_NEAR(Xfer.ResponsePhase(0, bin), 0.0, 5.0) << bin;
-    EXPECT_NEAR(Xfer.Coherence(0, bin), 4.0 / 7.0, 0.12) << bin;
-    EXPECT_TRUE(Xfer.Excited(0, bin));
+    EXPECT_NEAR(Xfer.ResponseAt(0).At(bin)->Coherence, 4.0 / 7.0, 0.12) << bin;
+    EXPECT_TRUE(Xfer.ResponseAt(0).At(bin)->Excited);
   }
   EXPECT_TRUE(Xfer.StoreData(1));
-  EXPECT_EQ(Xfer.Coherence(1, 3), Xfer.Coherence(0, 3));
+  EXPECT_EQ(Xfer.ResponseAt(1).At(3)->Coherence, Xfer.ResponseAt(0).At(3)->Coherence);
   // Stopped by hand, the records that are whole make the average.
   Xfer.SetAverages(3);
   Xfer.Run();
@@ -107,7 +108,7 @@ TEST_F(AnalyserMemory, AveragesRecordsThatGoOnFromEachOther) {
 TEST_F(AnalyserMemory, WarnsOfWhatMakesAMeasurementLessTrustworthy) {
   Xfer.SetAmplitude(0.0);
   TakeRecord(One, One);
-  EXPECT_FALSE(Xfer.Excited(0, 3));
+  EXPECT_FALSE(Xfer.ResponseAt(0).At(3)->Excited);
   EXPECT_FALSE(Xfer.HasCoherence(0));
   EXPECT_EQ(Xfer.Warnings().size(), 1U);
   Xfer.SetTEndDelay(Period);

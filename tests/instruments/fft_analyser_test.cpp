@@ -117,12 +117,11 @@ TEST_F(FftAnalyser, ReadsGainAndPhaseOfABin) {
   EXPECT_NEAR(Xfer.ResponsePhase(0, 2.25), 0.75 * -225.0 + 0.25 * 22.5, 1e-4);
   EXPECT_FALSE(Xfer.PhaseRead(0, 2.25 * 4.0)) << "a wrap lies between";
   EXPECT_TRUE(Xfer.PhaseRead(0, 4.25 * 4.0));
-  EXPECT_EQ(Xfer.IndexAt(0, 6.0), 1.5);
-  EXPECT_EQ(Xfer.PointHz(0, 3), 12.0);
-  EXPECT_EQ(Xfer.DataRange(0).Low, 4.0);
-  EXPECT_EQ(Xfer.DataRange(0).High, 32.0);
-  EXPECT_EQ(Xfer.Points(0).First, 1);
-  EXPECT_EQ(Xfer.Points(0).End, 9);
+  const Response& response = Xfer.ResponseAt(0);
+  EXPECT_EQ(response.IndexAt(6.0), 1.5);
+  EXPECT_EQ(response.At(3)->Hz, 12.0);
+  EXPECT_TRUE(response.LowestHz() == 4.0 && response.HighestHz() == 32.0);
+  EXPECT_TRUE(response.First() == 1 && response.End() == 9);
   EXPECT_EQ(Reports.Take(), Messages{});
   // A shorter record never leaves an end delay that covers it.
   Xfer.SetTEndDelay(8 * Period);

@@ -126,15 +126,16 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
   }
   // A memory keeps its own range.
   EXPECT_TRUE(Sweep.StoreData(1));
-  const double stored = Sweep.GainAt(1, 2.0);
+  const double stored = *Sweep.GainRead(1, 2.0);
   Sweep.SetFreqRange(2.0, 4.0);
   RunToTheEnd();
-  EXPECT_EQ(Sweep.DataRange(0).Low, 2.0);
-  EXPECT_TRUE(Sweep.DataRange(1).Low == 1.0 && Sweep.DataRange(1).High >= 10.0);
-  EXPECT_EQ(Sweep.GainAt(1, 2.0), stored);
+  EXPECT_EQ(Sweep.ResponseAt(0).LowestHz(), 2.0);
+  EXPECT_TRUE(Sweep.ResponseAt(1).LowestHz() == 1.0 && Sweep.ResponseAt(1).HighestHz() >= 10.0);
+  EXPECT_EQ(*Sweep.GainRead(1, 2.0), stored);
   // Interpolated on the logarithm: 1e-3 dB is the curvature between two of 25 points a decade.
-  EXPECT_NEAR(stored, Sweep.GainAt(0, 2.0), 1e-3);
-  EXPECT_NEAR(Sweep.IndexAt(1, std::sqrt(Sweep.PointFrequency(1, 3) * Sweep.PointFrequency(1, 4))),
+  EXPECT_NEAR(stored, *Sweep.GainRead(0, 2.0), 1e-3);
+  EXPECT_NEAR(Sweep.ResponseAt(1).IndexAt(
+                  std::sqrt(Sweep.PointFrequency(1, 3) * Sweep.PointFrequency(1, 4))),
               3.5, 1e-9);
   Sweep.SetVisible(true);
   EXPECT_TRUE(Sweep.TraceAt(1).Enabled);
@@ -221,7 +222,7 @@ TEST_F(SweptSine, AveragesWindowsInARowAtEachPoint) {
     const std::complex<double> lag(1.0, 2.0 * 3.1415926 * Sweep.PointFrequency(0, point) / W);
     // The hold of a tick, up to 3.5 degrees at 10 Hz, and a settled loop without noise.
     EXPECT_NEAR(Sweep.ResponseGain(0, point), -20.0 * std::log10(std::abs(lag)), 0.05);
-    EXPECT_NEAR(Sweep.Coherence(0, point), 1.0, 1e-4);
+    EXPECT_NEAR(Sweep.ResponseAt(0).At(point)->Coherence, 1.0, 1e-4);
   }
 }
 

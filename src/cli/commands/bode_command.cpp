@@ -21,7 +21,7 @@ void WriteBins(ZelXfer& xfer, ResultFile& file) {
     const double hz = xfer.BinFrequency(bin);
     line = {std::to_string(bin), FormatShortest(hz), FormatShortest(xfer.ResponseGain(0, bin)),
             FormatShortest(xfer.ResponsePhase(0, bin))};
-    if (averaged) line.emplace_back(xfer.Excited(0, bin) ? "1" : "0");
+    if (averaged) line.emplace_back(xfer.ResponseAt(0).At(bin)->Excited ? "1" : "0");
     Append(line, MoreFields(xfer, bin, hz));
     file.Write(CsvLine(line));
   }

@@ -45,7 +45,7 @@ bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name
       [&] {
         chosen = channel;
         phaseAdd_ = 0.0;
-        MarkStale();
+        MakeResponses();
       },
       [&] { return SettingCaption(what, name); });
   return true;
@@ -83,7 +83,7 @@ bool FrequencyAnalyser::SelectSetup(int index) {
         input_ = FindChannel(setup.Input);
         output_ = FindChannel(setup.Output);
         phaseAdd_ = setup.PhaseAdd;
-        MarkStale();
+        MakeResponses();
       },
       [&] { return SettingCaption("Channels", setup.Name); });
   return true;
@@ -108,54 +108,29 @@ double FrequencyAnalyser::WrappedPhase(int slot, int index) const {
   return phaseAdd_ == 0.0 ? phase : WrapPhase(phase + phaseAdd_);
 }
 
-template <class Value>
-double FrequencyAnalyser::Interpolate(int slot, double index, Value value) const {
-  const Loaded* loaded = LoadedAt(slot);
-  const int last = loaded ? static_cast<int>(loaded->Curve.size()) - 1 : LastIndex(slot);
-  // A position outside the record, or that is no number, is left to the channels to report.
-  if (!(index >= 0.0 && index <= last)) return value(-1);
+// Bins beyond the response, of a spectrum's upper half, are the channels' own; what they do not
+// have they report.
+double FrequencyAnalyser::ValueOf(double ResponsePoint::*value, int slot, int index) const {
+  const ResponsePoint* point = HasData(slot) ? ShownResponse(slot).At(index) : nullptr;
+  if (point) return point->*value;
+  return value == &ResponsePoint::Gain ? Difference(&AnalyserChannel::Gain, slot, index)
+                                       : WrappedPhase(slot, index);
+}
+
+double FrequencyAnalyser::Interpolated(double ResponsePoint::*value, int slot, double index) const {
+  constexpr double Far = 1e9;
+  if (!(index >= 0.0 && index < Far)) return ValueOf(value, slot, -1);
   const int k = static_cast<int>(index);
-  if (k == last) return value(k);
-  return ((k + 1) - index) * value(k) + (index - k) * value(k + 1);
+  if (k == index) return ValueOf(value, slot, k);
+  return ((k + 1) - index) * ValueOf(value, slot, k) + (index - k) * ValueOf(value, slot, k + 1);
 }
 
-double FrequencyAnalyser::MeasuredGain(int slot, int index) const {
-  return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Gain)
-                        : Difference(&AnalyserChannel::Gain, slot, index);
+double FrequencyAnalyser::ResponseGain(int slot, double index) const {
+  return Interpolated(&ResponsePoint::Gain, slot, index);
 }
 
-double FrequencyAnalyser::MeasuredPhase(int slot, int index) const {
-  return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Phase)
-                        : WrappedPhase(slot, index);
-}
-
-double FrequencyAnalyser::ResponseGain(int slot, double index) {
-  return Interpolate(slot, index, [&](int k) { return GainOf(slot, k); });
-}
-
-double FrequencyAnalyser::ResponsePhase(int slot, double index) {
-  return Interpolate(slot, index, [&](int k) { return PhaseOf(slot, k); });
-}
-
-bool FrequencyAnalyser::Readable(int slot, double hz) const {
-  if (slot < 0 || slot >= SlotCount || !HasData(slot)) return false;
-  const Range range = DataRange(slot);
-  return hz >= range.Low && hz <= range.High;
-}
-
-std::optional<double> FrequencyAnalyser::GainRead(int slot, double hz) {
-  if (!Readable(slot, hz)) return std::nullopt;
-  return GainAt(slot, hz);
-}
-
-std::optional<double> FrequencyAnalyser::PhaseRead(int slot, double hz) {
-  if (!Readable(slot, hz)) return std::nullopt;
-  const double index = IndexAt(slot, hz);
-  const int below = static_cast<int>(index);
-  if (index > below && PhaseWraps(PhaseOf(slot, below), PhaseOf(slot, below + 1))) {
-    return std::nullopt;
-  }
-  return ResponsePhase(slot, index);
+double FrequencyAnalyser::ResponsePhase(int slot, double index) const {
+  return Interpolated(&ResponsePoint::Phase, slot, index);
 }
 
 bool FrequencyAnalyser::StoreData(int slot) {
@@ -164,16 +139,15 @@ bool FrequencyAnalyser::StoreData(int slot) {
     return false;
   }
   if (!StoreSlot(slot)) return false;
-  loaded_[static_cast<std::size_t>(slot)].reset();
-  traces_[static_cast<std::size_t>(slot)] = {true, true};
-  origins_[static_cast<std::size_t>(slot)] = origins_[0];
+  SlotOf(slot) = SlotAt(0);
+  SlotOf(slot).Enabled = SlotOf(slot).Shown = true;
   Changed();
   return true;
 }
 
 void FrequencyAnalyser::SetShown(int slot, bool shown) {
-  Trace& trace = traces_[static_cast<std::size_t>(slot)];
-  if (trace.Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
+  ResponseSlot& trace = SlotOf(slot);
+  if (TraceAt(slot).Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
 }
 
 void FrequencyAnalyser::SetCursors(CursorMode mode) {
@@ -198,30 +172,25 @@ void FrequencyAnalyser::SetSplitScreen(bool split) {
 }
 
 void FrequencyAnalyser::TakeOrigin() {
-  origins_[0] = OriginNow(bench_);
+  RecordOf(0).Origin = OriginNow(bench_);
 }
 
 void FrequencyAnalyser::EnableTrace(int slot) {
-  Trace& trace = traces_[static_cast<std::size_t>(slot)];
+  ResponseSlot& trace = SlotOf(slot);
   MarkStale();
   if (trace.Enabled) return;
-  trace = {true, true};
+  trace.Enabled = trace.Shown = true;
   TellSettingsChanged();
 }
 
 void FrequencyAnalyser::DisableTrace(int slot) {
-  traces_[static_cast<std::size_t>(slot)] = {};
+  SlotOf(slot).Enabled = SlotOf(slot).Shown = false;
 }
 
 double FrequencyAnalyser::LimitExcitation(double value, double amplitude, double offset) {
   const double upper = offset + amplitude / 2.0;
   const double lower = offset - amplitude / 2.0;
   return value > upper || value < lower ? upper : value;
-}
-
-void FrequencyAnalyser::MarkStale() {
-  needsRedraw_ = true;
-  derived_.Forget();
 }
 
 void FrequencyAnalyser::Changed() {

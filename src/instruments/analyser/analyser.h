@@ -9,11 +9,9 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
-#include "instruments/analyser/derived_responses.h"
-#include "instruments/analyser/response_curve.h"
+#include "instruments/analyser/response_slot.h"
 #include "instruments/analyser/response_view.h"
 #include "instruments/analyser/setup_finding.h"
-#include "instruments/analyser/trace_origin.h"
 #include "instruments/setting_caption.h"
 
 namespace torvane {
@@ -67,63 +65,38 @@ class FrequencyAnalyser : public Instrument {
 
   /// Response at a fractional bin or point of a slot: output against input in dB and degrees (or
   /// the output alone, in spectrum mode). Linear between two neighbours, whose phases are wrapped
-  /// to (-270, 90] first.
-  double ResponseGain(int slot, double index);
-  double ResponsePhase(int slot, double index);
-  /// The same at a frequency in Hz that lies within DataRange.
-  double GainAt(int slot, double hz) { return ResponseGain(slot, IndexAt(slot, hz)); }
-  double PhaseAt(int slot, double hz) { return ResponsePhase(slot, IndexAt(slot, hz)); }
-  /// The same at a bin or point itself.
-  double GainOf(int slot, int index);
-  double PhaseOf(int slot, int index);
-  /// As it was measured, whatever the view makes of it.
-  double MeasuredGain(int slot, int index) const;
-  double MeasuredPhase(int slot, int index) const;
+  /// to (-270, 90] first. A bin that no channel has is reported and reads 0.
+  double ResponseGain(int slot, double index) const;
+  double ResponsePhase(int slot, double index) const;
 
   /// The response is the output's alone.
   virtual bool OutputOnly() const { return false; }
 
-  /// Whether a slot holds a measurement that may be read, and its lowest and highest frequency, Hz.
+  /// Whether a slot holds a response that may be read, and that response as it was made.
   bool HasData(int slot) const;
-  struct Range {
-    double Low = 0.0;
-    double High = 0.0;
-  };
-  Range DataRange(int slot) const;
-  /// Position of a frequency among the slot's bins or points, with its fraction.
-  double IndexAt(int slot, double hz) const;
-
-  /// The bins or points of that range, and the frequency of one of them, Hz.
-  struct Indices {
-    int First = 0;
-    int End = 0;  ///< one past the last
-  };
-  Indices Points(int slot) const;
-  double PointHz(int slot, int index) const;
-  /// The excitation had power at that bin or point; elsewhere a response is noise.
-  bool Excited(int slot, int index) const;
-  /// The share of input and output that the excitation explains, 0 to 1. It is known of averaged
-  /// measurements; others read 1.
-  double Coherence(int slot, int index) const;
-  bool HasCoherence(int slot) const;
-
-  /// The same for a plot, which asks at any frequency: nothing where the slot has no data. There is
-  /// no phase between two points on either side of a wrap.
-  std::optional<double> GainRead(int slot, double hz);
-  std::optional<double> PhaseRead(int slot, double hz);
+  const Response& ResponseAt(int slot) const { return SlotAt(slot).Held; }
+  bool HasCoherence(int slot) const { return HasData(slot) && ResponseAt(slot).HasCoherence(); }
 
   /// Which plot is shown, and what of the responses; all that is read of them follows. A spectrum
   /// is shown as it is.
   const ResponseView& View() const { return responseView_; }
   void SetView(const ResponseView& view);
-  /// What a plot shows of a slot that has data: its points on the frequency axis, or all of them
-  /// where the view makes something of them. Kept until data or settings change.
-  const DerivedResponse& ShownResponse(int slot);
+  /// What the view shows of a slot that has data.
+  const Response& ShownResponse(int slot) const { return SlotAt(slot).AsSeen(); }
   /// The lower plot shows group delay instead of phase.
   bool ShowsDelay() const { return responseView_.GroupDelay && !OutputOnly(); }
-  /// Group delay in seconds at a bin or point, and at a frequency; while it is shown.
-  double DelayOf(int slot, int index);
-  std::optional<double> DelayRead(int slot, double hz);
+
+  /// What is shown of a slot at any frequency, Hz; nothing where it has no such value.
+  std::optional<double> Read(ResponseQuantity quantity, int slot, double hz) const;
+  std::optional<double> GainRead(int slot, double hz) const {
+    return Read(ResponseQuantity::Gain, slot, hz);
+  }
+  std::optional<double> PhaseRead(int slot, double hz) const {
+    return Read(ResponseQuantity::Phase, slot, hz);
+  }
+  std::optional<double> DelayRead(int slot, double hz) const {
+    return Read(ResponseQuantity::Delay, slot, hz);
+  }
 
   /// The share of the measurement in progress, or of the last one, that has been taken, 0 to 1.
   virtual double Progress() const = 0;
@@ -136,7 +109,7 @@ class FrequencyAnalyser : public Instrument {
   /// are chosen. The name says where it comes from.
   void LoadMemory(int slot, ResponseCurve curve, std::string name);
   /// That name; empty for a slot that holds a measurement of this analyser.
-  const std::string& LoadedFrom(int slot) const;
+  const std::string& LoadedFrom(int slot) const { return ResponseAt(slot).Name(); }
 
   static constexpr int MaxAverages = 1000;
   /// Measurements that are averaged into one, at least 1.
@@ -151,9 +124,9 @@ class FrequencyAnalyser : public Instrument {
   /// What makes the measurement, as it is set up or going on, less trustworthy; a sentence each.
   virtual std::vector<std::string> Warnings() const;
 
-  const Trace& TraceAt(int slot) const { return traces_[static_cast<std::size_t>(slot)]; }
+  Trace TraceAt(int slot) const;
   /// When and with which constants the slot's measurement was taken.
-  const TraceOrigin& Origin(int slot) const { return origins_[static_cast<std::size_t>(slot)]; }
+  const TraceOrigin& Origin(int slot) const { return SlotAt(slot).Record.Origin; }
   void SetShown(int slot, bool shown);
 
   /// Frequency axis, Hz, logarithmic; the limits stay at least 1 % apart.
@@ -261,15 +234,18 @@ class FrequencyAnalyser : public Instrument {
   virtual void SaveMore(RecordWriter& writer) const;
   virtual bool LoadMore(const std::string& keyword, int value);
 
-  /// What the analyser's own measurement in a slot is; the public operations of these names tell.
-  virtual bool HasRecord(int slot) const = 0;
-  virtual Range RecordRange(int slot) const = 0;
-  virtual double RecordIndexAt(int slot, double hz) const = 0;
-  virtual Indices RecordPoints(int slot) const = 0;
+  /// The bins or points that the analyser has measured in a slot; none before a record is whole.
+  virtual int RecordEnd(int slot) const = 0;
   virtual double RecordHz(int slot, int index) const = 0;
-  virtual bool RecordExcited(int slot, int index) const = 0;
-  /// The last index that has no upper neighbour.
-  virtual int LastIndex(int slot) const = 0;
+  virtual BinSpacing Bins() const { return {}; }
+
+  MeasuredRecord& RecordOf(int slot) { return SlotOf(slot).Record; }
+  const MeasuredRecord& RecordOf(int slot) const { return SlotAt(slot).Record; }
+  /// Makes a slot's response of what the channels hold of its measurement.
+  void MakeResponse(int slot);
+  void MakeResponses();
+  /// There is no current measurement.
+  void ClearCurrent() { SlotOf(0).Held = {}; }
 
   ZelBenchTop& bench_;
   bool running_ = false;
@@ -278,24 +254,19 @@ class FrequencyAnalyser : public Instrument {
 
  private:
   using Reading = double (AnalyserChannel::*)(int, int);
-  /// A response that was measured elsewhere.
-  struct Loaded {
-    std::vector<double> Frequencies;
-    ResponseCurve Curve;
-    std::string Name;
-  };
-  const Loaded* LoadedAt(int slot) const { return loaded_[static_cast<std::size_t>(slot)].get(); }
-  double LoadedValue(int slot, int index, double ResponsePoint::*value) const;
+  const ResponseSlot& SlotAt(int slot) const { return slots_[static_cast<std::size_t>(slot)]; }
+  ResponseSlot& SlotOf(int slot) { return slots_[static_cast<std::size_t>(slot)]; }
   AnalyserChannel* FindChannel(const std::string& name) const;
   double Difference(Reading reading, int slot, int index) const;
   double WrappedPhase(int slot, int index) const;
-  template <class Value>
-  double Interpolate(int slot, double index, Value value) const;
+  double Coherence(int slot, int index) const;
+  Response Measured(int slot) const;
+  void See(int slot);
+  double ValueOf(double ResponsePoint::*value, int slot, int index) const;
+  double Interpolated(double ResponsePoint::*value, int slot, double index) const;
   bool Choose(AnalyserChannel*& chosen, const std::string& name, const char* what);
-  bool Readable(int slot, double hz) const;
-  const DerivedResponse* DerivedAt(int slot);
   /// What is drawn has changed.
-  void MarkStale();
+  void MarkStale() { needsRedraw_ = true; }
   bool LoadChoice(const Record& record);
   bool LoadAxis(const Record& record);
   bool LoadView(const std::string& keyword, int value);
@@ -307,10 +278,8 @@ class FrequencyAnalyser : public Instrument {
   AnalyserChannel* output_ = nullptr;
   double phaseAdd_ = 0.0;
   std::vector<AnalyserSetup> setups_;
-  std::array<Trace, SlotCount> traces_;
-  std::array<std::unique_ptr<Loaded>, SlotCount> loaded_;
+  std::array<ResponseSlot, SlotCount> slots_;
   int averages_ = 1;
-  std::array<TraceOrigin, SlotCount> origins_;
   double gainScale_ = 20.0;
   double gainOffset_ = 0.0;
   double phaseScale_ = 90.0;
@@ -322,7 +291,6 @@ class FrequencyAnalyser : public Instrument {
   int cursorSlot_ = 0;
   bool splitScreen_ = true;
   ResponseView responseView_;
-  DerivedResponses derived_;
   std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
   std::optional<double> fileFreqMax_;
   bool needsRedraw_ = false;

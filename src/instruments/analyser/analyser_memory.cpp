@@ -11,74 +11,58 @@ namespace torvane {
 
 void FrequencyAnalyser::LoadMemory(int slot, ResponseCurve curve, std::string name) {
   if (slot < 1 || slot >= SlotCount || curve.empty()) return;
-  auto loaded = std::make_unique<Loaded>();
-  for (ResponsePoint& point : curve) {
-    point.Phase = OneTurn(point.Phase);
-    loaded->Frequencies.push_back(point.Hz);
-  }
-  loaded->Curve = std::move(curve);
-  loaded->Name = std::move(name);
-  loaded_[static_cast<std::size_t>(slot)] = std::move(loaded);
-  traces_[static_cast<std::size_t>(slot)] = {true, true};
+  for (ResponsePoint& point : curve) point.Phase = OneTurn(point.Phase);
+  const bool hasCoherence = std::any_of(
+      curve.begin(), curve.end(), [](const ResponsePoint& point) { return point.Coherence < 1.0; });
+  ResponseSlot loaded;
+  loaded.Enabled = loaded.Shown = true;
+  loaded.Held = Response(ResponseSource::Loaded, std::move(name), std::move(curve), hasCoherence);
+  SlotOf(slot) = std::move(loaded);
+  See(slot);
   Changed();
 }
 
-const std::string& FrequencyAnalyser::LoadedFrom(int slot) const {
-  static const std::string nowhere;
-  const Loaded* loaded = LoadedAt(slot);
-  return loaded ? loaded->Name : nowhere;
-}
-
-double FrequencyAnalyser::LoadedValue(int slot, int index, double ResponsePoint::*value) const {
-  const ResponseCurve& curve = LoadedAt(slot)->Curve;
-  if (index < 0 || static_cast<std::size_t>(index) >= curve.size()) return 0.0;
-  return curve[static_cast<std::size_t>(index)].*value;
+FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
+  const ResponseSlot& trace = SlotAt(slot);
+  if (trace.Dropped && slot > 0) return {};
+  return {trace.Enabled, trace.Shown};
 }
 
 bool FrequencyAnalyser::HasData(int slot) const {
-  return LoadedAt(slot) ? TraceAt(slot).Enabled : HasRecord(slot);
+  const ResponseSlot& trace = SlotAt(slot);
+  return !trace.Held.Empty() && !trace.Dropped && (slot == 0 || trace.Enabled);
 }
 
-FrequencyAnalyser::Range FrequencyAnalyser::DataRange(int slot) const {
-  const Loaded* loaded = LoadedAt(slot);
-  if (!loaded) return RecordRange(slot);
-  return {loaded->Frequencies.front(), loaded->Frequencies.back()};
+void FrequencyAnalyser::MakeResponse(int slot) {
+  ResponseSlot& trace = SlotOf(slot);
+  if (trace.Held.Source() == ResponseSource::Measured) trace.Held = Measured(slot);
+  See(slot);
+  MarkStale();
 }
 
-double FrequencyAnalyser::IndexAt(int slot, double hz) const {
-  const Loaded* loaded = LoadedAt(slot);
-  return loaded ? IndexAmong(loaded->Frequencies, hz) : RecordIndexAt(slot, hz);
+void FrequencyAnalyser::MakeResponses() {
+  for (int slot = 0; slot < SlotCount; ++slot) MakeResponse(slot);
 }
 
-FrequencyAnalyser::Indices FrequencyAnalyser::Points(int slot) const {
-  const Loaded* loaded = LoadedAt(slot);
-  if (!loaded) return RecordPoints(slot);
-  return {0, static_cast<int>(loaded->Curve.size())};
-}
-
-double FrequencyAnalyser::PointHz(int slot, int index) const {
-  return LoadedAt(slot) ? LoadedValue(slot, index, &ResponsePoint::Hz) : RecordHz(slot, index);
-}
-
-bool FrequencyAnalyser::Excited(int slot, int index) const {
-  const Loaded* loaded = LoadedAt(slot);
-  if (!loaded) return OutputOnly() || RecordExcited(slot, index);
-  return index >= 0 && static_cast<std::size_t>(index) < loaded->Curve.size() &&
-         loaded->Curve[static_cast<std::size_t>(index)].Excited;
-}
-
-bool FrequencyAnalyser::HasCoherence(int slot) const {
-  if (const Loaded* loaded = LoadedAt(slot)) {
-    return std::any_of(loaded->Curve.begin(), loaded->Curve.end(),
-                       [](const ResponsePoint& point) { return point.Coherence < 1.0; });
+Response FrequencyAnalyser::Measured(int slot) const {
+  const int end = RecordEnd(slot);
+  if (!input_ || !output_ || end == 0) return {};
+  const std::vector<bool>& excited = RecordOf(slot).Excited;
+  ResponseCurve points;
+  points.reserve(static_cast<std::size_t>(end));
+  for (int index = 0; index < end; ++index) {
+    const double gain = Difference(&AnalyserChannel::Gain, slot, index);
+    const bool power = OutputOnly() || excited.empty() || excited[static_cast<std::size_t>(index)];
+    points.push_back({RecordHz(slot, index), gain, WrappedPhase(slot, index),
+                      Coherence(slot, index), power && gain > NoGain});
   }
-  return !OutputOnly() && output_ && output_->Coherence(slot, 0).has_value();
+  const bool hasCoherence = !OutputOnly() && output_->Coherence(slot, 0).has_value();
+  return {ResponseSource::Measured, {}, std::move(points), hasCoherence, Bins()};
 }
 
 // A loop's input is moved by what else acts on the loop, as its output is.
 double FrequencyAnalyser::Coherence(int slot, int index) const {
-  if (LoadedAt(slot)) return LoadedValue(slot, index, &ResponsePoint::Coherence);
-  if (OutputOnly() || !input_ || !output_) return 1.0;
+  if (OutputOnly()) return 1.0;
   return std::min(input_->Coherence(slot, index).value_or(1.0),
                   output_->Coherence(slot, index).value_or(1.0));
 }

@@ -99,8 +99,8 @@ void FrequencyAnalyser::SaveMore(RecordWriter& writer) const {
   write("SplitScreen", splitScreen_);
   write("Plot", static_cast<int>(responseView_.Plot));
   for (const ViewSwitch& view : ViewSwitches) write(view.Keyword, responseView_.*view.On);
-  for (std::size_t i = 0; i < traces_.size(); ++i) {
-    write(NumberedKeyword("Shown", i), traces_[i].Shown);
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    write(NumberedKeyword("Shown", i), slots_[i].Shown);
   }
 }
 

@@ -1,4 +1,4 @@
-// What an analyser's view makes of the measured responses.
+// What an analyser's view makes of its responses.
 
 #include "instruments/analyser/analyser.h"
 
@@ -9,47 +9,22 @@ void FrequencyAnalyser::SetView(const ResponseView& view) {
   Change(
       [&] {
         responseView_ = view;
+        for (int slot = 0; slot < SlotCount; ++slot) See(slot);
         MarkStale();
       },
       [] { return "View"; });
 }
 
-// nullptr where the measurement is shown as it is.
-const DerivedResponse* FrequencyAnalyser::DerivedAt(int slot) {
-  const bool derives =
-      responseView_.OpenLoop || responseView_.Unwrapped || responseView_.GroupDelay;
-  if (!derives || OutputOnly() || !HasData(slot)) return nullptr;
-  return &ShownResponse(slot);
+void FrequencyAnalyser::See(int slot) {
+  ResponseSlot& trace = SlotOf(slot);
+  trace.Seen.reset();
+  if (responseView_.Derives() && !OutputOnly()) trace.Seen = trace.Held.Seen(responseView_);
 }
 
-const DerivedResponse& FrequencyAnalyser::ShownResponse(int slot) {
-  return derived_.Of(*this, slot, OutputOnly() ? ResponseView{} : responseView_);
-}
-
-double FrequencyAnalyser::GainOf(int slot, int index) {
-  const DerivedResponse* derived = DerivedAt(slot);
-  const ResponsePoint* point = derived ? derived->At(index) : nullptr;
-  return point ? point->Gain : MeasuredGain(slot, index);
-}
-
-double FrequencyAnalyser::PhaseOf(int slot, int index) {
-  const DerivedResponse* derived = DerivedAt(slot);
-  const ResponsePoint* point = derived ? derived->At(index) : nullptr;
-  return point ? point->Phase : MeasuredPhase(slot, index);
-}
-
-double FrequencyAnalyser::DelayOf(int slot, int index) {
-  const DerivedResponse* derived = DerivedAt(slot);
-  return derived ? derived->DelayAt(index) : 0.0;
-}
-
-std::optional<double> FrequencyAnalyser::DelayRead(int slot, double hz) {
-  if (!ShowsDelay() || !Readable(slot, hz)) return std::nullopt;
-  const double index = IndexAt(slot, hz);
-  const int below = static_cast<int>(index);
-  const double share = index - below;
-  if (share == 0.0) return DelayOf(slot, below);
-  return (1.0 - share) * DelayOf(slot, below) + share * DelayOf(slot, below + 1);
+std::optional<double> FrequencyAnalyser::Read(ResponseQuantity quantity, int slot,
+                                              double hz) const {
+  if (slot < 0 || slot >= SlotCount || !HasData(slot)) return std::nullopt;
+  return ShownResponse(slot).Read(quantity, hz);
 }
 
 }  // namespace torvane

@@ -13,7 +13,7 @@ std::optional<double> Change(const std::optional<double>& from, const std::optio
 
 }  // namespace
 
-ResponseCursorReading ReadResponseCursors(FrequencyAnalyser& analyser, int plotWidth) {
+ResponseCursorReading ReadResponseCursors(const FrequencyAnalyser& analyser, int plotWidth) {
   ResponseCursorReading reading;
   const int slot = analyser.CursorSlot();
   const bool shown = analyser.TraceAt(slot).Shown;

@@ -24,6 +24,6 @@ struct ResponseCursorReading {
 };
 
 /// On a plot of so many columns.
-ResponseCursorReading ReadResponseCursors(FrequencyAnalyser& analyser, int plotWidth);
+ResponseCursorReading ReadResponseCursors(const FrequencyAnalyser& analyser, int plotWidth);
 
 }  // namespace torvane

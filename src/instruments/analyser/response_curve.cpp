@@ -5,26 +5,15 @@
 #include <complex>
 
 #include "instruments/analyser/analyser.h"
-#include "instruments/analyser/curve_part.h"
 #include "instruments/analyser/response_reading.h"
 
 namespace torvane {
 
-void ReadCurve(FrequencyAnalyser& analyser, int slot, ResponseCurve& curve) {
+void ReadCurve(const FrequencyAnalyser& analyser, int slot, ResponseCurve& curve) {
   curve.clear();
   if (!analyser.HasData(slot)) return;
-  ReadCurvePart(analyser, slot, analyser.Points(slot), curve);
-}
-
-void ReadCurvePart(FrequencyAnalyser& analyser, int slot, FrequencyAnalyser::Indices points,
-                   ResponseCurve& curve) {
-  curve.clear();
-  curve.reserve(static_cast<std::size_t>(std::max(0, points.End - points.First)));
-  for (int i = points.First; i < points.End; ++i) {
-    const double gain = analyser.MeasuredGain(slot, i);
-    curve.push_back({analyser.PointHz(slot, i), gain, analyser.MeasuredPhase(slot, i),
-                     analyser.Coherence(slot, i), gain > NoGain && analyser.Excited(slot, i)});
-  }
+  const std::span<const ResponsePoint> points = analyser.ResponseAt(slot).Curve();
+  curve.assign(points.begin(), points.end());
 }
 
 void UnwrapPhase(std::span<ResponsePoint> curve) {

@@ -27,7 +27,7 @@ using ResponseCurve = std::vector<ResponsePoint>;
 
 /// What a slot of an analyser holds as measured, phases in (-270, 90]; empty without data. The
 /// curve's memory is used again, so reading one that grows no longer allocates nothing.
-void ReadCurve(FrequencyAnalyser& analyser, int slot, ResponseCurve& curve);
+void ReadCurve(const FrequencyAnalyser& analyser, int slot, ResponseCurve& curve);
 
 /// Adds whole turns, so that the phase never moves by more than half a turn between two points
 /// that follow each other and can be trusted. The first one stays.

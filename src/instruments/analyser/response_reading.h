@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <cmath>
-#include <span>
 
 #include "core/angle.h"
 
@@ -36,17 +34,6 @@ inline double WrapPhase(double degrees) {
 inline double OneTurn(double degrees) {
   const double phase = std::remainder(degrees + 90.0, 360.0) - 90.0;
   return phase <= -270.0 ? phase + 360.0 : phase;
-}
-
-/// Position of a frequency among ascending ones, with its fraction on the logarithmic axis; -1
-/// outside them.
-inline double IndexAmong(std::span<const double> frequencies, double hz) {
-  if (frequencies.empty() || !(hz >= frequencies.front() && hz <= frequencies.back())) return -1.0;
-  if (hz == frequencies.back()) return static_cast<double>(frequencies.size() - 1);
-  const auto above = std::upper_bound(frequencies.begin(), frequencies.end(), hz);
-  const auto below = above - 1;
-  const double fraction = std::log(hz / *below) / std::log(*above / *below);
-  return static_cast<double>(below - frequencies.begin()) + fraction;
 }
 
 /// Two neighbouring phases lie on either side of a wrap.

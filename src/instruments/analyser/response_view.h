@@ -15,6 +15,9 @@ struct ResponseView {
   bool Unwrapped = false;   ///< phases go on beyond a turn
   bool GroupDelay = false;  ///< below the gain, instead of the phase
 
+  /// Something is made of the responses.
+  bool Derives() const { return OpenLoop || Unwrapped || GroupDelay; }
+
   bool operator==(const ResponseView&) const = default;
 };
 

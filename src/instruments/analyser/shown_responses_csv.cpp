@@ -25,7 +25,7 @@ std::string FieldOf(const std::optional<double>& value) {
 
 }  // namespace
 
-std::string ShownResponsesCsv(FrequencyAnalyser& analyser) {
+std::string ShownResponsesCsv(const FrequencyAnalyser& analyser) {
   const std::vector<int> slots = ShownSlots(analyser);
   const bool coherence = !slots.empty() && analyser.HasCoherence(slots.front());
   std::vector<std::string> line{"Frequency", "Gain", "Phase"};
@@ -36,16 +36,13 @@ std::string ShownResponsesCsv(FrequencyAnalyser& analyser) {
   }
   std::string text = CsvLine(line);
   if (slots.empty()) return text;
-  const int first = slots.front();
-  const FrequencyAnalyser::Indices points = analyser.Points(first);
-  for (int index = points.First; index < points.End; ++index) {
-    const double hz = analyser.PointHz(first, index);
-    line = {FormatShortest(hz), FormatShortest(analyser.GainOf(first, index)),
-            FormatShortest(analyser.PhaseOf(first, index))};
-    if (coherence) line.push_back(FormatShortest(analyser.Coherence(first, index)));
+  const Response& first = analyser.ShownResponse(slots.front());
+  for (const ResponsePoint& point : first.Curve()) {
+    line = {FormatShortest(point.Hz), FormatShortest(point.Gain), FormatShortest(point.Phase)};
+    if (coherence) line.push_back(FormatShortest(point.Coherence));
     for (std::size_t i = 1; i < slots.size(); ++i) {
-      line.push_back(FieldOf(analyser.GainRead(slots[i], hz)));
-      line.push_back(FieldOf(analyser.PhaseRead(slots[i], hz)));
+      line.push_back(FieldOf(analyser.GainRead(slots[i], point.Hz)));
+      line.push_back(FieldOf(analyser.PhaseRead(slots[i], point.Hz)));
     }
     text += CsvLine(line);
   }

@@ -31,7 +31,6 @@ ZelXfer::ZelXfer(ZelBenchTop& bench, int maxOrder, std::string name)
       order_(fft_.MaxOrder()),
       excitationRecord_(fft_) {
   excitationPower_.reserve(std::size_t{1} << order_);
-  for (std::vector<bool>& excited : excited_) excited.reserve(excitationPower_.capacity());
   for (const Variable* variable : bench.Variables()) {
     if (!variable->Internal()) AddVar(*variable);
   }
@@ -90,6 +89,7 @@ void ZelXfer::BeginMeasurement() {
 void ZelXfer::BeginRecord() {
   sampleCount_ = 0;
   recordWhole_ = false;
+  ClearCurrent();
   TakeOrigin();
   for (ZelXferChannel* channel : records_) channel->MarkNewSamples();
 }
@@ -156,8 +156,9 @@ void ZelXfer::TakeMeasurement() {
     }
   }
   averaging_ = false;
-  MarkExcited(excitationPower_, excited_[0]);
+  MarkExcited(excitationPower_, RecordOf(0).Excited);
   recordWhole_ = true;
+  MakeResponse(0);
   EnableTrace(0);
 }
 
@@ -188,38 +189,15 @@ std::vector<std::string> ZelXfer::Warnings() const {
   return warnings;
 }
 
-bool ZelXfer::HasRecord(int slot) const {
-  return slot == 0 ? recordWhole_ : TraceAt(slot).Enabled;
-}
-
-FrequencyAnalyser::Range ZelXfer::RecordRange(int /*slot*/) const {
-  return {1.0 / (Length() * tSample_), 0.5 / tSample_};
-}
-
-double ZelXfer::RecordIndexAt(int /*slot*/, double hz) const {
-  return hz * tSample_ * Length();
-}
-
-FrequencyAnalyser::Indices ZelXfer::RecordPoints(int /*slot*/) const {
-  return {1, Length() / 2 + 1};
-}
-
-bool ZelXfer::RecordExcited(int slot, int index) const {
-  const std::vector<bool>& excited = excited_[static_cast<std::size_t>(slot)];
-  const auto bin = static_cast<std::size_t>(std::max(index, 0));
-  return bin < excited.size() && excited[bin];
-}
-
-int ZelXfer::LastIndex(int /*slot*/) const {
-  return Length();
+// Up to half the sample rate.
+int ZelXfer::RecordEnd(int slot) const {
+  const bool whole = slot == 0 ? recordWhole_ : !RecordOf(slot).Excited.empty();
+  return whole ? Length() / 2 + 1 : 0;
 }
 
 bool ZelXfer::StoreSlot(int slot) {
-  const bool stored = std::all_of(records_.begin(), records_.end(), [&](ZelXferChannel* channel) {
-    return channel->StoreData(slot);
-  });
-  if (stored) excited_[static_cast<std::size_t>(slot)] = excited_[0];
-  return stored;
+  return std::all_of(records_.begin(), records_.end(),
+                     [&](ZelXferChannel* channel) { return channel->StoreData(slot); });
 }
 
 }  // namespace torvane

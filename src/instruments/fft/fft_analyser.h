@@ -100,16 +100,12 @@ class ZelXfer final : public FrequencyAnalyser {
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
  protected:
-  bool HasRecord(int slot) const override;
-  Range RecordRange(int slot) const override;
-  double RecordIndexAt(int slot, double hz) const override;
-  Indices RecordPoints(int slot) const override;
+  int RecordEnd(int slot) const override;
   double RecordHz(int /*slot*/, int index) const override { return BinFrequency(index); }
-  bool RecordExcited(int slot, int index) const override;
+  BinSpacing Bins() const override { return {tSample_, Length()}; }
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   bool OutputOnly() const override { return spectrum_; }
-  int LastIndex(int slot) const override;
   bool StoreSlot(int slot) override;
   void SaveMore(RecordWriter& writer) const override;
   bool LoadMore(const std::string& keyword, int value) override;
@@ -160,8 +156,7 @@ class ZelXfer final : public FrequencyAnalyser {
   SmoothingFilter filter_;
 
   ExcitationRecord excitationRecord_;
-  std::vector<double> excitationPower_;  ///< by bin, summed over the records
-  std::array<std::vector<bool>, SlotCount> excited_;
+  std::vector<double> excitationPower_;   ///< by bin, summed over the records
   std::vector<ZelXferChannel*> records_;  ///< the channels, as what they are
 };
 

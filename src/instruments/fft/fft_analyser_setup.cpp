@@ -82,6 +82,7 @@ void ZelXfer::FitEndDelay() {
 
 void ZelXfer::DropRecords() {
   recordWhole_ = false;
+  ClearCurrent();
   averaging_ = false;
   for (int slot = 1; slot < SlotCount; ++slot) {
     if (LoadedFrom(slot).empty()) DisableTrace(slot);
@@ -121,6 +122,7 @@ void ZelXfer::SetSpectrum(bool on) {
       [&] {
         spectrum_ = on;
         for (ZelXferChannel* channel : records_) channel->SetWindow(on);
+        MakeResponses();
         // Half a record under the window and half without it would be neither.
         if (NextTime() >= 0.0) Arm();
         Changed();

@@ -23,7 +23,7 @@ ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
     AddChannel(std::move(channel));
   }
   CheckChannels();
-  frequencies_[0].reserve(Capacity);
+  RecordOf(0).Frequencies.reserve(Capacity);
   ApplySweepRange();
 }
 
@@ -87,7 +87,8 @@ bool ZelSweptDSA::Service(double t) {
 void ZelSweptDSA::BeginSweep() {
   pointIndex_ = 0;
   f_ = FreqMin();
-  frequencies_[0].clear();
+  RecordOf(0).Frequencies.clear();
+  ClearCurrent();
   TakeOrigin();
   for (ZelSweptDSAChannel* channel : points_) channel->ClearPoints();
 }
@@ -119,7 +120,8 @@ void ZelSweptDSA::CompletePoint() {
     Finish(State::Done);
     return;
   }
-  frequencies_[0].push_back(f_);
+  RecordOf(0).Frequencies.push_back(f_);
+  MakeResponse(0);
   if (f_ < FreqMax()) {
     state_ = State::Advance;
     EnableTrace(0);
@@ -140,35 +142,9 @@ void ZelSweptDSA::SetVisible(bool visible) {
   FrequencyAnalyser::SetVisible(visible);
 }
 
-bool ZelSweptDSA::HasRecord(int slot) const {
-  const bool measured = !frequencies_[static_cast<std::size_t>(slot)].empty();
-  return slot == 0 ? measured : measured && TraceAt(slot).Enabled;
-}
-
-FrequencyAnalyser::Range ZelSweptDSA::RecordRange(int slot) const {
-  const std::vector<double>& frequencies = frequencies_[static_cast<std::size_t>(slot)];
-  if (frequencies.empty()) return {};
-  return {frequencies.front(), frequencies.back()};
-}
-
-double ZelSweptDSA::RecordIndexAt(int slot, double hz) const {
-  return IndexAmong(frequencies_[static_cast<std::size_t>(slot)], hz);
-}
-
-FrequencyAnalyser::Indices ZelSweptDSA::RecordPoints(int slot) const {
-  return {0, LastIndex(slot) + 1};
-}
-
-int ZelSweptDSA::LastIndex(int slot) const {
-  return static_cast<int>(frequencies_[static_cast<std::size_t>(slot)].size()) - 1;
-}
-
 bool ZelSweptDSA::StoreSlot(int slot) {
-  for (ZelSweptDSAChannel* channel : points_) {
-    if (!channel->StoreData(slot)) return false;
-  }
-  frequencies_[static_cast<std::size_t>(slot)] = frequencies_[0];
-  return true;
+  return std::all_of(points_.begin(), points_.end(),
+                     [&](ZelSweptDSAChannel* channel) { return channel->StoreData(slot); });
 }
 
 }  // namespace torvane

@@ -53,9 +53,9 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double NextTick() const;
   double Frequency() const { return f_; }
   /// Points measured in slot 0 and their frequencies, Hz.
-  int PointCount() const { return static_cast<int>(frequencies_[0].size()); }
+  int PointCount() const { return RecordEnd(0); }
   double PointFrequency(int slot, int index) const {
-    return frequencies_[static_cast<std::size_t>(slot)][static_cast<std::size_t>(index)];
+    return RecordOf(slot).Frequencies[static_cast<std::size_t>(index)];
   }
 
   double TSample() const { return tSample_; }
@@ -94,15 +94,12 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   void SetVisible(bool visible) override;
 
  protected:
-  bool HasRecord(int slot) const override;
-  Range RecordRange(int slot) const override;
-  double RecordIndexAt(int slot, double hz) const override;
-  Indices RecordPoints(int slot) const override;
+  int RecordEnd(int slot) const override {
+    return static_cast<int>(RecordOf(slot).Frequencies.size());
+  }
   double RecordHz(int slot, int index) const override { return PointFrequency(slot, index); }
-  bool RecordExcited(int /*slot*/, int /*index*/) const override { return true; }
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
-  int LastIndex(int slot) const override;
   bool StoreSlot(int slot) override;
 
  private:
@@ -131,7 +128,6 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double measurementEnd_ = 0.0;
   int windows_ = 0;  ///< windows of the point that are whole
   double excitation_ = 0.0;
-  std::array<std::vector<double>, SlotCount> frequencies_;
 
   /// Keeps the sine continuous when the frequency changes. One value serves every analyser of the
   /// program, on purpose: a new model's sweep goes on from the phase of the last.

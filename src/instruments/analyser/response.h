@@ -1,0 +1,77 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "instruments/analyser/response_curve.h"
+#include "instruments/analyser/response_view.h"
+
+namespace torvane {
+
+/// Where a response comes from.
+enum class ResponseSource { Measured, Loaded, Computed };
+
+/// What is read of a response: dB, degrees, seconds and a share.
+enum class ResponseQuantity { Gain, Phase, Delay, Coherence };
+
+/// The frequencies of a record's spectrum: bin k lies at k / (Length TSample) Hz. Without a length
+/// points may have any distances.
+struct BinSpacing {
+  double TSample = 0.0;  ///< seconds
+  int Length = 0;        ///< samples of the record
+};
+
+/// A frequency response: made whole, and only read from then on. An index counts its points; those
+/// of a spectrum are its bins, of which the one at 0 Hz is no point of the response.
+class Response {
+ public:
+  /// No response.
+  Response() = default;
+  /// Points in rising order of frequency. The name says where one comes from that was not measured.
+  Response(ResponseSource source, std::string name, ResponseCurve points, bool hasCoherence,
+           const BinSpacing& bins = {});
+
+  ResponseSource Source() const { return source_; }
+  const std::string& Name() const { return name_; }
+  bool Empty() const { return points_.empty(); }
+
+  /// The indices of its points.
+  int First() const { return bins_.Length > 0 ? 1 : 0; }
+  int End() const { return static_cast<int>(points_.size()); }
+  /// nullptr where there is no such point or bin.
+  const ResponsePoint* At(int index) const;
+  /// The points, in order.
+  std::span<const ResponsePoint> Curve() const;
+  /// The share that the excitation explains was measured.
+  bool HasCoherence() const { return hasCoherence_; }
+
+  /// Its lowest and highest frequency, Hz.
+  double LowestHz() const;
+  double HighestHz() const;
+  /// Position of a frequency among the indices, with its fraction: linear between bins, logarithmic
+  /// between points of other distances; negative outside them.
+  double IndexAt(double hz) const;
+
+  /// One reading at an index; nothing outside the points, or where the quantity is not known.
+  std::optional<double> ValueOf(ResponseQuantity quantity, int index) const;
+  /// The same at a frequency, between two points in proportion. There is no phase between two
+  /// points on either side of a wrap.
+  std::optional<double> Read(ResponseQuantity quantity, double hz) const;
+
+  /// What a view shows of it: of the open loop, unwrapped, with its group delay.
+  Response Seen(const ResponseView& view) const;
+
+ private:
+  std::span<ResponsePoint> Curve();
+
+  ResponseSource source_ = ResponseSource::Measured;
+  std::string name_;
+  ResponseCurve points_;
+  std::vector<double> delays_;  ///< of the curve, seconds; while a view shows them
+  bool hasCoherence_ = false;
+  BinSpacing bins_;
+};
+
+}  // namespace torvane
