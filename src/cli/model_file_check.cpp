@@ -43,11 +43,6 @@ bool SameValues(const Record& record, const Record& saved) {
   return true;
 }
 
-std::string TakenAs(const Record& record, const Record& saved) {
-  if (record.Field(0) != "Constant") return "taken as: " + saved.Line;
-  return record.Field(1) + " is limited to " + saved.Field(2);
-}
-
 bool HasControlCharacter(const std::string& line) {
   return std::any_of(line.begin(), line.end(), [](char c) {
     return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f';
@@ -84,7 +79,7 @@ void RemarkOnLines(std::string_view text, const ZelModel& model, const std::set<
     if (found == saved.end()) {
       remark(record.Number, "ignored: " + record.Line);
     } else if (lastOf[key] == record.Number && !SameValues(record, found->second)) {
-      remark(record.Number, TakenAs(record, found->second));
+      remark(record.Number, "taken as: " + found->second.Line);
     }
   }
   if (!text.empty() && text.back() != '\n') {

@@ -61,13 +61,16 @@ LoadResult LoadModelFile(const std::string& path, ModelFileHost& host);
 /// As LoadModelFile, of a file's text.
 LoadResult LoadModelText(std::string_view text, ModelFileHost& host);
 
-/// The file's text. A file that cannot be read, is above MaxModelFileSize or has a line above
-/// MaxModelLineLength is reported and gives false; no more than that much of it is read. So is a
-/// pipe or a device that stays silent for longer than the patience, milliseconds (InputFile).
+/// The file's text. A file that cannot be read, is above MaxModelFileSize, has a line above
+/// MaxModelLineLength or more lines (blank ones apart) or changes of model than a file may have is
+/// reported and gives false; no more than that much of it is read. So is a pipe or a device that
+/// stays silent for longer than the patience, milliseconds (InputFile).
 bool ReadModelText(const std::string& path, std::string& text,
                    int patience = InputFile::WaitForEver);
 inline constexpr std::size_t MaxModelFileSize = std::size_t{16} << 20U;
 inline constexpr std::size_t MaxModelLineLength = std::size_t{64} << 10U;
+inline constexpr int MaxModelLines = 20000;
+inline constexpr int MaxModelChanges = 100;
 
 /// Name in the text's first well-formed "Model" line; empty when there is none.
 std::string ModelNameIn(std::string_view text);

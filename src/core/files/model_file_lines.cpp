@@ -16,20 +16,32 @@ namespace {
 
 constexpr std::size_t PieceSize = 65536;
 
-/// Follows the length of the line that is being read.
-class LineLength {
+/// Follows the lines of the file that is being read.
+class LineLimits {
  public:
-  /// False as soon as a line is longer than it may be.
-  bool Add(std::string_view piece) {
+  /// What is more than a file may have, as soon as it is there; nothing before.
+  const char* Add(std::string_view piece) {
     for (const char c : piece) {
-      length_ = c == '\n' ? 0 : length_ + 1;
-      if (length_ > MaxModelLineLength) return false;
+      if (c != '\n') {
+        if (length_ < ModelLine.size() && c != ModelLine[length_]) isModel_ = false;
+        if (++length_ > MaxModelLineLength) return "a line longer than 64 KiB";
+        continue;
+      }
+      if (length_ > 1 && ++lines_ > MaxModelLines) return "more than 20000 lines";
+      const bool named = isModel_ && length_ > ModelLine.size();
+      if (named && ++models_ > MaxModelChanges) return "more than 100 models";
+      length_ = 0;
+      isModel_ = true;
     }
-    return true;
+    return nullptr;
   }
 
  private:
+  static constexpr std::string_view ModelLine = "Model,";
   std::size_t length_ = 0;
+  bool isModel_ = true;
+  int lines_ = 0;
+  int models_ = 0;
 };
 
 }  // namespace
@@ -58,7 +70,7 @@ bool ReadModelText(const std::string& path, std::string& text, int patience) {
     Error(CannotOpen(path, errno));
     return false;
   }
-  LineLength line;
+  LineLimits lines;
   std::array<char, PieceSize> buffer{};
   text.clear();
   for (;;) {
@@ -74,8 +86,8 @@ bool ReadModelText(const std::string& path, std::string& text, int patience) {
       Error(path + " is larger than 16 MiB.  It is no model file.");
       return false;
     }
-    if (!line.Add(piece)) {
-      Error(path + " has a line longer than 64 KiB.  It is no model file.");
+    if (const char* const more = lines.Add(piece)) {
+      Error(path + " has " + more + ".  It is no model file.");
       return false;
     }
     text += piece;

@@ -8,6 +8,7 @@
 #include "core/files/model_file_lines.h"
 #include "core/files/record.h"
 #include "core/messages.h"
+#include "core/text.h"
 
 namespace torvane {
 namespace {
@@ -28,9 +29,13 @@ bool LoadConstant(ZelBenchTop& bench, const Record& record) {
     return false;
   }
   bench.History().Suspend();
-  constant->SetFromText(record.Fields[2],
-                        "\rin line " + std::to_string(record.Number) + ":  " + record.Line);
+  const std::string& value = record.Fields[2];
+  const bool set = constant->SetFromText(
+      value, "\rin line " + std::to_string(record.Number) + ":  " + record.Line);
   bench.History().Resume();
+  if (set && !constant->IsList() && constant->Value() != ParseNumber(value)) {
+    Note(constant->Name() + " is limited to " + constant->FileText());
+  }
   bench.TellConstantChanged(constant->Name());
   return true;
 }
