@@ -1,25 +1,14 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "cli/command_error.h"
+#include "core/names.h"
 
 namespace torvane::cli {
 
-/// The text with the letters A to Z in lower case.
-std::string Lower(std::string text);
-
-/// The name that was most likely meant, without regard to case: one that begins with the text, else
-/// one that holds it, else the one with the fewest characters to change. Empty when there is no
-/// name.
-std::string NearestName(const std::string& text, const std::vector<std::string>& names);
-
-/// `unknown <what> "<text>"`, with the nearest of the valid names.
-CommandError UnknownName(const std::string& what, const std::string& text,
-                         const std::vector<std::string>& names);
-
-/// Position of the name that equals the text, or -1.
-int IndexOfName(const std::string& text, const std::vector<std::string>& names);
+/// UnknownNameText as wrong usage.
+inline CommandError UnknownName(const std::string& what, const std::string& text,
+                                const std::vector<std::string>& names) {
+  return UsageError(UnknownNameText(what, text, names));
+}
 
 }  // namespace torvane::cli

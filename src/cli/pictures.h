@@ -4,7 +4,7 @@
 
 #include "instruments/analyser/analyser.h"
 #include "instruments/scope/scope.h"
-#include "instruments/study_data.h"
+#include "study/study_pictures.h"
 
 namespace torvane::cli {
 

@@ -7,6 +7,7 @@
 #include "cli/names.h"
 #include "cli/result_file.h"
 #include "core/version.h"
+#include "study/study_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -91,6 +92,17 @@ void ParseAndRun(CLI::App& app, int argc, const char* const* argv) {
   }
 }
 
+ExitCode CodeOf(const StudyFault& fault) {
+  switch (fault.What()) {
+    case StudyFault::Kind::Asked:
+      return ExitCode::Usage;
+    case StudyFault::Kind::File:
+      return ExitCode::File;
+    default:
+      return ExitCode::Stopped;
+  }
+}
+
 }  // namespace
 
 int RunProgram(int argc, const char* const* argv) {
@@ -103,6 +115,9 @@ int RunProgram(int argc, const char* const* argv) {
   } catch (const CommandError& error) {
     if (*error.what()) console.Report("Error", error.what());
     return static_cast<int>(error.Code());
+  } catch (const StudyFault& fault) {
+    console.Report("Error", fault.what());
+    return static_cast<int>(CodeOf(fault));
   } catch (const std::exception& error) {
     console.Report("Error", error.what());
     return static_cast<int>(ExitCode::Stopped);

@@ -17,7 +17,8 @@ namespace {
 
 constexpr std::size_t PieceSize = 65536;
 constexpr std::chrono::milliseconds LongestDelay(500);
-constexpr mode_t NewFileMode = 0666;  // less what the user's mask takes away
+constexpr std::string_view RunBegin = "Time,";  // of the captions
+constexpr mode_t NewFileMode = 0666;            // less what the user's mask takes away
 
 int OpenStream(const std::string& path, bool streamed) {
   if (!streamed) return -1;
@@ -46,13 +47,28 @@ void CheckWritable(const std::string& path) {
 ResultFile::ResultFile(const std::string& path, Delivery delivery)
     : path_(path),
       streamed_(delivery == Delivery::Streamed || path.empty()),
-      file_(OpenStream(path, streamed_)),
+      file_(OpenStream(path, streamed_ && !IsReplaced(path))),
       passedOn_(std::chrono::steady_clock::now()) {
-  if (!streamed_) {
+  if (IsReplaced(path)) {
     CheckWritable(path);
-  } else if (!file_.IsOpen()) {
+    if (streamed_) BeginGrowing();
+  } else if (streamed_ && !file_.IsOpen()) {
     throw FileError(CannotOpen(Name(), errno));
+  } else if (!streamed_) {
+    CheckWritable(path);
   }
+}
+
+// Rows of an end before time give way to those of the next attempt; other files do not.
+void ResultFile::BeginGrowing() {
+  growing_.emplace(path_);
+  const std::string fault = growing_->Open();
+  if (!fault.empty()) throw FileError(fault);
+  const std::string begin = growing_->Read(RunBegin.size());
+  if (!begin.empty() && begin != RunBegin) {
+    throw FileError(growing_->Name() + " has no rows of a run; remove it or choose another --out");
+  }
+  if (!growing_->Clear()) throw FileError(CannotWrite(growing_->Name(), errno));
 }
 
 std::string ResultFile::Name() const {
@@ -60,7 +76,13 @@ std::string ResultFile::Name() const {
 }
 
 ResultFile::~ResultFile() {
-  if (file_.IsOpen()) PassOn();
+  if (file_.IsOpen() || growing_) PassOn();
+}
+
+std::string ResultFile::KeepRows() {
+  if (!growing_) return {};
+  PassOn();
+  return "; the rows so far are in " + growing_->Name();
 }
 
 void ResultFile::Write(std::string_view lines) {
@@ -76,7 +98,14 @@ void ResultFile::Close() {
   if (!streamed_) {
     const std::string fault = ReplaceFile(path_, pending_, Readerless::Wait);
     if (!fault.empty()) throw FileError(fault);
-  } else if (!PassOn() || !file_.Close()) {
+    return;
+  }
+  if (!PassOn()) throw FileError(CannotWrite(Name(), errno));
+  if (growing_) {
+    const std::string fault = growing_->MoveInPlace();
+    if (!fault.empty()) throw FileError(fault);
+    growing_.reset();
+  } else if (!file_.Close()) {
     throw FileError(CannotWrite(Name(), errno));
   }
 }
@@ -84,7 +113,13 @@ void ResultFile::Close() {
 bool ResultFile::PassOn() {
   const std::string piece = std::exchange(pending_, {});
   passedOn_ = std::chrono::steady_clock::now();
-  return file_.Write(piece);
+  return growing_ ? growing_->Write(piece) : file_.Write(piece);
+}
+
+bool IsReplaced(const std::string& path) {
+  std::error_code failure;
+  const auto status = std::filesystem::status(path, failure);
+  return !path.empty() && (!std::filesystem::exists(status) || is_regular_file(status));
 }
 
 void CheckOutputs(const std::string& out, const std::string& picture, const std::string& input) {

@@ -1,21 +1,24 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/files/growing_file.h"
 #include "core/files/output_file.h"
 
 namespace torvane::cli {
 
 /// How a result gets into its file.
 enum class Delivery {
-  Whole,     ///< all of it at Close; until then, and when that fails, the old file stays
-  Streamed,  ///< line by line, as soon as they come
+  Whole,     ///< all of it at Close
+  Streamed,  ///< line by line, as soon as they come; a file's stand beside it until Close
 };
 
-/// Where a command's result goes: a file, or standard output, which is always streamed. Only whole
-/// lines reach it, however the command ends. Failures are CommandErrors that name the file and the
+/// Where a command's result goes: a file, or standard output, which is always streamed. The old
+/// file stays until the new one is whole; a pipe or a device is written in place. Only whole lines
+/// reach it, however the command ends. Failures are CommandErrors that name the file and the
 /// reason.
 class ResultFile {
  public:
@@ -33,18 +36,28 @@ class ResultFile {
   void Write(std::string_view lines);
   void Close();
 
+  /// After an end before time: passes on what it has and gives what the message about the end says
+  /// of the rows, "; the rows so far are in FILE"; empty when they are nowhere else.
+  std::string KeepRows();
+
   bool IsStandardOutput() const { return path_.empty(); }
 
  private:
+  void BeginGrowing();
   bool PassOn();
   std::string Name() const;
 
   std::string path_;
   bool streamed_;
-  OutputFile file_;  ///< of a stream
+  OutputFile file_;  ///< of a stream in place
+  std::optional<GrowingFile> growing_;
   std::string pending_;
   std::chrono::steady_clock::time_point passedOn_;
 };
+
+/// Whether what stands at the path is replaced when a result is whole: a plain file, or none yet.
+/// Standard output, a pipe or a device is written in place.
+bool IsReplaced(const std::string& path);
 
 /// Refuses outputs that cannot be written, or that are one and the same file or one that is read,
 /// before anything is computed for them. Empty names are none.

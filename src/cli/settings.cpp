@@ -1,35 +1,29 @@
 #include "cli/settings.h"
 
 #include "cli/assignment.h"
-#include "cli/names.h"
-#include "core/bench.h"
-#include "core/constant.h"
-#include "core/text.h"
+#include "cli/command_error.h"
+#include "core/messages.h"
+#include "study/setting.h"
 
 namespace torvane::cli {
 namespace {
 
-Constant& NamedConstant(const ZelBenchTop& bench, const std::string& name) {
-  if (Constant* const constant = bench.FindConst(name)) return *constant;
-  std::vector<std::string> names;
-  for (const Constant* constant : bench.Constants()) names.push_back(constant->Name());
-  throw UnknownName("constant", name, names);
+void Apply(ModelSetting setting, const Assignment& assignment) {
+  setting.Set(assignment.Value);
+  const std::string remark = setting.Remark();
+  if (!remark.empty()) Note(remark);
 }
 
 }  // namespace
 
 void ApplySetting(ZelBenchTop& bench, const std::string& text) {
   const Assignment assignment = SplitAssignment("--set", text);
-  Constant& constant = NamedConstant(bench, assignment.Name);
-  if (constant.IsList()) {
-    constant.Set(AssignedChoice(assignment, constant.Choices()));
-    return;
-  }
-  const double wanted = AssignedNumber(assignment);
-  constant.Set(wanted);
-  if (constant.Value() != wanted) {
-    NoteLimited(assignment.Name, FormatShortest(constant.Value()));
-  }
+  Apply(ModelSetting::OfConstant(bench, assignment.Name), assignment);
+}
+
+void ApplyWave(ZelBenchTop& bench, const std::string& text) {
+  const Assignment assignment = SplitAssignment("--wave", text);
+  Apply(ModelSetting::OfGenerator(bench, assignment.Name), assignment);
 }
 
 }  // namespace torvane::cli

@@ -14,12 +14,7 @@ namespace torvane::cli {
 void ApplySetting(ZelBenchTop& bench, const std::string& assignment);
 
 /// Sets a waveform generator from "KEY=VALUE" (the model's first generator) or
-/// "GENERATOR:KEY=VALUE". KEY is Waveform (name or index), Amplitude, FreqHz, Offset, PhaseDeg or
-/// DutyCycle.
+/// "GENERATOR:KEY=VALUE", as ApplySetting.
 void ApplyWave(ZelBenchTop& bench, const std::string& assignment);
-
-/// Sets the constant of that name or else, named as in ApplyWave, the generator's setting. A name
-/// that is neither is wrong usage.
-void ApplyConstantOrWave(ZelBenchTop& bench, const std::string& name, const std::string& value);
 
 }  // namespace torvane::cli

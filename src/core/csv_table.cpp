@@ -1,5 +1,6 @@
 #include "core/csv_table.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace torvane {
@@ -7,85 +8,88 @@ namespace {
 
 constexpr std::string_view ByteOrderMark = "\xef\xbb\xbf";  // spreadsheets begin with it
 
-/// Takes a text apart, character by character.
-class CsvReader {
- public:
-  std::vector<CsvRow> Read(std::string_view text) {
-    if (text.starts_with(ByteOrderMark)) text.remove_prefix(ByteOrderMark.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      const char c = text[i];
-      if (c == '\n') ++line_;
-      if (inQuotes_) {
-        i += TakeQuoted(c, text.substr(i + 1).starts_with('"'));
-      } else {
-        Take(c);
-      }
-    }
-    EndRow();
-    return std::move(rows_);
-  }
-
- private:
-  // A quote within quotes is doubled; how many characters more than this one were taken.
-  std::size_t TakeQuoted(char c, bool quoteFollows) {
-    if (c == '"' && !quoteFollows) {
-      inQuotes_ = false;
-      return 0;
-    }
-    field_ += c;
-    return c == '"' ? 1 : 0;
-  }
-
-  void Take(char c) {
-    if (c == '"' && Trimmed().empty()) {
-      field_.clear();
-      inQuotes_ = quoted_ = true;
-    } else if (c == ',') {
-      EndField();
-      comma_ = true;
-    } else if (c == '\n') {
-      EndRow();
-    } else if (c != '\r' && !quoted_) {
-      field_ += c;
-    }
-  }
-
-  std::string Trimmed() const {
-    const auto first = field_.find_first_not_of(" \t");
-    if (first == std::string::npos) return {};
-    return field_.substr(first, field_.find_last_not_of(" \t") + 1 - first);
-  }
-
-  void EndField() {
-    row_.Fields.push_back(quoted_ ? field_ : Trimmed());
-    field_.clear();
-    quoted_ = false;
-  }
-
-  void EndRow() {
-    const bool blank = !comma_ && !quoted_ && Trimmed().empty();
-    if (!blank) {
-      EndField();
-      rows_.push_back(std::move(row_));
-    }
-    row_ = {line_, {}};
-    field_.clear();
-    comma_ = quoted_ = inQuotes_ = false;
-  }
-
-  std::vector<CsvRow> rows_;
-  CsvRow row_{1, {}};
-  std::string field_;
-  int line_ = 1;
-  bool comma_ = false;
-  bool quoted_ = false;
-  bool inQuotes_ = false;
-};
-
 }  // namespace
 
+CsvReader::CsvReader(std::string_view text) : rest_(text) {
+  if (rest_.starts_with(ByteOrderMark)) rest_.remove_prefix(ByteOrderMark.size());
+}
+
+bool CsvReader::Next(CsvRow& row) {
+  row_ = {line_, {}, true};
+  field_.clear();
+  comma_ = quoted_ = inQuotes_ = false;
+  std::size_t start = 0;
+  bool ended = false;
+  std::size_t i = 0;
+  for (; i < rest_.size() && !ended && row_.Whole; ++i) {
+    const char c = rest_[i];
+    if (c == '\n') ++line_;
+    if (inQuotes_) {
+      i += TakeQuoted(c, rest_.substr(i + 1).starts_with('"'));
+    } else if (c == '\n') {
+      ended = EndRow();
+      start = i + 1;
+    } else {
+      Take(c);
+    }
+    row_.Whole = i < start + MaxCsvRowLength;
+  }
+  rest_.remove_prefix(row_.Whole ? std::min(i, rest_.size()) : rest_.size());
+  if (!ended && !EndRow() && row_.Whole) return false;
+  row = std::move(row_);
+  return true;
+}
+
+// A quote within quotes is doubled; how many characters more than this one were taken.
+std::size_t CsvReader::TakeQuoted(char c, bool quoteFollows) {
+  if (c == '"' && !quoteFollows) {
+    inQuotes_ = false;
+    return 0;
+  }
+  field_ += c;
+  return c == '"' ? 1 : 0;
+}
+
+void CsvReader::Take(char c) {
+  if (c == '"' && Trimmed().empty()) {
+    field_.clear();
+    inQuotes_ = quoted_ = true;
+  } else if (c == ',') {
+    EndField();
+    comma_ = true;
+  } else if (c != '\r' && !quoted_) {
+    field_ += c;
+  }
+}
+
+std::string CsvReader::Trimmed() const {
+  const auto first = field_.find_first_not_of(" \t");
+  if (first == std::string::npos) return {};
+  return field_.substr(first, field_.find_last_not_of(" \t") + 1 - first);
+}
+
+void CsvReader::EndField() {
+  row_.Fields.push_back(quoted_ ? field_ : Trimmed());
+  field_.clear();
+  quoted_ = false;
+}
+
+// False of a blank line; the next one then begins the row.
+bool CsvReader::EndRow() {
+  if (!comma_ && !quoted_ && Trimmed().empty()) {
+    row_.Line = line_;
+    field_.clear();
+    return false;
+  }
+  EndField();
+  return true;
+}
+
 std::vector<CsvRow> ParseCsv(std::string_view text) {
-  return CsvReader().Read(text);
+  CsvReader reader(text);
+  std::vector<CsvRow> rows;
+  for (CsvRow row; reader.Next(row);) rows.push_back(std::move(row));
+  return rows;
 }
 
 }  // namespace torvane

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "instruments/study_data.h"
 #include "plot/picture.h"
+#include "study/study_pictures.h"
 
 namespace torvane {
 

@@ -115,6 +115,13 @@ TEST(Text, LinesAreTakenApartAndPutTogether) {
     for (const std::string& field : row.Fields) sheet += '|' + field;
   }
   EXPECT_EQ(sheet, "1|a b| c|3|4||1|2\n36|4");
+  for (const char* endless : {"1,", " ", "\"1", "1"}) {
+    std::string text = "a\n";
+    while (text.size() < MaxCsvRowLength + 3) text += endless;
+    const std::vector<CsvRow> rows = ParseCsv(text + "\nb\n");
+    ASSERT_EQ(rows.size(), 2U) << endless;
+    EXPECT_FALSE(rows[1].Whole) << endless;
+  }
 }
 
 }  // namespace

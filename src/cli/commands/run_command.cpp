@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "cli/command_error.h"
 #include "cli/commands/commands.h"
 #include "cli/long_run.h"
 #include "cli/model_options.h"
@@ -67,15 +68,11 @@ class Recording {
   std::vector<double> row_;
 };
 
-// No instrument is asked or serviced: the rows alone decide where the solver pauses, and pausing
-// leaves the trajectory alone.
-void Run(const RunOptions& options, Console& console) {
-  const auto model = OpenModel(options.Model, console);
-  Recording recording(model->Bench(), options);
-  LongRun run(*model, console, options.Until,
+void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
+  LongRun run(model, console, options.Until,
               Console::CanShowProgress(recording.File().IsStandardOutput()));
   recording.WriteRow();
-  const double tolerance = StepShare * model->Solver().Step();
+  const double tolerance = StepShare * model.Solver().Step();
   const double end = options.Until - tolerance;
   while (run.Time() < end) {
     const double due = NextRowTime(run.Time(), options.Every, tolerance);
@@ -83,6 +80,18 @@ void Run(const RunOptions& options, Console& console) {
     if (run.Time() >= due) recording.WriteRow();
   }
   recording.File().Close();
+}
+
+// No instrument is asked or serviced: the rows alone decide where the solver pauses, and pausing
+// leaves the trajectory alone.
+void Run(const RunOptions& options, Console& console) {
+  const auto model = OpenModel(options.Model, console);
+  Recording recording(model->Bench(), options);
+  try {
+    Record(*model, options, recording, console);
+  } catch (const CommandError& error) {
+    throw CommandError(error.Code(), error.what() + recording.File().KeepRows());
+  }
 }
 
 }  // namespace

@@ -19,6 +19,21 @@ void CheckMergeOptions(const CLI::App& command) {
   }
 }
 
+// All but what says where the runs are done, and what is made of them.
+void TakeGivenOptions(const CLI::App& command, StudyOptions& options) {
+  const std::set<std::string> elsewhere{"--jobs",    "--shard",  "--out",
+                                        "--picture", "--chosen", "--map"};
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->get_positional() || option->count() == 0) continue;
+    if (elsewhere.contains(option->get_name())) continue;
+    std::string values;
+    for (const std::string& value : option->results()) {
+      values += (values.empty() ? "" : " ") + value;
+    }
+    options.Given.emplace_back(option->get_name(), values);
+  }
+}
+
 }  // namespace
 
 void AddStudyCommand(CLI::App& app, Console& console) {
@@ -65,6 +80,7 @@ void AddStudyCommand(CLI::App& app, Console& console) {
       CheckMergeOptions(*command);
       MergeStudies(*options);
     } else {
+      TakeGivenOptions(*command, *options);
       RunStudy(*options, console);
     }
   });

@@ -5,19 +5,18 @@
 #include <cmath>
 
 #include "cli/command_error.h"
+#include "cli/interrupt.h"
 #include "cli/model_file_loading.h"
 #include "cli/quiet.h"
 #include "cli/scope_run.h"
-#include "cli/study/run_result.h"
 #include "cli/study/study_result.h"
 #include "cli/study/study_set_up.h"
-#include "cli/study/workers.h"
-#include "core/csv.h"
-#include "core/files/model_file.h"
-#include "core/files/seal.h"
 #include "core/messages.h"
 #include "core/text.h"
-#include "core/version.h"
+#include "study/row.h"
+#include "study/shares.h"
+#include "study/study_fault.h"
+#include "study/workers.h"
 
 namespace torvane::cli {
 namespace {
@@ -66,14 +65,12 @@ class Study {
 
  private:
   bool Traced() const { return !options_.Picture.empty() && options_.Map.empty(); }
-  std::string Header() const;
-  /// Number and settings of a run, as its row begins.
-  std::vector<std::string> Settings(std::size_t run) const;
-  std::string RowBegin(std::size_t row) const;
-  /// Rows whose measures are empty.
-  std::string RowsToCome() const;
-  std::string Identity() const;
-  RunResult Measure(std::size_t run) const;
+  std::string Head() const;
+  StudyRow RowToCome(std::size_t run) const;
+  /// Head and rows whose measures are empty.
+  std::string TableToCome() const;
+  /// Nothing after an interrupt.
+  std::optional<RunResult> Measure(std::size_t run) const;
   StudyTrace ResponseOf(const RunMeasures& measures) const;
 
   StudyOptions options_;
@@ -82,7 +79,7 @@ class Study {
   std::vector<std::size_t> share_;
   int processes_ = 1;
   std::unique_ptr<ZelModel> first_;
-  std::string description_;  ///< of all that decides the results but the runs
+  StudyIdentity identity_;
 };
 
 Study::Study(StudyOptions options, Console& console)
@@ -96,71 +93,53 @@ Study::Study(StudyOptions options, Console& console)
   if (NamesModelFile(model.Model)) model.FileText = ReadModelFile(model.Model);
   first_ = OpenModel(model, console_);
   CheckMeasurement(*first_, options_.Measure, console_);
-  const ResponseOptions& signals = options_.Measure.Bode.Response;
-  description_ = std::string(Version()) + "\n" + ModelFileText(*first_) + signals.Input + "\n" +
-                 signals.Output + "\n" + FormatShortest(options_.Measure.Until) + "\n";
-  CheckRuns(design_, *first_, console_);
-  CheckStudyPicture(options_, Header() + RowsToCome());
+  identity_ = IdentityOf(options_, design_, *first_);
+  CheckDesign(design_, *first_);
+  CheckStudyPicture(options_, TableToCome());
 }
 
-std::string Study::Header() const {
-  std::vector<std::string> header{RunCaption};
-  if (!options_.Shard.empty()) header[0] += ShareCaption + std::to_string(design_.Runs.size());
-  Append(header, design_.Names);
-  Append(header, MeasureCaptions(options_.Measure));
-  header.emplace_back("Reason");
-  return CsvLine(header);
+std::string Study::Head() const {
+  return HeadLine(design_.Names, MeasureCaptions(options_.Measure));
 }
 
-std::vector<std::string> Study::Settings(std::size_t run) const {
-  std::vector<std::string> fields{std::to_string(run + 1)};
-  Append(fields, design_.Runs[run]);
-  return fields;
+StudyRow Study::RowToCome(std::size_t run) const {
+  StudyRow row{run, design_.Runs[run], {}, {}};
+  row.Measures.resize(MeasureCaptions(options_.Measure).size());
+  return row;
 }
 
-std::string Study::RowBegin(std::size_t row) const {
-  if (row >= share_.size()) return {};
-  std::string line = CsvLine(Settings(share_[row]));
-  line.back() = ',';
-  return line;
+std::string Study::TableToCome() const {
+  std::string table = Head();
+  if (options_.Picture.empty()) return table;
+  for (const std::size_t run : share_) table += RowLine(RowToCome(run));
+  return table;
 }
 
-std::string Study::RowsToCome() const {
-  const std::string measures(MeasureCaptions(options_.Measure).size(), ',');
-  std::string rows;
-  for (std::size_t row = 0; row < share_.size(); ++row) rows += RowBegin(row) + measures + "\n";
-  return rows;
-}
-
-// One line: what decides a result decides its checksum.
-std::string Study::Identity() const {
-  std::string all = description_ + Header() + RowsToCome();
-  const std::size_t length = all.size();
-  return "Torvane study," + Sealed(std::move(all)).substr(length);
-}
-
-RunResult Study::Measure(std::size_t run) const {
+std::optional<RunResult> Study::Measure(std::size_t run) const {
   const Quiet quiet;
-  RunResult result;
-  std::vector<std::string> fields(MeasureCaptions(options_.Measure).size());
-  std::string reason;
+  RunResult result{RowToCome(run), {}};
+  std::vector<std::string> reasons;
   try {
     const MakeModel make = [&] {
       auto model = OpenModel(options_.Measure.Bode.Response.Model, console_);
-      Apply(model->Bench(), design_, run);
+      AppliedRun applied = ApplyRun(model->Bench(), design_, run);
+      result.Row.Settings = std::move(applied.Settings);
+      reasons = std::move(applied.Remarks);
       return model;
     };
     const RunMeasures measures = MeasureRun(make, options_.Measure, console_, false);
-    fields = measures.Fields;
+    for (std::size_t k = 0; k < measures.Fields.size(); ++k) {
+      result.Row.Measures[k] = ParseNumber(measures.Fields[k]);
+    }
     if (Traced()) result.Trace = ResponseOf(measures);
   } catch (const std::exception& error) {
-    reason = error.what();
-    std::replace(reason.begin(), reason.end(), '\n', ' ');
+    reasons.emplace_back(error.what());
   }
-  std::vector<std::string> row = Settings(run);
-  Append(row, fields);
-  row.push_back(reason);
-  result.Row = CsvLine(row);
+  if (InterruptGuard::Interrupted()) return {};
+  for (const std::string& reason : reasons) {
+    result.Row.Reason += (result.Row.Reason.empty() ? "" : "; ") + reason;
+  }
+  std::replace(result.Row.Reason.begin(), result.Row.Reason.end(), '\n', ' ');
   return result;
 }
 
@@ -185,31 +164,41 @@ StudyTrace Study::ResponseOf(const RunMeasures& measures) const {
 }
 
 void Study::Run() {
-  StudyResult result(options_.Out, Header(), Identity(),
-                     [this](std::size_t row) { return RowBegin(row); });
+  StudyResult result(options_.Out, identity_, Head());
   const std::size_t before = result.RowCount();
   if (before > 0) Note(Count(before, share_.size()) + " stand already");
   // Responses are not kept: a picture of them takes all runs again.
-  std::size_t done = Traced() ? 0 : before;
-  const std::vector<std::size_t> jobs(share_.begin() + static_cast<std::ptrdiff_t>(done),
-                                      share_.end());
+  std::vector<std::size_t> jobs;
+  for (const std::size_t run : share_) {
+    if (Traced() || !result.Has(run)) jobs.push_back(run);
+  }
+  std::size_t done = share_.size() - jobs.size();
   StudyResponses responses;
   std::size_t failed = 0;
-  const auto take = [&](std::size_t, const std::string& packed) {
-    RunResult run = RunResult::Unpacked(packed);
-    if (done++ >= before) result.Append(run.Row);
-    if (!run.Row.ends_with(",\n")) ++failed;
-    if (Traced()) responses.Runs.push_back(std::move(run.Trace));
+  const auto measure = [&](std::size_t run) -> std::optional<std::string> {
+    const std::optional<RunResult> measured = Measure(run);
+    if (!measured) return {};
+    return measured->Packed();
+  };
+  const auto take = [&](std::size_t run, const std::string& packed) {
+    RunResult measured = RunResult::Unpacked(packed);
+    ++done;
+    if (!result.Has(run)) result.Append(measured.Row);
+    if (!measured.Row.HasMeasures()) ++failed;
+    if (Traced()) responses.Runs.push_back(std::move(measured.Trace));
   };
   try {
+    const InterruptGuard guard;
     Progress progress(console_, share_.size(), done,
                       Console::CanShowProgress(options_.Out.empty()));
-    DoInWorkers(
-        jobs, processes_, [&](std::size_t run) { return Measure(run).Packed(); }, take,
-        [&] { progress.Show(done); });
-  } catch (const CommandError& error) {
-    throw CommandError(
-        error.Code(), error.what() + (" after " + Count(done, share_.size())) + result.HowToGoOn());
+    DoInWorkers(jobs, processes_, measure, take, [&] {
+      progress.Show(done);
+      result.FlushNowAndThen();
+      return !InterruptGuard::Interrupted();
+    });
+  } catch (const StudyFault& fault) {
+    throw StudyFault(fault.What(),
+                     fault.what() + (" after " + Count(done, share_.size())) + result.HowToGoOn());
   }
   if (failed > 0) Note(Count(failed, jobs.size()) + " have no measures; their rows say why");
   const std::string table = result.Table();
@@ -224,6 +213,25 @@ void Study::Run() {
 
 void RunStudy(StudyOptions options, Console& console) {
   Study(std::move(options), console).Run();
+}
+
+void MergeStudies(const StudyOptions& options) {
+  if (options.Files.empty()) throw UsageError("--merge needs the results of shares");
+  CheckStudyPicture(options);
+  for (const std::string& path : options.Files) {
+    CheckOutputs(options.Out, options.Picture, path);
+  }
+  Shares shares;
+  for (const std::string& path : options.Files) shares.Add(path);
+  const std::string table = shares.Table();
+  if (options.Map.empty() && !options.Picture.empty()) {
+    throw UsageError("--merge draws a map alone; --map names its measure");
+  }
+  CheckStudyPicture(options, table);
+  ResultFile file(options.Out);
+  file.Write(table);
+  file.Close();
+  if (!options.Picture.empty()) WriteStudyPicture(options, table, {});
 }
 
 }  // namespace torvane::cli

@@ -2,17 +2,13 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/measurement.h"
-#include "instruments/study_data.h"
+#include "study/study_pictures.h"
 
 namespace torvane::cli {
-
-/// What the first column of a result is called and, in that of a share, what follows before the
-/// number of runs in all shares.
-inline constexpr const char* RunCaption = "Run";
-inline constexpr const char* ShareCaption = " of ";
 
 /// What the command "study" is told.
 struct StudyOptions {
@@ -28,6 +24,8 @@ struct StudyOptions {
   std::optional<int> Chosen;
   std::string Map;
   MeasureOptions Measure;
+  /// The options that decide what comes of a run, as they were given: names and values.
+  std::vector<std::pair<std::string, std::string>> Given;
 };
 
 /// Measures every run of a study, or of a share of it.

@@ -1,40 +1,47 @@
 #pragma once
 
-#include <functional>
+#include <chrono>
+#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "cli/result_file.h"
-#include "cli/study/study_files.h"
+#include "study/part_file.h"
+#include "study/row.h"
+#include "study/sealed_rows.h"
 
 namespace torvane::cli {
 
 /// Where the rows of a study go. Those for a file stand in its part file until the last one is
 /// there; then the file is written whole. Standard output, a pipe or a device gets them at once and
-/// cannot go on after a kill.
+/// cannot go on after a kill. Those of a share are sealed, finished or not.
 class StudyResult {
  public:
-  /// How a row begins, by its position; rows of a part file that begin otherwise are done again.
-  using RowBegin = std::function<std::string(std::size_t row)>;
+  /// Says what is damaged in a part file; those rows are done again.
+  StudyResult(const std::string& out, const StudyIdentity& identity, const std::string& head);
 
-  StudyResult(const std::string& out, const std::string& header, const std::string& identity,
-              const RowBegin& rowBegin);
-
-  std::size_t RowCount() const { return rows_; }
-  /// Header and rows so far.
-  const std::string& Table() const { return table_; }
-  void Append(const std::string& row);
+  std::size_t RowCount() const { return rows_.size(); }
+  bool Has(std::size_t run) const { return rows_.contains(run); }
+  /// Head and rows so far.
+  std::string Table() const;
+  void Append(const StudyRow& row);
+  /// Once a second the rows so far are made safe from a power cut.
+  void FlushNowAndThen();
   void Close();
 
   /// What a message about an interrupted study ends with.
   const char* HowToGoOn() const { return part_ ? "; the same command goes on" : ""; }
 
  private:
+  std::string Line(const std::string& row) const { return share_ ? seals_.Sealed(row) : row; }
+
   ResultFile file_;
+  std::string head_;
+  bool share_;
+  SealedRows seals_;
   std::optional<PartFile> part_;
-  std::string table_;
-  std::size_t rows_ = 0;
+  std::map<std::size_t, std::string> rows_;  ///< without seals
+  std::chrono::steady_clock::time_point flushed_ = std::chrono::steady_clock::now();
 };
 
 }  // namespace torvane::cli

@@ -1,19 +1,68 @@
 #include "cli/study/study_set_up.h"
 
 #include <algorithm>
-#include <set>
 #include <thread>
 
 #include "cli/assignment.h"
 #include "cli/command_error.h"
-#include "cli/settings.h"
+#include "core/csv.h"
+#include "core/files/model_file.h"
+#include "core/messages.h"
 #include "core/text.h"
+#include "core/version.h"
 
 namespace torvane::cli {
 namespace {
 
 constexpr int DefaultSeed = 1;
 constexpr int MostJobs = 1024;
+
+std::vector<std::string> Split(const std::string& text, char at) {
+  std::vector<std::string> parts{""};
+  for (const char c : text) {
+    if (c == at) {
+      parts.emplace_back();
+    } else {
+      parts.back() += c;
+    }
+  }
+  return parts;
+}
+
+// NAME=FROM:TO[:COUNT][:log]; samples go without a count, a grid needs one.
+StudyRange ParseRange(const std::string& text, bool sampled) {
+  const auto bad = [&] {
+    return UsageError("--vary needs NAME=FROM:TO:COUNT or NAME=FROM:TO:COUNT:log, not \"" + text +
+                      "\"");
+  };
+  const Assignment assignment = SplitAssignment("--vary", text);
+  std::vector<std::string> parts = Split(assignment.Value, ':');
+  StudyRange range;
+  range.Name = assignment.Name;
+  if (parts.back() == "log") {
+    range.Log = true;
+    parts.pop_back();
+  }
+  if (parts.size() < 2 || parts.size() > 3) throw bad();
+  const auto from = ParseNumber(parts[0]);
+  const auto to = ParseNumber(parts[1]);
+  if (!from || !to) throw bad();
+  range.From = *from;
+  range.To = *to;
+  const std::string fault = range.Fault();
+  if (!fault.empty()) throw UsageError("--vary " + text + ": " + fault);
+  if (parts.size() == 3) {
+    range.Count = ParseInteger(parts[2]);
+    if (!range.Count || *range.Count < 1) throw bad();
+  }
+  if (sampled && range.Count) {
+    throw UsageError("--vary " + range.Name + " has a COUNT, but --sample counts");
+  }
+  if (!sampled && !range.Count) {
+    throw UsageError("--vary " + range.Name + " needs a COUNT without --sample");
+  }
+  return range;
+}
 
 }  // namespace
 
@@ -29,33 +78,31 @@ StudyDesign MakeDesign(const StudyOptions& options) {
   if (options.Files.size() != 1) {
     throw UsageError("with --vary a study needs a model and no table");
   }
-  std::vector<VaryRange> ranges;
-  for (const std::string& text : options.Vary) ranges.push_back(ParseVaryRange(text));
+  if (options.Sample && *options.Sample < 1) {
+    throw UsageError("--sample must be above 0, not " + std::to_string(*options.Sample));
+  }
+  std::vector<StudyRange> ranges;
+  for (const std::string& text : options.Vary) {
+    ranges.push_back(ParseRange(text, options.Sample.has_value()));
+  }
   if (!options.Sample) return MakeGrid(ranges);
   const int seed = options.Seed.value_or(DefaultSeed);
   return MakeSamples(ranges, *options.Sample, static_cast<std::uint64_t>(seed));
 }
 
-void Apply(ZelBenchTop& bench, const StudyDesign& design, std::size_t run) {
-  for (std::size_t k = 0; k < design.Names.size(); ++k) {
-    ApplyConstantOrWave(bench, design.Names[k], design.Runs[run][k]);
-  }
-}
-
-void CheckRuns(const StudyDesign& design, ZelModel& model, Console& console) {
-  if (std::set<std::string>(design.Names.begin(), design.Names.end()).size() !=
-      design.Names.size()) {
-    throw UsageError("a study has each constant or generator setting once");
-  }
-  for (std::size_t run = 0; run < design.Runs.size(); ++run) {
-    console.SetPlace(design.Places[run]);
-    try {
-      Apply(model.Bench(), design, run);
-    } catch (const CommandError& error) {
-      throw CommandError(error.Code(), design.Places[run] + error.what());
-    }
-  }
-  console.SetPlace("");
+StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
+                         const ZelModel& model) {
+  StudyIdentity identity;
+  identity.Add("program", Version());
+  identity.Add("model", model.Name());
+  for (const auto& [name, value] : options.Given) identity.Add(name, value);
+  identity.AddSum("set-up", ModelFileText(model));
+  identity.Add(RunsPart, std::to_string(design.Runs.size()));
+  std::string table = CsvLine(design.Names);
+  for (const auto& run : design.Runs) table += CsvLine(run);
+  identity.AddSum("table of runs", table);
+  if (!options.Shard.empty()) identity.Add(SharePart, options.Shard);
+  return identity;
 }
 
 // Each Nth run from the Kth on, so that a share that is missing shows.
@@ -82,7 +129,7 @@ int Processes(const StudyOptions& options) {
   if (*options.Jobs < 1) {
     throw UsageError("--jobs must be above 0, not " + std::to_string(*options.Jobs));
   }
-  if (*options.Jobs > MostJobs) NoteLimited("--jobs", std::to_string(MostJobs));
+  if (*options.Jobs > MostJobs) Note("--jobs is limited to " + std::to_string(MostJobs));
   return std::min(*options.Jobs, MostJobs);
 }
 

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "cli/study/design.h"
 #include "cli/study/study.h"
+#include "study/design.h"
+#include "study/identity.h"
 
 namespace torvane::cli {
 
 /// The runs that the options ask for.
 StudyDesign MakeDesign(const StudyOptions& options);
 
-/// Sets what the run varies.
-void Apply(ZelBenchTop& bench, const StudyDesign& design, std::size_t run);
-
-/// Says before the first run what is wrong with the last one.
-void CheckRuns(const StudyDesign& design, ZelModel& model, Console& console);
+/// What tells the study from another one; `model` is set up for its measurement, and no run's
+/// settings are on it yet.
+StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
+                         const ZelModel& model);
 
 /// The runs of share "K/N", or all of them without one.
 std::vector<std::size_t> RunsOfShare(const std::string& shard, std::size_t runs);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 
 #include "core/files/file_fault.h"
 #include "core/files/output_file.h"
@@ -58,18 +59,16 @@ Target LookAt(const std::string& path) {
   return target;
 }
 
+// To take the target's place.
+bool IsReady(const OutputFile& file, const Target& target) {
+  return (!target.Exists || file.TakeAttributes(target.Old)) && file.Flush();
+}
+
 std::string WriteInPlace(const std::string& path, std::string_view bytes, Readerless pipes) {
   const int wait = pipes == Readerless::Wait ? 0 : O_NONBLOCK;
   OutputFile file(open(path.c_str(), O_WRONLY | O_CLOEXEC | wait));
   if (!file.IsOpen()) return CannotOpen(path, errno);
   return file.Write(bytes) && file.Close() ? "" : CannotWrite(path, errno);
-}
-
-// Makes the renaming itself last. Some file systems cannot; the file is whole either way.
-void FlushFolder(const std::string& folder) {
-  const OutputFile handle(
-      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (handle.IsOpen()) handle.Flush();
 }
 
 }  // namespace
@@ -83,6 +82,13 @@ std::optional<std::string> FollowLinks(std::string path) {
     path = next.starts_with('/') ? next : FolderOf(path).append(next);
   }
   return std::nullopt;
+}
+
+void FlushFolderOf(const std::string& path) {
+  const std::string folder = FolderOf(path);
+  const OutputFile handle(
+      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (handle.IsOpen()) handle.Flush();
 }
 
 std::string WhyNotWritable(const std::string& path) {
@@ -99,10 +105,19 @@ std::string ReplaceFile(const std::string& path, std::string_view bytes, Readerl
   TemporaryFile temporary(folder);
   const OutputFile& file = temporary.File();
   if (!file.IsOpen()) return CannotOpen(path, errno);
-  const bool whole = file.Write(bytes) && (!target.Exists || file.TakeAttributes(target.Old)) &&
-                     file.Flush() && temporary.MoveTo(target.Path);
+  const bool whole = file.Write(bytes) && IsReady(file, target) && temporary.MoveTo(target.Path);
   if (!whole) return CannotWrite(path, errno);
-  FlushFolder(folder);
+  FlushFolderOf(target.Path);
+  return "";
+}
+
+std::string PutInPlace(const OutputFile& file, const std::string& name, const std::string& path) {
+  const Target target = LookAt(path);
+  if (target.Fault != 0) return CannotOpen(path, target.Fault);
+  const bool moved = target.IsPlain() && IsReady(file, target) &&
+                     std::rename(name.c_str(), target.Path.c_str()) == 0;
+  if (!moved) return CannotWrite(path, errno);
+  FlushFolderOf(target.Path);
   return "";
 }
 

@@ -20,6 +20,12 @@ enum class Readerless { Refuse, Wait };
 std::string ReplaceFile(const std::string& path, std::string_view bytes,
                         Readerless pipes = Readerless::Refuse);
 
+class OutputFile;
+
+/// Ends what ReplaceFile begins: a file that was written under another name in the same folder
+/// takes the place of the one at the path, with its permissions.
+std::string PutInPlace(const OutputFile& file, const std::string& name, const std::string& path);
+
 /// ReplaceFile that reports a failure and gives false.
 bool SaveAtomically(const std::string& path, std::string_view bytes);
 
@@ -29,5 +35,8 @@ std::string WhyNotWritable(const std::string& path);
 /// What the symbolic links at the path lead to, whether or not there is a file; nothing for links
 /// that go round.
 std::optional<std::string> FollowLinks(std::string path);
+
+/// Makes what was done in the file's folder last: a new name, a renaming. Some file systems cannot.
+void FlushFolderOf(const std::string& path);
 
 }  // namespace torvane

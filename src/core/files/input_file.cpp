@@ -23,6 +23,7 @@ InputFile::InputFile(const std::string& path, int patience)
     return;
   }
   plain_ = S_ISREG(status.st_mode);
+  if (plain_) size_ = static_cast<std::size_t>(status.st_size);
 }
 
 InputFile::~InputFile() {

@@ -21,6 +21,8 @@ class InputFile {
   InputFile& operator=(const InputFile&) = delete;
 
   bool IsOpen() const { return descriptor_ != -1; }
+  /// Bytes of a plain file when it was opened; 0 of anything else.
+  std::size_t Size() const { return size_; }
 
   /// Bytes read; 0 at the end, negative after a failure.
   ssize_t Read(char* buffer, std::size_t size);
@@ -33,6 +35,7 @@ class InputFile {
   int descriptor_;
   int patience_;
   bool plain_ = false;
+  std::size_t size_ = 0;
   bool silent_ = false;
 };
 

@@ -27,6 +27,14 @@ std::string Sealed(std::string text) {
   return text += SealOf(text);
 }
 
+std::string ChecksumText(std::string_view text) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string sum = "x";
+  const std::uint64_t number = Checksum(text);
+  for (int shift = 60; shift >= 0; shift -= 4) sum += digits[(number >> shift) & 15U];
+  return sum;
+}
+
 std::optional<std::string> Unsealed(std::string_view sealed) {
   const std::size_t line = sealed.rfind(Keyword);
   if (line == std::string_view::npos || line == 0) return {};

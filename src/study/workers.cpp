@@ -1,4 +1,4 @@
-#include "cli/study/workers.h"
+#include "study/workers.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -12,17 +12,20 @@
 #include <memory>
 #include <optional>
 
-#include "cli/command_error.h"
-#include "cli/interrupt.h"
 #include "core/files/file_fault.h"
+#include "study/study_fault.h"
 
-namespace torvane::cli {
+namespace torvane {
 namespace {
 
 constexpr int IdlePeriod = 100;  // milliseconds
 // Results that wait for an earlier one, for each process: no job starts beyond them, so that
 // one long job does not let memory grow.
 constexpr std::size_t Ahead = 64;
+
+StudyFault Stopped(const std::string& text) {
+  return {StudyFault::Kind::Stopped, text};
+}
 
 // All of the bytes or nothing; false when the other side is gone.
 bool SendAll(int socket, const char* bytes, std::size_t size) {
@@ -63,9 +66,11 @@ std::optional<std::size_t> ReceiveNumber(int socket) {
   signal(SIGTERM, SIG_DFL);
   signal(SIGHUP, SIG_DFL);
   while (const auto job = ReceiveNumber(socket)) {
-    const std::string result = work(*job);
-    if (InterruptGuard::Interrupted()) break;
-    if (!SendNumber(socket, result.size()) || !SendAll(socket, result.data(), result.size())) break;
+    const std::optional<std::string> result = work(*job);
+    if (!result || !SendNumber(socket, result->size()) ||
+        !SendAll(socket, result->data(), result->size())) {
+      break;
+    }
   }
   _exit(0);
 }
@@ -76,7 +81,7 @@ class Worker {
   explicit Worker(const Work& work) {
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-      throw StoppedError("no process could be started: " + SystemReason(errno));
+      throw Stopped("no process could be started: " + SystemReason(errno));
     }
     process_ = fork();
     if (process_ == 0) {
@@ -88,7 +93,7 @@ class Worker {
     socket_ = ends[0];
     if (process_ > 0) return;
     close(socket_);
-    throw StoppedError("no process could be started: " + SystemReason(fault));
+    throw Stopped("no process could be started: " + SystemReason(fault));
   }
   ~Worker() {
     close(socket_);
@@ -137,12 +142,13 @@ class Foreman {
     ++given_;
   }
 
-  void TakeFrom(Worker& worker) {
+  void TakeFrom(Worker& worker, const std::function<bool()>& goOn) {
     const std::size_t position = worker.Job();
     std::optional<std::string> result = worker.TakeResult();
-    if (InterruptGuard::Interrupted()) return;
+    // An interrupt may have reached the process first.
+    if (!goOn()) throw Stopped("interrupted");
     if (!result) {
-      throw StoppedError("the process of run " + std::to_string(jobs_[position] + 1) + " died");
+      throw Stopped("the process of run " + std::to_string(jobs_[position] + 1) + " died");
     }
     waiting_.emplace(position, std::move(*result));
     for (auto next = waiting_.find(taken_); next != waiting_.end(); next = waiting_.find(taken_)) {
@@ -163,8 +169,7 @@ class Foreman {
 }  // namespace
 
 void DoInWorkers(const std::vector<std::size_t>& jobs, int processes, const Work& work,
-                 const TakeResult& take, const std::function<void()>& idle) {
-  const InterruptGuard guard;
+                 const TakeResult& take, const std::function<bool()>& goOn) {
   std::vector<std::unique_ptr<Worker>> workers;
   const std::size_t count = std::min(jobs.size(), static_cast<std::size_t>(processes));
   for (std::size_t k = 0; k < count; ++k) workers.push_back(std::make_unique<Worker>(work));
@@ -177,13 +182,11 @@ void DoInWorkers(const std::vector<std::size_t>& jobs, int processes, const Work
       sockets.push_back({worker->Socket(), static_cast<short>(worker->Busy() ? POLLIN : 0), 0});
     }
     const int ready = poll(sockets.data(), sockets.size(), IdlePeriod);
-    if (InterruptGuard::Interrupted()) throw StoppedError("interrupted");
+    if (!goOn()) throw Stopped("interrupted");
     for (std::size_t k = 0; ready > 0 && k < workers.size(); ++k) {
-      if (sockets[k].revents != 0 && workers[k]->Busy()) foreman.TakeFrom(*workers[k]);
+      if (sockets[k].revents != 0 && workers[k]->Busy()) foreman.TakeFrom(*workers[k], goOn);
     }
-    if (InterruptGuard::Interrupted()) throw StoppedError("interrupted");
-    idle();
   }
 }
 
-}  // namespace torvane::cli
+}  // namespace torvane

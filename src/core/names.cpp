@@ -1,9 +1,9 @@
-#include "cli/names.h"
+#include "core/names.h"
 
 #include <algorithm>
 #include <tuple>
 
-namespace torvane::cli {
+namespace torvane {
 namespace {
 
 // Characters to insert, remove or replace (Levenshtein), by rows of the distance table.
@@ -49,11 +49,11 @@ std::string NearestName(const std::string& text, const std::vector<std::string>&
   return nearest == names.end() ? std::string() : *nearest;
 }
 
-CommandError UnknownName(const std::string& what, const std::string& text,
-                         const std::vector<std::string>& names) {
+std::string UnknownNameText(const std::string& what, const std::string& text,
+                            const std::vector<std::string>& names) {
   const std::string nearest = NearestName(text, names);
-  return UsageError("unknown " + what + " \"" + text + "\"" +
-                    (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?"));
+  return "unknown " + what + " \"" + text + "\"" +
+         (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?");
 }
 
 int IndexOfName(const std::string& text, const std::vector<std::string>& names) {
@@ -61,4 +61,4 @@ int IndexOfName(const std::string& text, const std::vector<std::string>& names) 
   return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
-}  // namespace torvane::cli
+}  // namespace torvane

@@ -1,0 +1,41 @@
+#include "core/files/text_file.h"
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+
+#include "core/files/file_fault.h"
+#include "core/files/input_file.h"
+
+namespace torvane {
+namespace {
+
+constexpr std::size_t PieceSize = 65536;
+
+std::string TooLarge(const std::string& path, std::size_t limit) {
+  return path + " is larger than " + std::to_string(limit >> 20U) + " MiB";
+}
+
+}  // namespace
+
+std::string ReadTextFile(const std::string& path, std::size_t limit, std::string& text) {
+  InputFile file(path, InputFile::WaitForEver);
+  if (!file.IsOpen()) return CannotOpen(path, errno);
+  if (file.Size() > limit) return TooLarge(path, limit);
+  text.clear();
+  // Growing by doubling would take twice the memory; what is not written to takes none.
+  text.reserve(file.Size() > 0 ? file.Size() : limit);
+  std::array<char, PieceSize> buffer{};
+  for (;;) {
+    const ssize_t count = file.Read(buffer.data(), buffer.size());
+    if (count == 0) return {};
+    if (count < 0) return "Cannot read " + path + ": " + SystemReason(errno);
+    const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
+    if (text.size() + piece.size() > limit) return TooLarge(path, limit);
+    // UTF-16, say, or a spreadsheet's own format.
+    if (piece.find('\0') != std::string_view::npos) return path + " is no plain text";
+    text += piece;
+  }
+}
+
+}  // namespace torvane
