@@ -98,8 +98,9 @@ TEST(NextRowTime, VisitsEveryMultipleOnce) {
 
 TEST(Run, AnInterruptEndsItWithTheRowsSoFarWhole) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    const std::string rows = "rows" + std::to_string(signal);
-    const Process process("exec torvane-cli run 1 --until 1e6 --every 0.001 --out " + rows);
+    const std::string out = "rows" + std::to_string(signal);
+    const std::string rows = out + ".part";
+    const Process process("exec torvane-cli run 1 --until 1e6 --every 0.001 --out " + out);
     // Until something has been written, for as long as a very slow machine may need.
     EXPECT_EQ(Shell("for i in $(seq 1200); do test -s " + rows + " && exit; sleep 0.05; done").Code,
               0);
@@ -108,6 +109,7 @@ TEST(Run, AnInterruptEndsItWithTheRowsSoFarWhole) {
     EXPECT_EQ(outcome.Code, 1);
     const std::string said = "Error: interrupted at ";
     ASSERT_TRUE(outcome.Err.starts_with(said)) << outcome.Err;
+    EXPECT_TRUE(outcome.Err.ends_with(" s; the rows so far are in " + rows + "\n")) << outcome.Err;
     const std::string text = ReadWholeFile(Folder() + rows);
     EXPECT_TRUE(text.ends_with("\n"));
     // Nothing that was recorded before the interrupt is missing: the last row is the last multiple.
