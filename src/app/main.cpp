@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QIcon>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -14,6 +15,7 @@
 #include "ui/desk/desk_style.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/theme.h"
+#include "ui/session/end_requests.h"
 #include "ui/session/message_boxes.h"
 
 namespace {
@@ -59,17 +61,8 @@ void ChooseMessageLoop() {
   if (!qEnvironmentVariableIsSet("QT_NO_GLIB")) qputenv("QT_NO_GLIB", "1");
 }
 
-int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
-  ChooseMessageLoop();
-  const QtMessageHandler handler = qInstallMessageHandler(EndWithoutDisplay);
-  QApplication application(argc, argv);
-  qInstallMessageHandler(handler);
-  QCoreApplication::setApplicationName(QStringLiteral("torvane"));
-  QCoreApplication::setApplicationVersion(QStringLiteral(TORVANE_VERSION));
-  QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));
-  torvane::MessageBoxes messages;
+int RunWindow(const torvane::CommandLine& command, const torvane::EndRequests& requests) {
   const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
-  QApplication::setStyle(new torvane::DeskStyle);
   if (!speedTest) torvane::ApplyTheme(torvane::RememberedTheme());
   using Windows = torvane::TZelControlPanelF::Windows;
   torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
@@ -79,6 +72,10 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
     return 1;
   }
   QApplication::setWindowIcon(panel.windowIcon());
+  QObject::connect(&requests, &torvane::EndRequests::EndAsked, &panel,
+                   &torvane::TZelControlPanelF::EndUnasked);
+  QObject::connect(&requests, &torvane::EndRequests::KeepAsked, &panel.Work(),
+                   &torvane::Session::Keep);
   panel.ShowAtStart(!speedTest);
   // A speed test measures a model as it is built, whatever the user's configuration.
   if (!speedTest || !command.File.empty()) {
@@ -91,6 +88,26 @@ int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
     QTimer::singleShot(0, &panel, [&] { StartSpeedTest(panel, command.SpeedSeconds); });
   }
   return QApplication::exec();
+}
+
+// Who sent a signal is to see that it ended the program.
+int RunDesktop(int argc, char** argv, const torvane::CommandLine& command) {
+  ChooseMessageLoop();
+  const QtMessageHandler handler = qInstallMessageHandler(EndWithoutDisplay);
+  QApplication application(argc, argv);
+  qInstallMessageHandler(handler);
+  QCoreApplication::setApplicationName(QStringLiteral("torvane"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(TORVANE_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("torvane"));
+  const torvane::EndRequests requests;
+  torvane::MessageBoxes messages;
+  QApplication::setStyle(new torvane::DeskStyle);
+  const int code = RunWindow(command, requests);
+  if (requests.Signal() != 0) {
+    std::signal(requests.Signal(), SIG_DFL);
+    std::raise(requests.Signal());
+  }
+  return code;
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "core/files/seal.h"
 #include "library/wave.h"
 #include "support/recorder.h"
+#include "ui/session/end_requests.h"
 
 namespace torvane {
 namespace {
@@ -204,6 +205,56 @@ TEST_F(SessionTest, ADamagedSessionIsSetAsideAndSaid) {
     EXPECT_NE(reports[0].find(aside.toStdString()), std::string::npos);
     EXPECT_TRUE(Session::LeftBehind().empty());
     EXPECT_EQ(Reports.Take(), Messages{});  // said once
+  }
+}
+
+TEST_F(SessionTest, WhatCannotBeBroughtBackIsSetAsideAndSaid) {
+  for (const char* text : {"Application,Another\nConstant,KVP,3\n", "no model file\n",
+                           "Application,Torvane--Melkorin, 2nd Edition\nModel,9-9 None\n"}) {
+    Put("state/torvane/session-a.tvf", Sealed(text));
+    std::vector<KeptSession> found = Session::LeftBehind();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_FALSE(Work->Restore(std::move(found[0]))) << text;
+    const std::string aside = Path("state/torvane/damaged-session-a.tvf").toStdString();
+    EXPECT_EQ(Reports.Take().back(),
+              "Warning: A session that was kept before Torvane ended cannot be brought back.\n"
+              "What is left of it has been set aside in\n" +
+                  aside);
+    EXPECT_EQ(Kept(), QStringList("damaged-session-a.tvf"));
+    EXPECT_FALSE(Work->Changed());
+  }
+}
+
+TEST_F(SessionTest, ThatNothingCanBeKeptIsSaidOnce) {
+  Put("state", "a file where the folder would be");
+  for (const double value : {1.25, 1.5, 1.75}) {
+    Const("KVP").Set(value);
+    Work->Keep();
+  }
+  const Messages reports = Reports.Take();
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_TRUE(
+      reports[0].starts_with("Warning: What is not saved cannot be kept over a crash.\n"
+                             "Cannot write " +
+                             Path("state/torvane/").toStdString()));
+  EXPECT_TRUE(reports[0].ends_with(": Not a directory")) << reports[0];
+}
+
+// Long before the timer comes round.
+TEST_F(SessionTest, ASignalLeavesTheSessionAsItIsForTheNextStart) {
+  for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+    const EndRequests requests;
+    QObject::connect(&requests, &EndRequests::EndAsked, Work.get(), &Session::LeaveForNextStart);
+    Const("KVP").Set(signal);
+    std::raise(signal);
+    while (requests.Signal() == 0) QCoreApplication::processEvents();
+    EXPECT_EQ(requests.Signal(), signal);
+    Work = std::make_unique<Session>();
+    Work->Choose(0);
+    std::vector<KeptSession> found = Session::LeftBehind();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_TRUE(Work->Restore(std::move(found[0])));
+    EXPECT_EQ(Const("KVP").Value(), signal);
   }
 }
 

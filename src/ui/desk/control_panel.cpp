@@ -412,7 +412,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (session_.MayDiscard("close")) {
+  if (unasked_ || session_.MayDiscard("close")) {
     Stop();
     RememberWindows();
     if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
@@ -421,6 +421,15 @@ void TZelControlPanelF::closeEvent(QCloseEvent* event) {
   } else {
     event->ignore();
   }
+}
+
+// Dialogs that are open, with message loops of their own, end too.
+void TZelControlPanelF::EndUnasked() {
+  if (unasked_ || !isVisible()) return;
+  session_.LeaveForNextStart();
+  unasked_ = true;
+  close();
+  QCoreApplication::exit();
 }
 
 // The simulation stands still while a box is open, whatever opened it.

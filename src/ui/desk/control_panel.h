@@ -55,6 +55,10 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   /// splash for four seconds.
   void ShowAtStart(bool withSplash);
 
+  /// Closes the window without a question and ends the program: what is unsaved is offered at the
+  /// next start. Nothing when the window has been closed.
+  void EndUnasked();
+
   /// How often the instruments have been painted while a model ran.
   int Frames() const { return frames_; }
 
@@ -106,6 +110,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   GuideF* guide_ = nullptr;  // until it is asked for
   std::unique_ptr<FileCommands> files_;
   int frames_ = 0;
+  bool unasked_ = false;  // the end
 };
 
 }  // namespace torvane

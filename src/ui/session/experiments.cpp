@@ -18,8 +18,9 @@ QString DescriptionOf(const ZelModel& model, const DataFolder& data) {
     name = QFileInfo(QString::fromStdString(model.PictureFile())).completeBaseName() +
            QStringLiteral(".txt");
   }
-  QFile file(data.Find(name));
-  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return {};
+  const QString path = data.Find(name);
+  QFile file(path);
+  if (path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) return {};
   return QString::fromUtf8(file.readAll());
 }
 

@@ -71,7 +71,9 @@ OwnedFile OwnedFile::Write(const QString& path, const std::string& text) {
       std::rename(draft.constData(), name.constData()) == 0) {
     return file;
   }
+  const int fault = errno;
   unlink(draft.constData());
+  errno = fault;
   return {};
 }
 
@@ -83,10 +85,12 @@ void OwnedFile::Remove() {
   *this = OwnedFile();
 }
 
-void OwnedFile::Rename(const QString& path) {
-  if (std::rename(QFile::encodeName(path_).constData(), QFile::encodeName(path).constData()) == 0) {
-    path_ = path;
+bool OwnedFile::Rename(const QString& path) {
+  if (std::rename(QFile::encodeName(path_).constData(), QFile::encodeName(path).constData()) != 0) {
+    return false;
   }
+  path_ = path;
+  return true;
 }
 
 }  // namespace torvane

@@ -18,13 +18,14 @@ class OwnedFile {
   /// The existing file, unless it belongs to somebody.
   static OwnedFile Claim(const QString& path);
   /// A new file at `path` with this text, in place of the one that may be there. That one stays as
-  /// it was, and the result is no file, when the new one cannot be made whole.
+  /// it was, and the result is no file, when the new one cannot be made whole; errno tells why.
   static OwnedFile Write(const QString& path, const std::string& text);
 
   bool Exists() const { return descriptor_ >= 0; }
   const QString& Path() const { return path_; }
   void Remove();
-  void Rename(const QString& path);
+  /// False when it keeps its name.
+  bool Rename(const QString& path);
 
  private:
   OwnedFile(QString path, int descriptor);

@@ -4,9 +4,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QUuid>
+#include <cerrno>
+#include <filesystem>
 #include <optional>
 #include <utility>
 
+#include "core/files/file_fault.h"
 #include "core/files/model_file.h"
 #include "core/files/seal.h"
 #include "core/messages.h"
@@ -34,17 +37,6 @@ std::optional<std::string> ReadWhole(const QString& path) {
   return Unsealed(std::string_view(bytes.data(), static_cast<std::size_t>(bytes.size())));
 }
 
-void SetAside(OwnedFile& file) {
-  const QFileInfo info(file.Path());
-  const QString path =
-      info.dir().filePath(QStringLiteral("damaged-") + info.completeBaseName() + Suffix);
-  file.Rename(path);
-  Warning(
-      "A session that was kept before Torvane ended is damaged and cannot be brought back.\n"
-      "What is left of it has been set aside in\n" +
-      path.toStdString());
-}
-
 // What a first write left that was cut off: no session's file stands beside it.
 void RemoveDrafts() {
   const QFileInfoList drafts =
@@ -53,7 +45,25 @@ void RemoveDrafts() {
   for (const QFileInfo& draft : drafts) OwnedFile::Claim(draft.filePath()).Remove();
 }
 
+// Zero, or what of errno stood against it.
+int MakeStateFolder() {
+  std::error_code fault;
+  std::filesystem::create_directories(StateFolder().toStdString(), fault);
+  return fault.value();
+}
+
 }  // namespace
+
+void KeptSession::SetAside(const std::string& reason) {
+  const QFileInfo info(File.Path());
+  const QString path =
+      info.dir().filePath(QStringLiteral("damaged-") + info.completeBaseName() + Suffix);
+  const bool moved = File.Rename(path);
+  Warning("A session that was kept before Torvane ended " + reason +
+          (moved ? ".\nWhat is left of it has been set aside in\n"
+                 : ".\nIt could not be set aside and is still in\n") +
+          File.Path().toStdString());
+}
 
 RecoveryFile::RecoveryFile()
     : path_(QStringLiteral("%1/%2%3%4")
@@ -61,16 +71,25 @@ RecoveryFile::RecoveryFile()
 
 void RecoveryFile::Write(const std::string& text) {
   if (text == written_) return;
-  QDir().mkpath(StateFolder());
-  OwnedFile file = OwnedFile::Write(path_, Sealed(text));
-  if (!file.Exists()) return;
-  file_ = std::move(file);
-  written_ = text;
+  int fault = MakeStateFolder();
+  OwnedFile file = fault == 0 ? OwnedFile::Write(path_, Sealed(text)) : OwnedFile();
+  if (file.Exists()) {
+    file_ = std::move(file);
+    written_ = text;
+  } else if (!std::exchange(faultTold_, true)) {
+    if (fault == 0) fault = errno;
+    Warning("What is not saved cannot be kept over a crash.\n" +
+            CannotWrite(path_.toStdString(), fault));
+  }
 }
 
 void RecoveryFile::Remove() {
   file_.Remove();
   written_.clear();
+}
+
+void RecoveryFile::Leave() {
+  file_ = OwnedFile();
 }
 
 void RecoveryFile::Adopt(KeptSession&& kept) {
@@ -87,10 +106,12 @@ std::vector<KeptSession> RecoveryFile::LeftBehind() {
   for (const QFileInfo& info : found) {
     OwnedFile file = OwnedFile::Claim(info.filePath());
     if (!file.Exists()) continue;
-    if (std::optional<std::string> text = ReadWhole(info.filePath())) {
-      sessions.push_back({std::move(file), info.lastModified(), std::move(*text)});
+    std::optional<std::string> text = ReadWhole(info.filePath());
+    KeptSession kept{std::move(file), info.lastModified(), text.value_or("")};
+    if (text) {
+      sessions.push_back(std::move(kept));
     } else {
-      SetAside(file);
+      kept.SetAside("is damaged and cannot be brought back");
     }
   }
   return sessions;

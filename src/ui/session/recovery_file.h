@@ -14,6 +14,9 @@ struct KeptSession {
   OwnedFile File;
   QDateTime When;
   std::string Text;  ///< a model file
+
+  /// Gives the file a name under which it is offered no more, and reports that, with the reason.
+  void SetAside(const std::string& reason);
 };
 
 /// What keeps an unsaved session over a crash: a sealed model file in the user's state folder,
@@ -25,10 +28,12 @@ class RecoveryFile {
   RecoveryFile(const RecoveryFile&) = delete;
   RecoveryFile& operator=(const RecoveryFile&) = delete;
 
-  /// Keeps the text, silently: a session that cannot be kept is no reason to disturb it. The last
-  /// one stays until the new one is whole.
+  /// Keeps the text. The last one stays until the new one is whole; when it cannot be made so, that
+  /// is reported, once.
   void Write(const std::string& text);
   void Remove();
+  /// What is kept stays for the next start, whatever happens to the object.
+  void Leave();
   /// The session that was left behind is this process's from now on.
   void Adopt(KeptSession&& kept);
 
@@ -40,6 +45,7 @@ class RecoveryFile {
   QString path_;
   OwnedFile file_;
   std::string written_;
+  bool faultTold_ = false;
 };
 
 }  // namespace torvane

@@ -90,7 +90,10 @@ bool Session::OpenConfiguration(const QString& path) {
 }
 
 bool Session::Restore(KeptSession kept) {
-  if (!Load(kept.File.Path(), kept.Text, Source::Recovery)) return false;
+  if (!Load(kept.File.Path(), kept.Text, Source::Recovery)) {
+    kept.SetAside("cannot be brought back");
+    return false;
+  }
   recovery_.Adopt(std::move(kept));
   Keep();
   return true;
@@ -116,7 +119,8 @@ bool Session::Load(const QString& path, const std::string& text, Source source) 
     Error("Nothing in " + path.toStdString() + " was recognised.  It is no model file.");
   }
   if (source == Source::Configuration) MarkSaved();
-  if (source == Source::Recovery) saved_.clear();
+  const bool restored = source == Source::Recovery && result.AtEnd && result.Recognised;
+  if (restored) saved_.clear();
   if (result.IsModelFile() && (source == Source::File || source == Source::FileAtStart)) {
     MarkSaved();
     SetFile(QFileInfo(path).absoluteFilePath());
@@ -125,7 +129,7 @@ bool Session::Load(const QString& path, const std::string& text, Source source) 
   emit FileLoaded();
   const CollectedReports::Rest rest = reports.Forward();
   if (rest.Count > 0) emit ManyReports(rest);
-  return result.AtEnd;
+  return source == Source::Recovery ? restored : result.AtEnd;
 }
 
 bool Session::Save(const QString& path) {
@@ -151,6 +155,12 @@ void Session::Keep() {
   } else {
     recovery_.Remove();
   }
+}
+
+void Session::LeaveForNextStart() {
+  Keep();
+  recovery_.Leave();
+  keep_.stop();
 }
 
 }  // namespace torvane

@@ -58,9 +58,13 @@ class Session : public QObject {
 
   /// What other processes left behind; keeps what they hold for this one.
   static std::vector<KeptSession> LeftBehind() { return RecoveryFile::LeftBehind(); }
-  /// Brings a session back, as unsaved changes of no file. False when it could not be read to its
-  /// end; it is still kept then.
+  /// Brings a session back, as unsaved changes of no file. One that could not be read to its end,
+  /// or in which there is nothing of a session, is reported and set aside; false then.
   bool Restore(KeptSession kept);
+  /// Keeps what is unsaved now.
+  void Keep();
+  /// Keeps what is unsaved for the next start, though the program ends cleanly.
+  void LeaveForNextStart();
 
  signals:
   /// The present model is about to be destroyed: nothing may view it any more.
@@ -82,7 +86,6 @@ class Session : public QObject {
   bool Load(const QString& path, const std::string& text, Source source);
   void SetFile(const QString& path);
   void MarkSaved();
-  void Keep();
 
   std::unique_ptr<Host> host_;
   QString file_;
