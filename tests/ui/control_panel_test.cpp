@@ -45,20 +45,22 @@ TEST_F(ControlPanelTest, TheTimeIsShownAtMostOnceAFrame) {
 
 TEST_F(ControlPanelTest, ASlowPaceHoldsTheModelBack) {
   QElapsedTimer wall;
-  const auto paced = [&](const char* pace, double share, double least) {
-    QCoreApplication::processEvents();  // on a busy machine the last pace's frame may be due
+  // A model that lags behind a pace may catch up, so the clock starts with the pace itself, and no
+  // event comes between.
+  const auto paced = [&](int pace, double share, double least) {
     const double from = Time();
     wall.start();
-    Play(std::string("choose CmBPace ") + pace + " ->");
+    Find<QComboBox>("CmBPace").setCurrentIndex(pace);
     ASSERT_TRUE(WaitFor([&] { return Time() >= from + least; })) << pace;
-    const double most = share * static_cast<double>(wall.nsecsElapsed()) * 1e-9;
-    EXPECT_LE(Time(), from + most + 2e-5) << pace;
+    const double reached = Time();
+    EXPECT_LE(reached, from + share * static_cast<double>(wall.nsecsElapsed()) * 1e-9 + 2e-5)
+        << pace;
   };
-  Play("choose CmBPace 1/100; click SBRun ->");
-  paced("1/100", 0.01, 2e-3);
+  Click("SBRun");
+  paced(3, 0.01, 2e-3);
   EXPECT_GT(Panel->Frames(), 0);
-  paced("Real time", 1.0, 0.05);
-  paced("Fastest", 1e9, 0.1);
+  paced(1, 1.0, 0.05);
+  paced(0, 1e9, 0.1);
 }
 
 TEST_F(ControlPanelTest, TheSplashLeavesTheKeysToThePanelAndGoesOnRun) {

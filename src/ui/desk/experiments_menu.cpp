@@ -5,6 +5,7 @@
 #include "models/catalogue.h"
 #include "ui/desk/workspace.h"
 #include "ui/panes/model_views.h"
+#include "ui/session/box_queue.h"
 #include "ui/session/experiments.h"
 #include "ui/session/session.h"
 
@@ -28,14 +29,15 @@ void ExperimentsMenu::Fill() {
     QString title = experiment.Title;
     title.replace(u'&', QStringLiteral("&&"));
     QAction* item = menu_.addAction(
-        QStringLiteral("&%1. %2").arg(++number).arg(title), this,
-        [this, experiment] { SetUp(experiment); }, Qt::QueuedConnection);
+        QStringLiteral("&%1. %2").arg(++number).arg(title), this, [this, experiment] {
+          WhenNothingIsOpen(*this, [this, experiment] { SetUp(experiment); });
+        });
     item->setEnabled(!experiment.File.isEmpty());
   }
   if (number == 0) menu_.addAction(QStringLiteral("None for this model"))->setEnabled(false);
 }
 
-// The menu is filled anew while the model changes; so its item is done by then.
+// The menu is filled anew while the model changes; its item is done by then.
 void ExperimentsMenu::SetUp(const Experiment& experiment) {
   const QString model = QString::fromStdString(session_.Model()->Name());
   if (!session_.MayDiscard() || !session_.Choose(FindModel(model.toStdString()))) return;
