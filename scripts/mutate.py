@@ -22,7 +22,7 @@ import time
 import faults
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ["core", "library", "instruments", "models", "cli", "plot", "ui"]
+FOLDERS = ["core", "library", "instruments", "kit", "models", "cli", "plot", "ui"]
 # Whose tests are run after the folder's own when those have noticed nothing.
 USERS = {
     "core": ["models", "cli"],

@@ -10,22 +10,24 @@
 
 namespace torvane {
 
-Constant::Constant(ZelBenchTop& bench, std::string name, std::string unit, double defaultValue,
-                   double limit, double otherLimit)
+Constant::Constant(ZelBenchTop& bench, std::string name, std::string unit, const Adjustable& range,
+                   const std::string& description)
     : bench_(bench),
       name_(std::move(name)),
       unit_(std::move(unit)),
-      lower_(std::min(limit, otherLimit)),
-      upper_(std::max(limit, otherLimit)),
-      default_(defaultValue),
-      value_(defaultValue) {
+      description_(WithUnit(description, unit_)),
+      lower_(std::min(range.Limit, range.OtherLimit)),
+      upper_(std::max(range.Limit, range.OtherLimit)),
+      default_(range.Default),
+      value_(range.Default) {
   bench.AddConst(*this);
 }
 
 Constant::Constant(ZelBenchTop& bench, std::string name, std::vector<std::string> choices,
-                   int defaultChoice)
+                   int defaultChoice, std::string description)
     : bench_(bench),
       name_(std::move(name)),
+      description_(std::move(description)),
       lower_(0.0),
       upper_(static_cast<double>(choices.size()) - 1.0),
       default_(defaultChoice),

@@ -22,6 +22,16 @@ class ConstantObserver {
   virtual void ConstantChanged(const Constant& constant) = 0;
 };
 
+/// A constant's default and its limits, which may come in either order.
+struct Adjustable {
+  Adjustable(double defaultValue, double limit, double otherLimit)
+      : Default(defaultValue), Limit(limit), OtherLimit(otherLimit) {}
+
+  double Default;
+  double Limit;
+  double OtherLimit;
+};
+
 /// A named number of a model that the user may change while the model runs, within limits or from a
 /// list of choices. Registered with the bench at construction.
 ///
@@ -29,22 +39,25 @@ class ConstantObserver {
 /// built with another value.
 class Constant : public Undoable {
  public:
-  /// Limits may come in either order.
+  /// The description says in a sentence for the user what the constant is.
+  Constant(ZelBenchTop& bench, std::string name, std::string unit, const Adjustable& range,
+           const std::string& description);
   Constant(ZelBenchTop& bench, std::string name, std::string unit, double defaultValue,
-           double limit, double otherLimit);
+           double limit, double otherLimit)
+      : Constant(bench, std::move(name), std::move(unit),
+                 Adjustable(defaultValue, limit, otherLimit), {}) {}
 
   /// A list constant: its value is the index of the choice.
   Constant(ZelBenchTop& bench, std::string name, std::vector<std::string> choices,
-           int defaultChoice = 0);
+           int defaultChoice = 0, std::string description = {});
 
   Constant(const Constant&) = delete;
   Constant& operator=(const Constant&) = delete;
 
   const std::string& Name() const { return name_; }
   const std::string& Unit() const { return unit_; }
-  /// What it is, in a sentence for the user; may be empty.
+  /// What it is, for the user, with its unit; empty when nobody said.
   const std::string& Description() const { return description_; }
-  void Describe(std::string text) { description_ = std::move(text); }
   double Default() const { return default_; }
   double Lower() const { return lower_; }
   double Upper() const { return upper_; }

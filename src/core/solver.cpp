@@ -16,6 +16,7 @@ ZelSolver::ZelSolver(ZelBenchTop& bench, double h, ZelModel& model, int maxOrder
       model_(model),
       maxOrder_(maxOrder),
       states_(static_cast<std::size_t>(maxOrder)),
+      numbers_(static_cast<std::size_t>(maxOrder)),
       startValues_(static_cast<std::size_t>(maxOrder)),
       slopeSum_(static_cast<std::size_t>(maxOrder)),
       watch_(bench) {
@@ -32,6 +33,7 @@ void ZelSolver::AddStateVar(StateVariable& state) {
   startValues_[slot] = state.InitialValue;
   slopeSum_[slot] = 0.0;
   states_[slot] = &state;
+  numbers_[slot] = &state.Numbers;
   ++count_;
 }
 
@@ -74,7 +76,7 @@ void ZelSolver::WatchedStep(double t) {
 
 template <class Evaluate>
 void ZelSolver::Integrate(double t, Evaluate evaluate) {
-  StateVariable* const* const states = states_.data();
+  State* const* const states = numbers_.data();
   double* const start = startValues_.data();
   double* const sum = slopeSum_.data();
   const auto count = static_cast<std::size_t>(count_);
@@ -106,7 +108,7 @@ void ZelSolver::Integrate(double t, Evaluate evaluate) {
   evaluate(t + h);
 
   for (std::size_t i = 0; i < count; ++i) {
-    StateVariable& state = *states[i];
+    State& state = *states[i];
     sum[i] += state.Derivative;
     state.Value = static_cast<double>(Combine(start[i], sum[i], h));
     state.TakePending();

@@ -62,6 +62,7 @@ class ZelSolver {
 
   ZelBenchTop& bench_;
   const double h_;
+  ZelModel& model_;
 
  private:
   template <class Evaluate>
@@ -69,11 +70,11 @@ class ZelSolver {
   long double Magnitude() const;
   [[noreturn]] void ThrowOverflow(double t);
 
-  ZelModel& model_;
   std::int32_t maxOrder_;
   std::int32_t count_ = 0;
   // Sized once at construction: a step allocates nothing.
   std::vector<StateVariable*> states_;
+  std::vector<State*> numbers_;  // theirs, which are nearer
   std::vector<double> startValues_;
   std::vector<double> slopeSum_;
   bool nearOverflow_ = false;

@@ -120,6 +120,10 @@ std::string FormatGeneral(double x, int precision, int exponentDigits) {
   return mantissa + (*exponent < 0 ? "E-" : "E") + digits;
 }
 
+std::string WithUnit(const std::string& text, const std::string& unit) {
+  return text.empty() || unit.empty() ? text : text + " (" + unit + ")";
+}
+
 std::string AppendLine(std::string_view text) {
   return std::string(text) + "\r\n";
 }

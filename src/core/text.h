@@ -35,6 +35,9 @@ std::string FormatSteady(double x);
 /// more than `precision` digits before the point.
 std::string FormatGeneral(double x, int precision, int exponentDigits);
 
+/// The text with the unit behind it in brackets; either may be empty, and nothing has no unit.
+std::string WithUnit(const std::string& text, const std::string& unit);
+
 /// The text followed by CR LF.
 std::string AppendLine(std::string_view text);
 

@@ -15,6 +15,9 @@ class TimeDriven {
   virtual ~TimeDriven() = default;
   virtual void AtTime(double t) = 0;
 
+  /// What it moves as the solver's time goes by: itself, or the numbers that it stands for.
+  virtual const void* Moves() const { return this; }
+
   /// The model was reset: outputs that mirror states follow them, memory is dropped as said.
   virtual void Reset(ResetKind /*kind*/) {}
 };

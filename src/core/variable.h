@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <string>
-#include <utility>
 
 namespace torvane {
 
@@ -20,72 +18,9 @@ struct DisplayDefaults {
 /// a name.
 enum class Visibility { Offered, Internal };
 
-/// A named signal of a model, registered with the model's bench at construction.
-///
-/// A copy has the number alone: no name, and the bench does not know it. A step works on such
-/// copies, which the compiler may keep in registers; assigning one back hands the number over.
-class Variable {
- public:
-  Variable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display = {},
-           Visibility visibility = Visibility::Offered);
-  Variable(const Variable& other) : Value(other.Value) {}
-  Variable& operator=(const Variable& other) {
-    Value = other.Value;
-    return *this;
-  }
-  virtual ~Variable() = default;
-
-  /// Back to the value before the first run: 0.
-  virtual void Reset() { Value = 0.0; }
-
-  const std::string& Name() const { return identity_->Name; }
-  const std::string& Unit() const { return identity_->Unit; }
-  /// What it is, in a sentence for the user; may be empty.
-  const std::string& Description() const { return identity_->Description; }
-  void Describe(std::string text) { identity_->Description = std::move(text); }
-  double DefaultScale() const { return identity_->Display.Scale; }
-  double DefaultOffset() const { return identity_->Display.Offset; }
-  double Multiplier() const { return identity_->Display.Multiplier; }
-  bool ShownByDefault() const { return identity_->Display.Shown; }
-  bool Internal() const { return identity_->Offered == Visibility::Internal; }
-  bool IsState() const { return identity_->Is == Kind::State; }
-
-  /// The value as instruments show it.
-  double DisplayValue() const { return Value * identity_->Display.Multiplier; }
-
-  double Value = 0.0;
-
- protected:
-  enum class Kind { Plain, State, Time };
-  Variable(Kind kind, std::string name, std::string unit, DisplayDefaults display,
-           Visibility visibility);
-
- private:
-  struct Identity {
-    Kind Is;
-    std::string Name;
-    std::string Unit;
-    DisplayDefaults Display;
-    Visibility Offered;
-    std::string Description;
-  };
-
-  std::unique_ptr<Identity> identity_;  // null in a copy
-};
-
-/// The simulated time as a signal. Its construction installs it as the bench's time variable.
-class TimeVariable : public Variable {
- public:
-  TimeVariable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display);
-};
-
-/// A signal that the solver integrates.
-class StateVariable : public Variable {
- public:
-  StateVariable(ZelBenchTop& bench, std::string name, std::string unit, double initialValue,
-                DisplayDefaults display = {}, Visibility visibility = Visibility::Offered);
-
-  void Reset() override { Value = InitialValue; }
+/// The numbers of a signal that the solver integrates. In an equation it stands for its value.
+struct State {
+  operator double() const { return Value; }
 
   /// Asks for a value from outside; it replaces the integrated result at the end of the step in
   /// progress. A plain assignment to Value would be overwritten at the next sub-step.
@@ -101,10 +36,92 @@ class StateVariable : public Variable {
     PendingSet = false;
   }
 
-  double InitialValue;
+  double Value = 0.0;
   double Derivative = 0.0;  ///< per second, written by the model or the owning block
   double PendingValue = 0.0;
   bool PendingSet = false;
+};
+
+/// A named signal of a model, registered with the model's bench at construction. It refers to its
+/// number, which may lie in the struct that a model computes with and then outlives the variable.
+class Variable {
+ public:
+  /// The description says in a sentence for the user what the signal is; it may be empty.
+  Variable(ZelBenchTop& bench, double& number, std::string name, std::string unit,
+           DisplayDefaults display = {}, Visibility visibility = Visibility::Offered,
+           const std::string& description = {});
+  /// Of a number of its own.
+  Variable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display = {},
+           Visibility visibility = Visibility::Offered);
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+  virtual ~Variable() = default;
+
+  /// Back to the value before the first run: 0.
+  virtual void Reset() { Value = 0.0; }
+
+  const std::string& Name() const { return name_; }
+  const std::string& Unit() const { return unit_; }
+  /// What it is, for the user, with its unit; empty when nobody said.
+  const std::string& Description() const { return description_; }
+  double DefaultScale() const { return display_.Scale; }
+  double DefaultOffset() const { return display_.Offset; }
+  double Multiplier() const { return display_.Multiplier; }
+  bool ShownByDefault() const { return display_.Shown; }
+  bool Internal() const { return visibility_ == Visibility::Internal; }
+  virtual bool IsState() const { return false; }
+
+  /// The value as instruments show it.
+  double DisplayValue() const { return Value * display_.Multiplier; }
+
+ protected:
+  /// Registers nothing. Without a number it has one of its own.
+  Variable(double* number, std::string name, std::string unit, DisplayDefaults display,
+           Visibility visibility, const std::string& description);
+  State& Own() { return own_; }
+
+ private:
+  std::string name_;
+  std::string unit_;
+  std::string description_;
+  DisplayDefaults display_;
+  Visibility visibility_;
+  State own_;
+
+ public:
+  double& Value;
+};
+
+/// The simulated time as a signal. Its construction installs it as the bench's time variable.
+class TimeVariable : public Variable {
+ public:
+  TimeVariable(ZelBenchTop& bench, std::string name, std::string unit, DisplayDefaults display,
+               const std::string& description = {});
+};
+
+/// A signal that the solver integrates.
+class StateVariable : public Variable {
+ public:
+  StateVariable(ZelBenchTop& bench, State& numbers, std::string name, std::string unit,
+                double initialValue, DisplayDefaults display = {},
+                Visibility visibility = Visibility::Offered, const std::string& description = {});
+  /// Of numbers of its own.
+  StateVariable(ZelBenchTop& bench, std::string name, std::string unit, double initialValue,
+                DisplayDefaults display = {}, Visibility visibility = Visibility::Offered);
+
+  void Reset() override { Value = InitialValue; }
+  bool IsState() const override { return true; }
+
+  void SetPending(double value) { Numbers.SetPending(value); }
+
+  double InitialValue;
+  State& Numbers;
+  double& Derivative = Numbers.Derivative;
+
+ private:
+  StateVariable(ZelBenchTop& bench, State* numbers, std::string name, std::string unit,
+                double initialValue, DisplayDefaults display, Visibility visibility,
+                const std::string& description);
 };
 
 }  // namespace torvane

@@ -5,8 +5,9 @@
 
 namespace torvane {
 
-ZelDController::ZelDController(ZelBenchTop& bench, double period) try
-    : bench_(bench), period_(period) {
+ZelDController::ZelDController(ZelBenchTop& bench, double period, ControllerClock* clock) try
+    : bench_(bench), clock_(clock ? *clock : own_) {
+  clock_.SetPeriod(period);
   bench.AddTimeDriven(*this);
 } catch (...) {
   Error("Fault in ZelDController :: ZelDController");
@@ -16,8 +17,7 @@ void ZelDController::Reset(ResetKind kind) {
   for (const auto& block : blocks_) block->Reset(kind);
   if (kind == ResetKind::States) return;
   // The time goes on through a reset: the first sample falls due now.
-  nextSample_ = bench_.Time();
-  sampleDue_ = false;
+  clock_.StartAt(bench_.Time());
 }
 
 }  // namespace torvane

@@ -11,45 +11,54 @@ namespace torvane {
 
 class ZelBenchTop;
 
-/// Sample clock. Each evaluation time of the solver ticks it; a tick at or past the next sample
-/// time raises the sample flag and moves that time on by one period. A clock that has fallen
-/// several periods behind catches up one period per tick.
-///
-/// Time-driven objects run after the model's equations, so a model sees the flag one evaluation
-/// after the tick that raised it.
-class ZelDController final : public TimeDriven {
+/// The numbers of a sample clock. A tick at or past the next sample time raises the sample flag and
+/// moves that time on by one period. A clock that has fallen several periods behind catches up one
+/// period per tick.
+class ControllerClock {
  public:
-  /// Period in seconds, above 0. The first sample falls due at time 0.
-  ZelDController(ZelBenchTop& bench, double period);
-  /// A copy ticks like the clock that it was made from, but the bench does not know it and it owns
-  /// no blocks.
-  ZelDController(const ZelDController& other)
-      : TimeDriven(),
-        bench_(other.bench_),
-        nextSample_(other.nextSample_),
-        period_(other.period_),
-        sampleDue_(other.sampleDue_) {}
-  ZelDController& operator=(const ZelDController& other) {
-    nextSample_ = other.nextSample_;
-    period_ = other.period_;
-    sampleDue_ = other.sampleDue_;
-    return *this;
-  }
-
-  void AtTime(double t) override {
+  void Tick(double t) {
     sampleDue_ = t >= nextSample_;
     if (sampleDue_) nextSample_ += period_;
   }
-  void Reset(ResetKind kind) override;
 
   /// Sampled blocks run only in evaluations in which this is true.
   bool SampleDue() const { return sampleDue_; }
 
   double Period() const { return period_; }
 
-  /// Changes the spacing of the samples from the next one on. The blocks keep their coefficients:
-  /// those follow the blocks' own parameters only.
+  /// Changes the spacing of the samples from the next one on, seconds.
   void SetPeriod(double seconds) { period_ = seconds; }
+
+  /// The next sample falls due at t.
+  void StartAt(double t) {
+    nextSample_ = t;
+    sampleDue_ = false;
+  }
+
+ private:
+  double nextSample_ = 0.0;
+  double period_ = 0.0;
+  bool sampleDue_ = false;
+};
+
+/// Sample clock on a bench: each evaluation time of the solver ticks it.
+///
+/// Time-driven objects run after the model's equations, so a model sees the flag one evaluation
+/// after the tick that raised it.
+class ZelDController final : public TimeDriven {
+ public:
+  /// Period in seconds, above 0. The first sample falls due at time 0. The clock's numbers may lie
+  /// in the struct that a model computes with; otherwise it has its own.
+  ZelDController(ZelBenchTop& bench, double period, ControllerClock* clock = nullptr);
+
+  void AtTime(double t) override { clock_.Tick(t); }
+  const void* Moves() const override { return &clock_; }
+  void Reset(ResetKind kind) override;
+
+  bool SampleDue() const { return clock_.SampleDue(); }
+  double Period() const { return clock_.Period(); }
+  /// The blocks keep their coefficients: those follow the blocks' own parameters only.
+  void SetPeriod(double seconds) { clock_.SetPeriod(seconds); }
 
   /// Builds a sampled block on this clock. The clock owns the block from then on and destroys it
   /// with itself; the model only uses the reference.
@@ -63,9 +72,8 @@ class ZelDController final : public TimeDriven {
 
  private:
   const ZelBenchTop& bench_;
-  double nextSample_ = 0.0;
-  double period_;
-  bool sampleDue_ = false;
+  ControllerClock own_;
+  ControllerClock& clock_;
   std::vector<std::unique_ptr<ZelDLibraryClass>> blocks_;
 };
 

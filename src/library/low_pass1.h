@@ -1,9 +1,9 @@
 #pragma once
 
+#include <array>
 #include <tuple>
 
-#include "core/time_driven.h"
-#include "core/variable.h"
+#include "library/on_bench.h"
 
 namespace torvane {
 
@@ -13,15 +13,19 @@ namespace torvane {
 ///
 /// Frequency w / 2 pi in Hz, 0 or above; at 0 Hz the output holds. The model writes the input and
 /// reads the output that the last evaluation left.
-class ZelLowPass1 final : public TimeDriven {
+class LowPass1 {
  public:
-  ZelLowPass1(ZelBenchTop& bench, double frequencyHz);
+  static constexpr std::array StateNames{"LowPass1"};
+  static constexpr const char* Fault = "Fault in ZelLowPass1 :: ZelLowPass1";
 
-  void AtTime(double /*t*/) override {
-    state_.Derivative = omega_ * (u_ - state_.Value);
-    y_ = state_.Value;
+  explicit LowPass1(double frequencyHz) { SetFrequency(frequencyHz); }
+
+  /// Slope and output from the present state and input.
+  void Evaluate() {
+    state_.Derivative = omega_ * (u_ - state_);
+    y_ = state_;
   }
-  void Reset(ResetKind kind) override;
+  void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(state_); }
 
@@ -34,7 +38,14 @@ class ZelLowPass1 final : public TimeDriven {
   double u_ = 0.0;
   double y_ = 0.0;
   double omega_ = 0.0;
-  StateVariable state_;
+  State state_;
+};
+
+/// The filter with numbers of its own, registered with a bench.
+class ZelLowPass1 final : public LowPass1, public OnBench<LowPass1> {
+ public:
+  ZelLowPass1(ZelBenchTop& bench, double frequencyHz)
+      : LowPass1(frequencyHz), OnBench(bench, static_cast<LowPass1&>(*this)) {}
 };
 
 }  // namespace torvane

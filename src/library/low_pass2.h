@@ -1,9 +1,9 @@
 #pragma once
 
+#include <array>
 #include <tuple>
 
-#include "core/time_driven.h"
-#include "core/variable.h"
+#include "library/on_bench.h"
 
 namespace torvane {
 
@@ -15,15 +15,12 @@ class Constant;
 ///
 /// Frequency f = w / 2 pi in Hz and damping zeta, both 0 or above; at 0 Hz the output goes on as it
 /// moves. The model writes the input and reads the output that the last evaluation left.
-class ZelLowPass2 final : public TimeDriven {
+class LowPass2 {
  public:
-  ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping);
+  static constexpr std::array StateNames{"LowPass2 #1", "LowPass2 #2"};
+  static constexpr const char* Fault = "Fault in ZelLowPass2 :: ZelLowPass2";
 
-  void AtTime(double /*t*/) override {
-    BeginRun();
-    Evaluate();
-  }
-  void Reset(ResetKind kind) override;
+  LowPass2(double frequencyHz, double damping);
 
   /// Takes what the linked constants have become; nothing changes them within a run.
   void BeginRun() {
@@ -34,12 +31,13 @@ class ZelLowPass2 final : public TimeDriven {
 
   /// Slopes and output from the present states and input.
   void Evaluate() {
-    const double x1 = position_.Value;
-    const double x2 = rate_.Value;
+    const double x1 = position_;
+    const double x2 = rate_;
     position_.Derivative = x2;
     rate_.Derivative = omegaSquared_ * (u_ - x1) - twoZetaOmega_ * x2;
     y_ = x1;
   }
+  void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(position_, rate_); }
 
@@ -75,8 +73,15 @@ class ZelLowPass2 final : public TimeDriven {
   double damping_;
   double twoZetaOmega_ = 0.0;
   double omegaSquared_ = 0.0;
-  StateVariable position_;
-  StateVariable rate_;
+  State position_;
+  State rate_;
+};
+
+/// The filter with numbers of its own, registered with a bench.
+class ZelLowPass2 final : public LowPass2, public OnBench<LowPass2> {
+ public:
+  ZelLowPass2(ZelBenchTop& bench, double frequencyHz, double damping)
+      : LowPass2(frequencyHz, damping), OnBench(bench, static_cast<LowPass2&>(*this)) {}
 };
 
 }  // namespace torvane

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <array>
 #include <tuple>
 
-#include "core/time_driven.h"
-#include "core/variable.h"
+#include "library/on_bench.h"
 
 namespace torvane {
 
@@ -14,21 +14,24 @@ namespace torvane {
 /// With one frequency and undamped zeros it is a true notch. Frequencies in Hz and dampings are 0
 /// or above; with the zeros at 0 Hz the ratio wp/wz counts as 1, its limit when poles and zeros
 /// move together. The model writes the input and reads the output that the last evaluation left.
-class ZelNotch final : public TimeDriven {
+class Notch {
  public:
+  static constexpr std::array StateNames{"Notch #1", "Notch #2"};
+  static constexpr const char* Fault = "Fault in ZelNotch :: ZelNotch";
+
   /// A true notch.
-  ZelNotch(ZelBenchTop& bench, double frequencyHz, double damping);
+  Notch(double frequencyHz, double damping) : Notch(frequencyHz, damping, frequencyHz, 0.0) {}
 
   /// The general form.
-  ZelNotch(ZelBenchTop& bench, double poleHz, double poleDamping, double zeroHz,
-           double zeroDamping);
+  Notch(double poleHz, double poleDamping, double zeroHz, double zeroDamping);
 
-  void AtTime(double /*t*/) override {
-    y_ = b0_ * u_ + first_.Value;
-    first_.Derivative = b1_ * u_ + second_.Value - a1_ * y_;
+  /// Slopes and output from the present states and input.
+  void Evaluate() {
+    y_ = b0_ * u_ + first_;
+    first_.Derivative = b1_ * u_ + second_ - a1_ * y_;
     second_.Derivative = a2_ * (u_ - y_);
   }
-  void Reset(ResetKind kind) override;
+  void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(first_, second_); }
 
@@ -53,8 +56,18 @@ class ZelNotch final : public TimeDriven {
   double zeroZeta_;
   double u_ = 0.0;
   double y_ = 0.0;
-  StateVariable first_;
-  StateVariable second_;
+  State first_;
+  State second_;
+};
+
+/// The filter with numbers of its own, registered with a bench.
+class ZelNotch final : public Notch, public OnBench<Notch> {
+ public:
+  ZelNotch(ZelBenchTop& bench, double frequencyHz, double damping)
+      : Notch(frequencyHz, damping), OnBench(bench, static_cast<Notch&>(*this)) {}
+  ZelNotch(ZelBenchTop& bench, double poleHz, double poleDamping, double zeroHz, double zeroDamping)
+      : Notch(poleHz, poleDamping, zeroHz, zeroDamping),
+        OnBench(bench, static_cast<Notch&>(*this)) {}
 };
 
 }  // namespace torvane

@@ -1,7 +1,5 @@
 #include "library/two_inertia_mechanism.h"
 
-#include "core/bench.h"
-#include "core/messages.h"
 #include "core/numeric.h"
 #include "library/forget.h"
 
@@ -30,32 +28,24 @@ MechanismSettings Checked(MechanismSettings s) {
 }  // namespace
 
 // The friction elements get their parameters as they were given: each object reports for itself.
-Zel2JMech::Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings) try
+TwoInertiaMechanism::TwoInertiaMechanism(const MechanismSettings& settings)
     : parameters_(Checked(settings)),
-      vM_(bench, "Zel2JMech-vM", "Null", 0.0, {}, Visibility::Internal),
-      pM_(bench, "Zel2JMech-pM", "Null", 0.0, {}, Visibility::Internal),
-      vL_(bench, "Zel2JMech-vL", "Null", 0.0, {}, Visibility::Internal),
-      pL_(bench, "Zel2JMech-pL", "Null", 0.0, {}, Visibility::Internal),
       motorFriction_(settings.MotorFriction),
       loadFriction_(settings.LoadFriction),
-      frictionless_(motorFriction_.None() && loadFriction_.None()) {
-  bench.AddTimeDriven(*this);
-} catch (...) {
-  Error("Fault #1 in Zel2JMech :: Zel2JMech");
-}
+      frictionless_(motorFriction_.None() && loadFriction_.None()) {}
 
-void Zel2JMech::Reset(ResetKind kind) {
+void TwoInertiaMechanism::FollowReset(ResetKind kind) {
   CopyOutputs();
   Forget(kind, {&motorTorque_, &loadTorque_, &secondMotorTorque_});
   motorFriction_.Reset(kind);
   loadFriction_.Reset(kind);
 }
 
-void Zel2JMech::SetJM(double inertia) {
+void TwoInertiaMechanism::SetJM(double inertia) {
   parameters_.JM = Positive(inertia, "Zel2JMech, jM");
 }
 
-void Zel2JMech::SetJL(double inertia) {
+void TwoInertiaMechanism::SetJL(double inertia) {
   parameters_.JL = Positive(inertia, "Zel2JMech, jL");
 }
 

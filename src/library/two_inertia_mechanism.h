@@ -1,10 +1,10 @@
 #pragma once
 
+#include <array>
 #include <tuple>
 
-#include "core/time_driven.h"
-#include "core/variable.h"
 #include "library/friction.h"
+#include "library/on_bench.h"
 
 namespace torvane {
 
@@ -31,8 +31,12 @@ struct MechanismSettings {
 /// The shaft torque enters the motor with the factor 1 and the load with N. The model writes the
 /// torques T1 (motor), T2 (load) and T3 (second motor torque) before each evaluation and reads what
 /// the last evaluation left.
-class Zel2JMech final : public TimeDriven {
+class TwoInertiaMechanism {
  public:
+  static constexpr std::array StateNames{"Zel2JMech-vM", "Zel2JMech-pM", "Zel2JMech-vL",
+                                         "Zel2JMech-pL"};
+  static constexpr const char* Fault = "Fault #1 in Zel2JMech :: Zel2JMech";
+
   /// One side of the shaft at the last evaluation: rad/s, rad, Nm, rad/s^2.
   struct Side {
     double Velocity = 0.0;
@@ -45,10 +49,11 @@ class Zel2JMech final : public TimeDriven {
 
   /// Parameters out of their range are reported; 1e-10 replaces what must be positive, 0 what must
   /// not be negative.
-  Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings);
+  explicit TwoInertiaMechanism(const MechanismSettings& settings);
 
-  void AtTime(double t) override;
-  void Reset(ResetKind kind) override;
+  /// Slopes and outputs from the present states and torques.
+  void Evaluate();
+  void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(vM_, pM_, vL_, pL_); }
 
@@ -77,24 +82,31 @@ class Zel2JMech final : public TimeDriven {
   double shaftTorque_ = 0.0;
   Side motor_;
   Side load_;
-  StateVariable vM_;
-  StateVariable pM_;
-  StateVariable vL_;
-  StateVariable pL_;
+  State vM_;
+  State pM_;
+  State vL_;
+  State pL_;
   ZelFricCalc motorFriction_;
   ZelFricCalc loadFriction_;
   bool frictionless_;
 };
 
+/// The mechanism with numbers of its own, registered with a bench.
+class Zel2JMech final : public TwoInertiaMechanism, public OnBench<TwoInertiaMechanism> {
+ public:
+  Zel2JMech(ZelBenchTop& bench, const MechanismSettings& settings)
+      : TwoInertiaMechanism(settings), OnBench(bench, static_cast<TwoInertiaMechanism&>(*this)) {}
+};
+
 // In the header, as is the friction: four evaluations a step inline them.
-inline void Zel2JMech::CopyOutputs() {
-  motor_.Velocity = vM_.Value;
-  motor_.Position = pM_.Value;
-  load_.Velocity = vL_.Value;
-  load_.Position = pL_.Value;
+inline void TwoInertiaMechanism::CopyOutputs() {
+  motor_.Velocity = vM_;
+  motor_.Position = pM_;
+  load_.Velocity = vL_;
+  load_.Position = pL_;
 }
 
-inline void Zel2JMech::AtTime(double /*t*/) {
+inline void TwoInertiaMechanism::Evaluate() {
   const MechanismSettings& p = parameters_;
   CopyOutputs();
   shaftTorque_ = (motor_.Velocity - p.Gear * load_.Velocity) * p.KCV +

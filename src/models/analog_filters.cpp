@@ -1,11 +1,11 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/loop_parts.h"
 #include "library/low_pass1.h"
 #include "library/low_pass2.h"
 #include "library/notch.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/loop_parts.h"
 
 namespace torvane {
 
@@ -14,42 +14,42 @@ namespace {
 /// Three continuous filters side by side on one source.
 ///
 ///     vC -> one pole -> vLP1,  vC -> two poles -> vLP2,  vC -> notch -> vNotch
-class MAnalogFilters final : public ZelModel {
+class MAnalogFilters final : public FusedModel<MAnalogFilters> {
  public:
   explicit MAnalogFilters(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
 
- private:
-  friend class FusedSolver<MAnalogFilters>;
+  struct Loop {
+    double vC = 0, vLP1 = 0, vLP2 = 0, vNotch = 0;
+    LowPass1 onePole{45};
+    LowPass2 twoPole{45, Butterworth};
+    Notch notch{40, Butterworth};
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(source_, s.onePole, s.twoPole, s.notch, generator_); }
 
-  FusedSolver<MAnalogFilters>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MAnalogFilters>>(Bench(), 5e-5, *this));
+ private:
+  Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", Adjustable(45, 0, 10000),
+                      "Break frequency of the one-pole low-pass"};
+  Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", Adjustable(45, 0, 10000),
+                      "Natural frequency of the two-pole low-pass"};
+  Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", Adjustable(0.707, 0, 10),
+                        "Damping of the two-pole low-pass: below 1 it overshoots"};
+  Constant notchHz_{Bench(), "Notch Freq", "Hz", Adjustable(40, 0, 10000),
+                    "Frequency that the notch takes out"};
+  Constant notchZeta_{Bench(), "Notch Zeta", "", Adjustable(0.707, 0, 1),
+                      "Damping of the notch's poles: a smaller one makes a narrower notch"};
 
-  Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", 45, 0, 10000};
-  Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", 45, 0, 10000};
-  Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", 0.707, 0, 10};
-  Constant notchHz_{Bench(), "Notch Freq", "Hz", 40, 0, 10000};
-  Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 1};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    using OnBench::OnBench;
-
-    Variable vC{Bench(), "vC", "volts", Shown(0.5, 0)};
-    Variable vLP1{Bench(), "vLP1", "volts", Shown(0.5, 0)};
-    Variable vLP2{Bench(), "vLP2", "volts", Shown(0.5, 0)};
-    Variable vNotch{Bench(), "vNotch", "volts", Shown(0.5, 0)};
-    ZelLowPass1 onePole{Bench(), 45};
-    ZelLowPass2 twoPole{Bench(), 45, Butterworth};
-    ZelNotch notch{Bench(), 40, Butterworth};
-  };
-  Loop loop_{Bench()};
+  Signals signals_{Bench(),
+                   {{loop_.vC, "vC", "volts", Shown(0.5, 0), "The source"},
+                    {loop_.vLP1, "vLP1", "volts", Shown(0.5, 0), "Output of the one-pole low-pass"},
+                    {loop_.vLP2, "vLP2", "volts", Shown(0.5, 0), "Output of the two-pole low-pass"},
+                    {loop_.vNotch, "vNotch", "volts", Shown(0.5, 0), "Output of the notch"}}};
+  OnBench<LowPass1> onePole_{Bench(), loop_.onePole};
+  OnBench<LowPass2> twoPole_{Bench(), loop_.twoPole};
+  OnBench<Notch> notch_{Bench(), loop_.notch};
 
   Analysers analysers_{
       Bench(), 13, {.To = 400, .TSample = 5e-5, .SettleTime = 0.2, .Amplitude = 1}};
@@ -58,7 +58,7 @@ class MAnalogFilters final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MAnalogFilters::MAnalogFilters(const std::string& name) : ZelModel(name) {
+MAnalogFilters::MAnalogFilters(const std::string& name) : FusedModel(name, 5e-5) {
   SetFiles("", "BWTX09-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddFilterSetups("vC");
@@ -73,13 +73,13 @@ void MAnalogFilters::HandOnChanges() {
 }
 
 void MAnalogFilters::Equations(Loop& s, double /*t*/) {
-  s.vC.Value = source_.Value();
-  s.onePole.SetInput(s.vC.Value);
-  s.twoPole.SetInput(s.vC.Value);
-  s.notch.SetInput(s.vC.Value);
-  s.vLP1.Value = s.onePole.Output();
-  s.vLP2.Value = s.twoPole.Output();
-  s.vNotch.Value = s.notch.Output();
+  s.vC = source_.Value();
+  s.onePole.SetInput(s.vC);
+  s.twoPole.SetInput(s.vC);
+  s.notch.SetInput(s.vC);
+  s.vLP1 = s.onePole.Output();
+  s.vLP2 = s.twoPole.Output();
+  s.vNotch = s.notch.Output();
 }
 
 }  // namespace

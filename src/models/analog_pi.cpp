@@ -1,8 +1,8 @@
 #include "instruments/scope/scope.h"
-#include "models/command_source.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/loop_parts.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/loop_parts.h"
 
 namespace torvane {
 
@@ -13,15 +13,18 @@ namespace {
 ///
 ///     Command - Feedback = Error -> KP (1 + KI/s) -> limit -> Control -> power converter -> Power
 ///     Power -> G/s -> Response -> filter -> Feedback
-class MAnalogPI final : public ZelModel {
+class MAnalogPI final : public FusedModel<MAnalogPI> {
  public:
   explicit MAnalogPI(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
 
- private:
-  friend class FusedSolver<MAnalogPI>;
+  struct Loop {
+    double command = 0, error = 0, power = 0, feedback = 0, control = 0;
+    State response, errorInt;
+    LowPass2 powerConverter{900, Butterworth};
+    LowPass2 feedbackFilter{900, Butterworth};
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) {
@@ -29,33 +32,32 @@ class MAnalogPI final : public ZelModel {
                     generator_);
   }
 
-  FusedSolver<MAnalogPI>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MAnalogPI>>(Bench(), 1e-5, *this));
+ private:
+  Constant kp_{Bench(), "KP", "", Adjustable(0.6, 0, 1000000),
+               "Proportional gain: Control per Error"};
+  Constant ki_{Bench(), "KI", "", Adjustable(100, 0, 10000),
+               "Integral gain: below it the integral takes over (rad/s)"};
+  Constant g_{Bench(), "G", "", Adjustable(500, 0.1, 100000),
+              "Gain of the plant: Response rises by G times Power a second"};
+  Constant powerHz_{Bench(), "Power", "Hz", Adjustable(800, 50, 2000),
+                    "Bandwidth of the power converter"};
+  Constant feedbackHz_{Bench(), "Feedback", "Hz", Adjustable(350, 50, 2000),
+                       "Bandwidth of the feedback filter"};
+  Constant sat_{Bench(), "Sat", "", Adjustable(100, 1, 10000), "Largest magnitude of Control"};
+  Constant windUp_{Bench(), "Wind-up", "%", Adjustable(120, 100, 10000),
+                   "Level past which the integral gives way, as a part of Sat"};
 
-  Constant kp_{Bench(), "KP", "", 0.6, 0, 1000000};
-  Constant ki_{Bench(), "KI", "", 100, 0, 10000};
-  Constant g_{Bench(), "G", "", 500, 0.1, 100000};
-  Constant powerHz_{Bench(), "Power", "Hz", 800, 50, 2000};
-  Constant feedbackHz_{Bench(), "Feedback", "Hz", 350, 50, 2000};
-  Constant sat_{Bench(), "Sat", "", 100, 1, 10000};
-  Constant windUp_{Bench(), "Wind-up", "%", 120, 100, 10000};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    using OnBench::OnBench;
-
-    Variable command{Bench(), "Command", "", Shown(10, 20)};
-    Variable error{Bench(), "Error", "", Hidden(10)};
-    Variable power{Bench(), "Power", "", Hidden(10)};
-    Variable feedback{Bench(), "Feedback", "", Hidden(10)};
-    Variable control{Bench(), "Control", "", Shown(10, -20)};
-    StateVariable response{Bench(), "Response", "", 0, Shown(10, 20)};
-    StateVariable errorInt{Bench(), "ErrorInt", "", 0, Hidden(0.1)};
-    ZelLowPass2 powerConverter{Bench(), 900, Butterworth};
-    ZelLowPass2 feedbackFilter{Bench(), 900, Butterworth};
-  };
-  Loop loop_{Bench()};
+  Signals signals_{
+      Bench(),
+      {{loop_.command, "Command", "", Shown(10, 20), "Command of the loop"},
+       {loop_.error, "Error", "", Hidden(10), "Error: Command less Feedback"},
+       {loop_.power, "Power", "", Hidden(10), "Output of the power converter"},
+       {loop_.feedback, "Feedback", "", Hidden(10), "Response as it is measured"},
+       {loop_.control, "Control", "", Shown(10, -20), "Output of the controller, limited to Sat"},
+       {loop_.response, "Response", "", Shown(10, 20), "Output of the plant"},
+       {loop_.errorInt, "ErrorInt", "", Hidden(0.1), "Integral of Error"}}};
+  OnBench<LowPass2> powerConverter_{Bench(), loop_.powerConverter};
+  OnBench<LowPass2> feedbackFilter_{Bench(), loop_.feedbackFilter};
 
   Analysers analysers_{Bench(), 13, {.Amplitude = 2}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 10}};
@@ -63,7 +65,7 @@ class MAnalogPI final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MAnalogPI::MAnalogPI(const std::string& name) : ZelModel(name) {
+MAnalogPI::MAnalogPI(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX03-01.bmp", "BWTX03-01.txt");
   analysers_.AddSetup("Closed", "Command", "Response");
   analysers_.AddSetup("Open", "Error", "Feedback");
@@ -75,18 +77,18 @@ void MAnalogPI::HandOnChanges() {
 }
 
 void MAnalogPI::Equations(Loop& s, double /*t*/) {
-  s.command.Value = source_.Value();
-  s.error.Value = s.command.Value - s.feedback.Value;
-  s.errorInt.Derivative = s.error.Value;
-  const double unlimited = (ki_.Value() * s.errorInt.Value + s.error.Value) * kp_.Value();
+  s.command = source_.Value();
+  s.error = s.command - s.feedback;
+  s.errorInt.Derivative = s.error;
+  const double unlimited = (ki_.Value() * s.errorInt + s.error) * kp_.Value();
   const double windUp = sat_.Value() * windUp_.Value() * 0.01;
-  s.control.Value = LimitWithAntiWindUp(unlimited, s.error.Value, s.errorInt, kp_.Value(),
-                                        ki_.Value(), sat_.Value(), windUp);
-  s.powerConverter.SetInput(s.control.Value);
-  s.power.Value = s.powerConverter.Output();
-  s.response.Derivative = g_.Value() * s.power.Value;
-  s.feedbackFilter.SetInput(s.response.Value);
-  s.feedback.Value = s.feedbackFilter.Output();
+  s.control = LimitWithAntiWindUp(unlimited, s.error, s.errorInt, kp_.Value(), ki_.Value(),
+                                  sat_.Value(), windUp);
+  s.powerConverter.SetInput(s.control);
+  s.power = s.powerConverter.Output();
+  s.response.Derivative = g_.Value() * s.power;
+  s.feedbackFilter.SetInput(s.response);
+  s.feedback = s.feedbackFilter.Output();
 }
 
 }  // namespace

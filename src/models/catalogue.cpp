@@ -4,7 +4,6 @@
 #include <array>
 
 #include "core/messages.h"
-#include "models/descriptions.h"
 #include "models/factories.h"
 
 namespace torvane {
@@ -61,7 +60,6 @@ std::unique_ptr<ZelModel> LoadModel(int index) {
   const Entry& entry = Entries[static_cast<std::size_t>(index)];
   try {
     std::unique_ptr<ZelModel> model = entry.Make(entry.Name);
-    DescribeModel(*model);
     // What a constructor sets up is no change of the user's.
     model->Bench().History().Clear();
     return model;

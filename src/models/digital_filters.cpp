@@ -1,12 +1,12 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/loop_parts.h"
 #include "library/d_controller.h"
 #include "library/d_low_pass1.h"
 #include "library/d_low_pass2.h"
 #include "library/d_notch.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/loop_parts.h"
 
 namespace torvane {
 
@@ -16,54 +16,54 @@ namespace {
 /// only: a changed sample period alone leaves them as they are.
 ///
 ///     vC -> sample -> vSample -> one pole -> vLP1, two poles -> vLP2, notch -> vNotch
-class MDigitalFilters final : public ZelModel {
+class MDigitalFilters final : public FusedModel<MDigitalFilters> {
  public:
   explicit MDigitalFilters(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
 
- private:
-  friend class FusedSolver<MDigitalFilters>;
+  struct Loop {
+    double vSample = 0, vLP1 = 0, vLP2 = 0, vNotch = 0, vC = 0;
+    ControllerClock clock;
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(source_, s.clock, generator_); }
 
-  FusedSolver<MDigitalFilters>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MDigitalFilters>>(Bench(), 5e-5, *this));
+ private:
+  Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", Adjustable(45, 0, 10000),
+                      "Break frequency of the one-pole low-pass"};
+  Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", Adjustable(45, 0, 10000),
+                      "Natural frequency of the two-pole low-pass"};
+  Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", Adjustable(0.707, 0, 10),
+                        "Damping of the two-pole low-pass: below 1 it overshoots"};
+  Constant notchHz_{Bench(), "Notch Freq", "Hz", Adjustable(45, 0, 10000),
+                    "Frequency that the notch takes out"};
+  Constant notchZeta_{Bench(), "Notch Zeta", "", Adjustable(0.707, 0, 10),
+                      "Damping of the notch's poles: a smaller one makes a narrower notch"};
+  Constant tSample_{Bench(), "TSample", "", Adjustable(0.001, 0.0001, 0.1),
+                    "Time between two samples of the filters (sec)"};
 
-  Constant onePoleHz_{Bench(), "1-Pole Freq", "Hz", 45, 0, 10000};
-  Constant twoPoleHz_{Bench(), "2-Pole Freq", "Hz", 45, 0, 10000};
-  Constant twoPoleZeta_{Bench(), "2-Pole Zeta", "", 0.707, 0, 10};
-  Constant notchHz_{Bench(), "Notch Freq", "Hz", 45, 0, 10000};
-  Constant notchZeta_{Bench(), "Notch Zeta", "", 0.707, 0, 10};
-  Constant tSample_{Bench(), "TSample", "", 0.001, 0.0001, 0.1};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
-
-    Variable vSample{Bench(), "vSample", "volts", Shown(0.5, 0)};
-    Variable vLP1{Bench(), "vLP1", "volts", Shown(0.5, 0)};
-    Variable vLP2{Bench(), "vLP2", "volts", Shown(0.5, 0)};
-    Variable vNotch{Bench(), "vNotch", "volts", Shown(0.5, 0)};
-    Variable vC{Bench(), "vC", "volts", Hidden(0.5)};
-    ZelDController clock;
-  };
-  Loop loop_{Bench(), tSample_.Default()};
+  Signals signals_{Bench(),
+                   {{loop_.vSample, "vSample", "volts", Shown(0.5, 0),
+                     "The signal as sampled: it holds between two samples"},
+                    {loop_.vLP1, "vLP1", "volts", Shown(0.5, 0), "Output of the one-pole low-pass"},
+                    {loop_.vLP2, "vLP2", "volts", Shown(0.5, 0), "Output of the two-pole low-pass"},
+                    {loop_.vNotch, "vNotch", "volts", Shown(0.5, 0), "Output of the notch"},
+                    {loop_.vC, "vC", "volts", Hidden(0.5), "The source"}}};
+  ZelDController clock_{Bench(), tSample_.Default(), &loop_.clock};
 
   Analysers analysers_{
       Bench(), 13, {.To = 400, .TSample = 5e-5, .SettleTime = 0.2, .Amplitude = 1}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 8, .Amplitude = 1}};
   CommandSource source_{Bench(), generator_, analysers_};
-  ZelDLowPass1& onePole_ = loop_.clock.Add<ZelDLowPass1>(45.0, 0.0);
-  ZelDLowPass2& twoPole_ = loop_.clock.Add<ZelDLowPass2>(45.0, Butterworth, 0.0);
-  ZelDNotch& notch_ = loop_.clock.Add<ZelDNotch>(45.0, Butterworth, 0.0);
+  ZelDLowPass1& onePole_ = clock_.Add<ZelDLowPass1>(45.0, 0.0);
+  ZelDLowPass2& twoPole_ = clock_.Add<ZelDLowPass2>(45.0, Butterworth, 0.0);
+  ZelDNotch& notch_ = clock_.Add<ZelDNotch>(45.0, Butterworth, 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDigitalFilters::MDigitalFilters(const std::string& name) : ZelModel(name) {
+MDigitalFilters::MDigitalFilters(const std::string& name) : FusedModel(name, 5e-5) {
   SetFiles("", "BWTX09-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddFilterSetups("vSample");
@@ -79,12 +79,12 @@ void MDigitalFilters::HandOnChanges() {
 }
 
 void MDigitalFilters::Equations(Loop& s, double /*t*/) {
-  s.vC.Value = source_.Value();
+  s.vC = source_.Value();
   if (s.clock.SampleDue()) {
-    s.vSample.Value = s.vC.Value;
-    s.vLP1.Value = onePole_.Step(s.vSample.Value);
-    s.vLP2.Value = twoPole_.Step(s.vSample.Value);
-    s.vNotch.Value = notch_.Step(s.vSample.Value);
+    s.vSample = s.vC;
+    s.vLP1 = onePole_.Step(s.vSample);
+    s.vLP2 = twoPole_.Step(s.vSample);
+    s.vNotch = notch_.Step(s.vSample);
   }
 }
 

@@ -1,9 +1,9 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/velocity_loop.h"
 #include "library/d_pid.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/velocity_loop.h"
 
 namespace torvane {
 
@@ -18,51 +18,62 @@ double outputInstant = 0.0;
 ///     vC -> PID -> iC, late by TCalc -> current loop -> iF
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back, or vM itself as from a tachometer
-class MDigitalPID final : public ZelModel {
+class MDigitalPID final : public FusedModel<MDigitalPID> {
  public:
   explicit MDigitalPID(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousPF = {};
     outputInstant = 0.0;
   }
 
- private:
-  friend class FusedSolver<MDigitalPID>;
-
   using Loop = VelocityLoop;
+  Loop loop_;
 
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
+
+ private:
   void Sample(Loop& s, double t);
 
-  FusedSolver<MDigitalPID>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MDigitalPID>>(Bench(), 1e-5, *this));
-
-  Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
-  Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
-  Constant kvd_{Bench(), "KVD", "", 0, 0, 0.01};
-  Constant kvfr_{Bench(), "KVFR", "", 1, 0, 1};
-  Constant fD_{Bench(), "fD", "Hz", 2000, 1, 10000};
+  Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(100, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant kvd_{Bench(), "KVD", "", Adjustable(0, 0, 0.01),
+                "Derivative gain of the velocity loop (sec)"};
+  Constant kvfr_{Bench(), "KVFR", "", Adjustable(1, 0, 1),
+                 "Share of the command that bypasses the command filter: 1 is all, 0 is none"};
+  Constant fD_{Bench(), "fD", "Hz", Adjustable(2000, 1, 10000),
+               "Bandwidth of the low-pass in the derivative"};
   DriveConstants drive_{Bench()};
   MotorConstants motor_{Bench()};
-  Constant feedback_{Bench(), "Feedback", {"Tach", "Encoder"}};
-  Constant useRes_{Bench(), "Use Res?", {"No", "Yes"}};
-  Constant res_{Bench(), "Res", "Lines/rev", 1000, 100, 1e10};
+  Constant feedback_{Bench(),
+                     "Feedback",
+                     {"Tach", "Encoder"},
+                     Tach,
+                     "Where velocity comes from: an ideal tachometer or differences of position"};
+  Constant useRes_{Bench(),
+                   "Use Res?",
+                   {"No", "Yes"},
+                   No,
+                   "Yes: the encoder's position is cut down to whole counts"};
+  Constant res_{Bench(), "Res", "Lines/rev", Adjustable(1000, 100, 1e10),
+                "Lines of the encoder; it counts four a line"};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Loop loop_{Bench(), 0.001, 10, Shown(2, -6)};
+  Signals signals_{Bench(), VelocitySignals(loop_, 10, Shown(2, -6))};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), 0.001, &loop_.clock};
 
   Analysers analysers_{Bench(), 14};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDPid& controller_ =
-      loop_.clock.Add<ZelDPid>(&kvi_, &kvp_, &kvd_, &kvfr_, &fD_, CurrentLimit, WindUpFactor);
+      clock_.Add<ZelDPid>(&kvi_, &kvp_, &kvd_, &kvfr_, &fD_, CurrentLimit, WindUpFactor);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name) {
+MDigitalPID::MDigitalPID(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX06-01.bmp", "BWTX06-01.txt");
   analysers_.AddVelocitySetups();
   analysers_.Fft.SetOrder(11);
@@ -71,12 +82,12 @@ MDigitalPID::MDigitalPID(const std::string& name) : ZelModel(name) {
 }
 
 void MDigitalPID::Sample(Loop& s, double t) {
-  s.pF.Value = EncoderPosition(s.pM.Value, useRes_, res_);
-  const double difference = previousPF.Difference(s.pF.Value) / drive_.tSample.Value();
-  s.vF.Value = feedback_.Choice() == Encoder ? difference : s.vM.Value;
-  s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, 0.0);
+  s.pF = EncoderPosition(s.pM, useRes_, res_);
+  const double difference = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  s.vF = feedback_.Choice() == Encoder ? difference : s.vM;
+  s.iC = controller_.Update(s.vC, s.vF, 0.0);
   outputInstant = drive_.OutputInstant(t);
-  s.vE.Value = controller_.Error();
+  s.vE = controller_.Error();
 }
 
 void MDigitalPID::HandOnChanges() {
@@ -84,7 +95,7 @@ void MDigitalPID::HandOnChanges() {
 }
 
 void MDigitalPID::Equations(Loop& s, double t) {
-  s.vC.Value = command_.Value() * RpmToRad;
+  s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
   RunMotor(s, t, outputInstant, motor_);
 }

@@ -1,10 +1,10 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/velocity_loop.h"
 #include "library/d_notch.h"
 #include "library/d_pi_plus.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/velocity_loop.h"
 
 namespace torvane {
 
@@ -23,69 +23,80 @@ double outputInstant = 0.0;
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> pM
 ///     vC -> change per sample -> inverse of the power converter -> KVF J-Est/KT-Est -> +
 ///     pM -> change per sample -> vF, fed back, or vM itself as from a tachometer
-class MFeedForward final : public ZelModel {
+class MFeedForward final : public FusedModel<MFeedForward> {
  public:
   explicit MFeedForward(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousPF = {};
     previousVC = {};
     outputInstant = 0.0;
   }
 
- private:
-  friend class FusedSolver<MFeedForward>;
-
   using Loop = VelocityLoop;
+  Loop loop_;
 
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
+
+ private:
   void Sample(Loop& s, double t);
 
-  FusedSolver<MFeedForward>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MFeedForward>>(Bench(), 1e-5, *this));
-
-  Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
-  Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
-  Constant kvf_{Bench(), "KVF", "%", 0, -100, 100};
+  Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(100, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant kvf_{Bench(), "KVF", "%", Adjustable(0, -100, 100),
+                "Acceleration feed-forward: 100 feeds all of the estimated current"};
   DriveConstants drive_{Bench()};
-  Constant ktEst_{Bench(), "KT-Est", "Nm/Amp", 1, 0.1, 10};
-  Constant jEst_{Bench(), "J-Est", "kg-m^2", 0.002, 1e-6, 1};
+  Constant ktEst_{Bench(), "KT-Est", "Nm/Amp", Adjustable(1, 0.1, 10),
+                  "Estimate of KT that the feed-forward or decoupling works with"};
+  Constant jEst_{Bench(), "J-Est", "kg-m^2", Adjustable(0.002, 1e-6, 1),
+                 "Estimate of J that the feed-forward works with"};
   MotorConstants motor_{Bench()};
-  Constant useInversePC_{Bench(), "Use Inv. PC", {"No", "Yes"}};
-  Constant cLoopEst_{Bench(), "CLoop-Est", "Hz", 800, 100, 10000};
-  Constant feedback_{Bench(), "Feedback", {"Tach", "Encoder"}};
+  Constant useInversePC_{Bench(),
+                         "Use Inv. PC",
+                         {"No", "Yes"},
+                         No,
+                         "Yes: the feed-forward passes the inverse of the current loop"};
+  Constant cLoopEst_{Bench(), "CLoop-Est", "Hz", Adjustable(800, 100, 10000),
+                     "Estimate of CLoop that the inverse filter works with"};
+  Constant feedback_{Bench(),
+                     "Feedback",
+                     {"Tach", "Encoder"},
+                     Tach,
+                     "Where velocity comes from: an ideal tachometer or differences of position"};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-  Loop loop_{Bench(), drive_.tSample.Default(), 10, Shown(1, -2)};
+  Signals signals_{Bench(), VelocitySignals(loop_, 10, Shown(1, -2))};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), drive_.tSample.Default(), &loop_.clock};
 
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{
       Bench(), "MainWaveGen", {.Index = 6, .FreqHz = 25, .Amplitude = 30, .DutyCycle = 36}};
   CommandSource command_{Bench(), generator_, analysers_};
-  ZelDPi& controller_ = loop_.clock.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
+  ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
   ZelDNotch& inversePowerConverter_ =
-      loop_.clock.Add<ZelDNotch>(2000.0, Butterworth, 800.0, Butterworth, 0.0);
+      clock_.Add<ZelDNotch>(2000.0, Butterworth, 800.0, Butterworth, 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MFeedForward::MFeedForward(const std::string& name) : ZelModel(name) {
+MFeedForward::MFeedForward(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX08-01.bmp", "BWTX08-01.txt");
   analysers_.AddVelocitySetups();
 }
 
 void MFeedForward::Sample(Loop& s, double t) {
-  s.pF.Value = s.pM.Value;
-  const double difference = previousPF.Difference(s.pF.Value) / drive_.tSample.Value();
-  s.vF.Value = feedback_.Choice() == Encoder ? difference : s.vM.Value;
-  const double acceleration = previousVC.Difference(s.vC.Value) / drive_.tSample.Value();
+  s.pF = s.pM;
+  const double difference = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  s.vF = feedback_.Choice() == Encoder ? difference : s.vM;
+  const double acceleration = previousVC.Difference(s.vC) / drive_.tSample.Value();
   const double inverse = inversePowerConverter_.Step(acceleration);
-  s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, 0.0);
+  s.iC = controller_.Update(s.vC, s.vF, 0.0);
   const double fed = useInversePC_.Choice() == Yes ? inverse : acceleration;
-  s.iC.Value += 0.01 * kvf_.Value() * fed * jEst_.Value() / ktEst_.Value();
+  s.iC += 0.01 * kvf_.Value() * fed * jEst_.Value() / ktEst_.Value();
   outputInstant = drive_.OutputInstant(t);
-  s.vE.Value = controller_.Error();
+  s.vE = controller_.Error();
 }
 
 void MFeedForward::HandOnChanges() {
@@ -94,7 +105,7 @@ void MFeedForward::HandOnChanges() {
 }
 
 void MFeedForward::Equations(Loop& s, double t) {
-  s.vC.Value = command_.Value() * RpmToRad;
+  s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
   RunMotor(s, t, outputInstant, motor_);
 }

@@ -1,11 +1,11 @@
 #include "core/constant.h"
 #include "core/numeric.h"
+#include "instruments/generator/wave.h"
 #include "instruments/scope/scope.h"
+#include "kit/fused_model.h"
+#include "kit/loop_parts.h"
 #include "library/d_controller.h"
-#include "library/wave.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/loop_parts.h"
 
 namespace torvane {
 
@@ -24,43 +24,46 @@ Memory memory;
 /// breaks them.
 ///
 ///     Input -> (1 - p)^3 / (1 - p/z)^3, each product in whole counts -> + dither -> Output
-class MLimitCycles final : public ZelModel {
+class MLimitCycles final : public FusedModel<MLimitCycles> {
  public:
   explicit MLimitCycles(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override { memory = {}; }
-
- private:
-  friend class FusedSolver<MLimitCycles>;
 
   enum Quantising { Float, Round, Truncate };
 
-  struct Loop;
+  struct Loop {
+    double input = 0, output = 0;
+    ControllerClock clock;
+  };
+  Loop loop_;
+
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(s.clock, generator_); }
+
+ private:
   void Sample(Loop& s);
   double Filtered(double x) const;
 
-  FusedSolver<MLimitCycles>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MLimitCycles>>(Bench(), 1e-5, *this));
+  Constant pole_{Bench(), "Pole", "", Adjustable(0.85, 0.001, 0.999),
+                 "The filter's triple pole, per sample"};
+  Constant tSample_{Bench(), "TSample", "Sec", Adjustable(0.001, 0.0001, 100),
+                    "Time between two samples"};
+  Constant res_{Bench(), "Res", "Counts", Adjustable(0.001, 1e-7, 100),
+                "Smallest step of the filter's numbers"};
+  Constant dither_{Bench(), "Dither", "Counts", Adjustable(0, 0, 10000),
+                   "Size of the alternating dither, in steps of Res"};
+  Constant quantize_{
+      Bench(),
+      "Quantize?",
+      {"Float", "Round", "Truncate"},
+      Round,
+      "How the filter's terms become multiples of Res: not at all, to the nearest, down"};
 
-  Constant pole_{Bench(), "Pole", "", 0.85, 0.001, 0.999};
-  Constant tSample_{Bench(), "TSample", "Sec", 0.001, 0.0001, 100};
-  Constant res_{Bench(), "Res", "Counts", 0.001, 1e-7, 100};
-  Constant dither_{Bench(), "Dither", "Counts", 0, 0, 10000};
-  Constant quantize_{Bench(), "Quantize?", {"Float", "Round", "Truncate"}, Round};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
-
-    Variable input{Bench(), "Input", "", Shown(0.1, -0.6)};
-    Variable output{Bench(), "Output", "", Shown(0.1, -0.6)};
-    ZelDController clock;
-  };
-  Loop loop_{Bench(), tSample_.Default()};
+  Signals signals_{Bench(),
+                   {{loop_.input, "Input", "", Shown(0.1, -0.6), "The generator as sampled"},
+                    {loop_.output, "Output", "", Shown(0.1, -0.6), "Output of the filter"}}};
+  ZelDController clock_{Bench(), tSample_.Default(), &loop_.clock};
 
   // Between these levels the filter circles after each edge.
   ZelWave generator_{
@@ -68,7 +71,7 @@ class MLimitCycles final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MLimitCycles::MLimitCycles(const std::string& name) : ZelModel(name) {
+MLimitCycles::MLimitCycles(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX05-02.bmp", "BWTX05-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.05);
   scope_.Trigger().SetLevel(generator_.Settings().Offset);
@@ -90,12 +93,12 @@ double MLimitCycles::Filtered(double x) const {
 }
 
 void MLimitCycles::Sample(Loop& s) {
-  s.input.Value = generator_.Output();
-  s.output.Value = Filtered(s.input.Value);
+  s.input = generator_.Output();
+  s.output = Filtered(s.input);
   memory.Y3 = memory.Y2;
   memory.Y2 = memory.Y1;
   // A run that overflowed must not carry on into the next one.
-  memory.Y1 = std::isfinite(s.output.Value) ? s.output.Value : 0.0;
+  memory.Y1 = std::isfinite(s.output) ? s.output : 0.0;
   memory.Sign = -memory.Sign;
 }
 

@@ -1,12 +1,12 @@
 #include <cmath>
 
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/velocity_loop.h"
 #include "library/d_low_pass1.h"
 #include "library/d_pi_plus.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/velocity_loop.h"
 
 namespace torvane {
 
@@ -25,92 +25,106 @@ constexpr double ArcMinute = 1.0 / (60.0 * RadToDeg);  // radians
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM + pE -> counts -> pF -> change per sample -> vF, fed back as it is or filtered
 ///     vF -> LPF1 -> LPF2 -> vF-Filt
-class MMotorFeedback final : public ZelModel {
+class MMotorFeedback final : public FusedModel<MMotorFeedback> {
  public:
   explicit MMotorFeedback(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousPF = {};
     outputInstant = 0.0;
   }
 
- private:
-  friend class FusedSolver<MMotorFeedback>;
+  struct Loop {
+    double vC = 0, vE = 0, vF = 0, vFFilt = 0, pF = 0, pE = 0, pC = 0, iC = 0, iF = 0, tM = 0;
+    State vM, pM;
+    LowPass2 currentLoop{600, Butterworth};
+    ControllerClock clock;
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
+
+ private:
   void Sample(Loop& s, double t);
 
-  FusedSolver<MMotorFeedback>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MMotorFeedback>>(Bench(), 1e-5, *this));
-
-  Constant res_{Bench(), "Res", "Counts/rev", 4000, 100, 1e10};
-  Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
-  Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
-  Constant useFbFilt_{Bench(), "Use FbFilt?", {"No", "Yes"}};
-  Constant useLpf1_{Bench(), "Use LPF1?", {"No", "Yes"}, Yes};
-  Constant lpf1_{Bench(), "LPF1", "Hz", 800, 0, 10000};
-  Constant useLpf2_{Bench(), "Use LPF2?", {"No", "Yes"}};
-  Constant lpf2_{Bench(), "LPF2", "Hz", 800, 0, 10000};
+  Constant res_{Bench(), "Res", "Counts/rev", Adjustable(4000, 100, 1e10),
+                "Resolution of the position sensor"};
+  Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(100, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant useFbFilt_{Bench(),
+                      "Use FbFilt?",
+                      {"No", "Yes"},
+                      No,
+                      "Yes: the loop is fed the filtered velocity vF-Filt"};
+  Constant useLpf1_{
+      Bench(), "Use LPF1?", {"No", "Yes"}, Yes, "Yes: the first feedback low-pass acts"};
+  Constant lpf1_{Bench(), "LPF1", "Hz", Adjustable(800, 0, 10000),
+                 "Bandwidth of the first feedback low-pass"};
+  Constant useLpf2_{
+      Bench(), "Use LPF2?", {"No", "Yes"}, No, "Yes: the second feedback low-pass acts"};
+  Constant lpf2_{Bench(), "LPF2", "Hz", Adjustable(800, 0, 10000),
+                 "Bandwidth of the second feedback low-pass"};
   DriveConstants drive_{Bench()};
   MotorConstants motor_{Bench(), "Nm/Amp", 10000, 10000};
-  Constant posErr_{Bench(), "Pos Err", "arc-min", 0, -100, 100};
-  Constant errHarm_{Bench(), "Err Harm", "", 2, 0, 64};
+  Constant posErr_{Bench(), "Pos Err", "arc-min", Adjustable(0, -100, 100),
+                   "Amplitude of the position sensor's cyclic error"};
+  Constant errHarm_{Bench(), "Err Harm", "", Adjustable(2, 0, 64),
+                    "Cycles of the position sensor's error in a revolution"};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
-
-    Variable vC{Bench(), "vC", "RPM", Hidden(50, RadToRpm)};
-    StateVariable vM{Bench(), "vM", "RPM", 0, Shown(100, -200, RadToRpm)};
-    Variable vE{Bench(), "vE", "RPM", Hidden(50, RadToRpm)};
-    Variable vF{Bench(), "vF", "RPM", Shown(100, 200, RadToRpm)};
-    Variable vFFilt{Bench(), "vF-Filt", "RPM", Hidden(50, RadToRpm)};
-    StateVariable pM{Bench(), "pM", "Deg", 0, Hidden(50, RadToDeg)};
-    Variable pF{Bench(), "pF", "Deg", Hidden(50, RadToDeg)};
-    Variable pE{Bench(), "pE", "Deg", Hidden(0.2, RadToDeg)};
-    Variable pC{Bench(), "pC", "Deg", Hidden(50, RadToDeg)};
-    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
-    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
-    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
-    ZelLowPass2 currentLoop{Bench(), 600, Butterworth};
-    ZelDController clock;
-  };
-  Loop loop_{Bench(), drive_.tSample.Default()};
+  Signals signals_{
+      Bench(),
+      {{loop_.vC, "vC", "RPM", Hidden(50, RadToRpm), "Command velocity"},
+       {loop_.vM, "vM", "RPM", Shown(100, -200, RadToRpm), "Motor velocity"},
+       {loop_.vE, "vE", "RPM", Hidden(50, RadToRpm),
+        "Velocity error: what the controller works on"},
+       {loop_.vF, "vF", "RPM", Shown(100, 200, RadToRpm),
+        "Feedback velocity: what the controller is told"},
+       {loop_.vFFilt, "vF-Filt", "RPM", Hidden(50, RadToRpm),
+        "Feedback velocity behind the low-passes"},
+       {loop_.pM, "pM", "Deg", Hidden(50, RadToDeg), "Motor position"},
+       {loop_.pF, "pF", "Deg", Hidden(50, RadToDeg), "Feedback position, as sampled"},
+       {loop_.pE, "pE", "Deg", Hidden(0.2, RadToDeg), "Cyclic error of the position sensor"},
+       {loop_.pC, "pC", "Deg", Hidden(50, RadToDeg),
+        "Sum of the command velocity, to compare pM with"},
+       {loop_.iC, "iC", "Amps", Hidden(5), "Current command: what the controller asks for"},
+       {loop_.iF, "iF", "Amps", Hidden(5), "Current feedback: the current that flows"},
+       {loop_.tM, "tM", "Nm", Hidden(5), "Torque that turns the motor"}}};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), drive_.tSample.Default(), &loop_.clock};
 
   // Well above the noise of the sensor's resolution.
   Analysers analysers_{Bench(), 13, {.Amplitude = 150}};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 7, .Amplitude = 100}};
   CommandSource command_{Bench(), generator_, analysers_};
-  ZelDPi& controller_ = loop_.clock.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
-  ZelDLowPass1& filter1_ = loop_.clock.Add<ZelDLowPass1>(lpf1_.Default(), 0.0);
-  ZelDLowPass1& filter2_ = loop_.clock.Add<ZelDLowPass1>(lpf2_.Default(), 0.0);
+  ZelDPi& controller_ = clock_.Add<ZelDPi>(&kvi_, &kvp_, CurrentLimit, WindUpFactor);
+  ZelDLowPass1& filter1_ = clock_.Add<ZelDLowPass1>(lpf1_.Default(), 0.0);
+  ZelDLowPass1& filter2_ = clock_.Add<ZelDLowPass1>(lpf2_.Default(), 0.0);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MMotorFeedback::MMotorFeedback(const std::string& name) : ZelModel(name) {
+MMotorFeedback::MMotorFeedback(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX13-01.bmp", "BWTX13-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddVelocitySetups();
 }
 
 void MMotorFeedback::Sample(Loop& s, double t) {
-  s.pC.Value += s.vC.Value * drive_.tSample.Value();
-  s.pE.Value = posErr_.Value() * ArcMinute * std::sin(errHarm_.Value() * s.pM.Value);
-  s.pF.Value = FloorToStep(s.pM.Value + s.pE.Value, 1.0 / (res_.Value() * RadToRevs));
-  s.vF.Value = previousPF.Difference(s.pF.Value) / drive_.tSample.Value();
+  s.pC += s.vC * drive_.tSample.Value();
+  s.pE = posErr_.Value() * ArcMinute * std::sin(errHarm_.Value() * s.pM);
+  s.pF = FloorToStep(s.pM + s.pE, 1.0 / (res_.Value() * RadToRevs));
+  s.vF = previousPF.Difference(s.pF) / drive_.tSample.Value();
   // Both filters run all the time, so that switching one in does not start it from rest.
-  const double once = filter1_.Step(s.vF.Value);
-  s.vFFilt.Value = useLpf1_.Choice() == Yes ? once : s.vF.Value;
-  const double twice = filter2_.Step(s.vFFilt.Value);
-  if (useLpf2_.Choice() == Yes) s.vFFilt.Value = twice;
-  const double feedback = useFbFilt_.Choice() == Yes ? s.vFFilt.Value : s.vF.Value;
-  s.iC.Value = controller_.Update(s.vC.Value, feedback, 0.0);
+  const double once = filter1_.Step(s.vF);
+  s.vFFilt = useLpf1_.Choice() == Yes ? once : s.vF;
+  const double twice = filter2_.Step(s.vFFilt);
+  if (useLpf2_.Choice() == Yes) s.vFFilt = twice;
+  const double feedback = useFbFilt_.Choice() == Yes ? s.vFFilt : s.vF;
+  s.iC = controller_.Update(s.vC, feedback, 0.0);
   outputInstant = drive_.OutputInstant(t);
-  s.vE.Value = controller_.Error();
+  s.vE = controller_.Error();
 }
 
 void MMotorFeedback::HandOnChanges() {
@@ -120,11 +134,11 @@ void MMotorFeedback::HandOnChanges() {
 }
 
 void MMotorFeedback::Equations(Loop& s, double t) {
-  s.vC.Value = command_.Value() * RpmToRad;
+  s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  s.iF.Value = FollowCurrent(s.currentLoop, s.iC.Value, t, outputInstant);
-  s.tM.Value = s.iF.Value * motor_.kt.Value();
-  TurnInertia(s.tM.Value, motor_.j.Value(), s.vM, s.pM);
+  s.iF = FollowCurrent(s.currentLoop, s.iC, t, outputInstant);
+  s.tM = s.iF * motor_.kt.Value();
+  TurnInertia(s.tM, motor_.j.Value(), s.vM, s.pM);
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/loop_parts.h"
 #include "library/d_pi_plus.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/loop_parts.h"
 
 namespace torvane {
 
@@ -17,58 +17,59 @@ PreviousSample previousPM;
 ///
 ///     vC -> PI+ -> iC -> current loop -> iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> change per sample -> vF, fed back
-class MPiPlus final : public ZelModel {
+class MPiPlus final : public FusedModel<MPiPlus> {
  public:
   explicit MPiPlus(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override { previousPM = {}; }
 
- private:
-  friend class FusedSolver<MPiPlus>;
+  struct Loop {
+    double vC = 0, vE = 0, vF = 0, pF = 0, iC = 0, iF = 0, tM = 0;
+    State vM, pM;
+    LowPass2 currentLoop{800, Butterworth};
+    ControllerClock clock;
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, generator_); }
 
-  FusedSolver<MPiPlus>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MPiPlus>>(Bench(), 1e-5, *this));
+ private:
+  Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 100),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(100, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant kvfr_{Bench(), "KVFR", "%", Adjustable(65, -100, 200),
+                 "Share of the command that bypasses the command filter: 100 is plain PI"};
+  Constant kt_{Bench(), "KT", "Nm/Amp", Adjustable(1, 0.1, 10), "Torque constant of the motor"};
+  Constant j_{Bench(), "J", "kg-m^2", Adjustable(0.002, 0.0001, 0.01), "Inertia of motor and load"};
+  Constant tSample_{Bench(), "TSample", "sec", Adjustable(0.00025, 1e-5, 0.01),
+                    "Time between two samples"};
 
-  Constant kvp_{Bench(), "KVP", "", 0.72, 0, 100};
-  Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
-  Constant kvfr_{Bench(), "KVFR", "%", 65, -100, 200};
-  Constant kt_{Bench(), "KT", "Nm/Amp", 1, 0.1, 10};
-  Constant j_{Bench(), "J", "kg-m^2", 0.002, 0.0001, 0.01};
-  Constant tSample_{Bench(), "TSample", "sec", 0.00025, 1e-5, 0.01};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    Loop(ZelBenchTop& bench, double period) : OnBench(bench), clock(bench, period) {}
-
-    Variable vC{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
-    StateVariable vM{Bench(), "vM", "RPM", 0, Hidden(10, RadToRpm)};
-    Variable vE{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
-    Variable vF{Bench(), "vF", "RPM", Shown(10, 0, RadToRpm)};
-    StateVariable pM{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
-    Variable pF{Bench(), "pF", "Revs", Hidden(0.01, RadToRevs)};
-    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
-    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
-    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
-    ZelLowPass2 currentLoop{Bench(), 800, Butterworth};
-    ZelDController clock;
-  };
-  Loop loop_{Bench(), tSample_.Default()};
+  Signals signals_{
+      Bench(),
+      {{loop_.vC, "vC", "RPM", Shown(10, 0, RadToRpm), "Command velocity"},
+       {loop_.vM, "vM", "RPM", Hidden(10, RadToRpm), "Motor velocity"},
+       {loop_.vE, "vE", "RPM", Hidden(10, RadToRpm), "Not used in this loop"},
+       {loop_.vF, "vF", "RPM", Shown(10, 0, RadToRpm),
+        "Feedback velocity: what the controller is told"},
+       {loop_.pM, "pM", "Revs", Hidden(0.01, RadToRevs), "Motor position"},
+       {loop_.pF, "pF", "Revs", Hidden(0.01, RadToRevs), "Not used in this loop"},
+       {loop_.iC, "iC", "Amps", Hidden(5), "Current command: what the controller asks for"},
+       {loop_.iF, "iF", "Amps", Hidden(5), "Current feedback: the current that flows"},
+       {loop_.tM, "tM", "Nm", Hidden(5), "Torque that turns the motor"}}};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), tSample_.Default(), &loop_.clock};
 
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
   CommandSource command_{Bench(), generator_, analysers_};
   ZelDPiPlus& controller_ =
-      loop_.clock.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
+      clock_.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPiPlus::MPiPlus(const std::string& name) : ZelModel(name) {
+MPiPlus::MPiPlus(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX02-01.bmp", "BWTX02-01.txt");
   analysers_.AddSetup("Closed", "vC", "vF");
 }
@@ -78,15 +79,15 @@ void MPiPlus::HandOnChanges() {
 }
 
 void MPiPlus::Equations(Loop& s, double /*t*/) {
-  s.vC.Value = command_.Value() * RpmToRad;
+  s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) {
-    s.vF.Value = previousPM.Difference(s.pM.Value) / tSample_.Value();
-    s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, 0.0);
-    s.currentLoop.SetInput(s.iC.Value);
+    s.vF = previousPM.Difference(s.pM) / tSample_.Value();
+    s.iC = controller_.Update(s.vC, s.vF, 0.0);
+    s.currentLoop.SetInput(s.iC);
   }
-  s.iF.Value = s.currentLoop.Output();
-  s.tM.Value = s.iF.Value * kt_.Value();
-  TurnInertia(s.tM.Value, j_.Value(), s.vM, s.pM);
+  s.iF = s.currentLoop.Output();
+  s.tM = s.iF * kt_.Value();
+  TurnInertia(s.tM, j_.Value(), s.vM, s.pM);
 }
 
 }  // namespace

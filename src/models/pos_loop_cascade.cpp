@@ -1,9 +1,9 @@
 #include "instruments/scope/scope.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/position_loop.h"
 #include "library/d_pi_plus.h"
-#include "models/command_source.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/position_loop.h"
 
 namespace torvane {
 
@@ -21,54 +21,53 @@ double outputInstant = 0.0;
 ///     vPC -> KFV, change per sample -> KFA J/(KT KVP) -> +
 ///     iF -> KT -> tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back
-class MPosLoopCascade final : public ZelModel {
+class MPosLoopCascade final : public FusedModel<MPosLoopCascade> {
  public:
   explicit MPosLoopCascade(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousVPC = {};
     previousPF = {};
     outputInstant = 0.0;
   }
 
- private:
-  friend class FusedSolver<MPosLoopCascade>;
+  struct Loop : PositionLoop {
+    double vC = 0;
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) {
     return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, commandGenerator_,
                     disturbanceGenerator_);
   }
+
+ private:
   void Sample(Loop& s, double t);
 
-  FusedSolver<MPosLoopCascade>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MPosLoopCascade>>(Bench(), 1e-5, *this));
-
-  Constant kp_{Bench(), "KP", "mps/m", 250, 0, 1000};
-  Constant kvp_{Bench(), "KVP", "", 1.2, 0, 1000};
-  Constant kvi_{Bench(), "KVI", "", 250, 0, 10000};
-  Constant kvfr_{Bench(), "KVFR", "%", 65, 0, 200};
-  Constant kfv_{Bench(), "KFV", "%", 0, 0, 200};
-  Constant kfa_{Bench(), "KFA", "%", 0, 0, 1000};
+  Constant kp_{Bench(), "KP", "mps/m", Adjustable(250, 0, 1000),
+               "Gain of the position loop: velocity command per position error"};
+  Constant kvp_{Bench(), "KVP", "", Adjustable(1.2, 0, 1000),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(250, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant kvfr_{Bench(), "KVFR", "%", Adjustable(65, 0, 200),
+                 "Share of the command that bypasses the command filter: 100 is plain PI"};
+  Constant kfv_{Bench(), "KFV", "%", Adjustable(0, 0, 200),
+                "Velocity feed-forward: 100 leaves no following error at constant speed"};
+  Constant kfa_{Bench(), "KFA", "%", Adjustable(0, 0, 1000),
+                "Acceleration feed-forward: 100 is the current that J needs"};
   DriveConstants drive_{Bench(), 60};
   MotorConstants motor_{Bench(), "n-m/Amp"};
-  Constant res_{Bench(), "Res", "lines/rev", 1e10, 6, 2e10};
+  Constant res_{Bench(), "Res", "lines/rev", Adjustable(1e10, 6, 2e10),
+                "Lines of the encoder; it counts four a line"};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Command : PositionCommand {
-    explicit Command(ZelBenchTop& bench)
-        : PositionCommand(bench), vC(bench, "vC", "RPM", Hidden(20, RadToRpm)) {}
-
-    Variable vC;
-  };
-  struct Loop : Command, PositionLoop {
-    Loop(ZelBenchTop& bench, DisplayDefaults error, double period)
-        : Command(bench), PositionLoop(bench, error, period) {}
-  };
-  Loop loop_{Bench(), Shown(0.005, -0.01, RadToRevs), drive_.tSample.Default()};
+  Signals signals_{Bench(), PositionSignals(loop_, "Velocity error: what the controller works on",
+                                            Shown(0.005, -0.01, RadToRevs),
+                                            {{loop_.vC, "vC", "RPM", Hidden(20, RadToRpm),
+                                              "Velocity command: output of the position loop"}})};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), drive_.tSample.Default(), &loop_.clock};
 
   Analysers analysers_{Bench(), 13};
   ZelWave commandGenerator_{
@@ -77,11 +76,11 @@ class MPosLoopCascade final : public ZelModel {
       Bench(), "Disturbance Source", {.Index = 8, .FreqHz = 8, .Amplitude = 1}};
   CommandSource command_{Bench(), commandGenerator_, analysers_};
   ZelDPiPlus& controller_ =
-      loop_.clock.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
+      clock_.Add<ZelDPiPlus>(&kvi_, &kvp_, &kvfr_, CurrentLimit, WindUpFactor);
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name) {
+MPosLoopCascade::MPosLoopCascade(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX16-01.bmp", "BWTX16-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
@@ -89,17 +88,17 @@ MPosLoopCascade::MPosLoopCascade(const std::string& name) : ZelModel(name) {
 
 void MPosLoopCascade::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  const double acceleration = previousVPC.Difference(s.vPC.Value) / period;
-  SampleMotion(s, s.vPC.Value, period, res_.Value(), previousPF);
-  s.vC.Value = s.pE.Value * kp_.Value() + kfv_.Value() * s.vPC.Value * 0.01;
+  const double acceleration = previousVPC.Difference(s.vPC) / period;
+  SampleMotion(s, period, res_.Value(), previousPF);
+  s.vC = s.pE * kp_.Value() + kfv_.Value() * s.vPC * 0.01;
   // Without proportional velocity gain no velocity command could make the acceleration.
   if (kvp_.Value() != 0.0) {
-    s.vC.Value +=
+    s.vC +=
         0.01 * kfa_.Value() * acceleration * motor_.j.Value() / (motor_.kt.Value() * kvp_.Value());
   }
-  s.iC.Value = controller_.Update(s.vC.Value, s.vF.Value, 0.0);
+  s.iC = controller_.Update(s.vC, s.vF, 0.0);
   outputInstant = drive_.OutputInstant(t);
-  s.vE.Value = controller_.Error();
+  s.vE = controller_.Error();
 }
 
 void MPosLoopCascade::HandOnChanges() {
@@ -107,8 +106,8 @@ void MPosLoopCascade::HandOnChanges() {
 }
 
 void MPosLoopCascade::Equations(Loop& s, double t) {
-  s.vPC.Value = command_.Value() * RpmToRad;
-  s.tD.Value = disturbanceGenerator_.Output();
+  s.vPC = command_.Value() * RpmToRad;
+  s.tD = disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
   RunMotor(s, t, outputInstant, motor_);
 }

@@ -1,10 +1,10 @@
 #include <algorithm>
 
 #include "instruments/scope/scope.h"
-#include "models/command_source.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/position_loop.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/position_loop.h"
 
 namespace torvane {
 
@@ -23,10 +23,9 @@ bool errorWasPositive = false;
 ///     iC -> current loop -> iF -> KT -> tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF
 ///     vPC -> sum -> pC - pF = pE
-class MPosLoopPID final : public ZelModel {
+class MPosLoopPID final : public FusedModel<MPosLoopPID> {
  public:
   explicit MPosLoopPID(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
   void DropClassMemory() override {
     previousVPC = {};
     previousPF = {};
@@ -35,41 +34,47 @@ class MPosLoopPID final : public ZelModel {
     errorWasPositive = false;
   }
 
- private:
-  friend class FusedSolver<MPosLoopPID>;
+  using Loop = PositionLoop;
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) {
     return std::tie(command_, s.vM, s.pM, s.currentLoop, s.clock, commandGenerator_,
                     disturbanceGenerator_);
   }
+
+ private:
   void Sample(Loop& s, double t);
   void Integrate(const Loop& s);
 
-  FusedSolver<MPosLoopPID>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MPosLoopPID>>(Bench(), 1e-5, *this));
-
-  Constant kpd_{Bench(), "KPD", "", 1.1, 0, 1000};
-  Constant kpp_{Bench(), "KPP", "", 10, 0, 1000};
-  Constant kpi_{Bench(), "KPI", "", 0, 0, 100};
-  Constant ikpiSat_{Bench(), "IKPISat", "Amps", 3, 0, 20};
-  Constant zeroOnMove_{Bench(), "Zero on Move?", {"No", "Yes"}};
-  Constant zeroOnRev_{Bench(), "Zero on Rev?", {"No", "Yes"}};
-  Constant kfv_{Bench(), "KFV", "%", 0, -100, 200};
-  Constant kfa_{Bench(), "KFA", "%", 0, -100, 1000};
+  Constant kpd_{Bench(), "KPD", "", Adjustable(1.1, 0, 1000),
+                "Derivative gain of the position loop (Amps per rad/s)"};
+  Constant kpp_{Bench(), "KPP", "", Adjustable(10, 0, 1000),
+                "Proportional gain of the position loop (Amps per rad)"};
+  Constant kpi_{Bench(), "KPI", "", Adjustable(0, 0, 100),
+                "Integral gain of the position loop (Amps per rad, each sample)"};
+  Constant ikpiSat_{Bench(), "IKPISat", "Amps", Adjustable(3, 0, 20),
+                    "Largest current that the integral may ask for"};
+  Constant zeroOnMove_{Bench(),
+                       "Zero on Move?",
+                       {"No", "Yes"},
+                       No,
+                       "Yes: the integral is emptied while the command moves"};
+  Constant zeroOnRev_{Bench(), "Zero on Rev?", {"No", "Yes"}, No, "Without effect in this version"};
+  Constant kfv_{Bench(), "KFV", "%", Adjustable(0, -100, 200),
+                "Velocity feed-forward: 100 adds 1 Amp per rad/s"};
+  Constant kfa_{Bench(), "KFA", "%", Adjustable(0, -100, 1000),
+                "Acceleration feed-forward: 100 is the current that J needs"};
   DriveConstants drive_{Bench(), 60};
   MotorConstants motor_{Bench(), "n-m/Amp"};
-  Constant res_{Bench(), "Res", "lines/rev", 1e10, 6, 2e10};
+  Constant res_{Bench(), "Res", "lines/rev", Adjustable(1e10, 6, 2e10),
+                "Lines of the encoder; it counts four a line"};
 
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : PositionCommand, PositionLoop {
-    Loop(ZelBenchTop& bench, DisplayDefaults error, double period)
-        : PositionCommand(bench), PositionLoop(bench, error, period) {}
-  };
-  Loop loop_{Bench(), Shown(0.001, -0.002, RadToRevs), drive_.tSample.Default()};
+  Signals signals_{
+      Bench(), PositionSignals(loop_, "Not used in this loop", Shown(0.001, -0.002, RadToRevs))};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
+  ZelDController clock_{Bench(), drive_.tSample.Default(), &loop_.clock};
 
   Analysers analysers_{Bench(), 13};
   ZelWave commandGenerator_{
@@ -80,20 +85,20 @@ class MPosLoopPID final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MPosLoopPID::MPosLoopPID(const std::string& name) : ZelModel(name) {
+MPosLoopPID::MPosLoopPID(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
 }
 
 void MPosLoopPID::Integrate(const Loop& s) {
-  const double error = s.pE.Value;
+  const double error = s.pE;
   const double ki = kpi_.Value();
   const double limit = ikpiSat_.Value();
   integral += error;
   if (integral * ki > limit) integral = limit / ki;
   if (-limit > integral * ki) integral = -limit / ki;
-  if (zeroOnMove_.Choice() == Yes && s.vPC.Value != 0.0) integral = 0.0;
+  if (zeroOnMove_.Choice() == Yes && s.vPC != 0.0) integral = 0.0;
   // The list has no third choice, so the integral is never emptied on a reversal: kept as it is.
   constexpr int EmptyOnReversal = 2;
   const bool positive = error > 0.0;
@@ -105,13 +110,13 @@ void MPosLoopPID::Integrate(const Loop& s) {
 
 void MPosLoopPID::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  const double acceleration = previousVPC.Difference(s.vPC.Value) / period;
-  SampleMotion(s, s.vPC.Value, period, res_.Value(), previousPF);
+  const double acceleration = previousVPC.Difference(s.vPC) / period;
+  SampleMotion(s, period, res_.Value(), previousPF);
   Integrate(s);
-  const double current = kpd_.Value() * (s.vPC.Value - s.vF.Value) + kpp_.Value() * s.pE.Value +
-                         kpi_.Value() * integral + kfv_.Value() * s.vPC.Value * 0.01 +
+  const double current = kpd_.Value() * (s.vPC - s.vF) + kpp_.Value() * s.pE +
+                         kpi_.Value() * integral + kfv_.Value() * s.vPC * 0.01 +
                          0.01 * kfa_.Value() * acceleration * motor_.j.Value() / motor_.kt.Value();
-  s.iC.Value = std::clamp(current, -CurrentLimit, CurrentLimit);
+  s.iC = std::clamp(current, -CurrentLimit, CurrentLimit);
   outputInstant = drive_.OutputInstant(t);
 }
 
@@ -120,8 +125,8 @@ void MPosLoopPID::HandOnChanges() {
 }
 
 void MPosLoopPID::Equations(Loop& s, double t) {
-  s.vPC.Value = command_.Value() * RpmToRad;
-  s.tD.Value = disturbanceGenerator_.Output();
+  s.vPC = command_.Value() * RpmToRad;
+  s.tD = disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
   RunMotor(s, t, outputInstant, motor_);
 }

@@ -1,8 +1,8 @@
 #include "instruments/scope/scope.h"
-#include "models/command_source.h"
+#include "kit/command_source.h"
+#include "kit/fused_model.h"
+#include "kit/velocity_loop.h"
 #include "models/factories.h"
-#include "models/fused_solver.h"
-#include "models/velocity_loop.h"
 
 namespace torvane {
 
@@ -12,45 +12,45 @@ namespace {
 ///
 ///     vC - vF = vE -> KVP (1 + KVI/s) -> limit -> iC -> current loop -> iF -> KT -> tM
 ///     tM -> 1/(J s) -> vM = vF -> 1/s -> pM
-class MSeminarPI final : public ZelModel {
+class MSeminarPI final : public FusedModel<MSeminarPI> {
  public:
   explicit MSeminarPI(const std::string& name);
-  void Derivatives(double t) override { solver_.Derivatives(t); }
 
- private:
-  friend class FusedSolver<MSeminarPI>;
+  struct Loop {
+    double vC = 0, vE = 0, vF = 0, iC = 0, iF = 0, tM = 0;
+    State vM, vEInt, pM;
+    LowPass2 currentLoop{600, Butterworth};
+  };
+  Loop loop_;
 
-  struct Loop;
   void HandOnChanges();
   void Equations(Loop& s, double t);
   auto Parts(Loop& s) { return std::tie(command_, s.vM, s.vEInt, s.pM, s.currentLoop, generator_); }
 
-  FusedSolver<MSeminarPI>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<MSeminarPI>>(Bench(), 1e-5, *this));
+ private:
+  Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
+                "Proportional gain of the velocity loop (Amps per rad/s)"};
+  Constant kvi_{Bench(), "KVI", "", Adjustable(100, 0, 10000),
+                "Integral gain of the velocity loop: below it the integral takes over (rad/s)"};
+  Constant cLoop_{Bench(), "CLoop", "Hz", Adjustable(800, 100, 2000),
+                  "Bandwidth of the current loop"};
+  Constant kt_{Bench(), "KT", "n-m/Amp", Adjustable(1, 0.1, 10), "Torque constant of the motor"};
+  Constant j_{Bench(), "J", "kg-m^2", Adjustable(0.002, 1e-6, 1), "Inertia of motor and load"};
 
-  Constant kvp_{Bench(), "KVP", "", 0.72, 0, 1000};
-  Constant kvi_{Bench(), "KVI", "", 100, 0, 10000};
-  Constant cLoop_{Bench(), "CLoop", "Hz", 800, 100, 2000};
-  Constant kt_{Bench(), "KT", "n-m/Amp", 1, 0.1, 10};
-  Constant j_{Bench(), "J", "kg-m^2", 0.002, 1e-6, 1};
-
-  TimeVariable time_{Bench(), "Time", "sec", TimeAxis};
-
-  struct Loop : OnBench {
-    using OnBench::OnBench;
-
-    Variable vC{Bench(), "vC", "RPM", Shown(10, 0, RadToRpm)};
-    StateVariable vM{Bench(), "vM", "RPM", 0, Shown(10, 0, RadToRpm)};
-    Variable vE{Bench(), "vE", "RPM", Hidden(10, RadToRpm)};
-    StateVariable vEInt{Bench(), "vEInt", "Revs", 0, Hidden(0.001, RadToRevs)};
-    Variable vF{Bench(), "vF", "RPM", Hidden(10, RadToRpm)};
-    StateVariable pM{Bench(), "pM", "Revs", 0, Hidden(0.01, RadToRevs)};
-    Variable iC{Bench(), "iC", "Amps", Hidden(5)};
-    Variable iF{Bench(), "iF", "Amps", Hidden(5)};
-    Variable tM{Bench(), "tM", "Nm", Hidden(5)};
-    ZelLowPass2 currentLoop{Bench(), 600, Butterworth};
-  };
-  Loop loop_{Bench()};
+  Signals signals_{
+      Bench(),
+      {{loop_.vC, "vC", "RPM", Shown(10, 0, RadToRpm), "Command velocity"},
+       {loop_.vM, "vM", "RPM", Shown(10, 0, RadToRpm), "Motor velocity"},
+       {loop_.vE, "vE", "RPM", Hidden(10, RadToRpm),
+        "Velocity error: what the controller works on"},
+       {loop_.vEInt, "vEInt", "Revs", Hidden(0.001, RadToRevs), "Integral of the velocity error"},
+       {loop_.vF, "vF", "RPM", Hidden(10, RadToRpm),
+        "Feedback velocity: what the controller is told"},
+       {loop_.pM, "pM", "Revs", Hidden(0.01, RadToRevs), "Motor position"},
+       {loop_.iC, "iC", "Amps", Hidden(5), "Current command: what the controller asks for"},
+       {loop_.iF, "iF", "Amps", Hidden(5), "Current feedback: the current that flows"},
+       {loop_.tM, "tM", "Nm", Hidden(5), "Torque that turns the motor"}}};
+  OnBench<LowPass2> currentLoop_{Bench(), loop_.currentLoop};
 
   Analysers analysers_{Bench(), 13};
   ZelWave generator_{Bench(), "MainWaveGen", {.Index = 1, .FreqHz = 25, .Amplitude = 20}};
@@ -58,7 +58,7 @@ class MSeminarPI final : public ZelModel {
   ZelScope scope_{Bench(), "MainScope"};
 };
 
-MSeminarPI::MSeminarPI(const std::string& name) : ZelModel(name) {
+MSeminarPI::MSeminarPI(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("SeminarAnalogVelocityPI.bmp", "");
   analysers_.AddVelocitySetups();
 }
@@ -68,17 +68,17 @@ void MSeminarPI::HandOnChanges() {
 }
 
 void MSeminarPI::Equations(Loop& s, double /*t*/) {
-  s.vC.Value = command_.Value() * RpmToRad;
-  s.vF.Value = s.vM.Value;
-  s.vE.Value = s.vC.Value - s.vF.Value;
-  s.vEInt.Derivative = s.vE.Value;
-  const double unlimited = (kvi_.Value() * s.vEInt.Value + s.vE.Value) * kvp_.Value();
-  s.iC.Value = LimitWithAntiWindUp(unlimited, s.vE.Value, s.vEInt, kvp_.Value(), kvi_.Value(),
-                                   CurrentLimit, CurrentLimit * WindUpFactor);
-  s.currentLoop.SetInput(s.iC.Value);
-  s.iF.Value = s.currentLoop.Output();
-  s.tM.Value = s.iF.Value * kt_.Value();
-  TurnInertia(s.tM.Value, j_.Value(), s.vM, s.pM);
+  s.vC = command_.Value() * RpmToRad;
+  s.vF = s.vM;
+  s.vE = s.vC - s.vF;
+  s.vEInt.Derivative = s.vE;
+  const double unlimited = (kvi_.Value() * s.vEInt + s.vE) * kvp_.Value();
+  s.iC = LimitWithAntiWindUp(unlimited, s.vE, s.vEInt, kvp_.Value(), kvi_.Value(), CurrentLimit,
+                             CurrentLimit * WindUpFactor);
+  s.currentLoop.SetInput(s.iC);
+  s.iF = s.currentLoop.Output();
+  s.tM = s.iF * kt_.Value();
+  TurnInertia(s.tM, j_.Value(), s.vM, s.pM);
 }
 
 }  // namespace

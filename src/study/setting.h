@@ -5,7 +5,7 @@
 
 #include "core/bench.h"
 #include "core/constant.h"
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 
 namespace torvane {
 

@@ -6,10 +6,9 @@
 
 #include "core/run_loop.h"
 #include "instruments/meter/meter.h"
+#include "kit/fused_model.h"
 #include "library/low_pass1.h"
-#include "models/fused_solver.h"
 #include "models/loop.h"
-#include "models/loop_parts.h"
 
 // What holds for each model of the catalogue.
 
@@ -109,27 +108,20 @@ TEST(Catalogue, KnowsItsModelsAndNoOthers) {
 }
 
 /// Lists its integrator, but not its filter.
-class ForgetfulModel final : public ZelModel {
- public:
-  ForgetfulModel() : ZelModel("Forgetful") {}
-  void Derivatives(double t) override { solver_.Derivatives(t); }
+struct ForgetfulModel final : FusedModel<ForgetfulModel> {
+  ForgetfulModel() : FusedModel("Forgetful", 1e-3) {}
 
- private:
-  friend class FusedSolver<ForgetfulModel>;
-
-  struct Loop : OnBench {
-    using OnBench::OnBench;
-
-    StateVariable x{Bench(), "x", "", 0.0};
-    ZelLowPass1 filter{Bench(), 10.0};
+  struct Loop {
+    State x;
+    LowPass1 filter{10.0};
   };
+  Loop loop_;
+
   void Equations(Loop& s, double /*t*/) { s.x.Derivative = s.filter.Output(); }
   auto Parts(Loop& s) { return std::tie(s.x); }
 
-  FusedSolver<ForgetfulModel>& solver_ =
-      SetSolver(std::make_unique<FusedSolver<ForgetfulModel>>(Bench(), 1e-3, *this));
-  TimeVariable time_{Bench(), "Time", "sec", {}};
-  Loop loop_{Bench()};
+  Signals signals_{Bench(), {{loop_.x, "x", "", {}, ""}}};
+  OnBench<LowPass1> filter_{Bench(), loop_.filter};
 };
 
 TEST(FusedSolver, AForgottenPartEndsTheProgramBeforeTheFirstStep) {

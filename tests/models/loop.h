@@ -10,7 +10,7 @@
 #include "core/constant.h"
 #include "core/model.h"
 #include "instruments/fft/fft_analyser.h"
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 #include "models/catalogue.h"
 #include "models/catalogue_host.h"
 #include "support/recorder.h"

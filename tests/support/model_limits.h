@@ -8,10 +8,10 @@
 #include "core/constant.h"
 #include "core/model.h"
 #include "instruments/fft/fft_analyser.h"
+#include "instruments/generator/wave.h"
 #include "instruments/meter/meter.h"
 #include "instruments/scope/scope.h"
 #include "instruments/sweep/swept_sine_analyser.h"
-#include "library/wave.h"
 
 namespace torvane::test {
 

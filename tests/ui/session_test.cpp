@@ -16,7 +16,7 @@
 #include "core/constant.h"
 #include "core/files/model_file.h"
 #include "core/files/seal.h"
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 #include "support/recorder.h"
 #include "ui/session/end_requests.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 #include "ui/panes/instrument_pane.h"
 
 class QAbstractButton;

@@ -10,25 +10,25 @@ namespace torvane {
 
 namespace {
 
-struct State {
+struct Appearance {
   const char* Text;
   QRgb OnLight;
   QRgb OnDark;
 };
 
 // By Word; calm, and readable on the window's ground.
-constexpr std::array<State, 5> States = {{{"Stopped", 0x5f666d, 0xa7aeb5},
-                                          {"Waiting", 0x8a5a00, 0xe0b45c},
-                                          {"Auto", 0x2b5f93, 0x86b8e6},
-                                          {"Cont", 0x2b5f93, 0x86b8e6},
-                                          {"Triggered", 0x2c6b34, 0x86c98e}}};
+constexpr std::array<Appearance, 5> States = {{{"Stopped", 0x5f666d, 0xa7aeb5},
+                                               {"Waiting", 0x8a5a00, 0xe0b45c},
+                                               {"Auto", 0x2b5f93, 0x86b8e6},
+                                               {"Cont", 0x2b5f93, 0x86b8e6},
+                                               {"Triggered", 0x2c6b34, 0x86c98e}}};
 
 }  // namespace
 
 TriggerWord::TriggerWord(QLabel& label, const ZelScope& scope)
     : QObject(&label), label_(label), scope_(scope) {
   int width = 0;
-  for (const State& state : States) {
+  for (const Appearance& state : States) {
     width = std::max(width, label.fontMetrics().horizontalAdvance(QLatin1String(state.Text)));
   }
   label.setMaximumWidth(width);
@@ -61,7 +61,7 @@ void TriggerWord::Show() {
 }
 
 void TriggerWord::Write() {
-  const State& state = States[static_cast<std::size_t>(word_)];
+  const Appearance& state = States[static_cast<std::size_t>(word_)];
   const bool fits = label_.width() >= label_.maximumWidth();
   const QString text = fits ? QLatin1String(state.Text) : QLatin1String();
   if (label_.text() != text) label_.setText(text);

@@ -65,7 +65,7 @@ class ZelWave final : public TimeDriven, public Instrument {
   void AtTime(double t) override {
     if (t != computedAt_) Recompute(t);
     next_.SetPending(computed_);
-    delayed_.SetPending(next_.Value);
+    delayed_.SetPending(next_);
   }
 
   /// Does at once what the four evaluations of a step that ends at t come to: what is published
@@ -82,8 +82,8 @@ class ZelWave final : public TimeDriven, public Instrument {
   bool OverflowsAt(double t) const override;
 
   /// Published outputs, the live values of the two state variables.
-  double Output() const { return next_.Value; }
-  double DelayedOutput() const { return delayed_.Value; }
+  double Output() const { return next_; }
+  double DelayedOutput() const { return delayed_; }
   /// The value last computed, and 1 during the first half of each period, else 0.
   double Computed() const { return computed_; }
   double Sync() const { return fraction_ < 0.5 ? 1.0 : 0.0; }
@@ -116,8 +116,10 @@ class ZelWave final : public TimeDriven, public Instrument {
   double fraction_ = 1.0;  // of the cycle, at the computed value
   // The time that the computed value stands for; not-a-number asks for a new one.
   double computedAt_ = std::numeric_limits<double>::quiet_NaN();
-  StateVariable next_;
-  StateVariable delayed_;
+  State next_;
+  State delayed_;
+  StateVariable nextOnBench_;
+  StateVariable delayedOnBench_;
 };
 
 // In the header, as a step inlines them.

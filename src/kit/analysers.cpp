@@ -1,4 +1,4 @@
-#include "models/analysers.h"
+#include "kit/analysers.h"
 
 namespace torvane {
 

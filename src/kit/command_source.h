@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/bench.h"
-#include "library/wave.h"
-#include "models/analysers.h"
+#include "instruments/generator/wave.h"
+#include "kit/analysers.h"
 
 namespace torvane {
 

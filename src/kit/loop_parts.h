@@ -6,9 +6,9 @@
 #include "core/constant.h"
 #include "core/numeric.h"
 #include "core/variable.h"
+#include "kit/units.h"
 #include "library/d_controller.h"
 #include "library/low_pass2.h"
-#include "models/units.h"
 
 namespace torvane {
 
@@ -23,27 +23,16 @@ void HandOn(Constant& constant, Use&& use) {
   if (constant.TakeChanged()) use(constant.Value());
 }
 
-/// Base of a model's loop: what is registered on the bench and moves in a step. Solvers work on
-/// copies of it, which have the numbers alone.
-class OnBench {
- public:
-  explicit OnBench(ZelBenchTop& bench) : bench_(&bench) {}
-
- protected:
-  ZelBenchTop& Bench() const { return *bench_; }
-
- private:
-  ZelBenchTop* bench_;
-};
-
 /// Current loop and sampling of a drive.
 struct DriveConstants {
   explicit DriveConstants(ZelBenchTop& bench, double calculationPercent = 65)
-      : cLoop(bench, "CLoop", "Hz", 800, 100, 10000),
-        tSample(bench, "TSample", "Sec", 0.00025, 0.0001, 100),
-        tCalc(bench, "TCalc", "%", calculationPercent, 0, 95) {}
+      : cLoop(bench, "CLoop", "Hz", Adjustable(800, 100, 10000), "Bandwidth of the current loop"),
+        tSample(bench, "TSample", "Sec", Adjustable(0.00025, 0.0001, 100),
+                "Time between two samples"),
+        tCalc(bench, "TCalc", "%", Adjustable(calculationPercent, 0, 95),
+              "Delay from a sample to the new current command, as a part of TSample") {}
 
-  void HandOnChanges(ZelDController& clock, ZelLowPass2& currentLoop) {
+  void HandOnChanges(ControllerClock& clock, LowPass2& currentLoop) {
     HandOn(tSample, [&](double period) { clock.SetPeriod(period); });
     HandOn(cLoop, [&](double hz) { currentLoop.SetFrequency(hz); });
   }
@@ -52,20 +41,21 @@ struct DriveConstants {
   /// at t.
   double OutputInstant(double t) const { return t + 0.01 * tCalc.Value() * tSample.Value(); }
 
-  Constant cLoop;    ///< bandwidth of the current loop
-  Constant tSample;  ///< sample period
-  Constant tCalc;    ///< calculation time, in per cent of the sample period
+  Constant cLoop;
+  Constant tSample;
+  Constant tCalc;
 };
 
 /// A motor and its load.
 struct MotorConstants {
   explicit MotorConstants(ZelBenchTop& bench, const std::string& torquePerAmp = "Nm/Amp",
                           double largestKt = 10, double largestJ = 1)
-      : kt(bench, "KT", torquePerAmp, 1, 0.1, largestKt),
-        j(bench, "J", "kg-m^2", 0.002, 1e-6, largestJ) {}
+      : kt(bench, "KT", torquePerAmp, Adjustable(1, 0.1, largestKt),
+           "Torque constant of the motor"),
+        j(bench, "J", "kg-m^2", Adjustable(0.002, 1e-6, largestJ), "Inertia of motor and load") {}
 
-  Constant kt;  ///< torque per current
-  Constant j;   ///< inertia
+  Constant kt;
+  Constant j;
 };
 
 /// One count of a quadrature encoder (four counts a line), in radians.
@@ -75,8 +65,7 @@ inline double EncoderCount(double linesPerRev) {
 
 /// The current that follows a sampled controller's output, which reaches the current loop at its
 /// instant.
-inline double FollowCurrent(ZelLowPass2& currentLoop, double command, double t,
-                            double outputInstant) {
+inline double FollowCurrent(LowPass2& currentLoop, double command, double t, double outputInstant) {
   if (t >= outputInstant) [[likely]] {
     currentLoop.SetInput(command);
   }
@@ -84,10 +73,9 @@ inline double FollowCurrent(ZelLowPass2& currentLoop, double command, double t,
 }
 
 /// A rigid motor: torque turns the inertia.
-inline void TurnInertia(double torque, double inertia, StateVariable& velocity,
-                        StateVariable& position) {
+inline void TurnInertia(double torque, double inertia, State& velocity, State& position) {
   velocity.Derivative = torque / inertia;
-  position.Derivative = velocity.Value;
+  position.Derivative = velocity;
 }
 
 // Class memory: what a model remembers of its last sample (PreviousSample, the instant of the last
@@ -114,19 +102,19 @@ class PreviousSample {
 /// Limits a continuous PI controller's output to -limit..limit. The integral gives way only when
 /// the output passes the wind-up level, which lies above the limit: then the state is set to what
 /// would hold the output at that level.
-inline double LimitWithAntiWindUp(double output, double error, StateVariable& errorIntegral,
-                                  double kp, double ki, double limit, double windUp) {
+inline double LimitWithAntiWindUp(double output, double error, State& errorIntegral, double kp,
+                                  double ki, double limit, double windUp) {
   if (output > limit) {
     if (ki > 0.0 && output > windUp) {
       const double bound = (windUp / kp - error) / ki;
-      if (errorIntegral.Value > bound) errorIntegral.SetPending(bound);
+      if (errorIntegral > bound) errorIntegral.SetPending(bound);
     }
     return limit;
   }
   if (output < -limit) {
     if (ki > 0.0 && output < -windUp) {
       const double bound = (-windUp / kp - error) / ki;
-      if (errorIntegral.Value < bound) errorIntegral.SetPending(bound);
+      if (errorIntegral < bound) errorIntegral.SetPending(bound);
     }
     return -limit;
   }

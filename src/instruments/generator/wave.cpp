@@ -1,4 +1,4 @@
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 
 #include <algorithm>
 #include <cmath>
@@ -70,8 +70,8 @@ ZelWave::ZelWave(ZelBenchTop& bench, std::string name, const WaveSettings& setti
     : Instrument(InstrumentKind::WaveGenerator, std::move(name)),
       settings_(Limited(settings)),
       gain_(gain),
-      next_(bench, "ZelWave #1", "Null", 0.0, {}, Visibility::Internal),
-      delayed_(bench, "ZelWave #2", "Null", 0.0, {}, Visibility::Internal) {
+      nextOnBench_(bench, next_, "ZelWave #1", "Null", 0.0, {}, Visibility::Internal),
+      delayedOnBench_(bench, delayed_, "ZelWave #2", "Null", 0.0, {}, Visibility::Internal) {
   bench.AddTimeDriven(*this);
   bench.AddInstrument(*this);
 } catch (...) {

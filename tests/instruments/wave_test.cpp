@@ -1,4 +1,4 @@
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 
 #include <gtest/gtest.h>
 

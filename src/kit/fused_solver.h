@@ -13,6 +13,7 @@
 
 #include "core/bench.h"
 #include "core/messages.h"
+#include "core/model.h"
 #include "core/overflow.h"
 #include "core/solver.h"
 #include "core/time_driven.h"
@@ -28,18 +29,20 @@ namespace torvane {
 /// hands it back at the end; the operations and their order are the same, to the bit.
 ///
 /// The model offers
-///   - Loop, a struct of the signals, continuous blocks and clock that a step moves, and loop_;
+///   - Loop, a struct of plain numbers: the signals, continuous blocks and clock that a step moves;
+///   - loop_, the one that its signals, blocks and clock on the bench refer to;
 ///   - HandOnChanges(), if any: passes changed constants on to the blocks, once a run;
 ///   - Equations(Loop& s, double t): reads and writes the signals of s;
-///   - Parts(Loop& s): its states and time-driven objects, the latter in the order of construction,
+///   - Parts(Loop& s): its states and what time drives, the latter in the order of registration,
 ///     and its command sources. What does not agree with the bench ends the program.
 template <class Model>
 class FusedSolver final : public ZelSolver {
  public:
   static constexpr int MaxOrder = 50;
 
-  FusedSolver(ZelBenchTop& bench, double h, Model& model)
-      : ZelSolver(bench, h, model, MaxOrder), model_(model) {}
+  /// The model may still be under construction; it is used from the first run on.
+  FusedSolver(ZelBenchTop& bench, double h, ZelModel& model)
+      : ZelSolver(bench, h, model, MaxOrder) {}
 
   void RunUntil(double tEnd) override {
     if (!checked_) CheckRegistration();
@@ -56,20 +59,24 @@ class FusedSolver final : public ZelSolver {
   /// The model's Derivatives: the equations on the loop itself, for whoever evaluates the model
   /// from outside a run.
   void Derivatives(double t) {
-    const auto parts = model_.Parts(model_.loop_);
-    BeginRun(parts);
+    Model& model = TheModel();
+    const auto parts = model.Parts(model.loop_);
+    BeginRun(model, parts);
     ForEach(parts, [this](auto& part) { BeginStep(part, bench_.Time()); });
-    model_.Equations(model_.loop_, t);
+    model.Equations(model.loop_, t);
   }
 
  private:
+  Model& TheModel() { return static_cast<Model&>(model_); }
+
   // flatten: without it the equations are called four times a step rather than inlined, and the
   // copy would have to lie in memory for them.
   [[gnu::flatten]] void Run(double tEnd) {
-    Model& model = model_;
+    Model& model = TheModel();
     const double h = h_;
-    BeginRun(model.Parts(model.loop_));
+    BeginRun(model, model.Parts(model.loop_));
     auto loop = model.loop_;
+    static_assert(std::is_trivially_copyable_v<decltype(loop)>);
     double t = bench_.Time();
     // Whatever is not an ordinary step's end is EndStep's to judge.
     while (Step(model, loop, t, h) <= Huge && t + h < tEnd && !OverflowRaised()) t += h;
@@ -101,25 +108,25 @@ class FusedSolver final : public ZelSolver {
     const double half = 0.5 * h;
 
     ForEach(parts, [t](auto& part) { BeginStep(part, t); });
-    forEachState([](StateVariable& state, double& from, double&) { from = state.Value; });
+    forEachState([](State& state, double& from, double&) { from = state.Value; });
     evaluate(t);
-    forEachState([half](StateVariable& state, double from, double& slopes) {
+    forEachState([half](State& state, double from, double& slopes) {
       slopes = state.Derivative;
       state.Value = from + half * state.Derivative;
     });
     evaluate(t + half);
-    forEachState([half](StateVariable& state, double from, double& slopes) {
+    forEachState([half](State& state, double from, double& slopes) {
       slopes += 2.0 * state.Derivative;
       state.Value = from + half * state.Derivative;
     });
     evaluate(t + half);
-    forEachState([h](StateVariable& state, double from, double& slopes) {
+    forEachState([h](State& state, double from, double& slopes) {
       slopes += 2.0 * state.Derivative;
       state.Value = from + h * state.Derivative;
     });
     evaluate(t + h);
     long double size = 0.0L;
-    forEachState([h, &size](StateVariable& state, double from, double& slopes) {
+    forEachState([h, &size](State& state, double from, double& slopes) {
       slopes += state.Derivative;
       const long double combined = Combine(from, slopes, h);
       state.Value = static_cast<double>(combined);
@@ -140,8 +147,8 @@ class FusedSolver final : public ZelSolver {
 
   // Constants and sources change between runs only.
   template <class Parts>
-  void BeginRun(const Parts& parts) {
-    if constexpr (requires { model_.HandOnChanges(); }) model_.HandOnChanges();
+  static void BeginRun(Model& model, const Parts& parts) {
+    if constexpr (requires { model.HandOnChanges(); }) model.HandOnChanges();
     ForEach(parts, [](auto& part) {
       if constexpr (requires { part.BeginRun(); }) part.BeginRun();
     });
@@ -155,11 +162,8 @@ class FusedSolver final : public ZelSolver {
 
   template <class Part>
   static void AtTime(Part& part, double t) {
-    if constexpr (requires { part.Evaluate(); }) {
-      part.Evaluate();
-    } else if constexpr (IsTimeDriven<Part> && !requires { part.AtEndOfStep(t); }) {
-      part.AtTime(t);
-    }
+    if constexpr (requires { part.Evaluate(); }) part.Evaluate();
+    if constexpr (requires { part.Tick(t); }) part.Tick(t);
   }
 
   template <class Part>
@@ -172,7 +176,7 @@ class FusedSolver final : public ZelSolver {
 
   template <class Part>
   static auto IntegratedStates(Part& part) {
-    if constexpr (std::is_same_v<Part, StateVariable>) {
+    if constexpr (std::is_same_v<Part, State>) {
       return std::tie(part);
     } else if constexpr (requires { part.States(); }) {
       return part.States();
@@ -190,31 +194,49 @@ class FusedSolver final : public ZelSolver {
     }
   }
 
+  // As what the bench's list of time-driven objects has the part; nothing when it is not driven.
   template <class Part>
-  static constexpr bool IsTimeDriven = std::is_base_of_v<TimeDriven, Part>;
+  static const void* Driven(const Part& part) {
+    if constexpr (std::is_base_of_v<TimeDriven, Part>) {
+      return part.Moves();
+    } else if constexpr (
+        requires(Part p) { p.Evaluate(); } || requires(Part p) { p.Tick(0.0); }) {
+      return &part;
+    } else {
+      return nullptr;
+    }
+  }
 
   void CheckRegistration() {
-    std::vector<const StateVariable*> states;
-    std::vector<const TimeDriven*> objects;
-    ForEach(model_.Parts(model_.loop_), [&]<class Part>(Part& part) {
-      const auto add = [&](StateVariable& state) { states.push_back(&state); };
+    std::vector<const State*> states;
+    std::vector<const void*> driven;
+    Model& model = TheModel();
+    ForEach(model.Parts(model.loop_), [&](auto& part) {
+      const auto add = [&](State& state) { states.push_back(&state); };
       ForEach(IntegratedStates(part), add);
       ForEach(HeldStates(part), add);
-      if constexpr (IsTimeDriven<Part>) objects.push_back(&part);
+      if (const void* const object = Driven(part)) driven.push_back(object);
     });
-    const auto registered = ZelSolver::States();
-    const auto& driven = bench_.TimeDrivenObjects();
-    if (!std::is_permutation(states.begin(), states.end(), registered.begin(), registered.end()) ||
-        !std::equal(objects.begin(), objects.end(), driven.begin(), driven.end())) {
+
+    std::vector<const State*> registeredStates;
+    for (const StateVariable* state : ZelSolver::States()) {
+      registeredStates.push_back(&state->Numbers);
+    }
+    std::vector<const void*> registeredObjects;
+    for (const TimeDriven* object : bench_.TimeDrivenObjects()) {
+      registeredObjects.push_back(object->Moves());
+    }
+    if (!std::is_permutation(states.begin(), states.end(), registeredStates.begin(),
+                             registeredStates.end()) ||
+        driven != registeredObjects) {
       const std::string text =
-          "Internal Error: the parts of model " + model_.Name() + " do not agree with its bench";
+          "Internal Error: the parts of model " + model.Name() + " do not agree with its bench";
       FatalError(text);
       throw std::logic_error(text);
     }
     checked_ = true;
   }
 
-  Model& model_;
   bool checked_ = false;
 };
 

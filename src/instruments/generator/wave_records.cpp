@@ -3,7 +3,7 @@
 #include "core/files/record.h"
 #include "core/messages.h"
 #include "core/text.h"
-#include "library/wave.h"
+#include "instruments/generator/wave.h"
 
 namespace torvane {
 namespace {
