@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "cli/command_error.h"
+#include "core/instrument.h"
 #include "core/run_loop.h"
 #include "core/text.h"
 

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "core/constant.h"
+#include "core/instrument.h"
 #include "core/messages.h"
 #include "core/overflow.h"
 #include "core/solver.h"
@@ -171,10 +172,6 @@ void ZelBenchTop::PrepareWideCapture() {
 
 void ZelBenchTop::StartScopes() {
   for (Instrument* scope : Instruments(InstrumentKind::Scope)) scope->Start();
-}
-
-void ZelBenchTop::TellConstantChanged(const std::string& name) {
-  for (Instrument* scope : Instruments(InstrumentKind::Scope)) scope->ConstantChanged(name);
 }
 
 }  // namespace torvane

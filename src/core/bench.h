@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/instrument.h"
+#include "core/instrument_kind.h"
 #include "core/time_driven.h"
 #include "core/undo.h"
 #include "core/variable.h"
@@ -13,6 +13,7 @@
 namespace torvane {
 
 class Constant;
+class Instrument;
 class ZelSolver;
 
 /// Registry of one model: its signals, constants, simulated time, solver, undo history and
@@ -86,8 +87,6 @@ class ZelBenchTop {
 
   void RefreshInstruments();
   void StartScopes();
-  /// Every scope's constants grid is to show the constant's new value.
-  void TellConstantChanged(const std::string& name);
 
   /// The windows are to get ready for a picture of the screen, or for one of a wide screen: tells
   /// scopes, FFT analysers, swept-sine analysers, meters and wave generators in turn.

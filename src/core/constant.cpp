@@ -99,7 +99,6 @@ Undoable::Merged Constant::Merge(UndoEntry& earlier, const UndoEntry& later) con
 void Constant::Store(double value) {
   value_ = value;
   changed_ = true;
-  bench_.TellConstantChanged(name_);
   // What an observer does may end another one's interest, or its own.
   const std::vector<ConstantObserver*> observers = observers_;
   for (ConstantObserver* observer : observers) observer->ConstantChanged(*this);

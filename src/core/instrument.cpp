@@ -54,10 +54,6 @@ void Instrument::Refresh() {
   if (view_) view_->Redraw();
 }
 
-void Instrument::ConstantChanged(const std::string& name) {
-  if (view_) view_->ConstantChanged(name);
-}
-
 std::string Instrument::StateText() const {
   std::string text;
   RecordWriter writer(text, RecordKeyword(kind_), name_);

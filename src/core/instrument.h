@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/instrument_kind.h"
+#include "core/placement.h"
 #include "core/undo.h"
 
 namespace torvane {
@@ -20,22 +21,6 @@ class InstrumentView {
   virtual void Redraw() = 0;
   /// Settings have changed, by whatever hand: the user's, a file's, an undo's.
   virtual void SettingsChanged() = 0;
-  /// The named constant has a new value.
-  virtual void ConstantChanged(const std::string& /*name*/) {}
-};
-
-enum class WindowState { Normal, Minimised, Maximised };
-
-/// Where an instrument's window stands in the workspace, in pixels. Sizes of 0 mean that the
-/// window chooses for itself.
-struct WindowPlacement {
-  WindowState State = WindowState::Normal;
-  int Height = 0;
-  int Left = 0;
-  int Top = 0;
-  int Width = 0;
-
-  bool operator==(const WindowPlacement&) const = default;
 };
 
 /// The name that the number-th of several instruments of one name has, from 2.
@@ -83,9 +68,6 @@ class Instrument : public Undoable {
 
   /// The 100 ms display refresh.
   virtual void Refresh();
-
-  /// The named constant has a new value.
-  virtual void ConstantChanged(const std::string& name);
 
   /// A picture of the screen, or of a wide screen, is to be taken; the first is also told when the
   /// model has become the current one.

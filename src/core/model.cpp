@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/constant.h"
+#include "core/instrument.h"
 #include "core/messages.h"
 
 namespace torvane {
@@ -37,10 +38,7 @@ void ZelModel::ResetEverything() {
 }
 
 void ZelModel::RestoreDefaults() {
-  for (Constant* constant : bench_.Constants()) {
-    constant->RestoreDefault();
-    bench_.TellConstantChanged(constant->Name());
-  }
+  for (Constant* constant : bench_.Constants()) constant->RestoreDefault();
 }
 
 void ZelModel::Own(std::unique_ptr<Instrument> instrument) {

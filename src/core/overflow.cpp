@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/bench.h"
+#include "core/instrument.h"
 #include "core/solver.h"
 #include "core/text.h"
 

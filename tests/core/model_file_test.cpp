@@ -10,6 +10,7 @@
 #include "core/files/model_file_lines.h"
 #include "core/files/record.h"
 #include "core/files/seal.h"
+#include "core/instrument.h"
 #include "core/text.h"
 #include "support/recorder.h"
 

@@ -24,9 +24,6 @@ class FakeInstrument : public Instrument {
   void Restart() override { log_.push_back(Name() + " restarted"); }
   void Start() override { log_.push_back(Name() + " started"); }
   void Refresh() override { log_.push_back(Name() + " refreshed"); }
-  void ConstantChanged(const std::string& name) override {
-    log_.push_back(Name() + " told of " + name);
-  }
 
   void PrepareCapture() override { log_.push_back(Name() + " captured"); }
   void PrepareWideCapture() override { log_.push_back(Name() + " captured wide"); }

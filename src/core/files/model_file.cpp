@@ -3,6 +3,7 @@
 #include "core/constant.h"
 #include "core/files/atomic_save.h"
 #include "core/files/record.h"
+#include "core/instrument.h"
 
 namespace torvane {
 

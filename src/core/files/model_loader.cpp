@@ -7,6 +7,7 @@
 #include "core/files/model_file.h"
 #include "core/files/model_file_lines.h"
 #include "core/files/record.h"
+#include "core/instrument.h"
 #include "core/messages.h"
 #include "core/text.h"
 
@@ -36,7 +37,6 @@ bool LoadConstant(ZelBenchTop& bench, const Record& record) {
   if (set && !constant->IsList() && constant->Value() != ParseNumber(value)) {
     Note(constant->Name() + " is limited to " + constant->FileText());
   }
-  bench.TellConstantChanged(constant->Name());
   return true;
 }
 

@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/instrument.h"
+#include "core/instrument_kind.h"
+#include "core/placement.h"
 
 namespace torvane {
 

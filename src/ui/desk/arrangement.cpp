@@ -4,6 +4,7 @@
 
 #include "core/bench.h"
 #include "core/files/record.h"
+#include "core/instrument.h"
 #include "ui/desk/workspace.h"
 #include "ui/panes/instrument_pane.h"
 #include "ui/session/user_settings.h"

@@ -142,9 +142,12 @@ ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
   table.installEventFilter(this);
   viewport_.installEventFilter(this);
   new ValueKnob(table, ValueColumn, bench);
+  for (Constant* constant : bench.Constants()) constant->Observe(*this);
 }
 
-ConstantsGrid::~ConstantsGrid() = default;
+ConstantsGrid::~ConstantsGrid() {
+  for (Constant* constant : bench_.Constants()) constant->Unobserve(*this);
+}
 
 bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
   if (IsEnter(*event) && table_.currentRow() >= 0) {
@@ -228,11 +231,10 @@ void ConstantsGrid::ShowUnitsIfRoom() {
   if (!hide) table_.setColumnWidth(ValueColumn, values_);
 }
 
-void ConstantsGrid::ShowConstant(const std::string& name) {
+void ConstantsGrid::ConstantChanged(const Constant& constant) {
   const auto& constants = bench_.Constants();
-  for (std::size_t row = 0; row < constants.size(); ++row) {
-    if (constants[row]->Name() == name) ShowValue(static_cast<int>(row));
-  }
+  const auto row = std::find(constants.begin(), constants.end(), &constant) - constants.begin();
+  ShowValue(static_cast<int>(row));
 }
 
 void ConstantsGrid::ShowValue(int row) {

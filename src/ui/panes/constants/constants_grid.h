@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/bench.h"
+#include "core/constant.h"
 
 namespace torvane {
 
@@ -15,7 +16,7 @@ class TZelAdjustF;
 /// unit, in the order of registration. An edited value goes to the constant, which limits or
 /// refuses it; the cell then shows what the constant has. A double click or Enter opens the
 /// constant's own window, one a constant. The selected value turns like a knob (ValueKnob).
-class ConstantsGrid : public QObject {
+class ConstantsGrid : public QObject, private ConstantObserver {
  public:
   /// The grid belongs to the table; the bench must outlive it.
   ConstantsGrid(QTableWidget& table, ZelBenchTop& bench);
@@ -25,13 +26,13 @@ class ConstantsGrid : public QObject {
   static constexpr int ValueColumn = 1;
   static constexpr int UnitColumn = 2;
 
-  void ShowConstant(const std::string& name);
   void HideDialogs();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void ConstantChanged(const Constant& constant) override;
   void Fill();
   void ShowValue(int row);
   void ShowUnitsIfRoom();

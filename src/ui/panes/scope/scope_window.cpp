@@ -8,8 +8,8 @@
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
+#include "instruments/generator/wave.h"
 #include "instruments/scope/scope_csv.h"
-#include "library/wave.h"
 #include "plot/scope_colours.h"
 #include "ui/panes/constants/constants_grid.h"
 #include "ui/panes/constants/constants_splitter.h"
@@ -432,10 +432,6 @@ void TZelScopeF::SettingsChanged() {
   ui_->BClearKept->setEnabled(scope_.Kept() != nullptr);
   ShowCursors();
   ShowMath();
-}
-
-void TZelScopeF::ConstantChanged(const std::string& name) {
-  constants_->ShowConstant(name);
 }
 
 void TZelScopeF::closeEvent(QCloseEvent* event) {

@@ -37,7 +37,6 @@ class TZelScopeF : public InstrumentPane {
   void SetLook(const TraceLook& look) override;
   void Redraw() override;
   void SettingsChanged() override;
-  void ConstantChanged(const std::string& name) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
