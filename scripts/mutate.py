@@ -22,13 +22,14 @@ import time
 import faults
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ["core", "library", "instruments", "kit", "models", "cli", "plot", "ui"]
+FOLDERS = ["core", "library", "instruments", "kit", "models", "study", "cli", "plot", "ui"]
 # Whose tests are run after the folder's own when those have noticed nothing.
 USERS = {
     "core": ["models", "cli"],
     "library": ["models", "cli"],
     "instruments": ["models", "cli"],
     "models": ["cli"],
+    "study": ["cli"],
     "plot": ["cli"],
 }
 # Models keep some memory a class for the life of the program: each of their tests has its own.
