@@ -109,7 +109,10 @@ void AddRunCommand(CLI::App& app, Console& console) {
       ->required();
   command->add_option("--record", options->Record, "Signals to record; all without it")
       ->type_name("A,B,...");
-  command->add_option("--out", options->Out, "File to write; standard output without it")
+  command
+      ->add_option("--out", options->Out,
+                   "File to write; standard output without it. Until the end its rows stand in "
+                   "FILE.part, and stay there after an end before time")
       ->type_name("FILE");
   command->callback([options, &console] { Run(*options, console); });
 }

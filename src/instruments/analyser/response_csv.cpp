@@ -165,6 +165,7 @@ ResponseText ReadResponseFile(const std::string& path) {
     return ResponseText{{}, "\"" + path + "\": " + what};
   };
   if (!file.IsOpen()) return fault("cannot be opened");
+  if (file.Size() > MaxFileSize) return fault("too large for a response");
   std::string text;
   std::array<char, PieceSize> piece{};
   for (;;) {
@@ -172,6 +173,9 @@ ResponseText ReadResponseFile(const std::string& path) {
     if (count < 0) return fault("cannot be read");
     if (count == 0) break;
     text.append(piece.data(), static_cast<std::size_t>(count));
+    if (text.find('\0', text.size() - static_cast<std::size_t>(count)) != std::string::npos) {
+      return fault("no plain text");
+    }
     if (text.size() > MaxFileSize) return fault("too large for a response");
   }
   ResponseText response = ParseResponse(text);
