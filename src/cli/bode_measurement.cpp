@@ -26,12 +26,7 @@ void SetUp(ZelXfer& xfer, const BodeOptions& options) {
   setup.TEndDelay = options.EndDelay.value_or(setup.TEndDelay);
   setup.Amplitude = response.Amplitude.value_or(setup.Amplitude);
   setup.Offset = response.Offset.value_or(setup.Offset);
-  const SetupFinding finding = xfer.Check(setup);
-  if (finding.What == SetupFinding::Kind::Refusal) {
-    const std::string fits = finding.WouldFit.empty() ? "" : " (fits: " + finding.WouldFit + ")";
-    throw UsageError(finding.Text + fits);
-  }
-  if (finding.What == SetupFinding::Kind::Warning) Warning(finding.Text);
+  Heed(xfer.Check(setup));
   xfer.Apply(setup);
   if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
   ApplyOptions(xfer, response);

@@ -75,6 +75,14 @@ FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
   return analyser;
 }
 
+void Heed(const SetupFinding& finding) {
+  if (finding.What == SetupFinding::Kind::Refusal) {
+    const std::string fits = finding.WouldFit.empty() ? "" : " (fits: " + finding.WouldFit + ")";
+    throw UsageError(finding.Text + fits);
+  }
+  if (finding.What == SetupFinding::Kind::Warning) Warning(finding.Text);
+}
+
 void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options) {
   if (options.Average) analyser.SetAverages(*options.Average);
   if (options.Margins && analyser.OutputOnly()) {

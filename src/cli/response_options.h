@@ -41,6 +41,9 @@ void CheckChannels(const ResponseOptions& options);
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options);
 
+/// What is to be said of a set-up: a refusal is wrong usage, a warning is reported.
+void Heed(const SetupFinding& finding);
+
 /// Puts the options that both analysers take in force and reports what makes the measurement less
 /// trustworthy.
 void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options);

@@ -12,7 +12,7 @@ namespace torvane {
 /// stays small enough that no limit is met.
 struct Sweep {
   double To = 1000.0;
-  double TSample = 2e-5;
+  double TSample = 1e-5;
   double SettleTime = 0.1;
   double Amplitude = 10.0;
 };

@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "cli/cli_process.h"
-#include "cli/row_clock.h"
 #include "models/catalogue.h"
 
 namespace torvane::test {
@@ -69,30 +68,6 @@ TEST(Repeat, EveryModelsFirstSecondToTheBitInANewProcess) {
     EXPECT_TRUE(std::any_of(table.Columns.begin() + 1, table.Columns.end(), [](const auto& signal) {
       return signal.front() != signal.back();
     })) << model;
-  }
-}
-
-// The quotient of a multiple and the interval may round to either side of the whole number: no
-// multiple may be skipped and none may come twice, also where a sum of steps stops just short.
-TEST(NextRowTime, VisitsEveryMultipleOnce) {
-  using cli::NextRowTime;
-  for (const double every : {0.1, 0.0004, 1e-5, 1.0 / 3.0, 7.3e-7, 1000.0}) {
-    for (const double tolerance : {0.0, 1e-9}) {
-      double time = 0.0;
-      for (int k = 1; k <= 20000; ++k) {
-        const double due = NextRowTime(time, every, tolerance);
-        ASSERT_EQ(due, k * every - tolerance) << k;
-        const double before = std::nextafter(due - 0.5 * tolerance, 0.0);
-        ASSERT_EQ(NextRowTime(before, every, tolerance), due) << k;
-        time = due + 0.5 * tolerance;
-      }
-    }
-  }
-  // Multiples too close to tell apart are due at once.
-  for (const double every : {1e-30, 5e-324}) {
-    EXPECT_EQ(NextRowTime(0.5, every, 0.0), std::nextafter(0.5, 1.0));
-    EXPECT_GT(NextRowTime(0.5, every, 1e-11), 0.5);
-    EXPECT_GT(NextRowTime(0.0, every, 0.0), 0.0);
   }
 }
 

@@ -39,7 +39,9 @@ TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
     Step(0.0, 0.0);
     EXPECT_EQ(Xfer.SampleCount(), 0);
     EXPECT_EQ(Xfer.Excitation(Model.Bench().Time()), 5.0);
-    EXPECT_EQ(Xfer.NextTime(), 10.0 + (i + 1) * Period);
+    // Asked for a little early, so that no rounding moves the sample to the next step.
+    const double early = 10.0 + (i + 1) * Period - Xfer.NextTime();
+    EXPECT_TRUE(early > 0.0 && early < Model.Solver().Step());
   }
   RandomSequence sequence;
   double before = 5.0;
@@ -51,7 +53,7 @@ TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
     // The first four samples excite, and the model sees it half a sample later.
     const double drawn = n < 4 ? sequence.Uniform(1.0, 5.0) : 5.0;
     EXPECT_EQ(Xfer.Excitation(instant), before) << n;
-    EXPECT_EQ(Xfer.Excitation(instant + 0.4999 * Period), before) << n;
+    EXPECT_EQ(Xfer.Excitation(instant + 0.499 * Period), before) << n;
     EXPECT_EQ(Xfer.Excitation(instant + 0.5 * Period), drawn) << n;
     before = drawn;
   }

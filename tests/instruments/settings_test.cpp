@@ -55,8 +55,8 @@ struct Instruments : UndoItems {
   }
 
   std::string Caption;
-  ZelBenchTop Bench;
-  TimeVariable Time{Bench, "Time", "sec", {.Scale = 40.0}};
+  test::BareModel Model{1e-3, {.Scale = 40.0}};
+  ZelBenchTop& Bench = Model.Bench();
   Variable In{Bench, "In", "", {.Shown = true}};
   Variable Out{Bench, "Out", ""};
   Variable Inside{Bench, "Inside", "", {}, Visibility::Internal};

@@ -3,13 +3,13 @@
 #include <cmath>
 #include <deque>
 
-#include "core/bench.h"
 #include "core/files/record.h"
 #include "instruments/fft/fft_analyser.h"
 #include "plot/drawing.h"
 #include "plot/picture.h"
 #include "plot/plane_painter.h"
 #include "plot/response_painter.h"
+#include "support/bare_model.h"
 
 namespace torvane {
 namespace {
@@ -75,7 +75,8 @@ struct Responses {
                         {ResponseQuantity::Phase, 180.0, -180.0, -120.0, "60"}});
   }
 
-  ZelBenchTop Bench;
+  test::BareModel Model;
+  ZelBenchTop& Bench = Model.Bench();
   Variable In{Bench, "In", "volts"};
   Variable Out{Bench, "Out", ""};
   ZelXfer Xfer{Bench, 8};

@@ -10,7 +10,8 @@ namespace torvane::test {
 /// and says what an evaluation does.
 class BareModel final : public ZelModel {
  public:
-  explicit BareModel(double step = 1e-3) : ZelModel("Bare", step) {}
+  explicit BareModel(double step = 1e-3, const DisplayDefaults& time = {})
+      : ZelModel("Bare", step), time_(Bench(), "Time", "sec", time) {}
 
   void Derivatives(double t) override {
     if (Loop) Loop(t);
@@ -25,7 +26,7 @@ class BareModel final : public ZelModel {
   std::function<void(double t)> Loop;
 
  private:
-  TimeVariable time_{Bench(), "Time", "sec", {}};
+  TimeVariable time_;
 };
 
 }  // namespace torvane::test

@@ -7,14 +7,11 @@
 #include "cli/model_options.h"
 #include "cli/number_options.h"
 #include "cli/result_file.h"
-#include "cli/row_clock.h"
 #include "core/csv.h"
+#include "instruments/step_clock.h"
 
 namespace torvane::cli {
 namespace {
-
-// How near to an instant, as a share of a step, the time counts as there.
-constexpr double StepShare = 1e-6;
 
 struct RunOptions {
   ModelOptions Model;
@@ -68,16 +65,16 @@ class Recording {
   std::vector<double> row_;
 };
 
+// A row goes to the step nearest to its multiple, and none comes twice.
 void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
   LongRun run(model, console, options.Until,
               Console::CanShowProgress(recording.File().IsStandardOutput()));
-  recording.WriteRow();
-  const double tolerance = StepShare * model.Solver().Step();
-  const double end = options.Until - tolerance;
-  while (run.Time() < end) {
-    const double due = NextRowTime(run.Time(), options.Every, tolerance);
-    run.StepTo(std::min(due, end));
-    if (run.Time() >= due) recording.WriteRow();
+  StepClock clock(StepClock::Nearest);
+  clock.Start(run.Time(), model.Solver().Step());
+  while (true) {
+    if (clock.TakeDue(run.Time(), options.Every)) recording.WriteRow();
+    if (clock.Reached(options.Until)) break;
+    run.StepTo(std::min(clock.Request(), clock.RequestAt(options.Until)));
   }
   recording.File().Close();
 }

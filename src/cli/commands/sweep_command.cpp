@@ -31,17 +31,18 @@ void SetUp(ZelSweptDSA& analyser, const SweepOptions& options) {
     throw UsageError("--from must be below --to: " + FormatShortest(from) + " is not below " +
                      FormatShortest(to));
   }
-  analyser.SetStartFreq(from);
-  analyser.SetEndFreq(to);
-  analyser.ApplySweepRange();
-  if (options.PerDecade) analyser.SetStepsPerDecade(*options.PerDecade);
-  if (options.Settle) analyser.SetSettleTime(*options.Settle);
-  if (options.Measure) analyser.SetMeasurementTime(*options.Measure);
-  if (response.TSample) analyser.SetTSample(*response.TSample);
-  if (response.Amplitude) analyser.SetAmplitude(*response.Amplitude);
-  if (response.Offset) analyser.SetOffset(*response.Offset);
+  SweepSetup setup = analyser.Setup();
+  setup.StartFreq = from;
+  setup.EndFreq = to;
+  setup.StepsPerDecade = options.PerDecade.value_or(setup.StepsPerDecade);
+  setup.SettleTime = options.Settle.value_or(setup.SettleTime);
+  setup.MeasurementTime = options.Measure.value_or(setup.MeasurementTime);
+  setup.TSample = response.TSample.value_or(setup.TSample);
+  setup.Amplitude = response.Amplitude.value_or(setup.Amplitude);
+  setup.Offset = response.Offset.value_or(setup.Offset);
+  Heed(analyser.Check(setup));
+  analyser.Apply(setup);
   ApplyOptions(analyser, response);
-  analyser.CheckPlan();
 }
 
 // One sweep, from Run to its last point. No other instrument asks for times.

@@ -9,6 +9,7 @@
 #include "core/messages.h"
 #include "core/overflow.h"
 #include "core/scale_steps.h"
+#include "core/solver.h"
 
 namespace torvane {
 
@@ -70,10 +71,15 @@ void ZelXfer::Restart() {
 
 void ZelXfer::Arm() {
   state_ = State::Armed;
-  clock_.SetNext(bench_.Time());
-  startDelayEnd_ = clock_.Next() + tStartDelay_;
-  excitationEnd_ = RecordTime() + startDelayEnd_ - tEndDelay_;
+  clock_.Start(bench_.Time(), bench_.Solver()->Step());
+  HoldPrevious();
+  startDelayEnd_ = tStartDelay_;
+  excitationEnd_ = startDelayEnd_ + RecordTime() - tEndDelay_;
   Changed();
+}
+
+void ZelXfer::HoldPrevious() {
+  switchTime_ = previousInstant_ + clock_.Span(0.5 * tSample_);
 }
 
 void ZelXfer::BeginMeasurement() {
@@ -107,7 +113,7 @@ bool ZelXfer::Service(double t) {
   }
   if (sampleCount_ >= Length()) {
     Error("Xfer:  Sampling too many points");
-  } else if (t < startDelayEnd_) {
+  } else if (!clock_.Reached(startDelayEnd_)) {
     excitation_ = offset_;
     sequence_.Restart();
   } else {
@@ -121,7 +127,8 @@ void ZelXfer::TakeSample(double t) {
   CheckSignals(bench_, std::numeric_limits<float>::max() / static_cast<float>(Length()));
   previousExcitation_ = excitation_;
   previousInstant_ = t;
-  if (t >= excitationEnd_) {
+  HoldPrevious();
+  if (clock_.Reached(excitationEnd_)) {
     excitation_ = offset_;
   } else {
     excitation_ =

@@ -9,7 +9,7 @@
 #include "instruments/fft/fft.h"
 #include "instruments/fft/fft_channel.h"
 #include "instruments/fft/fft_setup.h"
-#include "instruments/sample_clock.h"
+#include "instruments/step_clock.h"
 
 namespace torvane {
 
@@ -37,7 +37,7 @@ class ZelXfer final : public FrequencyAnalyser {
   /// What the model adds to its command: a new value reaches it half a sample period after the
   /// sample at which it was drawn.
   double Excitation(double now) const override {
-    return now < previousInstant_ + 0.5 * tSample_ ? previousExcitation_ : excitation_;
+    return now < switchTime_ ? previousExcitation_ : excitation_;
   }
 
   void Run() override;
@@ -116,6 +116,7 @@ class ZelXfer final : public FrequencyAnalyser {
   void BeginRecord();
   void FitEndDelay();
   void TakeSample(double t);
+  void HoldPrevious();
   void CompleteRecord();
   void CompleteMeasurement();
   void TakeMeasurement();
@@ -139,7 +140,8 @@ class ZelXfer final : public FrequencyAnalyser {
   std::optional<FileEndDelay> fileEndDelay_;  // while a file is read that has not ended yet
 
   State state_ = State::Halted;
-  SampleClock clock_;
+  StepClock clock_;
+  // Seconds after the clock's start.
   double startDelayEnd_ = 0.0;
   double excitationEnd_ = 0.0;
   int sampleCount_ = 0;
@@ -152,6 +154,7 @@ class ZelXfer final : public FrequencyAnalyser {
   // Nothing was drawn before the program's first sample: a first record that starts at time 0
   // excites with 0 for half a sample before it rests at the offset.
   double previousInstant_ = 0.0;
+  double switchTime_ = 0.0;  ///< from which on the model sees the present excitation
   RandomSequence sequence_;
   SmoothingFilter filter_;
 

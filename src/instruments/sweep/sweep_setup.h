@@ -22,17 +22,20 @@ struct SweepSetup {
 /// The frequency that a sweep measures next.
 double NextSweepFrequency(const SweepSetup& setup, double hz);
 
-/// What a sweep takes: how many points, no more than `most` + 1, and how long.
+/// What a sweep takes: how many points, no more than `most` + 1, how long, and up to where.
 struct SweepPlan {
   int Points = 0;
   double Seconds = 0.0;
+  double LastHz = 0.0;
 };
 SweepPlan PlanSweep(const SweepSetup& setup, int most);
 
-/// What a sweep is refused with that has more points than there is room for.
-std::string TooManyPoints(int most);
+/// Why the range and the sample time of the set-up make no sweep, if they do not: more points than
+/// there is room for, or too few ticks in a period.
+SetupFinding CheckPlan(const SweepSetup& setup, int mostPoints);
 
-/// The first thing to be said of the set-up, for an analyser with room for so many points.
-SetupFinding CheckSetup(const SweepSetup& setup, int mostPoints);
+/// The first thing to be said of the set-up, for an analyser with room for so many points on a
+/// model whose solver makes steps of the given length.
+SetupFinding CheckSetup(const SweepSetup& setup, int mostPoints, double solverStep);
 
 }  // namespace torvane

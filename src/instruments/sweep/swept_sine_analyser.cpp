@@ -7,6 +7,8 @@
 
 #include "core/angle.h"
 #include "core/messages.h"
+#include "core/solver.h"
+#include "instruments/analyser/refusal.h"
 #include "instruments/analyser/response_reading.h"
 #include "instruments/whole_periods.h"
 
@@ -28,14 +30,14 @@ ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
 }
 
 void ZelSweptDSA::Run() {
-  if (!CheckPlan()) {
+  if (IsRefused(CheckPlan(PlottedSetup(), Capacity))) {
     Halt();
     return;
   }
   pointsExpected_ = ExpectedPlan().Points;
   running_ = true;
   state_ = State::Start;
-  clock_.SetNext(bench_.Time());
+  clock_.Start(bench_.Time(), bench_.Solver()->Step());
   Changed();
 }
 
@@ -71,15 +73,15 @@ bool ZelSweptDSA::Service(double t) {
   if (!InProgress() || !clock_.TakeDue(t, tSample_)) return true;
   if (state_ == State::Start) {
     BeginSweep();
-    BeginPoint(t);
+    BeginPoint();
   } else if (state_ == State::Advance) {
     StepFrequency(t);
-    BeginPoint(t);
+    BeginPoint();
   }
   excitation_ = std::sin(TwoPi * f_ * t + phase_) * amplitude_ + offset_;
-  if (t >= settleEnd_) {
+  if (clock_.Reached(settleEnd_)) {
     for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
-    if (t >= measurementEnd_) CompletePoint();
+    if (clock_.Reached(measurementEnd_)) CompletePoint();
   }
   return true;
 }
@@ -100,9 +102,9 @@ void ZelSweptDSA::StepFrequency(double t) {
   phase_ -= TwoPi * f_ * t;
 }
 
-void ZelSweptDSA::BeginPoint(double t) {
+void ZelSweptDSA::BeginPoint() {
   state_ = State::Measuring;
-  settleEnd_ = t + settleTime_;
+  settleEnd_ = clock_.Elapsed() + settleTime_;
   measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
   windows_ = 0;
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "instruments/analyser/analyser.h"
-#include "instruments/sample_clock.h"
+#include "instruments/step_clock.h"
 #include "instruments/sweep/sweep_setup.h"
 #include "instruments/sweep/swept_sine_channel.h"
 
@@ -36,14 +36,13 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// What the model adds to its command; 0 unless a sweep is in progress.
   double Excitation(double /*now*/) const override { return excitation_; }
 
-  /// Refuses, after a report, a sweep of more points than there is room for.
+  /// Refuses, after a report, a sweep that has more points than there is room for or goes beyond
+  /// half the sample rate.
   void Run() override;
   void Halt() override;
 
   /// What a sweep takes with the present settings; Capacity + 1 points when there is no room.
   SweepPlan ExpectedPlan() const;
-  /// Whether there is room for the points; reports it when there is not.
-  bool CheckPlan() const;
   double Progress() const override;
   /// Points of the sweep in progress, or of the last one.
   int PointsExpected() const { return pointsExpected_; }
@@ -103,9 +102,10 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   bool StoreSlot(int slot) override;
 
  private:
+  SweepSetup PlottedSetup() const;
   bool InProgress() const;
   void BeginSweep();
-  void BeginPoint(double t);
+  void BeginPoint();
   void StepFrequency(double t);
   void CompletePoint();
   void Finish(State state);
@@ -123,7 +123,8 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double f_ = 0.0;
   int pointIndex_ = 0;
   int pointsExpected_ = 0;
-  SampleClock clock_;
+  StepClock clock_;
+  // Seconds after the clock's start.
   double settleEnd_ = 0.0;
   double measurementEnd_ = 0.0;
   int windows_ = 0;  ///< windows of the point that are whole

@@ -3,6 +3,7 @@
 
 #include "core/messages.h"
 #include "core/numeric.h"
+#include "core/solver.h"
 #include "instruments/analyser/refusal.h"
 #include "instruments/setting_limits.h"
 #include "instruments/sweep/swept_sine_analyser.h"
@@ -65,7 +66,7 @@ SweepSetup ZelSweptDSA::Setup() const {
 
 SetupFinding ZelSweptDSA::Check(const SweepSetup& setup) const {
   if (!CanAverage(setup.Averages)) return AveragesRefusal();
-  return CheckSetup(setup, Capacity);
+  return CheckSetup(setup, Capacity, bench_.Solver()->Step());
 }
 
 bool ZelSweptDSA::Apply(const SweepSetup& setup) {
@@ -87,18 +88,17 @@ bool ZelSweptDSA::Apply(const SweepSetup& setup) {
   return true;
 }
 
-// Of what is swept now, the plot's range.
-SweepPlan ZelSweptDSA::ExpectedPlan() const {
+// What is swept now is the plot's range, with a tick a step at most.
+SweepSetup ZelSweptDSA::PlottedSetup() const {
   SweepSetup setup = Setup();
   setup.StartFreq = FreqMin();
   setup.EndFreq = FreqMax();
-  return PlanSweep(setup, Capacity);
+  setup.TSample = std::max(setup.TSample, bench_.Solver()->Step());
+  return setup;
 }
 
-bool ZelSweptDSA::CheckPlan() const {
-  if (ExpectedPlan().Points <= Capacity) return true;
-  Error(TooManyPoints(Capacity));
-  return false;
+SweepPlan ZelSweptDSA::ExpectedPlan() const {
+  return PlanSweep(PlottedSetup(), Capacity);
 }
 
 void ZelSweptDSA::ApplySweepRange() {
