@@ -5,13 +5,16 @@
 #include "cli/command_error.h"
 #include "cli/number_options.h"
 #include "core/csv.h"
+#include "instruments/scope/scope.h"
 
 namespace torvane::cli {
 namespace {
 
 StepOptions Step(const MeasureOptions& options) {
   const ResponseOptions& response = options.Bode.Response;
-  return {response.Input, response.Output, options.Until};
+  std::optional<double> window = options.Window;
+  if (options.TimeBase) window = *options.TimeBase * ZelScope::HorizontalDivisions;
+  return {response.Input, response.Output, options.Until, window};
 }
 
 }  // namespace
@@ -23,7 +26,13 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
   command.add_option("--response", bode.Response.Output, "Signal that follows it")
       ->type_name("SIGNAL");
   AddNumber(command, "--until", options.Until, NumberRange::Positive,
-            "Simulated time of a run, seconds; the scope's last complete screen is measured");
+            "End so long after the step at the latest, seconds; 10 s without it");
+  CLI::Option* const window =
+      AddNumber(command, "--window", options.Window, NumberRange::Positive,
+                "Measure so long after the step, seconds; until the response stands without it");
+  AddNumber(command, "--time-base", options.TimeBase, NumberRange::Positive,
+            "The same as ten divisions of the scope, seconds a division")
+      ->excludes(window);
   CLI::Option* const withBode =
       command.add_flag("--bode", options.WithBode,
                        "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
@@ -54,7 +63,6 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   const ResponseOptions& response = options.Bode.Response;
   if (response.Input.empty()) throw UsageError("--command is required");
   if (response.Output.empty()) throw UsageError("--response is required");
-  if (!(options.Until > 0.0)) throw UsageError("--until is required");
   CheckStep(model, Step(options));
   if (options.WithBode) CheckLoop(model, options.Bode, console);
 }
@@ -62,7 +70,7 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
 RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
                        bool showProgress) {
   MeasuredStep step = MeasureStep(make, Step(options), console, showProgress);
-  RunMeasures measures{std::move(step.Fields), std::move(step.Screen)};
+  RunMeasures measures{std::move(step.Fields), std::move(step.Reason), std::move(step.Run)};
   if (options.WithBode) {
     Append(measures.Fields, MeasureLoop(make, options.Bode, console, showProgress));
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,14 +9,16 @@
 
 namespace torvane::cli {
 
-/// What is measured of a run: how a signal follows a step of another on the last screen of the
-/// scope and, if asked for, the frequency response between them.
+/// What is measured of a run: how a signal follows one step of another and, if asked for, the
+/// frequency response between them.
 struct MeasureOptions {
   /// MODEL, the two signals (Input is the command, Output the response) and how the frequency
   /// response is measured.
   BodeOptions Bode;
   bool WithBode = false;
-  double Until = 0.0;
+  std::optional<double> Until;
+  std::optional<double> Window;
+  std::optional<double> TimeBase;
 };
 
 /// All but MODEL.
@@ -27,19 +30,20 @@ std::vector<std::string> MeasureCaptions(const MeasureOptions& options);
 /// The unit of such a field.
 std::string MeasureUnit(const std::string& caption);
 
-/// Wrong usage if the options do not fit the model, which is set up for a measurement: its scope is
-/// there, the signals are, and the analyser takes its settings.
+/// Wrong usage if the options do not fit the model, which is set up for a measurement: the signals
+/// are there, and the analyser takes its settings.
 void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console);
 
 /// What came of a run.
 struct RunMeasures {
   std::vector<std::string> Fields;  ///< by caption; one that cannot be measured is empty
-  ScopeScreen Screen;               ///< that the step was measured on
+  std::string Reason;               ///< of an empty field of the step
+  StepRun Step;
 };
 
 /// Measures as a process would that runs nothing else, whatever ran in this one: each part in a
-/// model of its own whose class has seen none. An overflow, or a screen or record that is not
-/// whole, is a CommandError of ExitCode::Stopped.
+/// model of its own whose class has seen none. An overflow, or a record that is not whole,
+/// is a CommandError of ExitCode::Stopped.
 RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
                        bool showProgress);
 

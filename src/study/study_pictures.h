@@ -9,7 +9,7 @@ namespace torvane {
 
 /// The response of one run of a study, in display units.
 struct StudyTrace {
-  std::vector<float> Times;  ///< since the event that the screen began with
+  std::vector<float> Times;  ///< since just before the step
   std::vector<float> Values;
 };
 

@@ -6,7 +6,10 @@
 #include <functional>
 #include <limits>
 #include <numbers>
+#include <utility>
 #include <vector>
+
+#include "instruments/scope/step_measures.h"
 
 namespace torvane {
 namespace {
@@ -29,53 +32,92 @@ Screen StepOf(const std::function<double(double)>& unit) {
   return screen;
 }
 
-std::optional<StepMeasures> Measured(const Screen& s) {
-  return MeasureStep(s.Times, s.Command, s.Response);
+StepMeasures Measured(const Screen& s) {
+  const auto step = FindStep(s.Command);
+  if (!step) return StepMeasures::Without(StepGap::NoStep);
+  return MeasureStep({s.Times, s.Command, s.Response}, *step, {s.Times[step->Before + 1]});
 }
 
 // Linear interpolation over points 50 us apart is off by h^2 / 8 times the curvature: below a
 // microsecond for these time constants.
 constexpr double Interpolation = 1e-6;
 
-TEST(ScreenMeasures, AStepOfFirstOrderHasItsClosedForm) {
+TEST(StepMeasures, AStepOfFirstOrderHasItsClosedForm) {
   constexpr double tau = 1e-3;
   const auto m = Measured(StepOf([](double t) { return 1.0 - std::exp(-t / tau); }));
-  ASSERT_TRUE(m);
-  EXPECT_NEAR(m->RiseTime, tau * std::log(9.0), Interpolation);
-  EXPECT_NEAR(m->SettlingTime, tau * std::log(50.0), Interpolation);
-  EXPECT_NEAR(m->Delay, tau * std::log(2.0), Interpolation);
-  EXPECT_NEAR(m->OvershootPercent, 0.0, 1e-3);  // the final value is a mean of points still rising
+  EXPECT_EQ(m.Gap(), StepGap::None);
+  EXPECT_NEAR(m.Rise.Value, tau * std::log(9.0), Interpolation);
+  EXPECT_NEAR(m.Settling.Value, tau * std::log(50.0), Interpolation);
+  EXPECT_NEAR(m.Delay.Value, tau * std::log(2.0), Interpolation);
+  EXPECT_NEAR(m.Overshoot.Value, 0.0, 1e-3);  // the final value is a mean of points still rising
 }
 
-TEST(ScreenMeasures, AStepOfSecondOrderOvershootsByItsDampingAlone) {
+TEST(StepMeasures, AStepOfSecondOrderOvershootsByItsDampingAlone) {
   constexpr double zeta = 0.4;
   const double wd = 2500.0 * std::sqrt(1.0 - zeta * zeta);
   const auto m = Measured(StepOf([&](double t) {
     return 1.0 - std::exp(-zeta * 2500.0 * t) *
                      (std::cos(wd * t) + zeta * 2500.0 / wd * std::sin(wd * t));
   }));
-  ASSERT_TRUE(m);
   const double peak = std::exp(-std::numbers::pi * zeta / std::sqrt(1.0 - zeta * zeta));
-  EXPECT_NEAR(m->OvershootPercent, 100.0 * peak, 0.1);  // the peak may fall between two points
-  EXPECT_GT(m->SettlingTime, m->RiseTime);
+  EXPECT_NEAR(m.Overshoot.Value, 100.0 * peak, 0.01);  // the parabola's error
+  EXPECT_GT(m.Settling.Value, m.Rise.Value);
 }
 
-TEST(ScreenMeasures, WhatHasNoStepToMeasureGivesNothing) {
-  Screen good = StepOf([](double t) { return 1.0 - std::exp(-t / 1e-3); });
+// A response that comes back slowly from its overshoot is measured against the command only if it
+// can have the command's value; where it stops short of it is where it settles.
+TEST(StepMeasures, AnUnsettledResponseEndsAtTheCommandItFollows) {
+  Screen s =
+      StepOf([](double t) { return 1.0 - std::exp(-t / 1e-3) + 40.0 * t * std::exp(-t / 8e-3); });
+  for (double& command : s.Command) command = command < 0.0 ? -3.0 : 1.0;
+  const auto step = FindStep(s.Command);
+  const auto measured = [&](bool sameUnit) {
+    return MeasureStep({s.Times, s.Command, s.Response, sameUnit}, *step, {1000.002});
+  };
+  EXPECT_EQ(measured(false).Gap(), StepGap::NotSettled);
+  EXPECT_NEAR(measured(true).Overshoot.Value, 11.74, 0.01);  // 40 * 8e-3 / e - exp(-8)
+  EXPECT_EQ(measured(true).Settling.Gap, StepGap::NotSettled);
+  for (double& value : s.Response) value += 0.05 * (value + 3.0);
+  EXPECT_EQ(measured(true).Gap(), StepGap::NotSettled);
+}
+
+TEST(StepMeasures, WhatCannotBeMeasuredSaysWhy) {
+  const Screen good = StepOf([](double t) { return 1.0 - std::exp(-t / 1e-3); });
   Screen flatCommand = good;
   flatCommand.Command.assign(401, 1.0);
   Screen ramp = good;
   for (int i = 0; i <= 400; ++i) ramp.Command[static_cast<std::size_t>(i)] = i;
   Screen still = good;
   still.Response.assign(401, 2.0);
-  const Screen slow = StepOf([](double t) { return 1.0 - std::exp(-t / 1e-2); });
-  const Screen ringing = StepOf([](double t) { return 1.0 + 0.3 * std::sin(5000.0 * t); });
   Screen broken = good;
   broken.Response[390 - 40] = std::numeric_limits<double>::infinity();
-  for (const Screen& s : {flatCommand, ramp, still, slow, ringing, broken}) {
-    EXPECT_FALSE(Measured(s));
+  Screen late = good;
+  for (std::size_t i = 0; i < 350; ++i) late.Command[i] = -1.0;
+  const std::vector<std::pair<Screen, StepGap>> cases{
+      {flatCommand, StepGap::NoStep},
+      {ramp, StepGap::NoStep},
+      {{}, StepGap::NoStep},
+      {late, StepGap::FewPoints},
+      {still, StepGap::Still},
+      {broken, StepGap::NotFinite},
+      {StepOf([](double t) { return 1.0 - std::exp(-t / 1e-2); }), StepGap::NotSettled},
+      {StepOf([](double t) { return 1.0 + 0.3 * std::sin(5000.0 * t); }), StepGap::NotSettled},
+      {StepOf([](double t) { return 2e3 * t * std::exp(-t / 5e-4); }), StepGap::Returns},
+      {StepOf([](double t) { return 1.0 - (1.0 + 8e3 * t) * std::exp(-t / 1e-3); }),
+       StepGap::OtherWay},
+      {StepOf([](double t) { return 1.0 + std::exp(-t / 1e-4); }), StepGap::Coarse}};
+  for (std::size_t k = 0; k < cases.size(); ++k) {
+    EXPECT_EQ(Measured(cases[k].first).Gap(), cases[k].second) << k;
   }
-  EXPECT_FALSE(MeasureStep({}, {}, {}));
+}
+
+TEST(StepMeasures, FiguresHaveTheDigitsThatAreKnown) {
+  EXPECT_EQ((StepFigure{0.00314159, 1e-6}).Text(), "0.003142");
+  EXPECT_EQ((StepFigure{0.00314159, 2.5e-5}).Text(), "0.0031");
+  EXPECT_EQ((StepFigure{20.679, 0.01}).Text(), "20.68");
+  EXPECT_EQ((StepFigure{4e-6, 1e-5}).Text(), "0");
+  EXPECT_EQ((StepFigure{9.9999, 0.01}).Text(), "10");
+  EXPECT_EQ((StepFigure{1.0, 0.1, StepGap::Coarse}).Text(), "");
 }
 
 TEST(ScreenMeasures, ATraceIsMeasuredByItsFiniteValues) {

@@ -51,6 +51,29 @@ TEST(Wave, NineWaveforms) {
         {1, 1.1816901138, 2, 3, 3, 3, 2.8183098862, 1.1816901138, 1, 1}, EightDigitPi);
 }
 
+// Between two times that hold one edge and no more; what was set before a change is forgotten.
+TEST(Wave, TellsWhenItJumps) {
+  test::BareModel model;
+  ZelWave wave(model.Bench(), "Source", {static_cast<int>(Waveform::Square), 2.0, 1.0, 0.0, 90.0});
+  const auto jumps = [&](Waveform waveform, double from, double to) {
+    wave.SetWaveform(static_cast<int>(waveform));
+    return wave.JumpIn(from, to).value_or(-1.0);
+  };
+  EXPECT_DOUBLE_EQ(jumps(Waveform::Square, 3.1, 3.2), 3.125);  // a quarter of a period early
+  EXPECT_DOUBLE_EQ(jumps(Waveform::Square, -0.2, -0.1), -0.125);
+  EXPECT_EQ(jumps(Waveform::Square, 3.0, 3.1), -1.0);
+  EXPECT_EQ(jumps(Waveform::Square, 3.0, 3.4), -1.0);
+  EXPECT_DOUBLE_EQ(jumps(Waveform::Sawtooth, 3.2, 3.4), 3.375);
+  EXPECT_DOUBLE_EQ(jumps(Waveform::BipolarPulse, 3.4, 3.6), 3.5);
+  EXPECT_EQ(jumps(Waveform::Sine, 0.0, 0.4), -1.0);
+  wave.SetDutyCycle(20.0);
+  EXPECT_DOUBLE_EQ(jumps(Waveform::Pulse, 3.4, 3.6), 3.475);
+  wave.AtTime(3.45);
+  wave.SetPhaseDeg(0.0);
+  EXPECT_EQ(jumps(Waveform::Pulse, 3.4, 3.55), -1.0);
+  EXPECT_DOUBLE_EQ(jumps(Waveform::Pulse, 3.45, 3.55), 3.5);
+}
+
 TEST(Wave, DutyCycleAtItsEnds) {
   const std::vector<double> quarters = {0.0, 0.25, 0.5, 0.75};
   Check(Waveform::Pulse, 0.0, quarters, {-1, -1, -1, -1});

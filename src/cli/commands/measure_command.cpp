@@ -5,6 +5,7 @@
 #include "cli/quiet.h"
 #include "cli/result_file.h"
 #include "core/csv.h"
+#include "study/row.h"
 
 namespace torvane::cli {
 namespace {
@@ -17,8 +18,12 @@ void Measure(const MeasureOptions& options, Console& console) {
   // Building the model once has said all that there is to say about the options.
   const Quiet quiet;
   const RunMeasures measures = MeasureRun(make, options, console, Console::CanShowProgress(false));
-  output.Write(CsvLine(MeasureCaptions(options)));
-  output.Write(CsvLine(measures.Fields));
+  std::vector<std::string> captions = MeasureCaptions(options);
+  std::vector<std::string> fields = measures.Fields;
+  captions.emplace_back(ReasonCaption);
+  fields.push_back(measures.Reason);
+  output.Write(CsvLine(captions));
+  output.Write(CsvLine(fields));
   output.Close();
 }
 

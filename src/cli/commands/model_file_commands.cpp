@@ -4,6 +4,7 @@
 #include "cli/commands/commands.h"
 #include "cli/model_file_loading.h"
 #include "cli/model_options.h"
+#include "cli/scope_settings.h"
 #include "core/files/model_file.h"
 
 namespace torvane::cli {
@@ -14,8 +15,14 @@ void Check(const std::string& path, Console& console) {
   if (console.Reports() > 0) throw FileError("");
 }
 
-void Convert(const ModelOptions& options, const std::string& path, Console& console) {
-  const auto model = OpenModel(options, console);
+struct ConvertOptions {
+  ModelOptions Model;
+  ScopeSettings Scope;
+};
+
+void Convert(const ConvertOptions& options, const std::string& path, Console& console) {
+  const auto model = OpenModel(options.Model, console);
+  Apply(model->Bench(), options.Scope);
   if (!SaveModelFile(*model, path)) throw FileError("");
 }
 
@@ -32,9 +39,10 @@ void AddCheckCommand(CLI::App& app, Console& console) {
 void AddConvertCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
       "convert", "Load a model file, or a model as it is at first, and save it as a model file");
-  const auto options = std::make_shared<ModelOptions>();
+  const auto options = std::make_shared<ConvertOptions>();
   const auto path = std::make_shared<std::string>();
-  AddModelOptions(*command, *options);
+  AddModelOptions(*command, options->Model);
+  AddScopeSettings(*command, options->Scope);
   command->add_option("OUT", *path, "Model file to write")->required()->type_name("");
   command->callback([options, path, &console] { Convert(*options, *path, console); });
 }

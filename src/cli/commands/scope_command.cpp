@@ -6,6 +6,7 @@
 #include "cli/pictures.h"
 #include "cli/result_file.h"
 #include "cli/scope_run.h"
+#include "cli/scope_settings.h"
 #include "instruments/scope/scope_csv.h"
 
 namespace torvane::cli {
@@ -13,6 +14,7 @@ namespace {
 
 struct ScopeOptions {
   ModelOptions Model;
+  ScopeSettings Scope;
   double Until = 0.0;
   std::string Out;
   std::string Picture;
@@ -23,6 +25,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   CheckOutputs(options.Out, options.Picture);
   const auto model = OpenModel(options.Model, console);
   ZelScope& scope = FirstScope(model->Bench());
+  Apply(model->Bench(), options.Scope);
   ResultFile file(options.Out);
   const ScopeScreen screen =
       LastCompleteScreen(*model, scope, options.Until, console, Console::CanShowProgress(false));
@@ -39,6 +42,7 @@ void AddScopeCommand(CLI::App& app, Console& console) {
       "scope", "Run a model with its scope and give the last complete screen as CSV");
   const auto options = std::make_shared<ScopeOptions>();
   AddModelOptions(*command, options->Model);
+  AddScopeSettings(*command, options->Scope);
   AddNumber(*command, "--until", options->Until, NumberRange::Positive,
             "Simulated time at which to end, seconds")
       ->required();

@@ -8,7 +8,6 @@
 #include "cli/interrupt.h"
 #include "cli/model_file_loading.h"
 #include "cli/quiet.h"
-#include "cli/scope_run.h"
 #include "cli/study/study_result.h"
 #include "cli/study/study_set_up.h"
 #include "core/messages.h"
@@ -71,7 +70,7 @@ class Study {
   std::string TableToCome() const;
   /// Nothing after an interrupt.
   std::optional<RunResult> Measure(std::size_t run) const;
-  StudyTrace ResponseOf(const RunMeasures& measures) const;
+  static StudyTrace ResponseOf(const StepRun& step);
 
   StudyOptions options_;
   Console& console_;
@@ -131,7 +130,8 @@ std::optional<RunResult> Study::Measure(std::size_t run) const {
     for (std::size_t k = 0; k < measures.Fields.size(); ++k) {
       result.Row.Measures[k] = ParseNumber(measures.Fields[k]);
     }
-    if (Traced()) result.Trace = ResponseOf(measures);
+    if (!measures.Reason.empty()) reasons.push_back(measures.Reason);
+    if (Traced()) result.Trace = ResponseOf(measures.Step);
   } catch (const std::exception& error) {
     reasons.emplace_back(error.what());
   }
@@ -143,22 +143,14 @@ std::optional<RunResult> Study::Measure(std::size_t run) const {
   return result;
 }
 
-// The model that was built to check the options has the same channels.
-StudyTrace Study::ResponseOf(const RunMeasures& measures) const {
-  const ZelScope& scope = FirstScope(first_->Bench());
-  const ScopeScreen& screen = measures.Screen;
-  const double scale = scope.TimeChannel().Signal().Multiplier();
-  const double start = screen.EventTime.value_or(screen.Left);
+// As many points as a scope's screen has.
+StudyTrace Study::ResponseOf(const StepRun& step) {
+  constexpr std::size_t Points = 400;
+  const std::size_t apart = std::max<std::size_t>(1, step.Times.size() / Points);
   StudyTrace trace;
-  for (const double time : screen.Time) {
-    trace.Times.push_back(static_cast<float>(scale * (time - start)));
-  }
-  for (std::size_t k = 0; k < screen.Values.size(); ++k) {
-    const Variable& signal = scope.Channels()[k]->Signal();
-    if (signal.Name() != options_.Measure.Bode.Response.Output) continue;
-    for (const float value : screen.Values[k]) {
-      trace.Values.push_back(static_cast<float>(signal.Multiplier() * value));
-    }
+  for (std::size_t i = 0; i < step.Times.size(); i += apart) {
+    trace.Times.push_back(static_cast<float>(step.Times[i] - step.Times.front()));
+    trace.Values.push_back(static_cast<float>(step.Response[i]));
   }
   return trace;
 }
@@ -205,7 +197,7 @@ void Study::Run() {
   result.Close();
   if (options_.Picture.empty()) return;
   responses.Signal = options_.Measure.Bode.Response.Output;
-  responses.TimeUnit = FirstScope(first_->Bench()).TimeChannel().Signal().Unit();
+  responses.TimeUnit = first_->Bench().TimeVar()->Unit();
   WriteStudyPicture(options_, table, std::move(responses));
 }
 

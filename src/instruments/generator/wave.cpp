@@ -127,6 +127,12 @@ const std::array<WaveNumber, 5>& ZelWave::Numbers() {
   return numbers;
 }
 
+void ZelWave::ForgetComputed() {
+  // A second change comes without a time of its own.
+  if (!std::isnan(computedAt_)) changedAt_ = computedAt_;
+  computedAt_ = std::numeric_limits<double>::quiet_NaN();
+}
+
 std::string ZelWave::Caption(const std::string& setting, const std::string& value) const {
   const std::string what = setting + " = " + value;
   return Name() == "MainWaveGen" ? what : Name() + " " + what;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <string>
 #include <tuple>
 
@@ -81,6 +82,14 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   bool OverflowsAt(double t) const override;
 
+  /// The one time after `from` and up to `to` at which the output jumps; nothing when there is
+  /// none, more than one, or the settings of then are no longer known. An instrument that samples a
+  /// signal sees only between which two samples it jumped.
+  std::optional<double> JumpIn(double from, double to) const;
+  /// The fraction of its cycle at which the output jumps up, or down where it only does so; nothing
+  /// without jumps.
+  std::optional<double> RisingEdge() const;
+
   /// Published outputs, the live values of the two state variables.
   double Output() const { return next_; }
   double DelayedOutput() const { return delayed_; }
@@ -108,7 +117,7 @@ class ZelWave final : public TimeDriven, public Instrument {
   double CurveAt(double x) const;
   void SetNumber(double WaveSettings::*number, double value);
   std::string Caption(const std::string& setting, const std::string& value) const;
-  void ForgetComputed() { computedAt_ = std::numeric_limits<double>::quiet_NaN(); }
+  void ForgetComputed();
 
   WaveSettings settings_;
   double gain_;
@@ -116,6 +125,8 @@ class ZelWave final : public TimeDriven, public Instrument {
   double fraction_ = 1.0;  // of the cycle, at the computed value
   // The time that the computed value stands for; not-a-number asks for a new one.
   double computedAt_ = std::numeric_limits<double>::quiet_NaN();
+  // The last time at which other settings were in force.
+  double changedAt_ = -std::numeric_limits<double>::infinity();
   State next_;
   State delayed_;
   StateVariable nextOnBench_;

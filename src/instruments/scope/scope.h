@@ -63,6 +63,8 @@ class ZelScope final : public Instrument {
 
   const std::vector<std::unique_ptr<SignalChannel>>& Channels() const { return memory_.Channels(); }
   ZelTimeChannel& TimeChannel() const { return memory_.TimeChannel(); }
+  /// What it measures on.
+  const ZelBenchTop& Bench() const { return memory_.Bench(); }
   /// By name, the time channel included; nullptr when there is none.
   ZelChannel* FindChannel(const std::string& name);
   /// Else the first channel; without any channel, the time channel.

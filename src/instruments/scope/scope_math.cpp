@@ -1,10 +1,9 @@
 #include "instruments/scope/scope_math.h"
 
 #include <algorithm>
-#include <array>
-#include <functional>
-#include <iterator>
 
+#include "core/solver.h"
+#include "instruments/generator/wave.h"
 #include "instruments/scope/scope_cursors.h"
 
 namespace torvane {
@@ -34,32 +33,37 @@ std::vector<double> Shown(const ZelChannel& channel, const std::vector<Sample>& 
   return values;
 }
 
-// A signal's trace over the whole screen.
-std::vector<double> Trace(const ZelScope& scope, const ScopeScreen& screen,
-                          const Variable& signal) {
-  for (std::size_t k = 0; k < screen.Values.size(); ++k) {
-    const ZelChannel& channel = *scope.Channels()[k];
-    if (&channel.Signal() == &signal)
-      return Shown(channel, screen.Values[k], {0, screen.Time.size()});
+// When the command jumped between two points. A generator's jump shows at the end of the solver's
+// step that it falls into; without one that tells, the jump was at any of the steps' ends in
+// between.
+JumpTime JumpBetween(const ZelBenchTop& bench, double from, double to) {
+  const double step = bench.Solver() ? bench.Solver()->Step() : 0.0;
+  const double unsure = std::max(0.0, to - from - step);
+  const JumpTime between{to - 0.5 * unsure, unsure, step};
+  std::optional<double> jump;
+  for (const Instrument* instrument : bench.Instruments(InstrumentKind::WaveGenerator)) {
+    const auto* wave = dynamic_cast<const ZelWave*>(instrument);
+    const auto at = wave ? wave->JumpIn(from, to) : std::nullopt;
+    if (at && jump && *at != *jump) return between;
+    if (at) jump = at;
   }
-  return {};
+  if (!jump || !(step > 0.0)) return between;
+  constexpr double Rounding = 1e-9;  // of a step
+  return {std::min(to, from + std::ceil((*jump - from) / step - Rounding) * step), 0.0, step};
+}
+
+StepMeasures MeasureStep(const ZelScope& scope, const StepTraces& traces) {
+  const auto stretch = FindStep(traces.Command);
+  if (!stretch) return StepMeasures::Without(StepGap::NoStep);
+  const double unit = scope.TimeChannel().Signal().Multiplier();
+  const double from = traces.Times[stretch->Before] / unit;
+  const double to = traces.Times[stretch->Before + 1] / unit;
+  const JumpTime jump = JumpBetween(scope.Bench(), from, to);
+  return torvane::MeasureStep(traces, *stretch,
+                              {unit * jump.At, unit * jump.Resolution, unit * jump.SolverStep});
 }
 
 }  // namespace
-
-ResponseMeasures MeasureResponse(const ZelScope& scope, const ScopeScreen& screen,
-                                 const Variable& command, const Variable& response) {
-  const std::vector<double> times =
-      Shown(scope.TimeChannel(), screen.Time, {0, screen.Time.size()});
-  const std::vector<double> wanted = Trace(scope, screen, command);
-  const std::vector<double> is = Trace(scope, screen, response);
-  ResponseMeasures measures;
-  measures.Step = MeasureStep(times, wanted, is);
-  std::vector<double> error;
-  std::transform(wanted.begin(), wanted.end(), is.begin(), std::back_inserter(error), std::minus());
-  if (const auto of = MeasureTrace(error)) measures.RmsError = of->Rms;
-  return measures;
-}
 
 std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
                                            const ScreenPixels& pixels) {
@@ -85,7 +89,9 @@ std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScr
     of.Channel = &channel;
     of.Trace = MeasureTrace(values);
     // A command does not respond to itself.
-    if (&channel != &scope.Trigger().Source()) of.Step = MeasureStep(times, command, values);
+    if (&channel == &scope.Trigger().Source()) continue;
+    const bool sameUnit = channel.Signal().Unit() == scope.Trigger().Source().Signal().Unit();
+    of.Step = MeasureStep(scope, {times, command, values, sameUnit});
   }
   return measures;
 }

@@ -5,6 +5,7 @@
 
 #include "instruments/scope/screen_measures.h"
 #include "instruments/scope/screen_pixels.h"
+#include "instruments/scope/step_measures.h"
 
 namespace torvane {
 
@@ -12,21 +13,12 @@ namespace torvane {
 struct ChannelMeasures {
   const ZelChannel* Channel = nullptr;
   std::optional<TraceMeasures> Trace;
-  std::optional<StepMeasures> Step;  ///< as a response to the trigger's source
+  std::optional<StepMeasures> Step;  ///< as a response to the trigger's source; that has none
 };
-
-/// How one trace of a screen follows another, in display units; what makes no sense is nothing.
-struct ResponseMeasures {
-  std::optional<StepMeasures> Step;
-  std::optional<double> RmsError;  ///< of command less response
-};
-
-/// Measures a signal as the response to another one, over the whole screen.
-ResponseMeasures MeasureResponse(const ZelScope& scope, const ScopeScreen& screen,
-                                 const Variable& command, const Variable& response);
 
 /// Measures each displayed channel, in channel order: over the whole screen or, with two cursors,
-/// from one to the other.
+/// from one to the other. A step counts from its own time, to the solver's step, where a generator
+/// tells when it jumped; else from the middle of the time between the two points.
 std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
                                            const ScreenPixels& pixels);
 

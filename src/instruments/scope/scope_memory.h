@@ -44,6 +44,7 @@ class ScopeMemory {
 
   const std::vector<std::unique_ptr<SignalChannel>>& Channels() const { return channels_; }
   ZelTimeChannel& TimeChannel() const { return *timeChannel_; }
+  const ZelBenchTop& Bench() const { return bench_; }
 
   int ScreenLength() const { return screenLength_; }
   // Of the present sweep.

@@ -122,7 +122,7 @@ constexpr Entry Entries[] = {
      "to the other. Math measures between them."},
     {"SBMath",
      "Shows mean, RMS and extremes of each trace, and overshoot, rise, settling and delay of its "
-     "response to the trigger's source."},
+     "response to the trigger's source; where one cannot be told, why."},
     {"SBScaleDisplay", "Shows the scales and offsets of the traces under the screen."},
     {"BKeep",
      "Keeps the present traces as thin lines behind the live ones, so that two tunings can be "

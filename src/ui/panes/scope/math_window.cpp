@@ -5,7 +5,7 @@
 #include <QLayout>
 #include <QScreen>
 #include <algorithm>
-#include <functional>
+#include <array>
 
 #include "core/text.h"
 
@@ -16,10 +16,16 @@ namespace {
 constexpr int NameWidth = 130;
 constexpr int ColumnWidth = 92;
 
-template <typename Measures, typename Value>
-QString Figure(const std::optional<Measures>& measures, Value value) {
+using TraceFigure = double (*)(const TraceMeasures&);
+
+QString Text(const std::optional<TraceMeasures>& measures, TraceFigure figure) {
   if (!measures) return ReadOutWindow::Unavailable;
-  return QString::fromStdString(FormatGeneral(std::invoke(value, *measures), 4, 1));
+  return QString::fromStdString(FormatGeneral(figure(*measures), 4, 1));
+}
+
+QString Text(const StepFigure& figure) {
+  if (figure.Gap != StepGap::None) return QString::fromLatin1(ShortReason(figure.Gap));
+  return QString::fromStdString(figure.Text());
 }
 
 }  // namespace
@@ -46,25 +52,37 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
     measures.push_back(kept[i]);
   }
   QList<QStringList> rows;
-  const auto row = [&](const QString& name, auto part, auto value) {
-    rows << QStringList{name};
-    for (const ChannelMeasures& of : measures) rows.back() << Figure(of.*part, value);
+  const auto traceRow = [&](const char* name, TraceFigure figure) {
+    rows << QStringList{QLatin1String(name)};
+    for (const ChannelMeasures& of : measures) rows.back() << Text(of.Trace, figure);
   };
-  const auto time = [&](const char* name, auto value) {
-    row(QStringLiteral("%1 (%2)").arg(QLatin1String(name), timeUnit_), &ChannelMeasures::Step,
-        value);
-  };
-  row(QStringLiteral("Mean"), &ChannelMeasures::Trace, &TraceMeasures::Mean);
-  row(QStringLiteral("RMS"), &ChannelMeasures::Trace, &TraceMeasures::Rms);
-  row(QStringLiteral("Minimum"), &ChannelMeasures::Trace, &TraceMeasures::Minimum);
-  row(QStringLiteral("Maximum"), &ChannelMeasures::Trace, &TraceMeasures::Maximum);
-  row(QStringLiteral("Peak to peak"), &ChannelMeasures::Trace, &TraceMeasures::PeakToPeak);
-  row(QStringLiteral("Overshoot (%)"), &ChannelMeasures::Step, &StepMeasures::OvershootPercent);
-  time("Rise", &StepMeasures::RiseTime);
-  time("Settling", &StepMeasures::SettlingTime);
-  time("Delay", &StepMeasures::Delay);
+  traceRow("Mean", [](const TraceMeasures& of) { return of.Mean; });
+  traceRow("RMS", [](const TraceMeasures& of) { return of.Rms; });
+  traceRow("Minimum", [](const TraceMeasures& of) { return of.Minimum; });
+  traceRow("Maximum", [](const TraceMeasures& of) { return of.Maximum; });
+  traceRow("Peak to peak", [](const TraceMeasures& of) { return of.PeakToPeak(); });
+  const auto firstOfStep = static_cast<int>(rows.size());
+  const std::array<const char*, 4> names{"Overshoot", "Rise", "Settling", "Delay"};
+  const std::array parts{&StepMeasures::Overshoot, &StepMeasures::Rise, &StepMeasures::Settling,
+                         &StepMeasures::Delay};
+  for (std::size_t k = 0; k < parts.size(); ++k) {
+    const QString unit = k == 0 ? QStringLiteral("%") : timeUnit_;
+    rows << QStringList{QStringLiteral("%1 (%2)").arg(QLatin1String(names.at(k)), unit)};
+    for (const ChannelMeasures& of : measures) {
+      rows.back() << (of.Step ? Text((*of.Step).*parts.at(k)) : Unavailable);
+    }
+  }
   const bool otherChannels = Table().columnCount() != header.size();
   SetCells(header, rows);
+  for (std::size_t k = 0; k < parts.size(); ++k) {
+    for (std::size_t i = 0; i < measures.size(); ++i) {
+      const auto& step = measures[i].Step;
+      const StepGap gap = step ? ((*step).*parts.at(k)).Gap : StepGap::None;
+      Table()
+          .item(firstOfStep + static_cast<int>(k), static_cast<int>(i) + 1)
+          ->setToolTip(QString::fromLatin1(Reason(gap)));
+    }
+  }
   if (!otherChannels) return;
   const QMargins around = layout()->contentsMargins();
   int width = around.left() + around.right() + 2 * Table().frameWidth();
