@@ -87,7 +87,7 @@ class Desktop : public testing::Test {
   /// Runs the model so long, by its own time.
   void RunFor(double seconds) { Do("run " + FormatShortest(seconds)); }
   /// A message loop's worth of what is due.
-  static bool WaitFor(const std::function<bool()>& so) { return QTest::qWaitFor(so, 30000); }
+  static bool WaitFor(const std::function<bool()>& so) { return QTest::qWaitFor(so, 120000); }
 
   ZelBenchTop& Bench() { return Panel->Model()->Bench(); }
   Constant& Const(const std::string& name) { return *Bench().FindConst(name); }

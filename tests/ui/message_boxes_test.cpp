@@ -27,7 +27,7 @@ QString Seen(QMessageBox::StandardButton answer, const std::function<void()>& re
   });
   look.start(1);
   report();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty(); }, 30000));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !seen.isEmpty(); }, 120000));
   return seen;
 }
 
@@ -70,7 +70,7 @@ TEST(MessageBoxesTest, QuestionsAreAnswered) {
 TEST(MessageBoxesTest, AFatalErrorEndsTheEventLoop) {
   const MessageBoxes boxes;
   QTimer::singleShot(0, [] { Seen(QMessageBox::Ok, [] { FatalError("over"); }); });
-  QTimer::singleShot(10000, [] { QCoreApplication::exit(99); });
+  QTimer::singleShot(120000, [] { QCoreApplication::exit(99); });
   EXPECT_EQ(QCoreApplication::exec(), EXIT_FAILURE);
 }
 

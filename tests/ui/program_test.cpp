@@ -19,7 +19,7 @@ Outcome RunProgram(const QStringList& arguments, const QProcessEnvironment& envi
   QProcess program;
   program.setProcessEnvironment(environment);
   program.start(TORVANE_PROGRAM, arguments);
-  program.waitForFinished(30000);
+  program.waitForFinished(120000);
   return {program.exitCode(), QString::fromUtf8(program.readAllStandardOutput()),
           QString::fromUtf8(program.readAllStandardError())};
 }

@@ -10,7 +10,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <QThread>
+#include <QTest>
 #include <csignal>
 
 #include "core/constant.h"
@@ -154,10 +154,7 @@ TEST_F(SessionTest, AnUnsavedSessionIsKeptUntilItIsSaved) {
   EXPECT_EQ(Kept(), QStringList());
   Const("KVP").Set(1.25);
   // The timer asks every two seconds.
-  for (int i = 0; i < 300 && Kept().isEmpty(); ++i) {
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    QThread::msleep(10);
-  }
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !Kept().isEmpty(); }, 120000));
   ASSERT_EQ(Kept().size(), 1);
   EXPECT_TRUE(Content(Path("state/torvane/") + Kept()[0]).contains("Constant,KVP,1.25\r\n"));
   // It has an owner that lives: nobody is offered it.
