@@ -1,0 +1,106 @@
+// Plays with the real windows at random:  torvane_monkey SECONDS SEED RECORD [--wait|--haste]
+// or plays a record once more:            torvane_monkey --replay RECORD [--wait|--haste]
+
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+
+#include "monkey.h"
+#include "ui/desk/control_panel.h"
+#include "ui/desk/desk_style.h"
+#include "ui/desk/file_commands.h"
+#include "ui/session/end_requests.h"
+#include "ui/session/message_boxes.h"
+
+namespace {
+
+using torvane::test::Monkey;
+
+// The toolkit's warnings about how it is used are faults; about the machine they are none.
+void EndOnMisuse(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, text)));
+  for (const char* misuse : {"does not belong", "QObject:", "QLayout",
+                             "QWidget:", "QPainter::", "QAction", "Cannot", "QBackingStore"}) {
+    if (type != QtDebugMsg && text.contains(QLatin1String(misuse))) std::abort();
+  }
+}
+
+void Copy(const QString& from, const QString& to) {
+  QDir().mkpath(to);
+  for (const QFileInfo& file :
+       QDir(from).entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot)) {
+    const QString copy = to + u'/' + file.fileName();
+    file.isDir() ? Copy(file.filePath(), copy) : void(QFile::copy(file.filePath(), copy));
+  }
+}
+
+void Put(const QString& path, const QByteArray& text) {
+  QFile file(path);
+  if (file.open(QIODevice::WriteOnly)) file.write(text);
+}
+
+// Whole files, files cut short, others, names of none; their names as they stand in a record.
+QStringList MakeFiles(const QString& folder, const QString& examples) {
+  QStringList files = {folder + "/none.tvf", folder + "/saved.tvf", folder + "/saved.png",
+                       folder + "/no/such/folder.tvf", folder};
+  const QStringList names = QDir(examples).entryList({QStringLiteral("*.tvf")});
+  for (qsizetype i = 0; i < names.size(); i += 3) {
+    files << examples + u'/' + names[i];
+    QFile file(files.back());
+    if (!file.open(QIODevice::ReadOnly)) continue;
+    QByteArray text = file.readAll();
+    files << folder + u'/' + QString::number(i) + ".tvf";
+    if (i % 2 == 0) text.truncate(static_cast<int>(text.size() / 2));
+    Put(files.back(), i % 2 == 0 ? text : text.replace("1", "x").replace(",0", ",,-1e400"));
+  }
+  Put(folder + "/response.csv", "Frequency,Gain,Phase\n1,0,0\n10,-3,-45\n100,-20,-90\n");
+  Put(folder + "/noise.tvf", QByteArray(3000, '\xff'));
+  files << folder + "/response.csv" << folder + "/noise.tvf";
+  return files.replaceInStrings(folder, QStringLiteral("~"));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QStringList arguments(argv + 1, argv + argc);
+  auto haste = Monkey::Haste::Both;
+  if (arguments.removeAll(QStringLiteral("--wait")) > 0) haste = Monkey::Haste::Waits;
+  if (arguments.removeAll(QStringLiteral("--haste")) > 0) haste = Monkey::Haste::Hastens;
+  // Nothing of the user's own is read or written.
+  const QTemporaryDir folder;
+  const QString home = folder.path();
+  const QString share = home + QStringLiteral("/share/torvane");
+  Copy(QStringLiteral(TORVANE_SHARE "/models"), share);
+  Copy(QStringLiteral(TORVANE_SHARE "/examples"), share + QStringLiteral("/examples"));
+  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
+    qputenv(variable, home.toUtf8());
+  }
+  const QStringList files = MakeFiles(home, share + QStringLiteral("/examples"));
+  qInstallMessageHandler(EndOnMisuse);
+  qputenv("QT_NO_GLIB", "1");
+  QApplication application(argc, argv);
+  const torvane::MessageBoxes boxes;
+  QApplication::setStyle(new torvane::DeskStyle);
+  Monkey monkey = arguments.value(0) == QLatin1String("--replay")
+                      ? Monkey(arguments.value(1), haste)
+                      : Monkey(arguments.value(1).toUInt(), arguments.value(0).toDouble(), haste,
+                               files, arguments.value(2));
+  // Who ends the program starts it again.
+  while (!monkey.Over()) {
+    torvane::TZelControlPanelF panel(torvane::DataFolder(home + QStringLiteral("/bin")), 0,
+                                     torvane::TZelControlPanelF::Windows::AsLeft);
+    const torvane::EndRequests requests;
+    QObject::connect(&requests, &torvane::EndRequests::EndAsked, &panel,
+                     &torvane::TZelControlPanelF::EndUnasked);
+    panel.ShowAtStart(true);
+    QTimer::singleShot(0, &panel, [&] {
+      monkey.Begin();
+      panel.Files().Start({}, true);
+    });
+    QApplication::exec();
+  }
+  return EXIT_SUCCESS;
+}
