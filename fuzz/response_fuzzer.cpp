@@ -32,13 +32,15 @@ void ReadMargins(ResponseCurve curve, bool opened) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const ResponseText response = ParseResponse(fuzz::AsText(data, size));
-  Require(response.Fault.empty() != response.Curve.empty(), "neither a curve nor a fault");
-  double before = 0.0;
-  for (const ResponsePoint& point : response.Curve) {
-    Require(point.Hz > before, "the frequencies do not rise");
-    before = point.Hz;
+  Require(response.Fault.empty() != response.Responses.empty(), "neither a curve nor a fault");
+  for (const NamedResponse& read : response.Responses) {
+    double before = 0.0;
+    for (const ResponsePoint& point : read.Curve) {
+      Require(point.Hz > before, "the frequencies do not rise");
+      before = point.Hz;
+    }
+    ReadMargins(read.Curve, false);
+    ReadMargins(read.Curve, true);
   }
-  ReadMargins(response.Curve, false);
-  ReadMargins(response.Curve, true);
   return 0;
 }

@@ -14,10 +14,26 @@ namespace torvane::cli {
 
 namespace {
 
-void LoadOverlay(FrequencyAnalyser& analyser, const std::string& path) {
-  ResponseText response = ReadResponseFile(path);
-  if (!response.Fault.empty()) throw FileError("--overlay " + response.Fault);
-  analyser.LoadMemory(OverlaySlot, std::move(response.Curve), path);
+ResponseHints Hints(const ResponseOptions& options) {
+  const auto hints = ParseResponseHints(options.OverlayColumns, options.OverlayUnits);
+  if (hints) return *hints;
+  throw UsageError(
+      "--overlay-columns needs three captions or numbers, --overlay-units three units "
+      "(Hz, kHz, MHz or rad/s, dB or abs, deg or rad)");
+}
+
+void LoadOverlay(FrequencyAnalyser& analyser, const ResponseOptions& options) {
+  ResponseText text = ReadResponseFile(options.Overlay, Hints(options));
+  if (!text.Fault.empty()) {
+    const char* const help = text.UnitsMissing ? "; --overlay-units tells, as in Hz,dB,deg" : "";
+    throw FileError("--overlay " + text.Fault + help);
+  }
+  if (!text.Note.empty()) Note("--overlay \"" + options.Overlay + "\": " + text.Note);
+  if (text.Responses.size() > 1) {
+    Note("--overlay \"" + options.Overlay + "\": the first of " +
+         std::to_string(text.Responses.size()) + " responses is taken; --overlay-columns chooses");
+  }
+  analyser.LoadMemory(OverlaySlot, std::move(text.Responses.front().Curve), options.Overlay);
 }
 
 }  // namespace
@@ -40,10 +56,22 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   command.add_flag("--margins", options.Margins,
                    "Print bandwidth, peaking, gain and phase margins; the points then go to --out "
                    "only");
+  CLI::Option* const overlay =
+      command
+          .add_option("--overlay", options.Overlay,
+                      "Lay the response of this file, from a bench or --out, over the measured one")
+          ->type_name("FILE.csv");
   command
-      .add_option("--overlay", options.Overlay,
-                  "Lay the response of this file, from a bench or --out, over the measured one")
-      ->type_name("FILE.csv");
+      .add_option("--overlay-columns", options.OverlayColumns,
+                  "Which of its columns are frequency, gain and phase, by caption or number")
+      ->type_name("F,G,P")
+      ->needs(overlay);
+  command
+      .add_option("--overlay-units", options.OverlayUnits,
+                  "Their units where the file does not say them: Hz, kHz, MHz or rad/s, dB or abs, "
+                  "deg or rad")
+      ->type_name("U,U,U")
+      ->needs(overlay);
 }
 
 void AddExcitationOptions(CLI::App& command, ResponseOptions& options) {
@@ -71,7 +99,7 @@ FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
   auto& analyser = dynamic_cast<FrequencyAnalyser&>(*analysers.front());
   if (!options.Input.empty()) analyser.SetInput(NamedSignal(bench, options.Input).Name());
   if (!options.Output.empty()) analyser.SetOutput(NamedSignal(bench, options.Output).Name());
-  if (!options.Overlay.empty()) LoadOverlay(analyser, options.Overlay);
+  if (!options.Overlay.empty()) LoadOverlay(analyser, options);
   return analyser;
 }
 

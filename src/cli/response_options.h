@@ -22,6 +22,8 @@ struct ResponseOptions {
   bool Margins = false;
   std::optional<int> Average;
   std::string Overlay;
+  std::string OverlayColumns;
+  std::string OverlayUnits;
 };
 
 /// The memory that an overlay is laid into.

@@ -245,6 +245,18 @@ TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
   load(path);
   EXPECT_EQ(Reports.Take().size(), 1U);
   EXPECT_EQ(Xfer().LoadedFrom(4), "bench.csv");
+  // A unit that the file does not say is asked for: a ratio unless something else is chosen.
+  ASSERT_EQ(ReplaceFile(path.toStdString(), "w,mag,phase\n628.3185307179587,0.1,-90\n"), "");
+  QTimer answer;
+  QObject::connect(&answer, &QTimer::timeout, qApp, [] {
+    auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog && dialog->objectName() == "ResponseUnitsDialog") dialog->accept();
+  });
+  answer.start(1);
+  load(path);
+  ASSERT_EQ(Xfer().ResponseAt(4).Curve().size(), 1U);
+  EXPECT_NEAR(Xfer().ResponseAt(4).Curve()[0].Hz, 100.0, 1e-9);
+  EXPECT_NEAR(Xfer().ResponseAt(4).Curve()[0].Gain, -20.0, 1e-9);
 }
 
 TEST_F(AnalyserWindowTest, PointsOfASweepAreShownAsTheyAreMeasuredToTheEnd) {

@@ -2,27 +2,44 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "instruments/analyser/response_columns.h"
 #include "instruments/analyser/response_curve.h"
 
 namespace torvane {
 
-/// A response read from text, or what is wrong with it.
-struct ResponseText {
+/// A response of a file; the name is what its captions call it, empty where they do not.
+struct NamedResponse {
+  std::string Name;
   ResponseCurve Curve;
-  std::string Fault;  ///< with the line's number; empty when the curve is whole
 };
 
-/// Reads a response from lines of fields that commas, semicolons or tabs divide. A line of captions
-/// names the columns: frequency in Hz, gain or magnitude in dB and phase in degrees, in any order
-/// and letter case and with or without a unit in brackets; "Coherence" and "Excited" are taken as
-/// well, other columns passed over. Without captions the columns are frequency, gain and phase.
-/// Blank lines, lines that begin with "#" and the bin at 0 Hz are passed over. Frequencies must
-/// rise.
-ResponseText ParseResponse(std::string_view text);
+/// The responses read from text, or what is wrong with it.
+struct ResponseText {
+  std::vector<NamedResponse> Responses;
+  std::string Fault;  ///< with the line's number where one has it; empty when all is whole
+  /// The fault is that units are not said: hints would tell them.
+  bool UnitsMissing = false;
+  std::string Note;  ///< what was taken for granted; may be empty
+};
+
+/// Reads responses from lines of fields that semicolons, tabs, commas or blanks divide.
+///
+/// A line of captions, and a line of units below it if there is one, name the columns in any order;
+/// response_columns.h tells what is understood. Each gain (or real part) and the phase (or
+/// imaginary part) that follows it are a response. A second column of complex numbers, as pairs
+/// "(-3dB,-45)", "0.5,-0.5" or "0.5-0.5j", is one too. Without captions three columns are frequency
+/// in Hz, gain in dB and phase in degrees, which is noted. A magnitude or phase whose unit neither
+/// captions nor values tell is a fault.
+///
+/// Between other separators than commas a decimal comma is read. Blank lines, those that begin with
+/// "#", "%" or "!", lines before the captions and the point at 0 Hz are passed over; "Coherence"
+/// and "Excited" are taken to the first response. Frequencies rise or fall.
+ResponseText ParseResponse(std::string_view text, const ResponseHints& hints = {});
 
 /// The same from a file; the fault names it. Files beyond 16 MiB are refused.
-ResponseText ReadResponseFile(const std::string& path);
+ResponseText ReadResponseFile(const std::string& path, const ResponseHints& hints = {});
 
 /// Points that a response may have.
 inline constexpr std::size_t MaxResponsePoints = 100000;

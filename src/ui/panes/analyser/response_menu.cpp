@@ -3,10 +3,12 @@
 #include <QActionGroup>
 #include <QDir>
 #include <QFileDialog>
+#include <string>
 #include <utility>
 
 #include "core/messages.h"
 #include "instruments/analyser/response_csv.h"
+#include "ui/panes/analyser/response_units_dialog.h"
 #include "ui/session/user_settings.h"
 
 namespace torvane {
@@ -64,12 +66,24 @@ void ResponseMenu::Load(int slot) {
   if (dialog.exec() != QDialog::Accepted) return;
   const QString path = dialog.selectedFiles().value(0);
   UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
-  ResponseText response = ReadResponseFile(path.toStdString());
-  if (response.Fault.empty()) {
-    analyser_.LoadMemory(slot, std::move(response.Curve), QFileInfo(path).fileName().toStdString());
-  } else {
-    Error(response.Fault);
+  ResponseText text = ReadResponseFile(path.toStdString());
+  if (text.UnitsMissing) {
+    ResponseUnitsDialog units(QString::fromStdString(text.Fault), window_);
+    if (units.exec() != QDialog::Accepted) return;
+    text = ReadResponseFile(path.toStdString(), units.Hints());
   }
+  if (!text.Fault.empty()) {
+    Error(text.Fault);
+    return;
+  }
+  const std::string file = QFileInfo(path).fileName().toStdString();
+  // Further responses of the file go into the memories behind.
+  for (NamedResponse& response : text.Responses) {
+    if (slot == FrequencyAnalyser::SlotCount) break;
+    const std::string name = response.Name.empty() ? file : file + " " + response.Name;
+    analyser_.LoadMemory(slot++, std::move(response.Curve), name);
+  }
+  if (!text.Note.empty()) Note("\"" + file + "\": " + text.Note);
 }
 
 void ResponseMenu::AddShow() {

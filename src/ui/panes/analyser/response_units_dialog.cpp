@@ -1,0 +1,54 @@
+#include "ui/panes/analyser/response_units_dialog.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+
+namespace torvane {
+
+namespace {
+
+struct Row {
+  const char* Label;
+  const char* Name;
+  std::vector<const char*> Units;
+};
+
+}  // namespace
+
+ResponseUnitsDialog::ResponseUnitsDialog(const QString& question, QWidget* parent)
+    : QDialog(parent) {
+  setObjectName(QStringLiteral("ResponseUnitsDialog"));
+  setWindowTitle(QStringLiteral("Units of the Response"));
+  auto* form = new QFormLayout(this);
+  auto* text = new QLabel(question + QStringLiteral(".\nIn which units is it?"));
+  text->setWordWrap(true);
+  form->addRow(text);
+  const std::array<Row, 3> rows{
+      Row{"&Frequency", "CmBFrequencyUnit", {"as the file says", "Hz", "kHz", "MHz", "rad/s"}},
+      Row{"&Gain", "CmBGainUnit", {"as the file says", "dB", "ratio"}},
+      Row{"&Phase", "CmBPhaseUnit", {"as the file says", "deg", "rad"}}};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    units_[i] = new QComboBox;
+    units_[i]->setObjectName(QLatin1String(rows[i].Name));
+    for (const char* unit : rows[i].Units) units_[i]->addItem(QLatin1String(unit));
+    form->addRow(QLatin1String(rows[i].Label), units_[i]);
+  }
+  // What is asked for has an answer; a ratio and degrees are what calculators write.
+  units_[1]->setCurrentIndex(2);
+  units_[2]->setCurrentIndex(1);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  form->addRow(buttons);
+}
+
+ResponseHints ResponseUnitsDialog::Hints() const {
+  ResponseHints hints;
+  for (std::size_t i = 0; i < units_.size(); ++i) {
+    hints.Units[i] = ResponseUnitOf(units_[i]->currentText().toStdString());
+  }
+  return hints;
+}
+
+}  // namespace torvane
