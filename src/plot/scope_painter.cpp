@@ -344,6 +344,7 @@ void ScopePainter::PlaceColumns(int first, const ScopeScreen& screen) {
 
 void ScopePainter::AppendPoints(std::vector<TracePoint>& points, std::size_t channel, int first,
                                 const ScopeScreen& screen) const {
+  if (screen.Values[channel].empty()) return;  // loaded traces may lack it
   const ScreenPixels pixels(plate_.width(), plate_.height());
   const ZelChannel& signal = *scope_.Channels()[channel];
   for (std::size_t i = 0; i < x_.size(); ++i) {

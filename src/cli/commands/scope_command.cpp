@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 
+#include "cli/command_error.h"
 #include "cli/commands/commands.h"
 #include "cli/model_options.h"
 #include "cli/number_options.h"
@@ -7,7 +8,9 @@
 #include "cli/result_file.h"
 #include "cli/scope_run.h"
 #include "cli/scope_settings.h"
+#include "core/messages.h"
 #include "instruments/scope/scope_csv.h"
+#include "instruments/scope/trace_csv.h"
 
 namespace torvane::cli {
 namespace {
@@ -18,14 +21,26 @@ struct ScopeOptions {
   double Until = 0.0;
   std::string Out;
   std::string Picture;
+  std::string Overlay;
 };
+
+void KeepOverlay(ZelScope& scope, const std::string& path) {
+  const TraceText traces = ReadTraceFile(path, scope);
+  if (!traces.Fault.empty()) throw FileError("--overlay " + traces.Fault);
+  if (!traces.Note.empty()) Note("--overlay \"" + path + "\": " + traces.Note);
+  scope.KeepTraces(traces.Screen);
+}
 
 void ShowScope(const ScopeOptions& options, Console& console) {
   CheckPictureFile(options.Picture);
-  CheckOutputs(options.Out, options.Picture);
+  if (!options.Overlay.empty() && options.Picture.empty()) {
+    throw UsageError("--overlay needs --picture");
+  }
+  CheckOutputs(options.Out, options.Picture, options.Overlay);
   const auto model = OpenModel(options.Model, console);
   ZelScope& scope = FirstScope(model->Bench());
   Apply(model->Bench(), options.Scope);
+  if (!options.Overlay.empty()) KeepOverlay(scope, options.Overlay);
   ResultFile file(options.Out);
   const ScopeScreen screen =
       LastCompleteScreen(*model, scope, options.Until, console, Console::CanShowProgress(false));
@@ -50,6 +65,11 @@ void AddScopeCommand(CLI::App& app, Console& console) {
       ->type_name("FILE.csv");
   command->add_option("--picture", options->Picture, "Draw the screen into this file as well")
       ->type_name("FILE.png|svg|pdf");
+  command
+      ->add_option(
+          "--overlay", options->Overlay,
+          "Lay the traces of this file, from a bench or --out, behind those of the picture")
+      ->type_name("FILE.csv");
   command->callback([options, &console] { ShowScope(*options, console); });
 }
 

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "core/files/file_fault.h"
-#include "core/files/input_file.h"
 
 namespace torvane {
 namespace {
@@ -18,8 +17,9 @@ std::string TooLarge(const std::string& path, std::size_t limit) {
 
 }  // namespace
 
-std::string ReadTextFile(const std::string& path, std::size_t limit, std::string& text) {
-  InputFile file(path, InputFile::WaitForEver);
+std::string ReadTextFile(const std::string& path, std::size_t limit, std::string& text,
+                         int patience) {
+  InputFile file(path, patience);
   if (!file.IsOpen()) return CannotOpen(path, errno);
   if (file.Size() > limit) return TooLarge(path, limit);
   text.clear();
@@ -29,6 +29,7 @@ std::string ReadTextFile(const std::string& path, std::size_t limit, std::string
   for (;;) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
     if (count == 0) return {};
+    if (file.WasSilent()) return "Nothing comes from " + path;
     if (count < 0) return "Cannot read " + path + ": " + SystemReason(errno);
     const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
     if (text.size() + piece.size() > limit) return TooLarge(path, limit);

@@ -10,7 +10,8 @@ namespace torvane {
 
 namespace {
 
-/// The part of a screen between two times; lines are cut where they leave it.
+/// The part of a screen between two times; lines are cut where they leave it. Signals that the
+/// screen has no trace of get none.
 ScopeScreen CutTo(const ScopeScreen& screen, double from, double to) {
   ScopeScreen cut;
   cut.Values.resize(screen.Values.size());
@@ -22,6 +23,7 @@ ScopeScreen CutTo(const ScopeScreen& screen, double from, double to) {
     };
     cut.Time.push_back(at(screen.Time));
     for (std::size_t k = 0; k < cut.Values.size(); ++k) {
+      if (screen.Values[k].empty()) continue;
       cut.Values[k].push_back(static_cast<float>(at(screen.Values[k])));
     }
   };

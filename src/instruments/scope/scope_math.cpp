@@ -27,6 +27,7 @@ template <typename Sample>
 std::vector<double> Shown(const ZelChannel& channel, const std::vector<Sample>& samples,
                           Range range) {
   std::vector<double> values;
+  if (samples.empty()) return values;  // loaded traces have it not
   for (std::size_t i = range.Begin; i < range.End; ++i) {
     values.push_back(channel.Signal().Multiplier() * samples[i]);
   }
@@ -87,6 +88,7 @@ std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScr
     const std::vector<double> values = Shown(channel, screen.Values[k], range);
     ChannelMeasures& of = measures.emplace_back();
     of.Channel = &channel;
+    if (values.size() < times.size()) continue;
     of.Trace = MeasureTrace(values);
     // A command does not respond to itself.
     if (&channel == &scope.Trigger().Source()) continue;

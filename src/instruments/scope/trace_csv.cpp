@@ -1,0 +1,239 @@
+#include "instruments/scope/trace_csv.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "core/files/model_file_lines.h"
+#include "core/files/text_file.h"
+#include "core/text.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr std::size_t MaxFileSize = std::size_t{16} << 20U;
+constexpr std::size_t MaxColumns = 1000;
+constexpr std::size_t TitlesTold = 8;
+constexpr int Patience = 2000;   // milliseconds that a pipe may stay silent
+constexpr double MaxTime = 1e9;  // seconds
+
+using Fields = std::vector<std::string_view>;
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr std::string_view around = " \t\"";
+  const std::size_t first = text.find_first_not_of(around);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(around) - first + 1);
+}
+
+Fields Split(std::string_view line, char separator) {
+  Fields fields;
+  while (fields.size() < MaxColumns) {
+    const std::size_t end = line.find(separator);
+    fields.push_back(Trimmed(line.substr(0, end)));
+    if (end == std::string_view::npos) break;
+    line.remove_prefix(end + 1);
+  }
+  return fields;
+}
+
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+// "vF (V)" is a column's caption, "vF" its title.
+std::string_view Title(std::string_view caption) {
+  return Trimmed(caption.substr(0, caption.find_first_of("([")));
+}
+
+/// Seconds in the unit in a caption's brackets.
+std::optional<double> SecondsIn(std::string_view caption) {
+  const std::size_t begin = caption.find_first_of("([");
+  if (begin == std::string_view::npos) return 1.0;
+  const std::string_view rest = caption.substr(begin + 1);
+  const std::string unit = Lower(Trimmed(rest.substr(0, rest.find_first_of(")]"))));
+  if (unit == "s" || unit == "sec" || unit == "seconds") return 1.0;
+  if (unit == "ms" || unit == "msec") return 1e-3;
+  if (unit == "us" || unit == "\u00b5s" || unit == "\u03bcs") return 1e-6;
+  return std::nullopt;
+}
+
+std::string Fault(int line, const std::string& what) {
+  return "line " + std::to_string(line) + ": " + what;
+}
+
+// The first ones, and that there are more.
+std::string Listed(const std::vector<std::string>& titles) {
+  std::string list;
+  for (std::size_t i = 0; i < std::min(titles.size(), TitlesTold); ++i) {
+    list += (i == 0 ? "" : ", ") + titles[i];
+  }
+  return titles.size() > TitlesTold ? list + ", ..." : list;
+}
+
+// Samples fall on a solver's or a bench's steps, up to one beside an even grid.
+bool AreEven(const std::vector<double>& times) {
+  const double interval = (times.back() - times.front()) / static_cast<double>(times.size() - 1);
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    const double even = times.front() + interval * static_cast<double>(i);
+    if (std::abs(times[i] - even) > interval) return false;
+  }
+  return true;
+}
+
+/// Takes the lines of a text one by one.
+class TraceReader {
+ public:
+  explicit TraceReader(const ZelScope& scope) : scope_(scope) {
+    traces_.Screen.Values.resize(scope.Channels().size());
+  }
+
+  /// What is wrong with the line; empty when nothing is.
+  std::string Take(std::string_view line, int number) {
+    if (line.starts_with('#') || Trimmed(line).empty()) return {};
+    if (columns_.empty()) return TakeCaptions(line, number);
+    return TakePoint(Split(line, separator_), number);
+  }
+
+  TraceText Finish() {
+    ScopeScreen& screen = traces_.Screen;
+    if (screen.PointCount() < 2) return {{}, {}, "fewer than two points"};
+    screen.Left = screen.Time.front();
+    if (screen.Left <= 0.0 && screen.Time.back() >= 0.0) screen.EventTime = 0.0;
+    if (!unknown_.empty()) traces_.Note = "No signal of the scope: " + Listed(unknown_);
+    if (!AreEven(screen.Time)) {
+      traces_.Note += traces_.Note.empty() ? "" : "; ";
+      traces_.Note += "The times are not evenly spaced: Mean and RMS are those of the points";
+    }
+    return std::move(traces_);
+  }
+
+ private:
+  struct Column {
+    std::size_t Field;
+    std::size_t Channel;
+  };
+
+  std::string TakeCaptions(std::string_view line, int number) {
+    for (const char separator : {';', '\t'}) {
+      if (separator_ == ',' && line.find(separator) != std::string_view::npos) {
+        separator_ = separator;
+      }
+    }
+    const Fields captions = Split(line, separator_);
+    if (captions.size() == MaxColumns) return Fault(number, "too many columns");
+    const auto time = std::find_if(captions.begin(), captions.end(), [](std::string_view caption) {
+      const std::string title = Lower(Title(caption));
+      return title == "time" || title == "t";
+    });
+    if (time != captions.end()) time_ = static_cast<std::size_t>(time - captions.begin());
+    if (ParseNumber(captions[time_])) return Fault(number, "the columns have no captions");
+    const auto seconds = SecondsIn(captions[time_]);
+    if (!seconds) return Fault(number, "time must be in s, ms or us");
+    seconds_ = *seconds;
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+      if (i != time_) AddColumn(i, captions[i]);
+    }
+    if (!columns_.empty()) return {};
+    std::vector<std::string> names;
+    for (const auto& channel : scope_.Channels()) names.push_back(channel->Name());
+    return Fault(number, "no column has the name of a signal (" + Listed(names) + ")");
+  }
+
+  // Of two columns that name one signal the first counts.
+  void AddColumn(std::size_t field, std::string_view caption) {
+    const auto channel = ChannelOf(caption);
+    const bool isNew = channel && std::none_of(columns_.begin(), columns_.end(),
+                                               [&](Column of) { return of.Channel == *channel; });
+    if (isNew) {
+      columns_.push_back({field, *channel});
+    } else if (!caption.empty()) {
+      unknown_.emplace_back(caption);
+    }
+  }
+
+  // A name that is the same to the letter goes before one in another letter case.
+  std::optional<std::size_t> ChannelOf(std::string_view caption) const {
+    const auto find = [&](auto isNamed) -> std::optional<std::size_t> {
+      const auto& channels = scope_.Channels();
+      const auto found = std::find_if(channels.begin(), channels.end(), [&](const auto& channel) {
+        return isNamed(channel->Name());
+      });
+      if (found == channels.end()) return std::nullopt;
+      return static_cast<std::size_t>(found - channels.begin());
+    };
+    const std::string_view title = Title(caption);
+    const auto exact = find([&](const std::string& name) { return name == title; });
+    if (exact) return exact;
+    return find([&](const std::string& name) { return Lower(name) == Lower(title); });
+  }
+
+  std::optional<double> Number(const Fields& fields, std::size_t column) const {
+    if (column >= fields.size()) return std::nullopt;
+    std::string text(fields[column]);
+    const std::size_t comma = text.find(',');
+    if (comma != std::string::npos && text.find('.') == std::string::npos) text[comma] = '.';
+    return ParseNumber(text);
+  }
+
+  std::string TakePoint(const Fields& fields, int number) {
+    ScopeScreen& screen = traces_.Screen;
+    const auto time = Number(fields, time_);
+    if (!time || std::abs(*time * seconds_) > MaxTime) return Fault(number, "no time");
+    if (!screen.Time.empty() && *time * seconds_ <= screen.Time.back()) {
+      return Fault(number, "the time is not after the one before it");
+    }
+    if (screen.Time.size() == MaxTracePoints) {
+      return Fault(number, "more than " + std::to_string(MaxTracePoints) + " points");
+    }
+    screen.Time.push_back(*time * seconds_);
+    for (const Column& column : columns_) {
+      const ZelChannel& channel = *scope_.Channels()[column.Channel];
+      const auto shown = Number(fields, column.Field);
+      const auto value = static_cast<float>(shown.value_or(0.0) / channel.Signal().Multiplier());
+      if (!shown || !std::isfinite(value)) {
+        return Fault(number, channel.Name() + " is not a number that a trace can have");
+      }
+      screen.Values[column.Channel].push_back(value);
+    }
+    return {};
+  }
+
+  const ZelScope& scope_;
+  TraceText traces_;
+  char separator_ = ',';
+  std::size_t time_ = 0;
+  double seconds_ = 1.0;
+  std::vector<Column> columns_;
+  std::vector<std::string> unknown_;  // captions
+};
+
+}  // namespace
+
+TraceText ParseTraces(std::string_view text, const ZelScope& scope) {
+  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  TraceReader reader(scope);
+  LineReader lines(text);
+  for (std::string line; lines.Next(line);) {
+    std::string fault = reader.Take(line, lines.Number());
+    if (!fault.empty()) return {{}, {}, std::move(fault)};
+  }
+  return reader.Finish();
+}
+
+TraceText ReadTraceFile(const std::string& path, const ZelScope& scope) {
+  std::string text;
+  std::string fault = ReadTextFile(path, MaxFileSize, text, Patience);
+  if (!fault.empty()) return {{}, {}, std::move(fault)};
+  TraceText traces = ParseTraces(text, scope);
+  if (!traces.Fault.empty()) traces.Fault = "\"" + path + "\": " + traces.Fault;
+  return traces;
+}
+
+}  // namespace torvane
