@@ -42,6 +42,9 @@ void MeasureResponse(ZelModel& model, ZelXfer& xfer, Console& console, bool show
     run.Service(xfer);
   }
   if (xfer.HasData(0)) return;
+  if (xfer.SampleCount() == xfer.Length()) {
+    throw StoppedError("nothing was excited, so that there is no response");
+  }
   throw StoppedError("the record is not whole: " + std::to_string(xfer.SampleCount()) + " of " +
                      std::to_string(xfer.Length()) + " samples");
 }

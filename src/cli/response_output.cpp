@@ -72,6 +72,15 @@ void WarnAbove(double accurate, double highest) {
 
 }  // namespace
 
+std::string TellDoubts(const FrequencyAnalyser& analyser) {
+  std::string head;
+  for (const std::string& doubt : analyser.ResponseAt(0).Doubts()) {
+    Warning(doubt);
+    head += "# " + doubt + "\n";
+  }
+  return head;
+}
+
 std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser) {
   std::vector<std::string> captions;
   if (analyser.HasCoherence(0)) captions.emplace_back("Coherence");

@@ -7,6 +7,10 @@
 
 namespace torvane::cli {
 
+/// Says what makes the measured response doubtful; gives it as comment lines as well, for the head
+/// of the response's file.
+std::string TellDoubts(const FrequencyAnalyser& analyser);
+
 /// What a response's line says beyond gain and phase: the coherence of an averaged one, and what
 /// the overlay reads at the same frequency, empty where it has nothing.
 std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser);

@@ -69,13 +69,15 @@ bool ResponseLegend::Unavailable(int slot) const {
 std::string ResponseLegend::TraceText(int slot) const {
   const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
   if (Unavailable(slot)) return name + ": Unavailable";
-  if (const std::string& from = analyser_.LoadedFrom(slot); !from.empty()) return name + " " + from;
+  const Response& response = analyser_.ResponseAt(slot);
+  const char* const trust = response.Doubts().empty() ? "" : ", doubtful";
+  if (!response.Name().empty()) return name + " " + response.Name() + trust;
   std::vector<const TraceOrigin*> origins;
   for (int other = 0; other < FrequencyAnalyser::SlotCount; ++other) {
     if (analyser_.HasData(other) && analyser_.LoadedFrom(other).empty())
       origins.push_back(&analyser_.Origin(other));
   }
-  return name + " " + OriginText(analyser_.Origin(slot), origins);
+  return name + " " + OriginText(analyser_.Origin(slot), origins) + trust;
 }
 
 std::string ResponseLegend::PairText() const {

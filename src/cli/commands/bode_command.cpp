@@ -11,7 +11,8 @@
 namespace torvane::cli {
 namespace {
 
-void WriteBins(ZelXfer& xfer, ResultFile& file) {
+void WriteBins(const ZelXfer& xfer, const std::string& head, ResultFile& file) {
+  file.Write(head);
   const bool averaged = xfer.HasCoherence(0);
   std::vector<std::string> line{"Bin", "Frequency", "Gain", "Phase"};
   if (averaged) line.emplace_back("Excited");
@@ -36,7 +37,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   console.ApplySettings([&] { SetUp(xfer, options); });
   ResultFile file(options.Response.Out);
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
-  if (WritesPoints(options.Response)) WriteBins(xfer, file);
+  const std::string head = TellDoubts(xfer);
+  if (WritesPoints(options.Response)) WriteBins(xfer, head, file);
   if (options.Response.Margins) PrintMargins(xfer);
   if (options.Response.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.

@@ -123,6 +123,9 @@ class FrequencyAnalyser : public Instrument {
 
   /// What makes the measurement, as it is set up or going on, less trustworthy; a sentence each.
   virtual std::vector<std::string> Warnings() const;
+  /// What makes a shown response doubtful, with the trace's name before it: "Memory 1: KP was
+  /// changed while it was measured."
+  std::vector<std::string> ShownDoubts() const;
 
   Trace TraceAt(int slot) const;
   /// When and with which constants the slot's measurement was taken.
@@ -234,10 +237,11 @@ class FrequencyAnalyser : public Instrument {
   virtual void SaveMore(RecordWriter& writer) const;
   virtual bool LoadMore(const std::string& keyword, int value);
 
-  /// The bins or points that the analyser has measured in a slot; none before a record is whole.
+  /// The bins or points of a slot's record, which is whole.
   virtual int RecordEnd(int slot) const = 0;
   virtual double RecordHz(int slot, int index) const = 0;
-  virtual BinSpacing Bins() const { return {}; }
+  /// What makes the response between the chosen channels doubtful, beside what does so for all.
+  virtual std::vector<std::string> PairDoubts(int slot) const = 0;
 
   MeasuredRecord& RecordOf(int slot) { return SlotOf(slot).Record; }
   const MeasuredRecord& RecordOf(int slot) const { return SlotAt(slot).Record; }
@@ -245,7 +249,12 @@ class FrequencyAnalyser : public Instrument {
   void MakeResponse(int slot);
   void MakeResponses();
   /// There is no current measurement.
-  void ClearCurrent() { SlotOf(0).Held = {}; }
+  void ClearCurrent();
+  /// The set-up has become another one than measurements were taken with. A response from elsewhere
+  /// has nothing to do with it.
+  void DropMeasurements();
+  /// Those that an earlier set-up measured are there again when it is.
+  void TakeUpMeasurements(const BinSpacing& bins);
 
   ZelBenchTop& bench_;
   bool running_ = false;

@@ -1,6 +1,7 @@
 // What a slot of an analyser holds: its own measurement, or a response from elsewhere.
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "core/messages.h"
@@ -35,6 +36,7 @@ bool FrequencyAnalyser::HasData(int slot) const {
 
 void FrequencyAnalyser::MakeResponse(int slot) {
   ResponseSlot& trace = SlotOf(slot);
+  if (trace.Dropped) return;
   if (trace.Held.Source() == ResponseSource::Measured) trace.Held = Measured(slot);
   See(slot);
   MarkStale();
@@ -45,19 +47,59 @@ void FrequencyAnalyser::MakeResponses() {
 }
 
 Response FrequencyAnalyser::Measured(int slot) const {
+  const MeasuredRecord& record = RecordOf(slot);
+  if (!input_ || !output_ || !record.Whole()) return {};
+  if (!OutputOnly() && !record.TellsResponse()) return {};
   const int end = RecordEnd(slot);
-  if (!input_ || !output_ || end == 0) return {};
-  const std::vector<bool>& excited = RecordOf(slot).Excited;
   ResponseCurve points;
   points.reserve(static_cast<std::size_t>(end));
   for (int index = 0; index < end; ++index) {
     const double gain = Difference(&AnalyserChannel::Gain, slot, index);
-    const bool power = OutputOnly() || excited.empty() || excited[static_cast<std::size_t>(index)];
+    const bool power = OutputOnly() || record.Excited[static_cast<std::size_t>(index)];
     points.push_back({RecordHz(slot, index), gain, WrappedPhase(slot, index),
                       Coherence(slot, index), power && gain > NoGain});
   }
   const bool hasCoherence = !OutputOnly() && output_->Coherence(slot, 0).has_value();
-  return {ResponseSource::Measured, {}, std::move(points), hasCoherence, Bins()};
+  Response response(ResponseSource::Measured, {}, std::move(points), hasCoherence, record.Bins);
+  std::vector<std::string> doubts = record.Doubts;
+  if (!OutputOnly()) {
+    for (std::string& doubt : PairDoubts(slot)) doubts.push_back(std::move(doubt));
+  }
+  response.Doubt(std::move(doubts));
+  return response;
+}
+
+void FrequencyAnalyser::ClearCurrent() {
+  ResponseSlot& current = SlotOf(0);
+  current.Dropped = false;
+  current.Record = {};
+  current.Held = {};
+  current.Seen.reset();
+}
+
+void FrequencyAnalyser::DropMeasurements() {
+  for (ResponseSlot& slot : slots_) slot.Dropped = slot.Held.Source() == ResponseSource::Measured;
+}
+
+void FrequencyAnalyser::TakeUpMeasurements(const BinSpacing& bins) {
+  for (int slot = 0; slot < SlotCount; ++slot) {
+    if (!SlotAt(slot).Dropped || RecordOf(slot).Bins != bins) continue;
+    SlotOf(slot).Dropped = false;
+    MakeResponse(slot);
+  }
+  Changed();
+}
+
+std::vector<std::string> FrequencyAnalyser::ShownDoubts() const {
+  std::vector<std::string> doubts;
+  for (int slot = 0; slot < SlotCount; ++slot) {
+    if (!TraceAt(slot).Shown || !HasData(slot)) continue;
+    const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
+    for (const std::string& doubt : ResponseAt(slot).Doubts()) {
+      doubts.push_back(name + ": " + doubt);
+    }
+  }
+  return doubts;
 }
 
 // A loop's input is moved by what else acts on the loop, as its output is.

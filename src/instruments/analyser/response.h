@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "instruments/analyser/response_curve.h"
@@ -21,6 +22,8 @@ enum class ResponseQuantity { Gain, Phase, Delay, Coherence };
 struct BinSpacing {
   double TSample = 0.0;  ///< seconds
   int Length = 0;        ///< samples of the record
+
+  bool operator==(const BinSpacing&) const = default;
 };
 
 /// A frequency response: made whole, and only read from then on. An index counts its points; those
@@ -32,6 +35,10 @@ class Response {
   /// Points in rising order of frequency. The name says where one comes from that was not measured.
   Response(ResponseSource source, std::string name, ResponseCurve points, bool hasCoherence,
            const BinSpacing& bins = {});
+
+  /// What makes it doubtful, a sentence each; it stays with the response wherever it goes.
+  const std::vector<std::string>& Doubts() const { return doubts_; }
+  void Doubt(std::vector<std::string> doubts) { doubts_ = std::move(doubts); }
 
   ResponseSource Source() const { return source_; }
   const std::string& Name() const { return name_; }
@@ -68,6 +75,7 @@ class Response {
 
   ResponseSource source_ = ResponseSource::Measured;
   std::string name_;
+  std::vector<std::string> doubts_;
   ResponseCurve points_;
   std::vector<double> delays_;  ///< of the curve, seconds; while a view shows them
   bool hasCoherence_ = false;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "instruments/analyser/response.h"
@@ -12,8 +14,20 @@ namespace torvane {
 /// between any two of them.
 struct MeasuredRecord {
   TraceOrigin Origin;
+  BinSpacing Bins;                  ///< of a spectrum's record
   std::vector<double> Frequencies;  ///< of the points of a sweep, Hz
-  std::vector<bool> Excited;        ///< by bin; a sweep excites at every point
+  /// By bin, or point of a sweep; empty before the record is whole.
+  std::vector<bool> Excited;
+  /// Taken for the spectrum of the output alone.
+  bool Spectrum = false;
+  std::vector<std::string> Doubts;  ///< of any two channels
+
+  bool Whole() const { return !Excited.empty(); }
+  /// It tells how one channel follows another. What was recorded without excitation, for a spectrum
+  /// under a generator or at no amplitude, does not.
+  bool TellsResponse() const {
+    return !Spectrum && std::ranges::find(Excited, true) != Excited.end();
+  }
 };
 
 /// The current measurement or a memory: a response with what belongs to it, and whether it is to be
@@ -21,7 +35,7 @@ struct MeasuredRecord {
 struct ResponseSlot {
   bool Enabled = false;  ///< there has been something to show
   bool Shown = false;
-  /// Measured with a set-up that is no longer in force.
+  /// Measured with a set-up that is no longer in force; undoing that change takes it up again.
   bool Dropped = false;
   MeasuredRecord Record;
   Response Held;                 ///< empty while there is none

@@ -34,7 +34,9 @@ std::string ShownResponsesCsv(const FrequencyAnalyser& analyser) {
     const std::string name = "Memory " + std::to_string(slots[i]);
     line.insert(line.end(), {name + " Gain", name + " Phase"});
   }
-  std::string text = CsvLine(line);
+  std::string text;
+  for (const std::string& doubt : analyser.ShownDoubts()) text += "# " + doubt + "\n";
+  text += CsvLine(line);
   if (slots.empty()) return text;
   const Response& first = analyser.ShownResponse(slots.front());
   for (const ResponsePoint& point : first.Curve()) {

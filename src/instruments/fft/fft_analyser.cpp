@@ -18,6 +18,10 @@ namespace {
 // A record of 2^20 samples is some hundred megabytes for a model's signals.
 constexpr int LargestMaxOrder = 20;
 
+// How often in a record constants and generators are looked at: what came and went between two
+// looks is a small part of it.
+constexpr int Looks = 64;
+
 int CheckedMaxOrder(int maxOrder) {
   if (maxOrder >= ZelXfer::MinOrder && maxOrder <= LargestMaxOrder) return maxOrder;
   FatalError("Fault in TZelXferF :: TZelXferF");
@@ -30,7 +34,8 @@ ZelXfer::ZelXfer(ZelBenchTop& bench, int maxOrder, std::string name)
     : FrequencyAnalyser(InstrumentKind::FftAnalyser, std::move(name), bench, "Xfer", true),
       fft_(CheckedMaxOrder(maxOrder)),
       order_(fft_.MaxOrder()),
-      excitationRecord_(fft_) {
+      excitationRecord_(fft_),
+      watch_(bench, *this) {
   excitationPower_.reserve(std::size_t{1} << order_);
   for (const Variable* variable : bench.Variables()) {
     if (!variable->Internal()) AddVar(*variable);
@@ -83,19 +88,18 @@ void ZelXfer::HoldPrevious() {
 }
 
 void ZelXfer::BeginMeasurement() {
+  if (spectrum_ && RecordOf(0).TellsResponse()) ExchangeRecords();
+  ClearCurrent();
+  watch_.Begin();
   recordsTaken_ = 0;
   averaging_ = Averages() > 1;
   excitationPower_.assign(static_cast<std::size_t>(Length()), 0.0);
-  if (averaging_) {
-    for (ZelXferChannel* channel : records_) channel->BeginAverage();
-  }
+  for (ZelXferChannel* channel : records_) channel->BeginMeasurement(averaging_);
   BeginRecord();
 }
 
 void ZelXfer::BeginRecord() {
   sampleCount_ = 0;
-  recordWhole_ = false;
-  ClearCurrent();
   TakeOrigin();
   for (ZelXferChannel* channel : records_) channel->MarkNewSamples();
 }
@@ -138,13 +142,18 @@ void ZelXfer::TakeSample(double t) {
   excitationRecord_.Sample(sampleCount_, excitation_);
   for (ZelXferChannel* channel : records_) channel->Sample(sampleCount_);
   ++sampleCount_;
+  if (running_) watch_.SeeExcitation(t);
+  if (sampleCount_ % std::max(1, Length() / Looks) == 0) watch_.SeeModel();
   if (sampleCount_ == Length()) CompleteRecord();
 }
 
 void ZelXfer::CompleteRecord() {
   ++recordsTaken_;
+  watch_.SeeModel();
+  ReadSamples();
   excitationRecord_.Transform(order_);
-  excitationRecord_.AddPowerTo(excitationPower_);
+  // Without the run button the model does not get it.
+  if (running_) excitationRecord_.AddPowerTo(excitationPower_);
   if (averaging_) {
     for (ZelXferChannel* channel : records_) channel->AddToAverage(excitationRecord_);
   }
@@ -163,8 +172,11 @@ void ZelXfer::TakeMeasurement() {
     }
   }
   averaging_ = false;
-  MarkExcited(excitationPower_, RecordOf(0).Excited);
-  recordWhole_ = true;
+  MeasuredRecord& record = RecordOf(0);
+  record.Bins = {tSample_, Length()};
+  record.Spectrum = spectrum_;
+  record.Doubts = RecordDoubts();
+  MarkExcited(excitationPower_, record.Excited);
   MakeResponse(0);
   EnableTrace(0);
 }
@@ -194,12 +206,6 @@ std::vector<std::string> ZelXfer::Warnings() const {
         "End Zero Time = 0: the record cuts the response off, which leaks into all bins.");
   }
   return warnings;
-}
-
-// Up to half the sample rate.
-int ZelXfer::RecordEnd(int slot) const {
-  const bool whole = slot == 0 ? recordWhole_ : !RecordOf(slot).Excited.empty();
-  return whole ? Length() / 2 + 1 : 0;
 }
 
 bool ZelXfer::StoreSlot(int slot) {

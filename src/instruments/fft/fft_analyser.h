@@ -5,6 +5,7 @@
 
 #include "instruments/analyser/analyser.h"
 #include "instruments/analyser/excitation.h"
+#include "instruments/analyser/record_watch.h"
 #include "instruments/fft/excitation_record.h"
 #include "instruments/fft/fft.h"
 #include "instruments/fft/fft_channel.h"
@@ -42,6 +43,8 @@ class ZelXfer final : public FrequencyAnalyser {
 
   void Run() override;
   void Halt() override;
+  void Undo(const UndoEntry& entry) override;
+  void Redo(const UndoEntry& entry) override;
 
   void AddVar(const Variable& variable);
 
@@ -79,11 +82,11 @@ class ZelXfer final : public FrequencyAnalyser {
   /// Keeps the present excitation within offset +- amplitude / 2.
   void SetOffset(double offset);
   /// Only the output's spectrum is shown, of samples under a triangular window. A record that is
-  /// being taken begins anew.
+  /// being taken begins anew. A response that was measured before is there again afterwards.
   void SetSpectrum(bool on);
-  /// The user's click on the spectrum box: arms the analyser as well, so that a model that runs
-  /// gives a record of what it does, under its generator unless the run button is down. Until then
-  /// the record that was taken before can be read.
+  /// The user's click on the spectrum box: ticked, it arms the analyser as well, so that a model
+  /// that runs gives a record of what it does, under its generator unless the run button is down.
+  /// Until then the record that was taken before can be read.
   void ClickSpectrum(bool on);
   void SetBinary(bool on);
   void SetBypassFilter(bool on);
@@ -100,9 +103,9 @@ class ZelXfer final : public FrequencyAnalyser {
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 
  protected:
-  int RecordEnd(int slot) const override;
+  int RecordEnd(int /*slot*/) const override { return Length() / 2 + 1; }
   double RecordHz(int /*slot*/, int index) const override { return BinFrequency(index); }
-  BinSpacing Bins() const override { return {tSample_, Length()}; }
+  std::vector<std::string> PairDoubts(int slot) const override;
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   bool OutputOnly() const override { return spectrum_; }
@@ -114,6 +117,10 @@ class ZelXfer final : public FrequencyAnalyser {
   void Arm();
   void BeginMeasurement();
   void BeginRecord();
+  void ExchangeRecords();
+  void TakeUpResponse();
+  void ReadSamples();
+  std::vector<std::string> RecordDoubts() const;
   void FitEndDelay();
   void TakeSample(double t);
   void HoldPrevious();
@@ -147,7 +154,6 @@ class ZelXfer final : public FrequencyAnalyser {
   int sampleCount_ = 0;
   int recordsTaken_ = 0;
   bool averaging_ = false;  ///< the channels hold sums that are not taken yet
-  bool recordWhole_ = false;
 
   double excitation_ = 0.0;
   double previousExcitation_ = 0.0;
@@ -161,6 +167,8 @@ class ZelXfer final : public FrequencyAnalyser {
   ExcitationRecord excitationRecord_;
   std::vector<double> excitationPower_;   ///< by bin, summed over the records
   std::vector<ZelXferChannel*> records_;  ///< the channels, as what they are
+  RecordWatch watch_;
+  MeasuredRecord aside_;  ///< a response's, while spectra are taken
 };
 
 }  // namespace torvane

@@ -81,12 +81,8 @@ void ZelXfer::FitEndDelay() {
 }
 
 void ZelXfer::DropRecords() {
-  recordWhole_ = false;
-  ClearCurrent();
   averaging_ = false;
-  for (int slot = 1; slot < SlotCount; ++slot) {
-    if (LoadedFrom(slot).empty()) DisableTrace(slot);
-  }
+  DropMeasurements();
   Halt();
 }
 
@@ -122,9 +118,13 @@ void ZelXfer::SetSpectrum(bool on) {
       [&] {
         spectrum_ = on;
         for (ZelXferChannel* channel : records_) channel->SetWindow(on);
-        MakeResponses();
         // Half a record under the window and half without it would be neither.
-        if (NextTime() >= 0.0) Arm();
+        const bool taking = NextTime() >= 0.0;
+        if (taking) state_ = State::Halted;
+        if (!on) TakeUpResponse();
+        // A response needs the excitation, a spectrum does not.
+        if (taking && (on || running_)) Arm();
+        MakeResponses();
         Changed();
       },
       [&] { return SettingCaption("Spectrum", on); });
@@ -132,7 +132,7 @@ void ZelXfer::SetSpectrum(bool on) {
 
 void ZelXfer::ClickSpectrum(bool on) {
   SetSpectrum(on);
-  Arm();
+  if (on) Arm();
 }
 
 void ZelXfer::SetBinary(bool on) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <span>
+#include <utility>
 
 #include "core/messages.h"
 #include "instruments/analyser/response_reading.h"
@@ -66,6 +68,28 @@ void ZelXferChannel::MarkNewSamples() {
   Coherences(0).clear();
 }
 
+void ZelXferChannel::ReadSamples(int excited) {
+  Slot& slot = slots_[0];
+  const SignalRecord now =
+      ReadSignal(std::span(slot.Re).first(static_cast<std::size_t>(Length())), excited);
+  SignalRecord& kept = slot.Samples;
+  if (std::abs(now.Step) > std::abs(kept.Step)) kept.Step = now.Step;
+  kept.AtLimit = std::max(kept.AtLimit, now.AtLimit);
+  kept.Growth = std::max(kept.Growth, now.Growth);
+}
+
+void ZelXferChannel::Exchange() {
+  std::swap(slots_[0], aside_);
+  std::swap(Coherences(0), coherencesAside_);
+  slots_[0].Re.resize(aside_.Re.size());
+  slots_[0].Im.resize(aside_.Im.size());
+}
+
+void ZelXferChannel::BeginMeasurement(bool averages) {
+  slots_[0].Samples = {};
+  if (averages) average_.Clear(static_cast<std::size_t>(Length()));
+}
+
 void ZelXferChannel::AddToAverage(const ExcitationRecord& excitation) {
   if (State(0) == SlotState::Samples) RunFFT(0);
   average_.Add(slots_[0].Re, slots_[0].Im, excitation);
@@ -78,6 +102,8 @@ void ZelXferChannel::TakeAverage(int records, const std::vector<double>* excitat
   } else {
     average_.TakePower(records, slot.Re, slot.Im);
   }
+  // What leaks is another thing in each record.
+  slot.Samples.Step /= std::sqrt(static_cast<double>(records));
   slot.State = SlotState::Spectrum;
 }
 

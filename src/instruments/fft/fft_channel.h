@@ -6,6 +6,7 @@
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/fft/fft.h"
 #include "instruments/fft/record_average.h"
+#include "instruments/fft/signal_record.h"
 
 namespace torvane {
 
@@ -32,11 +33,19 @@ class ZelXferChannel final : public AnalyserChannel {
   /// Slot 0 is about to receive new samples.
   void MarkNewSamples();
 
-  /// Averaging: begins anew, takes slot 0's record in, and puts the average of so many records into
+  /// Slot 0 is about to receive a record, or several to average.
+  void BeginMeasurement(bool averages);
+  /// Averaging: takes slot 0's record in, and puts the average of so many records into
   /// slot 0, of the response to the excitation or, without its power, of the spectrum alone.
-  void BeginAverage() { average_.Clear(static_cast<std::size_t>(Length())); }
   void AddToAverage(const ExcitationRecord& excitation);
   void TakeAverage(int records, const std::vector<double>* excitationPower);
+
+  /// Slot 0's samples, of which so many were taken under the excitation, are whole.
+  void ReadSamples(int excited);
+  /// What they say of a slot; of an average, of the record that says most.
+  const SignalRecord& SamplesOf(int slot) const { return SlotOf(slot).Samples; }
+  /// Puts slot 0's record aside, and takes the one back that was put aside before.
+  void Exchange();
 
   /// Of bin `index`, 0 to Length() - 1; transforms the slot's samples first when need be.
   double Gain(int slot, int index) override;
@@ -47,12 +56,10 @@ class ZelXferChannel final : public AnalyserChannel {
   /// Copies slot 0's spectrum to slot 1 to 4; false when there is no such slot or no memory for it.
   bool StoreData(int slot);
 
-  SlotState State(int slot) const { return slots_[static_cast<std::size_t>(slot)].State; }
-  float Real(int slot, int index) const {
-    return slots_[static_cast<std::size_t>(slot)].Re[static_cast<std::size_t>(index)];
-  }
+  SlotState State(int slot) const { return SlotOf(slot).State; }
+  float Real(int slot, int index) const { return SlotOf(slot).Re[static_cast<std::size_t>(index)]; }
   float Imaginary(int slot, int index) const {
-    return slots_[static_cast<std::size_t>(slot)].Im[static_cast<std::size_t>(index)];
+    return SlotOf(slot).Im[static_cast<std::size_t>(index)];
   }
 
  private:
@@ -60,7 +67,9 @@ class ZelXferChannel final : public AnalyserChannel {
     SlotState State = SlotState::Samples;
     std::vector<float> Re;  ///< empty until the slot is first used
     std::vector<float> Im;
+    SignalRecord Samples;
   };
+  const Slot& SlotOf(int slot) const { return slots_[static_cast<std::size_t>(slot)]; }
 
   bool Readable(int slot, int index, const char* message);
 
@@ -69,6 +78,8 @@ class ZelXferChannel final : public AnalyserChannel {
   bool window_ = false;
   RecordAverage average_;
   std::array<Slot, SlotCount> slots_;
+  Slot aside_;
+  std::vector<float> coherencesAside_;
 };
 
 }  // namespace torvane

@@ -14,10 +14,26 @@
 
 namespace torvane {
 
+namespace {
+
+constexpr double UnsettledPoint = 0.1;  // of its amplitude: 1 dB, 6 degrees
+// Points that make a sweep doubtful. Near the rate of a sampled loop one period is too short to
+// tell a sine from its image, and quantised signals stand still now and then.
+constexpr int UnsettledPart = 3;
+constexpr int AtLimitPart = 20;
+constexpr double NearlyNothing = -120.0;  // dB, beside the output
+
+std::string PointsOf(int some, int all) {
+  return std::to_string(some) + " of " + std::to_string(all) + " points";
+}
+
+}  // namespace
+
 double ZelSweptDSA::phase_ = 0.0;
 
 ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
-    : FrequencyAnalyser(InstrumentKind::SweptSine, std::move(name), bench, "SweptDSA", false) {
+    : FrequencyAnalyser(InstrumentKind::SweptSine, std::move(name), bench, "SweptDSA", false),
+      watch_(bench, *this) {
   for (const Variable* variable : bench.Variables()) {
     if (variable->Internal()) continue;
     auto channel = std::make_unique<ZelSweptDSAChannel>(*variable, Capacity);
@@ -79,6 +95,7 @@ bool ZelSweptDSA::Service(double t) {
     BeginPoint();
   }
   excitation_ = std::sin(TwoPi * f_ * t + phase_) * amplitude_ + offset_;
+  watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
     for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
     if (clock_.Reached(measurementEnd_)) CompletePoint();
@@ -89,9 +106,9 @@ bool ZelSweptDSA::Service(double t) {
 void ZelSweptDSA::BeginSweep() {
   pointIndex_ = 0;
   f_ = FreqMin();
-  RecordOf(0).Frequencies.clear();
   ClearCurrent();
   TakeOrigin();
+  watch_.Begin();
   for (ZelSweptDSAChannel* channel : points_) channel->ClearPoints();
 }
 
@@ -122,7 +139,10 @@ void ZelSweptDSA::CompletePoint() {
     Finish(State::Done);
     return;
   }
+  watch_.SeeModel();
   RecordOf(0).Frequencies.push_back(f_);
+  RecordOf(0).Excited.push_back(amplitude_ > 0.0);
+  RecordOf(0).Doubts = RecordDoubts();
   MakeResponse(0);
   if (f_ < FreqMax()) {
     state_ = State::Advance;
@@ -130,6 +150,37 @@ void ZelSweptDSA::CompletePoint() {
   } else {
     Finish(State::Done);
   }
+}
+
+std::vector<std::string> ZelSweptDSA::RecordDoubts() const {
+  std::vector<std::string> doubts = watch_.Doubts();
+  for (const ZelSweptDSAChannel* channel : points_) {
+    if (channel->PointsAtLimit() * AtLimitPart < PointCount()) continue;
+    doubts.push_back(channel->Name() + " stood at a limit at " +
+                     PointsOf(channel->PointsAtLimit(), PointCount()) +
+                     ": the response is not that of a linear loop.");
+  }
+  return doubts;
+}
+
+std::vector<std::string> ZelSweptDSA::PairDoubts(int slot) const {
+  const auto& input = dynamic_cast<const ZelSweptDSAChannel&>(*Input());
+  const auto& output = dynamic_cast<const ZelSweptDSAChannel&>(*Output());
+  const int points = RecordEnd(slot);
+  int unsettled = 0;
+  bool nothing = true;
+  for (int point = 0; point < points; ++point) {
+    const double most = std::max(input.Unsettled(slot, point), output.Unsettled(slot, point));
+    if (most > UnsettledPoint) ++unsettled;
+    nothing = nothing && input.GainOf(slot, point) <= output.GainOf(slot, point) + NearlyNothing;
+  }
+  if (nothing) {
+    return {input.Name() + " is nearly nothing beside " + output.Name() +
+            ": their ratio is that of rounding."};
+  }
+  if (unsettled * UnsettledPart < points) return {};
+  return {"The loop was still moving at " + PointsOf(unsettled, points) +
+          ": more Settle Time lets it come to rest."};
 }
 
 double ZelSweptDSA::Progress() const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "instruments/analyser/analyser.h"
+#include "instruments/analyser/record_watch.h"
 #include "instruments/step_clock.h"
 #include "instruments/sweep/sweep_setup.h"
 #include "instruments/sweep/swept_sine_channel.h"
@@ -97,6 +98,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
     return static_cast<int>(RecordOf(slot).Frequencies.size());
   }
   double RecordHz(int slot, int index) const override { return PointFrequency(slot, index); }
+  std::vector<std::string> PairDoubts(int slot) const override;
   void SaveSetup(RecordWriter& writer) const override;
   bool LoadSetup(const Record& record) override;
   bool StoreSlot(int slot) override;
@@ -109,6 +111,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   void StepFrequency(double t);
   void CompletePoint();
   void Finish(State state);
+  std::vector<std::string> RecordDoubts() const;
 
   double tSample_ = 0.005;
   double startFreq_ = 10.0;
@@ -135,6 +138,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   static double phase_;
 
   std::vector<ZelSweptDSAChannel*> points_;  ///< the channels, as what they are
+  RecordWatch watch_;
 };
 
 }  // namespace torvane

@@ -1,5 +1,6 @@
 #include "instruments/sweep/swept_sine_channel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -26,6 +27,8 @@ ZelSweptDSAChannel::ZelSweptDSAChannel(const Variable& variable, int capacity)
 void ZelSweptDSAChannel::ClearPoints() {
   slots_[0].Gains.clear();
   slots_[0].Phases.clear();
+  slots_[0].Unsettled.clear();
+  pointsAtLimit_ = 0;
   Coherences(0).clear();
 }
 
@@ -33,6 +36,23 @@ void ZelSweptDSAChannel::ResetSums() {
   sums_ = {};
   pending_ = false;
   average_ = {};
+  limit_ = {};
+}
+
+// The slope of what is left of the signal without its sine and its mean. Of n periods of a ramp the
+// sine has taken 6 / (pi n)^2 of the slope.
+double ZelSweptDSAChannel::UnsettledShare(const Phasor& phasor) const {
+  const Sums& s = sums_;
+  const double amplitude = std::hypot(phasor.Sin, phasor.Cos);
+  const double periods = last_.Cycles - firstCycles_;
+  const double left = 1.0 - 6.0 / (Pi * Pi * periods * periods);
+  const double spread = s.TT - s.T * s.T / s.N;
+  if (!(amplitude > 0.0 && left > 0.2 && spread > 0.0)) return 0.0;
+  const auto withTime = [&](double product, double sum) { return product - s.T * sum / s.N; };
+  const double slope =
+      (withTime(s.TX, s.X) - phasor.Sin * withTime(s.TS, s.S) - phasor.Cos * withTime(s.TC, s.C)) /
+      (spread * left);
+  return std::abs(slope) / (Pi * amplitude);
 }
 
 ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow() {
@@ -41,6 +61,7 @@ ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow() {
   average_.Sin += phasor.Sin;
   average_.Cos += phasor.Cos;
   average_.Power += phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos;
+  average_.Unsettled = std::max(average_.Unsettled, UnsettledShare(phasor));
   return phasor;
 }
 
@@ -48,9 +69,16 @@ ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow() {
 void ZelSweptDSAChannel::NextWindow() {
   AddWindow();
   sums_ = {};
+  firstCycles_ = last_.Cycles;
 }
 
-void ZelSweptDSAChannel::Sums::Add(const Tick& tick) {
+void ZelSweptDSAChannel::Sums::Add(const Tick& tick, double firstCycles) {
+  const double t = tick.Cycles - firstCycles;
+  T += t;
+  TT += t * t;
+  TS += t * tick.Sin;
+  TC += t * tick.Cos;
+  TX += t * tick.X;
   N += 1.0;
   S += tick.Sin;
   C += tick.Cos;
@@ -63,15 +91,17 @@ void ZelSweptDSAChannel::Sums::Add(const Tick& tick) {
 }
 
 void ZelSweptDSAChannel::Accumulate(double f, double t) {
-  if (pending_) sums_.Add(last_);
+  if (pending_) sums_.Add(last_, firstCycles_);
   const double angle = TwoPi * f * t;
-  last_ = {std::sin(angle), std::cos(angle), Signal().DisplayValue()};
+  last_ = {std::sin(angle), std::cos(angle), Signal().DisplayValue(), f * t};
+  if (!pending_) firstCycles_ = last_.Cycles;
+  limit_.See(last_.X);
   pending_ = true;
 }
 
 ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::Solve() const {
   Sums sums = sums_;
-  if (sums.N == 0.0 && pending_) sums.Add(last_);
+  if (sums.N == 0.0 && pending_) sums.Add(last_, firstCycles_);
   if (sums.N == 0.0) return {};
   // Taking the means off each product removes the constant from the equations.
   const double ss = sums.SS - sums.S * sums.S / sums.N;
@@ -99,7 +129,10 @@ bool ZelSweptDSAChannel::Measure(int index) {
   if (slot.Gains.size() <= point) {
     slot.Gains.resize(point + 1);
     slot.Phases.resize(point + 1);
+    slot.Unsettled.resize(point + 1);
   }
+  slot.Unsettled[point] = average_.Unsettled;
+  if (limit_.AtLimit()) ++pointsAtLimit_;
   slot.Gains[point] = GainDb(std::sqrt(phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos));
   slot.Phases[point] = PhaseDeg(phasor.Sin, phasor.Cos);
   if (average_.Windows == 1) return true;
@@ -129,6 +162,10 @@ double ZelSweptDSAChannel::Gain(int slot, int index) {
 double ZelSweptDSAChannel::Phase(int slot, int index) {
   if (!Readable(slot, index, "ZelSweptDSAChannel:  Attempt to get phase outside range")) return 0.0;
   return slots_[static_cast<std::size_t>(slot)].Phases[static_cast<std::size_t>(index)];
+}
+
+double ZelSweptDSAChannel::Unsettled(int slot, int index) const {
+  return slots_[static_cast<std::size_t>(slot)].Unsettled[static_cast<std::size_t>(index)];
 }
 
 bool ZelSweptDSAChannel::StoreData(int slot) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/sweep/limit_watch.h"
 
 namespace torvane {
 
@@ -36,15 +37,27 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   double Phase(int slot, int index) override;
   bool StoreData(int slot);
 
+  /// The gain of a point that there is.
+  double GainOf(int slot, int index) const {
+    return slots_[static_cast<std::size_t>(slot)].Gains[static_cast<std::size_t>(index)];
+  }
+  /// The part of the amplitude at a point that comes from a signal which was still moving from one
+  /// level to another: a ramp of D a period would read D / pi.
+  double Unsettled(int slot, int index) const;
+  /// Points of slot 0 at which the signal stood at a limit.
+  int PointsAtLimit() const { return pointsAtLimit_; }
+
  private:
   struct Slot {
     std::vector<double> Gains;
     std::vector<double> Phases;
+    std::vector<double> Unsettled;
   };
   struct Tick {
     double Sin = 0.0;
     double Cos = 0.0;
     double X = 0.0;
+    double Cycles = 0.0;  ///< f t
   };
   /// Sums over the ticks of products of sine, cosine, one and the signal.
   struct Sums {
@@ -52,8 +65,9 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
     double S = 0.0, C = 0.0, X = 0.0;
     double SS = 0.0, SC = 0.0, CC = 0.0;
     double XS = 0.0, XC = 0.0;
+    double T = 0.0, TT = 0.0, TS = 0.0, TC = 0.0, TX = 0.0;  ///< T in cycles from the first tick
 
-    void Add(const Tick& tick);
+    void Add(const Tick& tick, double firstCycles);
   };
   /// What the point's windows have given so far.
   struct Average {
@@ -61,6 +75,7 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
     double Sin = 0.0;
     double Cos = 0.0;
     double Power = 0.0;  ///< sum of the squared amplitudes
+    double Unsettled = 0.0;
   };
   /// Amplitudes of the sine and the cosine.
   struct Phasor {
@@ -70,12 +85,16 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
 
   Phasor Solve() const;
   Phasor AddWindow();
+  double UnsettledShare(const Phasor& phasor) const;
   bool Readable(int slot, int index, const char* message) const;
 
   std::size_t capacity_;
   Sums sums_;
   bool pending_ = false;
+  double firstCycles_ = 0.0;  ///< at the window's first tick
   Tick last_;
+  LimitWatch limit_;
+  int pointsAtLimit_ = 0;
   Average average_;
   std::array<Slot, SlotCount> slots_;
 };

@@ -251,6 +251,9 @@ void AnalyserWindow::ShowWarnings() {
   for (const std::string& warning : analyser_.Warnings()) {
     warnings << QString::fromStdString(warning);
   }
+  for (const std::string& doubt : analyser_.ShownDoubts()) {
+    warnings << QString::fromStdString(doubt);
+  }
   ui_->LWarning->setText(warnings.join(QLatin1Char(' ')));
   ui_->LWarning->setVisible(!warnings.isEmpty());
 }
