@@ -72,13 +72,11 @@ void WarnAbove(double accurate, double highest) {
 
 }  // namespace
 
-std::string TellDoubts(const FrequencyAnalyser& analyser) {
-  std::string head;
+void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file) {
   for (const std::string& doubt : analyser.ResponseAt(0).Doubts()) {
     Warning(doubt);
-    head += "# " + doubt + "\n";
+    if (!file.IsStandardOutput()) file.Write("# " + doubt + "\n");
   }
-  return head;
 }
 
 std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser) {

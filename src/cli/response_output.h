@@ -4,12 +4,13 @@
 #include <vector>
 
 #include "cli/response_options.h"
+#include "cli/result_file.h"
 
 namespace torvane::cli {
 
-/// Says what makes the measured response doubtful; gives it as comment lines as well, for the head
-/// of the response's file.
-std::string TellDoubts(const FrequencyAnalyser& analyser);
+/// Says what makes the measured response doubtful, and writes it at the head of a file as well.
+/// Rows on standard output are for another program, which reads no comments.
+void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file);
 
 /// What a response's line says beyond gain and phase: the coherence of an averaged one, and what
 /// the overlay reads at the same frequency, empty where it has nothing.

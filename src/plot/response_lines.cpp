@@ -138,12 +138,12 @@ class LineMaker {
 
 }  // namespace
 
-FrequencyColumns::FrequencyColumns(const FrequencyAnalyser& analyser, int width)
-    : analyser_(analyser), width_(width) {
+FrequencyColumns::FrequencyColumns(const ResponseAxes& axes, int width)
+    : axes_(axes), width_(width) {
   const int count = 2 * (width + 1) + 1;
   halves_.reserve(static_cast<std::size_t>(count));
   for (int half = 0; half < count; ++half) {
-    halves_.push_back(analyser.AxisFrequency((0.5 * half - 0.5) / width));
+    halves_.push_back(axes.AxisFrequency((0.5 * half - 0.5) / width));
   }
 }
 

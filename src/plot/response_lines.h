@@ -3,24 +3,25 @@
 #include <QPolygonF>
 #include <vector>
 
-#include "instruments/analyser/analyser.h"
+#include "instruments/analyser/response.h"
+#include "instruments/analyser/response_axes.h"
 
 namespace torvane {
 
 /// The frequencies of a plot's columns.
 class FrequencyColumns {
  public:
-  FrequencyColumns(const FrequencyAnalyser& analyser, int width);
+  FrequencyColumns(const ResponseAxes& axes, int width);
 
   int Width() const { return width_; }
   double Middle(int x) const { return halves_[static_cast<std::size_t>(2 * x + 1)]; }
   double LeftEdge(int x) const { return halves_[static_cast<std::size_t>(2 * x)]; }
   double RightEdge(int x) const { return LeftEdge(x + 1); }
   /// Where a frequency lies, in columns.
-  double ColumnOf(double hz) const { return analyser_.AxisShare(hz) * width_; }
+  double ColumnOf(double hz) const { return axes_.AxisShare(hz) * width_; }
 
  private:
-  const FrequencyAnalyser& analyser_;
+  const ResponseAxes& axes_;
   int width_;
   std::vector<double> halves_;  // from half a column left of the plot, in steps of half a column
 };

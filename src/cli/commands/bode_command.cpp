@@ -11,8 +11,7 @@
 namespace torvane::cli {
 namespace {
 
-void WriteBins(const ZelXfer& xfer, const std::string& head, ResultFile& file) {
-  file.Write(head);
+void WriteBins(const ZelXfer& xfer, ResultFile& file) {
   const bool averaged = xfer.HasCoherence(0);
   std::vector<std::string> line{"Bin", "Frequency", "Gain", "Phase"};
   if (averaged) line.emplace_back("Excited");
@@ -37,8 +36,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   console.ApplySettings([&] { SetUp(xfer, options); });
   ResultFile file(options.Response.Out);
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
-  const std::string head = TellDoubts(xfer);
-  if (WritesPoints(options.Response)) WriteBins(xfer, head, file);
+  TellDoubts(xfer, file);
+  if (WritesPoints(options.Response)) WriteBins(xfer, file);
   if (options.Response.Margins) PrintMargins(xfer);
   if (options.Response.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.

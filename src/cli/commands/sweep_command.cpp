@@ -58,8 +58,7 @@ void Sweep(ZelModel& model, ZelSweptDSA& analyser, Console& console) {
   throw StoppedError("the sweep is not whole: " + std::to_string(points) + " points");
 }
 
-void WritePoints(const ZelSweptDSA& analyser, const std::string& head, ResultFile& file) {
-  file.Write(head);
+void WritePoints(const ZelSweptDSA& analyser, ResultFile& file) {
   std::vector<std::string> line{"Frequency", "Gain", "Phase"};
   Append(line, MoreCaptions(analyser));
   file.Write(CsvLine(line));
@@ -81,8 +80,8 @@ void MeasureSweep(const SweepOptions& options, Console& console) {
   console.ApplySettings([&] { SetUp(analyser, options); });
   ResultFile file(options.Response.Out);
   Sweep(*model, analyser, console);
-  const std::string head = TellDoubts(analyser);
-  if (WritesPoints(options.Response)) WritePoints(analyser, head, file);
+  TellDoubts(analyser, file);
+  if (WritesPoints(options.Response)) WritePoints(analyser, file);
   if (options.Response.Margins) PrintMargins(analyser);
   if (!options.Response.Picture.empty()) WritePicture(analyser, options.Response.Picture);
 }

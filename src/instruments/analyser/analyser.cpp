@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/files/record.h"
 #include "core/messages.h"
 #include "instruments/analyser/response_reading.h"
 
@@ -12,8 +13,8 @@ namespace torvane {
 FrequencyAnalyser::FrequencyAnalyser(InstrumentKind kind, std::string name, ZelBenchTop& bench,
                                      std::string label, bool visible)
     : Instrument(kind, std::move(name)),
+      ResponseAxes(std::move(label), SlotCount),
       bench_(bench),
-      label_(std::move(label)),
       visible_(visible) {
   bench.AddInstrument(*this);
 }
@@ -25,7 +26,7 @@ void FrequencyAnalyser::AddChannel(std::unique_ptr<AnalyserChannel> channel) {
 }
 
 void FrequencyAnalyser::CheckChannels() const {
-  if (channels_.size() < 2) Error(label_ + " initialized with fewer than 2 variables");
+  if (channels_.size() < 2) Error(Label() + " initialized with fewer than 2 variables");
 }
 
 AnalyserChannel* FrequencyAnalyser::FindChannel(const std::string& name) const {
@@ -62,11 +63,11 @@ bool FrequencyAnalyser::SetOutput(const std::string& name) {
 void FrequencyAnalyser::AddSetup(std::string name, std::string input, std::string output,
                                  double phaseAdd) {
   if (setups_.size() == MaxSetups) {
-    Error("Call to Set " + label_ + " Channel Button with Button out of range");
+    Error("Call to Set " + Label() + " Channel Button with Button out of range");
   } else if (!FindChannel(output)) {
-    Error("Call to Set " + label_ + " Channel with unknown output channel: " + output);
+    Error("Call to Set " + Label() + " Channel with unknown output channel: " + output);
   } else if (!FindChannel(input)) {
-    Error("Call to Set " + label_ + " Channel with with unknown input channel: " + input);
+    Error("Call to Set " + Label() + " Channel with with unknown input channel: " + input);
   } else {
     setups_.push_back({std::move(name), std::move(input), std::move(output), phaseAdd});
   }
@@ -74,7 +75,7 @@ void FrequencyAnalyser::AddSetup(std::string name, std::string input, std::strin
 
 bool FrequencyAnalyser::SelectSetup(int index) {
   if (index < 0 || index >= static_cast<int>(setups_.size())) {
-    Error("Call to Enable " + label_ + " Channel Button with Illegal Value");
+    Error("Call to Enable " + Label() + " Channel Button with Illegal Value");
     return false;
   }
   const AnalyserSetup& setup = setups_[static_cast<std::size_t>(index)];
@@ -150,25 +151,19 @@ void FrequencyAnalyser::SetShown(int slot, bool shown) {
   if (TraceAt(slot).Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
 }
 
-void FrequencyAnalyser::SetCursors(CursorMode mode) {
-  StoreCursor(cursors_, mode, [&] { return SettingCaption("Cursors", static_cast<int>(mode)); });
+void FrequencyAnalyser::SetSetting(double& setting, double value, const char* name) {
+  if (std::isfinite(value)) Store(setting, AsRecorded(value), name);
 }
 
-void FrequencyAnalyser::SetCursorPixel(int cursor, int pixel) {
-  const int limited = std::clamp(pixel, 0, LargestPixel);
-  StoreCursor(cursorPixel_[static_cast<std::size_t>(cursor)], limited,
-              [&] { return SettingCaption(cursor == 0 ? "Cursor 1" : "Cursor 2", limited); });
-}
-
-void FrequencyAnalyser::SetCursorSlot(int slot) {
-  if (slot < 0 || slot >= SlotCount) return;
-  StoreCursor(cursorSlot_, slot, [&] {
-    return SettingCaption("Cursor Trace", slot == 0 ? "Current" : "Memory " + std::to_string(slot));
-  });
-}
-
-void FrequencyAnalyser::SetSplitScreen(bool split) {
-  Store(splitScreen_, split, "Split Screen");
+void FrequencyAnalyser::SetChecked(double& setting, double value, bool good, const char* message,
+                                   const char* name, double limit) {
+  if (!good) {
+    Error(message);
+  } else if (!(std::abs(value) <= limit)) {
+    Error(std::string("Attempt to set ") + name + " beyond " + FormatEdit(limit));
+  } else {
+    SetSetting(setting, value, name);
+  }
 }
 
 void FrequencyAnalyser::TakeOrigin() {

@@ -9,8 +9,8 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/analyser/response_axes.h"
 #include "instruments/analyser/response_slot.h"
-#include "instruments/analyser/response_view.h"
 #include "instruments/analyser/setup_finding.h"
 #include "instruments/setting_caption.h"
 
@@ -27,14 +27,13 @@ struct AnalyserSetup {
 
 /// What is common to the analysers that measure gain and phase against frequency: the channels and
 /// which of them are input and output, the run button, the traces (current measurement and four
-/// memories), the plot's axes, and reading the response between two measured points.
-class FrequencyAnalyser : public Instrument {
+/// memories) and how they are looked at.
+class FrequencyAnalyser : public Instrument, public ResponseAxes {
  public:
   static constexpr int SlotCount = AnalyserChannel::SlotCount;
+  using ResponseAxes::SetView;
+  using ResponseAxes::View;
   static constexpr int MaxSetups = 10;
-  enum class CursorMode { None, One, Two };
-  /// Rightmost pixel that a cursor can be put on.
-  static constexpr int LargestPixel = 32767;
 
   /// A trace can be shown once it has data.
   struct Trace {
@@ -77,14 +76,10 @@ class FrequencyAnalyser : public Instrument {
   const Response& ResponseAt(int slot) const { return SlotAt(slot).Held; }
   bool HasCoherence(int slot) const { return HasData(slot) && ResponseAt(slot).HasCoherence(); }
 
-  /// Which plot is shown, and what of the responses; all that is read of them follows. A spectrum
-  /// is shown as it is.
-  const ResponseView& View() const { return responseView_; }
-  void SetView(const ResponseView& view);
-  /// What the view shows of a slot that has data.
+  /// What the view shows of a slot that has data. A spectrum is shown as it is.
   const Response& ShownResponse(int slot) const { return SlotAt(slot).AsSeen(); }
   /// The lower plot shows group delay instead of phase.
-  bool ShowsDelay() const { return responseView_.GroupDelay && !OutputOnly(); }
+  bool ShowsDelay() const { return View().GroupDelay && !OutputOnly(); }
 
   /// What is shown of a slot at any frequency, Hz; nothing where it has no such value.
   std::optional<double> Read(ResponseQuantity quantity, int slot, double hz) const;
@@ -132,47 +127,8 @@ class FrequencyAnalyser : public Instrument {
   const TraceOrigin& Origin(int slot) const { return SlotAt(slot).Record.Origin; }
   void SetShown(int slot, bool shown);
 
-  /// Frequency axis, Hz, logarithmic; the limits stay at least 1 % apart.
-  double FreqMin() const { return freqMin_; }
-  double FreqMax() const { return freqMax_; }
-  /// Frequency at a share of the axis, 0 at its low end and 1 at its high end.
-  double AxisFrequency(double share) const;
-  /// The other way round.
-  double AxisShare(double hz) const;
-  /// Scales per division (dB, degrees), always positive; offsets in dB and degrees.
-  double GainScale() const { return gainScale_; }
-  double GainOffset() const { return gainOffset_; }
-  double PhaseScale() const { return phaseScale_; }
-  double PhaseOffset() const { return phaseOffset_; }
-  // Values out of range are reported and refused.
-  void SetFreqMin(double hz);
-  void SetFreqMax(double hz);
-  /// Both limits at once, whatever they were before.
-  void SetFreqRange(double low, double high);
-  void SetGainScale(double scale);
-  void SetGainOffset(double offset);
-  void SetPhaseScale(double scale);
-  void SetPhaseOffset(double offset);
-
-  /// Text of the automatic search ("-3 dB", "Gain Max", ...).
-  const std::string& FindType() const { return findType_; }
-  void SetFindType(const std::string& text);
-
   /// Whether the window is on the workspace; it is never destroyed.
   virtual void SetVisible(bool visible);
-
-  CursorMode Cursors() const { return cursors_; }
-  void SetCursors(CursorMode mode);
-  /// Horizontal positions of cursors 0 and 1 on the plot.
-  int CursorPixel(int cursor) const { return cursorPixel_[static_cast<std::size_t>(cursor)]; }
-  /// Limited to 0..LargestPixel.
-  void SetCursorPixel(int cursor, int pixel);
-  /// The trace that the cursors read.
-  int CursorSlot() const { return cursorSlot_; }
-  void SetCursorSlot(int slot);
-  /// Gain above, phase below; else one plot for both.
-  bool SplitScreen() const { return splitScreen_; }
-  void SetSplitScreen(bool split);
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
@@ -222,17 +178,13 @@ class FrequencyAnalyser : public Instrument {
         },
         [&] { return SettingCaption(name, setting); });
   }
-  /// The same for what is drawn over the traces, which need not be drawn anew.
-  template <class T, class Caption>
-  void StoreCursor(T& setting, T value, Caption caption) {
-    if (setting != value) Change([&] { setting = value; }, caption);
-  }
+  void ChangeAxes(Touches touches, const std::function<void()>& change,
+                  const Caption& caption) override;
 
   /// The records between the channels and the scales of the plot, the analyser's own.
   virtual void SaveSetup(RecordWriter& writer) const = 0;
   /// Takes one of them, of four entries; false when its keyword is unknown.
   virtual bool LoadSetup(const Record& record) = 0;
-  void SaveFreqRange(RecordWriter& writer) const;
   /// The settings that no file keeps.
   virtual void SaveMore(RecordWriter& writer) const;
   virtual bool LoadMore(const std::string& keyword, int value);
@@ -258,8 +210,6 @@ class FrequencyAnalyser : public Instrument {
 
   ZelBenchTop& bench_;
   bool running_ = false;
-  double freqMin_ = 1.0;
-  double freqMax_ = 1000.0;
 
  private:
   using Reading = double (AnalyserChannel::*)(int, int);
@@ -277,11 +227,7 @@ class FrequencyAnalyser : public Instrument {
   /// What is drawn has changed.
   void MarkStale() { needsRedraw_ = true; }
   bool LoadChoice(const Record& record);
-  bool LoadAxis(const Record& record);
-  bool LoadView(const std::string& keyword, int value);
-  void SetPositive(double& setting, double value, const char* what);
 
-  std::string label_;
   std::vector<std::unique_ptr<AnalyserChannel>> channels_;
   AnalyserChannel* input_ = nullptr;
   AnalyserChannel* output_ = nullptr;
@@ -289,19 +235,7 @@ class FrequencyAnalyser : public Instrument {
   std::vector<AnalyserSetup> setups_;
   std::array<ResponseSlot, SlotCount> slots_;
   int averages_ = 1;
-  double gainScale_ = 20.0;
-  double gainOffset_ = 0.0;
-  double phaseScale_ = 90.0;
-  double phaseOffset_ = 0.0;
-  std::string findType_ = "-3 dB";
   bool visible_;
-  CursorMode cursors_ = CursorMode::None;
-  std::array<int, 2> cursorPixel_{10, 20};
-  int cursorSlot_ = 0;
-  bool splitScreen_ = true;
-  ResponseView responseView_;
-  std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
-  std::optional<double> fileFreqMax_;
   bool needsRedraw_ = false;
 };
 

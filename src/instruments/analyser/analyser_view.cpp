@@ -4,21 +4,23 @@
 
 namespace torvane {
 
-void FrequencyAnalyser::SetView(const ResponseView& view) {
-  if (responseView_ == view) return;
+void FrequencyAnalyser::ChangeAxes(Touches touches, const std::function<void()>& change,
+                                   const Caption& caption) {
   Change(
       [&] {
-        responseView_ = view;
-        for (int slot = 0; slot < SlotCount; ++slot) See(slot);
-        MarkStale();
+        change();
+        if (touches == Touches::View) {
+          for (int slot = 0; slot < SlotCount; ++slot) See(slot);
+        }
+        if (touches != Touches::Cursors) MarkStale();
       },
-      [] { return "View"; });
+      caption);
 }
 
 void FrequencyAnalyser::See(int slot) {
   ResponseSlot& trace = SlotOf(slot);
   trace.Seen.reset();
-  if (responseView_.Derives() && !OutputOnly()) trace.Seen = trace.Held.Seen(responseView_);
+  if (View().Derives() && !OutputOnly()) trace.Seen = trace.Held.Seen(View());
 }
 
 std::optional<double> FrequencyAnalyser::Read(ResponseQuantity quantity, int slot,

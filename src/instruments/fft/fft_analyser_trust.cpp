@@ -119,8 +119,9 @@ std::vector<std::string> ZelXfer::PairDoubts(int slot) const {
   }
   if (leak.Share() <= LeakyShare) return {};
   return {
-      "The loop had not come to rest where the record ends, which leaks into its bins: more End "
-      "Zero Time, or a longer record, lets it."};
+      "The record does not end as it began, which leaks into its bins: more Start and End Zero "
+      "Time, "
+      "or a longer record, lets the loop come to rest."};
 }
 
 }  // namespace torvane

@@ -21,6 +21,7 @@ constexpr double UnsettledPoint = 0.1;  // of its amplitude: 1 dB, 6 degrees
 // tell a sine from its image, and quantised signals stand still now and then.
 constexpr int UnsettledPart = 3;
 constexpr int AtLimitPart = 20;
+constexpr int LeastAtLimit = 2;
 constexpr double NearlyNothing = -120.0;  // dB, beside the output
 
 std::string PointsOf(int some, int all) {
@@ -155,9 +156,9 @@ void ZelSweptDSA::CompletePoint() {
 std::vector<std::string> ZelSweptDSA::RecordDoubts() const {
   std::vector<std::string> doubts = watch_.Doubts();
   for (const ZelSweptDSAChannel* channel : points_) {
-    if (channel->PointsAtLimit() * AtLimitPart < PointCount()) continue;
-    doubts.push_back(channel->Name() + " stood at a limit at " +
-                     PointsOf(channel->PointsAtLimit(), PointCount()) +
+    const int atLimit = channel->PointsAtLimit();
+    if (atLimit < LeastAtLimit || atLimit * AtLimitPart < PointCount()) continue;
+    doubts.push_back(channel->Name() + " stood at a limit at " + PointsOf(atLimit, PointCount()) +
                      ": the response is not that of a linear loop.");
   }
   return doubts;
