@@ -28,6 +28,7 @@ USERS = {
     "core": ["models", "cli"],
     "library": ["models", "cli"],
     "instruments": ["models", "cli"],
+    "kit": ["models", "cli"],
     "models": ["cli"],
     "study": ["cli"],
     "plot": ["cli"],

@@ -6,8 +6,6 @@
 
 #include "core/run_loop.h"
 #include "instruments/meter/meter.h"
-#include "kit/fused_model.h"
-#include "library/low_pass1.h"
 #include "models/loop.h"
 
 // What holds for each model of the catalogue.
@@ -105,31 +103,6 @@ TEST(Catalogue, KnowsItsModelsAndNoOthers) {
   test::Recorder recorder;
   for (const int wrong : {-1, 15}) EXPECT_FALSE(LoadModel(wrong));
   EXPECT_EQ(recorder.Take(), test::Messages(2, "Fatal Error: Fault in LoadModel"));
-}
-
-/// Lists its integrator, but not its filter.
-struct ForgetfulModel final : FusedModel<ForgetfulModel> {
-  ForgetfulModel() : FusedModel("Forgetful", 1e-3) {}
-
-  struct Loop {
-    State x;
-    LowPass1 filter{10.0};
-  };
-  Loop loop_;
-
-  void Equations(Loop& s, double /*t*/) { s.x.Derivative = s.filter.Output(); }
-  auto Parts(Loop& s) { return std::tie(s.x); }
-
-  Signals signals_{Bench(), {{loop_.x, "x", "", {}, ""}}};
-  OnBench<LowPass1> filter_{Bench(), loop_.filter};
-};
-
-TEST(FusedSolver, AForgottenPartEndsTheProgramBeforeTheFirstStep) {
-  test::Recorder recorder;
-  ForgetfulModel model;
-  EXPECT_THROW(model.Solver().RunUntil(1.0), std::logic_error);
-  EXPECT_TRUE(recorder.Ended);
-  EXPECT_EQ(model.Time(), 0.0);
 }
 
 }  // namespace
