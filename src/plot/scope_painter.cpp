@@ -344,7 +344,8 @@ void ScopePainter::PlaceColumns(int first, const ScopeScreen& screen) {
 
 void ScopePainter::AppendPoints(std::vector<TracePoint>& points, std::size_t channel, int first,
                                 const ScopeScreen& screen) const {
-  if (screen.Values[channel].empty()) return;  // loaded traces may lack it
+  // A screen may be empty altogether; loaded traces may lack a channel.
+  if (channel >= screen.Values.size() || screen.Values[channel].empty()) return;
   const ScreenPixels pixels(plate_.width(), plate_.height());
   const ZelChannel& signal = *scope_.Channels()[channel];
   for (std::size_t i = 0; i < x_.size(); ++i) {
