@@ -8,15 +8,31 @@
 
 namespace torvane::cli {
 
+/// Which frequency responses of a model are measured: from a command to what follows it, and its
+/// open loop. What is not given of order, sample time, end delay and amplitude is not the
+/// analyser's, but chosen for the model's loop.
+struct LoopOptions {
+  BodeOptions Bode;  ///< its input is the command, its output the response
+  std::string Loop;  ///< IN:OUT, the open loop's pair in place of the model's
+};
+
+/// What came of it.
+struct MeasuredLoop {
+  std::vector<std::string> Fields;    ///< by caption; what cannot be read is empty
+  std::vector<std::string> Missing;   ///< why, a clause each
+  std::vector<std::string> Warnings;  ///< what makes a field less trustworthy
+};
+
 std::vector<std::string> LoopCaptions();
 
-/// Wrong usage if the model has no FFT analyser or the analyser does not take its settings.
-void CheckLoop(ZelModel& model, const BodeOptions& options, Console& console);
+/// Wrong usage if the model has no FFT analyser, the analyser does not take its settings, or the
+/// loop is none of the model's. Says how the loop is measured where that is not plain.
+void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console);
 
-/// Bandwidth, peaking and margins by caption, read off a response that is measured in a model of
-/// its own; what cannot be read is empty. An overflow or a record that is not whole is a
-/// CommandError of ExitCode::Stopped.
-std::vector<std::string> MeasureLoop(const MakeModel& make, const BodeOptions& options,
-                                     Console& console, bool showProgress);
+/// Reads bandwidth and peaking off the response to the command, and margins off the open loop, each
+/// measured in a model of its own whose generators rest. An overflow or a record that is not whole
+/// is a CommandError of ExitCode::Stopped.
+MeasuredLoop MeasureLoop(const MakeModel& make, const LoopOptions& options, Console& console,
+                         bool showProgress);
 
 }  // namespace torvane::cli

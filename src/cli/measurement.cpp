@@ -37,6 +37,13 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
       command.add_flag("--bode", options.WithBode,
                        "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
                        "analyser in a run of its own");
+  CLI::Option* const loop =
+      command
+          .add_option("--loop", options.Loop,
+                      "Read the margins off the open loop from IN, the error, to OUT, the "
+                      "feedback, in place of the loop that the model names")
+          ->type_name("IN:OUT");
+  loop->needs(withBode);
   const std::size_t before = command.get_options().size();
   AddRecordOptions(command, bode);
   AddExcitationOptions(command, bode.Response);
@@ -64,15 +71,20 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   if (response.Input.empty()) throw UsageError("--command is required");
   if (response.Output.empty()) throw UsageError("--response is required");
   CheckStep(model, Step(options));
-  if (options.WithBode) CheckLoop(model, options.Bode, console);
+  if (options.WithBode) CheckLoop(model, {options.Bode, options.Loop}, console);
 }
 
 RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
                        bool showProgress) {
   MeasuredStep step = MeasureStep(make, Step(options), console, showProgress);
-  RunMeasures measures{std::move(step.Fields), std::move(step.Reason), std::move(step.Run)};
+  RunMeasures measures{std::move(step.Fields), std::move(step.Reason), {}, std::move(step.Run)};
   if (options.WithBode) {
-    Append(measures.Fields, MeasureLoop(make, options.Bode, console, showProgress));
+    MeasuredLoop loop = MeasureLoop(make, {options.Bode, options.Loop}, console, showProgress);
+    Append(measures.Fields, loop.Fields);
+    for (const std::string& why : loop.Missing) {
+      measures.Reason += (measures.Reason.empty() ? "" : "; ") + why;
+    }
+    measures.Warnings = std::move(loop.Warnings);
   }
   return measures;
 }

@@ -13,8 +13,9 @@ namespace torvane::cli {
 /// frequency response between them.
 struct MeasureOptions {
   /// MODEL, the two signals (Input is the command, Output the response) and how the frequency
-  /// response is measured.
+  /// responses are measured.
   BodeOptions Bode;
+  std::string Loop;  ///< as in LoopOptions
   bool WithBode = false;
   std::optional<double> Until;
   std::optional<double> Window;
@@ -36,8 +37,9 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
 
 /// What came of a run.
 struct RunMeasures {
-  std::vector<std::string> Fields;  ///< by caption; one that cannot be measured is empty
-  std::string Reason;               ///< of an empty field of the step
+  std::vector<std::string> Fields;    ///< by caption; one that cannot be measured is empty
+  std::string Reason;                 ///< of empty fields
+  std::vector<std::string> Warnings;  ///< what makes fields less trustworthy, a sentence each
   StepRun Step;
 };
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/command_error.h"
+#include "cli/names.h"
 #include "core/text.h"
 
 namespace torvane::cli {
@@ -40,6 +41,18 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& option, std::option
   return AddValue(command, option, "NUMBER", description, [=, &value](const std::string& text) {
     value = ParseOption(option, text, range);
   });
+}
+
+CLI::Option* AddChoice(CLI::App& command, const std::string& option, std::optional<int>& value,
+                       std::vector<std::string> names, const std::string& description) {
+  std::string type;
+  for (const std::string& name : names) type += (type.empty() ? "" : "|") + name;
+  const auto set = [option, &value, names = std::move(names)](const std::string& text) {
+    const int index = IndexOfName(Lower(text), names);
+    if (index < 0) throw UnknownName(option, text, names);
+    value = index;
+  };
+  return command.add_option_function<std::string>(option, set, description)->type_name(type);
 }
 
 CLI::Option* AddInteger(CLI::App& command, const std::string& option, std::optional<int>& value,

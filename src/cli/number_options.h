@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -21,6 +22,10 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& option, double& val
                        NumberRange range, const std::string& description);
 CLI::Option* AddNumber(CLI::App& command, const std::string& option, std::optional<double>& value,
                        NumberRange range, const std::string& description);
+/// One of some names, without regard to case: its position. Any other is wrong usage, whatever else
+/// is on the command line.
+CLI::Option* AddChoice(CLI::App& command, const std::string& option, std::optional<int>& value,
+                       std::vector<std::string> names, const std::string& description);
 CLI::Option* AddInteger(CLI::App& command, const std::string& option, std::optional<int>& value,
                         const std::string& description);
 

@@ -8,6 +8,7 @@
 #include "cli/pictures.h"
 #include "cli/result_file.h"
 #include "core/messages.h"
+#include "instruments/analyser/read_as.h"
 #include "instruments/analyser/response_csv.h"
 
 namespace torvane::cli {
@@ -56,6 +57,9 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
   command.add_flag("--margins", options.Margins,
                    "Print bandwidth, peaking, gain and phase margins; the points then go to --out "
                    "only");
+  AddChoice(command, "--read-as", options.MarginsAs, {ReadAsNames.begin(), ReadAsNames.end()},
+            "What --margins takes the response for: an open loop, a closed one, a closed one whose "
+            "feedback is its output (margins are then computed), or what it looks like");
   CLI::Option* const overlay =
       command
           .add_option("--overlay", options.Overlay,
@@ -116,6 +120,7 @@ void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options) {
   if (options.Margins && analyser.OutputOnly()) {
     throw UsageError("--margins needs a response; --no-spectrum measures one");
   }
+  if (options.MarginsAs && !options.Margins) throw UsageError("--read-as goes with --margins");
   for (const std::string& warning : analyser.Warnings()) Warning(warning);
 }
 

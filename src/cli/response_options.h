@@ -20,6 +20,7 @@ struct ResponseOptions {
   std::string Out;
   std::string Picture;
   bool Margins = false;
+  std::optional<int> MarginsAs;  ///< a ReadAs
   std::optional<int> Average;
   std::string Overlay;
   std::string OverlayColumns;

@@ -64,12 +64,6 @@ class MarginLines {
   double highest_ = 0.0;
 };
 
-void WarnAbove(double accurate, double highest) {
-  if (highest <= accurate) return;
-  Warning("The sample time is short enough for what is read up to " + Number(accurate) +
-          " Hz.  Choose a shorter one (--tsample) for what is read above.");
-}
-
 }  // namespace
 
 void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file) {
@@ -104,14 +98,26 @@ bool WritesPoints(const ResponseOptions& options) {
   return !options.Margins || !options.Out.empty();
 }
 
-void PrintMargins(FrequencyAnalyser& analyser) {
+std::string SampleTimeWarning(double accurateUpTo) {
+  return "The sample time is short enough for what is read up to " + Number(accurateUpTo) +
+         " Hz.  Choose a shorter one (--tsample) for what is read above.";
+}
+
+void PrintMargins(FrequencyAnalyser& analyser, ReadAs as) {
   ResultFile output("");
   output.Write(CsvLine({"Response", "Measure", "Frequency", "Value", "Unit"}));
   MarginReader reader;
   for (const int slot : {0, OverlaySlot}) {
-    MarginLines lines(slot == 0 ? "Measured" : "Overlay", output);
-    lines.Write(reader.Read(analyser, slot));
-    if (slot == 0) WarnAbove(analyser.AccurateUpTo(), lines.HighestHz());
+    if (!analyser.HasData(slot)) continue;
+    const std::string response = slot == 0 ? "Measured" : "Overlay";
+    MarginLines lines(response, output);
+    const Margins& margins = reader.Read(analyser, slot, as);
+    lines.Write(margins);
+    if (margins.Empty()) {
+      for (const std::string& why : margins.Missing) Note(response + ": " + why);
+    }
+    const double accurate = analyser.AccurateUpTo();
+    if (slot == 0 && lines.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
   }
   output.Close();
 }

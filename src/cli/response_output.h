@@ -5,6 +5,7 @@
 
 #include "cli/response_options.h"
 #include "cli/result_file.h"
+#include "instruments/analyser/read_as.h"
 
 namespace torvane::cli {
 
@@ -20,7 +21,11 @@ std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index
 /// Whether the points are written: to --out, or to standard output unless the margins go there.
 bool WritesPoints(const ResponseOptions& options);
 
-/// Prints what is read off the measured response, and off the overlay, to standard output.
-void PrintMargins(FrequencyAnalyser& analyser);
+/// Prints what is read off the measured response, and off the overlay, to standard output; notes
+/// why nothing is.
+void PrintMargins(FrequencyAnalyser& analyser, ReadAs as);
+
+/// That figures above the frequency, Hz, are not trustworthy.
+std::string SampleTimeWarning(double accurateUpTo);
 
 }  // namespace torvane::cli

@@ -13,11 +13,8 @@
 namespace torvane::cli {
 namespace {
 
-constexpr double LongestWait = 10.0;  // for a response to stand, seconds
-constexpr double FirstLook = 0.01;    // at whether it stands, seconds after it was set off
-// The same for all runs of a study, so that each step meets its loop's samples alike; an edge of
-// every whole frequency.
-constexpr double SoonestStep = 1.0;     // seconds
+constexpr double LongestWait = 10.0;    // for a response to stand, seconds
+constexpr double FirstLook = 0.01;      // at whether it stands, seconds after it was set off
 constexpr double LatestEdge = 100.0;    // of the generator, seconds from then
 constexpr double LatestJump = 0.1;      // of a command that is sampled, seconds
 constexpr double LookLater = 1.25;      // times as late each time
@@ -81,7 +78,7 @@ class OneStep {
     if (!Rest()) return WithoutStep("the response does not come to rest before the step");
 
     const double start = *edge - settings.PhaseDeg / 360.0;
-    const double soonest = std::max(SoonestStep, run_.Time() + 2.0 * StepsAround * Step());
+    const double soonest = run_.Time() + 2.0 * StepsAround * Step();
     const double jump = (std::ceil(soonest * settings.FreqHz - start) + start) / settings.FreqHz;
     if (jump > run_.Time() + LatestEdge) {
       return WithoutStep("the command makes no step within " + FormatShortest(LatestEdge) + " s");

@@ -36,9 +36,9 @@ struct StepRun {
 StepMeasures Measured(const StepRun& run);
 
 /// Runs one step of the command. The generator that it comes from is held before its rising edge
-/// until the response stands, jumps at its own first edge from 1 s on, and is held behind it until
-/// the response stands again or the window is over. An overflow or an interrupt is a CommandError
-/// of ExitCode::Stopped.
+/// until the response stands, jumps when its own edge is next due, and is held behind it until the
+/// response stands again or the window is over. An overflow or an interrupt is a CommandError of
+/// ExitCode::Stopped.
 StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Console& console,
                    bool showProgress);
 

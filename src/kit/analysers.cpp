@@ -1,5 +1,7 @@
 #include "kit/analysers.h"
 
+#include "core/constant.h"
+
 namespace torvane {
 
 Analysers::Analysers(ZelBenchTop& bench, int maxOrder, const Sweep& sweep)
@@ -23,12 +25,28 @@ void Analysers::AddSetup(const std::string& name, const std::string& input,
   }
 }
 
-void Analysers::AddVelocitySetups() {
+void Analysers::AddVelocitySetups(const Constant* sampleTime, Constant* useRes) {
   AddSetup("Closed", "vC", "vF");
   AddSetup("Open", "vE", "vF");
+  SetLoop([=] {
+    ModelLoop loop{"vE", "vF", false, sampleTime ? sampleTime->Value() : 0.0};
+    if (useRes) loop.Linear = {{useRes, 0.0}};
+    return loop;
+  });
 }
 
-void Analysers::AddFilterSetups(const std::string& input) {
+void Analysers::SetLoop(const std::function<ModelLoop()>& loop) {
+  const auto excited = [loop, amplitude = Swept.Amplitude()] {
+    ModelLoop named = loop();
+    named.Amplitude = amplitude;
+    return named;
+  };
+  Fft.SetLoop(excited);
+  Swept.SetLoop(excited);
+}
+
+void Analysers::AddFilterSetups(const std::string& input, const Constant* sampleTime) {
+  SetLoop([=] { return ModelLoop{"", "", false, sampleTime ? sampleTime->Value() : 0.0}; });
   AddSetup("1-Pole", input, "vLP1");
   AddSetup("2-Pole", input, "vLP2");
   AddSetup("Notch", input, "vNotch");

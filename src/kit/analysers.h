@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "instruments/fft/fft_analyser.h"
@@ -26,11 +27,16 @@ struct Analysers {
   void AddSetup(const std::string& name, const std::string& input, const std::string& output,
                 double phaseAdd = 0.0);
 
-  /// The two responses that every velocity loop is asked for.
-  void AddVelocitySetups();
+  /// The two responses that every velocity loop is asked for. The loop samples at the given period,
+  /// or is continuous; it is linear while its sensor's resolution, if it has one, is not used.
+  void AddVelocitySetups(const Constant* sampleTime = nullptr, Constant* useRes = nullptr);
 
-  /// Those of three filters side by side on the signal of that name.
-  void AddFilterSetups(const std::string& input);
+  /// Names the model's loop, whose excitation is the sweep's.
+  void SetLoop(const std::function<ModelLoop()>& loop);
+
+  /// Those of three filters side by side on the signal of that name, which is sampled at the given
+  /// period, or continuous.
+  void AddFilterSetups(const std::string& input, const Constant* sampleTime = nullptr);
 
   ZelXfer Fft;
   ZelSweptDSA Swept;

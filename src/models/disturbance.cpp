@@ -108,6 +108,10 @@ MDisturbance::MDisturbance(const std::string& name) : FusedModel(name, 1e-5) {
   analysers_.AddSetup("Command Source", "vC", "vM");
   analysers_.AddVelocitySetups();
   analysers_.AddSetup("Open+180", "vE", "vF", 180.0);
+  analysers_.SetLoop([this] {
+    return ModelLoop{
+        "vE", "vF", false, drive_.tSample.Value(), {{&bodeType_, Command}}, {{&useRes_, No}}};
+  });
 }
 
 void MDisturbance::Sample(Loop& s, double t) {

@@ -84,6 +84,14 @@ MPosLoopCascade::MPosLoopCascade(const std::string& name) : FusedModel(name, 1e-
   SetFiles("BWTX16-01.bmp", "BWTX16-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
+  analysers_.SetLoop([this] {
+    return ModelLoop{"vPC",
+                     "vF",
+                     true,
+                     drive_.tSample.Value(),
+                     {{&kfv_, 0.0}, {&kfa_, 0.0}},
+                     {{&res_, res_.Default()}}};
+  });
 }
 
 void MPosLoopCascade::Sample(Loop& s, double t) {

@@ -89,6 +89,14 @@ MPosLoopPID::MPosLoopPID(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
+  analysers_.SetLoop([this] {
+    return ModelLoop{"vPC",
+                     "vF",
+                     true,
+                     drive_.tSample.Value(),
+                     {{&kfv_, 0.0}, {&kfa_, 0.0}},
+                     {{&res_, res_.Default()}}};
+  });
 }
 
 void MPosLoopPID::Integrate(const Loop& s) {

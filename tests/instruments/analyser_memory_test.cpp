@@ -213,6 +213,8 @@ TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
   } cases[] = {
       {"-2.9 dB", 1, 0, 0, 40, ""},
       {"-3.1DB", 1, 50, 0, 41, ""},
+      {"-3,1 dB", 1, 50, 0, 41, ""},
+      {"-3,1.5 dB", 1, 3, 0, 3, "Cannot read Autofind selection"},
       {"-109.9 deg", 1, 0, 0, 100, ""},
       {"-109.9 deg", 2, 90, 120, 100, ""},
       {"gain MAX", 1, 50, 0, 0, ""},
@@ -236,7 +238,13 @@ TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
     EXPECT_EQ(Reports.Take(), *note ? Messages{std::string("Note: ").append(note)} : Messages{})
         << what;
   }
+  // From -120 degrees through the half turn to -285, which is beyond the wrap.
+  Xfer.LoadMemory(1, {{10.0, 0.0, -120.0}, {30.0, 0.0, 75.0}, {1000.0, 0.0, 60.0}}, "wrapped");
   Xfer.SetCursors(ZelXfer::CursorMode::One);
+  Xfer.SetCursorPixel(0, 0);
+  Xfer.SetFindType("-180 deg");
+  AutoFind(Xfer, Width);
+  EXPECT_EQ(Xfer.CursorPixel(0), 48);
   Xfer.SetShown(1, false);
   AutoFind(Xfer, Width);
   EXPECT_EQ(Reports.Take(), Messages{"Note: Cursor waveform is not showing"});

@@ -4,17 +4,15 @@
 
 #include <cmath>
 #include <complex>
+#include <numbers>
 
 #include "instruments/analyser/margins.h"
 
 namespace torvane {
 namespace {
 
-Margins Read(const ResponseCurve& curve) {
-  // What stands there of another curve goes.
-  Margins margins{true, 1.0, 1.0, Margins::Reading{}, {{1.0, 1.0}}, {{1.0, 1.0}}};
-  FindMargins(curve, margins);
-  return margins;
+Margins Read(const ResponseCurve& curve, ReadAs as = ReadAs::Auto) {
+  return FindMargins(curve, as);
 }
 
 TEST(Margins, AreReadBetweenThePointsThatCanBeTrusted) {
@@ -43,11 +41,13 @@ TEST(Margins, AreReadBetweenThePointsThatCanBeTrusted) {
 
 TEST(Margins, TakeACurveThatScattersAboutALevelForOneCrossing) {
   // At 0 dB the phase scatters about 0 degrees, so the phase margin about half a turn.
-  const ResponseCurve scattered{{1, 50, 1}, {1.2, 40, 1}, {1.4, 30, 1},  {1.6, 25, 1},
-                                {2, 20, 1}, {3, 0.1, 1},  {4, -0.1, -1}, {5, 0.1, 1}};
+  const ResponseCurve scattered{{1, 50, 1},  {1.2, 40, 1},  {1.4, 30, 1}, {1.6, 25, 1}, {2, 20, 1},
+                                {3, 0.1, 1}, {4, -0.1, -1}, {5, 0.1, 1},  {6, -0.1, -1}};
   const Margins flat = Read(scattered);
   ASSERT_EQ(flat.PhaseMargins.size(), 1U);
   EXPECT_GT(std::abs(flat.PhaseMargins[0].Value), 179.0);
+  // Where it comes back to its side, there is none.
+  EXPECT_TRUE(Read({scattered.begin(), scattered.end() - 1}).PhaseMargins.empty());
   const Margins open = Read({{1, -9, -170}, {2, -10, -181}, {3, -11, -179}, {4, -12, -190}});
   ASSERT_EQ(open.GainMargins.size(), 1U);
   EXPECT_NEAR(open.GainMargins[0].Value, 10.5, 0.5);
@@ -55,15 +55,78 @@ TEST(Margins, TakeACurveThatScattersAboutALevelForOneCrossing) {
   EXPECT_EQ(Read({{1, 39, -170}, {2, 35, -187}, {3, 32, -173}}).GainMargins.size(), 2U);
 }
 
-TEST(Margins, FindThePeakBetweenThePointsOfASweep) {
-  // A parabola in log f: its top is found whatever points it is given by.
-  const auto gain = [](double hz) { return 6.0 - 40.0 * std::pow(std::log10(hz / 33.0), 2); };
-  ResponseCurve curve;
-  for (const double hz : {10.0, 20.0, 31.0, 45.0, 90.0}) curve.push_back({hz, gain(hz), 0.0});
-  const Margins margins = Read(curve);
-  ASSERT_TRUE(margins.Peaking);
-  EXPECT_NEAR(margins.Peaking->Hz, 33.0, 1e-9);
-  EXPECT_NEAR(margins.Peaking->Value, 6.0, 1e-9);
+// Every other point a little above the smooth curve and the others below: how a measurement
+// scatters.
+ResponsePoint Point(double hz, std::complex<double> value, double scatter = 0.0) {
+  return {hz, 20.0 * std::log10(std::abs(value)) + scatter,
+          std::arg(value) * 180.0 / std::numbers::pi + 10.0 * scatter};
+}
+
+// 1 / (1 - u^2 + 2 j z u) about 100 Hz with a damping of 0.005 and a gain of 0.1 behind it: at 90
+// degrees of lag it has 20 log10(0.1 / 0.01), and more at its top by 1 / sqrt(1 - z^2).
+TEST(Margins, AreThoseOfANarrowResonanceWhateverPointsItIsGivenBy) {
+  constexpr double Damping = 0.005;
+  for (const double step : {0.001, 0.003, 0.01}) {
+    ResponseCurve curve;
+    for (double u = 0.5; u < 2.0; u *= 1.0 + step) {
+      const std::complex<double> resonance =
+          0.1 / std::complex<double>(1.0 - u * u, 2.0 * Damping * u);
+      curve.push_back(Point(100.0 * u, -std::complex<double>(0.0, 1.0) * resonance));
+    }
+    UnwrapPhase(curve);
+    const Margins margins = Read(curve, ReadAs::Open);
+    ASSERT_EQ(margins.GainMargins.size(), 1U) << step;
+    EXPECT_NEAR(margins.GainMargins[0].Value, -20.0, 0.05) << step;
+    EXPECT_NEAR(margins.GainMargins[0].Hz, 100.0, 0.1);
+    // It comes up through 0 dB and goes down again, however narrow it is.
+    EXPECT_EQ(margins.PhaseMargins.size(), 2U);
+    const Margins closed = Read(curve, ReadAs::Closed);
+    ASSERT_TRUE(closed.Peaking);
+    EXPECT_NEAR(closed.Peaking->Value, 20.0 - 10.0 * std::log10(1.0 - Damping * Damping), 1e-6);
+    EXPECT_NEAR(closed.Peaking->Hz, 100.0 * std::sqrt(1.0 - 2.0 * Damping * Damping), 1e-6);
+  }
+}
+
+TEST(Margins, LeaveOutWhatScatterMakes) {
+  // k / s (1 + s)^2 in rad/s at bins, whose phase begins next to -180 degrees where `type` is 2.
+  const auto read = [](double gain, int type, double scatter) {
+    ResponseCurve curve;
+    for (int bin = 1; bin <= 500; ++bin) {
+      const std::complex<double> s(0.0, 0.01 * bin);
+      const auto lag = type == 1 ? 1.0 / (1.0 + s) : (1.0 + 4.0 * s) / s;
+      curve.push_back(Point(bin, gain / s * lag / (1.0 + s), bin % 2 ? scatter : -scatter));
+    }
+    UnwrapPhase(curve);
+    return Read(curve, ReadAs::Open);
+  };
+  const Margins one = read(0.5, 1, 0.05);
+  ASSERT_EQ(one.GainMargins.size(), 1U);
+  EXPECT_NEAR(one.GainMargins[0].Value, 12.04, 0.1);
+  EXPECT_EQ(one.PhaseMargins.size(), 1U);
+  // At the lowest bins it scatters about -180 degrees and stays above.
+  EXPECT_TRUE(read(0.5, 2, 0.3).GainMargins.empty());
+  // What scatters by more than a few degrees where it crosses is not told.
+  const Margins rough = read(0.5, 1, 2.0);
+  EXPECT_TRUE(rough.Empty());
+  EXPECT_EQ(rough.Missing.back(), "no gain margin: the response scatters too much there");
+}
+
+TEST(Margins, SayWhatAResponseIsTakenForAndWhyNothingIsRead) {
+  const auto lag = [](double gain, bool integrates) {
+    ResponseCurve curve;
+    for (double hz = 0.5; hz < 50.0; hz += 0.5) {
+      const std::complex<double> s(0.0, hz / 100.0);
+      curve.push_back(Point(hz, integrates ? gain / (gain + s) : gain / (1.0 + s)));
+    }
+    return Read(curve);
+  };
+  EXPECT_TRUE(lag(0.2, true).Closed);
+  for (const double gain : {0.55, 0.7, 1.5, 1.9}) EXPECT_FALSE(lag(gain, false).Closed) << gain;
+  EXPECT_EQ(lag(0.55, false).Missing,
+            (std::vector<std::string>{
+                "no phase margin: the gain does not cross 0 dB from 0.5 to 49.5 Hz",
+                "no gain margin: the phase does not cross -180 degrees from 0.5 to 49.5 Hz"}));
+  EXPECT_EQ(Read({}).Missing.size(), 1U);
 }
 
 TEST(ResponseCurve, OpensAClosedLoopAndTellsItsDelay) {

@@ -17,7 +17,7 @@ TEST(LoopMargins, OfTheOpenLoopAreReadOffTheClosedOne) {
   loop.Generate(0.0);
   loop.Run(2.5 * loop.Model().Solver().Step());
   MarginReader reader;
-  const Margins& margins = reader.Read(loop.Measure(), 0, true);
+  const Margins& margins = reader.Read(loop.Measure(), 0, ReadAs::Unity);
   ASSERT_TRUE(margins.SmallestPhaseMargin() && margins.SmallestGainMargin());
   EXPECT_NEAR(margins.SmallestPhaseMargin()->Value, 64.87, 1.0);
   EXPECT_NEAR(margins.SmallestPhaseMargin()->Hz, 59.8, 0.6);

@@ -38,7 +38,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
   TellDoubts(xfer, file);
   if (WritesPoints(options.Response)) WriteBins(xfer, file);
-  if (options.Response.Margins) PrintMargins(xfer);
+  if (options.Response.Margins)
+    PrintMargins(xfer, static_cast<ReadAs>(options.Response.MarginsAs.value_or(0)));
   if (options.Response.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.
   if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();

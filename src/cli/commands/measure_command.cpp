@@ -5,6 +5,7 @@
 #include "cli/quiet.h"
 #include "cli/result_file.h"
 #include "core/csv.h"
+#include "core/messages.h"
 #include "study/row.h"
 
 namespace torvane::cli {
@@ -16,8 +17,11 @@ void Measure(const MeasureOptions& options, Console& console) {
   ResultFile output("");
   const MakeModel make = [&] { return OpenModel(options.Bode.Response.Model, console); };
   // Building the model once has said all that there is to say about the options.
-  const Quiet quiet;
-  const RunMeasures measures = MeasureRun(make, options, console, Console::CanShowProgress(false));
+  const RunMeasures measures = [&] {
+    const Quiet quiet;
+    return MeasureRun(make, options, console, Console::CanShowProgress(false));
+  }();
+  for (const std::string& warning : measures.Warnings) Warning(warning);
   std::vector<std::string> captions = MeasureCaptions(options);
   std::vector<std::string> fields = measures.Fields;
   captions.emplace_back(ReasonCaption);

@@ -5,7 +5,6 @@
 #include "cli/commands/commands.h"
 #include "cli/long_run.h"
 #include "cli/model_options.h"
-#include "cli/names.h"
 #include "cli/number_options.h"
 #include "cli/result_file.h"
 #include "core/text.h"
@@ -17,7 +16,7 @@ namespace {
 struct MeterOptions {
   ModelOptions Model;
   std::string Variable;
-  std::string Kind;
+  std::optional<int> Kind;  ///< a MeterKind
   double Until = 0.0;
   std::string With;
   std::optional<double> Harmonic;
@@ -33,12 +32,6 @@ struct MeterOptions {
 const std::vector<std::string>& KindNames() {
   static const std::vector<std::string> names{"rms", "average", "harmonic", "correlation"};
   return names;
-}
-
-MeterKind NamedKind(const std::string& name) {
-  const int index = IndexOfName(name, KindNames());
-  if (index < 0) throw UnknownName("meter kind", name, KindNames());
-  return static_cast<MeterKind>(index);
 }
 
 void SetSecondSignal(ZelMeter& meter, const ZelBenchTop& bench, const std::string& name) {
@@ -103,8 +96,8 @@ ZelMeter& ChooseMeter(ZelModel& model, const MeterOptions& options) {
   const auto& meters = model.Bench().Instruments(InstrumentKind::Meter);
   if (!meters.empty()) return dynamic_cast<ZelMeter&>(*meters.front());
   if (options.Variable.empty()) throw UsageError("--variable is required");
-  if (options.Kind.empty()) throw UsageError("--kind is required");
-  if (options.With.empty() && NamedKind(options.Kind) == MeterKind::Correlation) {
+  if (!options.Kind) throw UsageError("--kind is required");
+  if (options.With.empty() && static_cast<MeterKind>(*options.Kind) == MeterKind::Correlation) {
     throw UsageError("--with names the signal to correlate with; it is needed");
   }
   ZelMeter* const meter = AddMeter(model, "Meter");
@@ -113,13 +106,12 @@ ZelMeter& ChooseMeter(ZelModel& model, const MeterOptions& options) {
 }
 
 void ReadMeter(const MeterOptions& options, Console& console) {
-  if (!options.Kind.empty()) NamedKind(options.Kind);  // refused before a model is built
   const auto model = OpenModel(options.Model, console);
   ZelMeter* const meter = &ChooseMeter(*model, options);
   if (!options.Variable.empty()) {
     meter->SetVariable(NamedSignal(model->Bench(), options.Variable).Name());
   }
-  if (!options.Kind.empty()) meter->SetKind(NamedKind(options.Kind));
+  if (options.Kind) meter->SetKind(static_cast<MeterKind>(*options.Kind));
   if (!options.With.empty()) SetSecondSignal(*meter, model->Bench(), options.With);
   console.ApplySettings([&] { SetUp(*meter, options); });
   CheckOptionsOfKind(*meter, options);
@@ -144,10 +136,8 @@ void AddMeterCommand(CLI::App& app, Console& console) {
       ->add_option("--variable", options->Variable,
                    "Signal to measure; needed unless MODEL is a file with a meter")
       ->type_name("V");
-  command
-      ->add_option("--kind", options->Kind,
-                   "What to measure; needed unless MODEL is a file with a meter")
-      ->type_name("rms|average|harmonic|correlation");
+  AddChoice(*command, "--kind", options->Kind, KindNames(),
+            "What to measure; needed unless MODEL is a file with a meter");
   AddNumber(*command, "--until", options->Until, NumberRange::Positive,
             "Simulated time at which to read the meter, seconds")
       ->required();

@@ -82,7 +82,8 @@ void MeasureSweep(const SweepOptions& options, Console& console) {
   Sweep(*model, analyser, console);
   TellDoubts(analyser, file);
   if (WritesPoints(options.Response)) WritePoints(analyser, file);
-  if (options.Response.Margins) PrintMargins(analyser);
+  if (options.Response.Margins)
+    PrintMargins(analyser, static_cast<ReadAs>(options.Response.MarginsAs.value_or(0)));
   if (!options.Response.Picture.empty()) WritePicture(analyser, options.Response.Picture);
 }
 

@@ -131,6 +131,7 @@ std::optional<RunResult> Study::Measure(std::size_t run) const {
       result.Row.Measures[k] = ParseNumber(measures.Fields[k]);
     }
     if (!measures.Reason.empty()) reasons.push_back(measures.Reason);
+    reasons.insert(reasons.end(), measures.Warnings.begin(), measures.Warnings.end());
     if (Traced()) result.Trace = ResponseOf(measures.Step);
   } catch (const std::exception& error) {
     reasons.emplace_back(error.what());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "core/bench.h"
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
+#include "instruments/analyser/model_loop.h"
 #include "instruments/analyser/response_axes.h"
 #include "instruments/analyser/response_slot.h"
 #include "instruments/analyser/setup_finding.h"
@@ -61,6 +63,11 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   bool SelectSetup(int index);
   /// Index of the set-up that is in force, or -1.
   int CurrentSetup() const;
+
+  /// The loop that the model names as its own, as its constants stand; none for a model without
+  /// feedback.
+  void SetLoop(std::function<ModelLoop()> loop) { loop_ = std::move(loop); }
+  std::optional<ModelLoop> Loop() const { return loop_ ? std::optional(loop_()) : std::nullopt; }
 
   /// Response at a fractional bin or point of a slot: output against input in dB and degrees (or
   /// the output alone, in spectrum mode). Linear between two neighbours, whose phases are wrapped
@@ -233,6 +240,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   AnalyserChannel* output_ = nullptr;
   double phaseAdd_ = 0.0;
   std::vector<AnalyserSetup> setups_;
+  std::function<ModelLoop()> loop_;
   std::array<ResponseSlot, SlotCount> slots_;
   int averages_ = 1;
   bool visible_;

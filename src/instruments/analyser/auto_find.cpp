@@ -13,6 +13,7 @@ namespace torvane {
 
 namespace {
 
+constexpr double Turn = 360.0;  // degrees
 constexpr int RightMargin = 4;  // columns that a search over the plot leaves out
 
 using Kind = FindTarget::Kind;
@@ -24,14 +25,11 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-// The number in the text: the longest one that starts where a number first can.
+// The number in the text, with nothing but blanks between it and the unit.
 std::optional<double> NumberIn(const std::string& text) {
   const std::size_t start = text.find_first_of("+-.0123456789");
   if (start == std::string::npos) return std::nullopt;
-  for (std::size_t length = text.size() - start; length > 0; --length) {
-    if (const auto number = ParseNumber(text.substr(start, length))) return number;
-  }
-  return std::nullopt;
+  return ParseNumber(text.substr(start, text.find('d', start) - start));
 }
 
 struct Columns {
@@ -59,17 +57,30 @@ class Search {
 
   std::optional<int> Level(const Columns& columns) const {
     std::optional<double> reference;
+    double last = 0.0;
     for (int x = columns.First; x <= columns.Last; ++x) {
-      const auto value = ValueAt(x);
+      auto value = ValueAt(x);
       if (!value) continue;
       if (!reference) {
         reference = value;
-      } else if (std::min(*reference, *value) <= target_.Level &&
-                 target_.Level <= std::max(*reference, *value)) {
-        return x;
+      } else {
+        if (Turns()) value = last + std::remainder(*value - last, Turn);
+        if (Reaches(*reference, *value)) return x;
       }
+      last = *value;
     }
     return std::nullopt;
+  }
+
+  // A phase that is shown within a turn goes on through its wraps, and has the level each turn.
+  bool Turns() const { return target_.What == Kind::PhaseLevel && !analyser_.View().Unwrapped; }
+
+  bool Reaches(double reference, double value) const {
+    const double low = std::min(reference, value);
+    const double high = std::max(reference, value);
+    const double turns = Turns() ? std::ceil((low - target_.Level) / Turn) : 0.0;
+    const double level = target_.Level + turns * Turn;
+    return low <= level && level <= high;
   }
 
   std::optional<int> Extreme(const Columns& columns) const {

@@ -24,8 +24,8 @@ std::optional<FindTarget> ParseFindTarget(const std::string& text);
 /// two it stays between them; without cursors nothing is searched.
 ///
 /// The level lies between the first value of a search and the one found, however many columns are
-/// between them: a trace that starts beyond the level is found where it comes back. Between the two
-/// sides of a wrap there is no phase.
+/// between them: a trace that starts beyond the level is found where it comes back. Phases
+/// that are not shown unwrapped are the same a turn away, and go on through a wrap.
 void AutoFind(FrequencyAnalyser& analyser, int plotWidth);
 
 }  // namespace torvane

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 
+#include "core/text.h"
 #include "instruments/analyser/analyser.h"
+#include "instruments/analyser/response_reading.h"
 
 namespace torvane {
 
@@ -11,29 +14,14 @@ namespace {
 
 constexpr double HalfTurn = 180.0;
 constexpr double Turn = 360.0;
-constexpr double Unity = 6.0;      // dB that a closed response may begin beside unity
 constexpr double LeastPeak = 0.1;  // dB; less is scatter
-constexpr double Closeness = 1.01;
-// How far a curve must have moved away from a level before it can cross it again.
-constexpr double GainScatter = 0.5;   // dB
-constexpr double PhaseScatter = 5.0;  // degrees
 
-/// Two neighbours of a curve, and what lies between them.
-struct Span {
-  const ResponsePoint& Low;
-  const ResponsePoint& High;
-
-  double HzAt(double share) const { return Low.Hz * std::pow(High.Hz / Low.Hz, share); }
-  double GainAt(double share) const { return Low.Gain + share * (High.Gain - Low.Gain); }
-  double PhaseAt(double share) const { return Low.Phase + share * (High.Phase - Low.Phase); }
-};
-
-double ShareOf(double level, double low, double high) {
-  return (level - low) / (high - low);
+Level GainLevel(double at) {
+  return {&LogPoint::Gain, &LogPoint::Phase, at, 0.0, 0.02, 0.5, 1.0};
 }
 
-bool FallsThrough(double level, double low, double high) {
-  return low > level && high <= level;
+Level PhaseLevel(double at, double every) {
+  return {&LogPoint::Phase, &LogPoint::Gain, at, every, 0.2, 5.0, 6.0};
 }
 
 double PhaseMargin(double phase) {
@@ -41,155 +29,150 @@ double PhaseMargin(double phase) {
   return margin == -HalfTurn ? HalfTurn : margin;
 }
 
-// Which full turn below the half turn a phase lies in: it changes where the loop's gain becomes
-// real and negative.
-double TurnOf(double phase) {
-  return std::floor((phase + HalfTurn) / Turn);
+std::string Text(double value) {
+  return FormatGeneral(value, 4, 1);
 }
 
-/// The crossings of a level that a measured curve makes while it scatters about it: they are one,
-/// in their middle.
-class Scatter {
- public:
-  explicit Scatter(std::vector<Margins::Reading>& crossings) : crossings_(crossings) {}
-
-  void Cross(double hz, double value) {
-    logHz_ += std::log(hz);
-    value_ += value;
-    ++count_;
-  }
-  /// The curve is clear of the level.
-  void Leave() {
-    if (count_ > 0) crossings_.push_back({std::exp(logHz_ / count_), value_ / count_});
-    logHz_ = value_ = 0.0;
-    count_ = 0;
-  }
-
- private:
-  std::vector<Margins::Reading>& crossings_;
-  double logHz_ = 0.0;
-  double value_ = 0.0;
-  int count_ = 0;
-};
-
-void ReadBandwidth(const Span& span, Margins& margins) {
-  const auto& [low, high] = span;
-  if (!margins.GainBandwidth && FallsThrough(Margins::BandwidthGain, low.Gain, high.Gain)) {
-    margins.GainBandwidth = span.HzAt(ShareOf(Margins::BandwidthGain, low.Gain, high.Gain));
-  }
-  if (!margins.PhaseBandwidth && FallsThrough(Margins::BandwidthPhase, low.Phase, high.Phase)) {
-    margins.PhaseBandwidth = span.HzAt(ShareOf(Margins::BandwidthPhase, low.Phase, high.Phase));
-  }
+std::string Between(std::span<const LogPoint> points) {
+  return " from " + Text(std::exp(points.front().LogHz)) + " to " +
+         Text(std::exp(points.back().LogHz)) + " Hz";
 }
 
-void ReadCrossings(const Span& span, Scatter& ofGain, Scatter& ofPhase) {
-  const auto& [low, high] = span;
-  if ((low.Gain > 0.0) != (high.Gain > 0.0)) {
-    const double share = ShareOf(0.0, low.Gain, high.Gain);
-    ofGain.Cross(span.HzAt(share), span.PhaseAt(share));
-  }
-  if (std::abs(high.Gain) > GainScatter) ofGain.Leave();
-  if (TurnOf(low.Phase) != TurnOf(high.Phase)) {
-    const double upper = std::max(TurnOf(low.Phase), TurnOf(high.Phase));
-    const double share = ShareOf(upper * Turn - HalfTurn, low.Phase, high.Phase);
-    ofPhase.Cross(span.HzAt(share), -span.GainAt(share));
-  }
-  if (std::abs(std::remainder(high.Phase + HalfTurn, Turn)) > PhaseScatter) ofPhase.Leave();
+// Why crossings of a level are not there.
+std::string NoCrossing(const std::string& what, const std::string& crosses,
+                       const LevelCrossings& crossings, std::span<const LogPoint> points) {
+  if (crossings.Scattered()) return "no " + what + ": the response scatters too much there";
+  return "no " + what + ": the " + crosses + Between(points);
 }
 
-// The top of the parabola through three points of gain against the logarithm of frequency, of which
-// the middle one is the highest.
-Margins::Reading Top(const ResponsePoint& left, const ResponsePoint& middle,
-                     const ResponsePoint& right) {
-  const double a = std::log(left.Hz / middle.Hz);
-  const double b = std::log(right.Hz / middle.Hz);
-  const double left1 = (left.Gain - middle.Gain) / a;
-  const double right1 = (right.Gain - middle.Gain) / b;
-  const double curvature = (right1 - left1) / (b - a);
-  if (!(curvature < 0.0)) return {middle.Hz, middle.Gain};
-  const double slope = left1 - curvature * a;
-  const double at = -slope / (2.0 * curvature);
-  return {middle.Hz * std::exp(at), middle.Gain + (slope + curvature * at) * at};
-}
-
-// The lowest points scatter most, so that the median of some says where the curve begins.
-bool BeginsAtUnity(std::span<const ResponsePoint> curve) {
-  constexpr std::size_t Points = 9;
-  std::vector<double> gains;
-  for (const ResponsePoint& point : curve) {
-    if (point.Trusted()) gains.push_back(point.Gain);
-    if (gains.size() == Points) break;
-  }
-  if (gains.empty()) return false;
-  const auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
-  std::nth_element(gains.begin(), middle, gains.end());
-  return std::abs(*middle) <= Unity;
-}
-
-std::optional<Margins::Reading> Peak(std::span<const ResponsePoint> curve) {
-  std::optional<Margins::Reading> peak;
-  const ResponsePoint* before = nullptr;
-  const ResponsePoint* last = nullptr;
-  const ResponsePoint* highest = nullptr;
-  for (const ResponsePoint& point : curve) {
-    if (!point.Trusted()) continue;
-    if (highest == last && before && last->Gain > LeastPeak && last->Gain >= point.Gain) {
-      peak = Top(*before, *last, point);
-    }
-    if (!highest || point.Gain > highest->Gain) {
-      highest = &point;
-      peak.reset();
-    }
-    before = last;
-    last = &point;
-  }
-  return peak;
-}
-
-/// The mean of points that follow each other closely.
-class Mean {
- public:
-  bool Holds(const ResponsePoint& point) const {
-    return count_ == 0 || point.Hz <= first_ * Closeness;
-  }
-  void Add(const ResponsePoint& point) {
-    if (count_ == 0) first_ = point.Hz;
-    logHz_ += std::log(point.Hz / first_);
-    gain_ += point.Gain;
-    phase_ += point.Phase;
-    ++count_;
-  }
-  ResponsePoint Take() {
-    const ResponsePoint mean{first_ * std::exp(logHz_ / count_), gain_ / count_, phase_ / count_};
-    *this = {};
-    return mean;
-  }
-  bool IsEmpty() const { return count_ == 0; }
-
- private:
-  double first_ = 0.0;
-  double logHz_ = 0.0;
-  double gain_ = 0.0;
-  double phase_ = 0.0;
-  int count_ = 0;
-};
-
-/// Calls read(span) for each two neighbours among the means of the points that can be trusted.
-template <class Read>
-void ForEachSpan(std::span<const ResponsePoint> curve, Read read) {
-  Mean mean;
-  std::optional<ResponsePoint> before;
-  const auto close = [&] {
-    const ResponsePoint point = mean.Take();
-    if (before) read(Span{*before, point});
-    before = point;
+// The reciprocal of the squared gain is a parabola in the square of the frequency for every
+// resonance of second order, so that its top is found whatever points it is given by.
+Margins::Reading Top(const LogPoint& left, const LogPoint& middle, const LogPoint& right) {
+  const auto x = [&](const LogPoint& point) {
+    return std::exp(2.0 * (point.LogHz - middle.LogHz)) - 1.0;
   };
-  for (const ResponsePoint& point : curve) {
-    if (!point.Trusted()) continue;
-    if (!mean.Holds(point)) close();
-    mean.Add(point);
+  const auto y = [&](const LogPoint& point) {
+    return std::pow(10.0, (middle.Gain - point.Gain) / 10.0) - 1.0;
+  };
+  const double left1 = y(left) / x(left);
+  const double right1 = y(right) / x(right);
+  const double curvature = (right1 - left1) / (x(right) - x(left));
+  const double slope = left1 - curvature * x(left);
+  const double at = -slope / (2.0 * curvature);
+  const double least = 1.0 + (slope + curvature * at) * at;
+  if (!(curvature > 0.0 && at > -1.0 && least > 0.0)) {
+    return {std::exp(middle.LogHz), middle.Gain};
   }
-  if (!mean.IsEmpty()) close();
+  return {std::exp(middle.LogHz) * std::sqrt(1.0 + at), middle.Gain - 10.0 * std::log10(least)};
+}
+
+void ReadPeak(std::span<const LogPoint> points, Margins& margins) {
+  const auto highest =
+      std::max_element(points.begin(), points.end(),
+                       [](const LogPoint& a, const LogPoint& b) { return a.Gain < b.Gain; });
+  if (highest->Gain <= LeastPeak) {
+    margins.Missing.push_back("no peaking: the gain does not rise above " + Text(LeastPeak) +
+                              " dB" + Between(points));
+  } else if (highest == points.begin() || highest + 1 == points.end()) {
+    margins.Missing.push_back("no peaking: the gain is greatest at an end of the response");
+  } else {
+    margins.Peaking = Top(highest[-1], *highest, highest[1]);
+  }
+}
+
+// The gain's is the bandwidth as one speaks of it: the phase's is not missed.
+void ReadBandwidths(std::span<const LogPoint> points, Margins& margins) {
+  const auto first = [](const LevelCrossings& crossings) -> std::optional<double> {
+    for (const LevelCrossing& one : crossings.All()) {
+      if (one.Falls) return one.Hz;
+    }
+    return std::nullopt;
+  };
+  const Level gain = GainLevel(Margins::BandwidthGain);
+  const LevelCrossings crossings(points, gain);
+  margins.GainBandwidth = first(crossings);
+  if (!margins.GainBandwidth) {
+    margins.Missing.push_back(
+        NoCrossing("bandwidth", "gain does not fall through -3 dB", crossings, points));
+  }
+  margins.Scatter = crossings.Scatter();
+  margins.PhaseBandwidth = first({points, PhaseLevel(Margins::BandwidthPhase, 0.0)});
+}
+
+// Of too many those that say most, in order of frequency.
+void KeepSmallest(std::vector<Margins::Reading>& readings) {
+  if (readings.size() <= Margins::MostCrossings) return;
+  const auto by = [&](auto of) {
+    std::sort(readings.begin(), readings.end(),
+              [&](const auto& a, const auto& b) { return of(a) < of(b); });
+  };
+  by([](const Margins::Reading& one) { return std::abs(one.Value); });
+  readings.resize(Margins::MostCrossings);
+  by([](const Margins::Reading& one) { return one.Hz; });
+}
+
+void ReadCrossings(std::span<const LogPoint> points, Margins& margins) {
+  const Level gain = GainLevel(0.0);
+  const LevelCrossings ofGain(points, gain);
+  for (const LevelCrossing& one : ofGain.All()) {
+    margins.PhaseMargins.push_back({one.Hz, PhaseMargin(one.Value)});
+  }
+  const Level phase = PhaseLevel(-HalfTurn, Turn);
+  const LevelCrossings ofPhase(points, phase);
+  for (const LevelCrossing& one : ofPhase.All()) {
+    margins.GainMargins.push_back({one.Hz, -one.Value});
+  }
+  margins.Scatter = std::max(ofGain.Scatter(), ofPhase.Scatter());
+  KeepSmallest(margins.PhaseMargins);
+  KeepSmallest(margins.GainMargins);
+  if (margins.PhaseMargins.empty()) {
+    margins.Missing.push_back(
+        NoCrossing("phase margin", "gain does not cross 0 dB", ofGain, points));
+  }
+  if (margins.GainMargins.empty()) {
+    margins.Missing.push_back(
+        NoCrossing("gain margin", "phase does not cross -180 degrees", ofPhase, points));
+  }
+}
+
+// How many points there are in the octaves that a response begins with.
+std::size_t FirstOctaves(std::span<const LogPoint> points, double octaves) {
+  const double end = points.front().LogHz + octaves * std::log(2.0);
+  return static_cast<std::size_t>(std::count_if(
+      points.begin(), points.end(), [&](const LogPoint& point) { return point.LogHz < end; }));
+}
+
+// Of some points the middle value: single ones scatter.
+template <class Of>
+double Middle(std::span<const LogPoint> points, Of of) {
+  std::vector<double> values;
+  for (const LogPoint& point : points) values.push_back(of(point));
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+double FromUnity(std::span<const LogPoint> points) {
+  return Middle(points, [](const LogPoint& point) {
+    return std::abs(std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase / DegreesPerRadian) -
+                    1.0);
+  });
+}
+
+// A closed loop with a high gain at low frequencies follows its command there: 1 / (1 + L) goes to
+// 0 with the frequency. An open loop that begins near unity stays as far from it as it is.
+bool IsClosed(std::span<const LogPoint> points) {
+  constexpr double Close = 0.1;
+  constexpr double Near = 0.4;
+  constexpr double Growth = 1.6;
+  const std::size_t first = FirstOctaves(points, 1.0);
+  const std::size_t second =
+      std::min(std::max(FirstOctaves(points, 2.0), first + 1), points.size());
+  const double begin = FromUnity(points.first(first));
+  if (begin <= Close) return true;
+  if (begin > Near) return false;
+  if (second <= first) return true;
+  return FromUnity(points.subspan(first, second - first)) > Growth * begin;
 }
 
 const Margins::Reading* Smallest(const std::vector<Margins::Reading>& readings) {
@@ -197,6 +180,12 @@ const Margins::Reading* Smallest(const std::vector<Margins::Reading>& readings) 
       readings.begin(), readings.end(),
       [](const auto& a, const auto& b) { return std::abs(a.Value) < std::abs(b.Value); });
   return found == readings.end() ? nullptr : &*found;
+}
+
+bool IsModelLoop(const FrequencyAnalyser& analyser, int slot) {
+  const auto loop = analyser.Loop();
+  return loop && !loop->FromClosed && analyser.LoadedFrom(slot).empty() && analyser.Input() &&
+         analyser.Input()->Name() == loop->Input && analyser.Output()->Name() == loop->Output;
 }
 
 }  // namespace
@@ -209,36 +198,43 @@ const Margins::Reading* Margins::SmallestGainMargin() const {
   return Smallest(GainMargins);
 }
 
-void FindMargins(std::span<const ResponsePoint> unwrapped, Margins& margins) {
-  margins.GainBandwidth.reset();
-  margins.PhaseBandwidth.reset();
-  margins.Peaking.reset();
-  margins.PhaseMargins.clear();
-  margins.GainMargins.clear();
-  margins.Closed = BeginsAtUnity(unwrapped);
-  if (margins.Closed) {
-    margins.Peaking = Peak(unwrapped);
-    ForEachSpan(unwrapped, [&](const Span& span) { ReadBandwidth(span, margins); });
-    return;
+Margins FindMargins(std::span<const ResponsePoint> unwrapped, ReadAs as) {
+  Margins margins;
+  std::vector<LogPoint> points;
+  TakeLogPoints(unwrapped, points);
+  if (points.size() < 2) {
+    margins.Missing.emplace_back("the response has no two points that can be trusted");
+    return margins;
   }
-  Scatter ofGain(margins.PhaseMargins);
-  Scatter ofPhase(margins.GainMargins);
-  ForEachSpan(unwrapped, [&](const Span& span) { ReadCrossings(span, ofGain, ofPhase); });
-  ofGain.Leave();
-  ofPhase.Leave();
-  for (Margins::Reading& reading : margins.PhaseMargins) reading.Value = PhaseMargin(reading.Value);
+  margins.Begin = Middle(std::span(points).first(FirstOctaves(points, 1.0)),
+                         [](const LogPoint& point) { return point.Gain; });
+  margins.Closed = as == ReadAs::Closed || (as == ReadAs::Auto && IsClosed(points));
+  if (margins.Closed) {
+    ReadBandwidths(points, margins);
+    ReadPeak(points, margins);
+  } else {
+    ReadCrossings(points, margins);
+  }
+  return margins;
 }
 
-const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, bool opened) {
+const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, ReadAs as,
+                                  std::optional<double> highest) {
   ReadCurve(analyser, slot, curve_);
   if (analyser.LoadedFrom(slot).empty()) {
-    const double highest = 2.0 * analyser.AccurateUpTo();
-    std::erase_if(curve_, [&](const ResponsePoint& point) { return point.Hz > highest; });
+    const double most = highest.value_or(2.0 * analyser.AccurateUpTo());
+    std::erase_if(curve_, [&](const ResponsePoint& point) { return point.Hz > most; });
   }
-  if (opened) OpenFromClosed(curve_);
+  if (as == ReadAs::Unity) OpenFromClosed(curve_);
+  if (as == ReadAs::Auto && IsModelLoop(analyser, slot)) as = ReadAs::Open;
   UnwrapPhase(curve_);
-  FindMargins(curve_, margins_);
+  margins_ = FindMargins(curve_, as);
   return margins_;
+}
+
+const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot) {
+  const ResponseView& view = analyser.View();
+  return Read(analyser, slot, view.OpenLoop ? ReadAs::Unity : view.MarginsAs);
 }
 
 }  // namespace torvane

@@ -105,7 +105,11 @@ void ResponseAxes::SetPhaseOffset(double offset) {
 }
 
 void ResponseAxes::SetFindType(const std::string& text) {
-  StoreIn(Touches::Plot, findType_, StorableField(text),
+  std::string number = text;
+  if (text.find('.') == std::string::npos && std::count(text.begin(), text.end(), ',') == 1) {
+    std::replace(number.begin(), number.end(), ',', '.');
+  }
+  StoreIn(Touches::Plot, findType_, StorableField(number),
           [&] { return SettingCaption("Auto Find", findType_); });
 }
 

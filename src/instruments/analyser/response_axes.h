@@ -50,7 +50,8 @@ class ResponseAxes {
   void SetPhaseScale(double scale);
   void SetPhaseOffset(double offset);
 
-  /// Text of the automatic search ("-3 dB", "Gain Max", ...).
+  /// Text of the automatic search ("-3 dB", "Gain Max", ...); a decimal comma becomes a point, as a
+  /// comma ends a field of a file.
   const std::string& FindType() const { return findType_; }
   void SetFindType(const std::string& text);
 

@@ -59,6 +59,7 @@ void ResponseAxes::SaveLook(RecordWriter& writer) const {
   write("SplitScreen", splitScreen_);
   write("Plot", static_cast<int>(view_.Plot));
   for (const ViewSwitch& view : ViewSwitches) write(view.Keyword, view_.*view.On);
+  write("MarginsAs", static_cast<int>(view_.MarginsAs));
 }
 
 bool ResponseAxes::LoadLook(const std::string& keyword, int value) {
@@ -83,6 +84,11 @@ bool ResponseAxes::LoadView(const std::string& keyword, int value) {
   ResponseView view = view_;
   if (keyword == "Plot") {
     view.Plot = static_cast<ResponsePlot>(std::clamp(value, 0, LastPlot));
+    SetView(view);
+    return true;
+  }
+  if (keyword == "MarginsAs") {
+    view.MarginsAs = static_cast<ReadAs>(std::clamp(value, 0, static_cast<int>(ReadAs::Closed)));
     SetView(view);
     return true;
   }
@@ -126,12 +132,9 @@ void ResponseAxes::FinishLoadingAxis() {
     SetFreqRange(*fileFreqMin_, *fileFreqMax_);
   } else if (fileFreqMin_) {
     // Where both were set before, the lower one may stand closer than it could be moved alone.
-    const double high = freqMax_;
-    SetFreqRange(*fileFreqMin_, high);
-    if (freqMax_ != high) {
-      freqMax_ = high;
-      SetFreqMin(*fileFreqMin_);
-    }
+    constexpr double Apart = 1.01;
+    const bool below = Apart * *fileFreqMin_ <= freqMax_;
+    below ? SetFreqRange(*fileFreqMin_, freqMax_) : SetFreqMin(*fileFreqMin_);
   } else if (fileFreqMax_) {
     SetFreqMax(*fileFreqMax_);
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "instruments/analyser/read_as.h"
+
 namespace torvane {
 
 enum class ResponsePlot {
@@ -14,6 +16,8 @@ struct ResponseView {
   bool OpenLoop = false;    ///< G / (1 - G) of each response G
   bool Unwrapped = false;   ///< phases go on beyond a turn
   bool GroupDelay = false;  ///< below the gain, instead of the phase
+  /// What margins are read off as; of a response that is opened, those of the open loop.
+  ReadAs MarginsAs = ReadAs::Auto;
 
   /// Something is made of the responses.
   bool Derives() const { return OpenLoop || Unwrapped || GroupDelay; }

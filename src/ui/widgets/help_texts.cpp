@@ -258,7 +258,7 @@ constexpr Entry Entries[] = {
     {"BPhaseOffsetUp", "Moves the phase's trace up by a division."},
     {"BPhaseZero", "Draws the phase without an offset."},
     {"SBMargins",
-     "Reads bandwidth and peaking off a closed loop's response, and the margins of the open loop; "
+     "Reads bandwidth and peaking off a closed loop's response, and margins off an open loop's; "
      "the "
      "places are marked on the plot."},
     {"SBView",
@@ -267,6 +267,9 @@ constexpr Entry Entries[] = {
     {"SGMargins",
      "What the trace of the cursors says: of a closed loop how far it follows its command, of an "
      "open one how far the closed loop is from instability."},
+    {"CmBMarginsAs",
+     "Takes the response for an open loop, whose margins are read, or for a closed one, of which "
+     "bandwidth and peaking are."},
     {"SGXferCursors",
      "Frequency, gain and phase at each cursor, and their change from the first to the second."},
     {"RBColorCurrent", "Lets the cursors read the response measured last."},

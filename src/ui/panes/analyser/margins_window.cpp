@@ -2,7 +2,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QLayout>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
 
@@ -11,8 +11,6 @@
 namespace torvane {
 
 namespace {
-
-constexpr std::size_t MostCrossings = 8;  // more are noise
 
 std::string Figure(double value) {
   return FormatGeneral(value, 4, 1);
@@ -25,10 +23,25 @@ MarginsWindow::MarginsWindow(FrequencyAnalyser& analyser, QWidget* parent)
                     QStringLiteral("Bandwidth and margins of the trace that the cursors read"),
                     parent),
       analyser_(analyser),
+      as_(new QComboBox(this)),
       trust_(new QLabel(this)) {
   setObjectName(QStringLiteral("TZelMarginsF"));
   Table().horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   Table().horizontalHeader()->setStretchLastSection(true);
+  as_->setObjectName(QStringLiteral("CmBMarginsAs"));
+  as_->setAccessibleName(QStringLiteral("What the response is taken for"));
+  as_->setToolTip(
+      QStringLiteral("Whether margins are read, of an open loop, or bandwidth and "
+                     "peaking, of a closed one"));
+  as_->addItems(
+      {QStringLiteral("Automatic"), QStringLiteral("Open loop"), QStringLiteral("Closed loop")});
+  connect(as_, &QComboBox::activated, this, [this](int index) {
+    ResponseView view = analyser_.View();
+    view.MarginsAs = static_cast<ReadAs>(index);
+    analyser_.SetView(view);
+    ReadTrace();
+  });
+  static_cast<QVBoxLayout*>(layout())->insertWidget(0, as_);
   trust_->setObjectName(QStringLiteral("LTrust"));
   trust_->setWordWrap(true);
   layout()->addWidget(trust_);
@@ -40,27 +53,57 @@ void MarginsWindow::ReadTrace() {
   marks_.clear();
   highest_ = 0.0;
   const int slot = analyser_.CursorSlot();
-  if (analyser_.TraceAt(slot).Shown && analyser_.HasData(slot) && !analyser_.OutputOnly()) {
-    const bool opened = analyser_.View().OpenLoop;
-    const Margins& margins = reader_.Read(analyser_, slot, opened);
-    if (margins.Closed) {
-      AddBandwidths(margins);
-      AddMargins(reader_.Read(analyser_, slot, true), false);
-    } else {
-      AddMargins(margins, true);
-    }
-    if (analyser_.View().Unwrapped) MoveMarksToTrace(slot);
-  }
+  const std::vector<std::string> reasons = ReasonsFor(slot);
+  if (analyser_.View().Unwrapped) MoveMarksToTrace(slot);
   if (rows_.isEmpty()) rows_ << QStringList{Unavailable, {}, {}, {}};
   SetCells({QStringLiteral("Measure"), QStringLiteral("Value"), QStringLiteral("Unit"),
             QStringLiteral("Freq (Hz)")},
            rows_);
   ShowWholeColumns();
-  const double accurate = analyser_.AccurateUpTo();
-  trust_->setVisible(highest_ > accurate);
-  trust_->setText(QStringLiteral("The sample time is short enough for what is read up to %1 Hz; "
-                                 "choose a shorter one for what is read above.")
-                      .arg(QString::fromStdString(Figure(accurate))));
+  ShowRemarks(reasons);
+}
+
+// Reads what there is; the reasons say why something is not.
+std::vector<std::string> MarginsWindow::ReasonsFor(int slot) {
+  ShowChoice(false);
+  if (!analyser_.TraceAt(slot).Shown || !analyser_.HasData(slot)) {
+    return {"the trace that the cursors read is not shown"};
+  }
+  if (analyser_.OutputOnly()) return {"a spectrum has no margins"};
+  const Margins& margins = reader_.Read(analyser_, slot);
+  ShowChoice(margins.Closed);
+  if (margins.Closed) {
+    AddBandwidths(margins);
+  } else {
+    AddMargins(margins, analyser_.View().OpenLoop ? " (unity feedback)" : "");
+  }
+  return margins.Missing;
+}
+
+// The automatic choice says what it has come to.
+void MarginsWindow::ShowChoice(bool closed) {
+  const bool opened = analyser_.View().OpenLoop;
+  as_->setItemText(0, closed ? QStringLiteral("Automatic: closed loop")
+                             : QStringLiteral("Automatic: open loop"));
+  as_->setCurrentIndex(opened ? static_cast<int>(ReadAs::Open)
+                              : static_cast<int>(analyser_.View().MarginsAs));
+  as_->setEnabled(!opened && !analyser_.OutputOnly());
+}
+
+void MarginsWindow::ShowRemarks(const std::vector<std::string>& reasons) {
+  QStringList remarks;
+  for (const std::string& reason : reasons) {
+    const QString clause = QString::fromStdString(reason);
+    remarks << clause.left(1).toUpper() + clause.mid(1) + QLatin1Char('.');
+  }
+  if (const double accurate = analyser_.AccurateUpTo(); highest_ > accurate) {
+    remarks << QStringLiteral(
+                   "The sample time is short enough for what is read up to %1 Hz; "
+                   "choose a shorter one for what is read above.")
+                   .arg(QString::fromStdString(Figure(accurate)));
+  }
+  trust_->setVisible(!remarks.isEmpty());
+  trust_->setText(remarks.join(QLatin1Char('\n')));
   // A text that is wrapped asks for no height by itself.
   resize(width(), std::max(height(), layout()->totalMinimumHeightForWidth(width())));
 }
@@ -100,17 +143,14 @@ void MarginsWindow::AddBandwidths(const Margins& margins) {
   }
 }
 
-// The smallest margins first. Those of the open loop that a closed one has if its feedback is its
-// output are not on the plot.
-void MarginsWindow::AddMargins(const Margins& margins, bool onPlot) {
+// The smallest margins first.
+void MarginsWindow::AddMargins(const Margins& margins, const std::string& condition) {
   using enum ResponseQuantity;
-  const std::string condition = onPlot ? "" : " (unity feedback)";
   const auto add = [&](const char* name, const char* unit, const Margins::Reading* least,
                        const std::vector<Margins::Reading>& all, auto mark) {
     if (!least) return;
     AddRow(std::string("Smallest ") + name + condition, least->Value, unit, least->Hz);
-    if (onPlot) marks_.push_back(mark(*least));
-    if (!onPlot || all.size() < 2 || all.size() > MostCrossings) return;
+    marks_.push_back(mark(*least));
     for (const Margins::Reading& one : all) {
       if (&one == least) continue;
       AddRow(std::string("Other ") + name, one.Value, unit, one.Hz);

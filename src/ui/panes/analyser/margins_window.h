@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QComboBox>
 #include <QLabel>
 #include <string>
 #include <vector>
@@ -10,9 +11,9 @@
 
 namespace torvane {
 
-/// What is read off the trace that an analyser's cursors read: of a closed loop bandwidth, peaking
-/// and the margins of the open loop that belongs to it at unity feedback; of an open loop its
-/// margins, at every crossing.
+/// What is read off the trace that an analyser's cursors read: of a closed loop bandwidth and
+/// peaking, or the margins of the open loop that belongs to it while the view shows that; of an
+/// open loop its margins, at every crossing. What it is taken for can be chosen.
 class MarginsWindow : public ReadOutWindow {
   Q_OBJECT
 
@@ -33,13 +34,17 @@ class MarginsWindow : public ReadOutWindow {
 
  private:
   void AddBandwidths(const Margins& margins);
-  void AddMargins(const Margins& margins, bool onPlot);
+  void AddMargins(const Margins& margins, const std::string& condition);
+  std::vector<std::string> ReasonsFor(int slot);
+  void ShowRemarks(const std::vector<std::string>& reasons);
+  void ShowChoice(bool closed);
   void MoveMarksToTrace(int slot);
   void ShowWholeColumns();
   void AddRow(const std::string& name, double value, const char* unit, double hz);
 
   FrequencyAnalyser& analyser_;
   MarginReader reader_;
+  QComboBox* as_;
   QLabel* trust_;
   double highest_ = 0.0;  // frequency at which something was read, Hz
   QList<QStringList> rows_;
