@@ -17,6 +17,11 @@ bool Finite(const Variable* variable) {
   return std::isfinite(variable->Value);
 }
 
+// What instruments offer, which users know by name; others belong to blocks.
+bool IsKnown(const Variable* variable) {
+  return !variable->Internal();
+}
+
 std::string Named(const Variable& variable, const char* prefix = "") {
   return std::string(prefix) + (variable.IsState() ? "state \"" : "signal \"") + variable.Name() +
          "\"";
@@ -26,9 +31,30 @@ std::string NamedSource(const Instrument& source) {
   return "source \"" + source.Name() + "\"";
 }
 
-std::string WithValue(const std::string& what, double value, const char* when = "") {
-  if (!std::isfinite(value)) return what;
-  return what + " (value " + FormatShortest(value) + when + ")";
+// A value that the variable had or has, as instruments show it.
+std::string WithValue(const std::string& what, const Variable& variable, double value,
+                      const char* when = "") {
+  const double shown = value * variable.Multiplier();
+  if (!std::isfinite(shown)) return what;
+  const std::string unit = variable.Unit().empty() ? "" : " " + variable.Unit();
+  return what + " (value " + FormatEdit(shown) + unit + when + ")";
+}
+
+const Variable* FirstNotFinite(const ZelBenchTop& bench) {
+  const auto& variables = bench.Variables();
+  const auto found = std::find_if(variables.begin(), variables.end(), [](const Variable* variable) {
+    return IsKnown(variable) && !Finite(variable);
+  });
+  return found == variables.end() ? nullptr : *found;
+}
+
+const Variable* Largest(const ZelBenchTop& bench) {
+  const Variable* largest = nullptr;
+  for (const Variable* variable : bench.Variables()) {
+    if (!IsKnown(variable)) continue;
+    if (!largest || std::abs(variable->Value) > std::abs(largest->Value)) largest = variable;
+  }
+  return largest;
 }
 
 }  // namespace
@@ -42,7 +68,7 @@ void CheckSignals(const ZelBenchTop& bench, double largest) {
   for (const Variable* variable : bench.Variables()) {
     const double shown = std::max(std::abs(variable->Value), std::abs(variable->DisplayValue()));
     if (variable->Internal() || shown <= largest) continue;
-    throw SolverOverflow(WithValue(Named(*variable), variable->Value) +
+    throw SolverOverflow(WithValue(Named(*variable), *variable, variable->Value) +
                          " grew beyond what instruments can hold at time " +
                          FormatShortest(bench.Time()) + " s");
   }
@@ -58,14 +84,14 @@ void OverflowWatch::Begin() {
 void OverflowWatch::Equations() {
   if (!found_.empty() || FindSignal() || FindSlope() || !OverflowRaised()) return;
   // What overflowed was limited before it reached a signal.
-  if (const Variable* largest = Largest()) Blame(*largest);
+  if (const Variable* largest = Largest(bench_)) Blame(*largest);
 }
 
 void OverflowWatch::Object(const TimeDriven& object) {
   if (!found_.empty() || FindSlope() || !OverflowRaised()) return;
   if (const auto* source = dynamic_cast<const Instrument*>(&object)) {
     found_ = NamedSource(*source);
-  } else if (const Variable* largest = Largest()) {
+  } else if (const Variable* largest = Largest(bench_)) {
     Blame(*largest);
   }
 }
@@ -75,36 +101,25 @@ void OverflowWatch::States() {
 }
 
 bool OverflowWatch::FindSignal() {
-  const auto& variables = bench_.Variables();
-  const auto found = std::find_if_not(variables.begin(), variables.end(), Finite);
-  if (found == variables.end()) return false;
-  Blame(**found);
-  return true;
+  const Variable* found = FirstNotFinite(bench_);
+  if (found) Blame(*found);
+  return found;
 }
 
 bool OverflowWatch::FindSlope() {
   const auto states = bench_.Solver()->States();
-  const auto found = std::find_if_not(states.begin(), states.end(), [](const StateVariable* s) {
-    return std::isfinite(s->Derivative);
+  const auto found = std::find_if(states.begin(), states.end(), [](const StateVariable* state) {
+    return IsKnown(state) && !std::isfinite(state->Derivative);
   });
   if (found == states.end()) return false;
   Blame(**found, "slope of ");
   return true;
 }
 
-const Variable* OverflowWatch::Largest() const {
-  const Variable* largest = nullptr;
-  for (const Variable* variable : bench_.Variables()) {
-    if (variable->Internal()) continue;
-    if (!largest || std::abs(variable->Value) > std::abs(largest->Value)) largest = variable;
-  }
-  return largest;
-}
-
 void OverflowWatch::Blame(const Variable& variable, const char* prefix) {
   const auto& variables = bench_.Variables();
   const auto index = std::find(variables.begin(), variables.end(), &variable) - variables.begin();
-  found_ = WithValue(Named(variable, prefix), before_[static_cast<std::size_t>(index)],
+  found_ = WithValue(Named(variable, prefix), variable, before_[static_cast<std::size_t>(index)],
                      " a step before");
 }
 
@@ -113,14 +128,9 @@ std::string FindOverflowAfterwards(const ZelBenchTop& bench, double t) {
     const auto* source = dynamic_cast<const Instrument*>(object);
     if (source && source->OverflowsAt(t)) return NamedSource(*source);
   }
-  const auto& variables = bench.Variables();
-  const auto found = std::find_if_not(variables.begin(), variables.end(), Finite);
-  if (found != variables.end()) return Named(**found);
-  const auto states = bench.Solver()->States();
-  const auto largest = std::max_element(states.begin(), states.end(), [](auto* a, auto* b) {
-    return std::abs(a->Value) < std::abs(b->Value);
-  });
-  return largest == states.end() ? "the equations" : WithValue(Named(**largest), (*largest)->Value);
+  if (const Variable* found = FirstNotFinite(bench)) return Named(*found);
+  const Variable* largest = Largest(bench);
+  return largest ? WithValue(Named(*largest), *largest, largest->Value) : "the equations";
 }
 
 }  // namespace torvane

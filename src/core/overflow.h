@@ -16,7 +16,8 @@ class Variable;
 class ZelBenchTop;
 
 /// A step overflowed or left a state that is not finite, or a signal grew beyond what an instrument
-/// can hold. The message names what went first and the time; the states keep the values they had.
+/// can hold. The message names what went first, of what instruments offer, with its value as they
+/// show it, and the time; the states keep the values they had.
 class SolverOverflow : public std::overflow_error {
  public:
   using std::overflow_error::overflow_error;
@@ -51,7 +52,6 @@ class OverflowWatch {
  private:
   bool FindSignal();
   bool FindSlope();
-  const Variable* Largest() const;
   void Blame(const Variable& variable, const char* prefix = "");
 
   const ZelBenchTop& bench_;
@@ -60,7 +60,7 @@ class OverflowWatch {
 };
 
 /// The same after a step that nobody watched: a source that cannot give a number at time t, else
-/// what is not finite now, else the largest state.
+/// what is not finite now, else what is largest.
 std::string FindOverflowAfterwards(const ZelBenchTop& bench, double t);
 
 }  // namespace torvane

@@ -7,12 +7,14 @@
 #include <deque>
 #include <utility>
 
+#include "support/bare_model.h"
 #include "support/one_state_model.h"
 #include "support/recorder.h"
 
 namespace torvane {
 namespace {
 
+using test::BareModel;
 using test::Messages;
 using test::OneStateModel;
 using test::OnTime;
@@ -126,7 +128,7 @@ TEST(Solver, AnOverflowStopsTheRunAfterItsStep) {
   });
   std::feraiseexcept(FE_OVERFLOW);  // an overflow of somebody else's before the run is not ours
   EXPECT_EQ(Overflow(model, 2.0),
-            "floating-point overflow in state \"x\" (value 0.75) at time 0.75 s");
+            "floating-point overflow in state \"x\" (value 0.75 volts) at time 0.75 s");
   EXPECT_EQ(model.Time(), 0.75);  // the whole step was made, and no other
   EXPECT_EQ(evaluations, 12);
   EXPECT_EQ(Overflow(model, 2.0), "");
@@ -157,9 +159,9 @@ TEST(Solver, NamesWhatGoesFirst) {
     double Clock;                 // the factor that a time-driven object overflows with
     const char* Found;
   } cases[] = {
-      {1e301, HUGE_VAL, 0, 0, "slope of state \"x\" (value 1e+301 a step before)"},
+      {1e301, HUGE_VAL, 0, 0, "slope of state \"x\" (value 1e+301 volts a step before)"},
       {1e301, HUGE_VAL, HUGE_VAL, 0, "signal \"first\" (value 0 a step before)"},
-      {1.79e308, 1.7e308, 0, 0, "state \"x\" (value 1.79e+308 a step before)"},
+      {1.79e308, 1.7e308, 0, 0, "state \"x\" (value 1.79e+308 volts a step before)"},
       {1e301, 1.0, 1e302, 1e300, "signal \"first\" (value 0 a step before)"},
       {0.0, HUGE_VAL, HUGE_VAL, 0, "signal \"first\""},
   };
@@ -174,6 +176,24 @@ TEST(Solver, NamesWhatGoesFirst) {
     });
     EXPECT_EQ(Overflow(model, 2.0),
               std::string("floating-point overflow in ") + c.Found + " at time 0.5 s");
+  }
+}
+
+// What belongs to a block has no name that a window shows: a signal stands for it, in its unit.
+TEST(Solver, NamesWhatInstrumentsOffer) {
+  for (const bool watched : {true, false}) {
+    BareModel model(0.25);
+    Variable speed(model.Bench(), "speed", "RPM", {.Multiplier = 10.0});
+    StateVariable hidden(model.Bench(), "Block #1", "Null", watched ? 1e301 : 1.0, {},
+                         Visibility::Internal);
+    volatile double huge = 1e200;
+    model.Loop = [&](double t) {
+      speed.Value = 2.00000001;
+      hidden.Derivative = t > 0.4 ? huge * huge : 0.0;
+    };
+    EXPECT_EQ(Overflow(model, 2.0),
+              std::string("floating-point overflow in signal \"speed\" (value 20 RPM") +
+                  (watched ? " a step before" : "") + ") at time 0.5 s");
   }
 }
 
