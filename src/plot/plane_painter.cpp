@@ -6,11 +6,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
+#include <utility>
 
 #include "core/text.h"
 #include "instruments/analyser/response_reading.h"
+#include "plot/clipped_lines.h"
 #include "plot/curve_painter.h"
 #include "plot/nichols_contours.h"
+#include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
 #include "plot/response_lines.h"
 
@@ -22,15 +26,25 @@ constexpr double Margin = 8.0;
 constexpr double LabelGap = 5.0;
 constexpr int WidestTick = 5;  // characters of the value labels
 constexpr int SmallestPlate = 40;
-constexpr int Divisions = 6;           // of gain and phase, as against frequency
-constexpr double LeastRadius = 1.5;    // shows the unit circle
-constexpr double LargestRadius = 4.0;  // an integrator's gain is endless: the point -1 matters
-constexpr double NyquistStep = 0.5;
+constexpr int Divisions = 6;  // of gain and phase, as against frequency
+// Scales that fit: the smaller shows the unit circle; an integrator's gain is endless, but the
+// point -1 matters.
+constexpr double LeastScale = 0.5;
+constexpr double LargestScale = 1.0;
+constexpr double LargestGain = 600.0;  // dB that are told apart
 constexpr double CriticalSize = 5.0;
 constexpr double CursorSize = 4.0;
 constexpr double LeastStep = 0.8;      // pixels between points that are drawn
 constexpr double MarkDistance = 75.0;  // along a trace
-constexpr double FarOutside = 3e4;     // beyond it the line drawing of some devices overflows
+constexpr double Outside = 4.0;        // of the plate, where lines end, pixels
+constexpr int ArcPieces = 360;
+
+// As many digits as tell it from the next line of the grid.
+QString LabelOf(double value, double scale) {
+  const double places = value == 0.0 ? 0.0 : std::log10(std::abs(value) / scale);
+  const int digits = std::clamp(static_cast<int>(places) + 2, 4, 15);
+  return QString::fromStdString(FormatGeneral(value, digits, 1));
+}
 
 double Distance(const QPointF& a, const QPointF& b) {
   return std::hypot(a.x() - b.x(), a.y() - b.y());
@@ -56,36 +70,56 @@ void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook&
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
     points_[static_cast<std::size_t>(slot)] = ReadPoints(slot);
   }
-  radius_ = FitRadius();
+  LayOutAxes();
+  int widest = left;
+  for (const Line& line : Lines(false)) {
+    widest = std::max(widest, numbers.horizontalAdvance(line.Label) + Scaled(Margin) + gap);
+  }
+  if (widest > left) {
+    plate_.setLeft(std::min(widest, plate_.right() - SmallestPlate));
+    LayOutAxes();
+  }
   for (std::vector<Point>& points : points_) {
     for (Point& point : points) point.At = Place(point.Gain, point.Phase);
   }
 }
 
-// All that the traces reach, as far as the point -1 stays in sight.
-double PlanePainter::FitRadius() const {
+void PlanePainter::LayOutAxes() {
+  axes_.Plate = plate_;
+  if (IsNyquist()) {
+    const NyquistWindow& window = analyser_.Nyquist();
+    const double scale = window.Scale > 0.0 ? window.Scale : FittingScale();
+    const double division =
+        static_cast<double>(std::min(plate_.width(), plate_.height())) / NyquistWindow::Divisions;
+    axes_.Centre = {window.Real, window.Imaginary};
+    axes_.Scale = {scale, scale};
+    axes_.Division = {division, division};
+  } else {
+    axes_.Centre = {-analyser_.PhaseOffset(), -analyser_.GainOffset()};
+    axes_.Scale = {analyser_.PhaseScale(), analyser_.GainScale()};
+    axes_.Division = {1.0 * plate_.width() / Divisions, 1.0 * plate_.height() / Divisions};
+  }
+}
+
+// Shows all that the traces reach, as far as the point -1 stays in sight.
+double PlanePainter::FittingScale() const {
   double largest = 0.0;  // dB
   for (const std::vector<Point>& points : points_) {
     for (const Point& point : points) largest = std::max(largest, point.Gain);
   }
-  const double reach = std::max(LeastRadius, std::pow(10.0, largest / 20.0));
-  return std::min(std::ceil(reach / NyquistStep) * NyquistStep, LargestRadius);
+  const double reach = LeastScale * NyquistWindow::Divisions / 2;
+  return std::pow(10.0, std::min(largest, LargestGain) / 20.0) <= reach ? LeastScale : LargestScale;
 }
 
 QPointF PlanePainter::Place(double gain, double phase) const {
-  const QPointF middle = QRectF(plate_).center();
-  QPointF from;
-  if (IsNyquist()) {
-    const double length =
-        std::pow(10.0, gain / 20.0) / radius_ * std::min(plate_.width(), plate_.height()) / 2.0;
-    const double angle = phase / DegreesPerRadian;
-    from = {length * std::cos(angle), -length * std::sin(angle)};
-  } else {
-    from = {(phase + analyser_.PhaseOffset()) / analyser_.PhaseScale() * plate_.width() / Divisions,
-            -(gain + analyser_.GainOffset()) / analyser_.GainScale() * plate_.height() / Divisions};
-  }
-  const double far = std::hypot(from.x(), from.y());
-  return middle + (far > FarOutside ? from * (FarOutside / far) : from);
+  if (!IsNyquist()) return axes_.PlaceOf({phase, gain});
+  const double length = std::pow(10.0, std::min(gain, LargestGain) / 20.0);
+  const double angle = phase / DegreesPerRadian;
+  return axes_.PlaceOf({length * std::cos(angle), length * std::sin(angle)});
+}
+
+QRectF PlanePainter::Near() const {
+  return QRectF(plate_).adjusted(-Outside, -Outside, Outside, Outside);
 }
 
 // Those of a trace on the frequency axis; none of one that is not drawn.
@@ -127,51 +161,48 @@ void PlanePainter::Paint(QPainter& painter, const ScopeColours& colours) const {
 }
 
 // A line across the plate at a value of one of the axes, labelled outside.
-void PlanePainter::PaintLine(QPainter& painter, const ScopeColours& colours, bool vertical,
-                             double value, bool axis) const {
-  const double pixels = std::min(plate_.width(), plate_.height()) / (2.0 * radius_);
-  const QPointF middle = QRectF(plate_).center();
-  QPointF at = Place(value, value);
-  if (IsNyquist()) at = middle + QPointF(value * pixels, -value * pixels);
-  const QPoint line = at.toPoint();
-  painter.setPen(QPen(axis ? colours.Axis : colours.Grid, std::max(1, Scaled(1.0))));
+void PlanePainter::PaintLine(QPainter& painter, const ScopeColours& colours, const Line& at) const {
+  const QPoint line = axes_.PlaceOf({at.Value, at.Value}).toPoint();
+  painter.setPen(QPen(at.Value == 0.0 ? colours.Axis : colours.Grid, std::max(1, Scaled(1.0))));
   const QFontMetrics metrics(numberFont_);
-  const QString label = QString::fromStdString(FormatGeneral(value, 4, 1));
   const int gap = Scaled(LabelGap);
-  if (vertical) {
+  if (at.Vertical) {
     painter.drawLine(line.x(), plate_.top(), line.x(), plate_.bottom());
-    const int width = metrics.horizontalAdvance(label);
+    const int width = metrics.horizontalAdvance(at.Label);
     painter.setPen(colours.Text);
     painter.drawText(QRect(line.x() - width / 2, plate_.bottom() + gap, width, metrics.height()),
-                     Qt::AlignCenter | Qt::TextDontClip, label);
+                     Qt::AlignCenter | Qt::TextDontClip, at.Label);
   } else {
     painter.drawLine(plate_.left(), line.y(), plate_.right(), line.y());
     painter.setPen(colours.Text);
     painter.drawText(
         QRect(0, line.y() - metrics.height() / 2, plate_.left() - gap, metrics.height()),
-        Qt::AlignRight | Qt::AlignVCenter, label);
+        Qt::AlignRight | Qt::AlignVCenter, at.Label);
   }
+}
+
+// Where lines are close only some have a label, those of round values.
+std::vector<PlanePainter::Line> PlanePainter::Lines(bool vertical) const {
+  const double scale = vertical ? axes_.Scale.x() : axes_.Scale.y();
+  const QFontMetrics metrics(numberFont_);
+  std::vector<Line> lines;
+  int room = vertical ? 0 : metrics.height();
+  for (const double value : vertical ? axes_.LinesAcross() : axes_.LinesUpwards()) {
+    lines.push_back({vertical, value, LabelOf(value, scale)});
+    if (vertical) room = std::max(room, metrics.horizontalAdvance(lines.back().Label));
+  }
+  const double division = vertical ? axes_.Division.x() : axes_.Division.y();
+  const double every = RoundStep(std::max(1.0, (room + Scaled(LabelGap)) / division));
+  for (Line& line : lines) {
+    if (std::fmod(std::round(line.Value / scale), every) != 0.0) line.Label.clear();
+  }
+  return lines;
 }
 
 void PlanePainter::PaintGrid(QPainter& painter, const ScopeColours& colours) const {
   painter.setFont(numberFont_);
-  if (IsNyquist()) {
-    const double step = radius_ > 2.0 ? 2.0 * NyquistStep : NyquistStep;
-    for (const bool vertical : {true, false}) {
-      const double side = vertical ? plate_.width() : plate_.height();
-      const double reach = side / std::min(plate_.width(), plate_.height()) * radius_;
-      const int lines = static_cast<int>(reach / step);
-      for (int i = -lines; i <= lines; ++i) {
-        PaintLine(painter, colours, vertical, i * step, i == 0);
-      }
-    }
-  } else {
-    for (int i = -Divisions / 2; i <= Divisions / 2; ++i) {
-      PaintLine(painter, colours, true, i * analyser_.PhaseScale() - analyser_.PhaseOffset(),
-                i == 0);
-      PaintLine(painter, colours, false, i * analyser_.GainScale() - analyser_.GainOffset(),
-                i == 0);
-    }
+  for (const bool vertical : {true, false}) {
+    for (const Line& line : Lines(vertical)) PaintLine(painter, colours, line);
   }
   painter.setPen(QPen(colours.Axis, std::max(1, Scaled(1.0))));
   painter.drawRect(plate_.adjusted(0, 0, -1, -1));
@@ -191,11 +222,33 @@ void PlanePainter::PaintCaptions(QPainter& painter, const ScopeColours& colours)
                    IsNyquist() ? QStringLiteral("Real") : QStringLiteral("Phase (deg)"));
 }
 
+// Of a circle that is far larger than the plate only the part in its direction.
 void PlanePainter::PaintUnitCircle(QPainter& painter, const ScopeColours& colours) const {
-  const double radius = Place(0.0, 0.0).x() - QRectF(plate_).center().x();
-  painter.setPen(QPen(colours.Axis, ratio_, Qt::DashLine));
-  painter.setBrush(Qt::NoBrush);
-  painter.drawEllipse(QRectF(plate_).center(), radius, radius);
+  const QRectF near = Near();
+  const QPointF origin = axes_.PlaceOf({0.0, 0.0});
+  double from = -std::numbers::pi;
+  double to = std::numbers::pi;
+  if (!near.contains(origin)) {
+    const auto angle = [&](const QPointF& at) {
+      const QPointF way = at - origin;
+      return std::atan2(-way.y(), way.x());
+    };
+    const double middle = angle(near.center());
+    from = to = middle;
+    for (const QPointF& corner :
+         {near.topLeft(), near.topRight(), near.bottomLeft(), near.bottomRight()}) {
+      const double off = std::remainder(angle(corner) - middle, 2.0 * std::numbers::pi);
+      from = std::min(from, middle + off);
+      to = std::max(to, middle + off);
+    }
+  }
+  QPolygonF circle;
+  for (int i = 0; i <= ArcPieces; ++i) {
+    const double at = from + (to - from) * i / ArcPieces;
+    circle << axes_.PlaceOf({std::cos(at), std::sin(at)});
+  }
+  CurvePainter(painter, plate_, {colours.Axis, {4.0, 2.0}}, 1.0, ratio_, 1)
+      .PaintLines(ClippedLine(circle, near));
 }
 
 PlanePainter::Turns PlanePainter::TurnsOnPlate() const {
@@ -213,10 +266,11 @@ void PlanePainter::PaintContours(QPainter& painter, const ScopeColours& colours)
   for (const double closed : ContourGains) {
     const std::vector<OpenLoopPoint> contour = NicholsContour(closed);
     for (int turn = turns.First; turn <= turns.Last; ++turn) {
-      QPolygonF& line = lines.emplace_back();
+      QPolygonF line;
       for (const OpenLoopPoint& point : contour) {
         line << Place(point.Gain, point.Phase + 360.0 * (turn + 1));
       }
+      for (QPolygonF& part : ClippedLine(line, Near())) lines.push_back(std::move(part));
     }
   }
   CurvePainter(painter, plate_, {colours.Axis, {2.0, 2.0}}, 1.0, ratio_, 1).PaintLines(lines);
@@ -252,6 +306,7 @@ void PlanePainter::PaintCriticalPoints(QPainter& painter, const ScopeColours& co
   const Turns turns = IsNyquist() ? Turns{0, 0} : TurnsOnPlate();
   for (int turn = turns.First; turn <= turns.Last; ++turn) {
     const QPointF at = Place(0.0, 180.0 + 360.0 * turn);
+    if (!Near().contains(at)) continue;
     painter.drawLine(at - QPointF(r, 0.0), at + QPointF(r, 0.0));
     painter.drawLine(at - QPointF(0.0, r), at + QPointF(0.0, r));
     if (IsNyquist()) {
@@ -265,7 +320,7 @@ void PlanePainter::PaintCriticalPoints(QPainter& painter, const ScopeColours& co
 // Straight from point to point, except across a wrap of the phase.
 void PlanePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, int slot) const {
   const std::vector<Point>& points = PointsOf(slot);
-  const QRectF near = QRectF(plate_).adjusted(-1.0, -1.0, 1.0, 1.0);
+  const QRectF near = Near();
   std::vector<QPolygonF> lines(1);
   std::vector<QPointF> marks;
   const double distance = Scaled(MarkDistance);
@@ -285,9 +340,13 @@ void PlanePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, in
     marks.push_back(point.At);
     way = distance;
   }
+  std::vector<QPolygonF> clipped;
+  for (const QPolygonF& line : lines) {
+    for (QPolygonF& part : ClippedLine(line, near)) clipped.push_back(std::move(part));
+  }
   const TracePen pen = ResponsePen(colours, look_, slot);
   CurvePainter(painter, plate_, pen, ResponseWidth, ratio_, ResponseLegend::DrawnCount(analyser_))
-      .PaintLines(lines);
+      .PaintLines(clipped);
   if (slot == 0) return;
   painter.setPen(QPen(pen.Colour, ResponseWidth * ratio_));
   for (const QPointF& at : marks) PaintMemoryMark(painter, colours.Plate, slot, at, ratio_);
@@ -309,8 +368,12 @@ void PlanePainter::PaintCursors(QPainter& painter, const ScopeColours& colours,
     painter.setPen(
         QPen(colours.Cursor, std::max(1, Scaled(1.0)), cursor == 0 ? Qt::DashLine : Qt::DotLine));
     if (IsNyquist()) {
-      painter.drawLine(QRectF(plate_).center(), at);
-    } else {
+      for (const QPolygonF& ray : ClippedLine({axes_.PlaceOf({0.0, 0.0}), at}, Near())) {
+        painter.drawPolyline(ray);
+      }
+    }
+    if (!Near().contains(at)) continue;
+    if (!IsNyquist()) {
       painter.drawLine(QPointF(plate_.left(), at.y()), QPointF(plate_.right(), at.y()));
       painter.drawLine(QPointF(at.x(), plate_.top()), QPointF(at.x(), plate_.bottom()));
     }
@@ -335,13 +398,13 @@ std::optional<QPointF> PlanePainter::PlaceAt(double hz) const {
   return Place(*gain, *phase);
 }
 
-std::optional<double> PlanePainter::HzNear(const QPointF& at) const {
+std::optional<PlanePainter::Nearest> PlanePainter::NearestTo(const QPointF& at) const {
   const std::vector<Point>& points = PointsOf(analyser_.CursorSlot());
   const auto nearest = std::min_element(
       points.begin(), points.end(),
       [&](const Point& a, const Point& b) { return Distance(a.At, at) < Distance(b.At, at); });
   if (nearest == points.end()) return std::nullopt;
-  return nearest->Hz;
+  return Nearest{nearest->Hz, Distance(nearest->At, at) / ratio_};
 }
 
 }  // namespace torvane

@@ -8,15 +8,16 @@
 #include <optional>
 #include <vector>
 
+#include "plot/plane_axes.h"
 #include "plot/response_legend.h"
 
 namespace torvane {
 
 /// Paints an analyser's responses without a frequency axis, at the frequencies within its limits:
-/// as a Nyquist plot, imaginary against real part on equal scales with the unit circle, or as a
-/// Nichols plot, gain against phase on the scales of the analyser with the contours of equal gain
-/// of the closed loop. Both mark the point -1, at which a closed loop is about to oscillate.
-/// Traces, legend and lengths are as in ResponsePainter's plots.
+/// as a Nyquist plot, imaginary against real part in the analyser's window of that plane with the
+/// unit circle, or as a Nichols plot, gain against phase on the scales of the analyser with the
+/// contours of equal gain of the closed loop. Both mark the point -1, at which a closed loop is
+/// about to oscillate. Traces, legend and lengths are as in ResponsePainter's plots.
 class PlanePainter {
  public:
   explicit PlanePainter(const FrequencyAnalyser& analyser)
@@ -33,7 +34,14 @@ class PlanePainter {
   /// Where the trace which the cursors read is at a frequency.
   std::optional<QPointF> PlaceAt(double hz) const;
   /// The other way round: the frequency of its point that is nearest.
-  std::optional<double> HzNear(const QPointF& at) const;
+  struct Nearest {
+    double Hz = 0.0;
+    double Distance = 0.0;  ///< pixels of design
+  };
+  std::optional<Nearest> NearestTo(const QPointF& at) const;
+
+  /// Real and imaginary part, or phase and gain, on the picture.
+  const PlaneAxes& Axes() const { return axes_; }
 
  private:
   struct Point {
@@ -44,13 +52,21 @@ class PlanePainter {
   };
 
   bool IsNyquist() const { return analyser_.View().Plot == ResponsePlot::Nyquist; }
-  double FitRadius() const;
+  void LayOutAxes();
+  double FittingScale() const;
+  QRectF Near() const;
   std::vector<Point> ReadPoints(int slot) const;
   const std::vector<Point>& PointsOf(int slot) const;
   QPointF Place(double gain, double phase) const;
   void PaintGrid(QPainter& painter, const ScopeColours& colours) const;
-  void PaintLine(QPainter& painter, const ScopeColours& colours, bool vertical, double value,
-                 bool axis) const;
+  /// Of the grid.
+  struct Line {
+    bool Vertical = false;
+    double Value = 0.0;
+    QString Label;
+  };
+  std::vector<Line> Lines(bool vertical) const;
+  void PaintLine(QPainter& painter, const ScopeColours& colours, const Line& at) const;
   void PaintCaptions(QPainter& painter, const ScopeColours& colours) const;
   void PaintUnitCircle(QPainter& painter, const ScopeColours& colours) const;
   void PaintContours(QPainter& painter, const ScopeColours& colours) const;
@@ -72,7 +88,7 @@ class PlanePainter {
   double ratio_ = 1.0;
   QSize size_;
   QRect plate_;
-  double radius_ = 1.0;  // of the Nyquist plot, from its middle to the nearer edges
+  PlaneAxes axes_;
   QFont textFont_;
   QFont numberFont_;
 };

@@ -91,7 +91,13 @@ std::string ResponseLegend::PairText() const {
 void ResponseLegend::MakeEntries() {
   const ResponsePlot plot = analyser_.View().Plot;
   std::vector<std::string> texts{PairText()};
-  if (plot != ResponsePlot::Nyquist) {
+  if (plot == ResponsePlot::Nyquist) {
+    const NyquistWindow& window = analyser_.Nyquist();
+    if (window.Scale > 0.0) {
+      texts.push_back(FormatEdit(window.Scale) + "/div at " + FormatEdit(window.Real) + " + j " +
+                      FormatEdit(window.Imaginary));
+    }
+  } else {
     texts.push_back(ScaleText("dB", analyser_.GainScale(), analyser_.GainOffset()));
     if (plot == ResponsePlot::Nichols || !analyser_.ShowsDelay()) {
       texts.push_back(ScaleText("deg", analyser_.PhaseScale(), analyser_.PhaseOffset()));

@@ -50,6 +50,7 @@ void FrequencyAnalyser::LoadState(const Record& record) {
     phaseAdd_ = ParseNumber(record.Field(ValueEntries - 1)).value_or(0.0);
     return;
   }
+  if (LoadWindow(record)) return;
   const auto number = ParseInteger(record.Field(ValueEntries - 1));
   if (number && LoadMore(record.Keyword(), *number)) return;
   // A channel that is chosen by hand has no phase added; here the record after it says.

@@ -21,6 +21,9 @@ constexpr double BelowMax = 0.99;
 constexpr double LowestFrequency = 1e-30;
 constexpr double HighestFrequency = 1e30;
 constexpr double SmallestScale = 1e-30;
+constexpr double SmallestDivision = 1e-12;  // of a Nyquist plot
+constexpr double LargestDivision = 1e12;
+constexpr double FarthestCentre = 1e15;
 
 double LimitedMagnitude(double x) {
   return std::isfinite(x) ? std::clamp(x, -LargestMagnitude, LargestMagnitude) : x;
@@ -35,7 +38,27 @@ double LimitedLowEnd(double hz) {
   return std::min(LimitedFrequency(hz), HighestFrequency / 10.0);
 }
 
+double Limited(double value, double least, double most) {
+  return std::isfinite(value) ? std::clamp(value, least, most) : 0.0;
+}
+
+std::string CaptionOf(const NyquistWindow& window) {
+  if (window.Scale == 0.0) return "to Fit";
+  return FormatEdit(window.Scale) + " at " + FormatEdit(window.Real) + ", " +
+         FormatEdit(window.Imaginary);
+}
+
 }  // namespace
+
+void ResponseAxes::SetNyquist(const NyquistWindow& window) {
+  const double scale = std::abs(window.Scale);
+  const NyquistWindow limited{
+      scale == 0.0 ? 0.0 : Limited(scale, SmallestDivision, LargestDivision),
+      Limited(window.Real, -FarthestCentre, FarthestCentre),
+      Limited(window.Imaginary, -FarthestCentre, FarthestCentre)};
+  StoreIn(Touches::Plot, nyquist_, limited,
+          [&] { return SettingCaption("Nyquist Plot", CaptionOf(limited)); });
+}
 
 void ResponseAxes::SetView(const ResponseView& view) {
   StoreIn(Touches::View, view_, view, [] { return "View"; });
@@ -75,9 +98,11 @@ void ResponseAxes::SetFreqRange(double low, double high) {
         SetPositive(freqMin_, LimitedLowEnd(low), "FreqMin");
         SetFreqMax(high);
       },
-      [&] {
-        return SettingCaption("Frequencies", FormatEdit(freqMin_) + " to " + FormatEdit(freqMax_));
-      });
+      [&] { return RangeCaption(); });
+}
+
+std::string ResponseAxes::RangeCaption() const {
+  return SettingCaption("Frequencies", FormatEdit(freqMin_) + " to " + FormatEdit(freqMax_));
 }
 
 double ResponseAxes::AxisFrequency(double share) const {

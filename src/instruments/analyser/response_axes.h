@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "instruments/analyser/nyquist_window.h"
 #include "instruments/analyser/response_view.h"
 
 namespace torvane {
@@ -27,6 +28,10 @@ class ResponseAxes {
   /// Which plot is shown, and what of the responses; all that is read of them follows.
   const ResponseView& View() const { return view_; }
   void SetView(const ResponseView& view);
+
+  /// Where a Nyquist plot looks; limited to what can be drawn.
+  const NyquistWindow& Nyquist() const { return nyquist_; }
+  void SetNyquist(const NyquistWindow& window);
 
   /// Frequency axis, Hz, logarithmic; the limits stay at least 1 % apart.
   double FreqMin() const { return freqMin_; }
@@ -95,6 +100,7 @@ class ResponseAxes {
   void SaveLook(RecordWriter& writer) const;
   bool LoadAxis(const Record& record);
   bool LoadLook(const std::string& keyword, int value);
+  bool LoadWindow(const Record& record);
   /// Takes the limits of the frequency axis that a file gave.
   void FinishLoadingAxis();
 
@@ -107,6 +113,7 @@ class ResponseAxes {
   }
   void SetNumber(double& setting, double value, const char* name);
   void SetPositive(double& setting, double value, const char* what);
+  std::string RangeCaption() const;
   bool LoadView(const std::string& keyword, int value);
 
   std::string label_;
@@ -123,6 +130,7 @@ class ResponseAxes {
   int cursorSlot_ = 0;
   bool splitScreen_ = true;
   ResponseView view_;
+  NyquistWindow nyquist_;
   std::optional<double> fileFreqMin_;  // read from a file that has not ended yet
   std::optional<double> fileFreqMax_;
 };

@@ -31,6 +31,15 @@ constexpr std::array ViewSwitches{
     ViewSwitch{"Unwrapped", &ResponseView::Unwrapped},
     ViewSwitch{"GroupDelay", &ResponseView::GroupDelay},
 };
+struct WindowNumber {
+  const char* Keyword;
+  double NyquistWindow::*Value;
+};
+constexpr std::array WindowNumbers{
+    WindowNumber{"NyquistScale", &NyquistWindow::Scale},
+    WindowNumber{"NyquistReal", &NyquistWindow::Real},
+    WindowNumber{"NyquistImaginary", &NyquistWindow::Imaginary},
+};
 constexpr int LastPlot = static_cast<int>(ResponsePlot::Nichols);
 
 std::string CursorKeyword(std::size_t cursor) {
@@ -60,6 +69,20 @@ void ResponseAxes::SaveLook(RecordWriter& writer) const {
   write("Plot", static_cast<int>(view_.Plot));
   for (const ViewSwitch& view : ViewSwitches) write(view.Keyword, view_.*view.On);
   write("MarginsAs", static_cast<int>(view_.MarginsAs));
+  for (const WindowNumber& one : WindowNumbers) {
+    writer.Write(one.Keyword, {FormatShortest(nyquist_.*one.Value)});
+  }
+}
+
+bool ResponseAxes::LoadWindow(const Record& record) {
+  for (const WindowNumber& one : WindowNumbers) {
+    if (record.Keyword() != one.Keyword) continue;
+    NyquistWindow window = nyquist_;
+    window.*one.Value = ParseNumber(record.Field(ValueField)).value_or(0.0);
+    SetNyquist(window);
+    return true;
+  }
+  return false;
 }
 
 bool ResponseAxes::LoadLook(const std::string& keyword, int value) {
@@ -132,9 +155,16 @@ void ResponseAxes::FinishLoadingAxis() {
     SetFreqRange(*fileFreqMin_, *fileFreqMax_);
   } else if (fileFreqMin_) {
     // Where both were set before, the lower one may stand closer than it could be moved alone.
-    constexpr double Apart = 1.01;
-    const bool below = Apart * *fileFreqMin_ <= freqMax_;
-    below ? SetFreqRange(*fileFreqMin_, freqMax_) : SetFreqMin(*fileFreqMin_);
+    const double high = freqMax_;
+    ChangeAxes(
+        Touches::Plot,
+        [&] {
+          SetFreqRange(*fileFreqMin_, high);
+          if (freqMax_ == high) return;
+          freqMax_ = high;
+          SetFreqMin(*fileFreqMin_);
+        },
+        [&] { return RangeCaption(); });
   } else if (fileFreqMax_) {
     SetFreqMax(*fileFreqMax_);
   }

@@ -82,7 +82,9 @@ constexpr Entry Entries[] = {
     {"CmBHorizChan",
      "What the X axis shows: the time or, for a curve of one signal against another, any signal."},
     {"BHorizZero", "Puts the zero of the X axis in the centre of the screen."},
-    {"BHorizAuto", "Chooses the time base that shows two periods of the command."},
+    {"BHorizAuto",
+     "Chooses the time base that shows two periods of the command; with a signal as X axis, the "
+     "scale at which what is on the screen just reaches its left or right edge, around zero."},
     {"EHorizScale",
      "How much time, or of the signal on the X axis, one division of the screen stands for."},
     {"BHorizScaleDown", "Spreads the picture: the next lower scale of 1, 2, 5, 10."},
@@ -224,7 +226,9 @@ constexpr Entry Entries[] = {
      "cursors read."},
     {"PBPlot",
      "Gain and phase against frequency. Drag a cursor, or move it with the arrow keys, the second "
-     "one with Shift; the menu of the right mouse button saves and shows measurements."},
+     "one with Shift; the menu of the right mouse button saves and shows measurements. A Nyquist "
+     "or "
+     "Nichols plot is moved with the mouse; the wheel zooms, a double click shows all again."},
     {"EFreqMin", "The frequency at the left edge of the plot."},
     {"FreqMinDown", "Lets the plot begin at a lower frequency."},
     {"FreqMinUp", "Lets the plot begin at a higher frequency."},
@@ -250,6 +254,13 @@ constexpr Entry Entries[] = {
     {"BGainOffsetDown", "Moves the gain's trace down by a division."},
     {"BGainOffsetUp", "Moves the gain's trace up by a division."},
     {"BGainZero", "Draws the gain without an offset."},
+    {"ENyquistScale",
+     "What one division of both axes of a Nyquist plot stands for; 0 fits it to the traces."},
+    {"BNyquistScaleDown", "Shows less of the plane, larger."},
+    {"BNyquistScaleUp", "Shows more of the plane, smaller."},
+    {"ENyquistReal", "The real part in the middle of the plot: -1 looks at the critical point."},
+    {"ENyquistImaginary", "The imaginary part in the middle of the plot."},
+    {"BNyquistFit", "Shows all of the traces again, around zero."},
     {"EPhaseScale", "How many degrees one division of the plot stands for."},
     {"BPhaseScaleDown", "Makes the phase's trace larger."},
     {"BPhaseScaleUp", "Makes the phase's trace smaller."},

@@ -12,6 +12,7 @@ AnalyserAxes::AnalyserAxes(Ui::AnalyserForm& ui, FrequencyAnalyser& analyser, QO
     : QObject(parent), ui_(ui), analyser_(analyser) {
   using F = FrequencyAnalyser;
   ConnectFrequencies();
+  ConnectNyquist();
   ConnectScale("Gain", {&F::GainScale, &F::SetGainScale, &F::GainOffset, &F::SetGainOffset});
   ConnectScale("Phase", {&F::PhaseScale, &F::SetPhaseScale, &F::PhaseOffset, &F::SetPhaseOffset});
   const std::pair<QAbstractButton*, QWidget*> pages[] = {{ui.PageGain, ui.GainPage},
@@ -49,6 +50,37 @@ void AnalyserAxes::ConnectFrequencies() {
   BindButton(*ui_.FreqMinUp, &F::SetFreqMin, step(&F::FreqMin, NextHighestThisArray));
   BindButton(*ui_.FreqMaxDown, &F::SetFreqMax, step(&F::FreqMax, NextLowestThisArray));
   BindButton(*ui_.FreqMaxUp, &F::SetFreqMax, step(&F::FreqMax, NextHighestThisArray));
+}
+
+// Whatever is set, the rest stays as it is shown: a plot no longer fits itself to its traces then.
+void AnalyserAxes::ConnectNyquist() {
+  const auto shown = [this] {
+    NyquistWindow window = analyser_.Nyquist();
+    window.Scale = ui_.PBPlot->NyquistScale();
+    return window;
+  };
+  const auto bind = [&](QLineEdit& edit, double NyquistWindow::*number) {
+    const auto set = [this, shown, number](double value) {
+      NyquistWindow window = shown();
+      window.*number = value;
+      analyser_.SetNyquist(window);
+    };
+    const auto notice = [](double typed, double stored) {
+      return typed == 0.0 ? std::string("fitted to the traces") : LimitNotice(typed, stored);
+    };
+    edits_.push_back(BindNumber(
+        edit, set, [shown, number] { return shown().*number; }, notice));
+    return set;
+  };
+  const auto setScale = bind(*ui_.ENyquistScale, &NyquistWindow::Scale);
+  bind(*ui_.ENyquistReal, &NyquistWindow::Real);
+  bind(*ui_.ENyquistImaginary, &NyquistWindow::Imaginary);
+  connect(ui_.BNyquistScaleDown, &QAbstractButton::clicked, this,
+          [=] { setScale(NextLowest125(shown().Scale)); });
+  connect(ui_.BNyquistScaleUp, &QAbstractButton::clicked, this,
+          [=] { setScale(NextHighest125(shown().Scale)); });
+  connect(ui_.BNyquistFit, &QAbstractButton::clicked, ui_.PBPlot,
+          &ResponsePaintBox::ShowWholePlane);
 }
 
 // The controls of gain and phase are called alike.

@@ -39,6 +39,7 @@ class AnalyserAxes : public QObject {
   void Bind(QLineEdit& edit, Getter get, Setter set);
   void BindButton(QAbstractButton& button, Setter set, std::function<double()> changed);
   void ConnectFrequencies();
+  void ConnectNyquist();
   void ConnectScale(const char* quantity, const Scale& scale);
 
   Ui::AnalyserForm& ui_;

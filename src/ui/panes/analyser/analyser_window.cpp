@@ -224,14 +224,17 @@ void AnalyserWindow::ShowTraces() {
   menu_->Show();
 }
 
-// Scales that the plot does not have cannot be set.
+// The scales are those of the plot; what it does not have cannot be set.
 void AnalyserWindow::ShowView() {
   viewMenu_->Show();
   const ResponsePlot plot = analyser_.View().Plot;
   const bool nyquist = plot == ResponsePlot::Nyquist;
-  ui_->GainPage->setEnabled(!nyquist);
-  ui_->PhasePage->setEnabled(!nyquist &&
-                             (plot == ResponsePlot::Nichols || !analyser_.ShowsDelay()));
+  ui_->PageGain->setVisible(!nyquist);
+  ui_->PagePhase->setVisible(!nyquist);
+  ui_->Pages->setCurrentWidget(nyquist                       ? ui_->NyquistPage
+                               : ui_->PagePhase->isChecked() ? ui_->PhasePage
+                                                             : ui_->GainPage);
+  ui_->PhasePage->setEnabled(plot == ResponsePlot::Nichols || !analyser_.ShowsDelay());
 }
 
 void AnalyserWindow::ShowCursors() {
@@ -268,7 +271,6 @@ void AnalyserWindow::ShowProgress() {
 void AnalyserWindow::SettingsChanged() {
   Check(*ui_->SBRun, analyser_.Measuring());
   ShowWarnings();
-  axes_->Show();
   ShowSignals();
   ShowTraces();
   ShowView();
@@ -277,6 +279,7 @@ void AnalyserWindow::SettingsChanged() {
     ui_->CmBFindType->setCurrentText(QString::fromStdString(analyser_.FindType()));
   }
   ShowFrame();
+  axes_->Show();
   ShowCursors();
   if (margins_->isVisible()) ShowMargins();
 }
@@ -311,6 +314,7 @@ void AnalyserWindow::showEvent(QShowEvent* event) {
   InstrumentPane::showEvent(event);
   ArrangeRows();
   ShowFrame();
+  axes_->Show();
   ShowCursors();
   ShowMargins();
 }

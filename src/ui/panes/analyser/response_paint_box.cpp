@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -15,18 +16,23 @@ namespace torvane {
 
 namespace {
 
-constexpr int FastStep = 10;  // columns that a cursor moves with Ctrl
+constexpr int FastStep = 10;          // columns that a cursor moves with Ctrl
+constexpr double CursorReach = 12.0;  // pixels from its trace in a plane
 
 }  // namespace
 
 ResponsePaintBox::ResponsePaintBox(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setMouseTracking(true);
+  connect(&wheel_, &WheelTurn::Begun, this, &ResponsePaintBox::MoveBegun);
+  connect(&wheel_, &WheelTurn::Ended, this, &ResponsePaintBox::MoveEnded);
 }
 
 void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
   analyser_ = &analyser;
   painter_.emplace(analyser);
   plane_.emplace(analyser);
+  mouse_.emplace(analyser, *plane_);
   PaintAll();
 }
 
@@ -93,11 +99,19 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
 // In a plane, of the point that is nearest.
 int ResponsePaintBox::ColumnAt(const QMouseEvent& event) const {
   if (ShowsPlane()) {
-    const double hz = plane_->HzNear(event.position() * ratio_).value_or(analyser_->FreqMin());
+    const auto nearest = plane_->NearestTo(event.position() * ratio_);
+    const double hz = nearest ? nearest->Hz : analyser_->FreqMin();
     return static_cast<int>(std::lround(analyser_->AxisShare(hz) * PlotWidth()));
   }
   return static_cast<int>(std::lround(event.position().x() * ratio_)) -
          painter_->GainPlate().left();
+}
+
+bool ResponsePaintBox::TakesCursor(const QMouseEvent& event) const {
+  if (analyser_->Cursors() == FrequencyAnalyser::CursorMode::None) return false;
+  if (!ShowsPlane()) return true;
+  const auto nearest = plane_->NearestTo(event.position() * ratio_);
+  return nearest && nearest->Distance <= CursorReach;
 }
 
 void ResponsePaintBox::MoveTo(int cursor, int column) {
@@ -105,26 +119,67 @@ void ResponsePaintBox::MoveTo(int cursor, int column) {
 }
 
 void ResponsePaintBox::mousePressEvent(QMouseEvent* event) {
-  using Mode = FrequencyAnalyser::CursorMode;
-  if (event->button() != Qt::LeftButton || analyser_->Cursors() == Mode::None) return;
-  const int x = ColumnAt(*event);
-  const auto distance = [&](int cursor) { return std::abs(x - analyser_->CursorPixel(cursor)); };
-  dragged_ = analyser_->Cursors() == Mode::Two && distance(1) < distance(0) ? 1 : 0;
+  const bool cursor = TakesCursor(*event);
+  if (event->button() != Qt::LeftButton || (!cursor && !ShowsPlane())) return;
+  wheel_.End();
   moving_ = true;
   emit MoveBegun();
-  MoveTo(*dragged_, x);
+  if (cursor) {
+    const int x = ColumnAt(*event);
+    const auto distance = [&](int of) { return std::abs(x - analyser_->CursorPixel(of)); };
+    const bool two = analyser_->Cursors() == FrequencyAnalyser::CursorMode::Two;
+    dragged_ = two && distance(1) < distance(0) ? 1 : 0;
+    MoveTo(*dragged_, x);
+  } else {
+    mouse_->Press(event->position() * ratio_);
+    setCursor(Qt::ClosedHandCursor);
+  }
 }
 
+// A release that a box took, which opened meanwhile, shows in the buttons.
 void ResponsePaintBox::mouseMoveEvent(QMouseEvent* event) {
-  if (dragged_) MoveTo(*dragged_, ColumnAt(*event));
+  if (!event->buttons().testFlag(Qt::LeftButton)) {
+    if (dragged_ || mouse_->Holds()) EndMove();
+    ShowPointer(*event);
+  } else if (dragged_) {
+    MoveTo(*dragged_, ColumnAt(*event));
+  } else if (mouse_->Holds()) {
+    mouse_->MoveTo(event->position() * ratio_);
+  }
 }
 
 void ResponsePaintBox::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton && dragged_.has_value()) EndMove();
+  if (event->button() != Qt::LeftButton || (!dragged_ && !mouse_->Holds())) return;
+  EndMove();
+  ShowPointer(*event);
+}
+
+void ResponsePaintBox::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && ShowsPlane()) ShowWholePlane();
+}
+
+void ResponsePaintBox::ShowWholePlane() {
+  emit MoveBegun();
+  mouse_->ShowAll();
+  emit MoveEnded();
+}
+
+void ResponsePaintBox::wheelEvent(QWheelEvent* event) {
+  event->setAccepted(ShowsPlane());
+  if (!ShowsPlane() || mouse_->Holds() || dragged_) return;
+  const int steps = wheel_.StepsOf(*event);
+  if (steps != 0) mouse_->Turn(event->position() * ratio_, steps);
+}
+
+void ResponsePaintBox::ShowPointer(const QMouseEvent& event) {
+  setCursor(!ShowsPlane()        ? Qt::ArrowCursor
+            : TakesCursor(event) ? Qt::PointingHandCursor
+                                 : Qt::OpenHandCursor);
 }
 
 void ResponsePaintBox::EndMove() {
   dragged_.reset();
+  mouse_->Release();
   if (std::exchange(moving_, false)) emit MoveEnded();
 }
 

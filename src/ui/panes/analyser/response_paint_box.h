@@ -6,13 +6,16 @@
 
 #include "plot/plane_painter.h"
 #include "plot/response_painter.h"
+#include "ui/panes/analyser/plane_mouse.h"
+#include "ui/widgets/wheel_turn.h"
 
 namespace torvane {
 
 /// The paint box of an analyser's window: gain and phase, or their Nyquist or Nichols plot,
 /// with their legend, and the cursors over them. Traces are painted only when they have changed;
 /// the cursors every time. The mouse drags the cursor that is nearer, the arrow keys move the first
-/// one and with Shift the second, by ten columns with Ctrl.
+/// one and with Shift the second, by ten columns with Ctrl. Beside the trace that the cursors read,
+/// Nyquist and Nichols plots move with the mouse (PlaneMouse).
 class ResponsePaintBox : public QWidget {
   Q_OBJECT
 
@@ -37,6 +40,11 @@ class ResponsePaintBox : public QWidget {
   /// something has.
   bool Refresh();
 
+  /// Of a division of a Nyquist plot, as it is shown.
+  double NyquistScale() const { return plane_->Axes().Scale.x(); }
+  /// Nyquist and Nichols plots show all again, as at first.
+  void ShowWholePlane();
+
   /// What was read off the traces.
   void SetMarks(const std::vector<ResponseMark>& marks);
 
@@ -52,6 +60,8 @@ class ResponsePaintBox : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
@@ -66,10 +76,14 @@ class ResponsePaintBox : public QWidget {
   void MoveTo(int cursor, int column);
   void EndMove();
   int ColumnAt(const QMouseEvent& event) const;
+  bool TakesCursor(const QMouseEvent& event) const;
+  void ShowPointer(const QMouseEvent& event);
 
   FrequencyAnalyser* analyser_ = nullptr;
   std::optional<ResponsePainter> painter_;
   std::optional<PlanePainter> plane_;  // for the views without a frequency axis
+  std::optional<PlaneMouse> mouse_;
+  WheelTurn wheel_{this};
   TraceLook look_;
   std::vector<ResponseMark> marks_;
   QPixmap picture_;

@@ -15,17 +15,15 @@ namespace torvane {
 
 namespace {
 
-constexpr qint64 SlowSweep = 100;      // milliseconds that make it worth watching a sweep grow
-constexpr int TurnMilliseconds = 700;  // a wheel at rest for so long has ended its turn
+constexpr qint64 SlowSweep = 100;  // milliseconds that make it worth watching a sweep grow
 
 }  // namespace
 
 ScopePaintBox::ScopePaintBox(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
-  turnEnd_.setSingleShot(true);
-  turnEnd_.setInterval(TurnMilliseconds);
-  connect(&turnEnd_, &QTimer::timeout, this, &ScopePaintBox::DragEnded);
+  connect(&wheel_, &WheelTurn::Begun, this, &ScopePaintBox::DragBegun);
+  connect(&wheel_, &WheelTurn::Ended, this, &ScopePaintBox::DragEnded);
 }
 
 void ScopePaintBox::SetScope(ZelScope& scope) {
@@ -173,7 +171,7 @@ void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
   const QPoint at = PixelAt(event->position());
   const std::optional<std::size_t> choice = mouse_->ChoiceAt(at);
   if (mouse_->Press(at)) {
-    turnEnd_.stop();
+    wheel_.End();
     emit DragBegun();
     mouse_->MoveTo(at);
   }
@@ -204,18 +202,10 @@ void ScopePaintBox::EndDrag() {
   emit DragEnded();
 }
 
-// A turn of the wheel is one change until it rests.
 void ScopePaintBox::wheelEvent(QWheelEvent* event) {
   event->accept();
   if (!mouse_ || mouse_->Holds()) return;
-  if (!turnEnd_.isActive()) {
-    turned_ = 0;
-    emit DragBegun();
-  }
-  turnEnd_.start();
-  turned_ += event->angleDelta().y();
-  const int steps = turned_ / QWheelEvent::DefaultDeltasPerStep;
-  turned_ -= steps * QWheelEvent::DefaultDeltasPerStep;
+  const int steps = wheel_.StepsOf(*event);
   if (steps == 0) return;
   if (event->modifiers().testFlag(Qt::ControlModifier)) {
     mouse_->TurnTimeBase(steps);

@@ -2,7 +2,6 @@
 
 #include <QElapsedTimer>
 #include <QPixmap>
-#include <QTimer>
 #include <QWidget>
 #include <optional>
 
@@ -10,6 +9,7 @@
 #include "plot/cursor_painter.h"
 #include "plot/scope_painter.h"
 #include "ui/panes/scope/screen_mouse.h"
+#include "ui/widgets/wheel_turn.h"
 
 namespace torvane {
 
@@ -94,8 +94,7 @@ class ScopePaintBox : public QWidget {
   bool stale_ = true;  // the background must be made anew
   std::vector<std::optional<int>> endsPainted_;
 
-  QTimer turnEnd_;
-  int turned_ = 0;  // eighths of a degree of the wheel that are not a step yet
+  WheelTurn wheel_{this};
 
   ScopeScreen screen_;  // kept, so that a frame allocates nothing
   std::uint64_t sweepPainted_ = 0;

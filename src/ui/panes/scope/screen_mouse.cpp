@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "core/scale_steps.h"
+#include "ui/widgets/mouse_steps.h"
 
 namespace torvane {
 
@@ -12,18 +12,6 @@ namespace {
 
 constexpr double TraceReach = 8.0;   // pixels from a trace that still choose it
 constexpr double CursorReach = 5.0;  // and from a cursor
-constexpr double StepsPerDivision = 100.0;
-
-// What is dragged to stands at hundredths of a division, for numbers that can be read.
-double Stepped(double value, double scale) {
-  return std::round(value * StepsPerDivision / scale) * scale / StepsPerDivision;
-}
-
-double Turned(double scale, int steps) {
-  for (; steps > 0; --steps) scale = NextLowest125(scale);
-  for (; steps < 0; ++steps) scale = NextHighest125(scale);
-  return scale;
-}
 
 }  // namespace
 
@@ -85,12 +73,12 @@ double ScreenMouse::Risen(const QPoint& at) const {
 void ScreenMouse::DragZero(const QPoint& at) {
   ZelChannel& channel = *scope_.Channels()[index_];
   const double scale = channel.Vertical().Scale;
-  scope_.SetVerticalOffset(channel, Stepped(start_ + Risen(at) * scale, scale));
+  scope_.SetVerticalOffset(channel, SteppedTo(start_ + Risen(at) * scale, scale));
 }
 
 void ScreenMouse::DragLevel(const QPoint& at) {
   const double scale = scope_.Trigger().Source().Vertical().Scale;
-  scope_.Trigger().SetLevel(Stepped(start_ + Risen(at) * scale, scale));
+  scope_.Trigger().SetLevel(SteppedTo(start_ + Risen(at) * scale, scale));
 }
 
 int ScreenMouse::PlateX(const QPoint& at) const {
@@ -150,12 +138,12 @@ QString ScreenMouse::HintAt(const QPoint& at) const {
 }
 
 void ScreenMouse::TurnScale(ZelChannel& channel, int steps) {
-  scope_.SetVerticalScale(channel, Turned(channel.Vertical().Scale, steps));
+  scope_.SetVerticalScale(channel, TurnedScale(channel.Vertical().Scale, steps));
 }
 
 void ScreenMouse::TurnTimeBase(int steps) {
   ZelChannel* axis = scope_.HorizontalChannel();
-  if (axis) scope_.SetHorizontalScale(*axis, Turned(axis->Horizontal().Scale, steps));
+  if (axis) scope_.SetHorizontalScale(*axis, TurnedScale(axis->Horizontal().Scale, steps));
 }
 
 }  // namespace torvane
