@@ -101,6 +101,10 @@ TEST(ScopeAxes, AutoAndFillUseThePointsOnTheScreenAndTheMultiplier) {
   scope.FillVertical(trace);
   EXPECT_EQ(trace.Vertical(), (AxisScale{2.0, 4.0}));  // 8 * 2 / 8 and -(-4) * 0.5 * 2
 
+  scope.SetHorizontalOffset(trace, 5.0);
+  scope.AutoHorizontal(trace);
+  EXPECT_EQ(trace.Horizontal(), (AxisScale{2.4, 0.0}));  // 2 * 6 / 5
+
   // A flat trace: of the sweep that is meant.
   scope.Trigger().SetMode(SweepMode::Cont);
   for (int n = 3; n <= 850; ++n) b.At(n, 2.0);

@@ -208,6 +208,10 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
     Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
     Panel->ShowAtStart(false);
   } else if (verb == "look") {
+    if (rest == "clipboard") {
+      looks_["clipboard"].first = QApplication::clipboard()->image();
+      return true;
+    }
     QCoreApplication::processEvents();
     auto& widget = Find<QWidget>(rest.toStdString());
     looks_[rest.toStdString()] = {PictureOf(widget), WindowOf(widget).geometry()};
@@ -330,6 +334,7 @@ std::string Desktop::Shown(const std::string& name) {
 }
 
 bool Desktop::Looks(const std::string& name, const QString& how) {
+  if (name == "clipboard") return QApplication::clipboard()->image() == looks_.at(name).first;
   auto& widget = Find<QWidget>(name);
   const QRect is = WindowOf(widget).geometry();
   if (how == "inside") return WindowOf(widget).parentWidget()->rect().contains(is);
@@ -407,6 +412,12 @@ std::string Desktop::Missing(const std::string& seen) {
       {"shown", {"visible", true}},   {"hidden", {"visible", false}},
       {"focused", {"focus", true}}};
   const std::string name = words[0].toStdString();
+  if (words[1] == "beside") {
+    const auto place = [&](const QString& window) {
+      return WindowOf(Find<QWidget>(window.toStdString())).frameGeometry();
+    };
+    return place(words[0]).intersects(place(words[2])) ? "it is over it" : "";
+  }
   if (words[1] == "fits") return Fits(Find<QWidget>(name)) ? "" : "no";
   if (!states.contains(words[1].toStdString())) return Looks(name, words[1]) ? "" : "it is not";
   const auto& [property, value] = states.at(words[1].toStdString());

@@ -45,7 +45,7 @@ struct Target {
 ///   put FILE TEXT         writes a file; drop FILE: on the main window
 ///   size 800,600          of the main window; place NAME 40,30,640,420: of a window
 ///   start                 the program ends and starts anew, its windows as they were left
-///   look NAME             remembers how it looks, and where its window stands
+///   look NAME             remembers how it looks, and where its window stands; "clipboard" too
 ///
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
 ///   NAME.PROPERTY=TEXT; NAME.items, NAME.cells, NAME.header of what is listed; NAME.place
@@ -56,6 +56,7 @@ struct Target {
 ///   NAME stays|wider|narrower|higher|lower than it was when looked at
 ///   NAME like FILE        all that the window's controls show, as in tests/data/ui/FILE.look
 ///   NAME fits             neither cut off nor covered
+///   NAME beside NAME      their windows cover no part of each other
 ///   saved RECORD          a line of the file that a save would write; * for any name
 ///   undo=TEXT             what can be undone; redo=TEXT; notice=TEXT
 ///   report TEXT           a report or question; there may be none but those of the line

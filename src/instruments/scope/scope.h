@@ -94,6 +94,8 @@ class ZelScope final : public Instrument {
   /// trace over the eight divisions. A flat trace cannot fill and is noted.
   void AutoVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
   void FillVertical(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
+  /// As AutoVertical, of a signal as X axis.
+  void AutoHorizontal(SignalChannel& channel, ScopeSweep sweep = ScopeSweep::Present);
 
   /// Captures one screen, and stops the run and itself then. No file keeps it.
   bool SingleShot() const { return singleShot_; }
@@ -160,6 +162,8 @@ class ZelScope final : public Instrument {
   void LoadConstForm(const Record& record);
   void LoadCursors(const Record& record);
   void LoadKept(const Record& record);
+  void AutoScale(AxisScale& axis, SignalChannel& channel, int divisions, ScopeSweep sweep,
+                 const std::string& caption);
   void ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption);
 
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none

@@ -158,12 +158,20 @@ void ZelScope::SetHorizontalOffset(ZelChannel& channel, double offset) {
   Change(change, [&] { return "Horizontal Offset = " + FormatEdit(channel.Horizontal().Offset); });
 }
 
-void ZelScope::AutoVertical(SignalChannel& channel, ScopeSweep sweep) {
+void ZelScope::AutoScale(AxisScale& axis, SignalChannel& channel, int divisions, ScopeSweep sweep,
+                         const std::string& caption) {
   const auto [low, high] = SweepExtremes(*this, channel, sweep);
   const double largest = std::max(std::abs(low), std::abs(high));
-  const double scale = channel.Signal().Multiplier() * largest / (VerticalDivisions / 2);
-  ChangeAxis(channel.vertical_, {UsableScale(scale) ? scale : channel.Vertical().Scale, 0.0},
-             "Auto Scale of " + channel.Name());
+  const double scale = channel.Signal().Multiplier() * largest / (divisions / 2);
+  ChangeAxis(axis, {UsableScale(scale) ? scale : axis.Scale, 0.0}, caption + channel.Name());
+}
+
+void ZelScope::AutoVertical(SignalChannel& channel, ScopeSweep sweep) {
+  AutoScale(channel.vertical_, channel, VerticalDivisions, sweep, "Auto Scale of ");
+}
+
+void ZelScope::AutoHorizontal(SignalChannel& channel, ScopeSweep sweep) {
+  AutoScale(channel.horizontal_, channel, HorizontalDivisions, sweep, "Horizontal Auto Scale of ");
 }
 
 void ZelScope::FillVertical(SignalChannel& channel, ScopeSweep sweep) {

@@ -13,6 +13,10 @@ namespace torvane::arrangement {
 
 namespace {
 
+const QString Shown = QStringLiteral("false");
+const QString Hidden = QStringLiteral("true");
+const QString Yielded = QStringLiteral("yielded");
+
 // A name may hold what divides the keys of the settings into groups.
 QString Key(const char* group, const Instrument& instrument) {
   const std::string_view kind = RecordKeyword(instrument.Kind());
@@ -27,6 +31,11 @@ QString PlaceKey(const Instrument& instrument) {
 
 QString HiddenKey(const Instrument& instrument) {
   return Key("hidden", instrument);
+}
+
+// One that has yielded its place is wanted, but behind the one that took it.
+QString HiddenText(const InstrumentFrame& frame) {
+  return frame.HasYielded() ? Yielded : frame.IsShown() ? Shown : Hidden;
 }
 
 // As in a model file.
@@ -53,7 +62,7 @@ void Remember(const Workspace& workspace) {
     } else {
       settings.setValue(PlaceKey(instrument), QString::fromStdString(PlaceText(instrument)));
     }
-    if (frame->IsChosen()) settings.setValue(HiddenKey(instrument), !frame->IsShown());
+    if (frame->IsChosen()) settings.setValue(HiddenKey(instrument), HiddenText(*frame));
   }
 }
 
@@ -70,10 +79,12 @@ void RecallPlaces(const ZelBenchTop& bench) {
 
 void RecallHidden(Workspace& workspace) {
   const QSettings settings = UserSettings();
-  for (const InstrumentFrame* frame : workspace.Frames()) {
-    const Instrument& instrument = frame->Pane().Engine();
-    const QVariant hidden = settings.value(HiddenKey(instrument));
-    if (hidden.isValid()) workspace.SetShown(instrument, !hidden.toBool());
+  for (const QString& left : {Yielded, Shown, Hidden}) {
+    for (const InstrumentFrame* frame : workspace.Frames()) {
+      const Instrument& instrument = frame->Pane().Engine();
+      const QString hidden = settings.value(HiddenKey(instrument)).toString();
+      if (hidden == left) workspace.SetShown(instrument, left != Hidden);
+    }
   }
 }
 

@@ -320,6 +320,7 @@ void TZelControlPanelF::WatchMeter(InstrumentPane& pane) {
 void TZelControlPanelF::ShowLoaded() {
   ShowNewMeters();
   ui_->InstrumentArea->RestorePlacements();
+  for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) frame->Pane().FileLoaded();
 }
 
 void TZelControlPanelF::CopyCapture(const QSize& proportions) {

@@ -77,24 +77,27 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
 }
 
 // A file knows by its place that a window is shown: a hidden one has none.
-void InstrumentFrame::SetShown(bool shown) {
+void InstrumentFrame::Put(bool shown) {
   WindowPlacement& placement = Pane().Engine().Placement;
   if (!shown && shown_) whileHidden_ = std::exchange(placement, {});
   if (shown && !shown_ && placement.Width == 0) placement = whileHidden_;
   shown_ = shown;
   yielded_ = false;
   setVisible(shown);
+}
+
+void InstrumentFrame::SetShown(bool shown) {
+  Put(shown);
   Pane().ShownChanged(shown);
 }
 
 void InstrumentFrame::Choose(bool shown) {
   chosen_ = true;
-  yielded_ = false;
-  if (shown_ != shown) SetShown(shown);
+  if (shown_ != shown || yielded_) SetShown(shown);
 }
 
 void InstrumentFrame::Yield() {
-  SetShown(false);
+  Put(false);
   yielded_ = true;
 }
 

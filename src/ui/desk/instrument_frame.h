@@ -32,7 +32,8 @@ class InstrumentFrame : public QMdiSubWindow {
   /// Shown or hidden because the user said so.
   bool IsChosen() const { return chosen_; }
   void Choose(bool shown);
-  /// Hidden for one that has no room beside it, until there is room.
+  /// Hidden for one that has no room beside it, until there is room. Its pane does not count as
+  /// hidden: nothing that the user has in it goes.
   bool HasYielded() const { return yielded_; }
   void Yield();
 
@@ -45,6 +46,7 @@ class InstrumentFrame : public QMdiSubWindow {
   void changeEvent(QEvent* event) override;
 
  private:
+  void Put(bool shown);
   QRect Fitted(const WindowPlacement& placement) const;
   void RecordPlacement();
 

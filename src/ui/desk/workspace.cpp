@@ -1,5 +1,6 @@
 #include "ui/desk/workspace.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -13,10 +14,20 @@ namespace torvane {
 
 namespace {
 
-constexpr int EdgeGap = 12;  // pixels that a window at the edge of a tiling may be off it
+constexpr int EdgeGap = 12;    // pixels that a window at the edge of a tiling may be off it
+constexpr int MostPasses = 4;  // until windows stand as they will
 
 bool IsMeter(const InstrumentFrame& frame) {
   return frame.Pane().Engine().Kind() == InstrumentKind::Meter;
+}
+
+// Every control tells the one around it by an event.
+void LayOut(InstrumentFrame& frame) {
+  const QList<QWidget*> controls = frame.findChildren<QWidget*>();
+  for (auto control = controls.rbegin(); control != controls.rend(); ++control) {
+    QCoreApplication::sendPostedEvents(*control, QEvent::LayoutRequest);
+  }
+  QCoreApplication::sendPostedEvents(&frame, QEvent::LayoutRequest);
 }
 
 // Meters that a tiling has no room for stand over the other windows, column by column from the
@@ -326,11 +337,26 @@ void Workspace::FillScreen() {
   filling_ = true;
 }
 
-QImage Workspace::Capture(const QSize& proportions) {
+// A window of another width lays out its rows when events come that wait, and may need other sizes
+// then.
+QSize Workspace::TileOverArea(const QSize& proportions) {
   const QSize fitting = proportions.scaled(size(), Qt::KeepAspectRatio);
-  const QSize least = LeastTiledArea(Tiles(), proportions);
-  const QSize area = least.width() > fitting.width() ? least : fitting;
-  TileOver(area);
+  QSize area;
+  std::vector<QRect> before;
+  for (int pass = 0; pass < MostPasses; ++pass) {
+    const QSize least = LeastTiledArea(Tiles(), proportions);
+    area = least.width() > fitting.width() ? least : fitting;
+    TileOver(area);
+    for (InstrumentFrame* frame : ShownFrames()) LayOut(*frame);
+    std::vector<QRect> places = PlacesOn(area, ShownFrames());
+    if (places == before) break;
+    before = std::move(places);
+  }
+  return area;
+}
+
+QImage Workspace::Capture(const QSize& proportions) {
+  const QSize area = TileOverArea(proportions);
   filling_ = false;
 
   QImage picture(area * devicePixelRatioF(), QImage::Format_RGB32);

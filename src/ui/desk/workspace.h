@@ -67,6 +67,7 @@ class Workspace : public QMdiArea {
   std::vector<Tile> Tiles() const;
   std::vector<QRect> PlacesOn(const QSize& area, const std::vector<InstrumentFrame*>& frames) const;
   void TileOver(const QSize& area);
+  QSize TileOverArea(const QSize& proportions);
   void ShowWhatFits();
   void BringBack();
   const InstrumentFrame* FrontAnalyser() const;

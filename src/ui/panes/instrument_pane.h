@@ -32,7 +32,11 @@ class InstrumentPane : public QWidget, public InstrumentView {
   /// What the pane needs where it can be flat: from this width on no more than this height.
   virtual QSize FlatSize() const { return {}; }
 
-  /// The pane has come to the workspace, or has left it while its engine goes on.
+  /// A model file has been read, to its end.
+  virtual void FileLoaded() {}
+
+  /// The user sees the pane on the workspace, or has hidden it while its engine goes on. One that
+  /// yields its place for a while is not told.
   virtual void ShownChanged(bool /*shown*/) {}
 
  private:

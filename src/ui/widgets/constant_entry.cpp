@@ -10,18 +10,16 @@
 
 namespace torvane {
 
-void EnterConstant(Constant& constant, const std::string& text, QWidget& control,
+bool EnterConstant(Constant& constant, const std::string& text, QWidget& control,
                    const QRect& area) {
-  if (constant.IsList()) {
-    constant.SetFromText(text);
-    return;
-  }
+  if (constant.IsList()) return constant.SetFromText(text);
   const std::string plain = WithoutSuffix(text);
   const std::optional<double> typed = ParseNumber(plain);
-  constant.SetFromText(typed ? plain : text);
+  const bool taken = constant.SetFromText(typed ? plain : text);
   if (typed && *typed != constant.Value()) {
     ShowNotice(control, area, QString::fromStdString(LimitNotice(*typed, constant.Value())));
   }
+  return taken;
 }
 
 }  // namespace torvane

@@ -1,12 +1,8 @@
 #include "ui/panes/constants/adjust_dialog.h"
 
-#include <QGuiApplication>
 #include <QHideEvent>
-#include <QScreen>
 #include <QSignalBlocker>
-#include <QStyle>
 #include <QUrl>
-#include <algorithm>
 #include <array>
 
 #include "core/text.h"
@@ -14,6 +10,7 @@
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/slider_scale.h"
+#include "ui/widgets/window_place.h"
 #include "ui_adjust.h"
 
 namespace torvane {
@@ -26,22 +23,6 @@ constexpr int Gap = 12;  // between the window and what it stands beside, pixels
 QString PlaceKey(const Constant& constant) {
   return QStringLiteral("adjustPlaces/") +
          QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(constant.Name())));
-}
-
-// What the frame adds, with room to spare: a window does not know its frame before it is shown, and
-// a main window that fills the display has none.
-QSize FrameSize(const QWidget& window) {
-  const QStyle& style = *window.style();
-  const int edge = style.pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
-  return QSize(2 * edge, 2 * edge + style.pixelMetric(QStyle::PM_TitleBarHeight));
-}
-
-// The display may have become smaller, or be another one.
-QPoint OnDisplay(const QPoint& place, const QSize& size, const QWidget& window) {
-  const QScreen* display = QGuiApplication::screenAt(place);
-  const QRect room = (display ? display : window.screen())->availableGeometry();
-  return {std::max(room.left(), std::min(place.x(), room.right() + 1 - size.width())),
-          std::max(room.top(), std::min(place.y(), room.bottom() + 1 - size.height()))};
 }
 
 }  // namespace
@@ -67,7 +48,9 @@ TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
   value_ = new EditBinding(
       *ui_->EValue,
       [this](const std::string& text) {
-        EnterConstant(constant_, text, *ui_->EValue, ui_->EValue->rect());
+        if (EnterConstant(constant_, text, *ui_->EValue, ui_->EValue->rect())) return;
+        // Once the focus has come to rest where it was going.
+        QMetaObject::invokeMethod(this, &TZelAdjustF::FocusValue, Qt::QueuedConnection);
       },
       [this] { return constant_.DisplayText(); });
   const int eight = ui_->EValue->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000"));
@@ -102,16 +85,23 @@ void TZelAdjustF::ConnectButtons() {
 }
 
 void TZelAdjustF::OpenBeside(const QRect& area) {
-  if (!isVisible()) {
-    opened_ = constant_.FileText();
-    value_->Show();
-  }
+  if (!isVisible()) KeepValue();
   adjustSize();
   const QPoint beside(area.left() - width() - Gap, area.top());
   const QPoint left = UserSettings().value(PlaceKey(constant_), beside).toPoint();
-  move(OnDisplay(isVisible() ? pos() : left, size() + FrameSize(*this), *this));
+  move(OnDisplay(isVisible() ? pos() : left, *this));
   show();
   raise();
+  FocusValue();
+}
+
+void TZelAdjustF::KeepValue() {
+  opened_ = constant_.FileText();
+  value_->Show();
+}
+
+void TZelAdjustF::FocusValue() {
+  if (!isVisible()) return;
   activateWindow();
   ui_->EValue->setFocus();
   ui_->EValue->selectAll();

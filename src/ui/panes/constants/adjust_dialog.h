@@ -29,6 +29,9 @@ class TZelAdjustF : public QDialog, private ConstantObserver {
   /// returns to.
   void OpenBeside(const QRect& area);
 
+  /// The value of this moment is the one that Cancel returns to from now on.
+  void KeepValue();
+
  public slots:
   void accept() override;
   /// The window's frame and Escape come here too.
@@ -42,6 +45,7 @@ class TZelAdjustF : public QDialog, private ConstantObserver {
   void ConnectButtons();
   void ConstantChanged(const Constant& constant) override;
   void ShowValue();
+  void FocusValue();
   void RememberPlace();
 
   Constant& constant_;

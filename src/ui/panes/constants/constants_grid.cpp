@@ -180,6 +180,12 @@ void ConstantsGrid::HideDialogs() {
   }
 }
 
+void ConstantsGrid::FileLoaded() {
+  for (const auto& dialog : dialogs_) {
+    if (dialog) dialog->KeepValue();
+  }
+}
+
 void ConstantsGrid::Fill() {
   const QScopedValueRollback showing(showing_, true);
   const auto& constants = bench_.Constants();

@@ -27,6 +27,8 @@ class ConstantsGrid : public QObject, private ConstantObserver {
   static constexpr int UnitColumn = 2;
 
   void HideDialogs();
+  /// Values have come from a file: what the constants' own windows return to begins with them.
+  void FileLoaded();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -23,6 +23,7 @@
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/swatch.h"
+#include "ui/widgets/window_place.h"
 #include "ui_scope.h"
 
 namespace torvane {
@@ -96,7 +97,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   ConnectMath();
   ConnectExport(bench);
   connect(ui_->BHorizAuto, &QAbstractButton::clicked, this,
-          [this, &bench] { ShowTwoPeriods(bench); });
+          [this, &bench] { scope_.XYMode() ? ScaleX() : ShowTwoPeriods(bench); });
   SettingsChanged();
 }
 
@@ -231,6 +232,11 @@ void TZelScopeF::ConnectExport(const ZelBenchTop& bench) {
   connect(ui_->PrintB, &QAbstractButton::clicked, menu, &ExportMenu::Print);
 }
 
+void TZelScopeF::ScaleX() {
+  const auto index = static_cast<std::size_t>(ui_->CmBHorizChan->currentData().toInt());
+  scope_.AutoHorizontal(*scope_.Channels()[index], ui_->PBScreen->Shown());
+}
+
 // The next scale of 1, 2, 5, 10 that shows two periods of the command.
 void TZelScopeF::ShowTwoPeriods(const ZelBenchTop& bench) {
   const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
@@ -301,7 +307,11 @@ void TZelScopeF::ShowHorizontal() {
            ui_->BBHorizOffsetSign, ui_->BHorizZero}) {
     control->setEnabled(!timeAxis);
   }
-  ui_->BHorizAuto->setEnabled(timeAxis);
+  const QString automatic =
+      timeAxis ? QStringLiteral("Show two periods of the command generator")
+               : QStringLiteral("Scale the X axis around zero to the larger of its extremes");
+  ui_->BHorizAuto->setToolTip(automatic);
+  ui_->BHorizAuto->setAccessibleName(automatic);
   ui_->PBScreen->Refresh();
 }
 
@@ -311,16 +321,21 @@ void TZelScopeF::ShowCursors() {
   ui_->PBScreen->update();
   const bool shown = scope_.Cursors().Mode > 0 && !scope_.XYMode() && isVisible();
   ShowReading();
-  if (shown) Place(*cursors_);
-  cursors_->setVisible(shown);
+  shown ? Open(*cursors_, *math_) : cursors_->hide();
 }
 
-// At first over the lower end of the constants; then where the user moved it.
-void TZelScopeF::Place(QWidget& readOut) const {
-  if (!readOut.pos().isNull()) return;
-  const QPoint corner = ui_->Splitter1->rect().bottomRight() - QPoint(16, 40);
-  const QPoint at = ui_->Splitter1->mapToGlobal(corner) - readOut.rect().bottomRight();
-  readOut.move(std::max(at.x(), 0), std::max(at.y(), 0));
+// At first over the lower end of the constants; then where the user moved it. Read-outs do not open
+// over each other.
+void TZelScopeF::Open(QWidget& readOut, const QWidget& other) const {
+  if (readOut.isVisible()) return;
+  QPoint at = readOut.pos();
+  if (at.isNull()) {
+    const QPoint corner = ui_->Splitter1->rect().bottomRight() - QPoint(16, 40);
+    at = ui_->Splitter1->mapToGlobal(corner) - readOut.rect().bottomRight();
+    at = {std::max(at.x(), 0), std::max(at.y(), 0)};
+  }
+  readOut.move(other.isVisible() ? ClearOf(other, at, readOut) : at);
+  readOut.show();
 }
 
 void TZelScopeF::ShowMath() {
@@ -333,9 +348,10 @@ void TZelScopeF::ShowMath() {
       kept = MeasureScreen(scope_, OnTimeAxisOf(scope_, *scope_.Kept(), live), pixels);
     }
     math_->ShowMeasures(MeasureScreen(scope_, live, pixels), kept);
-    Place(*math_);
+    Open(*math_, *cursors_);
+  } else {
+    math_->hide();
   }
-  math_->setVisible(shown);
 }
 
 void TZelScopeF::ShowReading() {
@@ -432,6 +448,10 @@ void TZelScopeF::SettingsChanged() {
   ui_->BClearKept->setEnabled(scope_.Kept() != nullptr);
   ShowCursors();
   ShowMath();
+}
+
+void TZelScopeF::FileLoaded() {
+  constants_->FileLoaded();
 }
 
 void TZelScopeF::closeEvent(QCloseEvent* event) {

@@ -37,6 +37,7 @@ class TZelScopeF : public InstrumentPane {
   void SetLook(const TraceLook& look) override;
   void Redraw() override;
   void SettingsChanged() override;
+  void FileLoaded() override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -49,13 +50,14 @@ class TZelScopeF : public InstrumentPane {
   void ConnectHorizontal();
   void ConnectPages();
   void ConnectCursors(ZelUndo& history);
+  void ScaleX();
   void ShowTwoPeriods(const ZelBenchTop& bench);
   void ShowCursors();
   void ShowReading();
   void ConnectMath();
   void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
-  void Place(QWidget& readOut) const;
+  void Open(QWidget& readOut, const QWidget& other) const;
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
