@@ -110,6 +110,9 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// Puts a response that was measured elsewhere into memory 1 to 4 and shows it, whatever channels
   /// are chosen. The name says where it comes from.
   void LoadMemory(int slot, ResponseCurve curve, std::string name);
+  /// Does so with the current measurement of another analyser, under its title and channels; false
+  /// after a note when it has none, or a spectrum.
+  bool CopyFrom(const FrequencyAnalyser& other, int slot, const std::string& title);
   /// That name; empty for a slot that holds a measurement of this analyser.
   const std::string& LoadedFrom(int slot) const { return ResponseAt(slot).Name(); }
 

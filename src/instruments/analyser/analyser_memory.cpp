@@ -23,6 +23,24 @@ void FrequencyAnalyser::LoadMemory(int slot, ResponseCurve curve, std::string na
   Changed();
 }
 
+bool FrequencyAnalyser::CopyFrom(const FrequencyAnalyser& other, int slot,
+                                 const std::string& title) {
+  if (!other.HasData(0) || other.OutputOnly()) {
+    Note("There is no measurement to store.");
+    return false;
+  }
+  const std::span<const ResponsePoint> points = other.ResponseAt(0).Curve();
+  LoadMemory(slot, {points.begin(), points.end()},
+             title + " " + other.Output()->Name() + " / " + other.Input()->Name());
+  return true;
+}
+
+void FrequencyAnalyser::ClearCurrent() {
+  SlotOf(0).Held = {};
+  SlotOf(0).Seen.reset();
+  MarkStale();
+}
+
 FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
   const ResponseSlot& trace = SlotAt(slot);
   if (trace.Dropped && slot > 0) return {};

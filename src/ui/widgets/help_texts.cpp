@@ -222,8 +222,8 @@ constexpr Entry Entries[] = {
     {"CBColor3", "Shows or hides the response in memory 3."},
     {"CBColor4", "Shows or hides the response in memory 4."},
     {"SBMemory",
-     "Saves the response into a memory, to compare later ones with it, and chooses which one the "
-     "cursors read."},
+     "Saves the response into a memory, here or in the model's other analyser, to compare later "
+     "ones with it, loads one from there or from a file, and chooses which one the cursors read."},
     {"PBPlot",
      "Gain and phase against frequency. Drag a cursor, or move it with the arrow keys, the second "
      "one with Shift; the menu of the right mouse button saves and shows measurements. A Nyquist "

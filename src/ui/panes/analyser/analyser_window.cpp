@@ -42,7 +42,7 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   setWindowIcon(QIcon(QStringLiteral(":/icons/analyser.svg")));
   ui_->PBPlot->SetAnalyser(analyser);
   axes_ = new AnalyserAxes(*ui_, analyser, this);
-  menu_ = new ResponseMenu(analyser, MakeExports(bench, names.File), this);
+  menu_ = new ResponseMenu(analyser, bench, MakeExports(bench, names.File), this);
   viewMenu_ = new ResponseViewMenu(analyser, this);
   menu_->Menu().addMenu(&viewMenu_->Menu());
   ui_->SBView->setMenu(&viewMenu_->Menu());

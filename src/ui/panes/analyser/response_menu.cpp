@@ -19,11 +19,13 @@ const QString FolderKey = QStringLiteral("exportFolder");
 
 }  // namespace
 
-ResponseMenu::ResponseMenu(FrequencyAnalyser& analyser, QMenu& exports, QWidget* parent)
+ResponseMenu::ResponseMenu(FrequencyAnalyser& analyser, const ZelBenchTop& bench, QMenu& exports,
+                           QWidget* parent)
     : QObject(parent), analyser_(analyser), window_(parent), menu_(parent) {
   menu_.setObjectName(QStringLiteral("PMStoreShow"));
   AddSave();
   AddLoad();
+  AddOthers(bench);
   AddShow();
   AddScreen();
   exports.setTitle(QStringLiteral("Export"));
@@ -47,10 +49,10 @@ void ResponseMenu::AddSave() {
 }
 
 void ResponseMenu::AddLoad() {
-  QMenu* menu = menu_.addMenu(QStringLiteral("Load"));
-  menu->menuAction()->setObjectName(QStringLiteral("MILoadMemory"));
+  load_ = menu_.addMenu(QStringLiteral("Load"));
+  load_->menuAction()->setObjectName(QStringLiteral("MILoadMemory"));
   for (int slot = 1; slot < FrequencyAnalyser::SlotCount; ++slot) {
-    QAction* item = Add(*menu, QStringLiteral("Memory &%1...").arg(slot),
+    QAction* item = Add(*load_, QStringLiteral("Memory &%1...").arg(slot),
                         qPrintable(QStringLiteral("MILoadMemory%1").arg(slot)));
     connect(item, &QAction::triggered, this, [this, slot] { Load(slot); });
   }
@@ -84,6 +86,38 @@ void ResponseMenu::Load(int slot) {
     analyser_.LoadMemory(slot++, std::move(response.Curve), name);
   }
   if (!text.Note.empty()) Note("\"" + file + "\": " + text.Note);
+}
+
+// Where a display has room for one of them, both are compared in it.
+void ResponseMenu::AddOthers(const ZelBenchTop& bench) {
+  for (const InstrumentKind kind : {InstrumentKind::FftAnalyser, InstrumentKind::SweptSine}) {
+    for (Instrument* instrument : bench.Instruments(kind)) {
+      auto* other = dynamic_cast<FrequencyAnalyser*>(instrument);
+      if (!other || other == &analyser_) continue;
+      AddCopy(*save_, "To %1", analyser_, *other);
+      AddCopy(*load_, "From %1", *other, analyser_);
+    }
+  }
+}
+
+// Windows have their titles when both stand.
+void ResponseMenu::AddCopy(QMenu& menu, const char* text, FrequencyAnalyser& from,
+                           FrequencyAnalyser& to) {
+  const FrequencyAnalyser& other = &from == &analyser_ ? to : from;
+  QMenu* memories = menu.addMenu(QString());
+  const QString way = QString::fromLatin1(text).section(u' ', 0, 0);
+  memories->setObjectName(way + QString::fromStdString(other.Name()));
+  const auto title = [](const FrequencyAnalyser& analyser) {
+    const auto* pane = dynamic_cast<const QWidget*>(analyser.Instrument::View());
+    return pane ? pane->windowTitle() : QString::fromStdString(analyser.Name());
+  };
+  connect(&menu, &QMenu::aboutToShow, memories,
+          [=, &other] { memories->setTitle(QString::fromLatin1(text).arg(title(other))); });
+  for (int slot = 1; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    QAction* item = memories->addAction(QStringLiteral("Memory &%1").arg(slot));
+    connect(item, &QAction::triggered, this,
+            [=, &from, &to] { to.CopyFrom(from, slot, title(from).toStdString()); });
+  }
 }
 
 void ResponseMenu::AddShow() {

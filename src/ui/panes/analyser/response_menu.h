@@ -8,15 +8,16 @@
 
 namespace torvane {
 
-/// The menu of an analyser's plot: stores the current measurement in a memory or loads one from a
-/// file, chooses the trace that the cursors read and how the screen is divided, and gives picture
-/// and data away.
+/// The menu of an analyser's plot: stores the current measurement in a memory, of the model's other
+/// analyser too, or loads one from there or from a file, chooses the trace that the cursors read
+/// and how the screen is divided, and gives picture and data away.
 class ResponseMenu : public QObject {
   Q_OBJECT
 
  public:
-  /// The analyser must outlive it. `exports` is the submenu for what the plot gives away.
-  ResponseMenu(FrequencyAnalyser& analyser, QMenu& exports, QWidget* parent);
+  /// Analyser and bench must outlive it. `exports` is the submenu for what the plot gives away.
+  ResponseMenu(FrequencyAnalyser& analyser, const ZelBenchTop& bench, QMenu& exports,
+               QWidget* parent);
 
   QMenu& Menu() { return menu_; }
 
@@ -31,6 +32,8 @@ class ResponseMenu : public QObject {
   void AddSave();
   void AddLoad();
   void Load(int slot);
+  void AddOthers(const ZelBenchTop& bench);
+  void AddCopy(QMenu& menu, const char* text, FrequencyAnalyser& from, FrequencyAnalyser& to);
   void AddShow();
   void AddScreen();
 
@@ -38,6 +41,7 @@ class ResponseMenu : public QObject {
   QWidget* window_;
   QMenu menu_;
   QMenu* save_ = nullptr;
+  QMenu* load_ = nullptr;
   std::array<QAction*, FrequencyAnalyser::SlotCount> cursorTraces_{};
   QAction* single_ = nullptr;
   QAction* split_ = nullptr;

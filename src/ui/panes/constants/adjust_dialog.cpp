@@ -6,6 +6,7 @@
 #include <array>
 
 #include "core/text.h"
+#include "ui/session/box_queue.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/edit_binding.h"
@@ -49,8 +50,7 @@ TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
       *ui_->EValue,
       [this](const std::string& text) {
         if (EnterConstant(constant_, text, *ui_->EValue, ui_->EValue->rect())) return;
-        // Once the focus has come to rest where it was going.
-        QMetaObject::invokeMethod(this, &TZelAdjustF::FocusValue, Qt::QueuedConnection);
+        WhenNothingIsOpen(*this, [this] { FocusValue(); });
       },
       [this] { return constant_.DisplayText(); });
   const int eight = ui_->EValue->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000"));
