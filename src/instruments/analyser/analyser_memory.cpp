@@ -35,12 +35,6 @@ bool FrequencyAnalyser::CopyFrom(const FrequencyAnalyser& other, int slot,
   return true;
 }
 
-void FrequencyAnalyser::ClearCurrent() {
-  SlotOf(0).Held = {};
-  SlotOf(0).Seen.reset();
-  MarkStale();
-}
-
 FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
   const ResponseSlot& trace = SlotAt(slot);
   if (trace.Dropped && slot > 0) return {};
@@ -93,6 +87,7 @@ void FrequencyAnalyser::ClearCurrent() {
   current.Record = {};
   current.Held = {};
   current.Seen.reset();
+  MarkStale();
 }
 
 void FrequencyAnalyser::DropMeasurements() {

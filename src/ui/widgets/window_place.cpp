@@ -5,12 +5,18 @@
 #include <QStyle>
 #include <QWidget>
 #include <algorithm>
+#include <limits>
 
 namespace torvane {
 
 namespace {
 
 constexpr int Gap = 4;  // between windows that make room for each other, pixels
+
+QRect DisplayOf(const QPoint& place, const QWidget& window) {
+  const QScreen* display = QGuiApplication::screenAt(place);
+  return (display ? display : window.screen())->availableGeometry();
+}
 
 }  // namespace
 
@@ -21,8 +27,7 @@ QSize FramedSize(const QWidget& window) {
 }
 
 QPoint OnDisplay(const QPoint& place, const QWidget& window) {
-  const QScreen* display = QGuiApplication::screenAt(place);
-  const QRect room = (display ? display : window.screen())->availableGeometry();
+  const QRect room = DisplayOf(place, window);
   const QSize size = FramedSize(window);
   return {std::max(room.left(), std::min(place.x(), room.right() + 1 - size.width())),
           std::max(room.top(), std::min(place.y(), room.bottom() + 1 - size.height()))};
@@ -31,14 +36,22 @@ QPoint OnDisplay(const QPoint& place, const QWidget& window) {
 QPoint ClearOf(const QWidget& other, const QPoint& place, const QWidget& window) {
   const QSize size = FramedSize(window);
   const QRect taken(other.pos(), FramedSize(other));
+  const QRect room = DisplayOf(place, window);
+  QPoint best = place;
+  int least = std::numeric_limits<int>::max();
   for (const QPoint& at : {place, QPoint(place.x(), taken.top() - size.height() - Gap),
                            QPoint(place.x(), taken.bottom() + 1 + Gap),
                            QPoint(taken.left() - size.width() - Gap, place.y()),
-                           QPoint(taken.right() + 1 + Gap, place.y())}) {
-    const QPoint free = OnDisplay(at, window);
-    if (!QRect(free, size).intersects(taken)) return free;
+                           QPoint(taken.right() + 1 + Gap, place.y()), room.topRight(),
+                           room.topLeft(), room.bottomRight(), room.bottomLeft()}) {
+    const QPoint on = OnDisplay(at, window);
+    const QRect covered = QRect(on, size).intersected(taken);
+    const int area = covered.width() * covered.height();
+    if (area >= least) continue;
+    least = area;
+    best = on;
   }
-  return place;
+  return best;
 }
 
 }  // namespace torvane

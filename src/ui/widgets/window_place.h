@@ -15,8 +15,8 @@ QSize FramedSize(const QWidget& window);
 /// the place is, or else on its own. The display may have become smaller, or be another one.
 QPoint OnDisplay(const QPoint& place, const QWidget& window);
 
-/// Where a window covers no part of another: the place itself, above the other one or, where that
-/// has no room, beside it.
+/// Where a window covers as little as it can of another: none of it at the place itself, above,
+/// below or beside the other or in a corner of the display, wherever there is room.
 QPoint ClearOf(const QWidget& other, const QPoint& place, const QWidget& window);
 
 }  // namespace torvane

@@ -325,8 +325,8 @@ void TZelScopeF::ShowCursors() {
 }
 
 // At first over the lower end of the constants; then where the user moved it. Read-outs do not open
-// over each other.
-void TZelScopeF::Open(QWidget& readOut, const QWidget& other) const {
+// over each other: where one has no room, the other makes some.
+void TZelScopeF::Open(QWidget& readOut, QWidget& other) const {
   if (readOut.isVisible()) return;
   QPoint at = readOut.pos();
   if (at.isNull()) {
@@ -335,6 +335,7 @@ void TZelScopeF::Open(QWidget& readOut, const QWidget& other) const {
     at = {std::max(at.x(), 0), std::max(at.y(), 0)};
   }
   readOut.move(other.isVisible() ? ClearOf(other, at, readOut) : at);
+  if (other.isVisible()) other.move(ClearOf(readOut, other.pos(), other));
   readOut.show();
 }
 

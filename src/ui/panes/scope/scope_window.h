@@ -57,7 +57,7 @@ class TZelScopeF : public InstrumentPane {
   void ConnectMath();
   void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
-  void Open(QWidget& readOut, const QWidget& other) const;
+  void Open(QWidget& readOut, QWidget& other) const;
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
