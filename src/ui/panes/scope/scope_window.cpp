@@ -15,6 +15,7 @@
 #include "ui/panes/constants/constants_splitter.h"
 #include "ui/panes/scope/add_dialog.h"
 #include "ui/panes/scope/cursors_window.h"
+#include "ui/panes/scope/load_traces.h"
 #include "ui/panes/scope/math_window.h"
 #include "ui/panes/scope/trigger_controls.h"
 #include "ui/panes/scope/trigger_word.h"
@@ -215,6 +216,11 @@ void TZelScopeF::ConnectMath() {
     if (screen.PointCount() == 0) ShowNotice(*ui_->BKeep, QStringLiteral("No traces yet"));
     scope_.KeepTraces(screen);
   });
+  auto* keep = new QMenu(ui_->BKeep);
+  QAction* load = keep->addAction(QStringLiteral("Load traces..."));
+  load->setObjectName(QStringLiteral("MILoadTraces"));
+  connect(load, &QAction::triggered, this, [this] { LoadTraces(scope_, *this); });
+  ui_->BKeep->setMenu(keep);
   connect(ui_->BClearKept, &QAbstractButton::clicked, this, [this] { scope_.ClearKeptTraces(); });
   connect(math_, &MathWindow::Closed, this, [this] { ui_->SBMath->setChecked(false); });
 }
