@@ -107,9 +107,10 @@ std::vector<std::string> FrequencyAnalyser::ShownDoubts() const {
   std::vector<std::string> doubts;
   for (int slot = 0; slot < SlotCount; ++slot) {
     if (!TraceAt(slot).Shown || !HasData(slot)) continue;
-    const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
+    const std::string name = slot == 0 ? "Current: " : "Memory " + std::to_string(slot) + ": ";
     for (const std::string& doubt : ResponseAt(slot).Doubts()) {
-      doubts.push_back(name + ": " + doubt);
+      doubts.push_back(name);
+      doubts.back() += doubt;
     }
   }
   return doubts;
