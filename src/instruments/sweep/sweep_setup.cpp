@@ -75,7 +75,7 @@ SetupFinding CheckSetup(const SweepSetup& setup, int mostPoints, double solverSt
   // No two samples fall on one step.
   SweepSetup ticked = setup;
   ticked.TSample = std::max(setup.TSample, solverStep);
-  const SetupFinding plan = CheckPlan(ticked, mostPoints);
+  SetupFinding plan = CheckPlan(ticked, mostPoints);
   if (plan.What == Refusal) return plan;
   const double highest = std::max(setup.StartFreq, setup.EndFreq);
   if (ticked.TSample * highest > MostHold) {
