@@ -39,7 +39,10 @@ void StudyIdentity::AddSum(const std::string& what, std::string_view text) {
 
 std::string StudyIdentity::Line() const {
   std::vector<std::string> fields{Keyword};
-  for (const auto& [what, value] : parts_) fields.push_back(what + "=" + value);
+  for (const auto& [what, value] : parts_) {
+    fields.push_back(what);
+    fields.back().append("=").append(value);
+  }
   std::string line = CsvLine(fields);
   line.pop_back();
   return line + ',' + ChecksumText(line) + '\n';
@@ -78,7 +81,7 @@ std::string StudyIdentity::Difference(const StudyIdentity& other, bool sharesDif
       const std::string its = other.Value(name);
       if (mine == its || (name == SharePart && !sharesDiffer)) continue;
       if (!value.starts_with(SumMark)) return name + " is " + Told(its) + ", not " + Told(mine);
-      sums = sums.empty() ? "another " + name : sums;
+      if (sums.empty()) sums.append("another ").append(name);
     }
   }
   return sums;
