@@ -40,6 +40,9 @@ TEST_F(TraceCsv, SaysWhatIsWrongAndWhatIsPassedOver) {
            {"Time (h),Signal\n1,2\n", "line 1: time must be in s, ms or us"},
            {"Time,Signal\n1,2\n\n1,2\n", "line 4: the time is not after the one before it"},
            {"Time,Signal\n,2\n", "line 2: no time"},
+           {"Time,Signal\n0,1,2,5\n",
+            "line 2: more fields than columns; with decimal commas the fields need semicolons or "
+            "tabs between them"},
            {"Time,Signal\n1,\n", "line 2: Signal is not a number that a trace can have"},
            {"Time,Signal\n1,1e60\n", "line 2: Signal is not a number that a trace can have"},
            {"Time,x,Signal,signal\n5,1,2,3\n6,1,2,3\n", "No signal of the scope: x, signal"},

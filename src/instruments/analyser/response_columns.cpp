@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/names.h"
+
 namespace torvane {
 
 namespace {
@@ -72,14 +74,6 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(around) - first + 1);
 }
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 // Takes the unit from the end of a caption: in brackets, or behind a blank, "/" or "_".
 ResponseUnit TakeUnit(std::string_view& caption) {
   if (const ResponseUnit whole = ResponseUnitOf(caption); whole != ResponseUnit::Unknown) {
@@ -132,7 +126,7 @@ std::array<std::string, 3> ThreeFields(std::string_view text, bool& whole) {
 }  // namespace
 
 ResponseUnit ResponseUnitOf(std::string_view text) {
-  const std::string name = LowerCase(Trimmed(text));
+  const std::string name = Lower(std::string(Trimmed(text)));
   const auto found = std::find_if(UnitNames.begin(), UnitNames.end(),
                                   [&](const UnitName& unit) { return unit.Name == name; });
   return found == UnitNames.end() ? ResponseUnit::Unknown : found->Unit;
@@ -160,7 +154,7 @@ ResponseColumn ReadResponseCaption(std::string_view caption) {
   column.Unit = TakeUnit(caption);
   const std::vector<std::string_view> words = Words(caption);
   const auto is = [](std::string_view word, std::string_view known) {
-    return LowerCase(word) == known;
+    return Lower(std::string(word)) == known;
   };
   for (const WordRole& known : WordRoles) {
     const auto found = std::find_if(words.begin(), words.end(),

@@ -6,8 +6,9 @@
 #include <optional>
 #include <utility>
 
-#include "core/files/input_file.h"
 #include "core/files/model_file_lines.h"
+#include "core/files/text_file.h"
+#include "core/table_lines.h"
 #include "core/text.h"
 #include "instruments/analyser/complex_text.h"
 #include "instruments/analyser/response_units.h"
@@ -17,7 +18,6 @@ namespace torvane {
 namespace {
 
 constexpr std::size_t MaxFileSize = std::size_t{16} << 20;
-constexpr std::size_t PieceSize = 65536;
 constexpr std::size_t MaxColumns = 100;
 constexpr int MostTitles = 50;  // lines that may stand above the captions
 constexpr int Patience = 2000;  // milliseconds that a pipe may stay silent
@@ -25,39 +25,6 @@ constexpr int Patience = 2000;  // milliseconds that a pipe may stay silent
 constexpr double MaxHz = 1e12;
 constexpr double MinHz = 1e-12;
 constexpr double MaxPhase = 1e6;  // degrees
-
-using Fields = std::vector<std::string_view>;
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view around = " \t\"";
-  const std::size_t first = text.find_first_not_of(around);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(around) - first + 1);
-}
-
-Fields Split(std::string_view line, char separator) {
-  Fields fields;
-  if (separator == ' ') line = Trimmed(line);
-  while (fields.size() < MaxColumns) {
-    const std::size_t end = line.find(separator);
-    fields.push_back(Trimmed(line.substr(0, end)));
-    if (end == std::string_view::npos) break;
-    line.remove_prefix(separator == ' ' ? std::min(line.find_first_not_of(' ', end), line.size())
-                                        : end + 1);
-  }
-  return fields;
-}
-
-char SeparatorOf(std::string_view line) {
-  for (const char separator : {';', '\t', ','}) {
-    if (line.find(separator) != std::string_view::npos) return separator;
-  }
-  return ' ';
-}
-
-std::string Fault(int line, const std::string& what) {
-  return "line " + std::to_string(line) + ": " + what;
-}
 
 /// A response by its columns, and where they stand.
 struct Pair : ResponseColumns {
@@ -73,12 +40,12 @@ class ResponseReader {
 
   /// What is wrong with the line; empty when nothing is.
   std::string Take(std::string_view line, int number) {
-    const std::string_view text = Trimmed(line);
+    const std::string_view text = TrimmedField(line);
     if (text.empty() || std::string_view("#%!").find(text.front()) != std::string_view::npos) {
       return {};
     }
     if (!begun_) return TakeHead(line, number);
-    const Fields fields = Split(line, separator_);
+    const TableFields fields = SplitTableLine(line, separator_, MaxColumns);
     if (raw_.front().empty() && TakeUnits(fields)) return {};
     return TakePoint(fields, number);
   }
@@ -116,25 +83,13 @@ class ResponseReader {
  private:
   static constexpr std::size_t None = std::string_view::npos;
 
-  static bool IsNumber(std::string_view field, char separator) {
-    return Number(field, separator).has_value();
-  }
-
-  // A comma that divides no fields is a decimal one.
-  static std::optional<double> Number(std::string_view field, char separator) {
-    if (const auto number = ParseNumber(field)) return number;
-    const std::size_t comma = field.find(',');
-    if (separator == ',' || comma == std::string_view::npos || field.find('.') != None) return {};
-    std::string text(field);
-    text[comma] = '.';
-    return ParseNumber(text);
-  }
+  bool IsNumber(std::string_view field) const { return TableNumber(field, separator_).has_value(); }
 
   // The captions, or the first point of a file without them. Lines above them are titles.
   std::string TakeHead(std::string_view line, int number) {
-    separator_ = SeparatorOf(line);
-    const Fields fields = Split(line, separator_);
-    const bool captions = !IsNumber(fields.front(), separator_);
+    separator_ = TableSeparator(line);
+    const TableFields fields = SplitTableLine(line, separator_, MaxColumns);
+    const bool captions = !IsNumber(fields.front());
     if (!captions && knownInHead_ > 0) return head_;
     columns_.clear();
     for (const std::string_view field : fields) {
@@ -156,7 +111,7 @@ class ResponseReader {
     return {};
   }
 
-  std::string ChooseByCaptions(const Fields& fields, int number) {
+  std::string ChooseByCaptions(const TableFields& fields, int number) {
     if (!hints_.Columns.empty()) return ChooseByHints(fields, number);
     frequency_ = Find(ResponseRole::Frequency);
     pairs_.clear();
@@ -168,14 +123,14 @@ class ResponseReader {
       if (column.Role == ResponseRole::None) pairs_ = {PairOf(other, other, true)};
     }
     if (frequency_ != None && !pairs_.empty()) return {};
-    return Fault(number, "the columns must be Frequency, Gain and Phase");
+    return LineFault(number, "the columns must be Frequency, Gain and Phase");
   }
 
   std::string ChooseByPlace(int number) {
     if (!hints_.Columns.empty()) return ChooseByHints({}, number);
     // Numbers between commas may be halves of numbers.
     if (columns_.size() != 3 && columns_.size() != 2) {
-      return Fault(number, "without captions the columns must be Frequency, Gain and Phase");
+      return LineFault(number, "without captions the columns must be Frequency, Gain and Phase");
     }
     frequency_ = 0;
     noted_ = columns_.size() == 3;
@@ -189,7 +144,7 @@ class ResponseReader {
     return {};
   }
 
-  std::string ChooseByHints(const Fields& captions, int number) {
+  std::string ChooseByHints(const TableFields& captions, int number) {
     std::array<std::size_t, 3> at{};
     for (std::size_t i = 0; i < at.size(); ++i) {
       const std::string& wanted = hints_.Columns[i];
@@ -198,7 +153,8 @@ class ResponseReader {
       at[i] = found != captions.end() ? static_cast<std::size_t>(found - captions.begin())
               : place && *place > 0   ? static_cast<std::size_t>(*place - 1)
                                       : columns_.size();
-      if (at[i] >= columns_.size()) return Fault(number, "there is no column \"" + wanted + "\"");
+      if (at[i] >= columns_.size())
+        return LineFault(number, "there is no column \"" + wanted + "\"");
     }
     frequency_ = at[0];
     columns_[at[0]].Role = ResponseRole::Frequency;
@@ -238,8 +194,8 @@ class ResponseReader {
   }
 
   // A line of units, or of nothing, below the captions.
-  bool TakeUnits(const Fields& fields) {
-    if (fields.size() > columns_.size() || IsNumber(fields[0], separator_)) return false;
+  bool TakeUnits(const TableFields& fields) {
+    if (fields.size() > columns_.size() || IsNumber(fields[0])) return false;
     std::vector<ResponseUnit> units;
     for (const std::string_view field : fields) {
       const ResponseUnit unit = ReadResponseCaption(field).Unit;
@@ -258,19 +214,19 @@ class ResponseReader {
     return true;
   }
 
-  std::string TakePoint(const Fields& fields, int number) {
+  std::string TakePoint(const TableFields& fields, int number) {
     while (columns_.size() < fields.size() && fields.size() < MaxColumns) {
       if (!fields[columns_.size()].empty()) {
-        return Fault(number,
-                     "more fields than columns; with decimal commas the fields need "
-                     "semicolons or tabs between them");
+        return LineFault(number,
+                         "more fields than columns; with decimal commas the fields need "
+                         "semicolons or tabs between them");
       }
       columns_.emplace_back();
     }
     const auto text = [&](std::size_t column) {
       return column < fields.size() ? fields[column] : std::string_view();
     };
-    const auto value = [&](std::size_t column) { return Number(text(column), separator_); };
+    const auto value = [&](std::size_t column) { return TableNumber(text(column), separator_); };
     const auto hz = value(frequency_);
     for (std::size_t i = 0; i < pairs_.size(); ++i) {
       Pair& pair = pairs_[i];
@@ -278,7 +234,7 @@ class ResponseReader {
       if (i > 0 && text(pair.FirstAt).empty() && text(pair.SecondAt).empty()) continue;
       RawPoint point;
       if (!hz || !TakeValues(pair, fields, point)) {
-        return Fault(number, "frequency, gain and phase must be numbers");
+        return LineFault(number, "frequency, gain and phase must be numbers");
       }
       if (*hz == 0.0) return {};
       point.Frequency = *hz;
@@ -291,7 +247,7 @@ class ResponseReader {
     return {};
   }
 
-  bool TakeValues(Pair& pair, const Fields& fields, RawPoint& point) const {
+  bool TakeValues(Pair& pair, const TableFields& fields, RawPoint& point) const {
     if (std::max(pair.FirstAt, pair.SecondAt) >= fields.size()) return false;
     if (pair.OneField) {
       const auto both = ParseComplexText(fields[pair.FirstAt]);
@@ -303,17 +259,17 @@ class ResponseReader {
       pair.Second.Unit = ResponseUnit::Degrees;
       return true;
     }
-    const auto first = Number(fields[pair.FirstAt], separator_);
-    const auto second = Number(fields[pair.SecondAt], separator_);
+    const auto first = TableNumber(fields[pair.FirstAt], separator_);
+    const auto second = TableNumber(fields[pair.SecondAt], separator_);
     if (!first || !second) return false;
     point.First = *first;
     point.Second = *second;
     return true;
   }
 
-  double ValueOf(ResponseRole role, const Fields& fields) const {
+  double ValueOf(ResponseRole role, const TableFields& fields) const {
     const std::size_t column = Find(role);
-    return column < fields.size() ? Number(fields[column], separator_).value_or(1.0) : 1.0;
+    return column < fields.size() ? TableNumber(fields[column], separator_).value_or(1.0) : 1.0;
   }
 
   std::string AddPoint(std::size_t pair, const RawPoint& point, int number) {
@@ -322,23 +278,23 @@ class ResponseReader {
       const double before = points.back().Frequency;
       if (points.size() == 1 && pair == 0) falling_ = point.Frequency < before;
       if (!(falling_ ? point.Frequency < before : point.Frequency > before)) {
-        return Fault(number, falling_ ? "the frequency is not below the one before it"
-                                      : "the frequency is not above the one before it");
+        return LineFault(number, falling_ ? "the frequency is not below the one before it"
+                                          : "the frequency is not above the one before it");
       }
     }
     if (!(point.Frequency >= MinHz && point.Frequency <= MaxHz)) {
-      return Fault(number, "no frequency in Hz");
+      return LineFault(number, "no frequency in Hz");
     }
     if (points.size() == MaxResponsePoints) {
-      return Fault(number, "more than " + std::to_string(MaxResponsePoints) + " points");
+      return LineFault(number, "more than " + std::to_string(MaxResponsePoints) + " points");
     }
     const bool polar = pairs_[pair].First.Role != ResponseRole::Real;
     if (std::abs(point.First) > (polar ? MaxResponseGain : 1e100) &&
         (!polar || pairs_[pair].First.Unit == ResponseUnit::Decibel)) {
-      return Fault(number, "no gain in dB");
+      return LineFault(number, "no gain in dB");
     }
     if (std::abs(point.Second) > (polar ? MaxPhase : 1e100)) {
-      return Fault(number, "no phase in degrees");
+      return LineFault(number, "no phase in degrees");
     }
     points.push_back(point);
     return {};
@@ -361,10 +317,8 @@ class ResponseReader {
 }  // namespace
 
 ResponseText ParseResponse(std::string_view text, const ResponseHints& hints) {
-  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
   ResponseReader reader(hints);
-  LineReader lines(text);
+  LineReader lines(WithoutByteOrderMark(text));
   for (std::string line; lines.Next(line);) {
     ResponseText faulty;
     faulty.Fault = reader.Take(line, lines.Number());
@@ -374,27 +328,11 @@ ResponseText ParseResponse(std::string_view text, const ResponseHints& hints) {
 }
 
 ResponseText ReadResponseFile(const std::string& path, const ResponseHints& hints) {
-  InputFile file(path, Patience);
-  const auto fault = [&](const std::string& what) {
-    ResponseText faulty;
-    faulty.Fault = "\"" + path + "\": " + what;
-    return faulty;
-  };
-  if (!file.IsOpen()) return fault("cannot be opened");
-  if (file.Size() > MaxFileSize) return fault("too large for a response");
+  ResponseText response;
   std::string text;
-  std::array<char, PieceSize> piece{};
-  for (;;) {
-    const ssize_t count = file.Read(piece.data(), piece.size());
-    if (count < 0) return fault("cannot be read");
-    if (count == 0) break;
-    text.append(piece.data(), static_cast<std::size_t>(count));
-    if (text.find('\0', text.size() - static_cast<std::size_t>(count)) != std::string::npos) {
-      return fault("no plain text");
-    }
-    if (text.size() > MaxFileSize) return fault("too large for a response");
-  }
-  ResponseText response = ParseResponse(text, hints);
+  response.Fault = ReadTextFile(path, MaxFileSize, text, Patience);
+  if (!response.Fault.empty()) return response;
+  response = ParseResponse(text, hints);
   if (!response.Fault.empty()) response.Fault = "\"" + path + "\": " + response.Fault;
   return response;
 }

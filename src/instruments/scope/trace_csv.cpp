@@ -6,7 +6,8 @@
 
 #include "core/files/model_file_lines.h"
 #include "core/files/text_file.h"
-#include "core/text.h"
+#include "core/names.h"
+#include "core/table_lines.h"
 
 namespace torvane {
 
@@ -18,37 +19,9 @@ constexpr std::size_t TitlesTold = 8;
 constexpr int Patience = 2000;   // milliseconds that a pipe may stay silent
 constexpr double MaxTime = 1e9;  // seconds
 
-using Fields = std::vector<std::string_view>;
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view around = " \t\"";
-  const std::size_t first = text.find_first_not_of(around);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(around) - first + 1);
-}
-
-Fields Split(std::string_view line, char separator) {
-  Fields fields;
-  while (fields.size() < MaxColumns) {
-    const std::size_t end = line.find(separator);
-    fields.push_back(Trimmed(line.substr(0, end)));
-    if (end == std::string_view::npos) break;
-    line.remove_prefix(end + 1);
-  }
-  return fields;
-}
-
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 // "vF (V)" is a column's caption, "vF" its title.
 std::string_view Title(std::string_view caption) {
-  return Trimmed(caption.substr(0, caption.find_first_of("([")));
+  return TrimmedField(caption.substr(0, caption.find_first_of("([")));
 }
 
 /// Seconds in the unit in a caption's brackets.
@@ -56,15 +29,12 @@ std::optional<double> SecondsIn(std::string_view caption) {
   const std::size_t begin = caption.find_first_of("([");
   if (begin == std::string_view::npos) return 1.0;
   const std::string_view rest = caption.substr(begin + 1);
-  const std::string unit = Lower(Trimmed(rest.substr(0, rest.find_first_of(")]"))));
+  const std::string unit =
+      Lower(std::string(TrimmedField(rest.substr(0, rest.find_first_of(")]")))));
   if (unit == "s" || unit == "sec" || unit == "seconds") return 1.0;
   if (unit == "ms" || unit == "msec") return 1e-3;
   if (unit == "us" || unit == "\u00b5s" || unit == "\u03bcs") return 1e-6;
   return std::nullopt;
-}
-
-std::string Fault(int line, const std::string& what) {
-  return "line " + std::to_string(line) + ": " + what;
 }
 
 // The first ones, and that there are more.
@@ -95,9 +65,9 @@ class TraceReader {
 
   /// What is wrong with the line; empty when nothing is.
   std::string Take(std::string_view line, int number) {
-    if (line.starts_with('#') || Trimmed(line).empty()) return {};
+    if (line.starts_with('#') || TrimmedField(line).empty()) return {};
     if (columns_.empty()) return TakeCaptions(line, number);
-    return TakePoint(Split(line, separator_), number);
+    return TakePoint(SplitTableLine(line, separator_, MaxColumns), number);
   }
 
   TraceText Finish() {
@@ -120,21 +90,19 @@ class TraceReader {
   };
 
   std::string TakeCaptions(std::string_view line, int number) {
-    for (const char separator : {';', '\t'}) {
-      if (separator_ == ',' && line.find(separator) != std::string_view::npos) {
-        separator_ = separator;
-      }
-    }
-    const Fields captions = Split(line, separator_);
-    if (captions.size() == MaxColumns) return Fault(number, "too many columns");
+    separator_ = TableSeparator(line);
+    const TableFields captions = SplitTableLine(line, separator_, MaxColumns);
+    if (captions.size() == MaxColumns) return LineFault(number, "too many columns");
+    width_ = captions.size();
     const auto time = std::find_if(captions.begin(), captions.end(), [](std::string_view caption) {
-      const std::string title = Lower(Title(caption));
+      const std::string title = Lower(std::string(Title(caption)));
       return title == "time" || title == "t";
     });
     if (time != captions.end()) time_ = static_cast<std::size_t>(time - captions.begin());
-    if (ParseNumber(captions[time_])) return Fault(number, "the columns have no captions");
+    if (TableNumber(captions[time_], separator_))
+      return LineFault(number, "the columns have no captions");
     const auto seconds = SecondsIn(captions[time_]);
-    if (!seconds) return Fault(number, "time must be in s, ms or us");
+    if (!seconds) return LineFault(number, "time must be in s, ms or us");
     seconds_ = *seconds;
     for (std::size_t i = 0; i < captions.size(); ++i) {
       if (i != time_) AddColumn(i, captions[i]);
@@ -142,7 +110,7 @@ class TraceReader {
     if (!columns_.empty()) return {};
     std::vector<std::string> names;
     for (const auto& channel : scope_.Channels()) names.push_back(channel->Name());
-    return Fault(number, "no column has the name of a signal (" + Listed(names) + ")");
+    return LineFault(number, "no column has the name of a signal (" + Listed(names) + ")");
   }
 
   // Of two columns that name one signal the first counts.
@@ -170,26 +138,28 @@ class TraceReader {
     const std::string_view title = Title(caption);
     const auto exact = find([&](const std::string& name) { return name == title; });
     if (exact) return exact;
-    return find([&](const std::string& name) { return Lower(name) == Lower(title); });
+    return find([&](const std::string& name) { return Lower(name) == Lower(std::string(title)); });
   }
 
-  std::optional<double> Number(const Fields& fields, std::size_t column) const {
+  std::optional<double> Number(const TableFields& fields, std::size_t column) const {
     if (column >= fields.size()) return std::nullopt;
-    std::string text(fields[column]);
-    const std::size_t comma = text.find(',');
-    if (comma != std::string::npos && text.find('.') == std::string::npos) text[comma] = '.';
-    return ParseNumber(text);
+    return TableNumber(fields[column], separator_);
   }
 
-  std::string TakePoint(const Fields& fields, int number) {
+  std::string TakePoint(const TableFields& fields, int number) {
     ScopeScreen& screen = traces_.Screen;
+    // Halves of numbers must not be taken for numbers.
+    const auto behind = fields.begin() + std::min(fields.size(), width_);
+    if (std::any_of(behind, fields.end(), [](auto field) { return !field.empty(); })) {
+      return TooManyFields(number);
+    }
     const auto time = Number(fields, time_);
-    if (!time || std::abs(*time * seconds_) > MaxTime) return Fault(number, "no time");
+    if (!time || std::abs(*time * seconds_) > MaxTime) return LineFault(number, "no time");
     if (!screen.Time.empty() && *time * seconds_ <= screen.Time.back()) {
-      return Fault(number, "the time is not after the one before it");
+      return LineFault(number, "the time is not after the one before it");
     }
     if (screen.Time.size() == MaxTracePoints) {
-      return Fault(number, "more than " + std::to_string(MaxTracePoints) + " points");
+      return LineFault(number, "more than " + std::to_string(MaxTracePoints) + " points");
     }
     screen.Time.push_back(*time * seconds_);
     for (const Column& column : columns_) {
@@ -197,7 +167,7 @@ class TraceReader {
       const auto shown = Number(fields, column.Field);
       const auto value = static_cast<float>(shown.value_or(0.0) / channel.Signal().Multiplier());
       if (!shown || !std::isfinite(value)) {
-        return Fault(number, channel.Name() + " is not a number that a trace can have");
+        return LineFault(number, channel.Name() + " is not a number that a trace can have");
       }
       screen.Values[column.Channel].push_back(value);
     }
@@ -208,6 +178,7 @@ class TraceReader {
   TraceText traces_;
   char separator_ = ',';
   std::size_t time_ = 0;
+  std::size_t width_ = 0;  // columns that have captions
   double seconds_ = 1.0;
   std::vector<Column> columns_;
   std::vector<std::string> unknown_;  // captions
@@ -216,10 +187,8 @@ class TraceReader {
 }  // namespace
 
 TraceText ParseTraces(std::string_view text, const ZelScope& scope) {
-  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
   TraceReader reader(scope);
-  LineReader lines(text);
+  LineReader lines(WithoutByteOrderMark(text));
   for (std::string line; lines.Next(line);) {
     std::string fault = reader.Take(line, lines.Number());
     if (!fault.empty()) return {{}, {}, std::move(fault)};

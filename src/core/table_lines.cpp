@@ -1,0 +1,63 @@
+#include "core/table_lines.h"
+
+#include <algorithm>
+
+#include "core/text.h"
+
+namespace torvane {
+
+std::string_view TrimmedField(std::string_view text) {
+  constexpr std::string_view around = " \t\"";
+  const std::size_t first = text.find_first_not_of(around);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(around) - first + 1);
+}
+
+std::string_view WithoutByteOrderMark(std::string_view text) {
+  constexpr std::string_view mark = "\xEF\xBB\xBF";
+  if (text.starts_with(mark)) text.remove_prefix(mark.size());
+  return text;
+}
+
+char TableSeparator(std::string_view line) {
+  for (const char separator : {';', '\t', ','}) {
+    if (line.find(separator) != std::string_view::npos) return separator;
+  }
+  return ' ';
+}
+
+TableFields SplitTableLine(std::string_view line, char separator, std::size_t most) {
+  TableFields fields;
+  if (separator == ' ') line = TrimmedField(line);
+  while (fields.size() < most) {
+    const std::size_t end = line.find(separator);
+    fields.push_back(TrimmedField(line.substr(0, end)));
+    if (end == std::string_view::npos) break;
+    line.remove_prefix(separator == ' ' ? std::min(line.find_first_not_of(' ', end), line.size())
+                                        : end + 1);
+  }
+  return fields;
+}
+
+std::optional<double> TableNumber(std::string_view field, char separator) {
+  if (const auto number = ParseNumber(field)) return number;
+  const std::size_t comma = field.find(',');
+  const bool decimal = separator != ',' && comma != std::string_view::npos &&
+                       field.find('.') == std::string_view::npos;
+  if (!decimal) return std::nullopt;
+  std::string text(field);
+  text[comma] = '.';
+  return ParseNumber(text);
+}
+
+std::string LineFault(int line, const std::string& what) {
+  return "line " + std::to_string(line) + ": " + what;
+}
+
+std::string TooManyFields(int line) {
+  return LineFault(line,
+                   "more fields than columns; with decimal commas the fields need semicolons or "
+                   "tabs between them");
+}
+
+}  // namespace torvane
