@@ -58,7 +58,7 @@ void Apply(const std::vector<std::string>& arguments, ZelModel& model) {
     Try([&] { cli::ApplyWave(model.Bench(), text); });
     Try([&] { cli::NamedSignal(model.Bench(), text); });
     Try([&] { cli::ParseOption("--option", text, cli::NumberRange::Positive); });
-    Try([&] { cli::ParseVaryRange(text); });
+    for (const bool sampled : {false, true}) Try([&] { cli::ParseVaryRange(text, sampled); });
     Try([&] { cli::RunsOfShare(text, 3); });
   }
   const std::string found = test::LimitCheck::Run(model);

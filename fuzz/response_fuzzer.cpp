@@ -18,11 +18,10 @@ void RequireFinite(const std::vector<Margins::Reading>& readings) {
   }
 }
 
-void ReadMargins(ResponseCurve curve, bool opened) {
-  if (opened) OpenFromClosed(curve);
+void ReadMargins(ResponseCurve curve, ReadAs as) {
+  if (as == ReadAs::Unity) OpenFromClosed(curve);
   UnwrapPhase(curve);
-  Margins margins;
-  FindMargins(curve, margins);
+  const Margins margins = FindMargins(curve, as);
   RequireFinite(margins.PhaseMargins);
   RequireFinite(margins.GainMargins);
   if (margins.Peaking) RequireFinite({*margins.Peaking});
@@ -39,8 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
       Require(point.Hz > before, "the frequencies do not rise");
       before = point.Hz;
     }
-    ReadMargins(read.Curve, false);
-    ReadMargins(read.Curve, true);
+    for (const ReadAs as : {ReadAs::Auto, ReadAs::Open, ReadAs::Closed, ReadAs::Unity}) {
+      ReadMargins(read.Curve, as);
+    }
   }
   return 0;
 }

@@ -30,7 +30,9 @@ TEST(StepClock, TakesEachInstantAtItsStepHoweverLongTheBenchHasRun) {
   constexpr std::pair<int, int> Intervals[] = {{25, 1}, {25, 2}, {100, 3}, {13, 5}, {7, 10}};
   for (const double start : {0.0, 4.0, 10.0, 40.0, 1465.0, 10000.0}) {
     for (const double h : {1e-5, 5e-5}) {
-      for (const auto& [p, q] : Intervals) {
+      for (const auto& interval : Intervals) {
+        const int p = interval.first;
+        const int q = interval.second;
         std::vector<int> atOrAfter;
         std::vector<int> nearest;
         for (int k = 0; atOrAfter.size() <= Steps && k * std::int64_t{p} / q <= Steps; ++k) {

@@ -29,8 +29,9 @@ std::vector<std::string> Split(const std::string& text, char at) {
   return parts;
 }
 
-// NAME=FROM:TO[:COUNT][:log]; samples go without a count, a grid needs one.
-StudyRange ParseRange(const std::string& text, bool sampled) {
+}  // namespace
+
+StudyRange ParseVaryRange(const std::string& text, bool sampled) {
   const auto bad = [&] {
     return UsageError("--vary needs NAME=FROM:TO:COUNT or NAME=FROM:TO:COUNT:log, not \"" + text +
                       "\"");
@@ -64,8 +65,6 @@ StudyRange ParseRange(const std::string& text, bool sampled) {
   return range;
 }
 
-}  // namespace
-
 StudyDesign MakeDesign(const StudyOptions& options) {
   if (options.Seed && !options.Sample) throw UsageError("--seed needs --sample");
   if (options.Vary.empty()) {
@@ -83,7 +82,7 @@ StudyDesign MakeDesign(const StudyOptions& options) {
   }
   std::vector<StudyRange> ranges;
   for (const std::string& text : options.Vary) {
-    ranges.push_back(ParseRange(text, options.Sample.has_value()));
+    ranges.push_back(ParseVaryRange(text, options.Sample.has_value()));
   }
   if (!options.Sample) return MakeGrid(ranges);
   const int seed = options.Seed.value_or(DefaultSeed);

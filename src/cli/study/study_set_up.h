@@ -14,6 +14,9 @@ StudyDesign MakeDesign(const StudyOptions& options);
 StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
                          const ZelModel& model);
 
+/// The range in NAME=FROM:TO[:COUNT][:log]; samples go without a count, a grid needs one.
+StudyRange ParseVaryRange(const std::string& text, bool sampled);
+
 /// The runs of share "K/N", or all of them without one.
 std::vector<std::size_t> RunsOfShare(const std::string& shard, std::size_t runs);
 
