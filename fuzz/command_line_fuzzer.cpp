@@ -9,6 +9,7 @@
 #include "cli/study/study_set_up.h"
 #include "fuzzing.h"
 #include "pooled_host.h"
+#include "study/study_fault.h"
 #include "support/model_limits.h"
 
 // Feeds the command line: each line of the input is an argument. Whatever they say, the program
@@ -49,6 +50,8 @@ void Try(const Function& apply) {
     apply();
   } catch (const cli::CommandError& error) {
     Require(error.Code() == cli::ExitCode::Usage, error.what());
+  } catch (const StudyFault& fault) {
+    Require(fault.What() == StudyFault::Kind::Asked, fault.what());
   }
 }
 
