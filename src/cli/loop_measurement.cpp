@@ -7,6 +7,7 @@
 #include "cli/long_run.h"
 #include "cli/response_output.h"
 #include "core/constant.h"
+#include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/margins.h"
@@ -106,24 +107,26 @@ void NoteHow(const ModelLoop& loop) {
 /// Puts figures and what is to be said of them together.
 class Findings {
  public:
-  void Add(const std::optional<double>& value) {
-    measured_.Fields.push_back(value ? FormatShortest(*value) : "");
+  explicit Findings(RunReadings& readings) : readings_(readings) {}
+
+  void Add(std::optional<double> RunReadings::*measure, const Margins::Reading* reading) {
+    if (!reading) return;
+    readings_.*measure = reading->Value;
+    Reach(reading->Hz);
   }
-  void AddValue(const Margins::Reading* reading) {
-    Add(reading ? std::optional(reading->Value) : std::nullopt);
-    if (reading) Reach(reading->Hz);
+  void AddBandwidth(const std::optional<double>& hz) {
+    readings_.Bandwidth = hz;
+    Reach(hz.value_or(0.0));
   }
-  void Reach(double hz) { highest_ = std::max(highest_, hz); }
-  void Miss(const std::vector<std::string>& why) {
-    measured_.Missing.insert(measured_.Missing.end(), why.begin(), why.end());
-  }
-  MeasuredLoop Take(double accurateUpTo) {
-    if (highest_ > accurateUpTo) measured_.Warnings.push_back(SampleTimeWarning(accurateUpTo));
-    return std::move(measured_);
+  void Miss(const std::vector<std::string>& why) { Append(readings_.Reasons, why); }
+  void WarnAbove(double accurateUpTo) {
+    if (highest_ > accurateUpTo) readings_.Warnings.push_back(SampleTimeWarning(accurateUpTo));
   }
 
  private:
-  MeasuredLoop measured_;
+  void Reach(double hz) { highest_ = std::max(highest_, hz); }
+
+  RunReadings& readings_;
   double highest_ = 0.0;
 };
 
@@ -131,21 +134,18 @@ class Findings {
 void ReadClosed(const Margins& closed, Findings& findings) {
   constexpr double Follows = 6.0;  // dB
   if (std::abs(closed.Begin) > Follows) {
-    findings.Add({});
-    findings.Add({});
     findings.Miss({"no bandwidth: the response begins at " + FormatGeneral(closed.Begin, 4, 1) +
                    " dB, so that it does not follow its command"});
     return;
   }
-  findings.Add(closed.GainBandwidth);
-  findings.AddValue(closed.Peaking ? &*closed.Peaking : nullptr);
-  findings.Reach(closed.GainBandwidth.value_or(0.0));
+  findings.AddBandwidth(closed.GainBandwidth);
+  findings.Add(&RunReadings::Peaking, closed.Peaking ? &*closed.Peaking : nullptr);
   findings.Miss(closed.Missing);
 }
 
 void ReadOpen(const Margins& open, Findings& findings) {
-  findings.AddValue(open.SmallestGainMargin());
-  findings.AddValue(open.SmallestPhaseMargin());
+  findings.Add(&RunReadings::GainMargin, open.SmallestGainMargin());
+  findings.Add(&RunReadings::PhaseMargin, open.SmallestPhaseMargin());
   findings.Miss(open.Missing);
 }
 
@@ -155,8 +155,8 @@ class LoopRuns {
   LoopRuns(const MakeModel& make, const LoopOptions& options, Console& console, bool showProgress)
       : make_(make), options_(options), console_(console), showProgress_(showProgress) {}
 
-  MeasuredLoop Run() {
-    Findings findings;
+  void Run(RunReadings& readings) {
+    Findings findings(readings);
     const ResponseOptions& response = options_.Bode.Response;
     ReadClosed(Read(response.Input, response.Output, ReadAs::Closed), findings);
     const auto first = make_();
@@ -164,11 +164,9 @@ class LoopRuns {
       const ReadAs as = loop->FromClosed ? ReadAs::Unity : ReadAs::Open;
       ReadOpen(Read(loop->Input, loop->Output, as), findings);
     } else {
-      findings.AddValue(nullptr);
-      findings.AddValue(nullptr);
       findings.Miss({"no margins: the model names no loop of its own"});
     }
-    return findings.Take(accurateUpTo_);
+    findings.WarnAbove(accurateUpTo_);
   }
 
  private:
@@ -217,10 +215,6 @@ class LoopRuns {
 
 }  // namespace
 
-std::vector<std::string> LoopCaptions() {
-  return {"Bandwidth", "Peaking", "Gain Margin", "Phase Margin"};
-}
-
 void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console) {
   const auto loop = OpenLoop(Analyser(model), options);
   if (loop) {
@@ -231,9 +225,9 @@ void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console) {
   SetUpAnalyser(model, Completed(options.Bode, Analyser(model).Loop()), console);
 }
 
-MeasuredLoop MeasureLoop(const MakeModel& make, const LoopOptions& options, Console& console,
-                         bool showProgress) {
-  return LoopRuns(make, options, console, showProgress).Run();
+void ReadLoop(const MakeModel& make, const LoopOptions& options, Console& console,
+              bool showProgress, RunReadings& readings) {
+  LoopRuns(make, options, console, showProgress).Run(readings);
 }
 
 }  // namespace torvane::cli

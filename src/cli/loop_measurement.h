@@ -1,10 +1,9 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "cli/bode_measurement.h"
-#include "cli/make_model.h"
+#include "study/run.h"
 
 namespace torvane::cli {
 
@@ -16,15 +15,6 @@ struct LoopOptions {
   std::string Loop;  ///< IN:OUT, the open loop's pair in place of the model's
 };
 
-/// What came of it.
-struct MeasuredLoop {
-  std::vector<std::string> Fields;    ///< by caption; what cannot be read is empty
-  std::vector<std::string> Missing;   ///< why, a clause each
-  std::vector<std::string> Warnings;  ///< what makes a field less trustworthy
-};
-
-std::vector<std::string> LoopCaptions();
-
 /// Wrong usage if the model has no FFT analyser, the analyser does not take its settings, or the
 /// loop is none of the model's. Says how the loop is measured where that is not plain.
 void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console);
@@ -32,7 +22,7 @@ void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console);
 /// Reads bandwidth and peaking off the response to the command, and margins off the open loop, each
 /// measured in a model of its own whose generators rest. An overflow or a record that is not whole
 /// is a CommandError of ExitCode::Stopped.
-MeasuredLoop MeasureLoop(const MakeModel& make, const LoopOptions& options, Console& console,
-                         bool showProgress);
+void ReadLoop(const MakeModel& make, const LoopOptions& options, Console& console,
+              bool showProgress, RunReadings& readings);
 
 }  // namespace torvane::cli

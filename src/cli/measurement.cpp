@@ -4,7 +4,6 @@
 
 #include "cli/command_error.h"
 #include "cli/number_options.h"
-#include "core/csv.h"
 #include "instruments/scope/scope.h"
 
 namespace torvane::cli {
@@ -52,20 +51,6 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
   AddModelSettings(command, bode.Response.Model);
 }
 
-std::vector<std::string> MeasureCaptions(const MeasureOptions& options) {
-  std::vector<std::string> captions = StepCaptions();
-  if (options.WithBode) Append(captions, LoopCaptions());
-  return captions;
-}
-
-std::string MeasureUnit(const std::string& caption) {
-  if (caption == "Overshoot") return "%";
-  if (caption == "RMS Error") return "the command's unit";
-  if (caption == "Bandwidth") return "Hz";
-  if (caption == "Phase Margin") return "deg";
-  return caption == "Peaking" || caption == "Gain Margin" ? "dB" : "s";
-}
-
 void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console) {
   const ResponseOptions& response = options.Bode.Response;
   if (response.Input.empty()) throw UsageError("--command is required");
@@ -74,19 +59,15 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   if (options.WithBode) CheckLoop(model, {options.Bode, options.Loop}, console);
 }
 
-RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
-                       bool showProgress) {
-  MeasuredStep step = MeasureStep(make, Step(options), console, showProgress);
-  RunMeasures measures{std::move(step.Fields), std::move(step.Reason), {}, std::move(step.Run)};
+RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,
+                    bool showProgress, StudyTrace* trace) {
+  RunReadings readings;
+  const StepRun step = ReadStep(make, Step(options), console, showProgress, readings);
+  if (trace) *trace = TraceOf(step);
   if (options.WithBode) {
-    MeasuredLoop loop = MeasureLoop(make, {options.Bode, options.Loop}, console, showProgress);
-    Append(measures.Fields, loop.Fields);
-    for (const std::string& why : loop.Missing) {
-      measures.Reason += (measures.Reason.empty() ? "" : "; ") + why;
-    }
-    measures.Warnings = std::move(loop.Warnings);
+    ReadLoop(make, {options.Bode, options.Loop}, console, showProgress, readings);
   }
-  return measures;
+  return readings;
 }
 
 }  // namespace torvane::cli

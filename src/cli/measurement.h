@@ -25,28 +25,14 @@ struct MeasureOptions {
 /// All but MODEL.
 void AddMeasureOptions(CLI::App& command, MeasureOptions& options);
 
-/// What the fields of a measurement are called.
-std::vector<std::string> MeasureCaptions(const MeasureOptions& options);
-
-/// The unit of such a field.
-std::string MeasureUnit(const std::string& caption);
-
 /// Wrong usage if the options do not fit the model, which is set up for a measurement: the signals
 /// are there, and the analyser takes its settings.
 void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console);
 
-/// What came of a run.
-struct RunMeasures {
-  std::vector<std::string> Fields;    ///< by caption; one that cannot be measured is empty
-  std::string Reason;                 ///< of empty fields
-  std::vector<std::string> Warnings;  ///< what makes fields less trustworthy, a sentence each
-  StepRun Step;
-};
-
-/// Measures as a process would that runs nothing else, whatever ran in this one: each part in a
-/// model of its own whose class has seen none. An overflow, or a record that is not whole,
-/// is a CommandError of ExitCode::Stopped.
-RunMeasures MeasureRun(const MakeModel& make, const MeasureOptions& options, Console& console,
-                       bool showProgress);
+/// Reads as a process would that runs nothing else, whatever ran in this one: each part in a model
+/// of its own whose class has seen none. Fills the trace, if there is one, with the response. An
+/// overflow, or a record that is not whole, is a CommandError of ExitCode::Stopped.
+RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,
+                    bool showProgress, StudyTrace* trace = nullptr);
 
 }  // namespace torvane::cli

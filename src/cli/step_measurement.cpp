@@ -12,41 +12,60 @@ namespace {
 
 constexpr int ErrorDigits = 6;
 
+std::optional<double> Rounded(double value, int digits) {
+  return ParseNumber(FormatGeneral(value, digits, 2));
+}
+
+// To the digits that are known.
+std::optional<double> Known(const StepFigure& figure) {
+  return ParseNumber(figure.Text());
+}
+
 // Of command less response, from the jump on, and over how long.
-std::vector<std::string> ErrorFields(const StepRun& run) {
+void ReadError(const StepRun& run, RunReadings& readings) {
   const std::size_t jump = *run.Before() + 1;
   const auto from = static_cast<std::ptrdiff_t>(jump);
   std::vector<double> error;
   std::transform(run.Command.begin() + from, run.Command.end(), run.Response.begin() + from,
                  std::back_inserter(error), std::minus());
-  const auto of = MeasureTrace(error);
-  return {of ? FormatGeneral(of->Rms, ErrorDigits, 2) : "",
-          FormatGeneral(run.Times.back() - run.Times[jump], ErrorDigits, 2)};
+  if (const auto of = MeasureTrace(error)) readings.RmsError = Rounded(of->Rms, ErrorDigits);
+  readings.Window = Rounded(run.Times.back() - run.Times[jump], ErrorDigits);
 }
 
 }  // namespace
-
-std::vector<std::string> StepCaptions() {
-  return {"Overshoot", "Rise", "Settling", "Delay", "RMS Error", "Window"};
-}
 
 void CheckStep(ZelModel& model, const StepOptions& options) {
   NamedSignal(model.Bench(), options.Command);
   NamedSignal(model.Bench(), options.Response);
 }
 
-MeasuredStep MeasureStep(const MakeModel& make, const StepOptions& options, Console& console,
-                         bool showProgress) {
-  MeasuredStep measured;
-  measured.Run = RunOneStep(make, options, console, showProgress);
-  measured.Reason = measured.Run.Reason;
-  measured.Fields.resize(StepCaptions().size());
-  if (!measured.Reason.empty()) return measured;
-  const StepMeasures of = Measured(measured.Run);
-  measured.Reason = Reason(of.Gap());
-  measured.Fields = {of.Overshoot.Text(), of.Rise.Text(), of.Settling.Text(), of.Delay.Text()};
-  for (const std::string& field : ErrorFields(measured.Run)) measured.Fields.push_back(field);
-  return measured;
+StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& console,
+                 bool showProgress, RunReadings& readings) {
+  StepRun run = RunOneStep(make, options, console, showProgress);
+  if (!run.Reason.empty()) {
+    readings.Reasons.push_back(run.Reason);
+    return run;
+  }
+  const StepMeasures of = Measured(run);
+  readings.Overshoot = Known(of.Overshoot);
+  readings.Rise = Known(of.Rise);
+  readings.Settling = Known(of.Settling);
+  readings.Delay = Known(of.Delay);
+  ReadError(run, readings);
+  const std::string gap = Reason(of.Gap());
+  if (!gap.empty()) readings.Reasons.push_back(gap);
+  return run;
+}
+
+StudyTrace TraceOf(const StepRun& run) {
+  constexpr std::size_t Points = 400;
+  const std::size_t apart = std::max<std::size_t>(1, run.Times.size() / Points);
+  StudyTrace trace;
+  for (std::size_t i = 0; i < run.Times.size(); i += apart) {
+    trace.Times.push_back(static_cast<float>(run.Times[i] - run.Times.front()));
+    trace.Values.push_back(static_cast<float>(run.Response[i]));
+  }
+  return trace;
 }
 
 }  // namespace torvane::cli

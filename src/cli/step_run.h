@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "cli/console.h"
-#include "cli/make_model.h"
 #include "instruments/scope/step_measures.h"
+#include "study/run.h"
 
 namespace torvane::cli {
 

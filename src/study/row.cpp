@@ -89,6 +89,22 @@ RunResult RunResult::Unpacked(const std::string& packed) {
   return result;
 }
 
+std::vector<std::string> MeasureFields(const std::vector<std::optional<double>>& measures) {
+  std::vector<std::string> fields;
+  fields.reserve(measures.size());
+  for (const auto& measure : measures) {
+    fields.push_back(measure ? FormatShortest(*measure) : "");
+  }
+  return fields;
+}
+
+std::string Joined(const std::vector<std::string>& remarks) {
+  std::string all;
+  for (const std::string& remark : remarks) all += (all.empty() ? "" : "; ") + remark;
+  std::replace(all.begin(), all.end(), '\n', ' ');
+  return all;
+}
+
 std::string HeadLine(const std::vector<std::string>& settings,
                      const std::vector<std::string>& measures) {
   std::vector<std::string> captions{RunCaption};
@@ -105,9 +121,7 @@ std::string RowLine(const StudyRow& row) {
   const auto there = std::count_if(row.Measures.begin(), row.Measures.end(),
                                    [](const auto& measure) { return measure.has_value(); });
   fields.push_back(std::to_string(there));
-  for (const auto& measure : row.Measures) {
-    fields.push_back(measure ? FormatShortest(*measure) : "");
-  }
+  Append(fields, MeasureFields(row.Measures));
   fields.push_back(row.Reason);
   return CsvLine(fields);
 }

@@ -35,10 +35,15 @@ inline constexpr const char* RunCaption = "Run";
 inline constexpr const char* MeasuresCaption = "Measures";
 inline constexpr const char* ReasonCaption = "Reason";
 
+/// The fields of measures: numbers in their shortest exact form, nothing where there is none.
+std::vector<std::string> MeasureFields(const std::vector<std::optional<double>>& measures);
+/// Remarks as one field, one after the other in one line.
+std::string Joined(const std::vector<std::string>& remarks);
+
 /// The line of captions, line end included.
 std::string HeadLine(const std::vector<std::string>& settings,
                      const std::vector<std::string>& measures);
-/// The line of a row, line end included; numbers in their shortest exact form.
+/// The line of a row, line end included.
 std::string RowLine(const StudyRow& row);
 
 }  // namespace torvane

@@ -16,16 +16,16 @@ void Measure(const MeasureOptions& options, Console& console) {
   CheckMeasurement(*model, options, console);
   ResultFile output("");
   const MakeModel make = [&] { return OpenModel(options.Bode.Response.Model, console); };
-  // Building the model once has said all that there is to say about the options.
-  const RunMeasures measures = [&] {
+  const RunReadings readings = [&] {
+    // Building the model once has said all that there is to say about the options.
     const Quiet quiet;
-    return MeasureRun(make, options, console, Console::CanShowProgress(false));
+    return ReadRun(make, options, console, Console::CanShowProgress(false));
   }();
-  for (const std::string& warning : measures.Warnings) Warning(warning);
-  std::vector<std::string> captions = MeasureCaptions(options);
-  std::vector<std::string> fields = measures.Fields;
+  for (const std::string& warning : readings.Warnings) Warning(warning);
+  std::vector<std::string> captions = MeasureCaptions(options.WithBode);
+  std::vector<std::string> fields = MeasureFields(MeasureValues(readings, options.WithBode));
   captions.emplace_back(ReasonCaption);
-  fields.push_back(measures.Reason);
+  fields.push_back(Joined(readings.Reasons));
   output.Write(CsvLine(captions));
   output.Write(CsvLine(fields));
   output.Close();

@@ -13,6 +13,7 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "study/row.h"
+#include "study/run.h"
 #include "study/shares.h"
 #include "study/study_fault.h"
 #include "study/workers.h"
@@ -65,12 +66,10 @@ class Study {
  private:
   bool Traced() const { return !options_.Picture.empty() && options_.Map.empty(); }
   std::string Head() const;
-  StudyRow RowToCome(std::size_t run) const;
-  /// Head and rows whose measures are empty.
+  /// Head and rows as they will be, but for the measures.
   std::string TableToCome() const;
   /// Nothing after an interrupt.
   std::optional<RunResult> Measure(std::size_t run) const;
-  static StudyTrace ResponseOf(const StepRun& step);
 
   StudyOptions options_;
   Console& console_;
@@ -98,62 +97,31 @@ Study::Study(StudyOptions options, Console& console)
 }
 
 std::string Study::Head() const {
-  return HeadLine(design_.Names, MeasureCaptions(options_.Measure));
-}
-
-StudyRow Study::RowToCome(std::size_t run) const {
-  StudyRow row{run, design_.Runs[run], {}, {}};
-  row.Measures.resize(MeasureCaptions(options_.Measure).size());
-  return row;
+  return HeadLine(design_.Names, MeasureCaptions(options_.Measure.WithBode));
 }
 
 std::string Study::TableToCome() const {
   std::string table = Head();
   if (options_.Picture.empty()) return table;
-  for (const std::size_t run : share_) table += RowLine(RowToCome(run));
+  StudyRow row;
+  row.Measures.resize(MeasureCaptions(options_.Measure.WithBode).size());
+  for (const std::size_t run : share_) {
+    row.Run = run;
+    row.Settings = ApplyRun(first_->Bench(), design_, run).Settings;
+    table += RowLine(row);
+  }
   return table;
 }
 
 std::optional<RunResult> Study::Measure(std::size_t run) const {
   const Quiet quiet;
-  RunResult result{RowToCome(run), {}};
-  std::vector<std::string> reasons;
-  try {
-    const MakeModel make = [&] {
-      auto model = OpenModel(options_.Measure.Bode.Response.Model, console_);
-      AppliedRun applied = ApplyRun(model->Bench(), design_, run);
-      result.Row.Settings = std::move(applied.Settings);
-      reasons = std::move(applied.Remarks);
-      return model;
-    };
-    const RunMeasures measures = MeasureRun(make, options_.Measure, console_, false);
-    for (std::size_t k = 0; k < measures.Fields.size(); ++k) {
-      result.Row.Measures[k] = ParseNumber(measures.Fields[k]);
-    }
-    if (!measures.Reason.empty()) reasons.push_back(measures.Reason);
-    reasons.insert(reasons.end(), measures.Warnings.begin(), measures.Warnings.end());
-    if (Traced()) result.Trace = ResponseOf(measures.Step);
-  } catch (const std::exception& error) {
-    reasons.emplace_back(error.what());
-  }
+  const MakeModel make = [&] { return OpenModel(options_.Measure.Bode.Response.Model, console_); };
+  const MeasureModel measure = [&](const MakeModel& ofRun, StudyTrace* trace) {
+    return ReadRun(ofRun, options_.Measure, console_, false, trace);
+  };
+  RunResult result = RunOfStudy(design_, run, make, measure, options_.Measure.WithBode, Traced());
   if (InterruptGuard::Interrupted()) return {};
-  for (const std::string& reason : reasons) {
-    result.Row.Reason += (result.Row.Reason.empty() ? "" : "; ") + reason;
-  }
-  std::replace(result.Row.Reason.begin(), result.Row.Reason.end(), '\n', ' ');
   return result;
-}
-
-// As many points as a scope's screen has.
-StudyTrace Study::ResponseOf(const StepRun& step) {
-  constexpr std::size_t Points = 400;
-  const std::size_t apart = std::max<std::size_t>(1, step.Times.size() / Points);
-  StudyTrace trace;
-  for (std::size_t i = 0; i < step.Times.size(); i += apart) {
-    trace.Times.push_back(static_cast<float>(step.Times[i] - step.Times.front()));
-    trace.Values.push_back(static_cast<float>(step.Response[i]));
-  }
-  return trace;
 }
 
 void Study::Run() {

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace torvane {
+
+/// What was read of one run, each to the digits that are known; nothing where it cannot be told.
+struct RunReadings {
+  std::optional<double> Overshoot;    ///< past the final value, per cent of the step
+  std::optional<double> Rise;         ///< from 10 to 90 % of the step
+  std::optional<double> Settling;     ///< from the jump until within 2 % of the step
+  std::optional<double> Delay;        ///< from the jump to 50 % of the step
+  std::optional<double> RmsError;     ///< of command less response, over the window
+  std::optional<double> Window;       ///< how long after the step the run went on
+  std::optional<double> Bandwidth;    ///< where the gain of the response falls through -3 dB
+  std::optional<double> Peaking;      ///< its greatest gain, when above 0.1 dB
+  std::optional<double> GainMargin;   ///< the smallest of the open loop
+  std::optional<double> PhaseMargin;  ///< the same
+  std::vector<std::string> Reasons;   ///< why some are not there
+  std::vector<std::string> Warnings;  ///< what makes some less trustworthy
+};
+
+/// A measure of a run: what it is called, its unit, what it is read from. A new measure is a row of
+/// Measures().
+struct RunMeasure {
+  const char* Caption;
+  const char* Unit;
+  std::optional<double> RunReadings::*Value;
+  bool OfLoop;  ///< it takes a measurement of frequency responses
+};
+
+/// All measures, in the order of a table's columns.
+std::span<const RunMeasure> Measures();
+
+/// Captions and values of those that are measured.
+std::vector<std::string> MeasureCaptions(bool withLoop);
+std::vector<std::optional<double>> MeasureValues(const RunReadings& readings, bool withLoop);
+
+/// The unit of the measure of that caption; empty of none.
+std::string MeasureUnit(const std::string& caption);
+
+}  // namespace torvane
