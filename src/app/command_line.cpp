@@ -9,12 +9,14 @@ namespace torvane {
 
 namespace {
 
-// By name or by index.
-std::optional<int> ModelIndex(const std::string& text) {
-  if (const int found = FindModel(text); found >= 0) return found;
+// Of a name or an index; empty when there is none.
+std::string ModelName(const std::string& text) {
+  const Catalogue catalogue;
+  if (catalogue.Find(text)) return text;
   const std::optional<int> index = ParseInteger(text);
-  if (index && *index >= 0 && *index < static_cast<int>(ModelNames().size())) return index;
-  return {};
+  const auto& entries = catalogue.Entries();
+  if (!index || *index < 0 || *index >= static_cast<int>(entries.size())) return {};
+  return entries[static_cast<std::size_t>(*index)].Name;
 }
 
 // Anything to read that exists, or the name of a model file, whose absence is reported when it is
@@ -53,12 +55,11 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
     } else if (argument.starts_with("-")) {
       error = "Unknown option " + argument + " (see --help)";
       return {};
-    } else if (command.ModelNamed || !command.File.empty()) {
+    } else if (!command.Model.empty() || !command.File.empty()) {
       error = "One model or file at most: " + argument;
       return {};
-    } else if (const std::optional<int> index = ModelIndex(argument)) {
-      command.Model = *index;
-      command.ModelNamed = true;
+    } else if (const std::string model = ModelName(argument); !model.empty()) {
+      command.Model = model;
     } else if (IsFile(argument)) {
       command.File = argument;
     } else {
@@ -79,8 +80,10 @@ std::string HelpText() {
       "  --help                print this text\n"
       "  --version             print the version\n\n"
       "Models:\n";
-  for (std::size_t index = 0; index < ModelNames().size(); ++index) {
-    text += (index < 10 ? "  " : " ") + std::to_string(index) + "  " + ModelNames()[index] + "\n";
+  int index = 0;
+  for (const std::string& name : Catalogue().Names()) {
+    text += (index < 10 ? "  " : " ") + std::to_string(index) + "  " + name + "\n";
+    ++index;
   }
   return text;
 }

@@ -10,10 +10,9 @@ namespace torvane {
 struct CommandLine {
   enum class Action { Run, SpeedTest, Help, Version };
   Action What = Action::Run;
-  int Model = 0;              ///< index in the catalogue
+  std::string Model;          ///< name in the catalogue; empty for the first one
   double SpeedSeconds = 0.0;  ///< wall time of the speed test
-  bool ModelNamed = false;
-  std::string File;  ///< model file to open; empty for none
+  std::string File;           ///< model file to open; empty for none
 };
 
 /// Reads the arguments after the program's name. On a wrong one gives nothing and a one-line

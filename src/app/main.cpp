@@ -80,7 +80,7 @@ int RunWindow(const torvane::CommandLine& command, const torvane::EndRequests& r
   // A speed test measures a model as it is built, whatever the user's configuration.
   if (!speedTest || !command.File.empty()) {
     QTimer::singleShot(0, &panel, [&] {
-      panel.Files().Start(QString::fromStdString(command.File), !command.ModelNamed);
+      panel.Files().Start(QString::fromStdString(command.File), command.Model.empty());
     });
   }
   if (speedTest) {

@@ -43,26 +43,33 @@ void AddModelSettings(CLI::App& command, ModelOptions& options) {
 }
 
 bool NamesModelFile(const std::string& text) {
-  if (FindModel(text) >= 0 || ParseInteger(text)) return false;
+  if (Catalogue().Find(text) || ParseInteger(text)) return false;
   std::error_code failure;
   return text.ends_with(".tvf") || text.find('/') != std::string::npos ||
          std::filesystem::exists(text, failure);
 }
 
+namespace {
+
+// Of a name or an index.
+std::string ModelName(const Catalogue& catalogue, const std::string& text) {
+  if (catalogue.Find(text)) return text;
+  const std::optional<int> number = ParseInteger(text);
+  if (!number) throw UnknownName("model", text, catalogue.Names());
+  const int count = static_cast<int>(catalogue.Entries().size());
+  if (*number < 0 || *number >= count) {
+    throw UsageError("no model has the index " + text + "; they go from 0 to " +
+                     std::to_string(count - 1));
+  }
+  return catalogue.Entries()[static_cast<std::size_t>(*number)].Name;
+}
+
+}  // namespace
+
 std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console) {
   if (NamesModelFile(text)) return OpenModelFile(text, console);
-  int index = FindModel(text);
-  const int count = static_cast<int>(ModelNames().size());
-  if (index < 0) {
-    const std::optional<int> number = ParseInteger(text);
-    if (!number) throw UnknownName("model", text, ModelNames());
-    if (*number < 0 || *number >= count) {
-      throw UsageError("no model has the index " + text + "; they go from 0 to " +
-                       std::to_string(count - 1));
-    }
-    index = *number;
-  }
-  std::unique_ptr<ZelModel> model = LoadModel(index);
+  const Catalogue catalogue;
+  std::unique_ptr<ZelModel> model = catalogue.Load(ModelName(catalogue, text));
   if (!model) throw StoppedError("model " + text + " could not be built");
   return model;
 }

@@ -1,7 +1,7 @@
 #include "models/catalogue.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 #include "core/messages.h"
 #include "models/factories.h"
@@ -10,39 +10,67 @@ namespace torvane {
 
 namespace {
 
-struct Entry {
-  const char* Name;
-  const char* ClassName;
-  std::unique_ptr<ZelModel> (*Make)(const std::string& name);
-};
-
-constexpr std::array Entries = {
-    Entry{"2-1 PI+ Controller", "MPiPlus", MakePiPlus},
-    Entry{"3-1 PI Controller", "MAnalogPI", MakeAnalogPI},
-    Entry{"4-1 Digital PI Controller", "MDigitalPI", MakeDigitalPI},
-    Entry{"5-1 Aliasing", "MAliasing", MakeAliasing},
-    Entry{"5-2 Dither and Limit Cycles", "MLimitCycles", MakeLimitCycles},
-    Entry{"6-1 PID Controller", "MDigitalPID", MakeDigitalPID},
-    Entry{"7-1 Dist. Response of PI Controller", "MDisturbance", MakeDisturbance},
-    Entry{"8-1 Feed-forward", "MFeedForward", MakeFeedForward},
-    Entry{"9-1 Analog Filters", "MAnalogFilters", MakeAnalogFilters},
-    Entry{"9-2 Digital Filters", "MDigitalFilters", MakeDigitalFilters},
-    Entry{"13-1 Motor Feedback", "MMotorFeedback", MakeMotorFeedback},
-    Entry{"15-1 Resonance", "MResonance", MakeResonance},
-    Entry{"16-1 Cascade Position Loop", "MPosLoopCascade", MakePosLoopCascade},
-    Entry{"16-2 PID Position Loop", "MPosLoopPID", MakePosLoopPID},
-    Entry{"Seminar--Analog PI Controller", "MSeminarPI", MakeSeminarPI},
-};
+std::unique_ptr<ZelModel> NotOffered() {
+  FatalError("Fault in LoadModel");
+  return nullptr;
+}
 
 }  // namespace
 
+Catalogue::Catalogue()
+    : entries_{
+          {"2-1 PI+ Controller", "MPiPlus", MakePiPlus},
+          {"3-1 PI Controller", "MAnalogPI", MakeAnalogPI},
+          {"4-1 Digital PI Controller", "MDigitalPI", MakeDigitalPI},
+          {"5-1 Aliasing", "MAliasing", MakeAliasing},
+          {"5-2 Dither and Limit Cycles", "MLimitCycles", MakeLimitCycles},
+          {"6-1 PID Controller", "MDigitalPID", MakeDigitalPID},
+          {"7-1 Dist. Response of PI Controller", "MDisturbance", MakeDisturbance},
+          {"8-1 Feed-forward", "MFeedForward", MakeFeedForward},
+          {"9-1 Analog Filters", "MAnalogFilters", MakeAnalogFilters},
+          {"9-2 Digital Filters", "MDigitalFilters", MakeDigitalFilters},
+          {"13-1 Motor Feedback", "MMotorFeedback", MakeMotorFeedback},
+          {"15-1 Resonance", "MResonance", MakeResonance},
+          {"16-1 Cascade Position Loop", "MPosLoopCascade", MakePosLoopCascade},
+          {"16-2 PID Position Loop", "MPosLoopPID", MakePosLoopPID},
+          {"Seminar--Analog PI Controller", "MSeminarPI", MakeSeminarPI},
+      } {}
+
+std::vector<std::string> Catalogue::Names() const {
+  std::vector<std::string> names;
+  names.reserve(entries_.size());
+  for (const CatalogueEntry& entry : entries_) names.push_back(entry.Name);
+  return names;
+}
+
+const CatalogueEntry* Catalogue::Find(std::string_view name) const {
+  const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const CatalogueEntry& entry) { return entry.Name == name; });
+  return found == entries_.end() ? nullptr : &*found;
+}
+
+bool Catalogue::Add(CatalogueEntry entry) {
+  if (Find(entry.Name)) return false;
+  entries_.push_back(std::move(entry));
+  return true;
+}
+
+std::unique_ptr<ZelModel> Catalogue::Load(const std::string& name) const {
+  const CatalogueEntry* const entry = Find(name);
+  if (!entry) return NotOffered();
+  try {
+    std::unique_ptr<ZelModel> model = entry->Make(name);
+    // What a constructor sets up is no change of the user's.
+    model->Bench().History().Clear();
+    return model;
+  } catch (const std::exception&) {
+    Error("Fault in " + entry->Source);
+    return nullptr;
+  }
+}
+
 const std::vector<std::string>& ModelNames() {
-  static const std::vector<std::string> names = [] {
-    std::vector<std::string> list;
-    list.reserve(Entries.size());
-    for (const Entry& entry : Entries) list.emplace_back(entry.Name);
-    return list;
-  }();
+  static const std::vector<std::string> names = Catalogue().Names();
   return names;
 }
 
@@ -53,20 +81,9 @@ int FindModel(const std::string& name) {
 }
 
 std::unique_ptr<ZelModel> LoadModel(int index) {
-  if (index < 0 || index >= static_cast<int>(Entries.size())) {
-    FatalError("Fault in LoadModel");
-    return nullptr;
-  }
-  const Entry& entry = Entries[static_cast<std::size_t>(index)];
-  try {
-    std::unique_ptr<ZelModel> model = entry.Make(entry.Name);
-    // What a constructor sets up is no change of the user's.
-    model->Bench().History().Clear();
-    return model;
-  } catch (const std::exception&) {
-    Error(std::string("Fault in ") + entry.ClassName);
-    return nullptr;
-  }
+  const auto& names = ModelNames();
+  if (index < 0 || index >= static_cast<int>(names.size())) return NotOffered();
+  return Catalogue().Load(names[static_cast<std::size_t>(index)]);
 }
 
 }  // namespace torvane

@@ -3,16 +3,15 @@
 #include <utility>
 
 #include "instruments/meter/meter.h"
-#include "models/catalogue.h"
 
 namespace torvane {
 
 bool CatalogueHost::InCatalogue(const std::string& model) const {
-  return FindModel(model) >= 0;
+  return Models.Find(model) != nullptr;
 }
 
 bool CatalogueHost::ChangeModel(const std::string& name) {
-  std::unique_ptr<ZelModel> model = LoadModel(FindModel(name));
+  std::unique_ptr<ZelModel> model = Models.Load(name);
   if (!model) return false;
   Replace(std::move(model));
   return true;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/files/model_file.h"
+#include "models/catalogue.h"
 
 namespace torvane {
 
@@ -20,6 +21,7 @@ class CatalogueHost : public ModelFileHost {
   /// A new model has been built and takes the present one's place.
   virtual void Replace(std::unique_ptr<ZelModel> model);
 
+  Catalogue Models;
   std::unique_ptr<ZelModel> Model;
 };
 

@@ -6,6 +6,7 @@
 
 #include "core/run_loop.h"
 #include "instruments/meter/meter.h"
+#include "models/factories.h"
 #include "models/loop.h"
 
 // What holds for each model of the catalogue.
@@ -78,14 +79,14 @@ TEST_P(EveryModel, GivesTheBitsOfTheGeneralSolverAndAllocatesNothing) {
 // Lets allocations of the construction fail, one at a time.
 TEST_P(EveryModel, ThatCannotBeBuiltSaysSo) {
   test::Recorder recorder;
-  const int index = FindModel(GetParam());
+  const Catalogue catalogue;
   const long before = allocations;
-  LoadModel(index);
+  catalogue.Load(GetParam());
   const long needed = allocations - before;
   for (long failing = 1; failing <= needed; failing += 1 + needed / 40) {
     recorder.Take();
     failingAllocation = allocations + failing;
-    const auto model = LoadModel(index);
+    const auto model = catalogue.Load(GetParam());
     failingAllocation = -1;
     ASSERT_FALSE(model) << failing;
     ASSERT_TRUE(recorder.Take().back().starts_with("Error: Fault in M")) << failing;
@@ -100,6 +101,11 @@ TEST(Catalogue, KnowsItsModelsAndNoOthers) {
     EXPECT_EQ(LoadModel(i)->Name(), ModelNames().at(static_cast<std::size_t>(i)));
   }
   EXPECT_EQ(FindModel("17-1 Perpetual Motion"), -1);
+  Catalogue catalogue;
+  EXPECT_FALSE(catalogue.Add({"3-1 PI Controller", "own.loop", MakeAnalogPI}));
+  EXPECT_TRUE(catalogue.Add({"Own", "own.loop", MakeAnalogPI}));
+  EXPECT_EQ(catalogue.Names()[15], "Own");
+  EXPECT_EQ(catalogue.Load("Own")->Name(), "Own");
   test::Recorder recorder;
   for (const int wrong : {-1, 15}) EXPECT_FALSE(LoadModel(wrong));
   EXPECT_EQ(recorder.Take(), test::Messages(2, "Fatal Error: Fault in LoadModel"));

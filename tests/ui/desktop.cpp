@@ -205,7 +205,7 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
         .setGeometry(place[0], place[1], place[2], place[3]);
   } else if (verb == "start") {
     Panel->close();
-    Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+    Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
     Panel->ShowAtStart(false);
   } else if (verb == "look") {
     if (rest == "clipboard") {

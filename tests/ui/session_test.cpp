@@ -31,7 +31,7 @@ class SessionTest : public testing::Test {
   SessionTest() {
     qputenv("XDG_STATE_HOME", Folder.filePath("state").toUtf8());
     Work = std::make_unique<Session>();
-    Work->Choose(0);
+    Work->Choose("2-1 PI+ Controller");
   }
 
   QString Path(const char* name) { return Folder.filePath(QString::fromLatin1(name)); }
@@ -84,7 +84,7 @@ TEST_F(SessionTest, WhatDiffersFromTheLastSaveOrLoadIsChanged) {
   Const("KVP").Set(3);
   EXPECT_TRUE(Work->Open(Path("stiff.tvf")));
   EXPECT_FALSE(Work->Changed());
-  Work->Choose(1);
+  Work->Choose("3-1 PI Controller");
   EXPECT_EQ(Work->File(), "");
 }
 
@@ -247,7 +247,7 @@ TEST_F(SessionTest, ASignalLeavesTheSessionAsItIsForTheNextStart) {
     while (requests.Signal() == 0) QCoreApplication::processEvents();
     EXPECT_EQ(requests.Signal(), signal);
     Work = std::make_unique<Session>();
-    Work->Choose(0);
+    Work->Choose("2-1 PI+ Controller");
     std::vector<KeptSession> found = Session::LeftBehind();
     ASSERT_EQ(found.size(), 1U);
     EXPECT_TRUE(Work->Restore(std::move(found[0])));

@@ -153,7 +153,7 @@ TEST_F(WorkspaceTest, AnArrangementIsRemembered) {
   const QRect place(40, 30, 640, 420);
   const auto start = [this](QSize size) {
     Panel.reset();
-    Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+    Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
     Panel->ShowAtStart(false);
     Panel->resize(size);
     QCoreApplication::processEvents();
@@ -199,7 +199,7 @@ TEST_F(WorkspaceTest, TheMainWindowComesBackOnADisplayThatHasBecomeSmaller) {
   QWidget larger;
   larger.setGeometry(3000, 2000, 4000, 3000);
   UserSettings().setValue("windowGeometry", larger.saveGeometry());
-  Panel = std::make_unique<TZelControlPanelF>(Data, 0, TZelControlPanelF::Windows::AsLeft);
+  Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
   Panel->ShowAtStart(false);
   const QRect room = Panel->screen()->geometry();
   EXPECT_TRUE(room.contains(Panel->pos()));

@@ -9,8 +9,9 @@ namespace {
 
 void ListModels() {
   ResultFile output("");
-  for (std::size_t i = 0; i < ModelNames().size(); ++i) {
-    output.Write(std::to_string(i) + "\t" + ModelNames()[i] + "\n");
+  int index = 0;
+  for (const std::string& name : Catalogue().Names()) {
+    output.Write(std::to_string(index++) + "\t" + name + "\n");
   }
   output.Close();
 }

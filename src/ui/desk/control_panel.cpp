@@ -61,7 +61,8 @@ const QString GeometryKey = QStringLiteral("windowGeometry");
 
 }  // namespace
 
-TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows windows)
+TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& startModel,
+                                     Windows windows)
     : ui_(std::make_unique<Ui::TZelControlPanelF>()),
       data_(std::move(folder)),
       driver_(this),
@@ -84,13 +85,15 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, int startModel, Windows 
   // Of one size, so that a new time does not have the whole strip laid out anew.
   ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
       {ui_->LTime->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000e+000")), 0}));
-  for (const std::string& name : ModelNames()) {
+  for (const std::string& name : session_.Models().Names()) {
     ui_->ModelCmB->addItem(QString::fromStdString(name));
   }
   for (const Pace& pace : Paces) ui_->CmBPace->addItem(QLatin1String(pace.Label));
   ConnectSession();
   ConnectControls();
-  if (!session_.Choose(startModel)) FatalError("Fault in TZelControlPanelF :: FormCreate");
+  const std::string& first = session_.Models().Entries().front().Name;
+  if (!session_.Choose(startModel.empty() ? first : startModel))
+    FatalError("Fault in TZelControlPanelF :: FormCreate");
   refreshTimer_.setObjectName(QStringLiteral("Timer1"));
   connect(&refreshTimer_, &QTimer::timeout, this, &TZelControlPanelF::RefreshTick);
   refreshTimer_.start(RefreshMilliseconds);
@@ -211,11 +214,10 @@ void TZelControlPanelF::ShowModel() {
 void TZelControlPanelF::SelectModel(int index) {
   const std::string name = ui_->ModelCmB->itemText(index).toStdString();
   if (session_.MayDiscard()) {
-    const int found = FindModel(name);
-    if (found < 0) {
-      Error("Could not find model " + name);
+    if (session_.Models().Find(name)) {
+      session_.Choose(name);
     } else {
-      session_.Choose(found);
+      Error("Could not find model " + name);
     }
   }
   ShowModelName();

@@ -34,9 +34,9 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   /// Whether windows stand where the user left them, and where they stand is remembered.
   enum class Windows { AsBuilt, AsLeft };
 
-  /// Starts with the model of that index in the catalogue, stopped. One that cannot be built is a
-  /// fatal error, and there is no model then.
-  explicit TZelControlPanelF(DataFolder folder, int startModel = 0,
+  /// Starts with the model of that name, or with the first of the catalogue, stopped. One that
+  /// cannot be built is a fatal error, and there is no model then.
+  explicit TZelControlPanelF(DataFolder folder, const std::string& startModel = {},
                              Windows windows = Windows::AsBuilt);
   ~TZelControlPanelF() override;
 

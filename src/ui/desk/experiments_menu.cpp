@@ -2,7 +2,6 @@
 
 #include <QMenu>
 
-#include "models/catalogue.h"
 #include "ui/desk/workspace.h"
 #include "ui/panes/model_views.h"
 #include "ui/session/box_queue.h"
@@ -40,7 +39,7 @@ void ExperimentsMenu::Fill() {
 // The menu is filled anew while the model changes; its item is done by then.
 void ExperimentsMenu::SetUp(const Experiment& experiment) {
   const QString model = QString::fromStdString(session_.Model()->Name());
-  if (!session_.MayDiscard() || !session_.Choose(FindModel(model.toStdString()))) return;
+  if (!session_.MayDiscard() || !session_.Choose(model.toStdString())) return;
   if (!session_.OpenConfiguration(experiment.File)) return;
   if (experiment.Text.contains(QStringLiteral("\nAnalyser "))) {
     workspace_.SetShown(*session_.Model()->Bench().Instruments(InstrumentKind::FftAnalyser).front(),

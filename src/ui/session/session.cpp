@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "core/messages.h"
-#include "models/catalogue.h"
 #include "models/catalogue_host.h"
 
 namespace torvane {
@@ -47,8 +46,12 @@ ZelModel* Session::Model() const {
   return host_->Model.get();
 }
 
-bool Session::Choose(int index) {
-  std::unique_ptr<ZelModel> model = LoadModel(index);
+const Catalogue& Session::Models() const {
+  return host_->Models;
+}
+
+bool Session::Choose(const std::string& name) {
+  std::unique_ptr<ZelModel> model = Models().Load(name);
   if (!model) return false;
   MakeCurrent(std::move(model));
   return true;

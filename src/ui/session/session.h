@@ -13,6 +13,8 @@
 
 namespace torvane {
 
+class Catalogue;
+
 /// A user's work: the current model, the file that it belongs to, what of it is not saved yet, and
 /// what keeps that over a crash. Knows no window; windows ask it and follow its signals.
 class Session : public QObject {
@@ -24,9 +26,11 @@ class Session : public QObject {
 
   /// The current model; nullptr until the first has been built.
   ZelModel* Model() const;
-  /// Builds the model of that index in the catalogue and makes it current. False after a report
-  /// when it cannot be built; the present one stays then.
-  bool Choose(int index);
+  /// The models that can be chosen.
+  const Catalogue& Models() const;
+  /// Builds the model of that name and makes it current. False after a report when it cannot be
+  /// built; the present one stays then.
+  bool Choose(const std::string& name);
   /// Makes the model current; it belongs to no file. The one before is destroyed.
   void MakeCurrent(std::unique_ptr<ZelModel> model);
 
