@@ -29,8 +29,9 @@ struct MeterOptions {
 };
 
 // In the order of MeterKind.
-const std::vector<std::string>& KindNames() {
-  static const std::vector<std::string> names{"rms", "average", "harmonic", "correlation"};
+std::vector<std::string> KindNames() {
+  std::vector<std::string> names;
+  for (const MeterKindNames& kind : MeterKinds) names.emplace_back(kind.Option);
   return names;
 }
 

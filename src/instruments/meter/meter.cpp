@@ -11,25 +11,6 @@
 
 namespace torvane {
 
-namespace {
-
-constexpr double QuarterTurn = Pi / 2.0;
-
-// The angle of the sums against a sine. Without a cosine part it is a quarter turn, not 0 or half a
-// turn: deliberate.
-double Angle(double s, double c) {
-  if (c == 0.0) return s < 0.0 ? -QuarterTurn : QuarterTurn;
-  return std::atan2(c, s);
-}
-
-double WrapAngle(double angle) {
-  for (int i = 0; i < 2 && angle > QuarterTurn; ++i) angle -= TwoPi;
-  for (int i = 0; i < 2 && angle < -4.7123889; ++i) angle += TwoPi;
-  return angle;
-}
-
-}  // namespace
-
 double ZelMeter::NextTime() const {
   return clock_.Request();
 }
@@ -45,7 +26,7 @@ double ZelMeter::Excitation(double now) const {
 }
 
 double ZelMeter::AngleDeg() const {
-  return angle_ * DegreesPerRadian;
+  return reading_.Angle * DegreesPerRadian;
 }
 
 double ZelMeter::Read(Source& source) const {
@@ -61,84 +42,45 @@ void ZelMeter::Update(double t) {
   const double x = Read(measured_);
   switch (kind_) {
     case MeterKind::Rms:
-      rms_ = std::sqrt(lowPole_ * rms_ * rms_ + (1.0 - lowPole_) * x * x);
-      Show(rms_, 0.0);
+      reading_ = rms_.Add(x, lowPole_);
       break;
     case MeterKind::Average:
-      mean_ = lowPole_ * mean_ + (1.0 - lowPole_) * x;
-      Show(mean_, 0.0);
+      reading_ = average_.Add(x, lowPole_);
       break;
     case MeterKind::Harmonic:
       UpdateHarmonic(t, x);
       break;
     case MeterKind::Correlation:
-      UpdateCorrelation(x);
+      reading_ = correlation_.Add(x, Read(correlated_), lowPole_).value_or(reading_);
       break;
   }
   // A diverged loop's values, or their squares, would stay in the filters for good.
-  if (!std::isfinite(x * x + rms_ + mean_ + p_ + q_ + transfer_.S)) Restart();
+  if (!std::isfinite(x * x) || !Finite()) Restart();
 }
 
-void ZelMeter::Show(double value, double angle) {
-  value_ = value;
-  angle_ = angle;
-}
-
-void ZelMeter::UpdateCorrelation(double x) {
-  const double y = Read(correlated_);
-  p_ = lowPole_ * p_ + (1.0 - lowPole_) * x * y;
-  q_ = lowPole_ * q_ + (1.0 - lowPole_) * y * y;
-  if (q_ != 0.0) Show(p_ / q_, 0.0);
+bool ZelMeter::Finite() const {
+  return rms_.Finite() && average_.Finite() && harmonic_.Finite() && correlation_.Finite();
 }
 
 void ZelMeter::UpdateHarmonic(double t, double x) {
-  if (!windowOpen_) {
-    StartWindow(t);
-    return;
+  using Shown = HarmonicMeasurement::Shown;
+  if (harmonic_.Open()) {
+    const double y = harmonicXfer_ ? Read(transfer_) : 0.0;
+    const Shown ratio = useDb_ ? Shown::RatioDb : Shown::Ratio;
+    const auto read =
+        harmonic_.Add(t, tSample_, harmonicFreq_, x, y, harmonicXfer_ ? ratio : Shown::Amplitude);
+    if (!read) return;
+    reading_ = *read;
   }
-  const double sine = std::sin(TwoPi * harmonicFreq_ * t);
-  const double cosine = std::cos(TwoPi * harmonicFreq_ * t);
-  measured_.S += sine * x * tSample_;
-  measured_.C += cosine * x * tSample_;
-  if (harmonicXfer_) {
-    const double y = Read(transfer_);
-    transfer_.S += sine * y * tSample_;
-    transfer_.C += cosine * y * tSample_;
-  }
-  // Times are running sums of steps: a tick that falls short of the end by their rounding is there.
-  if (t < windowEnd_ - 1e-6 * tSample_) return;
-  FinishWindow();
-  StartWindow(t);
-}
-
-void ZelMeter::FinishWindow() {
-  const double duration = WindowLength();
-  const double s = measured_.S / duration;
-  const double c = measured_.C / duration;
-  if (!harmonicXfer_) {
-    Show(2.0 * std::sqrt(c * c + s * s), WrapAngle(Angle(s, c)));
-    return;
-  }
-  const double sx = transfer_.S / duration;
-  const double cx = transfer_.C / duration;
-  if (sx != 0.0 || cx != 0.0) ratio_ = std::sqrt((c * c + s * s) / (cx * cx + sx * sx));
-  // Without a cosine part the reference stands at a plus quarter turn whatever its sine:
-  // deliberate.
-  const double reference = cx == 0.0 ? QuarterTurn : std::atan2(cx, sx);
-  Show(useDb_ ? GainDb(ratio_) : ratio_, WrapAngle(Angle(s, c) - reference));
-}
-
-void ZelMeter::StartWindow(double t) {
-  windowOpen_ = true;
-  windowEnd_ = t + WindowLength();
-  measured_.S = measured_.C = 0.0;
-  transfer_.S = transfer_.C = 0.0;
+  harmonic_.Start(t, WindowLength());
 }
 
 void ZelMeter::Restart() {
   for (Source* source : {&measured_, &correlated_, &transfer_}) source->Primed = false;
-  rms_ = mean_ = p_ = q_ = 0.0;
-  windowOpen_ = false;
+  rms_ = {};
+  average_ = {};
+  correlation_ = {};
+  harmonic_.Stop();
 }
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include "core/bench.h"
 #include "core/instrument.h"
+#include "instruments/meter/meter_kind.h"
+#include "instruments/meter/meter_measurements.h"
 #include "instruments/sample_clock.h"
 #include "instruments/whole_periods.h"
 
@@ -11,16 +13,11 @@ namespace torvane {
 
 class ZelModel;
 
-enum class MeterKind { Rms, Average, Harmonic, Correlation };
-
 /// Meter: one number computed every T seconds from a signal x of the bench (and for two kinds a
-/// second signal y), each multiplied by its display multiplier:
-///   RMS          r := sqrt(a r^2 + (1 - a) x^2), a = e^(-6.2831852 low-pass frequency T)
-///   average      m := a m + (1 - a) x
-///   harmonic     amplitude and phase of x at f over whole periods, or their ratio to those of y
-///   correlation  the gain P / Q, P and Q the averages of x y and y y
-/// AC coupling passes each signal through a high-pass with the pole
-/// b = e^(-6.2831852 high-pass frequency T) before any of these.
+/// second signal y), each multiplied by its display multiplier: meter_measurements.h says how, with
+/// the pole a = e^(-6.2831852 low-pass frequency T) for all kinds but the harmonic. AC coupling
+/// passes each signal through a high-pass with the pole b = e^(-6.2831852 high-pass frequency T)
+/// before any of these.
 class ZelMeter final : public Instrument {
  public:
   static constexpr int MaxMeters = 15;
@@ -41,7 +38,7 @@ class ZelMeter final : public Instrument {
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
 
-  double Value() const { return value_; }
+  double Value() const { return reading_.Value; }
   /// In degrees, of the harmonic kind; in (-270, 90].
   double AngleDeg() const;
   /// Unit of the value shown; "(Unitless)" when there is none.
@@ -94,13 +91,11 @@ class ZelMeter final : public Instrument {
   void SetShowSetup(bool on);
 
  private:
-  /// A signal read by the meter, with its harmonic sums and the slow part that AC coupling removes.
+  /// A signal read by the meter, with the slow part that AC coupling removes.
   struct Source {
     const Variable* Signal = nullptr;
     double Slow = 0.0;
     bool Primed = false;
-    double S = 0.0;
-    double C = 0.0;
   };
 
   bool Choose(Source& source, const std::string& name, const char* caption,
@@ -120,11 +115,8 @@ class ZelMeter final : public Instrument {
                  double limit);
   void SetExcitation(double& setting, double value, const char* name);
   void Update(double t);
-  void Show(double value, double angle);
-  void UpdateCorrelation(double x);
   void UpdateHarmonic(double t, double x);
-  void FinishWindow();
-  void StartWindow(double t);
+  bool Finite() const;
 
   ZelBenchTop& bench_;
   MeterKind kind_ = MeterKind::Rms;
@@ -148,15 +140,11 @@ class ZelMeter final : public Instrument {
   double lowPole_ = 0.0;
   double highPole_ = 0.0;
   SampleClock clock_;
-  double rms_ = 0.0;
-  double mean_ = 0.0;
-  double p_ = 0.0;
-  double q_ = 0.0;
-  bool windowOpen_ = false;
-  double windowEnd_ = 0.0;
-  double ratio_ = 0.0;
-  double value_ = 0.0;
-  double angle_ = 0.0;
+  RmsMeasurement rms_;
+  AverageMeasurement average_;
+  HarmonicMeasurement harmonic_;
+  CorrelationMeasurement correlation_;
+  MeterReading reading_;
 };
 
 /// Adds a meter that lives as long as the model. Its name is made its own when another meter has

@@ -13,17 +13,6 @@ namespace {
 
 constexpr std::size_t ValueEntries = 4;
 
-struct KindRecord {
-  const char* Keyword;
-  MeterKind Kind;
-};
-constexpr std::array KindRecords{
-    KindRecord{"RMS", MeterKind::Rms},
-    KindRecord{"Average", MeterKind::Average},
-    KindRecord{"Harmonic", MeterKind::Harmonic},
-    KindRecord{"Corr", MeterKind::Correlation},
-};
-
 using Number = NumberSetting<ZelMeter>;
 constexpr std::array Numbers{
     Number{"ACHpf", &ZelMeter::AcHpf, &ZelMeter::SetAcHpf},
@@ -47,8 +36,8 @@ void SaveVariable(RecordWriter& writer, const char* keyword, const Variable* var
 }  // namespace
 
 void ZelMeter::SaveRecords(RecordWriter& writer) const {
-  const auto kind = [&](const char* keyword, MeterKind meant) {
-    writer.Write(keyword, {FlagText(kind_ == meant)});
+  const auto kind = [&](MeterKind meant) {
+    writer.Write(NamesOf(meant).Keyword, {FlagText(kind_ == meant)});
   };
   // The numbers stand here and there among the switches, in the order of the table.
   std::span<const Number> numbers = Numbers;
@@ -62,13 +51,13 @@ void ZelMeter::SaveRecords(RecordWriter& writer) const {
   writer.Write("DC", {FlagText(!ac_)});
   writer.Write("AC", {FlagText(ac_)});
   number();
-  kind("RMS", MeterKind::Rms);
-  kind("Average", MeterKind::Average);
-  kind("Harmonic", MeterKind::Harmonic);
+  kind(MeterKind::Rms);
+  kind(MeterKind::Average);
+  kind(MeterKind::Harmonic);
   number();
   writer.Write("HarmonicXfer", {FlagText(harmonicXfer_)});
   SaveVariable(writer, "HarmonicXferVar", HarmonicXferVar());
-  kind("Corr", MeterKind::Correlation);
+  kind(MeterKind::Correlation);
   SaveVariable(writer, "CorrVar", CorrVar());
   number();
   writer.Write("UseExcite", {FlagText(useExcitation_)});
@@ -103,9 +92,9 @@ void ZelMeter::LoadMeterDisplay(const Record& record) {
 bool ZelMeter::LoadSwitch(const Record& record) {
   const std::string& keyword = record.Keyword();
   const bool on = IsOn(record.Fields[3]);
-  for (const KindRecord& kind : KindRecords) {
-    if (keyword != kind.Keyword) continue;
-    if (on) SetKind(kind.Kind);
+  for (std::size_t kind = 0; kind < MeterKinds.size(); ++kind) {
+    if (keyword != MeterKinds[kind].Keyword) continue;
+    if (on) SetKind(static_cast<MeterKind>(kind));
     return true;
   }
   if (keyword == "DC" || keyword == "AC") {

@@ -22,20 +22,6 @@ const Variable* FirstOffered(const ZelBenchTop& bench) {
 
 const std::string Unitless = "(Unitless)";
 
-std::string KindName(MeterKind kind) {
-  switch (kind) {
-    case MeterKind::Rms:
-      return "RMS";
-    case MeterKind::Average:
-      return "Average";
-    case MeterKind::Harmonic:
-      return "Harmonic";
-    case MeterKind::Correlation:
-      break;
-  }
-  return "Correlation";
-}
-
 std::string UnitOf(const Variable* variable) {
   return variable ? variable->Unit() : "";
 }
@@ -116,7 +102,7 @@ void ZelMeter::Store(T& setting, T value, const char* name) {
         setting = value;
         ComputePoles();
         // A window's sums belong to one frequency and one period.
-        windowOpen_ = false;
+        harmonic_.Stop();
       },
       [&] { return SettingCaption(name, value); });
 }
@@ -128,7 +114,7 @@ void ZelMeter::SetKind(MeterKind kind) {
         kind_ = kind;
         Restart();
       },
-      [&] { return SettingCaption("Meter", KindName(kind)); });
+      [&] { return SettingCaption("Meter", std::string(NamesOf(kind).Caption)); });
 }
 
 void ZelMeter::SetAcCoupled(bool on) {
