@@ -224,6 +224,13 @@ TEST_F(MeterTest, RecoversFromALoopThatDiverged) {
       Update(4 * OnePeriod, 0.0);
       EXPECT_TRUE(std::isfinite(Meter.Value())) << huge;
     }
+    // A reference that overflowed is no matter of another kind.
+    Meter.SetHarmonicXfer(true);
+    Update(3, 1.0, huge);
+    Meter.SetAcCoupled(false);
+    Meter.SetKind(MeterKind::Rms);
+    Update(OnePeriod, 1.0);
+    EXPECT_NEAR(Meter.Value(), 1.0, 1e-12);  // 76 time constants of the low-pass
   }
 }
 
