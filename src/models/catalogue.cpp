@@ -61,7 +61,7 @@ std::unique_ptr<ZelModel> Catalogue::Load(const std::string& name) const {
   try {
     std::unique_ptr<ZelModel> model = entry->Make(name);
     // What a constructor sets up is no change of the user's.
-    model->Bench().History().Clear();
+    if (model) model->Bench().History().Clear();
     return model;
   } catch (const std::exception&) {
     Error("Fault in " + entry->Source);

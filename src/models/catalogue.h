@@ -14,6 +14,7 @@ namespace torvane {
 struct CatalogueEntry {
   std::string Name;
   std::string Source;  ///< where it comes from: its class, or the file that says what it is
+  /// Builds it under the name given; nothing after a report of its own of why it cannot be built.
   std::function<std::unique_ptr<ZelModel>(const std::string& name)> Make;
 };
 
@@ -32,8 +33,8 @@ class Catalogue {
   /// Offers one more model, behind the others; false when its name is taken.
   bool Add(CatalogueEntry entry);
 
-  /// Builds the model of that name. Any other name is a fatal error, a model that cannot be built
-  /// is reported; neither gives a model.
+  /// Builds the model of that name. Any other name is a fatal error, an exception that its making
+  /// throws is reported; neither gives a model.
   std::unique_ptr<ZelModel> Load(const std::string& name) const;
 
  private:

@@ -106,6 +106,8 @@ TEST(Catalogue, KnowsItsModelsAndNoOthers) {
   EXPECT_TRUE(catalogue.Add({"Own", "own.loop", MakeAnalogPI}));
   EXPECT_EQ(catalogue.Names()[15], "Own");
   EXPECT_EQ(catalogue.Load("Own")->Name(), "Own");
+  EXPECT_TRUE(catalogue.Add({"Wrong", "wrong.loop", [](auto&) { return nullptr; }}));
+  EXPECT_FALSE(catalogue.Load("Wrong"));
   test::Recorder recorder;
   for (const int wrong : {-1, 15}) EXPECT_FALSE(LoadModel(wrong));
   EXPECT_EQ(recorder.Take(), test::Messages(2, "Fatal Error: Fault in LoadModel"));
