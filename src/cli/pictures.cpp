@@ -7,7 +7,7 @@
 
 #ifdef TORVANE_PICTURES
 #include "plot/picture_export.h"
-#include "plot/study_picture.h"
+#include "plot/study/study_picture.h"
 #endif
 
 namespace torvane::cli {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "plot/plane_painter.h"
-#include "plot/response_painter.h"
-#include "plot/scope_painter.h"
+#include "plot/response/plane_painter.h"
+#include "plot/response/response_painter.h"
+#include "plot/scope/scope_painter.h"
 
 namespace torvane {
 

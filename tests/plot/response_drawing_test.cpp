@@ -7,8 +7,8 @@
 #include "instruments/fft/fft_analyser.h"
 #include "plot/drawing.h"
 #include "plot/picture.h"
-#include "plot/plane_painter.h"
-#include "plot/response_painter.h"
+#include "plot/response/plane_painter.h"
+#include "plot/response/response_painter.h"
 #include "support/bare_model.h"
 
 namespace torvane {

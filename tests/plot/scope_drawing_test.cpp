@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "core/files/record.h"
-#include "plot/cursor_painter.h"
 #include "plot/drawing.h"
-#include "plot/scope_painter.h"
+#include "plot/scope/cursor_painter.h"
+#include "plot/scope/scope_painter.h"
 #include "two_traces.h"
 
 namespace torvane {

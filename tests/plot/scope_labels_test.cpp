@@ -1,8 +1,8 @@
-#include "plot/scope_labels.h"
+#include "plot/scope/scope_labels.h"
 
 #include <gtest/gtest.h>
 
-#include "plot/screen_marks.h"
+#include "plot/scope/screen_marks.h"
 #include "two_traces.h"
 
 namespace torvane {

@@ -1,11 +1,11 @@
-#include "plot/scope_painter.h"
+#include "plot/scope/scope_painter.h"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
 #include <ctime>
 
-#include "plot/cursor_painter.h"
+#include "plot/scope/cursor_painter.h"
 #include "two_traces.h"
 
 namespace torvane {

@@ -2,7 +2,7 @@
 
 #include "plot/drawing.h"
 #include "plot/number_axis.h"
-#include "plot/study_picture.h"
+#include "plot/study/study_picture.h"
 #include "support/expected_lines.h"
 
 namespace torvane {

@@ -18,7 +18,7 @@
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/sweep/swept_sine_analyser.h"
 #include "plot/picture_export.h"
-#include "plot/plane_painter.h"
+#include "plot/response/plane_painter.h"
 #include "ui/panes/analyser/response_paint_box.h"
 
 namespace torvane {

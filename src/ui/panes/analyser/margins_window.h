@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "instruments/analyser/margins.h"
-#include "plot/response_painter.h"
+#include "plot/response/response_painter.h"
 #include "ui/panes/read_out_window.h"
 
 namespace torvane {

@@ -2,7 +2,7 @@
 
 #include <QPointF>
 
-#include "plot/plane_painter.h"
+#include "plot/response/plane_painter.h"
 
 namespace torvane {
 

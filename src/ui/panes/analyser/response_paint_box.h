@@ -4,8 +4,8 @@
 #include <QWidget>
 #include <optional>
 
-#include "plot/plane_painter.h"
-#include "plot/response_painter.h"
+#include "plot/response/plane_painter.h"
+#include "plot/response/response_painter.h"
 #include "ui/panes/analyser/plane_mouse.h"
 #include "ui/widgets/wheel_turn.h"
 

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "instruments/scope/screen_pixels.h"
-#include "plot/cursor_painter.h"
-#include "plot/scope_painter.h"
+#include "plot/scope/cursor_painter.h"
+#include "plot/scope/scope_painter.h"
 #include "ui/panes/scope/screen_mouse.h"
 #include "ui/widgets/wheel_turn.h"
 

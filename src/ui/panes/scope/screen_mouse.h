@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "plot/scope_painter.h"
+#include "plot/scope/scope_painter.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "plot/scope_painter.h"
+#include "plot/scope/scope_painter.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>

@@ -5,9 +5,9 @@
 #include <QRect>
 
 #include "instruments/scope/scope.h"
+#include "plot/scope/scope_labels.h"
+#include "plot/scope/screen_marks.h"
 #include "plot/scope_colours.h"
-#include "plot/scope_labels.h"
-#include "plot/screen_marks.h"
 #include "plot/trace_painter.h"
 
 namespace torvane {

@@ -1,4 +1,4 @@
-#include "plot/plane_painter.h"
+#include "plot/response/plane_painter.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -13,10 +13,10 @@
 #include "instruments/analyser/response_reading.h"
 #include "plot/clipped_lines.h"
 #include "plot/curve_painter.h"
-#include "plot/nichols_contours.h"
 #include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
-#include "plot/response_lines.h"
+#include "plot/response/nichols_contours.h"
+#include "plot/response/response_lines.h"
 
 namespace torvane {
 

@@ -1,4 +1,4 @@
-#include "plot/response_legend.h"
+#include "plot/response/response_legend.h"
 
 #include <QFontMetrics>
 

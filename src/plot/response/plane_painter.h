@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-#include "plot/plane_axes.h"
-#include "plot/response_legend.h"
+#include "plot/response/plane_axes.h"
+#include "plot/response/response_legend.h"
 
 namespace torvane {
 

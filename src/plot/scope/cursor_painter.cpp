@@ -1,4 +1,4 @@
-#include "plot/cursor_painter.h"
+#include "plot/scope/cursor_painter.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>

@@ -1,4 +1,4 @@
-#include "plot/response_painter.h"
+#include "plot/response/response_painter.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>

@@ -1,4 +1,4 @@
-#include "plot/screen_marks.h"
+#include "plot/scope/screen_marks.h"
 
 #include <QFontMetrics>
 #include <algorithm>

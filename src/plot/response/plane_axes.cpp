@@ -1,4 +1,4 @@
-#include "plot/plane_axes.h"
+#include "plot/response/plane_axes.h"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "plot/number_axis.h"
-#include "plot/study_picture.h"
+#include "plot/study/study_picture.h"
 
 namespace torvane {
 

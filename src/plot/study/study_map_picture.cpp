@@ -9,7 +9,7 @@
 #include "core/text.h"
 #include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
-#include "plot/study_picture.h"
+#include "plot/study/study_picture.h"
 
 namespace torvane {
 

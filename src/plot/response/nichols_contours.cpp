@@ -1,4 +1,4 @@
-#include "plot/nichols_contours.h"
+#include "plot/response/nichols_contours.h"
 
 #include <cmath>
 #include <complex>

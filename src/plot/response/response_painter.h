@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "plot/curve_painter.h"
-#include "plot/response_legend.h"
-#include "plot/response_lines.h"
+#include "plot/response/response_legend.h"
+#include "plot/response/response_lines.h"
 #include "plot/scope_colours.h"
 
 namespace torvane {

@@ -1,4 +1,4 @@
-#include "plot/scope_labels.h"
+#include "plot/scope/scope_labels.h"
 
 #include <algorithm>
 #include <cmath>

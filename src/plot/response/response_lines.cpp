@@ -1,4 +1,4 @@
-#include "plot/response_lines.h"
+#include "plot/response/response_lines.h"
 
 #include <algorithm>
 #include <cmath>

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "plot/scope/scope_labels.h"
 #include "plot/scope_colours.h"
-#include "plot/scope_labels.h"
 
 namespace torvane {
 
