@@ -2,10 +2,10 @@
 #include <cstdio>
 
 #include "cli/command_error.h"
-#include "cli/model_options.h"
-#include "cli/number_options.h"
+#include "cli/io/number_options.h"
+#include "cli/model/model_options.h"
+#include "cli/model/settings.h"
 #include "cli/program.h"
-#include "cli/settings.h"
 #include "cli/study/study_set_up.h"
 #include "fuzzing.h"
 #include "pooled_host.h"

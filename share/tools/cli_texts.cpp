@@ -8,7 +8,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/console.h"
+#include "cli/io/console.h"
 #include "cli/program.h"
 
 namespace torvane::tools {

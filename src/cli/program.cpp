@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/console.h"
-#include "cli/names.h"
-#include "cli/result_file.h"
+#include "cli/io/console.h"
+#include "cli/io/names.h"
+#include "cli/io/result_file.h"
 #include "core/version.h"
 #include "study/study_fault.h"
 

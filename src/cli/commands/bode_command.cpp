@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 
-#include "cli/bode_measurement.h"
 #include "cli/commands/commands.h"
-#include "cli/pictures.h"
-#include "cli/response_output.h"
-#include "cli/result_file.h"
+#include "cli/io/pictures.h"
+#include "cli/io/result_file.h"
+#include "cli/response/bode_measurement.h"
+#include "cli/response/response_output.h"
 #include "core/csv.h"
 #include "core/text.h"
 

@@ -1,8 +1,8 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/model_options.h"
-#include "cli/result_file.h"
+#include "cli/io/result_file.h"
+#include "cli/model/model_options.h"
 #include "core/constant.h"
 #include "core/csv.h"
 #include "core/text.h"

@@ -1,9 +1,9 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/measurement.h"
-#include "cli/quiet.h"
-#include "cli/result_file.h"
+#include "cli/io/quiet.h"
+#include "cli/io/result_file.h"
+#include "cli/measure/measurement.h"
 #include "core/csv.h"
 #include "core/messages.h"
 #include "study/row.h"

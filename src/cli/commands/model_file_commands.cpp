@@ -2,9 +2,9 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/model_file_loading.h"
-#include "cli/model_options.h"
-#include "cli/scope_settings.h"
+#include "cli/model/model_file_loading.h"
+#include "cli/model/model_options.h"
+#include "cli/model/scope_settings.h"
 #include "core/files/model_file.h"
 
 namespace torvane::cli {

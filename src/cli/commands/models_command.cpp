@@ -1,7 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
-#include "cli/result_file.h"
+#include "cli/io/result_file.h"
 #include "models/catalogue.h"
 
 namespace torvane::cli {

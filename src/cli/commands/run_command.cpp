@@ -3,10 +3,10 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/long_run.h"
-#include "cli/model_options.h"
-#include "cli/number_options.h"
-#include "cli/result_file.h"
+#include "cli/io/number_options.h"
+#include "cli/io/result_file.h"
+#include "cli/model/long_run.h"
+#include "cli/model/model_options.h"
 #include "core/csv.h"
 #include "instruments/step_clock.h"
 

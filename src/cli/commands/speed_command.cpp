@@ -4,10 +4,10 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/interrupt.h"
-#include "cli/model_options.h"
-#include "cli/number_options.h"
-#include "cli/result_file.h"
+#include "cli/io/interrupt.h"
+#include "cli/io/number_options.h"
+#include "cli/io/result_file.h"
+#include "cli/model/model_options.h"
 #include "core/run_loop.h"
 #include "core/text.h"
 

@@ -3,7 +3,7 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
-#include "cli/number_options.h"
+#include "cli/io/number_options.h"
 #include "cli/study/study.h"
 
 namespace torvane::cli {

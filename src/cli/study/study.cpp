@@ -5,9 +5,9 @@
 #include <cmath>
 
 #include "cli/command_error.h"
-#include "cli/interrupt.h"
-#include "cli/model_file_loading.h"
-#include "cli/quiet.h"
+#include "cli/io/interrupt.h"
+#include "cli/io/quiet.h"
+#include "cli/model/model_file_loading.h"
 #include "cli/study/study_result.h"
 #include "cli/study/study_set_up.h"
 #include "core/messages.h"

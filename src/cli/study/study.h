@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/measurement.h"
+#include "cli/measure/measurement.h"
 #include "study/study_pictures.h"
 
 namespace torvane::cli {

@@ -1,5 +1,5 @@
 #include "cli/command_error.h"
-#include "cli/pictures.h"
+#include "cli/io/pictures.h"
 #include "cli/study/study.h"
 #include "study/result_table.h"
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "cli/result_file.h"
+#include "cli/io/result_file.h"
 #include "study/part_file.h"
 #include "study/row.h"
 #include "study/sealed_rows.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <thread>
 
-#include "cli/assignment.h"
 #include "cli/command_error.h"
+#include "cli/model/assignment.h"
 #include "core/csv.h"
 #include "core/files/model_file.h"
 #include "core/messages.h"

@@ -1,0 +1,233 @@
+#include "cli/measure/loop_measurement.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/command_error.h"
+#include "cli/model/long_run.h"
+#include "cli/response/response_output.h"
+#include "core/constant.h"
+#include "core/csv.h"
+#include "core/messages.h"
+#include "core/text.h"
+#include "instruments/analyser/margins.h"
+#include "instruments/generator/wave.h"
+
+namespace torvane::cli {
+namespace {
+
+constexpr int Order = 12;
+constexpr int Averages = 4;
+constexpr double SampleTime = 0.00025;  // of a continuous loop
+constexpr double Rest = 0.2;            // of the record, without excitation
+// Where that scatters by more than this share of what is borne, more records are averaged.
+constexpr double LeastScatter = 0.1;
+constexpr int MoreAverages = 32;
+
+ZelXfer& Analyser(ZelModel& model) {
+  const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
+  if (analysers.empty()) throw UsageError("the model has no such analyser");
+  return dynamic_cast<ZelXfer&>(*analysers.front());
+}
+
+std::optional<ModelLoop> OpenLoop(const ZelXfer& xfer, const LoopOptions& options) {
+  std::optional<ModelLoop> loop = xfer.Loop();
+  if (options.Loop.empty()) return loop && loop->Input.empty() ? std::nullopt : loop;
+  const std::size_t colon = options.Loop.find(':');
+  if (colon == std::string::npos) {
+    throw UsageError("--loop needs two signals, IN:OUT, not \"" + options.Loop + "\"");
+  }
+  ModelLoop chosen = std::move(loop).value_or(ModelLoop{});
+  chosen.Input = options.Loop.substr(0, colon);
+  chosen.Output = options.Loop.substr(colon + 1);
+  chosen.FromClosed = false;
+  chosen.Meanwhile.clear();
+  return chosen;
+}
+
+// What the model's loop asks for where the options leave it open. A loop that samples is measured
+// when it does: it has no response in between.
+BodeOptions Completed(BodeOptions bode, const std::optional<ModelLoop>& loop) {
+  ResponseOptions& response = bode.Response;
+  const double period = loop && loop->SampleTime > 0.0 ? loop->SampleTime : SampleTime;
+  if (!bode.Order) bode.Order = Order;
+  if (!response.Average) response.Average = Averages;
+  if (!response.TSample) response.TSample = period;
+  if (!bode.EndDelay) bode.EndDelay = Rest * std::ldexp(*response.TSample, *bode.Order);
+  if (!response.Amplitude && loop) response.Amplitude = loop->Amplitude;
+  bode.Spectrum = false;  // margins are read off a response
+  return bode;
+}
+
+// Apart from the excitation nothing is to move.
+void StillGenerators(const ZelBenchTop& bench) {
+  for (Instrument* const generator : bench.Instruments(InstrumentKind::WaveGenerator)) {
+    dynamic_cast<ZelWave&>(*generator).SetAmplitude(0.0);
+  }
+}
+
+ZelXfer& SetUpAnalyser(ZelModel& model, const BodeOptions& options, Console& console) {
+  auto& xfer = dynamic_cast<ZelXfer&>(
+      ChooseAnalyser(model.Bench(), InstrumentKind::FftAnalyser, options.Response));
+  console.ApplySettings([&] { SetUp(xfer, options); });
+  return xfer;
+}
+
+std::string ValueText(const Constant& constant, double value) {
+  const auto& choices = constant.Choices();
+  return choices.empty() ? FormatShortest(value) : choices[static_cast<std::size_t>(value)];
+}
+
+using Settings = std::vector<ModelLoop::Setting>;
+
+// ", with KVFR at 100 and Res at 1e10": those that are not so already.
+std::string WithSettings(const Settings& settings) {
+  std::string with;
+  for (const auto& [constant, value] : settings) {
+    if (constant->Value() == value) continue;
+    with += (with.empty() ? " with " : " and ") + constant->Name() + " at " +
+            ValueText(*constant, value);
+  }
+  return with;
+}
+
+// Nothing of what is plain: the pair is that of an open loop, and no constant is in its way.
+void NoteHow(const ModelLoop& loop) {
+  const std::string linear = WithSettings(loop.Linear);
+  if (!linear.empty()) Note("The responses are measured" + linear + ".");
+  const std::string meanwhile = WithSettings(loop.Meanwhile);
+  if (loop.FromClosed) {
+    Note("The margins are computed from the closed loop, " + loop.Input + " to " + loop.Output +
+         ", whose feedback is its output" + (meanwhile.empty() ? "" : "," + meanwhile) + ".");
+  } else if (!meanwhile.empty()) {
+    Note("The margins are measured" + meanwhile + ".");
+  }
+}
+
+/// Puts figures and what is to be said of them together.
+class Findings {
+ public:
+  explicit Findings(RunReadings& readings) : readings_(readings) {}
+
+  void Add(std::optional<double> RunReadings::*measure, const Margins::Reading* reading) {
+    if (!reading) return;
+    readings_.*measure = reading->Value;
+    Reach(reading->Hz);
+  }
+  void AddBandwidth(const std::optional<double>& hz) {
+    readings_.Bandwidth = hz;
+    Reach(hz.value_or(0.0));
+  }
+  void Miss(const std::vector<std::string>& why) { Append(readings_.Reasons, why); }
+  void WarnAbove(double accurateUpTo) {
+    if (highest_ > accurateUpTo) readings_.Warnings.push_back(SampleTimeWarning(accurateUpTo));
+  }
+
+ private:
+  void Reach(double hz) { highest_ = std::max(highest_, hz); }
+
+  RunReadings& readings_;
+  double highest_ = 0.0;
+};
+
+// A response in other units than its command's, or to a command that is not followed, has none.
+void ReadClosed(const Margins& closed, Findings& findings) {
+  constexpr double Follows = 6.0;  // dB
+  if (std::abs(closed.Begin) > Follows) {
+    findings.Miss({"no bandwidth: the response begins at " + FormatGeneral(closed.Begin, 4, 1) +
+                   " dB, so that it does not follow its command"});
+    return;
+  }
+  findings.AddBandwidth(closed.GainBandwidth);
+  findings.Add(&RunReadings::Peaking, closed.Peaking ? &*closed.Peaking : nullptr);
+  findings.Miss(closed.Missing);
+}
+
+void ReadOpen(const Margins& open, Findings& findings) {
+  findings.Add(&RunReadings::GainMargin, open.SmallestGainMargin());
+  findings.Add(&RunReadings::PhaseMargin, open.SmallestPhaseMargin());
+  findings.Miss(open.Missing);
+}
+
+/// The measurements of a model and its loop.
+class LoopRuns {
+ public:
+  LoopRuns(const MakeModel& make, const LoopOptions& options, Console& console, bool showProgress)
+      : make_(make), options_(options), console_(console), showProgress_(showProgress) {}
+
+  void Run(RunReadings& readings) {
+    Findings findings(readings);
+    const ResponseOptions& response = options_.Bode.Response;
+    ReadClosed(Read(response.Input, response.Output, ReadAs::Closed), findings);
+    const auto first = make_();
+    if (const auto loop = OpenLoop(Analyser(*first), options_)) {
+      const ReadAs as = loop->FromClosed ? ReadAs::Unity : ReadAs::Open;
+      ReadOpen(Read(loop->Input, loop->Output, as), findings);
+    } else {
+      findings.Miss({"no margins: the model names no loop of its own"});
+    }
+    findings.WarnAbove(accurateUpTo_);
+  }
+
+ private:
+  // Few records are enough but for a loop that rings on beyond their ends, or is disturbed.
+  const Margins& Read(const std::string& input, const std::string& output, ReadAs as) {
+    BodeOptions bode = options_.Bode;
+    bode.Response.Input = input;
+    bode.Response.Output = output;
+    const Margins& once = Measure(bode, as);
+    if (once.Scatter <= LeastScatter || bode.Response.Average) return once;
+    bode.Response.Average = MoreAverages;
+    return Measure(bode, as);
+  }
+
+  // A quarter of a period after the loop's samples, and as much before the excitation changes, a
+  // sample of the command is the one that the loop has seen.
+  const Margins& Measure(const BodeOptions& asked, ReadAs as) {
+    const auto model = MakeFirst(make_);
+    const auto named = Analyser(*model).Loop();
+    const auto loop = OpenLoop(Analyser(*model), options_);
+    ZelXfer& xfer = SetUpAnalyser(*model, Completed(asked, named), console_);
+    StillGenerators(model->Bench());
+    if (named) Hold(named->Linear);
+    if (loop && as != ReadAs::Closed) Hold(loop->Meanwhile);
+    const bool together = named && named->SampleTime == xfer.TSample();
+    if (together) {
+      LongRun(*model, console_, named->SampleTime, false)
+          .StepTo(model->Time() + 0.25 * named->SampleTime);
+    }
+    accurateUpTo_ = together ? 0.5 / xfer.TSample() : xfer.AccurateUpTo();
+    MeasureResponse(*model, xfer, console_, showProgress_);
+    return reader_.Read(xfer, 0, as);
+  }
+
+  static void Hold(const Settings& settings) {
+    for (const auto& [constant, value] : settings) constant->Set(value);
+  }
+
+  const MakeModel& make_;
+  const LoopOptions& options_;
+  Console& console_;
+  bool showProgress_;
+  MarginReader reader_;
+  double accurateUpTo_ = 0.0;
+};
+
+}  // namespace
+
+void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console) {
+  const auto loop = OpenLoop(Analyser(model), options);
+  if (loop) {
+    NamedSignal(model.Bench(), loop->Input);
+    NamedSignal(model.Bench(), loop->Output);
+    NoteHow(*loop);
+  }
+  SetUpAnalyser(model, Completed(options.Bode, Analyser(model).Loop()), console);
+}
+
+void ReadLoop(const MakeModel& make, const LoopOptions& options, Console& console,
+              bool showProgress, RunReadings& readings) {
+  LoopRuns(make, options, console, showProgress).Run(readings);
+}
+
+}  // namespace torvane::cli

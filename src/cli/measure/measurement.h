@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/measure/loop_measurement.h"
+#include "cli/measure/step_measurement.h"
+
+namespace torvane::cli {
+
+/// What is measured of a run: how a signal follows one step of another and, if asked for, the
+/// frequency response between them.
+struct MeasureOptions {
+  /// MODEL, the two signals (Input is the command, Output the response) and how the frequency
+  /// responses are measured.
+  BodeOptions Bode;
+  std::string Loop;  ///< as in LoopOptions
+  bool WithBode = false;
+  std::optional<double> Until;
+  std::optional<double> Window;
+  std::optional<double> TimeBase;
+};
+
+/// All but MODEL.
+void AddMeasureOptions(CLI::App& command, MeasureOptions& options);
+
+/// Wrong usage if the options do not fit the model, which is set up for a measurement: the signals
+/// are there, and the analyser takes its settings.
+void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console);
+
+/// Reads as a process would that runs nothing else, whatever ran in this one: each part in a model
+/// of its own whose class has seen none. Fills the trace, if there is one, with the response. An
+/// overflow, or a record that is not whole, is a CommandError of ExitCode::Stopped.
+RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,
+                    bool showProgress, StudyTrace* trace = nullptr);
+
+}  // namespace torvane::cli

@@ -1,0 +1,71 @@
+#include "cli/measure/step_measurement.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "cli/model/model_options.h"
+#include "core/text.h"
+#include "instruments/scope/screen_measures.h"
+
+namespace torvane::cli {
+namespace {
+
+constexpr int ErrorDigits = 6;
+
+std::optional<double> Rounded(double value, int digits) {
+  return ParseNumber(FormatGeneral(value, digits, 2));
+}
+
+// To the digits that are known.
+std::optional<double> Known(const StepFigure& figure) {
+  return ParseNumber(figure.Text());
+}
+
+// Of command less response, from the jump on, and over how long.
+void ReadError(const StepRun& run, RunReadings& readings) {
+  const std::size_t jump = *run.Before() + 1;
+  const auto from = static_cast<std::ptrdiff_t>(jump);
+  std::vector<double> error;
+  std::transform(run.Command.begin() + from, run.Command.end(), run.Response.begin() + from,
+                 std::back_inserter(error), std::minus());
+  if (const auto of = MeasureTrace(error)) readings.RmsError = Rounded(of->Rms, ErrorDigits);
+  readings.Window = Rounded(run.Times.back() - run.Times[jump], ErrorDigits);
+}
+
+}  // namespace
+
+void CheckStep(ZelModel& model, const StepOptions& options) {
+  NamedSignal(model.Bench(), options.Command);
+  NamedSignal(model.Bench(), options.Response);
+}
+
+StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& console,
+                 bool showProgress, RunReadings& readings) {
+  StepRun run = RunOneStep(make, options, console, showProgress);
+  if (!run.Reason.empty()) {
+    readings.Reasons.push_back(run.Reason);
+    return run;
+  }
+  const StepMeasures of = Measured(run);
+  readings.Overshoot = Known(of.Overshoot);
+  readings.Rise = Known(of.Rise);
+  readings.Settling = Known(of.Settling);
+  readings.Delay = Known(of.Delay);
+  ReadError(run, readings);
+  const std::string gap = Reason(of.Gap());
+  if (!gap.empty()) readings.Reasons.push_back(gap);
+  return run;
+}
+
+StudyTrace TraceOf(const StepRun& run) {
+  constexpr std::size_t Points = 400;
+  const std::size_t apart = std::max<std::size_t>(1, run.Times.size() / Points);
+  StudyTrace trace;
+  for (std::size_t i = 0; i < run.Times.size(); i += apart) {
+    trace.Times.push_back(static_cast<float>(run.Times[i] - run.Times.front()));
+    trace.Values.push_back(static_cast<float>(run.Response[i]));
+  }
+  return trace;
+}
+
+}  // namespace torvane::cli

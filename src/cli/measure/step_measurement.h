@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cli/measure/step_run.h"
+
+namespace torvane::cli {
+
+/// Wrong usage if the model has no such signals.
+void CheckStep(ZelModel& model, const StepOptions& options);
+
+/// Reads a step in models of its own and gives its rows. An overflow is a CommandError of
+/// ExitCode::Stopped.
+StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& console,
+                 bool showProgress, RunReadings& readings);
+
+/// The response to the step with as many points as a picture shows.
+StudyTrace TraceOf(const StepRun& run);
+
+}  // namespace torvane::cli

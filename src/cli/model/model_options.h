@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/io/console.h"
+#include "core/model.h"
+
+namespace CLI {
+class App;
+}
+
+namespace torvane::cli {
+
+/// Which model a command works on, and what is set on it before it runs.
+struct ModelOptions {
+  std::string Model;
+  /// Of the file that MODEL is, when it has been read already.
+  std::optional<std::string> FileText;
+  std::vector<std::string> Settings;
+  std::vector<std::string> Waves;
+  bool AnswerOk = false;
+};
+
+/// MODEL alone, for commands that only describe it.
+void AddModelName(CLI::App& command, std::string& model);
+
+/// What is set on a model.
+void AddModelSettings(CLI::App& command, ModelOptions& options);
+
+/// MODEL and what is set on it.
+void AddModelOptions(CLI::App& command, ModelOptions& options);
+
+/// Whether the text stands for a model file and not for a model of the catalogue.
+bool NamesModelFile(const std::string& text);
+
+/// Builds the model that the text names: a catalogue name or index, or a model file, whose set-up
+/// it then has. What is wrong with a file is reported with its line.
+std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console);
+
+/// Builds the model and applies the options to it and to the console.
+std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& console);
+
+/// Signals that instruments are offered, in registration order.
+std::vector<Variable*> OfferedSignals(const ZelBenchTop& bench);
+
+/// The offered signal of that name; any other name is wrong usage.
+Variable& NamedSignal(const ZelBenchTop& bench, const std::string& name);
+
+}  // namespace torvane::cli

@@ -1,0 +1,52 @@
+#include "cli/response/bode_measurement.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/command_error.h"
+#include "cli/io/number_options.h"
+#include "cli/model/long_run.h"
+#include "core/messages.h"
+
+namespace torvane::cli {
+
+void AddRecordOptions(CLI::App& command, BodeOptions& options) {
+  AddInteger(command, "--order", options.Order, "Samples of the record, as a power of two");
+  AddNumber(command, "--start-delay", options.StartDelay, NumberRange::NotNegative,
+            "Time before the first sample, seconds");
+  AddNumber(command, "--end-delay", options.EndDelay, NumberRange::NotNegative,
+            "Last part of the record without excitation, seconds");
+}
+
+void SetUp(ZelXfer& xfer, const BodeOptions& options) {
+  const ResponseOptions& response = options.Response;
+  FftSetup setup = xfer.Setup();
+  setup.Order = options.Order.value_or(setup.Order);
+  setup.TSample = response.TSample.value_or(setup.TSample);
+  setup.TStartDelay = options.StartDelay.value_or(setup.TStartDelay);
+  setup.TEndDelay = options.EndDelay.value_or(setup.TEndDelay);
+  setup.Amplitude = response.Amplitude.value_or(setup.Amplitude);
+  setup.Offset = response.Offset.value_or(setup.Offset);
+  Heed(xfer.Check(setup));
+  xfer.Apply(setup);
+  if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
+  ApplyOptions(xfer, response);
+}
+
+// A measurement from Run to Complete. No other instrument asks for times.
+void MeasureResponse(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress) {
+  const double end = xfer.TStartDelay() + xfer.Averages() * xfer.RecordTime();
+  LongRun run(model, console, end, showProgress);
+  xfer.Run();
+  while (xfer.Measuring()) {
+    run.StepTo(xfer.NextTime());
+    run.Service(xfer);
+  }
+  if (xfer.HasData(0)) return;
+  if (xfer.SampleCount() == xfer.Length()) {
+    throw StoppedError("nothing was excited, so that there is no response");
+  }
+  throw StoppedError("the record is not whole: " + std::to_string(xfer.SampleCount()) + " of " +
+                     std::to_string(xfer.Length()) + " samples");
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+
+#include "cli/response/response_options.h"
+#include "instruments/fft/fft_analyser.h"
+
+namespace torvane::cli {
+
+/// How the FFT analyser measures a response. A setting that is not given is its own.
+struct BodeOptions {
+  ResponseOptions Response;
+  std::optional<int> Order;
+  std::optional<double> StartDelay;
+  std::optional<double> EndDelay;
+  std::optional<bool> Spectrum;
+};
+
+/// Those of the record that is taken.
+void AddRecordOptions(CLI::App& command, BodeOptions& options);
+
+/// Puts the options in force and reports what makes the measurement less trustworthy; what the
+/// analyser refuses is wrong usage.
+void SetUp(ZelXfer& xfer, const BodeOptions& options);
+
+/// A measurement from Run to Complete; one that is not whole is an error.
+void MeasureResponse(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress);
+
+}  // namespace torvane::cli

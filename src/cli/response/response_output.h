@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/io/result_file.h"
+#include "cli/response/response_options.h"
+#include "instruments/analyser/read_as.h"
+
+namespace torvane::cli {
+
+/// Says what makes the measured response doubtful, and writes it at the head of a file as well.
+/// Rows on standard output are for another program, which reads no comments.
+void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file);
+
+/// What a response's line says beyond gain and phase: the coherence of an averaged one, and what
+/// the overlay reads at the same frequency, empty where it has nothing.
+std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser);
+std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index, double hz);
+
+/// Whether the points are written: to --out, or to standard output unless the margins go there.
+bool WritesPoints(const ResponseOptions& options);
+
+/// Prints what is read off the measured response, and off the overlay, to standard output; notes
+/// why nothing is.
+void PrintMargins(FrequencyAnalyser& analyser, ReadAs as);
+
+/// That figures above the frequency, Hz, are not trustworthy.
+std::string SampleTimeWarning(double accurateUpTo);
+
+}  // namespace torvane::cli
