@@ -183,7 +183,7 @@ std::string StepFigure::Text() const {
   if (!(digits >= 0.0) || (digits == 0.0 && std::abs(Value) < 0.5 * std::pow(10.0, unit))) {
     return "0";
   }
-  return FormatGeneral(Value, std::clamp(static_cast<int>(digits), 1, 15), 2);
+  return FormatGeneral(Value, static_cast<int>(std::clamp(digits, 1.0, 15.0)), 2);
 }
 
 StepMeasures StepMeasures::Without(StepGap gap) {

@@ -6,8 +6,11 @@ namespace torvane {
 
 namespace {
 
+// None so far out that a double does not tell one from the next.
 std::vector<double> Multiples(double scale, double middle, double reach) {
   constexpr double Rounding = 1e-9;  // of a division; a line may stand at the very edge
+  constexpr double Farthest = 1e15;  // divisions
+  if (!(std::abs(middle) < Farthest * scale)) return {};
   const double first = std::ceil((middle - reach) / scale - Rounding);
   const double last = std::floor((middle + reach) / scale + Rounding);
   std::vector<double> lines;

@@ -162,22 +162,22 @@ void PlanePainter::Paint(QPainter& painter, const ScopeColours& colours) const {
 
 // A line across the plate at a value of one of the axes, labelled outside.
 void PlanePainter::PaintLine(QPainter& painter, const ScopeColours& colours, const Line& at) const {
-  const QPoint line = axes_.PlaceOf({at.Value, at.Value}).toPoint();
+  const QPointF place = axes_.PlaceOf({at.Value, at.Value});
+  const int line = qRound(at.Vertical ? place.x() : place.y());
   painter.setPen(QPen(at.Value == 0.0 ? colours.Axis : colours.Grid, std::max(1, Scaled(1.0))));
   const QFontMetrics metrics(numberFont_);
   const int gap = Scaled(LabelGap);
   if (at.Vertical) {
-    painter.drawLine(line.x(), plate_.top(), line.x(), plate_.bottom());
+    painter.drawLine(line, plate_.top(), line, plate_.bottom());
     const int width = metrics.horizontalAdvance(at.Label);
     painter.setPen(colours.Text);
-    painter.drawText(QRect(line.x() - width / 2, plate_.bottom() + gap, width, metrics.height()),
+    painter.drawText(QRect(line - width / 2, plate_.bottom() + gap, width, metrics.height()),
                      Qt::AlignCenter | Qt::TextDontClip, at.Label);
   } else {
-    painter.drawLine(plate_.left(), line.y(), plate_.right(), line.y());
+    painter.drawLine(plate_.left(), line, plate_.right(), line);
     painter.setPen(colours.Text);
-    painter.drawText(
-        QRect(0, line.y() - metrics.height() / 2, plate_.left() - gap, metrics.height()),
-        Qt::AlignRight | Qt::AlignVCenter, at.Label);
+    painter.drawText(QRect(0, line - metrics.height() / 2, plate_.left() - gap, metrics.height()),
+                     Qt::AlignRight | Qt::AlignVCenter, at.Label);
   }
 }
 
@@ -255,6 +255,8 @@ PlanePainter::Turns PlanePainter::TurnsOnPlate() const {
   const double middle = -analyser_.PhaseOffset();
   const double half = Divisions / 2 * analyser_.PhaseScale();
   constexpr double Most = 8.0;  // more are too fine to be seen
+  constexpr double Farthest = 1e9;
+  if (std::abs(middle) > Farthest) return {0, -1};
   return {static_cast<int>(std::floor(std::max(middle - half, middle - Most * 360.0) / 360.0)),
           static_cast<int>(std::floor(std::min(middle + half, middle + Most * 360.0) / 360.0))};
 }
