@@ -69,9 +69,11 @@ int main(int argc, char** argv) {
   auto haste = Monkey::Haste::Both;
   if (arguments.removeAll(QStringLiteral("--wait")) > 0) haste = Monkey::Haste::Waits;
   if (arguments.removeAll(QStringLiteral("--haste")) > 0) haste = Monkey::Haste::Hastens;
-  // Nothing of the user's own is read or written.
+  const QString record = QFileInfo(arguments.value(arguments.size() - 1)).absoluteFilePath();
+  // Nothing of the user's own is read or written; a file dialog starts in the current folder.
   const QTemporaryDir folder;
   const QString home = folder.path();
+  QDir::setCurrent(home);
   const QString share = home + QStringLiteral("/share/torvane");
   Copy(QStringLiteral(TORVANE_SHARE "/models"), share);
   Copy(QStringLiteral(TORVANE_SHARE "/examples"), share + QStringLiteral("/examples"));
@@ -85,9 +87,9 @@ int main(int argc, char** argv) {
   const torvane::MessageBoxes boxes;
   QApplication::setStyle(new torvane::DeskStyle);
   Monkey monkey = arguments.value(0) == QLatin1String("--replay")
-                      ? Monkey(arguments.value(1), haste)
+                      ? Monkey(record, haste)
                       : Monkey(arguments.value(1).toUInt(), arguments.value(0).toDouble(), haste,
-                               files, arguments.value(2));
+                               files, record);
   // Who ends the program starts it again.
   while (!monkey.Over()) {
     torvane::TZelControlPanelF panel(torvane::DataFolder(home + QStringLiteral("/bin")), 0,
