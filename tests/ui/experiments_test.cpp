@@ -1,25 +1,82 @@
 #include "ui/session/experiments.h"
 
 #include <QMenu>
+#include <QProcess>
+#include <QSignalSpy>
 
+#include "core/csv.h"
+#include "core/instrument.h"
 #include "desktop.h"
+#include "instruments/step_clock.h"
 
 namespace torvane::test {
 namespace {
 
-using ExperimentsTest = Desktop;
+constexpr double Compared = 0.2;  // seconds of each experiment
+constexpr double Spacing = 0.0005;
 
-TEST_F(ExperimentsTest, EveryModelHasThreeThatItsFilesSetUp) {
+/// Takes all signals of a running model as "torvane-cli run --every" does.
+class RowRecorder : public Instrument {
+ public:
+  explicit RowRecorder(ZelModel& model)
+      : Instrument(InstrumentKind::Scope, "Rows"), bench_(model.Bench()) {
+    clock_.Start(model.Time(), model.Solver().Step());
+    bench_.AddInstrument(*this);
+  }
+  ~RowRecorder() override { bench_.RemoveInstrument(*this); }
+
+  double NextTime() const override { return clock_.Request(); }
+  bool Service(double t) override {
+    if (!clock_.TakeDue(t, Spacing) || t > Compared + 0.5 * Spacing) return true;
+    std::vector<double> row{t};
+    for (const Variable* signal : bench_.Variables()) {
+      if (!signal->Internal()) row.push_back(signal->DisplayValue());
+    }
+    Text += CsvLine(std::span<const double>(row));
+    return true;
+  }
+
+  std::string Text;
+
+ private:
+  ZelBenchTop& bench_;
+  StepClock clock_{StepClock::Nearest};
+};
+
+class ExperimentsTest : public Desktop {
+ protected:
+  /// What the command line measures of the experiment's file, without its captions.
+  static std::string Reference(const QString& file) {
+    QProcess program;
+    program.start(TORVANE_CLI, {"run", file, "--until", QString::number(Compared), "--every",
+                                QString::number(Spacing)});
+    program.waitForFinished(120000);
+    const std::string text = program.readAllStandardOutput().toStdString();
+    return text.substr(text.find('\n') + 1);
+  }
+
+  std::string RunForRows() {
+    RowRecorder rows(*Panel->Model());
+    RunFor(Compared + 2 * Spacing);
+    return rows.Text;
+  }
+};
+
+// One after the other, as a user does them, so that each meets what the one before has left.
+TEST_F(ExperimentsTest, EachRunsAsItsFileDoesOnTheCommandLine) {
+  QSignalSpy loaded(&Panel->Work(), &Session::FileLoaded);
   for (int i = 0; i < Find<QComboBox>("ModelCmB").count(); ++i) {
     const QString model = Find<QComboBox>("ModelCmB").itemText(i);
     ChooseModel(model);
+    RunFor(0.5);
     const QList<Experiment> experiments = ExperimentsOf(*Panel->Model(), Data);
     EXPECT_GE(experiments.size(), 3) << model.toStdString();
-    EXPECT_EQ(Find<QMenu>("MExperiments").actions().size(), experiments.size());
-    for (const Experiment& experiment : experiments) {
-      EXPECT_TRUE(experiment.Text.contains("\nGenerator ") ||
-                  experiment.Text.contains("\nAnalyser "));
-      EXPECT_FALSE(experiment.File.isEmpty()) << experiment.Title.toStdString();
+    for (int k = 0; k < experiments.size(); ++k) {
+      loaded.clear();
+      Find<QMenu>("MExperiments").actions().at(k)->trigger();
+      ASSERT_TRUE(WaitFor([&] { return loaded.count() > 0; }));
+      EXPECT_TRUE(RunForRows() == Reference(experiments[k].File))
+          << experiments[k].File.toStdString();
     }
   }
 }

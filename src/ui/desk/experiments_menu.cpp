@@ -40,6 +40,8 @@ void ExperimentsMenu::Fill() {
 void ExperimentsMenu::SetUp(const Experiment& experiment) {
   const QString model = QString::fromStdString(session_.Model()->Name());
   if (!session_.MayDiscard() || !session_.Choose(model.toStdString())) return;
+  // What its class remembers of the run before would kick the loop, or keep its sampler waiting.
+  session_.Model()->DropClassMemory();
   if (!session_.OpenConfiguration(experiment.File)) return;
   if (experiment.Text.contains(QStringLiteral("\nAnalyser "))) {
     workspace_.SetShown(*session_.Model()->Bench().Instruments(InstrumentKind::FftAnalyser).front(),
