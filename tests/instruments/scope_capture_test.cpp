@@ -160,12 +160,19 @@ TEST(ScopeCapture, EightTracesAtMostInChannelOrder) {
   EXPECT_EQ(colours(), "-01234567--");
   scope.SetDisplayed(*scope.FindChannel("S0"), false);
   scope.SetDisplayed(*scope.FindChannel("S9"), true);
-  EXPECT_EQ(colours(), "--0123456-7");
+  EXPECT_EQ(colours(), "--1234567-0");
   // An earlier channel pushes the last one out.
   scope.SetDisplayed(*scope.FindChannel("Unshown"), true);
   EXPECT_EQ(colours(), "0-1234567--");
   bench.History().Undo();
-  EXPECT_EQ(colours(), "--0123456-7");
+  EXPECT_EQ(colours(), "--1234567-0");
+  for (const char* name : {"S4", "S3", "S4"}) {
+    ZelChannel& channel = *scope.FindChannel(name);
+    scope.SetDisplayed(channel, !channel.Displayed());
+  }
+  EXPECT_EQ(colours(), "--12-3567-0");
+  for (int i = 0; i < 3; ++i) bench.History().Undo();
+  EXPECT_EQ(colours(), "--1234567-0");
   EXPECT_EQ(TraceColourAt(2).Rgb, 0x800000U);  // maroon: red is the high byte
 }
 

@@ -47,12 +47,12 @@ bool ZelScope::Sample(double t) {
   if (!clock_.TakeDue(t, interval_)) return true;
   if (!singleShot_ && state_ == Capture::Stopped) state_ = Capture::Waiting;
   if (trigger_->Mode() == SweepMode::Cont && state_ == Capture::Waiting) {
-    StartScreen(ContinuousPosition);
+    StartScreen(ContinuousPosition, SweepCause::Automatic);
   }
   // The very first screen starts at once, without a trigger and without history.
   if (t == 0.0 && trigger_->Mode() == SweepMode::Auto && state_ != Capture::Filling) {
     memory_.ClearScreen();
-    BeginSweep();
+    BeginSweep(SweepCause::Automatic);
   }
   switch (state_) {
     case Capture::Filling:
@@ -86,21 +86,23 @@ void ZelScope::Wait() {
   memory_.Advance(false);
   if (trigger_->Step()) {
     trigger_->Rearm();
-    StartScreen(std::trunc(trigger_->Position()));
+    StartScreen(std::trunc(trigger_->Position()), SweepCause::Event);
     memory_.MarkEvent();
   }
   if (trigger_->AutoTimeout()) {
     trigger_->Rearm();
-    StartScreen(AutomaticPosition);
+    StartScreen(AutomaticPosition, SweepCause::Automatic);
   }
 }
 
-void ZelScope::StartScreen(double percent) {
+void ZelScope::StartScreen(double percent, SweepCause cause) {
   memory_.StartScreenFromHistory(percent);
-  BeginSweep();
+  BeginSweep(cause);
 }
 
-void ZelScope::BeginSweep() {
+void ZelScope::BeginSweep(SweepCause cause) {
+  lastSweepAutomatic_ = cause == SweepCause::Automatic;
+  if (lastSweepAutomatic_) ++automaticSweeps_;
   needsRedraw_ = true;
   state_ = Capture::Filling;
 }

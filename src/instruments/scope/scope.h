@@ -80,7 +80,8 @@ class ZelScope final : public Instrument {
   /// The trigger lamp, as of the last refresh.
   bool TriggerLit() const { return lamp_.Lit(); }
 
-  /// Shows or hides a trace; at most eight are shown, the later ones in channel order lose.
+  /// Shows or hides a trace; at most eight are shown, the later ones in channel order lose. A trace
+  /// that stays keeps its colour, one that is shown anew has the first that is free.
   void SetDisplayed(ZelChannel& channel, bool displayed);
   /// A scale of 0 (or not a finite number) is refused with a report and gives false; its magnitude
   /// is limited to 1e-100 ... 1e100.
@@ -124,6 +125,10 @@ class ZelScope final : public Instrument {
   bool TakeScreenCompleted();
   /// More than new points has changed since the last call: paint everything.
   bool TakeNeedsRedraw();
+  /// Whether the last sweep began without an event, by itself.
+  bool LastSweepAutomatic() const { return lastSweepAutomatic_; }
+  /// How many sweeps did.
+  std::uint64_t AutomaticSweeps() const { return automaticSweeps_; }
   /// Sweeps begun.
   std::uint64_t SweepCount() const { return memory_.SweepCount(); }
 
@@ -154,14 +159,16 @@ class ZelScope final : public Instrument {
   ZelChannel* FindHorizontal() const;
   bool Fill();
   void Wait();
-  void StartScreen(double percent);
-  void BeginSweep();
+  enum class SweepCause { Event, Automatic };
+  void StartScreen(double percent, SweepCause cause);
+  void BeginSweep(SweepCause cause);
   void AssignColours();
   void LoadChannel(const Record& record);
   void LoadTriggerRecord(const Record& record);
   void LoadConstForm(const Record& record);
   void LoadCursors(const Record& record);
   void LoadKept(const Record& record);
+  void LoadColours(const Record& record);
   void AutoScale(AxisScale& axis, SignalChannel& channel, int divisions, ScopeSweep sweep,
                  const std::string& caption);
   void ChangeAxis(AxisScale& axis, const AxisScale& value, const std::string& caption);
@@ -175,6 +182,8 @@ class ZelScope final : public Instrument {
   bool stopsModel_ = false;
   bool screenCompleted_ = false;
   bool needsRedraw_ = true;
+  bool lastSweepAutomatic_ = false;
+  std::uint64_t automaticSweeps_ = 0;
   std::unique_ptr<ZelTrigger> ownTrigger_;
   ZelTrigger* trigger_;
   TriggerLamp lamp_;
@@ -182,6 +191,7 @@ class ZelScope final : public Instrument {
   ScopeCursors cursors_;
   KeptTraces kept_;
   std::vector<LoadedTrace> loaded_;  // of a file that is being read
+  std::vector<int> loadedColours_;   // of an undo
   bool restoring_ = false;           // records of an undo, not of a file
 };
 

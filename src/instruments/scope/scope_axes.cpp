@@ -107,9 +107,17 @@ void ZelScope::SetDisplayed(ZelChannel& channel, bool displayed) {
 
 void ZelScope::AssignColours() {
   int displayed = 0;
+  std::array<bool, TraceColourCount> taken{};
   for (const auto& channel : Channels()) {
-    if (displayed == TraceColourCount) channel->displayed_ = false;
-    channel->colour_ = channel->displayed_ ? displayed++ : -1;
+    if (channel->displayed_ && ++displayed > TraceColourCount) channel->displayed_ = false;
+    if (!channel->displayed_) channel->colour_ = -1;
+    if (channel->colour_ >= 0) taken.at(static_cast<std::size_t>(channel->colour_)) = true;
+  }
+  for (const auto& channel : Channels()) {
+    if (!channel->displayed_ || channel->colour_ >= 0) continue;
+    const auto free = std::find(taken.begin(), taken.end(), false);
+    *free = true;
+    channel->colour_ = static_cast<int>(free - taken.begin());
   }
   needsRedraw_ = true;
 }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 #include "core/files/record.h"
@@ -21,6 +23,7 @@ constexpr const char* WrongFileCount = "File error:  wrong number entries in ";
 constexpr const char* SingleShotKeyword = "SingleShot";
 constexpr const char* CursorsKeyword = "Cursors";
 constexpr const char* KeptKeyword = "Kept";
+constexpr const char* ColoursKeyword = "Colours";
 
 // Of the records with a value for each setting of a channel or of the constants panel.
 constexpr std::size_t ChannelEntries = 10;
@@ -68,6 +71,10 @@ void ZelScope::SaveState(RecordWriter& writer) const {
                                 std::to_string(cursors_.X[1])});
   writer.Write(KeptKeyword,
                {std::to_string(kept_.Present().Count), std::to_string(kept_.Present().Shown)});
+  std::string colours;
+  for (const auto& channel : Channels())
+    colours.append(std::to_string(channel->colour_)).append(" ");
+  writer.Write(ColoursKeyword, {colours});
 }
 
 void ZelScope::LoadState(const Record& record) {
@@ -78,6 +85,8 @@ void ZelScope::LoadState(const Record& record) {
     LoadCursors(record);
   } else if (record.Keyword() == KeptKeyword) {
     LoadKept(record);
+  } else if (record.Keyword() == ColoursKeyword) {
+    LoadColours(record);
   } else {
     LoadRecord(record);
   }
@@ -145,11 +154,24 @@ void ZelScope::LoadKept(const Record& record) {
   kept_.Restore({ToInteger(record.Field(3)).value_or(0), ToInteger(record.Field(4)).value_or(0)});
 }
 
+void ZelScope::LoadColours(const Record& record) {
+  std::istringstream colours(record.Field(3));
+  loadedColours_.assign(std::istream_iterator<int>(colours), {});
+}
+
+// Traces of a file have their colours anew; those that an undo brings back have the ones from then.
 void ZelScope::FinishLoading(const std::function<void(int line)>& atLine) {
   for (const LoadedTrace& trace : loaded_) trace.Channel->displayed_ = trace.Displayed;
+  const bool restored = std::exchange(restoring_, false);
+  for (std::size_t i = 0; i < Channels().size(); ++i) {
+    const bool known = i < loadedColours_.size();
+    if (known) Channels()[i]->colour_ = loadedColours_[i];
+    if (!known && !restored && !loaded_.empty()) Channels()[i]->colour_ = -1;
+  }
   loaded_.clear();
+  loadedColours_.clear();
   AssignColours();
-  if (!std::exchange(restoring_, false)) SetSampleInterval();
+  if (!restored) SetSampleInterval();
   Instrument::FinishLoading(atLine);
 }
 

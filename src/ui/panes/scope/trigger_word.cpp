@@ -40,12 +40,16 @@ bool TriggerWord::eventFilter(QObject* watched, QEvent* event) {
   return QObject::eventFilter(watched, event);
 }
 
-// The sweep of an event goes on being that event's until its screen is full.
+// The sweep of an event goes on being that event's until its screen is full. Where sweeps without
+// events come in between, what is seen is no event's.
 TriggerWord::Word TriggerWord::Present() const {
   const double now = scope_.TimeChannel().Signal().Value;
   if (now == time_ || scope_.State() == ZelScope::Capture::Stopped) return Word::Stopped;
   const ZelTrigger& trigger = scope_.Trigger();
   if (trigger.Mode() == SweepMode::Cont) return Word::Cont;
+  const bool runsFree =
+      scope_.LastSweepAutomatic() || scope_.AutomaticSweeps() != automaticSweeps_;
+  if (trigger.Mode() == SweepMode::Auto && runsFree) return Word::Auto;
   const double screen =
       std::abs(scope_.TimeChannel().Horizontal().Scale) * ZelScope::HorizontalDivisions;
   const bool underWay = scope_.State() == ZelScope::Capture::Filling && trigger.FireTime() > 0.0 &&
@@ -56,6 +60,7 @@ TriggerWord::Word TriggerWord::Present() const {
 
 void TriggerWord::Show() {
   word_ = Present();
+  automaticSweeps_ = scope_.AutomaticSweeps();
   time_ = scope_.TimeChannel().Signal().Value;
   Write();
 }

@@ -29,6 +29,7 @@ class TriggerWord : public QObject {
   const ZelScope& scope_;
   Word word_ = Word::Stopped;
   double time_ = 0.0;  // of the model at the last refresh
+  std::uint64_t automaticSweeps_ = 0;
 };
 
 }  // namespace torvane
