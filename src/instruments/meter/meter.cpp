@@ -54,6 +54,7 @@ void ZelMeter::Update(double t) {
       reading_ = correlation_.Add(x, Read(correlated_), lowPole_).value_or(reading_);
       break;
   }
+  spread_.Add(t, reading_.Value, x);
   // A diverged loop's values, or their squares, would stay in the filters for good.
   if (!std::isfinite(x * x) || !Finite()) Restart();
 }
@@ -81,6 +82,7 @@ void ZelMeter::Restart() {
   average_ = {};
   correlation_ = {};
   harmonic_.Stop();
+  spread_.Clear();
 }
 
 namespace {

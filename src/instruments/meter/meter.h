@@ -6,6 +6,7 @@
 #include "core/instrument.h"
 #include "instruments/meter/meter_kind.h"
 #include "instruments/meter/meter_measurements.h"
+#include "instruments/meter/reading_spread.h"
 #include "instruments/sample_clock.h"
 #include "instruments/whole_periods.h"
 
@@ -39,6 +40,16 @@ class ZelMeter final : public Instrument {
   void LoadRecord(const Record& record) override;
 
   double Value() const { return reading_.Value; }
+  /// The value as far as it stands: of a reading that swings with the signal, its middle in the
+  /// digits that do not change.
+  std::string ValueText() const;
+  /// The reading has stayed within 1 % to either side for the last seconds of simulated time. A
+  /// harmonic is read over whole periods, and always is.
+  bool IsSettled() const;
+  /// The frequency above which the low-pass filter settles so far on a sine, Hz; as text in two
+  /// digits.
+  double SettledFrom() const;
+  std::string SettledFromText() const;
   /// In degrees, of the harmonic kind; in (-270, 90].
   double AngleDeg() const;
   /// Unit of the value shown; "(Unitless)" when there is none.
@@ -145,6 +156,7 @@ class ZelMeter final : public Instrument {
   HarmonicMeasurement harmonic_;
   CorrelationMeasurement correlation_;
   MeterReading reading_;
+  ReadingSpread spread_;
 };
 
 /// Adds a meter that lives as long as the model. Its name is made its own when another meter has

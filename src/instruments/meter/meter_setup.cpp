@@ -195,6 +195,7 @@ void ZelMeter::SetShowSetup(bool on) {
 }
 
 void ZelMeter::ComputePoles() {
+  spread_.Clear();
   lowPole_ = std::exp(-TwoPi * lpf_ * tSample_);
   highPole_ = std::exp(-TwoPi * hpf_ * tSample_);
 }

@@ -149,7 +149,8 @@ void TZelMeterF::BindSteps() {
 
 // A reading that changes with every frame could not be read: it is shown at the refresh.
 void TZelMeterF::Redraw() {
-  ShowText(*ui_->EValue, Text(FormatSteady(meter_.Value())));
+  ShowText(*ui_->EValue, Text(meter_.ValueText()));
+  ShowSettling();
   if (meter_.Measurement() != MeterKind::Harmonic) return;
   ShowText(*ui_->EHarmonicAngle, QString::number(meter_.AngleDeg(), 'f', 2));
 }
@@ -183,7 +184,20 @@ void TZelMeterF::ShowKind() {
   ui_->LHarmonicFreq->setText(Text(FormatEdit(meter_.HarmonicFreq())));
   ui_->EHarmonicAngle->setVisible(kind == MeterKind::Harmonic);
   ui_->LDeg->setVisible(kind == MeterKind::Harmonic);
-  ui_->LKind->setText(KindText());
+}
+
+void TZelMeterF::ShowSettling() {
+  const bool settled = meter_.IsSettled();
+  QString text = KindText();
+  if (!settled) {
+    text += QStringLiteral(", not settled below %1 Hz").arg(Text(meter_.SettledFromText()));
+  }
+  if (ui_->LKind->text() == text) return;
+  ui_->LKind->setText(text);
+  ui_->LKind->setToolTip(
+      settled ? QStringLiteral("What the meter measures")
+              : QStringLiteral("The reading swings with the signal, and only the digits that stand "
+                               "are shown: a lower Low-Pass Filter, in the set-up, holds it still"));
 }
 
 QString TZelMeterF::KindText() const {

@@ -52,6 +52,7 @@ class TZelMeterF : public InstrumentPane {
   void BindSteps();
   void ShowSetup();
   void ShowKind();
+  void ShowSettling();
   QString KindText() const;
 
   ZelMeter& meter_;
