@@ -59,7 +59,7 @@ class MSeminarPI final : public FusedModel<MSeminarPI> {
 };
 
 MSeminarPI::MSeminarPI(const std::string& name) : FusedModel(name, 1e-5) {
-  SetFiles("SeminarAnalogVelocityPI.bmp", "");
+  SetFiles("SeminarAnalogVelocityPI.bmp", "SeminarAnalogVelocityPI.txt");
   analysers_.AddVelocitySetups();
 }
 

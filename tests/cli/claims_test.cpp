@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 #include <iomanip>
+#include <map>
 #include <numeric>
 #include <regex>
 #include <sstream>
@@ -14,6 +15,7 @@
 #include "cli/program.h"
 #include "core/csv_table.h"
 #include "core/text.h"
+#include "models/experiment.h"
 #include "support/expected_lines.h"
 
 namespace torvane::test {
@@ -164,6 +166,94 @@ TEST_P(Claims, AreWhatIsMeasured) {
   }
 }
 
+// The answers of an experiment, as claims of what its file measures.
+class Answers : public Claims {
+ protected:
+  void Check(const Experiment& experiment) {
+    std::map<std::string, std::string> options;
+    double period = 0.2;  // seconds, where the command has none
+    for (const ExperimentSetting& setting : experiment.SetUp) {
+      if (setting.Name == "Frequency") period = 1.0 / *ParseNumber(setting.Value);
+    }
+    for (const ExperimentStep& step : experiment.Steps) {
+      for (const ExperimentSetting& setting : step.Settings) SetOption(setting, options);
+      std::string settings;
+      for (const auto& [option, value] : options) settings += " " + option + value;
+      for (const ExperimentAnswer& answer : step.Answers) {
+        SCOPED_TRACE(answer.Reading + settings);
+        Follow(Command(experiment, answer, period) + settings);
+        Follow(Claim(answer, period) + " = " + FormatShortest(answer.Value) + " +- " +
+               FormatShortest(answer.Tolerance));
+      }
+    }
+  }
+
+ private:
+  static void SetOption(const ExperimentSetting& setting,
+                        std::map<std::string, std::string>& options) {
+    static const std::map<std::string, std::string> ofAnalyser{{"Output", "--output "},
+                                                               {"Sample Time", "--tsample "}};
+    if (setting.Of == "Analyser") {
+      options[ofAnalyser.at(setting.Name)] = setting.Value;
+    } else {
+      options["--set \"" + setting.Name] = "=" + setting.Value + "\"";
+    }
+  }
+
+  /// A screen is read over the last period of the command, after some.
+  static std::string Command(const Experiment& of, const ExperimentAnswer& answer, double period) {
+    const std::string file = GetParam().stem().string() + ".tvf ";
+    if (answer.Signal.empty()) {
+      return "$ bode " + file + (answer.AtHz ? "" : "--margins");
+    }
+    if (!Figures().contains(answer.Reading)) {
+      return "$ measure " + file + "--command " + of.Watched.front() + " --response " +
+             answer.Signal;
+    }
+    return "$ run " + file + "--until " + FormatShortest(End(period)) +
+           " --every 0.0001 --record " + answer.Signal;
+  }
+
+  static std::string Claim(const ExperimentAnswer& answer, double period) {
+    if (answer.AtHz) return answer.Reading + " at " + FormatShortest(*answer.AtHz);
+    if (answer.Signal.empty()) {
+      const bool frequency = answer.Reading.ends_with(" Frequency");
+      return std::string(frequency ? "Frequency" : "Value") + " at Smallest " +
+             (answer.Reading.starts_with("Gain") ? "gain margin" : "phase margin");
+    }
+    if (!Figures().contains(answer.Reading)) return answer.Reading;
+    return Figures().at(answer.Reading) + " " + answer.Signal + " from " +
+           FormatShortest(End(period) - period);
+  }
+
+  static double End(double period) { return period * std::max(4.0, std::ceil(1.0 / period)); }
+
+  static const std::map<std::string, std::string>& Figures() {
+    static const std::map<std::string, std::string> figures{
+        {"Mean", "mean"},         {"Minimum", "min"},  {"Maximum", "max"},
+        {"Peak to peak", "span"}, {"Frequency", "hz"},
+    };
+    return figures;
+  }
+};
+
+TEST_P(Answers, AreWhatIsMeasured) {
+  std::string fault;
+  const auto experiment = ReadExperiment(ReadWholeFile(GetParam()), fault);
+  ASSERT_TRUE(experiment) << fault;
+  Check(*experiment);
+}
+
+std::vector<std::filesystem::path> ExperimentFiles() {
+  std::vector<std::filesystem::path> files;
+  for (const auto& file : std::filesystem::directory_iterator(Root + "share/examples")) {
+    if (file.path().extension() == ".experiment") files.push_back(file.path());
+  }
+  return files;
+}
+
+INSTANTIATE_TEST_SUITE_P(Share, Answers, testing::ValuesIn(ExperimentFiles()));
+
 std::vector<std::filesystem::path> ClaimFiles() {
   const std::filesystem::directory_iterator folder(TORVANE_TEST_DATA "/claims");
   return {begin(folder), end(folder)};
@@ -177,7 +267,8 @@ TEST(ClaimFiles, TryEveryExample) {
   std::string claims;
   for (const auto& file : ClaimFiles()) claims += ReadWholeFile(file);
   for (const auto& example : std::filesystem::directory_iterator(Root + "share/examples")) {
-    EXPECT_NE(claims.find(example.path().filename()), std::string::npos) << example.path();
+    const std::string file = example.path().stem().string() + ".tvf";
+    EXPECT_NE(claims.find(file), std::string::npos) << file;
   }
 }
 

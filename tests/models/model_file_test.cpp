@@ -89,7 +89,7 @@ std::vector<std::filesystem::path> ExampleFiles() {
   std::vector<std::filesystem::path> files;
   for (const auto& entry :
        std::filesystem::directory_iterator(std::filesystem::path(TORVANE_SHARE) / "examples")) {
-    files.push_back(entry.path());
+    if (entry.path().extension() == ".tvf") files.push_back(entry.path());
   }
   return files;
 }

@@ -1,5 +1,6 @@
 #include "ui/session/experiments.h"
 
+#include <QCheckBox>
 #include <QMenu>
 #include <QProcess>
 #include <QSignalSpy>
@@ -69,14 +70,15 @@ TEST_F(ExperimentsTest, EachRunsAsItsFileDoesOnTheCommandLine) {
     const QString model = Find<QComboBox>("ModelCmB").itemText(i);
     ChooseModel(model);
     RunFor(0.5);
-    const QList<Experiment> experiments = ExperimentsOf(*Panel->Model(), Data);
-    EXPECT_GE(experiments.size(), 3) << model.toStdString();
-    for (int k = 0; k < experiments.size(); ++k) {
+    const auto experiments = ExperimentsOf(model.toStdString(), Data);
+    EXPECT_GE(experiments.size(), 3U) << model.toStdString();
+    for (std::size_t k = 0; k < experiments.size(); ++k) {
       loaded.clear();
-      Find<QMenu>("MExperiments").actions().at(k)->trigger();
+      Find<QMenu>("MExperiments").actions().at(static_cast<int>(k))->trigger();
       ASSERT_TRUE(WaitFor([&] { return loaded.count() > 0; }));
       EXPECT_TRUE(RunForRows() == Reference(experiments[k].File))
           << experiments[k].File.toStdString();
+      EXPECT_TRUE(Find<QCheckBox>("CBVertShow").isChecked());
     }
   }
 }

@@ -9,7 +9,7 @@ class QMenu;
 namespace torvane {
 
 class Session;
-struct Experiment;
+struct OfferedExperiment;
 class TZelModelTextF;
 class Workspace;
 
@@ -24,7 +24,7 @@ class ExperimentsMenu : public QObject {
 
  private:
   void Fill();
-  void SetUp(const Experiment& experiment);
+  void SetUp(const OfferedExperiment& experiment);
 
   QMenu& menu_;
   Session& session_;

@@ -1,56 +1,49 @@
 #include "ui/session/experiments.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
-
-#include "core/model.h"
+#include <algorithm>
 
 namespace torvane {
 
 namespace {
 
-// A model without a text of its own beside the diagram still has experiments under its diagram's
-// name.
-QString DescriptionOf(const ZelModel& model, const DataFolder& data) {
-  QString name = QString::fromStdString(model.TextFile());
-  if (name.isEmpty()) {
-    name = QFileInfo(QString::fromStdString(model.PictureFile())).completeBaseName() +
-           QStringLiteral(".txt");
+OfferedExperiment ReadOffered(const QFileInfo& from) {
+  OfferedExperiment offered;
+  QFile file(from.filePath());
+  if (!file.open(QIODevice::ReadOnly)) {
+    offered.Fault = file.errorString();
+    return offered;
   }
-  const QString path = data.Find(name);
-  QFile file(path);
-  if (path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) return {};
-  return QString::fromUtf8(file.readAll());
-}
-
-QString ExampleName(const QString& model, const QString& title) {
-  static const QRegularExpression number(QStringLiteral("^(\\d+-\\d+|\\w+)"));
-  static const QRegularExpression gaps(QStringLiteral("[^a-z0-9+]+"));
-  QString name = (number.match(model).captured() + u' ' + title).toLower();
-  name.remove(u'\'').replace(gaps, QStringLiteral("-"));
-  return QStringLiteral("examples/%1.tvf").arg(name.replace(u'+', QStringLiteral("-plus")));
+  std::string fault;
+  if (auto record = ReadExperiment(file.readAll().toStdString(), fault)) {
+    offered.Record = std::move(*record);
+  } else {
+    offered.Fault = QStringLiteral("%1: %2").arg(from.fileName(), QString::fromStdString(fault));
+  }
+  const QString setUp = from.path() + u'/' + from.completeBaseName() + QStringLiteral(".tvf");
+  if (QFileInfo(setUp).isFile()) offered.File = setUp;
+  return offered;
 }
 
 }  // namespace
 
-QList<Experiment> ExperimentsOf(const ZelModel& model, const DataFolder& data) {
-  static const QRegularExpression heading(QStringLiteral("^\\d+\\. (.+)$"));
-  QList<Experiment> experiments;
-  bool inSection = false;
-  for (const QString& line : DescriptionOf(model, data).split(u'\n')) {
-    if (line.startsWith(QStringLiteral("EXPERIMENTS"))) inSection = true;
-    if (!inSection) continue;
-    const QRegularExpressionMatch match = heading.match(line);
-    if (match.hasMatch()) {
-      const QString title = match.captured(1);
-      const QString file = ExampleName(QString::fromStdString(model.Name()), title);
-      experiments.append({title, {}, data.Find(file)});
-    } else if (!experiments.isEmpty()) {
-      experiments.last().Text += line.mid(line.startsWith(QStringLiteral("   ")) ? 3 : 0) + u'\n';
+std::vector<OfferedExperiment> ExperimentsOf(const std::string& model, const DataFolder& data) {
+  std::vector<OfferedExperiment> experiments;
+  const QDir folder(data.FindFolder(QStringLiteral("examples")));
+  const QStringList kinds{QStringLiteral("*.experiment")};
+  for (const QFileInfo& file : folder.entryInfoList(kinds, QDir::Files, QDir::Name)) {
+    OfferedExperiment offered = ReadOffered(file);
+    if (!offered.Fault.isEmpty() || offered.Record.Model == model) {
+      experiments.push_back(std::move(offered));
     }
   }
-  for (Experiment& experiment : experiments) experiment.Text = experiment.Text.trimmed();
+  const auto place = [](const OfferedExperiment& of) {
+    return std::pair(!of.Fault.isEmpty(), of.Record.Number);
+  };
+  std::stable_sort(experiments.begin(), experiments.end(),
+                   [&](const auto& a, const auto& b) { return place(a) < place(b); });
   return experiments;
 }
 

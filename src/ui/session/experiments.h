@@ -1,24 +1,23 @@
 #pragma once
 
-#include <QList>
 #include <QString>
+#include <string>
+#include <vector>
 
+#include "models/experiment.h"
 #include "ui/session/data_folder.h"
 
 namespace torvane {
 
-class ZelModel;
-
-/// One of the experiments that a model's description suggests.
-struct Experiment {
-  QString Title;
-  QString Text;  ///< what to do and what to see
-  QString File;  ///< the model file that sets it up; empty when it is missing
+/// An experiment of a model, and the model file that sets it up.
+struct OfferedExperiment {
+  Experiment Record;
+  QString File;   ///< empty when it is missing
+  QString Fault;  ///< why the record cannot be read; empty where it can
 };
 
-/// The experiments in the last section of the model's description, in their order; none where the
-/// description is missing. The file of "Gain, and the notch" of a model "15-1 ..." is
-/// examples/15-1-gain-and-the-notch.tvf.
-QList<Experiment> ExperimentsOf(const ZelModel& model, const DataFolder& data);
+/// The experiments in the folder of the examples that name the model, by their numbers. Records
+/// that cannot be read come last, whatever model they are of.
+std::vector<OfferedExperiment> ExperimentsOf(const std::string& model, const DataFolder& data);
 
 }  // namespace torvane

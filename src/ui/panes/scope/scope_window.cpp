@@ -457,7 +457,12 @@ void TZelScopeF::SettingsChanged() {
   ShowMath();
 }
 
+// The signal whose scale is edited is one that is seen.
 void TZelScopeF::FileLoaded() {
+  if (!VerticalChannel().Displayed()) {
+    ui_->CmBVertChan->setCurrentIndex(
+        ui_->CmBVertChan->findData(IndexOf(scope_.FirstDisplayedChannel())));
+  }
   constants_->FileLoaded();
 }
 

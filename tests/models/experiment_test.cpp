@@ -1,0 +1,119 @@
+#include "models/experiment.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include "core/files/model_file.h"
+#include "instruments/scope/scope.h"
+#include "models/catalogue_host.h"
+#include "support/recorder.h"
+
+namespace torvane {
+namespace {
+
+using Path = std::filesystem::path;
+
+std::string TextOf(const Path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<Path> Records() {
+  std::vector<Path> records;
+  for (const auto& entry : std::filesystem::directory_iterator(Path(TORVANE_SHARE) / "examples")) {
+    if (entry.path().extension() == ".experiment") records.push_back(entry.path());
+  }
+  return records;
+}
+
+class Experiments : public testing::TestWithParam<Path> {};
+
+TEST_P(Experiments, BeginInTheirFirstStepAndCanBeDone) {
+  test::Recorder messages;
+  std::string fault;
+  const auto experiment = ReadExperiment(TextOf(GetParam()), fault);
+  ASSERT_TRUE(experiment) << fault;
+  CatalogueHost host;
+  ASSERT_TRUE(LoadModelFile(Path(GetParam()).replace_extension(".tvf").string(), host));
+  ASSERT_EQ(host.Model->Name(), experiment->Model);
+  const std::string before = SettingsText(*host.Model);
+  for (const auto& settings : {experiment->SetUp, experiment->Steps.front().Settings}) {
+    for (const ExperimentSetting& setting : settings) {
+      EXPECT_TRUE(Apply(setting, *host.Model)) << setting.Text();
+      EXPECT_TRUE(SettingsText(*host.Model) == before) << setting.Text();
+    }
+  }
+  for (const ExperimentStep& step : experiment->Steps) {
+    for (const ExperimentSetting& setting : step.Settings) {
+      EXPECT_TRUE(Apply(setting, *host.Model)) << setting.Text();
+    }
+    for (const ExperimentAnswer& answer : step.Answers) {
+      EXPECT_TRUE(answer.Signal.empty() || host.Model->Bench().FindVar(answer.Signal));
+    }
+  }
+  std::set<std::string> shown;
+  for (const Instrument* scope : host.Model->Bench().Instruments(InstrumentKind::Scope)) {
+    for (const auto& channel : dynamic_cast<const ZelScope*>(scope)->Channels()) {
+      if (channel->Displayed()) shown.insert(channel->Name());
+    }
+  }
+  if (!experiment->Watched.empty()) {
+    EXPECT_EQ(shown, std::set(experiment->Watched.begin(), experiment->Watched.end()));
+  }
+  EXPECT_EQ(messages.Take(), test::Messages{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Share, Experiments, testing::ValuesIn(Records()));
+
+const std::string Whole =
+    "Title: T\nModel: M\nNumber: 2\nQuestion: Why?\nCost: C\nShow: Scope, Meters\nWatch: a, b\n"
+    "With: Waveform = Sine\nStep: K = 1, W: Frequency = 2\nAnswer: Rise of a = 3 +- 0.5 sec\n"
+    "Answer: Gain at 45 Hz = -3 +- 0.1 dB\nStep: K = 2\nText:\nOne.\n";
+
+TEST(ExperimentRecord, HoldsWhatItsLinesSay) {
+  std::string fault;
+  const auto read = ReadExperiment(Whole, fault);
+  ASSERT_TRUE(read) << fault;
+  EXPECT_EQ(read->Title + read->Model + read->Question + read->Cost + read->Text, "TMWhy?COne.\n");
+  EXPECT_EQ(read->Number, 2);
+  EXPECT_TRUE(read->Shows(InstrumentKind::Meter) && !read->Shows(InstrumentKind::SweptSine));
+  EXPECT_EQ(read->Watched, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(read->SetUp.front().Text(), "Waveform = Sine");
+  ASSERT_EQ(read->Steps.size(), 2U);
+  EXPECT_EQ(read->Steps[0].Settings[1].Text(), "W: Frequency = 2");
+  const auto& [rise, gain] = std::pair(read->Steps[0].Answers[0], read->Steps[0].Answers[1]);
+  EXPECT_EQ(rise.Reading + rise.Signal + rise.Unit, "Riseasec");
+  EXPECT_EQ(gain.AtHz, 45.0);
+  EXPECT_TRUE(rise.IsMetBy(3.5) && rise.IsMetBy(2.5) && !rise.IsMetBy(3.51));
+}
+
+TEST(ExperimentRecord, TellsTheLineThatMeansNothing) {
+  const std::pair<std::string, std::string> cases[] = {{"Number: 2", "Number: two"},
+                                                       {"Show: Scope", "Show: Scopes"},
+                                                       {"K = 1", "K"},
+                                                       {"Rise of a", "Rise"},
+                                                       {"Rise of a", "Climb of a"},
+                                                       {"Gain at 45 Hz", "Gain"},
+                                                       {"Gain at 45 Hz", "Gain of a"},
+                                                       {"+- 0.5", ""},
+                                                       {"Title: T", "Heading: T"},
+                                                       {"= -3 ", "= many "}};
+  for (const auto& [good, bad] : cases) {
+    std::string text = Whole;
+    text.replace(text.find(good), good.size(), bad);
+    std::string fault;
+    EXPECT_FALSE(ReadExperiment(text, fault)) << bad;
+    EXPECT_NE(text.find(fault), std::string::npos) << fault;
+  }
+  for (std::size_t length = 0; length + 5 < Whole.size(); ++length) {
+    std::string fault;
+    EXPECT_FALSE(ReadExperiment(Whole.substr(0, length), fault)) << length;
+  }
+}
+
+}  // namespace
+}  // namespace torvane
