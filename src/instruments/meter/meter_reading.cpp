@@ -22,8 +22,8 @@ std::string InUnits(double value, double unit) {
   if (unit < LeastRounded || std::abs(whole) > MostRounded) return FormatEdit(whole);
   std::array<char, 64> text{};
   const int decimals = std::max(0, -static_cast<int>(std::lround(std::log10(unit))));
-  const auto end = std::to_chars(text.data(), text.data() + text.size(),
-                                 whole == 0.0 ? 0.0 : whole, std::chars_format::fixed, decimals);
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), whole == 0.0 ? 0.0 : whole,
+                                 std::chars_format::fixed, decimals);
   return {text.data(), end.ptr};
 }
 
@@ -52,9 +52,10 @@ std::string ZelMeter::ValueText() const {
   if (!(swing > largest * std::pow(10.0, -ShownDigits)) || !std::isfinite(swing)) {
     return FormatSteady(reading_.Value);
   }
-  const double middle = kind_ == MeterKind::Rms ? std::sqrt(0.5 * (spread_.Low() * spread_.Low() +
-                                                                   spread_.High() * spread_.High()))
-                                                : 0.5 * (spread_.Low() + spread_.High());
+  const double middle =
+      kind_ == MeterKind::Rms
+          ? std::sqrt(0.5 * (spread_.Low() * spread_.Low() + spread_.High() * spread_.High()))
+          : 0.5 * (spread_.Low() + spread_.High());
   return InUnits(middle, std::pow(10.0, std::ceil(std::log10(swing))));
 }
 

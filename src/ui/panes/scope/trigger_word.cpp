@@ -47,8 +47,7 @@ TriggerWord::Word TriggerWord::Present() const {
   if (now == time_ || scope_.State() == ZelScope::Capture::Stopped) return Word::Stopped;
   const ZelTrigger& trigger = scope_.Trigger();
   if (trigger.Mode() == SweepMode::Cont) return Word::Cont;
-  const bool runsFree =
-      scope_.LastSweepAutomatic() || scope_.AutomaticSweeps() != automaticSweeps_;
+  const bool runsFree = scope_.LastSweepAutomatic() || scope_.AutomaticSweeps() != automaticSweeps_;
   if (trigger.Mode() == SweepMode::Auto && runsFree) return Word::Auto;
   const double screen =
       std::abs(scope_.TimeChannel().Horizontal().Scale) * ZelScope::HorizontalDivisions;
