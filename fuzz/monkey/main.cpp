@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
                                files, record);
   // Who ends the program starts it again.
   while (!monkey.Over()) {
-    torvane::TZelControlPanelF panel(torvane::DataFolder(home + QStringLiteral("/bin")), 0,
+    torvane::TZelControlPanelF panel(torvane::DataFolder(home + QStringLiteral("/bin")), {},
                                      torvane::TZelControlPanelF::Windows::AsLeft);
     const torvane::EndRequests requests;
     QObject::connect(&requests, &torvane::EndRequests::EndAsked, &panel,
