@@ -24,12 +24,14 @@ class StepClock {
 
   explicit StepClock(double slack = Sampling) : slack_(slack) {}
 
-  /// Begins at the bench's time `now` on a solver that makes steps of the given length, seconds.
-  void Start(double now, double step) {
+  /// Begins at the bench's time `now` on a solver that makes steps of the given length, seconds;
+  /// the first instant is due so many steps later.
+  void Start(double now, double step, double wait = 0.0) {
     serviced_ = now;
     step_ = step;
-    elapsed_ = ahead_ = 0.0;
-    fresh_ = true;
+    elapsed_ = 0.0;
+    ahead_ = wait;
+    fresh_ = wait == 0.0;
   }
 
   /// True when an instant is due at the bench's time t; the next one then is an interval later.
@@ -55,7 +57,8 @@ class StepClock {
   double Span(double seconds) const { return (seconds / step_ - slack_) * Stride(); }
 
   /// The time to ask the bench for, a little ahead of the step that takes the next instant. The
-  /// first is asked for at the start itself; any other is at least one step away.
+  /// first is asked for at the start itself if it is due there; any other is at least one step
+  /// away.
   double Request() const { return fresh_ ? serviced_ : TimeOf(ahead_); }
   /// The same for the step at which so many seconds have passed.
   double RequestAt(double seconds) const { return TimeOf(seconds / step_ - elapsed_); }

@@ -25,28 +25,31 @@ void Analysers::AddSetup(const std::string& name, const std::string& input,
   }
 }
 
-void Analysers::AddVelocitySetups(const Constant* sampleTime, Constant* useRes) {
+void Analysers::AddVelocitySetups(const ControllerClock* clock, const Constant* sampleTime,
+                                  Constant* useRes) {
   AddSetup("Closed", "vC", "vF");
   AddSetup("Open", "vE", "vF");
-  SetLoop([=] {
+  SetLoop(clock, [=] {
     ModelLoop loop{"vE", "vF", false, sampleTime ? sampleTime->Value() : 0.0};
     if (useRes) loop.Linear = {{useRes, 0.0}};
     return loop;
   });
 }
 
-void Analysers::SetLoop(const std::function<ModelLoop()>& loop) {
-  const auto excited = [loop, amplitude = Swept.Amplitude()] {
+void Analysers::SetLoop(const ControllerClock* clock, const std::function<ModelLoop()>& loop) {
+  const auto excited = [loop, clock, amplitude = Swept.Amplitude()] {
     ModelLoop named = loop();
     named.Amplitude = amplitude;
+    if (clock) named.NextSample = clock->NextSample();
     return named;
   };
   Fft.SetLoop(excited);
   Swept.SetLoop(excited);
 }
 
-void Analysers::AddFilterSetups(const std::string& input, const Constant* sampleTime) {
-  SetLoop([=] { return ModelLoop{"", "", false, sampleTime ? sampleTime->Value() : 0.0}; });
+void Analysers::AddFilterSetups(const std::string& input, const ControllerClock* clock,
+                                const Constant* sampleTime) {
+  SetLoop(clock, [=] { return ModelLoop{"", "", false, sampleTime ? sampleTime->Value() : 0.0}; });
   AddSetup("1-Pole", input, "vLP1");
   AddSetup("2-Pole", input, "vLP2");
   AddSetup("Notch", input, "vNotch");

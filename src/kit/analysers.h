@@ -5,6 +5,7 @@
 
 #include "instruments/fft/fft_analyser.h"
 #include "instruments/sweep/swept_sine_analyser.h"
+#include "library/d_controller.h"
 
 namespace torvane {
 
@@ -27,16 +28,20 @@ struct Analysers {
   void AddSetup(const std::string& name, const std::string& input, const std::string& output,
                 double phaseAdd = 0.0);
 
-  /// The two responses that every velocity loop is asked for. The loop samples at the given period,
-  /// or is continuous; it is linear while its sensor's resolution, if it has one, is not used.
-  void AddVelocitySetups(const Constant* sampleTime = nullptr, Constant* useRes = nullptr);
+  /// The two responses that every velocity loop is asked for. The loop samples by that clock and at
+  /// the given period, or is continuous; it is linear while its sensor's resolution, if it has one,
+  /// is not used.
+  void AddVelocitySetups(const ControllerClock* clock = nullptr,
+                         const Constant* sampleTime = nullptr, Constant* useRes = nullptr);
 
-  /// Names the model's loop, whose excitation is the sweep's.
-  void SetLoop(const std::function<ModelLoop()>& loop);
+  /// Names the model's loop, whose excitation is the sweep's and whose samples, if it has any, the
+  /// clock's.
+  void SetLoop(const ControllerClock* clock, const std::function<ModelLoop()>& loop);
 
-  /// Those of three filters side by side on the signal of that name, which is sampled at the given
-  /// period, or continuous.
-  void AddFilterSetups(const std::string& input, const Constant* sampleTime = nullptr);
+  /// Those of three filters side by side on the signal of that name, which is sampled by that clock
+  /// and at the given period, or continuous.
+  void AddFilterSetups(const std::string& input, const ControllerClock* clock = nullptr,
+                       const Constant* sampleTime = nullptr);
 
   ZelXfer Fft;
   ZelSweptDSA Swept;

@@ -25,6 +25,7 @@ class ControllerClock {
   bool SampleDue() const { return sampleDue_; }
 
   double Period() const { return period_; }
+  double NextSample() const { return nextSample_; }
 
   /// Changes the spacing of the samples from the next one on, seconds.
   void SetPeriod(double seconds) { period_ = seconds; }

@@ -69,7 +69,7 @@ MAnalogPI::MAnalogPI(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX03-01.bmp", "BWTX03-01.txt");
   analysers_.AddSetup("Closed", "Command", "Response");
   analysers_.AddSetup("Open", "Error", "Feedback");
-  analysers_.SetLoop([] { return ModelLoop{.Input = "Error", .Output = "Feedback"}; });
+  analysers_.SetLoop(nullptr, [] { return ModelLoop{.Input = "Error", .Output = "Feedback"}; });
 }
 
 void MAnalogPI::HandOnChanges() {

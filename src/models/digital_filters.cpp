@@ -66,7 +66,7 @@ class MDigitalFilters final : public FusedModel<MDigitalFilters> {
 MDigitalFilters::MDigitalFilters(const std::string& name) : FusedModel(name, 5e-5) {
   SetFiles("", "BWTX09-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
-  analysers_.AddFilterSetups("vSample", &tSample_);
+  analysers_.AddFilterSetups("vSample", &loop_.clock, &tSample_);
 }
 
 void MDigitalFilters::HandOnChanges() {

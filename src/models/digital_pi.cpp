@@ -72,7 +72,7 @@ class MDigitalPI final : public FusedModel<MDigitalPI> {
 
 MDigitalPI::MDigitalPI(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX04-01.bmp", "BWTX04-01.txt");
-  analysers_.AddVelocitySetups(&drive_.tSample, &useRes_);
+  analysers_.AddVelocitySetups(&loop_.clock, &drive_.tSample, &useRes_);
 }
 
 void MDigitalPI::Sample(Loop& s, double t) {

@@ -75,7 +75,7 @@ class MDigitalPID final : public FusedModel<MDigitalPID> {
 
 MDigitalPID::MDigitalPID(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX06-01.bmp", "BWTX06-01.txt");
-  analysers_.AddVelocitySetups(&drive_.tSample, &useRes_);
+  analysers_.AddVelocitySetups(&loop_.clock, &drive_.tSample, &useRes_);
   analysers_.Fft.SetOrder(11);
   analysers_.Fft.SetTSample(0.00025);
   analysers_.Fft.AutoRange();

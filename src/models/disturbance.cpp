@@ -108,7 +108,7 @@ MDisturbance::MDisturbance(const std::string& name) : FusedModel(name, 1e-5) {
   analysers_.AddSetup("Command Source", "vC", "vM");
   analysers_.AddVelocitySetups();
   analysers_.AddSetup("Open+180", "vE", "vF", 180.0);
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     return ModelLoop{
         "vE", "vF", false, drive_.tSample.Value(), {{&bodeType_, Command}}, {{&useRes_, No}}};
   });

@@ -84,7 +84,7 @@ class MFeedForward final : public FusedModel<MFeedForward> {
 MFeedForward::MFeedForward(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX08-01.bmp", "BWTX08-01.txt");
   analysers_.AddVelocitySetups();
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     return ModelLoop{"vE", "vF", false, drive_.tSample.Value(), {{&kvf_, 0.0}}};
   });
 }

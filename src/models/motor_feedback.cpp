@@ -109,7 +109,7 @@ MMotorFeedback::MMotorFeedback(const std::string& name) : FusedModel(name, 1e-5)
   SetFiles("BWTX13-01.bmp", "BWTX13-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddVelocitySetups();
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     const char* const feedback = useFbFilt_.Choice() == Yes ? "vF-Filt" : "vF";
     ModelLoop loop{"vE", feedback, false, drive_.tSample.Value()};
     loop.Linear = {{&res_, res_.Upper()}, {&posErr_, 0.0}};

@@ -72,7 +72,7 @@ class MPiPlus final : public FusedModel<MPiPlus> {
 MPiPlus::MPiPlus(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX02-01.bmp", "BWTX02-01.txt");
   analysers_.AddSetup("Closed", "vC", "vF");
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     return ModelLoop{"vC", "vF", true, tSample_.Value(), {{&kvfr_, 100.0}}};
   });
 }

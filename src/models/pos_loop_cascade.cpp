@@ -84,7 +84,7 @@ MPosLoopCascade::MPosLoopCascade(const std::string& name) : FusedModel(name, 1e-
   SetFiles("BWTX16-01.bmp", "BWTX16-01.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     return ModelLoop{"vPC",
                      "vF",
                      true,

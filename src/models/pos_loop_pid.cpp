@@ -89,7 +89,7 @@ MPosLoopPID::MPosLoopPID(const std::string& name) : FusedModel(name, 1e-5) {
   SetFiles("BWTX16-02.bmp", "BWTX16-02.txt");
   scope_.SetHorizontalScale(scope_.TimeChannel(), 0.02);
   analysers_.AddSetup("Closed", "vPC", "vF");
-  analysers_.SetLoop([this] {
+  analysers_.SetLoop(&loop_.clock, [this] {
     return ModelLoop{"vPC",
                      "vF",
                      true,

@@ -107,7 +107,7 @@ class MResonance final : public FusedModel<MResonance> {
 
 MResonance::MResonance(const std::string& name) : FusedModel(name, 5e-5) {
   SetFiles("BWTX15-01.bmp", "BWTX15-01.txt");
-  analysers_.AddVelocitySetups(&drive_.tSample);
+  analysers_.AddVelocitySetups(&loop_.clock, &drive_.tSample);
 }
 
 void MResonance::Sample(Loop& s, double t) {

@@ -8,6 +8,7 @@
 
 #include "core/angle.h"
 #include "core/constant.h"
+#include "instruments/analyser/margins.h"
 #include "instruments/analyser/shown_responses_csv.h"
 #include "instruments/fft_bench.h"
 #include "instruments/sweep/limit_watch.h"
@@ -103,6 +104,14 @@ TEST_F(ResponseTrust, AMarkStaysWithItsTrace) {
     sweep.Service(Model.Bench().Time());
   }
   EXPECT_TRUE(Has(sweep.ShownDoubts(), "other analyser excited"));
+  // A copy has all that was known of it, and a sample time that is set later is not its own.
+  const double accurate = sweep.AccurateUpTo();
+  EXPECT_TRUE(Xfer.CopyFrom(sweep, 3, "Sweep"));
+  sweep.SetTSample(2 * sweep.TSample());
+  EXPECT_EQ(sweep.ResponseAt(0).Subject().AccurateUpTo, accurate);
+  EXPECT_EQ(Xfer.ResponseAt(3).Subject().AccurateUpTo, accurate);
+  EXPECT_EQ(Xfer.Origin(3).Constants, sweep.Origin(0).Constants);
+  EXPECT_TRUE(Has(Xfer.ShownDoubts(), "Memory 3: The other analyser excited"));
 }
 
 TEST_F(ResponseTrust, DependsOnThePair) {
@@ -119,6 +128,18 @@ TEST_F(ResponseTrust, DependsOnThePair) {
   EXPECT_TRUE(Has(doubts(ImpulseAt(3), [](int n) { return 1.0 * n; }), "does not end as it began"));
   Xfer.SetOutput("In");
   EXPECT_TRUE(Xfer.ResponseAt(0).Doubts().empty());
+}
+
+// The phase crosses -180 degrees at bin 2, 8 Hz, whatever is added for the eye.
+TEST_F(ResponseTrust, WhatIsAddedToAPhaseIsNoPartOfItsMargins) {
+  Xfer.AddSetup("Open+180", "In", "Out", 180.0);
+  TakeRecord(Impulse, ImpulseAt(4, 0.1));
+  Xfer.SelectSetup(0);
+  EXPECT_EQ(Xfer.PhaseRead(0, 8.0), 0.0);
+  MarginReader reader;
+  EXPECT_NEAR(reader.Read(Xfer, 0, ReadAs::Open).SmallestGainMargin()->Hz, 8.0, 1e-12);
+  Model.Bench().History().Undo();
+  EXPECT_EQ(Xfer.PhaseRead(0, 8.0), -180.0);
 }
 
 // A measurement goes, and comes back as it was, when a spectrum is looked at in between.

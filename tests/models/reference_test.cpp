@@ -106,7 +106,8 @@ std::vector<Row> Trajectory(Loop& loop, const Reference& reference, const Fields
 }
 
 std::vector<Row> Response(Loop& loop) {
-  ZelXfer& fft = loop.Measure();
+  loop.Fft().SetAtOnce(true);
+  const ZelXfer& fft = loop.Measure();
   std::vector<Row> rows;
   for (int bin = 0; bin <= fft.Length() / 2; ++bin) {
     rows.push_back({static_cast<double>(bin), fft.BinFrequency(bin), fft.ResponseGain(0, bin),

@@ -33,6 +33,7 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   const auto model = OpenModel(options.Response.Model, console);
   auto& xfer = dynamic_cast<ZelXfer&>(
       ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
+  xfer.SetAtOnce(options.StartDelay && !options.BetweenSamples);
   console.ApplySettings([&] { SetUp(xfer, options); });
   ResultFile file(options.Response.Out);
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
@@ -57,6 +58,8 @@ void AddBodeCommand(CLI::App& app, Console& console) {
   command->add_flag_function(
       "--spectrum,!--no-spectrum", [options](std::int64_t count) { options->Spectrum = count > 0; },
       "Give the output's spectrum alone, under a triangular window, or the response");
+  command->add_flag("--between-samples", options->BetweenSamples,
+                    "Begin between two samples of the model's loop with a start delay, too");
   command->callback([options, &console] { MeasureBode(*options, console); });
 }
 

@@ -119,6 +119,12 @@ class Findings {
     Reach(hz.value_or(0.0));
   }
   void Miss(const std::vector<std::string>& why) { Append(readings_.Reasons, why); }
+  void Doubt(const std::vector<std::string>& doubts) {
+    for (const std::string& doubt : doubts) {
+      auto& warnings = readings_.Warnings;
+      if (std::ranges::find(warnings, doubt) == warnings.end()) warnings.push_back(doubt);
+    }
+  }
   void WarnAbove(double accurateUpTo) {
     if (highest_ > accurateUpTo) readings_.Warnings.push_back(SampleTimeWarning(accurateUpTo));
   }
@@ -159,10 +165,12 @@ class LoopRuns {
     Findings findings(readings);
     const ResponseOptions& response = options_.Bode.Response;
     ReadClosed(Read(response.Input, response.Output, ReadAs::Closed), findings);
+    findings.Doubt(doubts_);
     const auto first = make_();
     if (const auto loop = OpenLoop(Analyser(*first), options_)) {
       const ReadAs as = loop->FromClosed ? ReadAs::Unity : ReadAs::Open;
       ReadOpen(Read(loop->Input, loop->Output, as), findings);
+      findings.Doubt(doubts_);
     } else {
       findings.Miss({"no margins: the model names no loop of its own"});
     }
@@ -181,8 +189,6 @@ class LoopRuns {
     return Measure(bode, as);
   }
 
-  // A quarter of a period after the loop's samples, and as much before the excitation changes, a
-  // sample of the command is the one that the loop has seen.
   const Margins& Measure(const BodeOptions& asked, ReadAs as) {
     const auto model = MakeFirst(make_);
     const auto named = Analyser(*model).Loop();
@@ -192,12 +198,9 @@ class LoopRuns {
     if (named) Hold(named->Linear);
     if (loop && as != ReadAs::Closed) Hold(loop->Meanwhile);
     const bool together = named && named->SampleTime == xfer.TSample();
-    if (together) {
-      LongRun(*model, console_, named->SampleTime, false)
-          .StepTo(model->Time() + 0.25 * named->SampleTime);
-    }
     accurateUpTo_ = together ? 0.5 / xfer.TSample() : xfer.AccurateUpTo();
     MeasureResponse(*model, xfer, console_, showProgress_);
+    doubts_ = xfer.ResponseAt(0).Doubts();
     return reader_.Read(xfer, 0, as);
   }
 
@@ -210,7 +213,9 @@ class LoopRuns {
   Console& console_;
   bool showProgress_;
   MarginReader reader_;
+  // Of the last measurement.
   double accurateUpTo_ = 0.0;
+  std::vector<std::string> doubts_;
 };
 
 }  // namespace

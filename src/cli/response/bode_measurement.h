@@ -14,6 +14,8 @@ struct BodeOptions {
   std::optional<double> StartDelay;
   std::optional<double> EndDelay;
   std::optional<bool> Spectrum;
+  /// Keep off a sampled loop's own samples; without it, unless a start delay is given.
+  bool BetweenSamples = false;
 };
 
 /// Those of the record that is taken.

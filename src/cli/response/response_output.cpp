@@ -116,8 +116,8 @@ void PrintMargins(FrequencyAnalyser& analyser, ReadAs as) {
     if (margins.Empty()) {
       for (const std::string& why : margins.Missing) Note(response + ": " + why);
     }
-    const double accurate = analyser.AccurateUpTo();
-    if (slot == 0 && lines.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
+    const double accurate = analyser.ResponseAt(slot).Subject().AccurateUpTo;
+    if (lines.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
   }
   output.Close();
 }

@@ -168,6 +168,7 @@ void FrequencyAnalyser::SetChecked(double& setting, double value, bool good, con
 
 void FrequencyAnalyser::TakeOrigin() {
   RecordOf(0).Origin = OriginNow(bench_);
+  RecordOf(0).AccurateUpTo = AccurateUpTo();
 }
 
 void FrequencyAnalyser::EnableTrace(int slot) {

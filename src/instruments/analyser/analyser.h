@@ -110,8 +110,8 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// Puts a response that was measured elsewhere into memory 1 to 4 and shows it, whatever channels
   /// are chosen. The name says where it comes from.
   void LoadMemory(int slot, ResponseCurve curve, std::string name);
-  /// Does so with the current measurement of another analyser, under its title and channels; false
-  /// after a note when it has none, or a spectrum.
+  /// Does so with the current measurement of another analyser, under its title and channels and
+  /// with all that is known of it; false after a note when it has none, or a spectrum.
   bool CopyFrom(const FrequencyAnalyser& other, int slot, const std::string& title);
   /// That name; empty for a slot that holds a measurement of this analyser.
   const std::string& LoadedFrom(int slot) const { return ResponseAt(slot).Name(); }
@@ -133,7 +133,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   std::vector<std::string> ShownDoubts() const;
 
   Trace TraceAt(int slot) const;
-  /// When and with which constants the slot's measurement was taken.
+  /// When and with which constants the slot's measurement was taken; not known of one from a file.
   const TraceOrigin& Origin(int slot) const { return SlotAt(slot).Record.Origin; }
   void SetShown(int slot, bool shown);
 
@@ -163,7 +163,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   void AddChannel(std::unique_ptr<AnalyserChannel> channel);
   /// Reports that there are too few channels to measure a response.
   void CheckChannels() const;
-  /// The current measurement is of the model as it is now.
+  /// The current measurement is of the model and with the set-up as they are now.
   void TakeOrigin();
   /// A trace that got its first data is shown.
   void EnableTrace(int slot);
@@ -230,6 +230,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   double WrappedPhase(int slot, int index) const;
   double Coherence(int slot, int index) const;
   Response Measured(int slot) const;
+  void Hold(int slot, Response response, TraceOrigin origin);
   void See(int slot);
   double ValueOf(double ResponsePoint::*value, int slot, int index) const;
   double Interpolated(double ResponsePoint::*value, int slot, double index) const;

@@ -15,10 +15,15 @@ void FrequencyAnalyser::LoadMemory(int slot, ResponseCurve curve, std::string na
   for (ResponsePoint& point : curve) point.Phase = OneTurn(point.Phase);
   const bool hasCoherence = std::any_of(
       curve.begin(), curve.end(), [](const ResponsePoint& point) { return point.Coherence < 1.0; });
-  ResponseSlot loaded;
-  loaded.Enabled = loaded.Shown = true;
-  loaded.Held = Response(ResponseSource::Loaded, std::move(name), std::move(curve), hasCoherence);
-  SlotOf(slot) = std::move(loaded);
+  Hold(slot, {ResponseSource::Loaded, std::move(name), std::move(curve), hasCoherence}, {});
+}
+
+void FrequencyAnalyser::Hold(int slot, Response response, TraceOrigin origin) {
+  ResponseSlot held;
+  held.Enabled = held.Shown = true;
+  held.Record.Origin = std::move(origin);
+  held.Held = std::move(response);
+  SlotOf(slot) = std::move(held);
   See(slot);
   Changed();
 }
@@ -29,9 +34,13 @@ bool FrequencyAnalyser::CopyFrom(const FrequencyAnalyser& other, int slot,
     Note("There is no measurement to store.");
     return false;
   }
-  const std::span<const ResponsePoint> points = other.ResponseAt(0).Curve();
-  LoadMemory(slot, {points.begin(), points.end()},
-             title + " " + other.Output()->Name() + " / " + other.Input()->Name());
+  const Response& from = other.ResponseAt(0);
+  const ResponseSubject& of = from.Subject();
+  Response copy(ResponseSource::Loaded, title + " " + of.Output + " / " + of.Input,
+                {from.Curve().begin(), from.Curve().end()}, from.HasCoherence());
+  copy.SetSubject(of);
+  copy.Doubt(from.Doubts());
+  Hold(slot, std::move(copy), other.Origin(0));
   return true;
 }
 
@@ -73,6 +82,7 @@ Response FrequencyAnalyser::Measured(int slot) const {
   }
   const bool hasCoherence = !OutputOnly() && output_->Coherence(slot, 0).has_value();
   Response response(ResponseSource::Measured, {}, std::move(points), hasCoherence, record.Bins);
+  response.SetSubject({input_->Name(), output_->Name(), record.AccurateUpTo, phaseAdd_});
   std::vector<std::string> doubts = record.Doubts;
   if (!OutputOnly()) {
     for (std::string& doubt : PairDoubts(slot)) doubts.push_back(std::move(doubt));

@@ -48,6 +48,7 @@ void FrequencyAnalyser::SaveState(RecordWriter& writer) const {
 void FrequencyAnalyser::LoadState(const Record& record) {
   if (record.Keyword() == "PhaseAdd") {
     phaseAdd_ = ParseNumber(record.Field(ValueEntries - 1)).value_or(0.0);
+    MakeResponses();
     return;
   }
   if (LoadWindow(record)) return;

@@ -182,10 +182,10 @@ const Margins::Reading* Smallest(const std::vector<Margins::Reading>& readings) 
   return found == readings.end() ? nullptr : &*found;
 }
 
-bool IsModelLoop(const FrequencyAnalyser& analyser, int slot) {
+bool IsModelLoop(const FrequencyAnalyser& analyser, const ResponseSubject& of) {
   const auto loop = analyser.Loop();
-  return loop && !loop->FromClosed && analyser.LoadedFrom(slot).empty() && analyser.Input() &&
-         analyser.Input()->Name() == loop->Input && analyser.Output()->Name() == loop->Output;
+  return loop && !loop->FromClosed && !of.Input.empty() && of.Input == loop->Input &&
+         of.Output == loop->Output;
 }
 
 }  // namespace
@@ -221,12 +221,12 @@ Margins FindMargins(std::span<const ResponsePoint> unwrapped, ReadAs as) {
 const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, ReadAs as,
                                   std::optional<double> highest) {
   ReadCurve(analyser, slot, curve_);
-  if (analyser.LoadedFrom(slot).empty()) {
-    const double most = highest.value_or(2.0 * analyser.AccurateUpTo());
-    std::erase_if(curve_, [&](const ResponsePoint& point) { return point.Hz > most; });
-  }
+  const ResponseSubject& of = analyser.ResponseAt(slot).Subject();
+  const double most = highest.value_or(2.0 * of.AccurateUpTo);
+  std::erase_if(curve_, [&](const ResponsePoint& point) { return point.Hz > most; });
+  for (ResponsePoint& point : curve_) point.Phase -= of.PhaseAdd;
   if (as == ReadAs::Unity) OpenFromClosed(curve_);
-  if (as == ReadAs::Auto && IsModelLoop(analyser, slot)) as = ReadAs::Open;
+  if (as == ReadAs::Auto && IsModelLoop(analyser, of)) as = ReadAs::Open;
   UnwrapPhase(curve_);
   margins_ = FindMargins(curve_, as);
   return margins_;

@@ -62,8 +62,8 @@ Margins FindMargins(std::span<const ResponsePoint> unwrapped, ReadAs as);
 /// The one reader of what slots of an analyser hold.
 class MarginReader {
  public:
-  /// Up to an octave above what the analyser measures closely, or to `highest` Hz; a response from
-  /// elsewhere whole. A response between the signals of the model's loop is an open one to
+  /// Up to an octave above what the response's sample time measures closely, or to `highest` Hz;
+  /// one from a file whole. A response between the signals of the model's loop is an open one to
   /// ReadAs::Auto.
   const Margins& Read(FrequencyAnalyser& analyser, int slot, ReadAs as,
                       std::optional<double> highest = std::nullopt);

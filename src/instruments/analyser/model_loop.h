@@ -30,6 +30,8 @@ struct ModelLoop {
   std::vector<Setting> Linear = {};
   /// Of the excitation, in the command's unit: meets no limit, and is well above any resolution.
   double Amplitude = 1.0;
+  /// When the loop takes its next sample, simulated seconds; of one that samples.
+  double NextSample = 0.0;
 };
 
 }  // namespace torvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -26,6 +27,16 @@ struct BinSpacing {
   bool operator==(const BinSpacing&) const = default;
 };
 
+/// What a measured response is of, and how far it goes; one from elsewhere does not say.
+struct ResponseSubject {
+  std::string Input;  ///< names of the signals
+  std::string Output;
+  /// Up to where the sample time that it was measured with tells gain and phase closely, Hz.
+  double AccurateUpTo = std::numeric_limits<double>::infinity();
+  /// Degrees that are added to its phases for the eye; margins are read without them.
+  double PhaseAdd = 0.0;
+};
+
 /// A frequency response: made whole, and only read from then on. An index counts its points; those
 /// of a spectrum are its bins, of which the one at 0 Hz is no point of the response.
 class Response {
@@ -35,6 +46,9 @@ class Response {
   /// Points in rising order of frequency. The name says where one comes from that was not measured.
   Response(ResponseSource source, std::string name, ResponseCurve points, bool hasCoherence,
            const BinSpacing& bins = {});
+
+  const ResponseSubject& Subject() const { return subject_; }
+  void SetSubject(ResponseSubject subject) { subject_ = std::move(subject); }
 
   /// What makes it doubtful, a sentence each; it stays with the response wherever it goes.
   const std::vector<std::string>& Doubts() const { return doubts_; }
@@ -75,6 +89,7 @@ class Response {
 
   ResponseSource source_ = ResponseSource::Measured;
   std::string name_;
+  ResponseSubject subject_;
   std::vector<std::string> doubts_;
   ResponseCurve points_;
   std::vector<double> delays_;  ///< of the curve, seconds; while a view shows them

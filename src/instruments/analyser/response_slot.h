@@ -14,6 +14,7 @@ namespace torvane {
 /// between any two of them.
 struct MeasuredRecord {
   TraceOrigin Origin;
+  double AccurateUpTo = 0.0;        ///< with the sample time that was in force, Hz
   BinSpacing Bins;                  ///< of a spectrum's record
   std::vector<double> Frequencies;  ///< of the points of a sweep, Hz
   /// By bin, or point of a sweep; empty before the record is whole.

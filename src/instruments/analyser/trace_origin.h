@@ -12,6 +12,9 @@ class ZelBenchTop;
 struct TraceOrigin {
   double Time = 0.0;                                           ///< simulated, seconds
   std::vector<std::pair<std::string, std::string>> Constants;  ///< name and value, as shown
+
+  /// Of a measurement that was not taken of this model, neither is known.
+  bool Known() const { return !Constants.empty(); }
 };
 
 /// Of a measurement that begins now.

@@ -18,6 +18,9 @@ namespace {
 // A record of 2^20 samples is some hundred megabytes for a model's signals.
 constexpr int LargestMaxOrder = 20;
 
+// A step's part by which a sum of steps may be off.
+constexpr double Rounding = 1e-3;
+
 // How often in a record constants and generators are looked at: what came and went between two
 // looks is a small part of it.
 constexpr int Looks = 64;
@@ -76,11 +79,27 @@ void ZelXfer::Restart() {
 
 void ZelXfer::Arm() {
   state_ = State::Armed;
-  clock_.Start(bench_.Time(), bench_.Solver()->Step());
+  const double wait = atOnce_ ? 0.0 : StepsToQuarter();
+  clock_.Start(bench_.Time(), bench_.Solver()->Step(), wait);
   HoldPrevious();
-  startDelayEnd_ = tStartDelay_;
+  startDelayEnd_ = wait * bench_.Solver()->Step() + tStartDelay_;
   excitationEnd_ = startDelayEnd_ + RecordTime() - tEndDelay_;
   Changed();
+}
+
+// From there the command that a sample reads is the one that the loop has seen, too: the excitation
+// changes half a sample later.
+double ZelXfer::StepsToQuarter() const {
+  const auto loop = Loop();
+  if (!loop || loop->SampleTime <= 0.0) return 0.0;
+  const double step = bench_.Solver()->Step();
+  const double multiple = std::round(tSample_ / loop->SampleTime);
+  if (multiple < 1.0 || std::abs(multiple * loop->SampleTime - tSample_) > Rounding * step) {
+    return 0.0;
+  }
+  const double ahead = loop->NextSample + 0.25 * loop->SampleTime - bench_.Time();
+  const double within = ahead - loop->SampleTime * std::floor(ahead / loop->SampleTime);
+  return std::ceil(within / step - Rounding);
 }
 
 void ZelXfer::HoldPrevious() {
@@ -204,6 +223,11 @@ std::vector<std::string> ZelXfer::Warnings() const {
   if (tEndDelay_ == 0.0 && !spectrum_) {
     warnings.emplace_back(
         "End Zero Time = 0: the record cuts the response off, which leaks into all bins.");
+  }
+  if (atOnce_ && StepsToQuarter() != 0.0) {
+    warnings.emplace_back(
+        "The record begins on a sample of the model's loop, of which it reads what the sample "
+        "before has left: the output a sample late.");
   }
   return warnings;
 }

@@ -22,6 +22,10 @@ namespace torvane {
 ///
 /// To average, as many records follow each other without another start delay, and the excitation's
 /// sequence goes on from one to the next.
+///
+/// A loop that samples, at the same rate or a whole multiple of it, has its samples a quarter of
+/// its period before those of a record: on the same step they would read what was before or after
+/// them as sums of times round.
 class ZelXfer final : public FrequencyAnalyser {
  public:
   static constexpr int MinOrder = 3;
@@ -42,6 +46,8 @@ class ZelXfer final : public FrequencyAnalyser {
   }
 
   void Run() override;
+  /// Begins the next records at Run itself, even if they then meet a loop's samples.
+  void SetAtOnce(bool atOnce) { atOnce_ = atOnce; }
   void Halt() override;
   void Undo(const UndoEntry& entry) override;
   void Redo(const UndoEntry& entry) override;
@@ -115,6 +121,7 @@ class ZelXfer final : public FrequencyAnalyser {
 
  private:
   void Arm();
+  double StepsToQuarter() const;
   void BeginMeasurement();
   void BeginRecord();
   void ExchangeRecords();
@@ -148,6 +155,7 @@ class ZelXfer final : public FrequencyAnalyser {
 
   State state_ = State::Halted;
   StepClock clock_;
+  bool atOnce_ = false;
   // Seconds after the clock's start.
   double startDelayEnd_ = 0.0;
   double excitationEnd_ = 0.0;

@@ -70,14 +70,16 @@ std::string ResponseLegend::TraceText(int slot) const {
   const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
   if (Unavailable(slot)) return name + ": Unavailable";
   const Response& response = analyser_.ResponseAt(slot);
+  const std::string from = response.Name().empty() ? name : name + " " + response.Name();
   const char* const trust = response.Doubts().empty() ? "" : ", doubtful";
-  if (!response.Name().empty()) return name + " " + response.Name() + trust;
+  const TraceOrigin& origin = analyser_.Origin(slot);
+  if (!response.Name().empty() && !origin.Known()) return from + trust;
   std::vector<const TraceOrigin*> origins;
   for (int other = 0; other < FrequencyAnalyser::SlotCount; ++other) {
-    if (analyser_.HasData(other) && analyser_.LoadedFrom(other).empty())
+    if (analyser_.HasData(other) && analyser_.Origin(other).Known())
       origins.push_back(&analyser_.Origin(other));
   }
-  return name + " " + OriginText(analyser_.Origin(slot), origins) + trust;
+  return from + " " + OriginText(origin, origins) + trust;
 }
 
 std::string ResponseLegend::PairText() const {

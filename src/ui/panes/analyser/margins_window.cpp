@@ -96,7 +96,8 @@ void MarginsWindow::ShowRemarks(const std::vector<std::string>& reasons) {
     const QString clause = QString::fromStdString(reason);
     remarks << clause.left(1).toUpper() + clause.mid(1) + QLatin1Char('.');
   }
-  if (const double accurate = analyser_.AccurateUpTo(); highest_ > accurate) {
+  const double accurate = analyser_.ResponseAt(analyser_.CursorSlot()).Subject().AccurateUpTo;
+  if (highest_ > accurate) {
     remarks << QStringLiteral(
                    "The sample time is short enough for what is read up to %1 Hz; "
                    "choose a shorter one for what is read above.")
