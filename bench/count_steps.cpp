@@ -3,9 +3,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "fused_loops.h"
+#include "loops/own_loops.h"
 #include "models/catalogue.h"
 #include "odeint_pi.h"
 
@@ -26,6 +29,18 @@ double RunEngine(long steps) {
   return model->Time();
 }
 
+// A loop's text, as a file of share/loops has it.
+double RunText(const std::string& file, long steps) {
+  std::ifstream stream(file);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  const auto plan = loops::ReadLoop(text.str()).Plan;
+  if (!plan) return 0.0;
+  const auto model = loops::MakeLoop(file, plan);
+  model->Solver().RunUntil((static_cast<double>(steps) - 0.5) * plan->Step);
+  return model->Time();
+}
+
 template <class Loop>
 double Run(bool engine, long steps) {
   return engine ? RunEngine<Loop>(steps) : RunLoop<Loop>(steps);
@@ -34,7 +49,9 @@ double Run(bool engine, long steps) {
 int Count(const std::string& side, const std::string& figure, long steps) {
   const bool engine = side == "engine";
   double result = 0.0;
-  if (side == "odeint") {
+  if (side == "text") {
+    result = RunText(figure, steps);
+  } else if (side == "odeint") {
     result = RunLoop<OdeintAnalogPI>(steps);
   } else if (figure == "2-1") {
     result = Run<FusedPiPlus>(engine, steps);
@@ -45,7 +62,7 @@ int Count(const std::string& side, const std::string& figure, long steps) {
   } else if (figure == "15-1") {
     result = Run<FusedResonance>(engine, steps);
   } else {
-    std::fprintf(stderr, "usage: torvane_count engine|fused|odeint FIGURE STEPS\n");
+    std::fprintf(stderr, "usage: torvane_count engine|fused|odeint|text FIGURE|FILE STEPS\n");
     return 2;
   }
   std::printf("%.17g\n", result);

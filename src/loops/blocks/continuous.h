@@ -1,0 +1,62 @@
+#pragma once
+
+#include <tuple>
+#include <vector>
+
+#include "core/variable.h"
+#include "loops/block_type.h"
+
+namespace torvane::loops {
+
+// The continuous blocks of the library, as the built-in models have them: each evaluation leaves
+// outputs for the next one.
+
+/// Lends a library block its states from the registers. The derived class sets parameters, and
+/// offers TakeInputs and HandOutputs.
+template <class Derived, class Library>
+class LibraryBlock : public Block {
+ public:
+  void Update(const Moment& /*now*/) final {
+    static_cast<Derived*>(this)->TakeInputs();
+    LendStates();
+    library_.Evaluate();
+    std::apply(
+        [this](const auto&... state) {
+          double* slope = slopes_;
+          ((*slope++ = state.Derivative), ...);
+        },
+        library_.States());
+    static_cast<Derived*>(this)->HandOutputs();
+  }
+
+  void Reset(ResetKind kind) final {
+    LendStates();
+    library_.FollowReset(kind);
+    static_cast<Derived*>(this)->HandOutputs();
+  }
+
+ protected:
+  LibraryBlock(const Wiring& wiring, const Library& library)
+      : wiring_(wiring), library_(library), states_(wiring.States()), slopes_(wiring.Slopes()) {}
+
+  const Wiring wiring_;
+  Library library_;
+
+ private:
+  void LendStates() {
+    std::apply(
+        [this](auto&... state) {
+          const double* value = states_;
+          ((state.Value = *value++), ...);
+        },
+        library_.States());
+  }
+
+  const double* states_;
+  double* slopes_;
+};
+
+/// Torvane.Continuous.LowPass1, LowPass2, Notch, TwoPoleTwoZero and Torvane.Mechanics.TwoInertia.
+std::vector<BlockType> LibraryBlockTypes();
+
+}  // namespace torvane::loops

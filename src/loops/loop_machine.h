@@ -1,0 +1,99 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "core/variable.h"
+#include "library/d_controller.h"
+#include "loops/block.h"
+#include "loops/instruction.h"
+#include "loops/loop_plan.h"
+
+namespace torvane::loops {
+
+/// A loop's numbers and what moves them: registers, blocks and clocks of one model.
+///
+/// States are integrated among the registers; what the bench knows of them (States) is brought up
+/// to date by LeaveStates and read by TakeStates.
+class LoopMachine {
+ public:
+  /// The plan outlives the machine.
+  explicit LoopMachine(const LoopPlan& plan);
+  LoopMachine(const LoopMachine&) = delete;
+  LoopMachine& operator=(const LoopMachine&) = delete;
+
+  double& Register(int index) { return registers_[static_cast<std::size_t>(index)]; }
+  double Register(int index) const { return registers_[static_cast<std::size_t>(index)]; }
+  State& StateOf(std::size_t index) { return states_[index]; }
+  std::size_t StateCount() const { return states_.size(); }
+  const Block& BlockAt(std::size_t index) const { return *blocks_[index]; }
+
+  /// The clock's next sample falls due at t.
+  void StartClock(std::size_t index, double t);
+
+  /// Constants have new values: computes what depends on them alone.
+  void Prepare();
+
+  /// A step of the solver begins at t; sources have their values.
+  void BeginStep(double t) {
+    frame_.Now.StepStart = t;
+    Run(plan_.AtStep.data(), registers_.data(), frame_);
+  }
+  /// One evaluation: the equations at time t, and behind them blocks and clocks.
+  void Evaluate(double t) {
+    At(t);
+    Run(due_ ? evaluation_ : between_, registers_.data(), frame_);
+    TickClocks(t);
+  }
+  /// The same in two.
+  void EvaluateEquations(double t) {
+    At(t);
+    Run(plan_.Equations.data(), registers_.data(), frame_);
+  }
+  void Drive() {
+    Run(plan_.Updates.data(), registers_.data(), frame_);
+    TickClocks(frame_.Now.Time);
+  }
+
+  /// The states' values and slopes, one behind the other.
+  double* Values() { return registers_.data(); }
+  const double* Slopes() const { return registers_.data() + states_.size(); }
+  /// An equation gave a state a value for the end of the step, since it was asked last.
+  bool TakePending() { return std::exchange(frame_.Pending, false); }
+
+  void TakeStates();
+  void LeaveStates();
+  /// The slopes alone, for a solver that integrates States itself.
+  void LeaveSlopes();
+
+  /// Nothing that blocks remember stays. When everything goes, samples begin anew at `now`.
+  void Reset(ResetKind kind, double now);
+
+ private:
+  void At(double t) {
+    frame_.Now.Time = t;
+    registers_[static_cast<std::size_t>(plan_.Time)] = t;
+  }
+
+  // Most evaluations come before any sample is due.
+  void TickClocks(double t) {
+    if (t >= earliest_ || due_) Tick(t);
+  }
+  void Tick(double t);
+
+  const LoopPlan& plan_;
+  const Instruction* const evaluation_;
+  const Instruction* const between_;
+  std::vector<double> registers_;
+  std::vector<State> states_;
+  std::vector<ControllerClock> clocks_;
+  std::vector<std::unique_ptr<Block>> blocks_;
+  std::vector<Block*> blockAddresses_;
+  Frame frame_;
+  std::vector<double> nextSamples_;  ///< of the clocks
+  double earliest_;                  ///< of them
+  bool due_ = false;
+};
+
+}  // namespace torvane::loops

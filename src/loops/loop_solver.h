@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "core/solver.h"
+#include "loops/loop_machine.h"
+
+namespace torvane::loops {
+
+class OwnLoop;
+
+/// The general solver's step on a loop's registers: the same operations in the same order and to
+/// the bit, without the way through bench and blocks.
+class LoopSolver final : public ZelSolver {
+ public:
+  LoopSolver(ZelBenchTop& bench, double h, OwnLoop& loop, LoopMachine& machine, int maxOrder);
+
+  void RunUntil(double tEnd) override;
+  /// The general solver's way, for whoever wants to compare.
+  void RunGenerally(double tEnd) { ZelSolver::RunUntil(tEnd); }
+
+ private:
+  void Run(double tEnd);
+  long double Step(double t);
+  long double CombineStates();
+
+  OwnLoop& loop_;
+  LoopMachine& machine_;
+  std::vector<double> start_;
+  std::vector<double> sum_;
+};
+
+}  // namespace torvane::loops

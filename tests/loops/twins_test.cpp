@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "core/constant.h"
+#include "instruments/generator/wave.h"
+#include "loops/own_loop.h"
+#include "loops/own_loops.h"
+#include "models/catalogue.h"
+
+// Loops that are written as texts run as the built-in models that they were written after, to the
+// bit, with any constants and sources; and the general solver runs them as their own one does.
+
+namespace torvane::loops {
+namespace {
+
+std::string FileText(const std::string& name) {
+  std::ifstream file(TORVANE_SHARE "/loops/" + name);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+std::unique_ptr<ZelModel> Twin(const std::string& name) {
+  const LoopReading reading = ReadLoop(FileText(name + ".mo"));
+  for (const Problem& problem : reading.Problems) {
+    ADD_FAILURE() << name << ".mo:" << problem.Where.Line << ":" << problem.Where.Column << ": "
+                  << problem.Text;
+  }
+  return reading.Plan ? MakeLoop(name, reading.Plan) : nullptr;
+}
+
+struct Pair {
+  const char* BuiltIn;
+  const char* Twin;
+};
+void PrintTo(const Pair& pair, std::ostream* stream) {
+  *stream << pair.Twin;
+}
+
+/// Constants and sources of a model anywhere in their range; of a wide one mostly near the default.
+void Vary(ZelBenchTop& bench, unsigned seed) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> part(0.0, 1.0);
+  for (Constant* const constant : bench.Constants()) {
+    const double draw = part(random);
+    const double kind = part(random);
+    if (constant->IsList()) {
+      constant->Set(std::floor(draw * static_cast<double>(constant->Choices().size())));
+    } else if (kind < 0.5) {
+      constant->Set(constant->Default() * (0.5 + draw));
+    } else if (kind < 0.6) {
+      constant->Set(constant->Lower() +
+                    draw * draw * draw * (constant->Upper() - constant->Lower()));
+    }
+  }
+  for (Instrument* const instrument : bench.Instruments(InstrumentKind::WaveGenerator)) {
+    auto& wave = dynamic_cast<ZelWave&>(*instrument);
+    wave.SetWaveform(static_cast<int>(part(random) * ZelWave::WaveformCount));
+    wave.SetFreqHz(200.0 * part(random));
+    wave.SetAmplitude(100.0 * part(random));
+    wave.SetOffset(20.0 * (part(random) - 0.5));
+  }
+}
+
+std::string Until(ZelSolver& solver, double end, bool generally) {
+  try {
+    if (auto* const own = dynamic_cast<LoopSolver*>(&solver); own && generally) {
+      own->RunGenerally(end);
+    } else {
+      solver.RunUntil(end);
+    }
+    return "";
+  } catch (const SolverOverflow& overflow) {
+    return overflow.what();
+  }
+}
+
+std::vector<double> Row(const ZelBenchTop& bench, const ZelBenchTop& named) {
+  std::vector<double> row{bench.Time()};
+  for (const Variable* const signal : named.Variables()) {
+    if (!signal->Internal()) row.push_back(bench.FindVar(signal->Name())->DisplayValue());
+  }
+  return row;
+}
+
+class TwinTest : public testing::TestWithParam<Pair> {};
+
+TEST_P(TwinTest, RunsAsTheBuiltInModelToTheBit) {
+  const char* const wanted = std::getenv("TORVANE_TWIN_RUNS");
+  const unsigned runs = wanted ? static_cast<unsigned>(std::atoi(wanted)) : 6;
+  for (unsigned seed = 0; seed < runs; ++seed) {
+    const auto builtIn = LoadModel(FindModel(GetParam().BuiltIn));
+    builtIn->DropClassMemory();
+    const auto twin = Twin(GetParam().Twin);
+    const auto general = Twin(GetParam().Twin);
+    ASSERT_TRUE(twin && general);
+    if (seed > 0) {
+      Vary(builtIn->Bench(), seed);
+      Vary(twin->Bench(), seed);
+      Vary(general->Bench(), seed);
+    }
+    const double step = builtIn->Solver().Step();
+    for (int row = 1; row <= 60; ++row) {
+      // Now and then a whole screen, else a few steps.
+      const double end = builtIn->Time() + step * (row % 5 == 0 ? 400.3 : row % 7 + 0.5);
+      const std::string overflow = Until(builtIn->Solver(), end, false);
+      ASSERT_EQ(Until(twin->Solver(), end, false), overflow) << "set-up " << seed;
+      ASSERT_EQ(Until(general->Solver(), end, true), overflow) << "set-up " << seed;
+      const std::vector<double> expected = Row(builtIn->Bench(), builtIn->Bench());
+      ASSERT_EQ(Row(twin->Bench(), builtIn->Bench()), expected) << "set-up " << seed;
+      ASSERT_EQ(Row(general->Bench(), builtIn->Bench()), expected) << "generally, set-up " << seed;
+      if (!overflow.empty()) break;
+      // From here on the built-in loops drop what they remember of the last sample.
+      constexpr double Sane = 1e190;
+      if (std::ranges::any_of(expected, [](double x) { return std::abs(x) > Sane; })) break;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Loops, TwinTest,
+                         testing::Values(Pair{"2-1 PI+ Controller", "PIPlus"},
+                                         Pair{"3-1 PI Controller", "AnalogPI"},
+                                         Pair{"4-1 Digital PI Controller", "DigitalPI"},
+                                         Pair{"6-1 PID Controller", "DigitalPID"},
+                                         Pair{"9-1 Analog Filters", "AnalogFilters"},
+                                         Pair{"15-1 Resonance", "Resonance"},
+                                         Pair{"16-1 Cascade Position Loop", "CascadePosition"}),
+                         [](const auto& pair) { return pair.param.Twin; });
+
+}  // namespace
+}  // namespace torvane::loops
