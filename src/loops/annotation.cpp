@@ -29,10 +29,8 @@ void Checker::TakeAnnotation() {
   }
   const Modifier* const vendor = Find(text_.Annotation, "__Torvane");
   if (!vendor) return;
-  RefuseModifiersBut(vendor->Inside, {"scope", "responses", "analysers", "picture", "text"},
-                     "__Torvane");
+  RefuseModifiersBut(vendor->Inside, {"scope", "responses", "analysers", "picture"}, "__Torvane");
   plan_->Instruments.Picture = TextOf(vendor->Inside, "picture");
-  plan_->Instruments.Text = TextOf(vendor->Inside, "text");
   if (const Modifier* const scope = Find(vendor->Inside, "scope")) TakeScope(*scope);
   if (const Modifier* const responses = Find(vendor->Inside, "responses")) {
     TakeResponses(*responses);

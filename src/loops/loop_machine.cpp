@@ -5,12 +5,6 @@
 
 namespace torvane::loops {
 
-namespace {
-
-constexpr double Never = std::numeric_limits<double>::infinity();
-
-}  // namespace
-
 LoopMachine::LoopMachine(const LoopPlan& plan)
     : plan_(plan),
       evaluation_(plan.Evaluation.data()),
@@ -18,8 +12,7 @@ LoopMachine::LoopMachine(const LoopPlan& plan)
       registers_(static_cast<std::size_t>(plan.Registers)),
       states_(plan.States.size()),
       clocks_(plan.Clocks.size()),
-      nextSamples_(plan.Clocks.size()),
-      earliest_(plan.Clocks.empty() ? Never : 0.0) {
+      earliest_(EarliestSample()) {
   for (const auto& [reg, value] : plan.Numbers) Register(reg) = value;
   blocks_.reserve(plan.Blocks.size());
   for (const LoopPlan::Block& block : plan.Blocks) {
@@ -45,19 +38,22 @@ void LoopMachine::Prepare() {
 
 void LoopMachine::StartClock(std::size_t index, double t) {
   clocks_[index].StartAt(t);
-  nextSamples_[index] = t;
-  earliest_ = *std::min_element(nextSamples_.begin(), nextSamples_.end());
+  earliest_ = EarliestSample();
 }
 
 void LoopMachine::Tick(double t) {
   due_ = false;
-  for (std::size_t i = 0; i < clocks_.size(); ++i) {
-    clocks_[i].Tick(t);
-    if (!clocks_[i].SampleDue()) continue;
-    due_ = true;
-    nextSamples_[i] += clocks_[i].Period();
+  for (ControllerClock& clock : clocks_) {
+    clock.Tick(t);
+    due_ = due_ || clock.SampleDue();
   }
-  earliest_ = *std::min_element(nextSamples_.begin(), nextSamples_.end());
+  earliest_ = EarliestSample();
+}
+
+double LoopMachine::EarliestSample() const {
+  double earliest = std::numeric_limits<double>::infinity();
+  for (const ControllerClock& clock : clocks_) earliest = std::min(earliest, clock.NextSample());
+  return earliest;
 }
 
 void LoopMachine::TakeStates() {

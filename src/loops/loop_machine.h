@@ -29,6 +29,7 @@ class LoopMachine {
   std::size_t StateCount() const { return states_.size(); }
   const Block& BlockAt(std::size_t index) const { return *blocks_[index]; }
 
+  const ControllerClock& ClockAt(std::size_t index) const { return clocks_[index]; }
   /// The clock's next sample falls due at t.
   void StartClock(std::size_t index, double t);
 
@@ -81,6 +82,7 @@ class LoopMachine {
     if (t >= earliest_ || due_) Tick(t);
   }
   void Tick(double t);
+  double EarliestSample() const;
 
   const LoopPlan& plan_;
   const Instruction* const evaluation_;
@@ -91,8 +93,7 @@ class LoopMachine {
   std::vector<std::unique_ptr<Block>> blocks_;
   std::vector<Block*> blockAddresses_;
   Frame frame_;
-  std::vector<double> nextSamples_;  ///< of the clocks
-  double earliest_;                  ///< of them
+  double earliest_;  ///< of the clocks' next samples
   bool due_ = false;
 };
 

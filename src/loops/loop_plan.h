@@ -93,7 +93,6 @@ struct LoopPlan {
     std::optional<int> FftOrder;
     std::optional<double> FftSamplePeriod;
     std::string Picture;
-    std::string Text;
   };
 
   std::string Name;

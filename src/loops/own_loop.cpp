@@ -68,9 +68,11 @@ std::unique_ptr<Constant> Made(ZelBenchTop& bench, const LoopPlan::Constant& con
 
 }  // namespace
 
-OwnLoop::OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan)
+OwnLoop::OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan,
+                 const std::string& file, std::string text)
     : ZelModel(name),
       plan_(std::move(plan)),
+      text_(std::move(text)),
       machine_(*plan_),
       solver_(SetSolver(
           std::make_unique<LoopSolver>(Bench(), plan_->Step, *this, machine_, MaxOrder(*plan_)))),
@@ -90,7 +92,7 @@ OwnLoop::OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan)
   if (plan_->Instruments.ScopeDivision) {
     scope_->SetHorizontalScale(scope_->TimeChannel(), *plan_->Instruments.ScopeDivision);
   }
-  SetFiles(plan_->Instruments.Picture, plan_->Instruments.Text);
+  SetFiles(plan_->Instruments.Picture, file);
 }
 
 void OwnLoop::MakeSignals() {
@@ -154,15 +156,24 @@ void OwnLoop::SetUpResponses() {
       wanted.FftSamplePeriod.value_or(std::max(analysers_->Fft.TSample(), plan_->Step));
   if (period != analysers_->Fft.TSample()) analysers_->Fft.SetTSample(period);
   if (wanted.FftOrder || wanted.FftSamplePeriod) analysers_->Fft.AutoRange();
-  analysers_->SetLoop([this] { return NamedLoop(); });
+  const std::optional<std::size_t> slowest = SlowestClock();
+  analysers_->SetLoop(slowest ? &machine_.ClockAt(*slowest) : nullptr,
+                      [this] { return NamedLoop(); });
+}
+
+// A loop of several sample periods repeats itself with the longest.
+std::optional<std::size_t> OwnLoop::SlowestClock() const {
+  std::optional<std::size_t> slowest;
+  for (std::size_t i = 0; i < plan_->Clocks.size(); ++i) {
+    if (!slowest || machine_.ClockAt(i).Period() > machine_.ClockAt(*slowest).Period()) slowest = i;
+  }
+  return slowest;
 }
 
 ModelLoop OwnLoop::NamedLoop() const {
   const LoopPlan::Feedback& loop = plan_->Instruments.Loop;
   ModelLoop named{.Input = loop.Input, .Output = loop.Output, .FromClosed = loop.FromClosed};
-  for (const LoopPlan::Clock& clock : plan_->Clocks) {
-    named.SampleTime = std::max(named.SampleTime, machine_.Register(clock.Period));
-  }
+  if (const auto slowest = SlowestClock()) named.SampleTime = machine_.ClockAt(*slowest).Period();
   const auto take = [this](const auto& conditions, auto& settings) {
     for (const auto& [name, value] : conditions) {
       settings.push_back({Bench().FindConst(name), value});

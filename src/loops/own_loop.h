@@ -21,13 +21,17 @@ namespace torvane::loops {
 /// A model that a text describes. It remembers nothing from one model to the next.
 class OwnLoop final : public ZelModel {
  public:
-  OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan);
+  /// `file` and `text` are where it comes from, when that is a file.
+  OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan,
+          const std::string& file = {}, std::string text = {});
 
   /// The equations on the states as the bench has them, for whoever evaluates the model from
   /// outside a run.
   void Derivatives(double t) override;
 
   const LoopPlan& Plan() const { return *plan_; }
+  /// What the file had in it when the model was made.
+  const std::string& Text() const { return text_; }
   LoopSolver& OwnSolver() { return solver_; }
 
   // For the solver.
@@ -42,11 +46,13 @@ class OwnLoop final : public ZelModel {
   void MakeSignals();
   void MakeAnalysers();
   void SetUpResponses();
+  std::optional<std::size_t> SlowestClock() const;
   ModelLoop NamedLoop() const;
   void HandOnConstants();
   void TakeSources(double t);
 
   std::shared_ptr<const LoopPlan> plan_;
+  std::string text_;
   LoopMachine machine_;
   LoopSolver& solver_;
   std::vector<std::unique_ptr<Constant>> constants_;

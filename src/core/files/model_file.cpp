@@ -2,6 +2,7 @@
 
 #include "core/constant.h"
 #include "core/files/atomic_save.h"
+#include "core/files/loop_record.h"
 #include "core/files/record.h"
 #include "core/instrument.h"
 
@@ -10,6 +11,7 @@ namespace torvane {
 std::string ModelFileText(const ZelModel& model) {
   std::string text;
   text += std::string("Application,") + ApplicationTitle + "\r\n";
+  text += LoopRecord(model);
   text += "Model," + model.Name() + "\r\n";
   for (const Constant* constant : model.Bench().Constants()) {
     AppendRecord(text, "Constant", {constant->Name(), constant->FileText()});
