@@ -62,7 +62,9 @@ equation
   der(pM) = vM;
   annotation(
     experiment(Interval = 1e-5),
-    __Torvane(responses(
-      Closed(from = vC, to = vF),
-      Open(from = vE, to = vF, kind = "open", linear('Use Res?' = false)))));
+    __Torvane(
+      responses(
+        Closed(from = vC, to = vF),
+        Open(from = vE, to = vF, kind = "open", linear('Use Res?' = false))),
+      analysers(order = 14)));
 end DigitalPI;

@@ -151,11 +151,12 @@ void OwnLoop::SetUpResponses() {
   for (const LoopPlan::Pair& pair : wanted.Pairs) {
     analysers_->AddSetup(pair.Name, pair.Input, pair.Output, pair.PhaseAdd);
   }
-  if (wanted.FftOrder) analysers_->Fft.SetOrder(*wanted.FftOrder);
-  const double period =
-      wanted.FftSamplePeriod.value_or(std::max(analysers_->Fft.TSample(), plan_->Step));
-  if (period != analysers_->Fft.TSample()) analysers_->Fft.SetTSample(period);
-  if (wanted.FftOrder || wanted.FftSamplePeriod) analysers_->Fft.AutoRange();
+  constexpr int UsualOrder = 13;
+  analysers_->Fft.SetOrder(wanted.FftOrder.value_or(UsualOrder));
+  const double usualPeriod = analysers_->Fft.TSample();
+  const double period = wanted.FftSamplePeriod.value_or(std::max(usualPeriod, plan_->Step));
+  if (period != usualPeriod) analysers_->Fft.SetTSample(period);
+  if (period != usualPeriod) analysers_->Fft.AutoRange();
   const std::optional<std::size_t> slowest = SlowestClock();
   analysers_->SetLoop(slowest ? &machine_.ClockAt(*slowest) : nullptr,
                       [this] { return NamedLoop(); });
@@ -190,7 +191,7 @@ void OwnLoop::BeginRun() {
 }
 
 void OwnLoop::HandOnConstants() {
-  bool changed = false;
+  bool changed = !prepared_;
   for (std::size_t i = 0; i < constants_.size(); ++i) {
     const double value = constants_[i]->Value();
     if (value == handedOn_[i]) continue;
@@ -201,6 +202,7 @@ void OwnLoop::HandOnConstants() {
         constant.Choices.empty() ? value / constant.Factor : value + constant.First;
   }
   if (!changed) return;
+  prepared_ = true;
   machine_.Prepare();
   for (std::size_t i = 0; i < states_.size(); ++i) {
     const int start = plan_->States[i].Start;

@@ -57,6 +57,7 @@ class OwnLoop final : public ZelModel {
   LoopSolver& solver_;
   std::vector<std::unique_ptr<Constant>> constants_;
   std::vector<double> handedOn_;  ///< the constants' values, as the registers have them
+  bool prepared_ = false;
   TimeVariable time_;
   std::vector<std::unique_ptr<Variable>> signals_;
   std::vector<StateVariable*> states_;

@@ -34,7 +34,7 @@ TEST_P(Transcript, GoesAsWritten) {
 }
 
 std::vector<std::string> Transcripts() {
-  std::vector<std::string> names{"usage", "run", "model_files", "responses", "studies"};
+  std::vector<std::string> names{"usage", "run", "model_files", "responses", "studies", "loops"};
 #ifdef TORVANE_PICTURES
   names.push_back("pictures");
 #endif

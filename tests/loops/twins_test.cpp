@@ -1,16 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 #include "core/constant.h"
 #include "instruments/generator/wave.h"
 #include "loops/own_loop.h"
-#include "loops/own_loops.h"
+#include "loops/shipped.h"
 #include "models/catalogue.h"
 
 // Loops that are written as texts run as the built-in models that they were written after, to the
@@ -18,22 +14,6 @@
 
 namespace torvane::loops {
 namespace {
-
-std::string FileText(const std::string& name) {
-  std::ifstream file(TORVANE_SHARE "/loops/" + name);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-std::unique_ptr<ZelModel> Twin(const std::string& name) {
-  const LoopReading reading = ReadLoop(FileText(name + ".mo"));
-  for (const Problem& problem : reading.Problems) {
-    ADD_FAILURE() << name << ".mo:" << problem.Where.Line << ":" << problem.Where.Column << ": "
-                  << problem.Text;
-  }
-  return reading.Plan ? MakeLoop(name, reading.Plan) : nullptr;
-}
 
 struct Pair {
   const char* BuiltIn;
@@ -97,8 +77,8 @@ TEST_P(TwinTest, RunsAsTheBuiltInModelToTheBit) {
   for (unsigned seed = 0; seed < runs; ++seed) {
     const auto builtIn = LoadModel(FindModel(GetParam().BuiltIn));
     builtIn->DropClassMemory();
-    const auto twin = Twin(GetParam().Twin);
-    const auto general = Twin(GetParam().Twin);
+    const auto twin = ShippedLoop(GetParam().Twin);
+    const auto general = ShippedLoop(GetParam().Twin);
     ASSERT_TRUE(twin && general);
     if (seed > 0) {
       Vary(builtIn->Bench(), seed);

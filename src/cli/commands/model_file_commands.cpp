@@ -2,6 +2,7 @@
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
+#include "cli/model/loop_loading.h"
 #include "cli/model/model_file_loading.h"
 #include "cli/model/model_options.h"
 #include "cli/model/scope_settings.h"
@@ -11,6 +12,7 @@ namespace torvane::cli {
 namespace {
 
 void Check(const std::string& path, Console& console) {
+  if (NamesLoop(path)) return CheckLoop(path, console);
   CheckModelFile(path, console);
   if (console.Reports() > 0) throw FileError("");
 }
@@ -30,9 +32,11 @@ void Convert(const ConvertOptions& options, const std::string& path, Console& co
 
 void AddCheckCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
-      "check", "Load a model file and report what is wrong with it; exit code 3 if anything is");
+      "check",
+      "Load a model file or a loop (.mo) and report all that is wrong with it; exit code 3 if "
+      "anything is");
   const auto path = std::make_shared<std::string>();
-  command->add_option("FILE", *path, "Model file")->required()->type_name("");
+  command->add_option("FILE", *path, "Model file, or loop")->required()->type_name("");
   command->callback([path, &console] { Check(*path, console); });
 }
 

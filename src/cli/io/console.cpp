@@ -77,6 +77,10 @@ void Console::Report(std::string_view label, std::string_view text) {
   std::fputs(line.c_str(), stderr);
 }
 
+void Console::Print(std::string_view lines) {
+  std::fputs((std::string(lines) + "\n").c_str(), stderr);
+}
+
 void Console::ApplySettings(const std::function<void()>& apply) {
   const int before = errors_;
   apply();

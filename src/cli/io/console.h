@@ -24,6 +24,9 @@ class Console final : public MessageSink {
   /// Prints label + ": " + text, line ends turned into blanks.
   void Report(std::string_view label, std::string_view text);
 
+  /// Prints lines as they stand, a part of the report before them.
+  void Print(std::string_view lines);
+
   /// What every question is answered with: OK, or Cancel unless the user asked for OK.
   void SetAnswerOk(bool answerOk) { answerOk_ = answerOk; }
 

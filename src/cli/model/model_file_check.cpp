@@ -57,7 +57,8 @@ std::vector<Record> Records(std::string_view text) {
 }
 
 bool IsHead(const Record& record) {
-  return record.Field(0) == "Application" || record.Field(0) == "Model";
+  return record.Field(0) == "Application" || record.Field(0) == "Loop" ||
+         record.Field(0) == "Model";
 }
 
 }  // namespace

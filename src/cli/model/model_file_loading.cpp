@@ -3,6 +3,7 @@
 #include <set>
 
 #include "cli/command_error.h"
+#include "cli/model/loop_loading.h"
 #include "cli/model/model_file_check.h"
 #include "core/messages.h"
 #include "models/catalogue.h"
@@ -34,7 +35,8 @@ class ConsoleHost final : public CatalogueHost {
   std::set<int> reported_;
 };
 
-void Load(const std::string& path, ConsoleHost& host, const std::string& text) {
+void Load(const std::string& path, ConsoleHost& host, const std::string& text, Console& console) {
+  AddLoopOf(path, text, host.Models, console);
   // Records may stand before the line that names their model.
   const std::string name = ModelNameIn(text);
   if (host.InCatalogue(name)) host.ChangeModel(name);
@@ -53,7 +55,7 @@ std::string ReadModelFile(const std::string& path) {
 std::unique_ptr<ZelModel> OpenModelText(const std::string& path, const std::string& text,
                                         Console& console) {
   ConsoleHost host(path, console);
-  Load(path, host, text);
+  Load(path, host, text, console);
   return std::move(host.Model);
 }
 
@@ -64,7 +66,7 @@ std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Console& consol
 void CheckModelFile(const std::string& path, Console& console) {
   ConsoleHost host(path, console);
   const std::string text = ReadModelFile(path);
-  Load(path, host, text);
+  Load(path, host, text, console);
   RemarkOnLines(text, *host.Model, host.Reported(), [&](int line, const std::string& remark) {
     host.AtLine(line);
     Note(remark);

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "cli/io/names.h"
+#include "cli/model/loop_loading.h"
 #include "cli/model/model_file_loading.h"
 #include "cli/model/settings.h"
 #include "core/text.h"
@@ -14,7 +15,8 @@ namespace torvane::cli {
 void AddModelName(CLI::App& command, std::string& model) {
   command
       .add_option("MODEL", model,
-                  "Name or index of a model, as \"models\" lists them, or a model file")
+                  "Name or index of a model, as \"models\" lists them, a model file, or a loop of "
+                  "your own, a file that ends in .mo")
       ->required()
       ->type_name("");
 }
@@ -43,7 +45,7 @@ void AddModelSettings(CLI::App& command, ModelOptions& options) {
 }
 
 bool NamesModelFile(const std::string& text) {
-  if (Catalogue().Find(text) || ParseInteger(text)) return false;
+  if (Catalogue().Find(text) || ParseInteger(text) || NamesLoop(text)) return false;
   std::error_code failure;
   return text.ends_with(".tvf") || text.find('/') != std::string::npos ||
          std::filesystem::exists(text, failure);
@@ -67,6 +69,7 @@ std::string ModelName(const Catalogue& catalogue, const std::string& text) {
 }  // namespace
 
 std::unique_ptr<ZelModel> OpenModel(const std::string& text, Console& console) {
+  if (NamesLoop(text)) return OpenLoop(text, console);
   if (NamesModelFile(text)) return OpenModelFile(text, console);
   const Catalogue catalogue;
   std::unique_ptr<ZelModel> model = catalogue.Load(ModelName(catalogue, text));

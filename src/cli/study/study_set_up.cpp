@@ -6,10 +6,12 @@
 #include "cli/command_error.h"
 #include "cli/model/assignment.h"
 #include "core/csv.h"
+#include "core/files/loop_record.h"
 #include "core/files/model_file.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "core/version.h"
+#include "loops/own_loop.h"
 
 namespace torvane::cli {
 namespace {
@@ -95,7 +97,14 @@ StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
   identity.Add("program", Version());
   identity.Add("model", model.Name());
   for (const auto& [name, value] : options.Given) identity.Add(name, value);
-  identity.AddSum("set-up", ModelFileText(model));
+  // Where an own loop's file is makes no other study, what stands in it does.
+  const std::string setUp = ModelFileText(model);
+  const std::string loop = LoopRecord(model);
+  identity.AddSum("set-up",
+                  setUp.substr(0, setUp.find(loop)) + setUp.substr(setUp.find(loop) + loop.size()));
+  if (const auto* const own = dynamic_cast<const loops::OwnLoop*>(&model)) {
+    identity.AddSum("loop", own->Text());
+  }
   identity.Add(RunsPart, std::to_string(design.Runs.size()));
   std::string table = CsvLine(design.Names);
   for (const auto& run : design.Runs) table += CsvLine(run);
