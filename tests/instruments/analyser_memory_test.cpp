@@ -233,8 +233,7 @@ TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
     Xfer.SetCursors(static_cast<ZelXfer::CursorMode>(cursors));
     Xfer.SetCursorPixel(0, first);
     Xfer.SetCursorPixel(1, second);
-    AutoFind(Xfer, Width);
-    EXPECT_EQ(Xfer.CursorPixel(0), then) << what << " from " << first;
+    EXPECT_EQ(AutoFind(Xfer, Width).value_or(first), then) << what << " from " << first;
     EXPECT_EQ(Reports.Take(), *note ? Messages{std::string("Note: ").append(note)} : Messages{})
         << what;
   }
@@ -243,10 +242,9 @@ TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
   Xfer.SetCursors(ZelXfer::CursorMode::One);
   Xfer.SetCursorPixel(0, 0);
   Xfer.SetFindType("-180 deg");
-  AutoFind(Xfer, Width);
-  EXPECT_EQ(Xfer.CursorPixel(0), 48);
+  EXPECT_EQ(AutoFind(Xfer, Width), 48);
   Xfer.SetShown(1, false);
-  AutoFind(Xfer, Width);
+  EXPECT_FALSE(AutoFind(Xfer, Width));
   EXPECT_EQ(Reports.Take(), Messages{"Note: Cursor waveform is not showing"});
 }
 

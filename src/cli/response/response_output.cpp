@@ -103,7 +103,7 @@ std::string SampleTimeWarning(double accurateUpTo) {
          " Hz.  Choose a shorter one (--tsample) for what is read above.";
 }
 
-void PrintMargins(FrequencyAnalyser& analyser, ReadAs as) {
+void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as) {
   ResultFile output("");
   output.Write(CsvLine({"Response", "Measure", "Frequency", "Value", "Unit"}));
   MarginReader reader;

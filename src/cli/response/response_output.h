@@ -23,7 +23,7 @@ bool WritesPoints(const ResponseOptions& options);
 
 /// Prints what is read off the measured response, and off the overlay, to standard output; notes
 /// why nothing is.
-void PrintMargins(FrequencyAnalyser& analyser, ReadAs as);
+void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as);
 
 /// That figures above the frequency, Hz, are not trustworthy.
 std::string SampleTimeWarning(double accurateUpTo);

@@ -39,7 +39,7 @@ struct Columns {
 
 class Search {
  public:
-  Search(FrequencyAnalyser& analyser, int plotWidth, const FindTarget& target)
+  Search(const FrequencyAnalyser& analyser, int plotWidth, const FindTarget& target)
       : analyser_(analyser), width_(plotWidth), target_(target) {}
 
   std::optional<int> In(const Columns& columns) const {
@@ -97,42 +97,41 @@ class Search {
     return found;
   }
 
-  FrequencyAnalyser& analyser_;
+  const FrequencyAnalyser& analyser_;
   int width_;
   const FindTarget& target_;
 };
 
 // An extreme is the one of the whole plot whatever was found on the way there.
-void FindWithOneCursor(FrequencyAnalyser& analyser, int plotWidth, const FindTarget& target) {
+std::optional<int> FindWithOneCursor(const FrequencyAnalyser& analyser, int plotWidth,
+                                     const FindTarget& target) {
   const Search search(analyser, plotWidth, target);
   const int last = plotWidth - RightMargin;
   const bool extreme = target.What == Kind::GainMax || target.What == Kind::GainMin;
   std::optional<int> found;
   if (!extreme) found = search.In({analyser.CursorPixel(0), last});
   if (!found) found = search.In({0, last});
-  if (found) {
-    analyser.SetCursorPixel(0, *found);
-  } else {
-    Note("Could not find " + analyser.FindType() + " on screen");
-  }
+  if (!found) Note("Could not find " + analyser.FindType() + " on screen");
+  return found;
 }
 
-void FindBetweenCursors(FrequencyAnalyser& analyser, int plotWidth, const FindTarget& target) {
+std::optional<int> FindBetweenCursors(const FrequencyAnalyser& analyser, int plotWidth,
+                                      const FindTarget& target) {
   const std::array at = {analyser.CursorPixel(0), analyser.CursorPixel(1)};
   const auto found =
       Search(analyser, plotWidth, target).In({std::min(at[0], at[1]), std::max(at[0], at[1])});
   if (!found) {
     Note("Could not find " + analyser.FindType() + " between cursors");
-    return;
+    return std::nullopt;
   }
   if (target.What == Kind::GainMax || target.What == Kind::GainMin) {
     const std::string name = target.What == Kind::GainMax ? "Gain Maximum" : "Gain Minimum";
     if (*found == at[0] || *found == at[1]) {
       Note(name + " at Cursor" + (*found == at[0] ? "1" : "2"));
-      return;
+      return std::nullopt;
     }
   }
-  analyser.SetCursorPixel(0, *found);
+  return found;
 }
 
 }  // namespace
@@ -150,12 +149,12 @@ std::optional<FindTarget> ParseFindTarget(const std::string& text) {
   return std::nullopt;
 }
 
-void AutoFind(FrequencyAnalyser& analyser, int plotWidth) {
+std::optional<int> AutoFind(const FrequencyAnalyser& analyser, int plotWidth) {
   const CursorMode mode = analyser.Cursors();
-  if (mode == CursorMode::None) return;
+  if (mode == CursorMode::None) return std::nullopt;
   if (mode == CursorMode::Two && analyser.CursorPixel(0) == analyser.CursorPixel(1)) {
     Note("Cursors are in same position.\nMove one cursor or configure screen for one cursor.");
-    return;
+    return std::nullopt;
   }
   const auto target = ParseFindTarget(analyser.FindType());
   if (!target) {
@@ -163,10 +162,11 @@ void AutoFind(FrequencyAnalyser& analyser, int plotWidth) {
   } else if (!analyser.TraceAt(analyser.CursorSlot()).Shown) {
     Note("Cursor waveform is not showing");
   } else if (mode == CursorMode::One) {
-    FindWithOneCursor(analyser, plotWidth, *target);
+    return FindWithOneCursor(analyser, plotWidth, *target);
   } else {
-    FindBetweenCursors(analyser, plotWidth, *target);
+    return FindBetweenCursors(analyser, plotWidth, *target);
   }
+  return std::nullopt;
 }
 
 }  // namespace torvane

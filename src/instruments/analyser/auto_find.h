@@ -18,14 +18,14 @@ struct FindTarget {
 /// nothing when the text is none of these.
 std::optional<FindTarget> ParseFindTarget(const std::string& text);
 
-/// Searches the trace that the cursors read for what the analyser's selection says, and moves
-/// cursor 1 to it; notes what cannot be found. A column of the plot, `plotWidth` pixels wide, is
-/// one step of the search. With one cursor it goes on from there and then over the whole plot, with
-/// two it stays between them; without cursors nothing is searched.
+/// Searches the trace that the cursors read for what the analyser's selection says. The result is
+/// the column to which cursor 1 belongs; what cannot be found is noted. A column of the plot,
+/// `plotWidth` pixels wide, is one step of the search. With one cursor it goes on from there and
+/// then over the whole plot, with two it stays between them; without cursors nothing is searched.
 ///
 /// The level lies between the first value of a search and the one found, however many columns are
 /// between them: a trace that starts beyond the level is found where it comes back. Phases
 /// that are not shown unwrapped are the same a turn away, and go on through a wrap.
-void AutoFind(FrequencyAnalyser& analyser, int plotWidth);
+std::optional<int> AutoFind(const FrequencyAnalyser& analyser, int plotWidth);
 
 }  // namespace torvane

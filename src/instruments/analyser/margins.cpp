@@ -218,7 +218,7 @@ Margins FindMargins(std::span<const ResponsePoint> unwrapped, ReadAs as) {
   return margins;
 }
 
-const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, ReadAs as,
+const Margins& MarginReader::Read(const FrequencyAnalyser& analyser, int slot, ReadAs as,
                                   std::optional<double> highest) {
   ReadCurve(analyser, slot, curve_);
   const ResponseSubject& of = analyser.ResponseAt(slot).Subject();
@@ -232,7 +232,7 @@ const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot, ReadAs 
   return margins_;
 }
 
-const Margins& MarginReader::Read(FrequencyAnalyser& analyser, int slot) {
+const Margins& MarginReader::Read(const FrequencyAnalyser& analyser, int slot) {
   const ResponseView& view = analyser.View();
   return Read(analyser, slot, view.OpenLoop ? ReadAs::Unity : view.MarginsAs);
 }

@@ -65,10 +65,10 @@ class MarginReader {
   /// Up to an octave above what the response's sample time measures closely, or to `highest` Hz;
   /// one from a file whole. A response between the signals of the model's loop is an open one to
   /// ReadAs::Auto.
-  const Margins& Read(FrequencyAnalyser& analyser, int slot, ReadAs as,
+  const Margins& Read(const FrequencyAnalyser& analyser, int slot, ReadAs as,
                       std::optional<double> highest = std::nullopt);
   /// As the analyser's view has it.
-  const Margins& Read(FrequencyAnalyser& analyser, int slot);
+  const Margins& Read(const FrequencyAnalyser& analyser, int slot);
 
  private:
   ResponseCurve curve_;

@@ -183,7 +183,8 @@ void AnalyserWindow::Find() {
     ShowNotice(*ui_->SBFind, QStringLiteral("A search moves cursor 1: switch a cursor on"));
     return;
   }
-  AutoFind(analyser_, ui_->PBPlot->PlotWidth());
+  const std::optional<int> found = AutoFind(analyser_, ui_->PBPlot->PlotWidth());
+  if (found) analyser_.SetCursorPixel(0, *found);
 }
 
 void AnalyserWindow::ShowTrace(int slot, bool shown) {
