@@ -33,9 +33,6 @@ void KeepOverlay(ZelScope& scope, const std::string& path) {
 
 void ShowScope(const ScopeOptions& options, Console& console) {
   CheckPictureFile(options.Picture);
-  if (!options.Overlay.empty() && options.Picture.empty()) {
-    throw UsageError("--overlay needs --picture");
-  }
   CheckOutputs(options.Out, options.Picture, options.Overlay);
   const auto model = OpenModel(options.Model, console);
   ZelScope& scope = FirstScope(model->Bench());
@@ -63,13 +60,15 @@ void AddScopeCommand(CLI::App& app, Console& console) {
       ->required();
   command->add_option("--out", options->Out, "File to write; standard output without it")
       ->type_name("FILE.csv");
-  command->add_option("--picture", options->Picture, "Draw the screen into this file as well")
-      ->type_name("FILE.png|svg|pdf");
+  CLI::Option* const picture =
+      command->add_option("--picture", options->Picture, "Draw the screen into this file as well")
+          ->type_name("FILE.png|svg|pdf");
   command
       ->add_option(
           "--overlay", options->Overlay,
           "Lay the traces of this file, from a bench or --out, behind those of the picture")
-      ->type_name("FILE.csv");
+      ->type_name("FILE.csv")
+      ->needs(picture);
   command->callback([options, &console] { ShowScope(*options, console); });
 }
 

@@ -9,7 +9,8 @@
 namespace torvane::cli {
 namespace {
 
-// Results were made with all other options already.
+// Results were made with all other options already. Were they told apart by the parser, each would
+// say so in the help.
 void CheckMergeOptions(const CLI::App& command) {
   const std::set<std::string> fitting{"--merge", "--out", "--picture", "--chosen", "--map"};
   for (const CLI::Option* option : command.get_options()) {
@@ -46,15 +47,18 @@ void AddStudyCommand(CLI::App& app, Console& console) {
           "A table with a column for each constant or generator setting and a row for each "
           "run; a model or model file")
       ->type_name("");
-  command
-      ->add_option("--vary", options->Vary,
-                   "Vary a constant or generator setting, without a table; several make a grid. "
-                   "Repeatable")
-      ->allow_extra_args(false)
-      ->type_name("NAME=FROM:TO:COUNT[:log]");
-  AddInteger(*command, "--sample", options->Sample,
-             "Take so many samples of the ranges, a Latin hypercube, in place of the grid");
-  AddInteger(*command, "--seed", options->Seed, "Which samples (1 without it)");
+  CLI::Option* const vary =
+      command
+          ->add_option("--vary", options->Vary,
+                       "Vary a constant or generator setting, without a table; several make a "
+                       "grid. Repeatable")
+          ->allow_extra_args(false)
+          ->type_name("NAME=FROM:TO:COUNT[:log]");
+  CLI::Option* const sample =
+      AddInteger(*command, "--sample", options->Sample,
+                 "Take so many samples of the ranges, a Latin hypercube, in place of the grid")
+          ->needs(vary);
+  AddInteger(*command, "--seed", options->Seed, "Which samples (1 without it)")->needs(sample);
   AddMeasureOptions(*command, options->Measure);
   AddInteger(*command, "--jobs", options->Jobs,
              "Processes at a time; one a processor without it. The result is the same");
@@ -66,15 +70,18 @@ void AddStudyCommand(CLI::App& app, Console& console) {
                    "File to write; standard output without it. Until all runs are done their rows "
                    "stand in FILE.part, where the same command goes on after an end before time")
       ->type_name("FILE.csv");
-  command
-      ->add_option("--picture", options->Picture,
-                   "Draw the response of every run, or the map, into this file as well")
-      ->type_name("FILE.png|svg|pdf");
-  AddInteger(*command, "--chosen", options->Chosen, "Run that the picture sets off");
+  CLI::Option* const picture =
+      command
+          ->add_option("--picture", options->Picture,
+                       "Draw the response of every run, or the map, into this file as well")
+          ->type_name("FILE.png|svg|pdf");
+  AddInteger(*command, "--chosen", options->Chosen, "Run that the picture sets off")
+      ->needs(picture);
   command
       ->add_option("--map", options->Map,
                    "Draw this measure over the first two settings that vary instead")
-      ->type_name("MEASURE");
+      ->type_name("MEASURE")
+      ->needs(picture);
   command->callback([options, command, &console] {
     if (options->Merge) {
       CheckMergeOptions(*command);

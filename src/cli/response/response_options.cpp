@@ -54,12 +54,14 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
       ->type_name("FILE");
   command.add_option("--picture", options.Picture, "Draw gain and phase into this file as well")
       ->type_name("FILE.png|svg|pdf");
-  command.add_flag("--margins", options.Margins,
-                   "Print bandwidth, peaking, gain and phase margins; the points then go to --out "
-                   "only");
+  CLI::Option* const margins =
+      command.add_flag("--margins", options.Margins,
+                       "Print bandwidth, peaking, gain and phase margins; the points then go to "
+                       "--out only");
   AddChoice(command, "--read-as", options.MarginsAs, {ReadAsNames.begin(), ReadAsNames.end()},
             "What --margins takes the response for: an open loop, a closed one, a closed one whose "
-            "feedback is its output (margins are then computed), or what it looks like");
+            "feedback is its output (margins are then computed), or what it looks like")
+      ->needs(margins);
   CLI::Option* const overlay =
       command
           .add_option("--overlay", options.Overlay,
@@ -120,7 +122,6 @@ void ApplyOptions(FrequencyAnalyser& analyser, const ResponseOptions& options) {
   if (options.Margins && analyser.OutputOnly()) {
     throw UsageError("--margins needs a response; --no-spectrum measures one");
   }
-  if (options.MarginsAs && !options.Margins) throw UsageError("--read-as goes with --margins");
   for (const std::string& warning : analyser.Warnings()) Warning(warning);
 }
 

@@ -6,6 +6,7 @@
 
 #include "cli/command_error.h"
 #include "cli/io/interrupt.h"
+#include "cli/io/pictures.h"
 #include "cli/io/quiet.h"
 #include "cli/model/model_file_loading.h"
 #include "cli/study/study_result.h"
@@ -82,7 +83,7 @@ class Study {
 
 Study::Study(StudyOptions options, Console& console)
     : options_(std::move(options)), console_(console), design_(MakeDesign(options_)) {
-  CheckStudyPicture(options_);
+  CheckPictureFile(options_.Picture);
   CheckOutputs(options_.Out, options_.Picture, options_.Vary.empty() ? options_.Files[0] : "");
   share_ = RunsOfShare(options_.Shard, design_.Runs.size());
   processes_ = Processes(options_);
@@ -178,7 +179,7 @@ void RunStudy(StudyOptions options, Console& console) {
 
 void MergeStudies(const StudyOptions& options) {
   if (options.Files.empty()) throw UsageError("--merge needs the results of shares");
-  CheckStudyPicture(options);
+  CheckPictureFile(options.Picture);
   for (const std::string& path : options.Files) {
     CheckOutputs(options.Out, options.Picture, path);
   }

@@ -34,10 +34,7 @@ void RunStudy(StudyOptions options, Console& console);
 /// Puts the results of the shares of a study together.
 void MergeStudies(const StudyOptions& options);
 
-/// Refuses what does not make a picture, before anything is run for it.
-void CheckStudyPicture(const StudyOptions& options);
-
-/// The same of a table whose measures may still be empty.
+/// Refuses what does not make a picture of the table, whose measures may still be empty.
 void CheckStudyPicture(const StudyOptions& options, const std::string& table);
 
 /// Draws the responses that were collected or, with Map, a measure of the rows, which begin with

@@ -1,4 +1,3 @@
-#include "cli/command_error.h"
 #include "cli/io/pictures.h"
 #include "cli/study/study.h"
 #include "study/result_table.h"
@@ -16,13 +15,6 @@ StudyMap MapOf(const StudyOptions& options, const ResultTable& table) {
 }
 
 }  // namespace
-
-void CheckStudyPicture(const StudyOptions& options) {
-  CheckPictureFile(options.Picture);
-  if (!options.Picture.empty()) return;
-  if (!options.Map.empty()) throw UsageError("--map needs --picture");
-  if (options.Chosen) throw UsageError("--chosen needs --picture");
-}
 
 void CheckStudyPicture(const StudyOptions& options, const std::string& table) {
   if (options.Picture.empty()) return;

@@ -68,9 +68,7 @@ StudyRange ParseVaryRange(const std::string& text, bool sampled) {
 }
 
 StudyDesign MakeDesign(const StudyOptions& options) {
-  if (options.Seed && !options.Sample) throw UsageError("--seed needs --sample");
   if (options.Vary.empty()) {
-    if (options.Sample) throw UsageError("--sample needs ranges to sample, with --vary");
     if (options.Files.size() != 2) {
       throw UsageError("a study needs a table and a model, or a model and --vary");
     }
