@@ -153,8 +153,8 @@ void AnalyserWindow::ConnectCursors(ZelUndo& history) {
             [this, mode] { analyser_.SetCursors(static_cast<CursorMode>(mode)); });
     ++mode;
   }
-  connect(ui_->PBPlot, &ResponsePaintBox::MoveBegun, this, [&] { history.BeginGesture(); });
-  connect(ui_->PBPlot, &ResponsePaintBox::MoveEnded, this, [&] { history.EndGesture(); });
+  connect(ui_->PBPlot, &ResponsePaintBox::GestureBegun, this, [&] { history.BeginGesture(); });
+  connect(ui_->PBPlot, &ResponsePaintBox::GestureEnded, this, [&] { history.EndGesture(); });
   connect(ui_->CmBFindType->lineEdit(), &QLineEdit::editingFinished, this,
           [this] { analyser_.SetFindType(ui_->CmBFindType->currentText().toStdString()); });
   connect(ui_->CmBFindType, &QComboBox::activated, this,

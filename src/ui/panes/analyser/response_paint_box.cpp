@@ -10,8 +10,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "ui/widgets/picture_ground.h"
-
 namespace torvane {
 
 namespace {
@@ -21,12 +19,7 @@ constexpr double CursorReach = 12.0;  // pixels from its trace in a plane
 
 }  // namespace
 
-ResponsePaintBox::ResponsePaintBox(QWidget* parent) : QWidget(parent) {
-  setAttribute(Qt::WA_OpaquePaintEvent);
-  setMouseTracking(true);
-  connect(&wheel_, &WheelTurn::Begun, this, &ResponsePaintBox::MoveBegun);
-  connect(&wheel_, &WheelTurn::Ended, this, &ResponsePaintBox::MoveEnded);
-}
+ResponsePaintBox::ResponsePaintBox(QWidget* parent) : PictureBox(parent) {}
 
 void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
   analyser_ = &analyser;
@@ -40,7 +33,7 @@ QPoint ResponsePaintBox::QuietPlace(const QSize& size, ResponseQuantity plot) co
   const QRect room = screen()->availableGeometry();
   const QRect& plate =
       plot == ResponseQuantity::Gain ? painter_->GainPlate() : painter_->PhasePlate();
-  const QPoint corner = mapToGlobal((QPointF(plate.bottomLeft()) / ratio_).toPoint());
+  const QPoint corner = mapToGlobal((QPointF(plate.bottomLeft()) / Ratio()).toPoint());
   const QPoint at = corner - QPoint(-24, size.height() + 8);
   return {std::clamp(at.x(), room.left(), std::max(room.right() - size.width(), room.left())),
           std::clamp(at.y(), room.top(), std::max(room.bottom() - size.height(), room.top()))};
@@ -49,7 +42,7 @@ QPoint ResponsePaintBox::QuietPlace(const QSize& size, ResponseQuantity plot) co
 bool ResponsePaintBox::Refresh() {
   if (!painter_ || !isVisible()) return false;
   const bool changed = analyser_->TakeNeedsRedraw();
-  if (!changed && !stale_ && ratio_ == devicePixelRatioF()) return false;
+  if (!changed && !Stale()) return false;
   PaintAll();
   update();
   return true;
@@ -62,28 +55,25 @@ void ResponsePaintBox::SetMarks(const std::vector<ResponseMark>& marks) {
 }
 
 void ResponsePaintBox::PaintAll() {
-  ratio_ = devicePixelRatioF();
-  const QSizeF area = size().boundedTo(LargestPicture(*this));
-  const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
+  const QSize pixels = BeginPicture();
   if (picture_.size() != pixels) picture_ = QPixmap(pixels);
-  picture_.setDevicePixelRatio(ratio_);
-  painter_->Layout(pixels, ratio_, look_);
+  picture_.setDevicePixelRatio(Ratio());
+  painter_->Layout(pixels, Ratio(), Look());
   QPainter painter(&picture_);
-  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   if (ShowsPlane()) {
-    plane_->Layout(pixels, ratio_, look_);
+    plane_->Layout(pixels, Ratio(), Look());
     plane_->Paint(painter, Colours());
   } else {
     painter_->Paint(painter, Colours());
   }
-  stale_ = false;
 }
 
 void ResponsePaintBox::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
-  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   const ScopeColours colours = Colours();
   if (ShowsPlane()) {
     plane_->PaintCursors(painter, colours, PlotWidth());
@@ -99,18 +89,18 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
 // In a plane, of the point that is nearest.
 int ResponsePaintBox::ColumnAt(const QMouseEvent& event) const {
   if (ShowsPlane()) {
-    const auto nearest = plane_->NearestTo(event.position() * ratio_);
+    const auto nearest = plane_->NearestTo(event.position() * Ratio());
     const double hz = nearest ? nearest->Hz : analyser_->FreqMin();
     return static_cast<int>(std::lround(analyser_->AxisShare(hz) * PlotWidth()));
   }
-  return static_cast<int>(std::lround(event.position().x() * ratio_)) -
+  return static_cast<int>(std::lround(event.position().x() * Ratio())) -
          painter_->GainPlate().left();
 }
 
 bool ResponsePaintBox::TakesCursor(const QMouseEvent& event) const {
   if (analyser_->Cursors() == FrequencyAnalyser::CursorMode::None) return false;
   if (!ShowsPlane()) return true;
-  const auto nearest = plane_->NearestTo(event.position() * ratio_);
+  const auto nearest = plane_->NearestTo(event.position() * Ratio());
   return nearest && nearest->Distance <= CursorReach;
 }
 
@@ -121,9 +111,9 @@ void ResponsePaintBox::MoveTo(int cursor, int column) {
 void ResponsePaintBox::mousePressEvent(QMouseEvent* event) {
   const bool cursor = TakesCursor(*event);
   if (event->button() != Qt::LeftButton || (!cursor && !ShowsPlane())) return;
-  wheel_.End();
+  Wheel().End();
   moving_ = true;
-  emit MoveBegun();
+  emit GestureBegun();
   if (cursor) {
     const int x = ColumnAt(*event);
     const auto distance = [&](int of) { return std::abs(x - analyser_->CursorPixel(of)); };
@@ -131,7 +121,7 @@ void ResponsePaintBox::mousePressEvent(QMouseEvent* event) {
     dragged_ = two && distance(1) < distance(0) ? 1 : 0;
     MoveTo(*dragged_, x);
   } else {
-    mouse_->Press(event->position() * ratio_);
+    mouse_->Press(event->position() * Ratio());
     setCursor(Qt::ClosedHandCursor);
   }
 }
@@ -144,7 +134,7 @@ void ResponsePaintBox::mouseMoveEvent(QMouseEvent* event) {
   } else if (dragged_) {
     MoveTo(*dragged_, ColumnAt(*event));
   } else if (mouse_->Holds()) {
-    mouse_->MoveTo(event->position() * ratio_);
+    mouse_->MoveTo(event->position() * Ratio());
   }
 }
 
@@ -159,16 +149,16 @@ void ResponsePaintBox::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ResponsePaintBox::ShowWholePlane() {
-  emit MoveBegun();
+  emit GestureBegun();
   mouse_->ShowAll();
-  emit MoveEnded();
+  emit GestureEnded();
 }
 
 void ResponsePaintBox::wheelEvent(QWheelEvent* event) {
   event->setAccepted(ShowsPlane());
   if (!ShowsPlane() || mouse_->Holds() || dragged_) return;
-  const int steps = wheel_.StepsOf(*event);
-  if (steps != 0) mouse_->Turn(event->position() * ratio_, steps);
+  const int steps = Wheel().StepsOf(*event);
+  if (steps != 0) mouse_->Turn(event->position() * Ratio(), steps);
 }
 
 void ResponsePaintBox::ShowPointer(const QMouseEvent& event) {
@@ -180,7 +170,7 @@ void ResponsePaintBox::ShowPointer(const QMouseEvent& event) {
 void ResponsePaintBox::EndMove() {
   dragged_.reset();
   mouse_->Release();
-  if (std::exchange(moving_, false)) emit MoveEnded();
+  if (std::exchange(moving_, false)) emit GestureEnded();
 }
 
 void ResponsePaintBox::keyPressEvent(QKeyEvent* event) {
@@ -190,7 +180,7 @@ void ResponsePaintBox::keyPressEvent(QKeyEvent* event) {
     QWidget::keyPressEvent(event);
     return;
   }
-  if (!std::exchange(moving_, true)) emit MoveBegun();
+  if (!std::exchange(moving_, true)) emit GestureBegun();
   const int step = event->modifiers().testFlag(Qt::ControlModifier) ? FastStep : 1;
   // One that stands outside a plot that has become narrower starts from its edge.
   const int from = std::min(analyser_->CursorPixel(cursor), PlotWidth() - 1);
@@ -204,37 +194,6 @@ void ResponsePaintBox::keyReleaseEvent(QKeyEvent* event) {
 
 void ResponsePaintBox::contextMenuEvent(QContextMenuEvent* event) {
   emit MenuAsked(event->globalPos());
-}
-
-void ResponsePaintBox::resizeEvent(QResizeEvent*) {
-  stale_ = true;
-  Refresh();
-}
-
-void ResponsePaintBox::showEvent(QShowEvent*) {
-  stale_ = true;
-  Refresh();
-}
-
-void ResponsePaintBox::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
-    stale_ = true;
-    Refresh();
-  }
-  if (event->type() == QEvent::PaletteChange) emit ColoursChanged();
-}
-
-void ResponsePaintBox::SetLook(const TraceLook& look) {
-  if (look_ == look) return;
-  look_ = look;
-  stale_ = true;
-  Refresh();
-  emit ColoursChanged();
-}
-
-ScopeColours ResponsePaintBox::Colours() const {
-  return ColoursFor(palette(), look_.Colours);
 }
 
 }  // namespace torvane

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <QPixmap>
-#include <QWidget>
 #include <optional>
 
 #include "plot/response/plane_painter.h"
 #include "plot/response/response_painter.h"
 #include "ui/panes/analyser/plane_mouse.h"
-#include "ui/widgets/wheel_turn.h"
+#include "ui/widgets/picture_box.h"
 
 namespace torvane {
 
@@ -16,7 +15,7 @@ namespace torvane {
 /// the cursors every time. The mouse drags the cursor that is nearer, the arrow keys move the first
 /// one and with Shift the second, by ten columns with Ctrl. Beside the trace that the cursors read,
 /// Nyquist and Nichols plots move with the mouse (PlaneMouse).
-class ResponsePaintBox : public QWidget {
+class ResponsePaintBox : public PictureBox {
   Q_OBJECT
 
  public:
@@ -24,10 +23,6 @@ class ResponsePaintBox : public QWidget {
 
   /// The analyser to show; it must outlive this widget's use of it.
   void SetAnalyser(FrequencyAnalyser& analyser);
-
-  void SetLook(const TraceLook& look);
-  const TraceLook& Look() const { return look_; }
-  ScopeColours Colours() const;
 
   /// Columns of the plot, which cursors and searches count.
   int PlotWidth() const { return painter_->GainPlate().width(); }
@@ -49,11 +44,6 @@ class ResponsePaintBox : public QWidget {
   void SetMarks(const std::vector<ResponseMark>& marks);
 
  signals:
-  /// Traces have other colours than before.
-  void ColoursChanged();
-  /// Around the changes of a drag, or of a key that is held.
-  void MoveBegun();
-  void MoveEnded();
   void MenuAsked(const QPoint& at);
 
  protected:
@@ -66,9 +56,7 @@ class ResponsePaintBox : public QWidget {
   void keyReleaseEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
-  void showEvent(QShowEvent* event) override;
-  void changeEvent(QEvent* event) override;
+  void Renew() override { Refresh(); }
 
  private:
   bool ShowsPlane() const { return analyser_->View().Plot != ResponsePlot::Bode; }
@@ -83,12 +71,8 @@ class ResponsePaintBox : public QWidget {
   std::optional<ResponsePainter> painter_;
   std::optional<PlanePainter> plane_;  // for the views without a frequency axis
   std::optional<PlaneMouse> mouse_;
-  WheelTurn wheel_{this};
-  TraceLook look_;
   std::vector<ResponseMark> marks_;
   QPixmap picture_;
-  double ratio_ = 0.0;          // device pixels a pixel that the picture was made for
-  bool stale_ = true;           // the picture must be made anew
   std::optional<int> dragged_;  // cursor
   bool moving_ = false;
 };

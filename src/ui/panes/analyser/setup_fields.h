@@ -52,6 +52,12 @@ std::optional<int> WholeNumber(double value, const char* what, bool reporting);
 /// Says what there is to say of a set-up; false when it is refused.
 bool ReportFinding(const SetupFinding& finding);
 
+/// Puts what was typed in force, after what there is to say of it; false when it is refused.
+template <class Analyser, class Setup>
+bool TakeSetup(Analyser& analyser, const std::optional<Setup>& setup) {
+  return setup && ReportFinding(analyser.Check(*setup)) && analyser.Apply(*setup);
+}
+
 /// Steps of a time or a frequency: 1, 2, 5.
 double Less(double value);
 double More(double value);

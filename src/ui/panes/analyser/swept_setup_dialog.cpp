@@ -57,10 +57,7 @@ void TZelSweptDSASetupF::ShowExpected() {
 }
 
 void TZelSweptDSASetupF::accept() {
-  const auto setup = Typed(true);
-  if (!setup || !ReportFinding(analyser_.Check(*setup))) return;
-  analyser_.Apply(*setup);
-  QDialog::accept();
+  if (TakeSetup(analyser_, Typed(true))) QDialog::accept();
 }
 
 }  // namespace torvane

@@ -51,10 +51,7 @@ void TZelXferSetupF::ShowActiveTime() {
 }
 
 void TZelXferSetupF::accept() {
-  const auto setup = Typed(true);
-  if (!setup || !ReportFinding(analyser_.Check(*setup))) return;
-  analyser_.Apply(*setup);
-  QDialog::accept();
+  if (TakeSetup(analyser_, Typed(true))) QDialog::accept();
 }
 
 }  // namespace torvane

@@ -1,6 +1,5 @@
 #include "ui/panes/scope/scope_paint_box.h"
 
-#include <QEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -8,8 +7,6 @@
 #include <QToolTip>
 #include <QWheelEvent>
 #include <algorithm>
-
-#include "ui/widgets/picture_ground.h"
 
 namespace torvane {
 
@@ -19,12 +16,7 @@ constexpr qint64 SlowSweep = 100;  // milliseconds that make it worth watching a
 
 }  // namespace
 
-ScopePaintBox::ScopePaintBox(QWidget* parent) : QWidget(parent) {
-  setAttribute(Qt::WA_OpaquePaintEvent);
-  setMouseTracking(true);
-  connect(&wheel_, &WheelTurn::Begun, this, &ScopePaintBox::DragBegun);
-  connect(&wheel_, &WheelTurn::Ended, this, &ScopePaintBox::DragEnded);
-}
+ScopePaintBox::ScopePaintBox(QWidget* parent) : PictureBox(parent) {}
 
 void ScopePaintBox::SetScope(ZelScope& scope) {
   scope_ = &scope;
@@ -37,18 +29,6 @@ void ScopePaintBox::SetScope(ZelScope& scope) {
 void ScopePaintBox::SetReference(ZelChannel* channel) {
   reference_ = channel;
   Refresh();
-}
-
-void ScopePaintBox::SetLook(const TraceLook& look) {
-  if (look_ == look) return;
-  look_ = look;
-  stale_ = true;
-  Refresh();
-  emit ColoursChanged();
-}
-
-ScopeColours ScopePaintBox::Colours() const {
-  return ColoursFor(palette(), look_.Colours);
 }
 
 void ScopePaintBox::SetScalesShown(bool shown) {
@@ -89,7 +69,7 @@ void ScopePaintBox::Refresh() {
   WatchSweeps();
   scope_->CopyScreen(Shown(), screen_);
   const bool changed = scope_->TakeNeedsRedraw();
-  if (stale_ || ratio_ != devicePixelRatioF() || labels_ != Labels()) {
+  if (Stale() || labels_ != Labels()) {
     Prepare();
     PaintAll();
     update();
@@ -99,7 +79,7 @@ void ScopePaintBox::Refresh() {
     sweepPainted_ = screen_.Sweep;
   } else if (painter_->HasNew(screen_)) {
     QPainter painter(&picture_);
-    painter.scale(1.0 / ratio_, 1.0 / ratio_);
+    painter.scale(1.0 / Ratio(), 1.0 / Ratio());
     UpdatePixels(painter_->PaintNew(painter, Colours(), screen_));
   }
   if (painter_->TraceEnds() != endsPainted_) PaintTags();
@@ -109,26 +89,23 @@ void ScopePaintBox::Refresh() {
 
 // Lays the picture out and paints what stays the same from frame to frame.
 void ScopePaintBox::Prepare() {
-  ratio_ = devicePixelRatioF();
+  const QSize pixels = BeginPicture();
   labels_ = Labels();
-  const QSizeF area = size().boundedTo(LargestPicture(*this));
-  const QSize pixels(qCeil(area.width() * ratio_), qCeil(area.height() * ratio_));
-  painter_->Layout(pixels, ratio_, labels_, look_);
-  cursors_->Layout(painter_->Plate(), ratio_);
+  painter_->Layout(pixels, Ratio(), labels_, Look());
+  cursors_->Layout(painter_->Plate(), Ratio());
   background_ = QPixmap(pixels);
   QPainter painter(&background_);
   painter_->PaintBackground(painter, Colours());
   painter.end();
   picture_ = background_.copy();
-  picture_.setDevicePixelRatio(ratio_);
+  picture_.setDevicePixelRatio(Ratio());
   endsPainted_.clear();
-  stale_ = false;
 }
 
 // Only what the traces touched before has to be cleared.
 void ScopePaintBox::PaintAll() {
   QPainter painter(&picture_);
-  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   const QRegion before = painter_->Touched();
   for (const QRect& area : before) painter.drawPixmap(area, background_, area);
   painter_->PaintTraces(painter, Colours(), screen_);
@@ -138,7 +115,7 @@ void ScopePaintBox::PaintAll() {
 
 void ScopePaintBox::PaintTags() {
   QPainter painter(&picture_);
-  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   const QRect area = painter_->Marks().TagArea();
   painter.drawPixmap(area, background_, area);
   painter_->PaintTags(painter, Colours());
@@ -149,7 +126,7 @@ void ScopePaintBox::PaintTags() {
 void ScopePaintBox::UpdatePixels(const QRegion& pixels) {
   QRegion area;
   for (const QRect& part : pixels) {
-    area |= QRectF(part.topLeft() / ratio_, QSizeF(part.size()) / ratio_).toAlignedRect();
+    area |= QRectF(part.topLeft() / Ratio(), QSizeF(part.size()) / Ratio()).toAlignedRect();
   }
   update(area);
 }
@@ -158,12 +135,12 @@ void ScopePaintBox::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
-  painter.scale(1.0 / ratio_, 1.0 / ratio_);
+  painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   cursors_->Paint(painter, Colours());
 }
 
 QPoint ScopePaintBox::PixelAt(const QPointF& position) const {
-  return (position * ratio_).toPoint();
+  return (position * Ratio()).toPoint();
 }
 
 void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
@@ -171,8 +148,8 @@ void ScopePaintBox::mousePressEvent(QMouseEvent* event) {
   const QPoint at = PixelAt(event->position());
   const std::optional<std::size_t> choice = mouse_->ChoiceAt(at);
   if (mouse_->Press(at)) {
-    wheel_.End();
-    emit DragBegun();
+    Wheel().End();
+    emit GestureBegun();
     mouse_->MoveTo(at);
   }
   if (choice) emit ChannelChosen(*choice);
@@ -199,13 +176,13 @@ void ScopePaintBox::mouseReleaseEvent(QMouseEvent* event) {
 void ScopePaintBox::EndDrag() {
   if (!mouse_->Holds()) return;
   mouse_->Release();
-  emit DragEnded();
+  emit GestureEnded();
 }
 
 void ScopePaintBox::wheelEvent(QWheelEvent* event) {
   event->accept();
   if (!mouse_ || mouse_->Holds()) return;
-  const int steps = wheel_.StepsOf(*event);
+  const int steps = Wheel().StepsOf(*event);
   if (steps == 0) return;
   if (event->modifiers().testFlag(Qt::ControlModifier)) {
     mouse_->TurnTimeBase(steps);
@@ -215,30 +192,11 @@ void ScopePaintBox::wheelEvent(QWheelEvent* event) {
 }
 
 bool ScopePaintBox::event(QEvent* event) {
-  if (event->type() != QEvent::ToolTip || !mouse_) return QWidget::event(event);
+  if (event->type() != QEvent::ToolTip || !mouse_) return PictureBox::event(event);
   const auto& help = static_cast<const QHelpEvent&>(*event);
   const QString hint = mouse_->HintAt(PixelAt(help.pos()));
   hint.isEmpty() ? QToolTip::hideText() : QToolTip::showText(help.globalPos(), hint, this);
   return true;
-}
-
-void ScopePaintBox::resizeEvent(QResizeEvent*) {
-  stale_ = true;
-  Refresh();
-}
-
-void ScopePaintBox::showEvent(QShowEvent*) {
-  stale_ = true;
-  Refresh();
-}
-
-void ScopePaintBox::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
-    stale_ = true;
-    Refresh();
-  }
-  if (event->type() == QEvent::PaletteChange) emit ColoursChanged();
 }
 
 }  // namespace torvane

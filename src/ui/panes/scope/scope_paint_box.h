@@ -2,14 +2,13 @@
 
 #include <QElapsedTimer>
 #include <QPixmap>
-#include <QWidget>
 #include <optional>
 
 #include "instruments/scope/screen_pixels.h"
 #include "plot/scope/cursor_painter.h"
 #include "plot/scope/scope_painter.h"
 #include "ui/panes/scope/screen_mouse.h"
-#include "ui/widgets/wheel_turn.h"
+#include "ui/widgets/picture_box.h"
 
 namespace torvane {
 
@@ -20,7 +19,7 @@ namespace torvane {
 /// onto a backing picture, never more than what is new; another sweep or a changed setting paints
 /// what traces touch. The mouse acts on it as ScreenMouse says; the wheel turns the scale of the
 /// reference channel, with Ctrl that of the X axis.
-class ScopePaintBox : public QWidget {
+class ScopePaintBox : public PictureBox {
   Q_OBJECT
 
  public:
@@ -31,11 +30,6 @@ class ScopePaintBox : public QWidget {
 
   /// The channel whose values the left axis and the cursors show and whose scale the wheel turns.
   void SetReference(ZelChannel* channel);
-
-  /// Colours and line patterns of the traces.
-  void SetLook(const TraceLook& look);
-  const TraceLook& Look() const { return look_; }
-  ScopeColours Colours() const;
 
   /// The sweep that is shown.
   ScopeSweep Shown() const { return slowSweeps_ ? ScopeSweep::Present : ScopeSweep::Whole; }
@@ -52,10 +46,6 @@ class ScopePaintBox : public QWidget {
   void Refresh();
 
  signals:
-  void DragBegun();
-  void DragEnded();
-  /// Traces have other colours than before.
-  void ColoursChanged();
   /// The mouse chose the channel of that index.
   void ChannelChosen(std::size_t index);
 
@@ -66,9 +56,7 @@ class ScopePaintBox : public QWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
-  void showEvent(QShowEvent* event) override;
-  void changeEvent(QEvent* event) override;
+  void Renew() override { Refresh(); }
 
  private:
   void WatchSweeps();
@@ -85,16 +73,11 @@ class ScopePaintBox : public QWidget {
   std::optional<CursorPainter> cursors_;
   std::optional<ScreenMouse> mouse_;
   ZelChannel* reference_ = nullptr;
-  TraceLook look_;
   ScopeLabels labels_;
   QPixmap background_;
   QPixmap picture_;
-  double ratio_ = 0.0;  // device pixels a pixel that background_ was made for
   bool scalesShown_ = true;
-  bool stale_ = true;  // the background must be made anew
   std::vector<std::optional<int>> endsPainted_;
-
-  WheelTurn wheel_{this};
 
   ScopeScreen screen_;  // kept, so that a frame allocates nothing
   std::uint64_t sweepPainted_ = 0;

@@ -201,8 +201,8 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
     });
     ++mode;
   }
-  connect(ui_->PBScreen, &ScopePaintBox::DragBegun, this, [&] { history.BeginGesture(); });
-  connect(ui_->PBScreen, &ScopePaintBox::DragEnded, this, [&] { history.EndGesture(); });
+  connect(ui_->PBScreen, &ScopePaintBox::GestureBegun, this, [&] { history.BeginGesture(); });
+  connect(ui_->PBScreen, &ScopePaintBox::GestureEnded, this, [&] { history.EndGesture(); });
   connect(ui_->PBScreen, &ScopePaintBox::ColoursChanged, this, &TZelScopeF::FillChannelLists);
   connect(ui_->PBScreen, &ScopePaintBox::ChannelChosen, this, [this](std::size_t index) {
     ui_->CmBVertChan->setCurrentIndex(ui_->CmBVertChan->findData(static_cast<int>(index)));
