@@ -124,14 +124,18 @@ void TZelMeterF::BindSwitch(QAbstractButton& button, Switch set) {
   connect(&button, &QAbstractButton::toggled, this, [this, set](bool on) { (meter_.*set)(on); });
 }
 
+// In the order of MeterKind.
+std::array<QAbstractButton*, MeterKinds.size()> TZelMeterF::KindButtons() const {
+  return {ui_->RBRMS, ui_->RBAverage, ui_->RBHarmonic, ui_->RBCorr};
+}
+
 void TZelMeterF::BindKinds() {
-  const auto bind = [this](QAbstractButton& button, MeterKind kind) {
-    connect(&button, &QAbstractButton::clicked, this, [this, kind] { meter_.SetKind(kind); });
-  };
-  bind(*ui_->RBRMS, MeterKind::Rms);
-  bind(*ui_->RBAverage, MeterKind::Average);
-  bind(*ui_->RBHarmonic, MeterKind::Harmonic);
-  bind(*ui_->RBCorr, MeterKind::Correlation);
+  int kind = 0;
+  for (QAbstractButton* button : KindButtons()) {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, of = static_cast<MeterKind>(kind)] { meter_.SetKind(of); });
+    ++kind;
+  }
 }
 
 void TZelMeterF::BindSteps() {
@@ -176,10 +180,7 @@ void TZelMeterF::SettingsChanged() {
 
 void TZelMeterF::ShowKind() {
   const MeterKind kind = meter_.Measurement();
-  ShowSwitch(*ui_->RBRMS, kind == MeterKind::Rms);
-  ShowSwitch(*ui_->RBAverage, kind == MeterKind::Average);
-  ShowSwitch(*ui_->RBHarmonic, kind == MeterKind::Harmonic);
-  ShowSwitch(*ui_->RBCorr, kind == MeterKind::Correlation);
+  ShowSwitch(*KindButtons()[static_cast<std::size_t>(kind)], true);
   ui_->CmBCorrVar->setEnabled(kind == MeterKind::Correlation);
   ui_->LHarmonicFreq->setText(Text(FormatEdit(meter_.HarmonicFreq())));
   ui_->EHarmonicAngle->setVisible(kind == MeterKind::Harmonic);
@@ -206,20 +207,15 @@ QString TZelMeterF::KindText() const {
     return variable ? Text(variable->Name()) : QString();
   };
   const QString coupling = meter_.AcCoupled() ? QStringLiteral(", AC") : QString();
-  switch (meter_.Measurement()) {
-    case MeterKind::Rms:
-      return QStringLiteral("RMS") + coupling;
-    case MeterKind::Average:
-      return QStringLiteral("Average") + coupling;
-    case MeterKind::Harmonic: {
-      QString text = Text(FormatEdit(meter_.HarmonicFreq())) + QStringLiteral(" Hz");
-      if (meter_.HarmonicXfer()) text += QStringLiteral(" from ") + name(meter_.HarmonicXferVar());
-      return text + coupling;
-    }
-    case MeterKind::Correlation:
-      break;
+  const MeterKind kind = meter_.Measurement();
+  if (kind == MeterKind::Harmonic) {
+    QString text = Text(FormatEdit(meter_.HarmonicFreq())) + QStringLiteral(" Hz");
+    if (meter_.HarmonicXfer()) text += QStringLiteral(" from ") + name(meter_.HarmonicXferVar());
+    return text + coupling;
   }
-  return QStringLiteral("Correlation with ") + name(meter_.CorrVar()) + coupling;
+  QString text = QString::fromLatin1(NamesOf(kind).Caption);
+  if (kind == MeterKind::Correlation) text += QStringLiteral(" with ") + name(meter_.CorrVar());
+  return text + coupling;
 }
 
 void TZelMeterF::ShowSetup() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -48,6 +49,7 @@ class TZelMeterF : public InstrumentPane {
   void FillList(QComboBox& list, const ZelBenchTop& bench, NameSetter choose);
   void BindNumbers();
   void BindSwitch(QAbstractButton& button, Switch set);
+  std::array<QAbstractButton*, MeterKinds.size()> KindButtons() const;
   void BindKinds();
   void BindSteps();
   void ShowSetup();
