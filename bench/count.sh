@@ -54,4 +54,16 @@ for figure in 2-1 3-1 6-1 15-1; do
   read -r instructions references <<<"$(count odeint "$figure")"
   compare '3-1 instructions, Boost.odeint' "$own_instructions" "$instructions" 1
 done
+
+# Loops as texts beside the models that they are twins of.
+while read -r figure twin bound; do
+  read -r own_instructions _ <<<"$(count text "share/loops/$twin.mo")"
+  read -r instructions _ <<<"$(count engine "$figure")"
+  compare "$figure as a text, instructions" "$own_instructions" "$instructions" "$bound"
+done <<'TWINS'
+2-1 PIPlus 3.2
+3-1 AnalogPI 3.6
+6-1 DigitalPID 3.25
+15-1 Resonance 3
+TWINS
 exit "$failed"

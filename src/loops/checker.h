@@ -92,6 +92,7 @@ class Checker {
   void TakeParameters(const BlockDraft& block, LoopPlan::Block& planned);
   std::vector<int> TakeParameter(const BlockDraft& block, const BlockParameter& parameter,
                                  const Expression& value, int& rowLength);
+  bool IsLateOutput(int reg) const;
   void TakeInputs(const BlockDraft& block, LoopPlan::Block& planned);
   int DelayBlock(const Expression& call, const Context& context);
   int ClockOf(const Expression& start, const Expression& period, Place where);

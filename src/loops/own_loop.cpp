@@ -140,8 +140,9 @@ void OwnLoop::MakeAnalysers() {
     analysers_ = std::make_unique<Analysers>(Bench(), LargestOrder, sweep);
   }
   for (const LoopPlan::Source& source : plan_->Sources) {
-    sources_.push_back(std::make_unique<ZelWave>(Bench(), source.Name, source.Settings));
-    if (source.Excited) command_.emplace(Bench(), *sources_.back(), *analysers_);
+    sources_.push_back({std::make_unique<ZelWave>(Bench(), source.Name, source.Settings),
+                        &machine_.Register(source.Register), source.Excited});
+    if (source.Excited) command_.emplace(Bench(), *sources_.back().Wave, *analysers_);
   }
   if (analysers_) SetUpResponses();
 }
@@ -211,13 +212,12 @@ void OwnLoop::HandOnConstants() {
 }
 
 void OwnLoop::TakeSources(double t) {
-  for (std::size_t i = 0; i < sources_.size(); ++i) {
-    double& output = machine_.Register(plan_->Sources[i].Register);
-    if (plan_->Sources[i].Excited) {
+  for (const Source& source : sources_) {
+    if (source.Excited) {
       command_->BeginStep(t);
-      output = command_->Value();
+      *source.Output = command_->Value();
     } else {
-      output = sources_[i]->Output();
+      *source.Output = source.Wave->Output();
     }
   }
 }
@@ -229,9 +229,9 @@ void OwnLoop::BeginStep(double t) {
 
 long double OwnLoop::EndStep(double t) {
   long double size = 0.0L;
-  for (const auto& source : sources_) {
-    source->AtEndOfStep(t);
-    size += std::abs(static_cast<long double>(source->Output()));
+  for (const Source& source : sources_) {
+    source.Wave->AtEndOfStep(t);
+    size += std::abs(static_cast<long double>(source.Wave->Output()));
   }
   return size;
 }

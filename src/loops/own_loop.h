@@ -63,7 +63,13 @@ class OwnLoop final : public ZelModel {
   std::vector<StateVariable*> states_;
   std::unique_ptr<TimeDriven> driven_;
   std::unique_ptr<Analysers> analysers_;
-  std::vector<std::unique_ptr<ZelWave>> sources_;
+  /// A source and where its output goes.
+  struct Source {
+    std::unique_ptr<ZelWave> Wave;
+    double* Output;
+    bool Excited;
+  };
+  std::vector<Source> sources_;
   std::optional<CommandSource> command_;
   std::unique_ptr<ZelScope> scope_;
 };

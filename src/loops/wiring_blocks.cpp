@@ -134,6 +134,15 @@ std::vector<int> Checker::TakeParameter(const BlockDraft& block, const BlockPara
   return registers;
 }
 
+// Such an output changes while blocks are updated one after the other.
+bool Checker::IsLateOutput(int reg) const {
+  return std::any_of(plan_->Blocks.begin(), plan_->Blocks.end(), [&](const LoopPlan::Block& block) {
+    const auto& outputs = block.Numbers.Outputs;
+    return block.Type->When == BlockType::Timing::Late &&
+           std::find(outputs.begin(), outputs.end(), reg) != outputs.end();
+  });
+}
+
 void Checker::TakeInputs(const BlockDraft& block, LoopPlan::Block& planned) {
   const bool sampled = block.Type->When == BlockType::Timing::Sampled;
   Node output;
@@ -160,10 +169,11 @@ void Checker::TakeInputs(const BlockDraft& block, LoopPlan::Block& planned) {
     Context context;
     context.Clock = output.Clock;
     node.Value = ResolveNumber(*modifier->Value, context);
-    node.Target = node.Value.IsLeaf() ? node.Value.Register : NewRegister();
+    const bool direct = node.Value.IsLeaf() && !IsLateOutput(node.Value.Register);
+    node.Target = direct ? node.Value.Register : NewRegister();
     planned.Numbers.Inputs.push_back(node.Target);
     if (through) output.Needs.push_back(node.Target);
-    if (node.Value.What == Term::Type::Unknown || node.Value.IsLeaf()) continue;
+    if (node.Value.What == Term::Type::Unknown || direct) continue;
     node.Name = block.Text->Name + "." + name;
     node.Where = modifier->Where;
     node.Clock = output.Clock;

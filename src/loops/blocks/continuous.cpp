@@ -15,8 +15,13 @@ namespace {
 template <class Derived, class Filter>
 class FilterBlock : public LibraryBlock<Derived, Filter> {
  public:
-  void TakeInputs() { this->library_.SetInput(*u_); }
-  void HandOutputs() { *y_ = this->library_.Output(); }
+  // All that a filter remembers lies in the registers: on a copy, nothing goes to memory in vain.
+  void Update(const Moment& /*now*/) final {
+    Filter filter = this->library_;
+    this->Evaluate(filter);
+  }
+  void TakeInputs(Filter& filter) { filter.SetInput(*u_); }
+  void HandOutputs(const Filter& filter) { *y_ = filter.Output(); }
 
  protected:
   FilterBlock(const Wiring& wiring, const Filter& filter)
@@ -104,20 +109,20 @@ class TwoInertiaBlock final : public LibraryBlock<TwoInertiaBlock, TwoInertiaMec
     library_.SetKCV(wiring_.Parameter(3));
   }
 
-  void TakeInputs() {
-    library_.SetMotorTorque(*wiring_.Input(0));
-    library_.SetLoadTorque(*wiring_.Input(1));
-    library_.SetSecondMotorTorque(*wiring_.Input(2));
+  void TakeInputs(TwoInertiaMechanism& mechanism) {
+    mechanism.SetMotorTorque(*wiring_.Input(0));
+    mechanism.SetLoadTorque(*wiring_.Input(1));
+    mechanism.SetSecondMotorTorque(*wiring_.Input(2));
   }
 
-  void HandOutputs() {
-    *wiring_.Output(0) = library_.Motor().Velocity;
-    *wiring_.Output(1) = library_.Motor().Position;
-    *wiring_.Output(2) = library_.Load().Velocity;
-    *wiring_.Output(3) = library_.Load().Position;
-    *wiring_.Output(4) = library_.Motor().Acceleration;
-    *wiring_.Output(5) = library_.Load().Acceleration;
-    *wiring_.Output(6) = library_.ShaftTorque();
+  void HandOutputs(const TwoInertiaMechanism& mechanism) {
+    *wiring_.Output(0) = mechanism.Motor().Velocity;
+    *wiring_.Output(1) = mechanism.Motor().Position;
+    *wiring_.Output(2) = mechanism.Load().Velocity;
+    *wiring_.Output(3) = mechanism.Load().Position;
+    *wiring_.Output(4) = mechanism.Motor().Acceleration;
+    *wiring_.Output(5) = mechanism.Load().Acceleration;
+    *wiring_.Output(6) = mechanism.ShaftTorque();
   }
 
  private:

@@ -12,44 +12,48 @@ namespace torvane::loops {
 // outputs for the next one.
 
 /// Lends a library block its states from the registers. The derived class sets parameters, and
-/// offers TakeInputs and HandOutputs.
+/// offers TakeInputs and HandOutputs of a library block.
 template <class Derived, class Library>
 class LibraryBlock : public Block {
  public:
-  void Update(const Moment& /*now*/) final {
-    static_cast<Derived*>(this)->TakeInputs();
-    LendStates();
-    library_.Evaluate();
-    std::apply(
-        [this](const auto&... state) {
-          double* slope = slopes_;
-          ((*slope++ = state.Derivative), ...);
-        },
-        library_.States());
-    static_cast<Derived*>(this)->HandOutputs();
-  }
+  void Update(const Moment& /*now*/) override { Evaluate(library_); }
 
   void Reset(ResetKind kind) final {
-    LendStates();
+    LendStates(library_);
     library_.FollowReset(kind);
-    static_cast<Derived*>(this)->HandOutputs();
+    Self().HandOutputs(library_);
   }
 
  protected:
   LibraryBlock(const Wiring& wiring, const Library& library)
       : wiring_(wiring), library_(library), states_(wiring.States()), slopes_(wiring.Slopes()) {}
 
+  void Evaluate(Library& block) {
+    Self().TakeInputs(block);
+    LendStates(block);
+    block.Evaluate();
+    std::apply(
+        [this](const auto&... state) {
+          double* slope = slopes_;
+          ((*slope++ = state.Derivative), ...);
+        },
+        block.States());
+    Self().HandOutputs(block);
+  }
+
   const Wiring wiring_;
   Library library_;
 
  private:
-  void LendStates() {
+  Derived& Self() { return static_cast<Derived&>(*this); }
+
+  void LendStates(Library& block) {
     std::apply(
         [this](auto&... state) {
           const double* value = states_;
           ((state.Value = *value++), ...);
         },
-        library_.States());
+        block.States());
   }
 
   const double* states_;
