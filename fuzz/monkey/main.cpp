@@ -57,8 +57,12 @@ QStringList MakeFiles(const QString& folder, const QString& examples) {
     Put(files.back(), i % 2 == 0 ? text : text.replace("1", "x").replace(",0", ",,-1e400"));
   }
   Put(folder + "/response.csv", "Frequency,Gain,Phase\n1,0,0\n10,-3,-45\n100,-20,-90\n");
+  Put(folder + "/units.csv", "Frequency,Magnitude,Phase\n1,1,0\n10,0.7,-0.8\n100,0.1,-1.6\n");
+  Put(folder + "/traces.csv", "Time (ms),vC,vF\n-5,0,0\n0,20,0\n5,20,14\n900,-1e30,20\n");
   Put(folder + "/noise.tvf", QByteArray(3000, '\xff'));
-  files << folder + "/response.csv" << folder + "/noise.tvf";
+  for (const char* name : {"/response.csv", "/units.csv", "/traces.csv", "/noise.tvf"}) {
+    files << folder + name;
+  }
   return files.replaceInStrings(folder, QStringLiteral("~"));
 }
 

@@ -68,6 +68,7 @@ TEST(ResponseText, ReadsTheLayoutsOfOtherTools) {
   EXPECT_NE(ParseResponse("2,-20,-45").Note, "");
   const auto hints = ParseResponseHints("1,b,a", "rad/s,abs,rad");
   ASSERT_TRUE(hints);
+  EXPECT_NE(ParseResponse("x,a,b\n1,2,10\n", *ParseResponseHints("1,b,3", "")).Fault, "");
   const ResponseText hinted = ParseResponse("x,a,b\n1,2,10\n", *hints);
   ASSERT_EQ(hinted.Responses.size(), 1U) << hinted.Fault;
   EXPECT_NEAR(hinted.Responses[0].Curve[0].Hz, 0.15915494309189535, 1e-15);

@@ -156,6 +156,9 @@ class ResponseReader {
       if (at[i] >= columns_.size())
         return LineFault(number, "there is no column \"" + wanted + "\"");
     }
+    if (at[0] == at[1] || at[0] == at[2] || at[1] == at[2]) {
+      return LineFault(number, "frequency, gain and phase must be three columns");
+    }
     frequency_ = at[0];
     columns_[at[0]].Role = ResponseRole::Frequency;
     if (columns_[at[0]].Unit == ResponseUnit::Unknown) columns_[at[0]].Unit = ResponseUnit::Hz;
