@@ -17,7 +17,7 @@ namespace {
 class Parser {
  public:
   Parser(std::string_view text, ProblemList& problems)
-      : problems_(problems), reader_(Tokens(text, problems), problems) {}
+      : reader_(Tokens(text, problems), problems) {}
 
   ModelText Read() {
     try {
@@ -260,7 +260,6 @@ class Parser {
 
   static constexpr int MaxBranches = 20;
 
-  ProblemList& problems_;
   TokenReader reader_;
   ExpressionParser expressions_{reader_};
   ModelText model_;
