@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "instruments/analyser/margins.h"
+#include "instruments/analyser/response_reading.h"
 
 namespace torvane {
 namespace {
@@ -151,6 +152,11 @@ TEST(ResponseCurve, OpensAClosedLoopAndTellsItsDelay) {
     EXPECT_NEAR(curve[i].Phase, -90.0 - 360.0 * Delay * curve[i].Hz, 1e-4);
     EXPECT_NEAR(delay[i], Delay, 1e-8);
   }
+  // Of a closed loop that is this close to unity, too little is left to tell the open one by.
+  ResponseCurve close{{1.0, GainDb(0.9995), 0.0}, {2.0, GainDb(0.99), 0.0}};
+  OpenFromClosed(close);
+  EXPECT_FALSE(close[0].Trusted());
+  EXPECT_TRUE(close[1].Trusted());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "cli/response/bode_measurement.h"
 #include "cli/response/response_output.h"
 #include "core/csv.h"
+#include "core/messages.h"
 #include "core/text.h"
 
 namespace torvane::cli {
@@ -35,6 +36,8 @@ void MeasureBode(const BodeOptions& options, Console& console) {
       ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
   xfer.SetAtOnce(options.StartDelay && !options.BetweenSamples);
   console.ApplySettings([&] { SetUp(xfer, options); });
+  const auto warning = LoopSampleWarning(xfer);
+  if (warning && options.Response.Margins) Warning(*warning);
   ResultFile file(options.Response.Out);
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
   TellDoubts(xfer, file);

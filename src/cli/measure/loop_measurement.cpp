@@ -201,6 +201,7 @@ class LoopRuns {
     accurateUpTo_ = together ? 0.5 / xfer.TSample() : xfer.AccurateUpTo();
     MeasureResponse(*model, xfer, console_, showProgress_);
     doubts_ = xfer.ResponseAt(0).Doubts();
+    if (auto warning = LoopSampleWarning(xfer)) doubts_.push_back(std::move(*warning));
     return reader_.Read(xfer, 0, as);
   }
 

@@ -1,11 +1,13 @@
 #include "cli/response/bode_measurement.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 
 #include "cli/command_error.h"
 #include "cli/io/number_options.h"
 #include "cli/model/long_run.h"
 #include "core/messages.h"
+#include "core/text.h"
 
 namespace torvane::cli {
 
@@ -30,6 +32,16 @@ void SetUp(ZelXfer& xfer, const BodeOptions& options) {
   xfer.Apply(setup);
   if (options.Spectrum) xfer.SetSpectrum(*options.Spectrum);
   ApplyOptions(xfer, response);
+}
+
+std::optional<std::string> LoopSampleWarning(const ZelXfer& xfer) {
+  constexpr double Near = 1e-6;
+  const auto loop = xfer.Loop();
+  if (!loop || loop->SampleTime <= 0.0) return {};
+  const double multiple = xfer.TSample() / loop->SampleTime;
+  if (multiple > Near && std::abs(std::remainder(multiple - 1.0, 2.0)) <= Near) return {};
+  return "The model's loop samples every " + FormatShortest(loop->SampleTime) +
+         " sec: margins are true with that --tsample, or an odd multiple of it.";
 }
 
 // A measurement from Run to Complete. No other instrument asks for times.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "cli/response/response_options.h"
 #include "instruments/fft/fft_analyser.h"
@@ -24,6 +25,10 @@ void AddRecordOptions(CLI::App& command, BodeOptions& options);
 /// Puts the options in force and reports what makes the measurement less trustworthy; what the
 /// analyser refuses is wrong usage.
 void SetUp(ZelXfer& xfer, const BodeOptions& options);
+
+/// Of a sample time at which margins of the model's loop, if it samples, are not those of the loop:
+/// images of its samples come in, and at an even multiple half a sample of delay.
+std::optional<std::string> LoopSampleWarning(const ZelXfer& xfer);
 
 /// A measurement from Run to Complete; one that is not whole is an error.
 void MeasureResponse(ZelModel& model, ZelXfer& xfer, Console& console, bool showProgress);

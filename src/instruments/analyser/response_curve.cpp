@@ -9,6 +9,14 @@
 
 namespace torvane {
 
+namespace {
+
+// What is left between command and response of a loop of 60 dB. Below that it is the record's
+// leakage and the samples' rounding, some 1e-5 of it, that tell by how much.
+constexpr double LeastError = 0.001;
+
+}  // namespace
+
 void ReadCurve(const FrequencyAnalyser& analyser, int slot, ResponseCurve& curve) {
   curve.clear();
   if (!analyser.HasData(slot)) return;
@@ -34,6 +42,7 @@ void OpenFromClosed(std::span<ResponsePoint> curve) {
     const std::complex<double> open = closed / (1.0 - closed);
     point.Gain = GainDb(std::abs(open));
     point.Phase = PhaseDeg(open.real(), open.imag());
+    if (std::abs(1.0 - closed) < LeastError) point.Excited = false;
     // G = 1 is a loop of infinite gain, which no plot can show.
     if (!std::isfinite(point.Gain) || !std::isfinite(point.Phase)) {
       point.Gain = NoGain;

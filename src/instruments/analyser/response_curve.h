@@ -34,7 +34,7 @@ void ReadCurve(const FrequencyAnalyser& analyser, int slot, ResponseCurve& curve
 void UnwrapPhase(std::span<ResponsePoint> curve);
 
 /// The open loop L = G / (1 - G) of a loop with unity feedback whose closed response is G. Phases
-/// come back in (-270, 90].
+/// come back in (-270, 90]. Above 60 dB it cannot be trusted.
 void OpenFromClosed(std::span<ResponsePoint> curve);
 
 /// Group delay -d(phase) / d(360 f) of an unwrapped curve at each of its points, seconds: the slope
