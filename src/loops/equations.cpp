@@ -136,7 +136,9 @@ void Checker::CollectIf(const Equation& equation, const Context& context,
       condition = Term::Of(reg, Type::Truth);
     }
   }
-  for (const auto& [target, name] : given) {
+  for (const auto& signal : given) {
+    const int target = signal.first;
+    const std::string& name = signal.second;
     std::vector<Term> parts;
     Place where = equation.Where;
     bool known = true;
