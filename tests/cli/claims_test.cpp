@@ -86,7 +86,8 @@ double Figure(const std::string& what, const Curve& c) {
 // A file of tests/data/claims:
 //   text FILE                                   from which the quotes come
 //   "..."                                       words that stand there
-//   $ ...                                       what is typed after torvane-cli in share/examples
+//   $ ... -> CHECK; CHECK                       what is typed after torvane-cli in share/examples,
+//                                               and checks, of which more may stand below:
 //   [WHAT] COLUMN [at ...|from ...|to ...] is N a number among those words; what is measured rounds
 //                                               to it or, with "+- T", is no farther away
 //   ... = N                                     the same of a number that the words do not have
@@ -103,9 +104,13 @@ class Claims : public testing::TestWithParam<std::filesystem::path> {
       quote_ = line.substr(1, line.size() - 2);
       EXPECT_NE(text_.find(quote_), std::string::npos);
     } else if (first == "$") {
+      const std::vector<std::string> parts = Parts(line.substr(2), " -> ");
+      std::istringstream typed(parts.front());
       std::vector<std::string> arguments;
-      for (std::string word; words >> std::quoted(word);) arguments.push_back(word);
+      for (std::string word; typed >> std::quoted(word);) arguments.push_back(word);
       rows_ = Answer(arguments);
+      if (parts.size() == 1) return;
+      for (const std::string& check : Parts(parts[1], "; ")) Check(check);
     } else {
       Check(line);
     }

@@ -13,6 +13,7 @@ namespace torvane::test {
 namespace {
 
 const std::string References = TORVANE_TEST_DATA "/reference/";
+constexpr std::size_t Thinned = 4;  // one of so many rows stands in a file
 
 struct Reference {
   std::string File;
@@ -45,11 +46,11 @@ TEST_P(ReferenceTest, IsWhatTheCommandPrints) {
   ASSERT_EQ(outcome.Code, 0);
   const Table actual = ParseTable(outcome.Out);
   ASSERT_EQ(actual.Header, expected.Header);
-  ASSERT_EQ(actual.Rows(), expected.Rows());
+  ASSERT_EQ((actual.Rows() + Thinned - 1) / Thinned, expected.Rows());
   for (std::size_t column = 0; column < expected.Columns.size(); ++column) {
     for (std::size_t row = 0; row < expected.Rows(); ++row) {
       // The files give enough digits for every bit of a number.
-      ASSERT_EQ(actual.Columns[column][row], expected.Columns[column][row])
+      ASSERT_EQ(actual.Columns[column][row * Thinned], expected.Columns[column][row])
           << expected.Header[column] << ", row " << row;
     }
   }

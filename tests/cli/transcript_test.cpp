@@ -9,7 +9,8 @@ namespace torvane::test {
 namespace {
 
 // A file of tests/data/cli: what a user types after "$ ", and what the program answers: standard
-// output, each line of standard error after "! ", and in brackets an exit code that is not 0.
+// output, each line of standard error after "! ", and in brackets, behind the last of these, an
+// exit code that is not 0.
 class Transcript : public testing::TestWithParam<std::string> {};
 
 TEST_P(Transcript, GoesAsWritten) {
@@ -28,7 +29,13 @@ TEST_P(Transcript, GoesAsWritten) {
     std::istringstream err(outcome.Err);
     for (const std::string& said : LinesOf(out)) lines.push_back(said);
     for (const std::string& said : LinesOf(err)) lines.push_back("! " + said);
-    if (outcome.Code != 0) lines.push_back("[" + std::to_string(outcome.Code) + "]");
+    if (outcome.Code == 0) continue;
+    const std::string code = "[" + std::to_string(outcome.Code) + "]";
+    if (outcome.Err.empty()) {
+      lines.push_back(code);
+    } else {
+      lines.back() += " " + code;
+    }
   }
   ExpectLines(name, lines);
 }

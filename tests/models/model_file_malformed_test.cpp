@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "models/catalogue.h"
 #include "models/catalogue_host.h"
+#include "support/expected_lines.h"
 #include "support/model_limits.h"
 #include "support/recorder.h"
 
@@ -28,20 +27,15 @@ void Replace(std::string& text, const std::string& mark, const std::string& by) 
 }
 
 std::vector<MalformedCase> ReadCases() {
-  std::ifstream file(std::string(TORVANE_TEST_DATA) + "/malformed.txt");
-  std::vector<MalformedCase> cases(1);
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with("#")) continue;
-    MalformedCase& last = cases.back();
-    if (line.empty()) {
-      if (!last.Lines.empty()) cases.emplace_back();
-    } else if (line.starts_with("! ")) {
-      std::string report = line.substr(2);
-      Replace(report, "<LINE>", last.Lines.front());
+  std::vector<MalformedCase> cases;
+  for (const std::string& row : test::LinesOfData("malformed.txt")) {
+    if (row.empty() || row.starts_with("#")) continue;
+    const std::vector<std::string> sides = test::Parts(row, " -> ");
+    cases.push_back({test::Parts(sides[0], "; "), {}});
+    if (sides.size() > 1) cases.back().Reports = test::Parts(sides[1], "; ");
+    for (std::string& report : cases.back().Reports) {
+      Replace(report, "<LINE>", cases.back().Lines.front());
       Replace(report, "<CR>", "\r");
-      last.Reports.push_back(report);
-    } else {
-      last.Lines.push_back(line);
     }
   }
   return cases;

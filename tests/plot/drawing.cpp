@@ -2,13 +2,93 @@
 
 #include <QPainterPath>
 #include <sstream>
+#include <string>
 
 #include "support/expected_lines.h"
 
 namespace torvane::test {
 namespace {
 
-constexpr int MostPoints = 12;  // of a line that are written down
+constexpr std::size_t Most = 12;  // of points, places, texts or styles that are written down
+
+/// What is painted at once.
+struct Shape {
+  std::string What;
+  QString Text;  ///< of a text
+  QVector<QPoint> Points;
+  std::string Style;
+
+  bool IsLike(const Shape& other) const {
+    return What == other.What && Points.size() == other.Points.size();
+  }
+};
+
+/// All of them, or as many of them at even distances.
+template <class Things>
+std::string Some(const Things& things) {
+  std::string some;
+  const auto count = static_cast<std::size_t>(things.size());
+  for (std::size_t k = 0; k < std::min(count, Most); ++k) {
+    some += ' ' + things[count > Most ? k * (count - 1) / (Most - 1) : k];
+  }
+  return some;
+}
+
+std::string At(const QPoint& point) {
+  return std::to_string(point.x()) + ',' + std::to_string(point.y());
+}
+
+std::string Counted(const char* with, std::size_t count, std::size_t written) {
+  return count > written ? with + std::to_string(count) : "";
+}
+
+/// Shapes that are like each other, in a line: the points of all or, where that were too many,
+/// those of the first and where the others begin.
+std::string Folded(const std::vector<const Shape*>& shapes) {
+  const Shape& first = *shapes.front();
+  std::vector<std::string> texts;
+  std::vector<std::string> points;
+  std::vector<std::string> places;
+  std::vector<std::string> styles;
+  const auto each = static_cast<std::size_t>(first.Points.size());
+  const bool whole = (shapes.size() - 1) * each <= Most;
+  for (const QPoint& point : first.Points) points.push_back(At(point));
+  for (const Shape* shape : shapes) {
+    if (first.What == "text") texts.push_back("'" + shape->Text.toStdString() + "'");
+    for (std::size_t k = 0; shape != &first && k < (whole ? each : 1); ++k) {
+      places.push_back(At(shape->Points[static_cast<int>(k)]));
+    }
+    if (styles.empty() || styles.back() != shape->Style) styles.push_back(shape->Style);
+  }
+  return first.What + Counted(" x", shapes.size(), 1) + Some(texts) +
+         Counted(" of ", points.size(), Most) + Some(points) + (places.empty() ? "" : " and") +
+         Some(places) + Some(styles);
+}
+
+/// Rows that come again and again, one after the other or some in turn, are a line each.
+std::vector<std::string> Folded(const std::vector<Shape>& shapes) {
+  constexpr std::size_t LongestTurn = 4;
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < shapes.size();) {
+    std::size_t turn = 1;
+    std::size_t taken = 1;
+    for (std::size_t length = 1; length <= LongestTurn; ++length) {
+      std::size_t end = at + length;
+      while (end < shapes.size() && shapes[end].IsLike(shapes[end - length])) ++end;
+      const std::size_t whole = (end - at) / length * length;
+      if (whole < 2 * length || whole - length <= taken - turn) continue;
+      turn = length;
+      taken = whole;
+    }
+    for (std::size_t k = 0; k < turn; ++k) {
+      std::vector<const Shape*> like;
+      for (std::size_t i = at + k; i < at + taken; i += turn) like.push_back(&shapes[i]);
+      lines.push_back(Folded(like));
+    }
+    at += taken;
+  }
+  return lines;
+}
 
 class Engine final : public QPaintEngine {
  public:
@@ -25,45 +105,30 @@ class Engine final : public QPaintEngine {
     Add(mode == PolylineMode ? "line" : "shape", QPolygonF(QVector(points, points + count)));
   }
   void drawTextItem(const QPointF& at, const QTextItem& item) override {
-    Add("text '" + item.text().toStdString() + "'", {at});
+    Add("text", {at}, item.text());
   }
 
-  std::vector<std::string> Drawn;
+  std::vector<Shape> Drawn;
 
  private:
-  void Add(const std::string& what, const QVector<QPointF>& points) {
-    std::string style;
+  void Add(const char* what, const QVector<QPointF>& points, const QString& text = {}) {
+    std::ostringstream style;
     const QPen& pen = state->pen();
     if (pen.style() != Qt::NoPen) {
-      std::ostringstream words;
-      words << " pen " << pen.color().name(QColor::HexArgb).toStdString() << ' ' << pen.widthF();
-      for (const double dash : pen.dashPattern()) words << '-' << qRound(dash * pen.widthF());
-      style = words.str();
+      style << "pen " << pen.color().name(QColor::HexArgb).toStdString() << ' ' << pen.widthF();
+      for (const double dash : pen.dashPattern()) style << '-' << qRound(dash * pen.widthF());
     }
     const QBrush& brush = state->brush();
-    if (brush != Qt::NoBrush) style += " on " + brush.color().name(QColor::HexArgb).toStdString();
-    const bool goesOn = what != "shape" && what == what_ && style == style_;
-    if (goesOn) Drawn.pop_back();
-    if (!goesOn) points_.clear();
-    what_ = what;
-    style_ = style;
-    for (const QPointF& point : points) points_ << state->transform().map(point).toPoint();
-    Drawn.push_back(what + Places() + style);
-  }
-  std::string Places() const {
-    const int count = static_cast<int>(points_.size());
-    std::string places = count > MostPoints ? " of " + std::to_string(count) : "";
-    for (int k = 0; k < std::min(count, MostPoints); ++k) {
-      const QPoint& at = points_[count > MostPoints ? k * (count - 1) / (MostPoints - 1) : k];
-      places += ' ' + std::to_string(at.x()) + ',' + std::to_string(at.y());
+    if (brush != Qt::NoBrush) {
+      style << (style.tellp() > 0 ? " on " : "on ")
+            << brush.color().name(QColor::HexArgb).toStdString();
     }
-    return places;
+    Drawn.push_back({what, text, {}, style.str()});
+    for (const QPointF& point : points) {
+      Drawn.back().Points << state->transform().map(point).toPoint();
+    }
   }
 
-  // Of the shape written last; lines of one style are one shape.
-  std::string what_;
-  std::string style_;
-  QVector<QPoint> points_;
   Type type_;
 };
 
@@ -80,13 +145,19 @@ struct Device final : QPaintDevice {
 
 }  // namespace
 
-std::vector<std::string> Drawn(const std::function<void(QPainter&)>& paint,
-                               QPaintEngine::Type type) {
+std::vector<std::string> Drawn(const std::function<void(QPainter&)>& paint, QPaintEngine::Type type,
+                               bool curvesAlone) {
+  constexpr int longestOfOthers = 5;  // points, of a rectangle
   Device device(type);
   QPainter painter(&device);
   paint(painter);
   painter.end();
-  return device.Recorder.Drawn;
+  if (curvesAlone) {
+    std::erase_if(device.Recorder.Drawn, [](const Shape& shape) {
+      return shape.What != "text" && shape.Points.size() <= longestOfOthers;
+    });
+  }
+  return Folded(device.Recorder.Drawn);
 }
 
 void ExpectDrawings(const std::string& table,
@@ -98,9 +169,10 @@ void ExpectDrawings(const std::string& table,
     DrawingRow row;
     stream >> row.Name >> row.Size.rwidth() >> row.Size.rheight() >> row.Ratio;
     for (std::string word; stream >> word;) row.Words.push_back(word);
-    ExpectLines("drawings/" + row.Name + ".txt",
-                Drawn([&](QPainter& painter) { paint(painter, row); },
-                      row.Has("pixels") ? QPaintEngine::Raster : QPaintEngine::User));
+    ExpectLines(
+        "drawings/" + row.Name + ".txt",
+        Drawn([&](QPainter& painter) { paint(painter, row); },
+              row.Has("pixels") ? QPaintEngine::Raster : QPaintEngine::User, row.Has("curves")));
   }
 }
 

@@ -13,9 +13,11 @@ namespace torvane::test {
 
 /// Paints on a device that writes down each shape, a line each: what it is, through which points,
 /// with which pen and on which ground; of a text where its baseline begins. Lengths are whole
-/// pixels. A painter treats the device as one of `type`: of pixels, or of a file with lines.
+/// pixels. A painter treats the device as one of `type`: of pixels, or of a file with lines. Of
+/// `curvesAlone` what has no more points than a rectangle is left out, but for texts.
 std::vector<std::string> Drawn(const std::function<void(QPainter&)>& paint,
-                               QPaintEngine::Type type = QPaintEngine::User);
+                               QPaintEngine::Type type = QPaintEngine::User,
+                               bool curvesAlone = false);
 
 /// A line of a table of drawings: name, width, height and ratio, then words.
 struct DrawingRow {
