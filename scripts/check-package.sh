@@ -73,7 +73,7 @@ make_root() {
 
 check_command_line() {
   "${inside[@]}" torvane-cli run 1 --until 0.1 --every 0.001 >build/package/run.csv
-  build/release/bin/torvane-cli run 1 --until 0.1 --every 0.001 | cmp - build/package/run.csv
+  build/unity/bin/torvane-cli run 1 --until 0.1 --every 0.001 | cmp - build/package/run.csv
   "${inside[@]}" QT_QPA_PLATFORM=offscreen torvane-cli scope "$example" --until 0.5 \
     --out /tmp/screen.csv --picture /tmp/screen.png
   [[ $(wc -c <"$root/tmp/screen.png") -gt 10000 ]]

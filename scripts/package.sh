@@ -19,9 +19,9 @@ out=$PWD/build/package
 rm -rf "$out"
 mkdir -p "$out"
 
-cmake --preset release -DTORVANE_TESTS=OFF
-cmake --build --preset release
-(cd build/release && cpack -B "$out/work")
+cmake --preset unity -DTORVANE_TESTS=OFF
+cmake --build --preset unity
+(cd build/unity && cpack -B "$out/work")
 mv "$out"/work/*.deb "$out"
 rm -rf "$out/work"
 

@@ -8,9 +8,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install-packages.sh build desktop
 
 # The tests are left out: they are half of the building time.
-cmake --preset release -DTORVANE_TESTS=OFF
-cmake --build --preset release
-programs=build/release/bin
+cmake --preset unity -DTORVANE_TESTS=OFF
+cmake --build --preset unity
+programs=build/unity/bin
 
 if [[ -n ${DISPLAY:-} || -n ${WAYLAND_DISPLAY:-} ]]; then
   echo "Starting $programs/torvane"

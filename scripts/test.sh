@@ -6,10 +6,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install-packages.sh build desktop test
 
-cmake --preset release -DTORVANE_TESTS=ON
-cmake --build --preset release
+cmake --preset unity -DTORVANE_TESTS=ON
+cmake --build --preset unity
 
 # The tests drive real windows, which stay in memory whatever display there is.
 export QT_QPA_PLATFORM=offscreen
 # Tests of windows wait now and then: three at a time keep two processors at work.
-ctest --preset release --no-tests=error -j 3 "$@"
+ctest --preset unity --no-tests=error -j 3 "$@"

@@ -9,7 +9,7 @@ namespace {
 // Options that so many commands share are described once.
 constexpr std::size_t Several = 3;
 
-std::string Escaped(const std::string& text) {
+std::string RoffEscaped(const std::string& text) {
   std::string escaped;
   for (const char c : text) {
     if (c == '\\') {
@@ -30,20 +30,20 @@ std::string Joined(const std::vector<std::string>& parts, const std::string& bet
 }
 
 std::string Bold(const std::string& text) {
-  return "\\fB" + Escaped(text) + "\\fR";
+  return "\\fB" + RoffEscaped(text) + "\\fR";
 }
 
 // Names and value of an option, as they are typed; of a positional argument its name.
 std::string Heading(const CLI::Option& option) {
-  if (IsPositional(option)) return "\\fI" + Escaped(option.get_name(true)) + "\\fR";
+  if (IsPositional(option)) return "\\fI" + RoffEscaped(option.get_name(true)) + "\\fR";
   std::vector<std::string> names;
   for (const std::string& name : Names(option)) names.push_back(Bold(name));
   const std::string value = ValueName(option);
-  return Joined(names, ", ") + (value.empty() ? "" : " \\fI" + Escaped(value) + "\\fR");
+  return Joined(names, ", ") + (value.empty() ? "" : " \\fI" + RoffEscaped(value) + "\\fR");
 }
 
 std::string Entry(const CLI::Option& option) {
-  return ".TP\n" + Heading(option) + "\n" + Escaped(option.get_description()) + ".\n";
+  return ".TP\n" + Heading(option) + "\n" + RoffEscaped(option.get_description()) + ".\n";
 }
 
 // The command with all that it cannot do without.
@@ -72,7 +72,7 @@ std::string ManualOptions(const CLI::App& app) {
   }
   std::string text;
   for (const CLI::App* command : Commands(app)) {
-    text += ".SS " + Usage(*command) + "\n" + Escaped(command->get_description()) + ".\n";
+    text += ".SS " + Usage(*command) + "\n" + RoffEscaped(command->get_description()) + ".\n";
     for (const CLI::Option* option : command->get_options()) {
       if (commandsOf[Entry(*option)].size() < Several) text += Entry(*option);
     }

@@ -11,7 +11,7 @@
 namespace torvane {
 namespace {
 
-constexpr double Coarse[] = {1, 1.2, 1.4, 1.7, 2, 2.5, 3, 3.5, 4.2, 5, 6, 7.07, 8.5, 10};
+constexpr double CoarseMantissas[] = {1, 1.2, 1.4, 1.7, 2, 2.5, 3, 3.5, 4.2, 5, 6, 7.07, 8.5, 10};
 
 constexpr double Fine[] = {1,    1.04, 1.08, 1.12, 1.16, 1.2,  1.24, 1.28, 1.32, 1.36, 1.4,
                            1.46, 1.52, 1.58, 1.64, 1.7,  1.76, 1.82, 1.88, 1.94, 2,    2.08,
@@ -78,7 +78,7 @@ double StepDown(double x, Ladder ladder, const char* name) {
 }  // namespace
 
 Ladder CoarseLadder() {
-  return Coarse;
+  return CoarseMantissas;
 }
 
 Ladder FineLadder() {

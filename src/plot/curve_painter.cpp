@@ -13,9 +13,7 @@ namespace torvane {
 
 namespace {
 
-constexpr double Unseen = 0.15;  // pixels that a curve may be off
-// Pixels along the lines of all curves that a frame has time for: smooth ones take some 45 ns each.
-constexpr double SmoothInk = 130'000.0;
+constexpr double Unseen = 0.15;     // pixels that a curve may be off
 constexpr double PeakHeight = 6.0;  // of a column, in widths of the line
 
 }  // namespace

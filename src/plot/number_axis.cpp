@@ -7,15 +7,15 @@
 
 #include "core/text.h"
 #include "plot/picture_fonts.h"
+#include "plot/plot_layout.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr double Margin = 10.0;
-constexpr double Gap = 5.0;
-constexpr int WidestTick = 8;  // characters
-constexpr int SmallestPlate = 40;
+constexpr double FrameMargin = 10.0;
+constexpr double FrameGap = 5.0;
+constexpr int WidestTick = 8;         // characters
 constexpr double NumberShare = 0.92;  // of the text's size
 constexpr int TicksAcross = 8;
 constexpr double Slack = 1e-9;  // a tick at an end is on the axis whatever the rounding
@@ -70,8 +70,8 @@ void NumberFrame::Layout(const QSize& size, double ratio, int right) {
   Ratio = ratio;
   const QFontMetrics words(ScaledFont(QGuiApplication::font(), ratio, 1.0));
   const QFontMetrics numbers(ScaledFont(QGuiApplication::font(), ratio, NumberShare));
-  const int margin = qRound(Margin * ratio);
-  const int gap = qRound(Gap * ratio);
+  const int margin = qRound(FrameMargin * ratio);
+  const int gap = qRound(FrameGap * ratio);
   const int left = margin + words.height() + gap + numbers.horizontalAdvance(u'0') * WidestTick;
   const int top = margin + words.height() + gap;
   const int bottom = margin + words.height() + numbers.height() + 2 * gap;
@@ -82,7 +82,7 @@ void NumberFrame::Layout(const QSize& size, double ratio, int right) {
 void NumberFrame::Paint(QPainter& painter, const ScopeColours& colours, bool grid) const {
   const QFont text = ScaledFont(QGuiApplication::font(), Ratio, 1.0);
   const QFont number = ScaledFont(QGuiApplication::font(), Ratio, NumberShare);
-  const int gap = qRound(Gap * Ratio);
+  const int gap = qRound(FrameGap * Ratio);
   const QFontMetrics words(text);
   const QFontMetrics numbers(number);
   const QPen line(colours.Grid, Ratio);
@@ -112,7 +112,7 @@ void NumberFrame::Paint(QPainter& painter, const ScopeColours& colours, bool gri
   painter.drawText(QRect(Plate.left(), below, Plate.width(), words.height()), Qt::AlignCenter,
                    QString::fromStdString(XCaption));
   painter.save();
-  painter.translate(qRound(Margin * Ratio), Plate.center().y());
+  painter.translate(qRound(FrameMargin * Ratio), Plate.center().y());
   painter.rotate(-90.0);
   painter.drawText(QRect(-Plate.height() / 2, 0, Plate.height(), words.height()), Qt::AlignCenter,
                    QString::fromStdString(YCaption));

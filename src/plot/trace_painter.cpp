@@ -16,10 +16,8 @@ namespace {
 
 constexpr double TraceWidth = 1.6;
 constexpr double KeptWidth = 0.8;
-constexpr double Reach = 4.0;  // above the area, beyond which nothing of a line shows
-// Pixels along the lines of all traces that a frame has time for: smooth ones take some 45 ns a
-// pixel, plain ones of one pixel's width 8 ns.
-constexpr double SmoothInk = 130'000.0;
+constexpr double ReachAbove = 4.0;  // above the area, beyond which nothing of a line shows
+// As SmoothInk, of plain lines of one pixel's width, which take 8 ns a pixel.
 constexpr double PlainInk = 800'000.0;
 constexpr int MarkIntervals = 20;  // along the X axis, with one mark each
 constexpr double MarkHalfWidth = 4.0;
@@ -73,7 +71,7 @@ bool TracePainter::OnPixels() const {
 // A line is cut where it leaves the area's reach: smooth lines far outside cost as much as visible
 // ones, and beyond the range of a short integer some devices draw nonsense.
 void TracePainter::PaintLines(const std::vector<TracePoint>& points, std::size_t first) {
-  const int top = -Scaled(Reach);
+  const int top = -Scaled(ReachAbove);
   run_.clear();
   for (std::size_t i = first; i < points.size(); ++i) {
     const TracePoint& point = points[i];

@@ -11,6 +11,10 @@
 
 namespace torvane {
 
+/// Pixels along the lines of all traces that a frame has time for: smooth ones take some 45 ns
+/// each.
+inline constexpr double SmoothInk = 130'000.0;
+
 /// A point of a trace on the paint area, in pixels.
 struct TracePoint {
   int X = 0;

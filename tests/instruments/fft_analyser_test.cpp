@@ -12,7 +12,7 @@ namespace torvane {
 namespace {
 
 using test::Messages;
-using State = ZelXfer::State;
+using XferState = ZelXfer::State;
 
 class FftAnalyser : public testing::Test, protected test::FftBench {};
 
@@ -48,7 +48,7 @@ TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
   for (int n = 0; n < 16; ++n) {
     const double instant = Model.Bench().Time();
     EXPECT_EQ(Xfer.Progress(), n / 16.0);
-    EXPECT_TRUE(Xfer.Measuring() && Xfer.SampleState() == State::Sampling);
+    EXPECT_TRUE(Xfer.Measuring() && Xfer.SampleState() == XferState::Sampling);
     Step(0.0, 0.0);
     // The first four samples excite, and the model sees it half a sample later.
     const double drawn = n < 4 ? sequence.Uniform(1.0, 5.0) : 5.0;
@@ -58,7 +58,7 @@ TEST_F(FftAnalyser, TakesOneRecordAfterTheStartDelay) {
     before = drawn;
   }
   EXPECT_FALSE(Xfer.Measuring());
-  EXPECT_EQ(Xfer.SampleState(), State::Complete);
+  EXPECT_EQ(Xfer.SampleState(), XferState::Complete);
   EXPECT_EQ(Xfer.NextTime(), -1.0);
   EXPECT_TRUE(Xfer.HasData(0) && Xfer.TraceAt(0).Shown && Xfer.TakeNeedsRedraw());
 }
@@ -140,7 +140,7 @@ TEST_F(FftAnalyser, ReadsGainAndPhaseOfABin) {
 TEST_F(FftAnalyser, ReadsTheOutputAloneUnderAWindowInSpectrumMode) {
   Xfer.ClickSpectrum(true);  // a record under the generator, not a measurement
   EXPECT_FALSE(Xfer.Measuring());
-  EXPECT_EQ(Xfer.SampleState(), State::Armed);
+  EXPECT_EQ(Xfer.SampleState(), XferState::Armed);
   Steps(-2, 16, One, One);
   // The window of peak 2 has the mean 1, so the constant 2 sums up to 2 N. Exact: all eighths.
   EXPECT_EQ(Xfer.ResponseGain(0, 0.0), 20.0 * std::log10(32.0));
@@ -153,7 +153,7 @@ TEST_F(FftAnalyser, ReadsTheOutputAloneUnderAWindowInSpectrumMode) {
   Xfer.Run();
   Steps(-2, 5, Zero, One);
   Xfer.SetSpectrum(false);
-  EXPECT_EQ(Xfer.SampleState(), State::Armed);
+  EXPECT_EQ(Xfer.SampleState(), XferState::Armed);
   EXPECT_TRUE(Xfer.Measuring());
 }
 

@@ -10,13 +10,13 @@
 
 #include "support/bare_model.h"
 #include "support/recorder.h"
+#include "support/two_pi.h"
 
 namespace torvane {
 namespace {
 
 using test::Messages;
-
-constexpr double TwoPi = 6.2831852;  // as the meter has it
+using test::TwoPi;
 
 /// A meter with updates at exact binary times, served by hand.
 class MeterTest : public testing::Test {

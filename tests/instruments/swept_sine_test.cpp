@@ -11,14 +11,14 @@
 #include "instruments/sweep/swept_sine_analyser.h"
 #include "support/bare_model.h"
 #include "support/recorder.h"
+#include "support/two_pi.h"
 
 namespace torvane {
 namespace {
 
 using test::Messages;
-using State = ZelSweptDSA::State;
-
-constexpr double TwoPi = 6.2831852;  // as the analyser has it
+using test::TwoPi;
+using SweepState = ZelSweptDSA::State;
 
 /// A first-order low-pass of 20 Hz behind the analyser's excitation, with ticks at every eighth
 /// step.
@@ -105,7 +105,7 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
   EXPECT_EQ(Sweep.Excitation(0.0), 0.0);
   EXPECT_EQ(Sweep.NextTime(), -1.0);
   RunToTheEnd();
-  EXPECT_EQ(Sweep.SweepState(), State::Done);
+  EXPECT_EQ(Sweep.SweepState(), SweepState::Done);
   EXPECT_EQ(Sweep.NextTime(), -1.0);
   EXPECT_EQ(Sweep.Excitation(Model.Time()), 0.0);
   ASSERT_EQ(Sweep.PointCount(), 26);
@@ -153,7 +153,7 @@ TEST_F(SweptSine, StepsTheFrequencyWithoutAPhaseJump) {
   double largest = 0.0;
   int betweenPoints = 0;
   while (Sweep.Measuring()) {
-    if (Sweep.SweepState() == State::Advance) {
+    if (Sweep.SweepState() == SweepState::Advance) {
       // No time is asked for between two points; the next call after the tick goes on.
       EXPECT_EQ(Sweep.NextTime(), -1.0);
       EXPECT_GT(Sweep.NextTick(), Model.Time());
@@ -178,7 +178,7 @@ TEST_F(SweptSine, MeasuresMorePeriodsWhenMeasurementTimeExceedsTheFrequency) {
     Sweep.SetMeasurementTime(time);
     Sweep.Run();
     const double start = Model.Time();
-    while (Sweep.SweepState() != State::Advance) Advance();
+    while (Sweep.SweepState() != SweepState::Advance) Advance();
     return (Model.Time() - start - 0.25) * f;
   };
   EXPECT_EQ(measured(1.0, 2.5), 3.0);

@@ -61,7 +61,7 @@ std::string Until(ZelSolver& solver, double end, bool generally) {
   }
 }
 
-std::vector<double> Row(const ZelBenchTop& bench, const ZelBenchTop& named) {
+std::vector<double> RowOf(const ZelBenchTop& bench, const ZelBenchTop& named) {
   std::vector<double> row{bench.Time()};
   for (const Variable* const signal : named.Variables()) {
     if (!signal->Internal()) row.push_back(bench.FindVar(signal->Name())->DisplayValue());
@@ -92,12 +92,13 @@ TEST_P(TwinTest, RunsAsTheBuiltInModelToTheBit) {
       const std::string overflow = Until(builtIn->Solver(), end, false);
       ASSERT_EQ(Until(twin->Solver(), end, false), overflow) << "set-up " << seed;
       ASSERT_EQ(Until(general->Solver(), end, true), overflow) << "set-up " << seed;
-      const std::vector<double> expected = Row(builtIn->Bench(), builtIn->Bench());
+      const std::vector<double> expected = RowOf(builtIn->Bench(), builtIn->Bench());
       // From here on the built-in loops drop what they remember of the last sample.
       constexpr double Sane = 1e190;
       if (std::ranges::any_of(expected, [](double x) { return std::abs(x) > Sane; })) break;
-      ASSERT_EQ(Row(twin->Bench(), builtIn->Bench()), expected) << "set-up " << seed;
-      ASSERT_EQ(Row(general->Bench(), builtIn->Bench()), expected) << "generally, set-up " << seed;
+      ASSERT_EQ(RowOf(twin->Bench(), builtIn->Bench()), expected) << "set-up " << seed;
+      ASSERT_EQ(RowOf(general->Bench(), builtIn->Bench()), expected)
+          << "generally, set-up " << seed;
       if (!overflow.empty()) break;
     }
   }

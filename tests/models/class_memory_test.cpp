@@ -8,18 +8,18 @@
 namespace torvane {
 namespace {
 
+using test::RpmToRad;
+using test::SamplePeriod;
 using test::Settings;
 
-constexpr double Period = 0.00025;
-constexpr double RpmToRad = 0.10471975333333333;
 // The position that the finest encoder reads lies up to a count below the real one; that of 13-1
 // has a quarter of the resolution.
 constexpr double OneCount = 6.4e-10;
 
 /// A loop that remembers what the one before it has left.
-class Loop : public test::Loop {
+class LaterLoop : public test::Loop {
  public:
-  explicit Loop(const std::string& name, const Settings& settings = {})
+  explicit LaterLoop(const std::string& name, const Settings& settings = {})
       : test::Loop(name, settings, ClassMemory::Kept) {}
 };
 using Fresh = test::Loop;
@@ -67,13 +67,13 @@ TEST(ClassMemory, AFirstSampleDiffersAgainstTheLastOfAnotherRun) {
         loop.Generate(value);
       }
       loop.Sample(t);
-      return loop[c.Signal] / c.Factor * Period;
+      return loop[c.Signal] / c.Factor * SamplePeriod;
     };
     Fresh first(c.Model, c.Set);
     EXPECT_NEAR(sample(first, 3.0, 0.0), 3.0, 8.0 * OneCount);
-    Loop second(c.Model, c.Set);
+    LaterLoop second(c.Model, c.Set);
     EXPECT_NEAR(sample(second, 1.0, 0.0), 1.0 - 3.0, 8.0 * OneCount);
-    second.Bench().UpdateTimeDriven(0.1 * Period);
+    second.Bench().UpdateTimeDriven(0.1 * SamplePeriod);
     second.Model().Reset();
     EXPECT_NEAR(sample(second, 0.5, 0.01), 0.5 - 1.0, 8.0 * OneCount);
   }
@@ -88,7 +88,7 @@ TEST(ClassMemory, OutputInstantOutlivesItsModel) {
         "16-2 PID Position Loop"}) {
     SCOPED_TRACE(name);
     { Fresh(name).Sample(5.0); }
-    Loop second(name);
+    LaterLoop second(name);
     second["iC"] = 7.0;
     const auto inputAt = [&](double t) {
       second.Model().Derivatives(t);
@@ -109,7 +109,7 @@ TEST(ClassMemory, PositionIntegralOutlivesItsModel) {
   };
   Fresh first("16-2 PID Position Loop", integralOnly);
   EXPECT_NEAR(current(first, 2.0), 2.0, OneCount);
-  Loop second("16-2 PID Position Loop", integralOnly);
+  LaterLoop second("16-2 PID Position Loop", integralOnly);
   EXPECT_NEAR(current(second, 2.0), 4.0, OneCount);
   second.Set({{"Zero on Rev?", "Yes"}});  // which never empties it
   EXPECT_NEAR(current(second, -0.5), 3.5, 2.0 * OneCount);
@@ -140,7 +140,7 @@ TEST(ClassMemory, AliasingTakesOneSampleAPeriodStrictlyAfterIt) {
   first.Model().Reset();
   expect(first, {{2.5, false}});
   // A new model starts at time 0 and waits for the next sample time of the last one.
-  Loop second("5-1 Aliasing", period);
+  LaterLoop second("5-1 Aliasing", period);
   expect(second, {{0.0, false}, {1.0, false}, {2.5, false}, {2.75, true}});
 }
 
@@ -164,7 +164,7 @@ TEST(ClassMemory, LimitCyclesKeepTheirOutputsAndTheirDither) {
                            Mode{"Float", "0", 0.0, -3.0},       // -4.5 + 1.5
                            Mode{"Round", "0", 0.0, -2.0}}) {    // -4 + 2
     SCOPED_TRACE(mode.Name);
-    Loop loop("5-2 Dither and Limit Cycles", settings(mode));
+    LaterLoop loop("5-2 Dither and Limit Cycles", settings(mode));
     loop.Generate(mode.Input);
     loop.Sample(t += 1.0);
     EXPECT_EQ(loop["Output"], mode.Output);

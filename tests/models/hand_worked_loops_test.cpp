@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "models/loop.h"
+#include "support/two_pi.h"
 
 // The loops of which there are no reference trajectories: by hand, or against one of which there
 // are.
@@ -9,10 +10,9 @@ namespace torvane {
 namespace {
 
 using test::Loop;
-
-constexpr double Period = 0.00025;
-constexpr double RpmToRad = 0.10471975333333333;
-constexpr double TwoPi = 6.2831852;
+using test::RpmToRad;
+using test::SamplePeriod;
+using test::TwoPi;
 
 const std::string Disturbance = "7-1 Dist. Response of PI Controller";
 const std::string MotorFeedback = "13-1 Motor Feedback";
@@ -78,16 +78,16 @@ TEST(HandWorkedLoops, DisturbanceIsDecoupledThroughItsFilter) {
   Loop loop(Disturbance,
             {{"KVP", "0"}, {"KDD", "1.5"}, {"DD LPF", "50"}, {"KT-Est", "2"}, {"KT", "3"}});
   loop.Generate(4.0, 1);
-  const double pole = std::exp(-TwoPi * 50.0 * Period);
+  const double pole = std::exp(-TwoPi * 50.0 * SamplePeriod);
   double rest = 1.0;
   for (int k = 0; k < 2; ++k) {
-    loop.Sample(k * Period);
+    loop.Sample(k * SamplePeriod);
     rest *= pole;
     ExpectRelative(loop["iC"], -1.5 * (1.0 - rest) * 4.0 / 2.0);
   }
   loop["LowPass2 #1"] = 2.0;
   loop.Bench().UpdateTimeDriven(-1.0);
-  loop.Model().Derivatives(Period);
+  loop.Model().Derivatives(SamplePeriod);
   EXPECT_EQ(loop["tE"], 6.0);
   EXPECT_EQ(loop["tM"], 10.0);
   EXPECT_EQ(loop.Slope("vM"), 10.0 / 0.002);
@@ -100,7 +100,7 @@ TEST(HandWorkedLoops, SensorErrorGoesRoundWithTheMotor) {
     loop["pM"] = position;
     loop.Generate(60.0);
     loop.Sample(t);
-    t += Period;
+    t += SamplePeriod;
     // Half a degree; pi is taken to eight digits.
     const double error = 0.5 * M_PI / 180.0 * std::sin(3.0 * position);
     EXPECT_NEAR(loop["pE"], error, 1e-9);
@@ -110,8 +110,8 @@ TEST(HandWorkedLoops, SensorErrorGoesRoundWithTheMotor) {
 }
 
 TEST(HandWorkedLoops, SwitchesChooseTheFeedbackFilters) {
-  const double b1 = 1.0 - std::exp(-TwoPi * 200.0 * Period);
-  const double b2 = 1.0 - std::exp(-TwoPi * 400.0 * Period);
+  const double b1 = 1.0 - std::exp(-TwoPi * 200.0 * SamplePeriod);
+  const double b2 = 1.0 - std::exp(-TwoPi * 400.0 * SamplePeriod);
   for (int choice = 0; choice < 8; ++choice) {
     const auto yes = [&](int bit) { return (choice & bit) != 0; };
     const auto text = [&](int bit) { return yes(bit) ? "Yes" : "No"; };

@@ -20,6 +20,9 @@ namespace torvane::test {
 /// Constants by name and the text that each is set to.
 using Settings = std::vector<std::pair<std::string, std::string>>;
 
+constexpr double SamplePeriod = 0.00025;  ///< of the sampled loops by default
+constexpr double RpmToRad = 0.10471975333333333;
+
 /// A built-in model of which a test sets signals and samples by hand. What was reported while it
 /// lived fails the test.
 class Loop {

@@ -44,11 +44,11 @@ void ExpectToLoadAgain(const ZelModel& model) {
   EXPECT_EQ(ModelFileText(*host.Model), saved);
 }
 
-class Settings : public testing::TestWithParam<std::string> {};
+class ModelSettings : public testing::TestWithParam<std::string> {};
 
 // Each value of each record in turn, from the last on: a switch that is on goes off when one after
 // it goes on.
-TEST_P(Settings, TakeAnotherValueFromAFileAndGiveItBack) {
+TEST_P(ModelSettings, TakeAnotherValueFromAFileAndGiveItBack) {
   test::Recorder reports;
   CatalogueHost host(LoadModel(FindModel(GetParam())));
   host.AddMeter("M");
@@ -77,7 +77,7 @@ TEST_P(Settings, TakeAnotherValueFromAFileAndGiveItBack) {
   EXPECT_EQ(ModelFileText(*host.Model), defaults);
 }
 
-INSTANTIATE_TEST_SUITE_P(Catalogue, Settings, testing::ValuesIn(ModelNames()));
+INSTANTIATE_TEST_SUITE_P(Catalogue, ModelSettings, testing::ValuesIn(ModelNames()));
 
 // Changes at random: each can be undone and redone, and every state on the way saves and loads
 // without a word to the same bytes.

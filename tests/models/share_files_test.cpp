@@ -15,7 +15,7 @@ namespace torvane {
 namespace {
 
 using Names = std::vector<std::string>;
-const std::filesystem::path Folder = std::filesystem::path(TORVANE_SHARE) / "models";
+const std::filesystem::path ModelsFolder = std::filesystem::path(TORVANE_SHARE) / "models";
 
 /// The drawing from which the build makes the picture.
 std::string DrawingOf(const ZelModel& model) {
@@ -25,7 +25,7 @@ std::string DrawingOf(const ZelModel& model) {
 }
 
 std::string ReadFile(const std::string& name) {
-  std::ifstream file(Folder / name, std::ios::binary);
+  std::ifstream file(ModelsFolder / name, std::ios::binary);
   EXPECT_TRUE(file) << name;
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -93,7 +93,7 @@ TEST(ShareFolder, HoldsTheFilesThatModelsNameAndNoOthers) {
     named.insert({DrawingOf(*model), model->TextFile()});
   }
   std::set<std::string> present{""};
-  for (const auto& entry : std::filesystem::directory_iterator(Folder)) {
+  for (const auto& entry : std::filesystem::directory_iterator(ModelsFolder)) {
     present.insert(entry.path().filename().string());
   }
   EXPECT_EQ(present, named);

@@ -17,11 +17,11 @@ struct RunOptions {
   ModelOptions Model;
   double Until = 0.0;
   double Every = 0.0;
-  std::string Record;
+  std::string RecordRows;
   std::string Out;
 };
 
-std::string Trimmed(const std::string& text) {
+std::string TrimmedName(const std::string& text) {
   const auto first = text.find_first_not_of(' ');
   if (first == std::string::npos) return {};
   return text.substr(first, text.find_last_not_of(' ') + 1 - first);
@@ -32,7 +32,7 @@ std::vector<Variable*> RecordedSignals(const ZelBenchTop& bench, const std::stri
   std::vector<Variable*> signals;
   std::istringstream names(list + ",");
   for (std::string name; std::getline(names, name, ',');) {
-    signals.push_back(&NamedSignal(bench, Trimmed(name)));
+    signals.push_back(&NamedSignal(bench, TrimmedName(name)));
   }
   return signals;
 }
@@ -41,7 +41,7 @@ class Recording {
  public:
   Recording(const ZelBenchTop& bench, const RunOptions& options)
       : bench_(bench),
-        signals_(RecordedSignals(bench, options.Record)),
+        signals_(RecordedSignals(bench, options.RecordRows)),
         file_(options.Out, Delivery::Streamed) {
     std::vector<std::string> header{"Time"};
     for (const Variable* signal : signals_) header.push_back(signal->Name());
@@ -66,7 +66,8 @@ class Recording {
 };
 
 // A row goes to the step nearest to its multiple, and none comes twice.
-void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
+void RecordRows(ZelModel& model, const RunOptions& options, Recording& recording,
+                Console& console) {
   LongRun run(model, console, options.Until,
               Console::CanShowProgress(recording.File().IsStandardOutput()));
   StepClock clock(StepClock::Nearest);
@@ -85,7 +86,7 @@ void Run(const RunOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
   Recording recording(model->Bench(), options);
   try {
-    Record(*model, options, recording, console);
+    RecordRows(*model, options, recording, console);
   } catch (const CommandError& error) {
     throw CommandError(error.Code(), error.what() + recording.File().KeepRows());
   }
@@ -104,7 +105,7 @@ void AddRunCommand(CLI::App& app, Console& console) {
   AddNumber(*command, "--every", options->Every, NumberRange::Positive,
             "Simulated time between two rows, seconds")
       ->required();
-  command->add_option("--record", options->Record, "Signals to record; all without it")
+  command->add_option("--record", options->RecordRows, "Signals to record; all without it")
       ->type_name("A,B,...");
   command
       ->add_option("--out", options->Out,

@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t PieceSize = 65536;
 constexpr std::chrono::milliseconds LongestDelay(500);
 constexpr std::string_view RunBegin = "Time,";  // of the captions
-constexpr mode_t NewFileMode = 0666;            // less what the user's mask takes away
 
 int OpenStream(const std::string& path, bool streamed) {
   if (!streamed) return -1;

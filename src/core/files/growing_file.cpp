@@ -10,12 +10,10 @@
 
 #include "core/files/atomic_save.h"
 #include "core/files/file_fault.h"
+#include "core/files/input_file.h"
 
 namespace torvane {
 namespace {
-
-constexpr std::size_t PieceSize = 65536;
-constexpr mode_t NewFileMode = 0666;  // less what the user's mask takes away
 
 // Not inherited by processes that are started, and gone with the one that has it.
 bool LockWhole(int descriptor) {
@@ -51,7 +49,7 @@ std::size_t GrowingFile::Size() const {
 
 std::string GrowingFile::Read(std::size_t limit) const {
   std::string text;
-  std::array<char, PieceSize> piece{};
+  std::array<char, InputFile::PieceSize> piece{};
   while (text.size() < limit) {
     const ssize_t count =
         pread(file_->Descriptor(), piece.data(), std::min(piece.size(), limit - text.size()),

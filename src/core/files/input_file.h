@@ -13,6 +13,8 @@ namespace torvane {
 class InputFile {
  public:
   static constexpr int WaitForEver = -1;
+  /// Bytes that are read at a time.
+  static constexpr std::size_t PieceSize = 65536;
 
   /// `patience`: milliseconds that a pipe or device may stay silent.
   InputFile(const std::string& path, int patience);

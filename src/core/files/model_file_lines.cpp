@@ -14,8 +14,6 @@
 namespace torvane {
 namespace {
 
-constexpr std::size_t PieceSize = 65536;
-
 /// Follows the lines of the file that is being read.
 class LineLimits {
  public:
@@ -71,7 +69,7 @@ bool ReadModelText(const std::string& path, std::string& text, int patience) {
     return false;
   }
   LineLimits lines;
-  std::array<char, PieceSize> buffer{};
+  std::array<char, InputFile::PieceSize> buffer{};
   text.clear();
   for (;;) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());

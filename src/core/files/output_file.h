@@ -6,6 +6,9 @@
 
 namespace torvane {
 
+/// The rights to a new file, less what the user's mask takes away.
+inline constexpr mode_t NewFileMode = 0666;
+
 /// A file that is being written, closed at the latest with the object. Each step tells whether it
 /// succeeded; errno has the reason.
 class OutputFile {

@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::string_view Prefix = ".torvane-";
 constexpr int NameAttempts = 1000;
-constexpr mode_t NewFileMode = 0666;  // less what the user's mask takes away
 
 sigset_t HoldBackSignals() {
   sigset_t signals;

@@ -9,8 +9,6 @@
 namespace torvane {
 namespace {
 
-constexpr std::size_t PieceSize = 65536;
-
 std::string TooLarge(const std::string& path, std::size_t limit) {
   return path + " is larger than " + std::to_string(limit >> 20U) + " MiB";
 }
@@ -25,7 +23,7 @@ std::string ReadTextFile(const std::string& path, std::size_t limit, std::string
   text.clear();
   // Growing by doubling would take twice the memory; what is not written to takes none.
   text.reserve(file.Size() > 0 ? file.Size() : limit);
-  std::array<char, PieceSize> buffer{};
+  std::array<char, InputFile::PieceSize> buffer{};
   for (;;) {
     const ssize_t count = file.Read(buffer.data(), buffer.size());
     if (count == 0) return {};

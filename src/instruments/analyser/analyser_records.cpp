@@ -8,7 +8,7 @@
 namespace torvane {
 namespace {
 
-constexpr std::size_t ValueEntries = 4;
+constexpr std::size_t AnalyserEntries = 4;
 constexpr const char* AveragesKeyword = "Averages";  // in files where there is more than one
 
 std::string ShownKeyword(std::size_t slot) {
@@ -31,7 +31,7 @@ void FrequencyAnalyser::LoadRecord(const Record& record) {
     LoadDisplayReporting(record, Placement, "File error:  wrong number entries in");
     return;
   }
-  if (record.Fields.size() != ValueEntries) {
+  if (record.Fields.size() != AnalyserEntries) {
     Error("Wrong number of entries in" + record.Line);
     return;
   }
@@ -47,12 +47,12 @@ void FrequencyAnalyser::SaveState(RecordWriter& writer) const {
 
 void FrequencyAnalyser::LoadState(const Record& record) {
   if (record.Keyword() == "PhaseAdd") {
-    phaseAdd_ = ParseNumber(record.Field(ValueEntries - 1)).value_or(0.0);
+    phaseAdd_ = ParseNumber(record.Field(AnalyserEntries - 1)).value_or(0.0);
     MakeResponses();
     return;
   }
   if (LoadWindow(record)) return;
-  const auto number = ParseInteger(record.Field(ValueEntries - 1));
+  const auto number = ParseInteger(record.Field(AnalyserEntries - 1));
   if (number && LoadMore(record.Keyword(), *number)) return;
   // A channel that is chosen by hand has no phase added; here the record after it says.
   const double phaseAdd = phaseAdd_;

@@ -8,12 +8,12 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/analyser.h"
+#include "instruments/analyser/response_reading.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr double Turn = 360.0;  // degrees
 constexpr int RightMargin = 4;  // columns that a search over the plot leaves out
 
 using Kind = FindTarget::Kind;

@@ -8,7 +8,7 @@ namespace torvane {
 
 namespace {
 
-std::optional<ComplexText> Pair(std::string_view first, std::string_view second) {
+std::optional<ComplexText> FromPair(std::string_view first, std::string_view second) {
   const std::size_t degrees = second.find_first_of("\xC2\xB0");
   second = second.substr(0, degrees);
   const bool polar = first.ends_with("dB");
@@ -37,14 +37,14 @@ std::optional<ComplexText> ParseComplexText(std::string_view field) {
   }
   const std::string_view all = text;
   if (const std::size_t comma = all.find(','); comma != std::string_view::npos) {
-    return Pair(all.substr(0, comma), all.substr(comma + 1));
+    return FromPair(all.substr(0, comma), all.substr(comma + 1));
   }
   if (!all.ends_with('i') && !all.ends_with('j')) return std::nullopt;
   const std::size_t sign = SignBetween(all);
   if (sign == std::string_view::npos) return std::nullopt;
   std::string imaginary(all.substr(sign, all.size() - sign - 1));
   if (imaginary.front() == '+') imaginary.erase(0, 1);
-  return Pair(all.substr(0, sign), imaginary);
+  return FromPair(all.substr(0, sign), imaginary);
 }
 
 }  // namespace torvane

@@ -13,7 +13,6 @@ namespace torvane {
 namespace {
 
 constexpr double HalfTurn = 180.0;
-constexpr double Turn = 360.0;
 constexpr double LeastPeak = 0.1;  // dB; less is scatter
 
 Level GainLevel(double at) {

@@ -20,7 +20,7 @@ constexpr double BelowMax = 0.99;
 // Limits of the axis, Hz, and of the scales: far beyond them pictures' arithmetic ends.
 constexpr double LowestFrequency = 1e-30;
 constexpr double HighestFrequency = 1e30;
-constexpr double SmallestScale = 1e-30;
+constexpr double SmallestMagnitude = 1e-30;
 constexpr double SmallestDivision = 1e-12;  // of a Nyquist plot
 constexpr double LargestDivision = 1e12;
 constexpr double FarthestCentre = 1e15;
@@ -76,7 +76,7 @@ void ResponseAxes::SetPositive(double& setting, double value, const char* what) 
     Error("Attempt to set " + label_ + " " + what + " <= 0");
     return;
   }
-  if (std::isfinite(value)) value = std::clamp(value, SmallestScale, LargestMagnitude);
+  if (std::isfinite(value)) value = std::clamp(value, SmallestMagnitude, LargestMagnitude);
   SetNumber(setting, value, what);
 }
 

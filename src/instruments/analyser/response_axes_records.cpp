@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::size_t ValueField = 3;
 
-using Number = NumberSetting<ResponseAxes>;
+using AxesNumber = NumberSetting<ResponseAxes>;
 constexpr std::array Scales{
-    Number{"GainScale", &ResponseAxes::GainScale, &ResponseAxes::SetGainScale},
-    Number{"GainOffset", &ResponseAxes::GainOffset, &ResponseAxes::SetGainOffset},
-    Number{"PhaseScale", &ResponseAxes::PhaseScale, &ResponseAxes::SetPhaseScale},
-    Number{"PhaseOffset", &ResponseAxes::PhaseOffset, &ResponseAxes::SetPhaseOffset},
+    AxesNumber{"GainScale", &ResponseAxes::GainScale, &ResponseAxes::SetGainScale},
+    AxesNumber{"GainOffset", &ResponseAxes::GainOffset, &ResponseAxes::SetGainOffset},
+    AxesNumber{"PhaseScale", &ResponseAxes::PhaseScale, &ResponseAxes::SetPhaseScale},
+    AxesNumber{"PhaseOffset", &ResponseAxes::PhaseOffset, &ResponseAxes::SetPhaseOffset},
 };
 
 struct ViewSwitch {

@@ -17,10 +17,8 @@ namespace torvane {
 
 namespace {
 
-constexpr std::size_t MaxFileSize = std::size_t{16} << 20;
-constexpr std::size_t MaxColumns = 100;
+constexpr std::size_t MaxFields = 100;
 constexpr int MostTitles = 50;  // lines that may stand above the captions
-constexpr int Patience = 2000;  // milliseconds that a pipe may stay silent
 // Beyond these a value is no measurement.
 constexpr double MaxHz = 1e12;
 constexpr double MinHz = 1e-12;
@@ -45,7 +43,7 @@ class ResponseReader {
       return {};
     }
     if (!begun_) return TakeHead(line, number);
-    const TableFields fields = SplitTableLine(line, separator_, MaxColumns);
+    const TableFields fields = SplitTableLine(line, separator_, MaxFields);
     if (raw_.front().empty() && TakeUnits(fields)) return {};
     return TakePoint(fields, number);
   }
@@ -88,7 +86,7 @@ class ResponseReader {
   // The captions, or the first point of a file without them. Lines above them are titles.
   std::string TakeHead(std::string_view line, int number) {
     separator_ = TableSeparator(line);
-    const TableFields fields = SplitTableLine(line, separator_, MaxColumns);
+    const TableFields fields = SplitTableLine(line, separator_, MaxFields);
     const bool captions = !IsNumber(fields.front());
     if (!captions && knownInHead_ > 0) return head_;
     columns_.clear();
@@ -218,7 +216,7 @@ class ResponseReader {
   }
 
   std::string TakePoint(const TableFields& fields, int number) {
-    while (columns_.size() < fields.size() && fields.size() < MaxColumns) {
+    while (columns_.size() < fields.size() && fields.size() < MaxFields) {
       if (!fields[columns_.size()].empty()) {
         return LineFault(number,
                          "more fields than columns; with decimal commas the fields need "
@@ -333,7 +331,7 @@ ResponseText ParseResponse(std::string_view text, const ResponseHints& hints) {
 ResponseText ReadResponseFile(const std::string& path, const ResponseHints& hints) {
   ResponseText response;
   std::string text;
-  response.Fault = ReadTextFile(path, MaxFileSize, text, Patience);
+  response.Fault = ReadTextFile(path, MaxBenchTable, text, BenchPatience);
   if (!response.Fault.empty()) return response;
   response = ParseResponse(text, hints);
   if (!response.Fault.empty()) response.Fault = "\"" + path + "\": " + response.Fault;

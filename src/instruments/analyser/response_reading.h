@@ -16,6 +16,8 @@ inline double GainDb(double magnitude) {
   return magnitude > 0.0 ? 20.0 * std::log10(magnitude) : NoGain;
 }
 
+inline constexpr double Turn = 360.0;  ///< degrees
+
 /// Phase of a spectral line in degrees, in (-270, 90]; exactly +-90 when the real part is 0.
 inline double PhaseDeg(double re, double im) {
   if (re == 0.0) return im < 0.0 ? -90.0 : 90.0;
@@ -25,15 +27,15 @@ inline double PhaseDeg(double re, double im) {
 
 /// One turn back from above 90 degrees, or forth from below -270.
 inline double WrapPhase(double degrees) {
-  if (degrees > 90.0) return degrees - 360.0;
-  if (degrees < -270.0) return degrees + 360.0;
+  if (degrees > 90.0) return degrees - Turn;
+  if (degrees < -270.0) return degrees + Turn;
   return degrees;
 }
 
 /// The same phase in (-270, 90], however many turns it is away.
 inline double OneTurn(double degrees) {
-  const double phase = std::remainder(degrees + 90.0, 360.0) - 90.0;
-  return phase <= -270.0 ? phase + 360.0 : phase;
+  const double phase = std::remainder(degrees + 90.0, Turn) - 90.0;
+  return phase <= -270.0 ? phase + Turn : phase;
 }
 
 /// Two neighbouring phases lie on either side of a wrap.

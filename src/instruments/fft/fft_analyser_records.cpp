@@ -11,15 +11,15 @@
 namespace torvane {
 namespace {
 
-using Number = NumberSetting<ZelXfer>;
+using XferNumber = NumberSetting<ZelXfer>;
 constexpr std::array Times{
-    Number{"tSample", &ZelXfer::TSample, &ZelXfer::SetTSample},
-    Number{"tStartDelay", &ZelXfer::TStartDelay, &ZelXfer::SetTStartDelay},
-    Number{"tEndDelay", &ZelXfer::TEndDelay, &ZelXfer::SetTEndDelay},
+    XferNumber{"tSample", &ZelXfer::TSample, &ZelXfer::SetTSample},
+    XferNumber{"tStartDelay", &ZelXfer::TStartDelay, &ZelXfer::SetTStartDelay},
+    XferNumber{"tEndDelay", &ZelXfer::TEndDelay, &ZelXfer::SetTEndDelay},
 };
-constexpr std::array ExcitationNumbers{
-    Number{"ExAmplitude", &ZelXfer::Amplitude, &ZelXfer::SetAmplitude},
-    Number{"ExOffset", &ZelXfer::Offset, &ZelXfer::SetOffset},
+constexpr std::array XferExcitation{
+    XferNumber{"ExAmplitude", &ZelXfer::Amplitude, &ZelXfer::SetAmplitude},
+    XferNumber{"ExOffset", &ZelXfer::Offset, &ZelXfer::SetOffset},
 };
 
 }  // namespace
@@ -29,7 +29,7 @@ void ZelXfer::SaveSetup(RecordWriter& writer) const {
   SaveFreqRange(writer);
   SaveNumbers<ZelXfer>(writer, *this, Times);
   writer.Write("Order", {std::to_string(order_)});
-  SaveNumbers<ZelXfer>(writer, *this, ExcitationNumbers);
+  SaveNumbers<ZelXfer>(writer, *this, XferExcitation);
 }
 
 bool ZelXfer::LoadSetup(const Record& record) {
@@ -53,7 +53,7 @@ bool ZelXfer::LoadSetup(const Record& record) {
     return true;
   }
   return LoadNumber<ZelXfer>(record, *this, Times) ||
-         LoadNumber<ZelXfer>(record, *this, ExcitationNumbers);
+         LoadNumber<ZelXfer>(record, *this, XferExcitation);
 }
 
 void ZelXfer::FinishLoading(const std::function<void(int line)>& atLine) {

@@ -12,11 +12,11 @@ namespace torvane {
 
 namespace {
 
-constexpr double LeastAtLimit = 0.001;    // of a record; fewer samples hardly move its response
-constexpr double LeastGrowth = 4.0;       // a ramp grows by 4/3, its square by 16/9
-constexpr double NearlyNothing = 1e-12;   // of the output's power
-constexpr double LeakOfBin = 0.1;         // of its value: 1 dB, 6 degrees
-constexpr double LeakyShare = 1.0 / 3.0;  // of the frequencies, on their logarithmic axis
+constexpr double LeastShareAtLimit = 0.001;  // of a record; fewer samples hardly move its response
+constexpr double LeastGrowth = 4.0;          // a ramp grows by 4/3, its square by 16/9
+constexpr double NearlyNoPower = 1e-12;      // of the output's power
+constexpr double LeakOfBin = 0.1;            // of its value: 1 dB, 6 degrees
+constexpr double LeakyShare = 1.0 / 3.0;     // of the frequencies, on their logarithmic axis
 
 /// What a record's end leaves in a response's bins. A step D between the ends of a signal puts
 /// D / (2 sin(pi k / N)) into bin k.
@@ -84,7 +84,7 @@ std::vector<std::string> ZelXfer::RecordDoubts() const {
   if (spectrum_) return doubts;
   for (const ZelXferChannel* channel : records_) {
     const double share = channel->SamplesOf(0).AtLimit;
-    if (share < LeastAtLimit) continue;
+    if (share < LeastShareAtLimit) continue;
     doubts.push_back(channel->Name() + " stood at a limit for " +
                      FormatGeneral(100.0 * share, 2, 1) +
                      " % of the record: the response is not that of a linear loop.");
@@ -109,7 +109,7 @@ std::vector<std::string> ZelXfer::PairDoubts(int slot) const {
     outputPower += yRe * yRe + yIm * yIm;
     leak.Add(bin, xRe, xIm, yRe, yIm);
   }
-  if (inputPower <= NearlyNothing * outputPower) {
+  if (inputPower <= NearlyNoPower * outputPower) {
     return {input.Name() + " is nearly nothing beside " + output.Name() +
             ": their ratio is that of rounding."};
   }

@@ -11,18 +11,18 @@
 namespace torvane {
 namespace {
 
-constexpr std::size_t ValueEntries = 4;
+constexpr std::size_t MeterEntries = 4;
 
-using Number = NumberSetting<ZelMeter>;
+using MeterNumber = NumberSetting<ZelMeter>;
 constexpr std::array Numbers{
-    Number{"ACHpf", &ZelMeter::AcHpf, &ZelMeter::SetAcHpf},
-    Number{"HarmonicFreq", &ZelMeter::HarmonicFreq, &ZelMeter::SetHarmonicFreq},
-    Number{"Lpf", &ZelMeter::Lpf, &ZelMeter::SetLpf},
-    Number{"ExcitationMag", &ZelMeter::ExcitationMag, &ZelMeter::SetExcitationMag},
-    Number{"ExcitationOff", &ZelMeter::ExcitationOff, &ZelMeter::SetExcitationOff},
-    Number{"ExcitationMult", &ZelMeter::ExcitationMult, &ZelMeter::SetExcitationMult},
-    Number{"TSample", &ZelMeter::TSample, &ZelMeter::SetTSample},
-    Number{"TWindow", &ZelMeter::TWindow, &ZelMeter::SetTWindow},
+    MeterNumber{"ACHpf", &ZelMeter::AcHpf, &ZelMeter::SetAcHpf},
+    MeterNumber{"HarmonicFreq", &ZelMeter::HarmonicFreq, &ZelMeter::SetHarmonicFreq},
+    MeterNumber{"Lpf", &ZelMeter::Lpf, &ZelMeter::SetLpf},
+    MeterNumber{"ExcitationMag", &ZelMeter::ExcitationMag, &ZelMeter::SetExcitationMag},
+    MeterNumber{"ExcitationOff", &ZelMeter::ExcitationOff, &ZelMeter::SetExcitationOff},
+    MeterNumber{"ExcitationMult", &ZelMeter::ExcitationMult, &ZelMeter::SetExcitationMult},
+    MeterNumber{"TSample", &ZelMeter::TSample, &ZelMeter::SetTSample},
+    MeterNumber{"TWindow", &ZelMeter::TWindow, &ZelMeter::SetTWindow},
 };
 
 void ReportBadData(const Record& record) {
@@ -40,7 +40,7 @@ void ZelMeter::SaveRecords(RecordWriter& writer) const {
     writer.Write(NamesOf(meant).Keyword, {FlagText(kind_ == meant)});
   };
   // The numbers stand here and there among the switches, in the order of the table.
-  std::span<const Number> numbers = Numbers;
+  std::span<const MeterNumber> numbers = Numbers;
   const auto number = [&](std::size_t count = 1) {
     SaveNumbers(writer, *this, numbers.first(count), FormatShortest);
     numbers = numbers.subspan(count);
@@ -69,7 +69,7 @@ void ZelMeter::SaveRecords(RecordWriter& writer) const {
 void ZelMeter::LoadRecord(const Record& record) {
   if (record.Keyword() == "Display") {
     LoadMeterDisplay(record);
-  } else if (record.Fields.size() != ValueEntries) {
+  } else if (record.Fields.size() != MeterEntries) {
     Error("Wrong number of entries in" + record.Line);
   } else if (!LoadSwitch(record) && !LoadVariable(record) && !LoadNumber(record)) {
     ReportBadData(record);
@@ -134,7 +134,7 @@ bool ZelMeter::LoadVariable(const Record& record) {
 bool ZelMeter::LoadNumber(const Record& record) {
   const auto value = ParseNumber(record.Fields[3]);
   if (!value) return false;
-  for (const Number& setting : Numbers) {
+  for (const MeterNumber& setting : Numbers) {
     if (record.Keyword() != setting.Keyword) continue;
     (this->*setting.Set)(*value);
     return true;

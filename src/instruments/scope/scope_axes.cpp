@@ -12,13 +12,13 @@ namespace torvane {
 
 namespace {
 
-struct Extremes {
+struct ValueRange {
   double Low;
   double High;
 };
 
 // Over the points of a sweep; 0 for one without points.
-Extremes SweepExtremes(const ZelScope& scope, const SignalChannel& channel, ScopeSweep sweep) {
+ValueRange SweepRange(const ZelScope& scope, const SignalChannel& channel, ScopeSweep sweep) {
   ScopeScreen screen;
   scope.CopyScreen(sweep, screen);
   for (std::size_t i = 0; i < screen.Values.size(); ++i) {
@@ -168,7 +168,7 @@ void ZelScope::SetHorizontalOffset(ZelChannel& channel, double offset) {
 
 void ZelScope::AutoScale(AxisScale& axis, SignalChannel& channel, int divisions, ScopeSweep sweep,
                          const std::string& caption) {
-  const auto [low, high] = SweepExtremes(*this, channel, sweep);
+  const auto [low, high] = SweepRange(*this, channel, sweep);
   const double largest = std::max(std::abs(low), std::abs(high));
   const double scale = channel.Signal().Multiplier() * largest / (divisions / 2);
   ChangeAxis(axis, {UsableScale(scale) ? scale : axis.Scale, 0.0}, caption + channel.Name());
@@ -183,7 +183,7 @@ void ZelScope::AutoHorizontal(SignalChannel& channel, ScopeSweep sweep) {
 }
 
 void ZelScope::FillVertical(SignalChannel& channel, ScopeSweep sweep) {
-  const auto [low, high] = SweepExtremes(*this, channel, sweep);
+  const auto [low, high] = SweepRange(*this, channel, sweep);
   const double multiplier = channel.Signal().Multiplier();
   const double scale = (high - low) * multiplier / VerticalDivisions;
   if (!UsableScale(scale)) {

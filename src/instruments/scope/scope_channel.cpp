@@ -2,11 +2,11 @@
 
 #include <cmath>
 
+#include "instruments/scope/scope.h"
+
 namespace torvane {
 
 namespace {
-
-constexpr double ScreenDivisions = 10.0;
 
 constexpr std::array<TraceColour, TraceColourCount> TraceColours = {{
     {"Blk", 0x000000},
@@ -23,7 +23,7 @@ constexpr std::array<TraceColour, TraceColourCount> TraceColours = {{
 
 void ZelTimeChannel::FillHistory(double scale, int screenLength) {
   const int length = static_cast<int>(ring_.size());
-  const double screenTime = std::abs(scale) * ScreenDivisions;
+  const double screenTime = std::abs(scale) * ZelScope::HorizontalDivisions;
   for (int i = 0; i < length; ++i) ring_[Slot(i)] = (i - length) * screenTime / screenLength;
 }
 

@@ -6,12 +6,12 @@
 
 #include "core/numeric.h"
 #include "core/text.h"
+#include "instruments/scope/scope.h"
 #include "instruments/setting_limits.h"
 
 namespace torvane {
 
 namespace {
-constexpr float ScreenDivisions = 10.0F;
 constexpr double AutoScreens = 2.05;  // screens without an event before a sweep starts by itself
 
 std::string Switched(const std::string& setting, bool on) {
@@ -117,7 +117,7 @@ bool ZelTrigger::ConsumeFired() {
 
 // A negative time scale mirrors the screen; time passes all the same.
 double ZelTrigger::ScreenTime() const {
-  return std::abs(timeReference_.Horizontal().Scale) * ScreenDivisions;
+  return std::abs(timeReference_.Horizontal().Scale) * ZelScope::HorizontalDivisions;
 }
 
 double ZelTrigger::AutoPeriod() const {

@@ -11,12 +11,12 @@ namespace torvane {
 
 namespace {
 
-constexpr double SettledBand = 0.02;      // of the step
-constexpr double FinestOvershoot = 0.01;  // per cent
-constexpr double SameOvershoot = 0.5;     // per cent: what two views may differ by
-constexpr double UnsurePeak = 1.0;        // per cent
-constexpr double ScreenPoints = 400.0;    // half their distance is what times may differ by
-constexpr std::size_t FewestPoints = 20;  // after a step, for a final value and a rise
+constexpr double SettledBand = 0.02;          // of the step
+constexpr double FinestOvershoot = 0.01;      // per cent
+constexpr double SameOvershoot = 0.5;         // per cent: what two views may differ by
+constexpr double UnsurePeak = 1.0;            // per cent
+constexpr double ScreenPoints = 400.0;        // half their distance is what times may differ by
+constexpr std::size_t FewestStepPoints = 20;  // after a step, for a final value and a rise
 
 struct GapTexts {
   const char* Short;
@@ -216,7 +216,7 @@ std::optional<StepStretch> FindStep(std::span<const double> command) {
 StepMeasures MeasureStep(const StepTraces& traces, const StepStretch& stretch,
                          const JumpTime& jump) {
   const std::size_t count = stretch.End - stretch.Before;
-  if (count < FewestPoints) return StepMeasures::Without(StepGap::FewPoints);
+  if (count < FewestStepPoints) return StepMeasures::Without(StepGap::FewPoints);
   const StepTail tail = FindTail(traces, stretch, SettledBand);
   if (tail.Gap != StepGap::None) return StepMeasures::Without(tail.Gap);
   const double length = traces.Times[stretch.End - 1] - traces.Times[stretch.Before];

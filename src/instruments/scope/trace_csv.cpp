@@ -13,10 +13,8 @@ namespace torvane {
 
 namespace {
 
-constexpr std::size_t MaxFileSize = std::size_t{16} << 20U;
-constexpr std::size_t MaxColumns = 1000;
+constexpr std::size_t MaxTraces = 1000;
 constexpr std::size_t TitlesTold = 8;
-constexpr int Patience = 2000;   // milliseconds that a pipe may stay silent
 constexpr double MaxTime = 1e9;  // seconds
 
 // "vF (V)" is a column's caption, "vF" its title.
@@ -67,7 +65,7 @@ class TraceReader {
   std::string Take(std::string_view line, int number) {
     if (line.starts_with('#') || TrimmedField(line).empty()) return {};
     if (columns_.empty()) return TakeCaptions(line, number);
-    return TakePoint(SplitTableLine(line, separator_, MaxColumns), number);
+    return TakePoint(SplitTableLine(line, separator_, MaxTraces), number);
   }
 
   TraceText Finish() {
@@ -91,8 +89,8 @@ class TraceReader {
 
   std::string TakeCaptions(std::string_view line, int number) {
     separator_ = TableSeparator(line);
-    const TableFields captions = SplitTableLine(line, separator_, MaxColumns);
-    if (captions.size() == MaxColumns) return LineFault(number, "too many columns");
+    const TableFields captions = SplitTableLine(line, separator_, MaxTraces);
+    if (captions.size() == MaxTraces) return LineFault(number, "too many columns");
     width_ = captions.size();
     const auto time = std::find_if(captions.begin(), captions.end(), [](std::string_view caption) {
       const std::string title = Lower(std::string(Title(caption)));
@@ -198,7 +196,7 @@ TraceText ParseTraces(std::string_view text, const ZelScope& scope) {
 
 TraceText ReadTraceFile(const std::string& path, const ZelScope& scope) {
   std::string text;
-  std::string fault = ReadTextFile(path, MaxFileSize, text, Patience);
+  std::string fault = ReadTextFile(path, MaxBenchTable, text, BenchPatience);
   if (!fault.empty()) return {{}, {}, std::move(fault)};
   TraceText traces = ParseTraces(text, scope);
   if (!traces.Fault.empty()) traces.Fault = "\"" + path + "\": " + traces.Fault;

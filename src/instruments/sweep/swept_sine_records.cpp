@@ -9,17 +9,17 @@
 namespace torvane {
 namespace {
 
-using Number = NumberSetting<ZelSweptDSA>;
+using SweepNumber = NumberSetting<ZelSweptDSA>;
 constexpr std::array Sweep{
-    Number{"tSample", &ZelSweptDSA::TSample, &ZelSweptDSA::SetTSample},
-    Number{"StartFreq", &ZelSweptDSA::StartFreq, &ZelSweptDSA::SetStartFreq},
-    Number{"EndFreq", &ZelSweptDSA::EndFreq, &ZelSweptDSA::SetEndFreq},
-    Number{"MeasurementTime", &ZelSweptDSA::MeasurementTime, &ZelSweptDSA::SetMeasurementTime},
-    Number{"SettleTime", &ZelSweptDSA::SettleTime, &ZelSweptDSA::SetSettleTime},
+    SweepNumber{"tSample", &ZelSweptDSA::TSample, &ZelSweptDSA::SetTSample},
+    SweepNumber{"StartFreq", &ZelSweptDSA::StartFreq, &ZelSweptDSA::SetStartFreq},
+    SweepNumber{"EndFreq", &ZelSweptDSA::EndFreq, &ZelSweptDSA::SetEndFreq},
+    SweepNumber{"MeasurementTime", &ZelSweptDSA::MeasurementTime, &ZelSweptDSA::SetMeasurementTime},
+    SweepNumber{"SettleTime", &ZelSweptDSA::SettleTime, &ZelSweptDSA::SetSettleTime},
 };
-constexpr std::array ExcitationNumbers{
-    Number{"ExAmplitude", &ZelSweptDSA::Amplitude, &ZelSweptDSA::SetAmplitude},
-    Number{"ExOffset", &ZelSweptDSA::Offset, &ZelSweptDSA::SetOffset},
+constexpr std::array SweepExcitation{
+    SweepNumber{"ExAmplitude", &ZelSweptDSA::Amplitude, &ZelSweptDSA::SetAmplitude},
+    SweepNumber{"ExOffset", &ZelSweptDSA::Offset, &ZelSweptDSA::SetOffset},
 };
 
 }  // namespace
@@ -28,7 +28,7 @@ void ZelSweptDSA::SaveSetup(RecordWriter& writer) const {
   SaveFreqRange(writer);
   SaveNumbers<ZelSweptDSA>(writer, *this, Sweep);
   writer.Write("StepsPerDecade", {std::to_string(stepsPerDecade_)});
-  SaveNumbers<ZelSweptDSA>(writer, *this, ExcitationNumbers);
+  SaveNumbers<ZelSweptDSA>(writer, *this, SweepExcitation);
 }
 
 bool ZelSweptDSA::LoadSetup(const Record& record) {
@@ -37,7 +37,7 @@ bool ZelSweptDSA::LoadSetup(const Record& record) {
     return true;
   }
   return LoadNumber<ZelSweptDSA>(record, *this, Sweep) ||
-         LoadNumber<ZelSweptDSA>(record, *this, ExcitationNumbers);
+         LoadNumber<ZelSweptDSA>(record, *this, SweepExcitation);
 }
 
 }  // namespace torvane

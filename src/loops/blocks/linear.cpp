@@ -148,8 +148,8 @@ class SampledLinear final : public LinearBlock<Form> {
 };
 
 template <class Form>
-void Add(std::vector<BlockType>& types, std::string_view continuous, std::string_view sampled,
-         const std::vector<BlockParameter>& parameters) {
+void AddType(std::vector<BlockType>& types, std::string_view continuous, std::string_view sampled,
+             const std::vector<BlockParameter>& parameters) {
   types.push_back({continuous,
                    BlockType::Timing::Now,
                    {{"u"}},
@@ -177,14 +177,15 @@ void Add(std::vector<BlockType>& types, std::string_view continuous, std::string
 std::vector<BlockType> LinearBlockTypes() {
   using enum BlockParameter::Kind;
   std::vector<BlockType> types;
-  Add<TransferFunction>(types, "Torvane.Continuous.TransferFunction",
-                        "Torvane.Discrete.TransferFunction",
-                        {{"b", "", "", List}, {"a", "", "", List}});
-  Add<StateSpace>(
+  AddType<TransferFunction>(types, "Torvane.Continuous.TransferFunction",
+                            "Torvane.Discrete.TransferFunction",
+                            {{"b", "", "", List}, {"a", "", "", List}});
+  AddType<StateSpace>(
       types, "Torvane.Continuous.StateSpace", "Torvane.Discrete.StateSpace",
       {{"A", "", "", Rows}, {"B", "", "", List}, {"C", "", "", List}, {"D", "", "0", Number}});
-  Add<ZerosAndPoles>(types, "Torvane.Continuous.ZerosAndPoles", "Torvane.Discrete.ZerosAndPoles",
-                     {{"zeros", "", "{}", Rows}, {"poles", "", "", Rows}, {"k", "", "1", Number}});
+  AddType<ZerosAndPoles>(
+      types, "Torvane.Continuous.ZerosAndPoles", "Torvane.Discrete.ZerosAndPoles",
+      {{"zeros", "", "{}", Rows}, {"poles", "", "", Rows}, {"k", "", "1", Number}});
   return types;
 }
 

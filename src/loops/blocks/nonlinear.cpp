@@ -284,10 +284,6 @@ int OneState(const Placing& /*placing*/) {
   return 1;
 }
 
-bool Never(const Placing& /*placing*/) {
-  return false;
-}
-
 const char* WrongTable(const Placing& placing) {
   return placing.Parameters[0].empty() || placing.RowLengths[0] != 2
              ? "a table is rows {x, y}, at least one"

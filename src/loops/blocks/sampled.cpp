@@ -263,10 +263,6 @@ class HoldBlock final : public Block {
   double instant_ = 0.0;
 };
 
-bool Never(const Placing& /*placing*/) {
-  return false;
-}
-
 std::vector<BlockParameter> Controlled(std::vector<BlockParameter> gains) {
   std::vector<BlockParameter> all{
       {"samplePeriod", "s"}, {"yMax", "", "20"}, {"windUp", "1", "1.2"}};

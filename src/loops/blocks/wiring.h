@@ -20,6 +20,11 @@ struct Placing {
   int States = 0;
 };
 
+/// Holds of no placing.
+inline bool Never(const Placing& /*placing*/) {
+  return false;
+}
+
 /// A block's numbers in one loop that runs.
 class Wiring {
  public:

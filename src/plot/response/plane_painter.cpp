@@ -15,6 +15,7 @@
 #include "plot/curve_painter.h"
 #include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
+#include "plot/plot_layout.h"
 #include "plot/response/nichols_contours.h"
 #include "plot/response/response_lines.h"
 
@@ -22,10 +23,6 @@ namespace torvane {
 
 namespace {
 
-constexpr double Margin = 8.0;
-constexpr double LabelGap = 5.0;
-constexpr int WidestTick = 5;  // characters of the value labels
-constexpr int SmallestPlate = 40;
 constexpr int Divisions = 6;  // of gain and phase, as against frequency
 // Scales that fit: the smaller shows the unit circle; an integrator's gain is endless, but the
 // point -1 matters.
@@ -34,9 +31,8 @@ constexpr double LargestScale = 1.0;
 constexpr double LargestGain = 600.0;  // dB that are told apart
 constexpr double CriticalSize = 5.0;
 constexpr double CursorSize = 4.0;
-constexpr double LeastStep = 0.8;      // pixels between points that are drawn
-constexpr double MarkDistance = 75.0;  // along a trace
-constexpr double Outside = 4.0;        // of the plate, where lines end, pixels
+constexpr double LeastStep = 0.8;  // pixels between points that are drawn
+constexpr double Outside = 4.0;    // of the plate, where lines end, pixels
 constexpr int ArcPieces = 360;
 
 // As many digits as tell it from the next line of the grid.
@@ -61,11 +57,12 @@ void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook&
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
   const int gap = Scaled(LabelGap);
-  const int left = Scaled(Margin) + numbers.horizontalAdvance(QString(WidestTick, u'0')) + gap;
+  const int left =
+      Scaled(PlotMargin) + numbers.horizontalAdvance(QString(WidestValueLabel, u'0')) + gap;
   const int top = words.height() + 2 * gap;
   const int bottom =
       legend_.Layout(size, ratio_, textFont_, look_) + words.height() + numbers.height() + 2 * gap;
-  plate_ = {left, top, std::max(SmallestPlate, size.width() - left - Scaled(2.0 * Margin)),
+  plate_ = {left, top, std::max(SmallestPlate, size.width() - left - Scaled(2.0 * PlotMargin)),
             std::max(SmallestPlate, size.height() - bottom - top)};
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
     points_[static_cast<std::size_t>(slot)] = ReadPoints(slot);
@@ -73,7 +70,7 @@ void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook&
   LayOutAxes();
   int widest = left;
   for (const Line& line : Lines(false)) {
-    widest = std::max(widest, numbers.horizontalAdvance(line.Label) + Scaled(Margin) + gap);
+    widest = std::max(widest, numbers.horizontalAdvance(line.Label) + Scaled(PlotMargin) + gap);
   }
   if (widest > left) {
     plate_.setLeft(std::min(widest, plate_.right() - SmallestPlate));

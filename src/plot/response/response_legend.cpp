@@ -4,20 +4,12 @@
 
 #include "core/text.h"
 #include "plot/dashes.h"
+#include "plot/plot_layout.h"
+#include "plot/qt_text.h"
 
 namespace torvane {
 
 namespace {
-
-constexpr double Margin = 8.0;
-constexpr double LabelGap = 5.0;
-constexpr double EntryGap = 18.0;      // between two entries
-constexpr double SampleLength = 30.0;  // of a trace
-constexpr double MarkSize = 3.4;       // from its middle
-
-QString Text(const std::string& text) {
-  return QString::fromStdString(text);
-}
 
 std::string ScaleText(const char* unit, double perDivision, double offset) {
   return FormatEdit(perDivision) + " " + unit + "/div (Off: " + FormatEdit(offset) + ")";
@@ -124,13 +116,13 @@ int ResponseLegend::Layout(const QSize& size, double ratio, const QFont& font,
   look_ = look;
   MakeEntries();
   const QFontMetrics metrics(font_);
-  const int margin = Scaled(Margin);
+  const int margin = Scaled(PlotMargin);
   const int height = metrics.height();
   int x = margin;
   int y = 0;
   for (Entry& entry : entries_) {
     const int sample = entry.Slot < 0 ? 0 : Scaled(SampleLength + LabelGap);
-    const int width = sample + metrics.horizontalAdvance(Text(entry.Text)) + Scaled(2.0);
+    const int width = sample + metrics.horizontalAdvance(QtText(entry.Text)) + Scaled(2.0);
     const bool firstTrace = entry.Slot >= 0 && (&entry - 1)->Slot < 0;
     if (x > margin && (firstTrace || x + width > size.width() - margin)) {
       x = margin;
@@ -154,7 +146,8 @@ void ResponseLegend::Paint(QPainter& painter, const ScopeColours& colours) const
       place.setLeft(place.right() + Scaled(LabelGap));
     }
     painter.setPen(colours.Text);
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, Text(entry.Text));
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
+                     QtText(entry.Text));
   }
 }
 

@@ -9,30 +9,21 @@
 #include "core/text.h"
 #include "plot/number_axis.h"
 #include "plot/picture_fonts.h"
+#include "plot/plot_layout.h"
+#include "plot/qt_text.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr double Margin = 8.0;
-constexpr double LabelGap = 5.0;
-constexpr double SecondWidth = 0.9;    // where line patterns tell the traces apart
-constexpr double MarkSize = 3.4;       // from its middle
-constexpr double MarkDistance = 75.0;  // along the frequency axis
-constexpr float FaintAlpha = 0.3F;     // of bins that are noise
+constexpr double SecondWidth = 0.9;  // where line patterns tell the traces apart
+constexpr float FaintAlpha = 0.3F;   // of bins that are noise
 constexpr double PointSize = 2.0;
-constexpr double PointDistance = 7.0;  // bins that are closer are not marked
-constexpr int WidestTick = 5;          // characters of the value labels
-constexpr int WidestDelay = 7;         // and of delays
-constexpr int SmallestPlate = 40;
+constexpr double PointDistance = 7.0;     // bins that are closer are not marked
+constexpr int WidestDelay = 7;            // and of delays
 constexpr std::size_t DelayTail = 50;     // one of so many delays at each end is left out
 constexpr double LeastDelayRange = 1e-9;  // seconds
 constexpr double CoherenceShare = 0.17;   // of the plots' height
-constexpr double FarOutside = 3e4;        // beyond it the line drawing of some devices overflows
-
-QString Text(const std::string& text) {
-  return QString::fromStdString(text);
-}
 
 // Two decades or less have room for labels between the powers of ten.
 bool IsLabelled(int mantissa, double decades) {
@@ -63,9 +54,9 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio, const TraceLo
   numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
-  const int margin = Scaled(Margin);
+  const int margin = Scaled(PlotMargin);
   const int gap = Scaled(LabelGap);
-  const int widest = analyser_.ShowsDelay() ? WidestDelay : WidestTick;
+  const int widest = analyser_.ShowsDelay() ? WidestDelay : WidestValueLabel;
   const int labels = margin + numbers.horizontalAdvance(QString(widest, u'0')) + gap;
   const int right = analyser_.SplitScreen() ? 2 * margin : labels;
   const int caption = words.height() + gap;
@@ -208,7 +199,7 @@ void ResponsePainter::PaintFrequencyLabels(QPainter& painter, const ScopeColours
   int free = 0;
   ForEachFrequencyLine(analyser_.FreqMin(), analyser_.FreqMax(), [&](double hz, int mantissa) {
     if (!IsLabelled(mantissa, decades)) return;
-    const QString label = Text(FormatGeneral(hz, 4, 1));
+    const QString label = QtText(FormatGeneral(hz, 4, 1));
     const int width = metrics.horizontalAdvance(label);
     const int left =
         std::min(phasePlate_.left() + qRound(ColumnOf(hz)) - width / 2, size_.width() - width - 1);
@@ -250,7 +241,7 @@ void ResponsePainter::PaintAxis(QPainter& painter, const ScopeColours& colours,
                             : QRect(0, top, plate.left() - gap, metrics.height());
     painter.setPen(colours.Text);
     painter.drawText(place, (axis.OnRight ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter,
-                     Text(FormatGeneral(value, 4, 1)));
+                     QtText(FormatGeneral(value, 4, 1)));
   }
   painter.setFont(textFont_);
   const int height = QFontMetrics(textFont_).height();
@@ -379,7 +370,7 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
     painter.drawEllipse(to, r, r);
     // To the side on which there is room, above or below what falls with frequency.
     const QFontMetrics metrics(numberFont_);
-    const QString text = Text(mark.Text);
+    const QString text = QtText(mark.Text);
     const int width = metrics.horizontalAdvance(text);
     const double gap = r + Scaled(LabelGap);
     const bool left = to.x() + gap + width > axis.Plate.right();

@@ -19,7 +19,7 @@ std::string WithOffset(const ZelChannel& channel, const AxisScale& axis) {
 }
 
 // The difference of a scale's multiple and an offset often is a rounding error away from 0.
-std::string TickText(double value, double scale) {
+std::string ValueText(double value, double scale) {
   if (std::abs(value) < std::abs(scale) * 1e-9) value = 0.0;
   return FormatGeneral(value, 4, 1);
 }
@@ -73,7 +73,7 @@ ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) 
     const AxisScale& axis = left->Vertical();
     for (int line = 0; line <= ZelScope::VerticalDivisions; ++line) {
       const int divisions = ZelScope::VerticalDivisions / 2 - line;
-      labels.Left.push_back(TickText(divisions * axis.Scale - axis.Offset, axis.Scale));
+      labels.Left.push_back(ValueText(divisions * axis.Scale - axis.Offset, axis.Scale));
     }
   }
   if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
@@ -83,7 +83,7 @@ ScopeLabels MakeScopeLabels(const ZelScope& scope, const ZelChannel* reference) 
       const double value =
           scope.XYMode() ? (line - ZelScope::HorizontalDivisions / 2) * axis.Scale - axis.Offset
                          : line * axis.Scale;
-      labels.Bottom.push_back(TickText(value, axis.Scale));
+      labels.Bottom.push_back(ValueText(value, axis.Scale));
     }
   }
   labels.Traces = TraceMarks(scope);

@@ -8,26 +8,19 @@
 
 #include "instruments/scope/screen_pixels.h"
 #include "plot/picture_fonts.h"
+#include "plot/plot_layout.h"
+#include "plot/qt_text.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr double Margin = 8.0;
-constexpr double LabelGap = 5.0;
 constexpr double TickLength = 3.0;
-constexpr double BadgeSize = 14.0;     // of the number before a legend entry
-constexpr double SampleLength = 30.0;  // of the line pattern beside it
-constexpr double EntryGap = 18.0;      // between legend entries of one row
+constexpr double BadgeSize = 14.0;  // of the number before a legend entry
 constexpr int TicksPerDivision = 5;
-constexpr int WidestTick = 7;  // characters of the left labels that always have room
-constexpr int SmallestPlate = 40;
+constexpr int WidestLeftLabel = 7;         // characters of the left labels that always have room
 constexpr double LegendTakesAtMost = 0.3;  // of the picture's height
 constexpr double NamesTakeAtMost = 0.15;   // of the screen's width
-
-QString Text(const std::string& text) {
-  return QString::fromStdString(text);
-}
 
 // From a point to the line between two points of a trace.
 double Distance(const QPointF& from, const TracePoint& a, const TracePoint& b) {
@@ -52,7 +45,7 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
   markFont_ = ScaledFont(QGuiApplication::font(), ratio_, 0.85);
   markFont_.setBold(true);
-  const int margin = Scaled(Margin);
+  const int margin = Scaled(PlotMargin);
   PlaceLegend(size.width() - 2 * margin);
   while (!legendPlaces_.empty() &&
          legendPlaces_.back().bottom() > LegendTakesAtMost * size.height()) {
@@ -71,9 +64,9 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
 // Tags have names where these leave the screen nearly all of its width.
 void ScopePainter::PlacePlate(int legendHeight) {
   const QFontMetrics numbers(numberFont_);
-  const int margin = Scaled(Margin);
+  const int margin = Scaled(PlotMargin);
   const int gap = Scaled(LabelGap);
-  const int left = margin + numbers.horizontalAdvance(QString(WidestTick, u'0')) + 2 * gap +
+  const int left = margin + numbers.horizontalAdvance(QString(WidestLeftLabel, u'0')) + 2 * gap +
                    ScreenMarks::LeftRoom(ratio_);
   const int top = margin + ScreenMarks::TopRoom(ratio_);
   const int bottom = numbers.height() + gap + legendHeight + 2 * margin;
@@ -98,7 +91,7 @@ void ScopePainter::PlaceLegend(int width) {
   for (const LegendEntry& entry : labels_.Legend) {
     const int sample = look_.Patterns ? Scaled(SampleLength + LabelGap) : 0;
     const int mark = entry.Colour < 0 ? 0 : Scaled(BadgeSize + LabelGap) + sample;
-    const int entryWidth = mark + metrics.horizontalAdvance(Text(entry.Text)) + Scaled(2.0);
+    const int entryWidth = mark + metrics.horizontalAdvance(QtText(entry.Text)) + Scaled(2.0);
     if (x > 0 && x + entryWidth > width) {
       x = 0;
       y += height;
@@ -173,15 +166,15 @@ void ScopePainter::PaintAxis(QPainter& painter, const ScopeColours& colours) con
     const int y = plate_.top() + k * plate_.height() / (lines - 1);
     painter.drawText(QRect(0, y - height / 2, right - gap, height),
                      Qt::AlignRight | Qt::AlignVCenter,
-                     Text(labels_.Left[static_cast<std::size_t>(k)]));
+                     QtText(labels_.Left[static_cast<std::size_t>(k)]));
   }
   const QColor& colour = colours.Trace(labels_.LeftColour);
   painter.fillRect(QRect(right, plate_.top(), Scaled(2.0), plate_.height()), colour);
 
   const QFontMetrics metrics(markFont_);
-  const QString text = Text(std::to_string(labels_.LeftColour + 1) + " " + labels_.Axis);
-  QRect caption(Scaled(Margin), Scaled(Margin) / 2, metrics.horizontalAdvance(text) + 2 * gap,
-                metrics.height() + Scaled(2.0));
+  const QString text = QtText(std::to_string(labels_.LeftColour + 1) + " " + labels_.Axis);
+  QRect caption(Scaled(PlotMargin), Scaled(PlotMargin) / 2,
+                metrics.horizontalAdvance(text) + 2 * gap, metrics.height() + Scaled(2.0));
   const QRect flag = marks_.PositionFlag();
   if (flag.left() < caption.right() + gap && !flag.isEmpty()) caption.moveLeft(flag.right() + gap);
   painter.fillRect(caption, colour);
@@ -199,7 +192,7 @@ void ScopePainter::PaintColumns(QPainter& painter, const ScopeColours& colours) 
   const int columns = static_cast<int>(labels_.Bottom.size());
   int widest = 0;
   for (const std::string& label : labels_.Bottom) {
-    widest = std::max(widest, metrics.horizontalAdvance(Text(label)));
+    widest = std::max(widest, metrics.horizontalAdvance(QtText(label)));
   }
   const int division = plate_.width() / ZelScope::HorizontalDivisions;
   const int step = widest + gap < division ? 1 : widest + gap < 2 * division ? 2 : 5;
@@ -208,7 +201,7 @@ void ScopePainter::PaintColumns(QPainter& painter, const ScopeColours& colours) 
     const int half = plate_.width() / 20;
     painter.drawText(QRect(x - half, plate_.bottom() + gap, 2 * half, metrics.height()),
                      Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextDontClip,
-                     Text(labels_.Bottom[static_cast<std::size_t>(k)]));
+                     QtText(labels_.Bottom[static_cast<std::size_t>(k)]));
   }
 }
 
@@ -233,7 +226,8 @@ void ScopePainter::PaintLegend(QPainter& painter, const ScopeColours& colours) c
     }
     painter.setFont(textFont_);
     painter.setPen(colours.Text);
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, Text(entry.Text));
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
+                     QtText(entry.Text));
   }
 }
 

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "plot/number_axis.h"
+#include "plot/plot_layout.h"
 #include "plot/study/study_picture.h"
 
 namespace torvane {
@@ -11,7 +12,6 @@ namespace {
 constexpr double ThinWidth = 0.8;
 constexpr double ThickWidth = 2.8;
 constexpr double Tolerance = 0.25;      // pixels by which a line may pass a point
-constexpr double FarOutside = 3e4;      // beyond it the line drawing of some devices overflows
 constexpr double OutermostPart = 0.02;  // of the runs may leave the picture on either side
 constexpr double Room = 0.05;           // of the range, above and below
 

@@ -54,7 +54,7 @@ struct Pace {
 };
 constexpr Pace Paces[] = {
     {"Fastest", RunDriver::Unlimited}, {"Real time", 1.0}, {"1/10", 0.1}, {"1/100", 0.01}};
-constexpr QSize Picture(4, 3);  // proportions of what "For Capture" takes
+constexpr QSize CaptureShape(4, 3);  // proportions of what "For Capture" takes
 constexpr QSize WidePicture(16, 9);
 constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
 const QString GeometryKey = QStringLiteral("windowGeometry");
@@ -160,7 +160,7 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MIFillScreen, &QAction::triggered, ui_->InstrumentArea, &Workspace::FillScreen);
   connect(ui_->MICapture, &QAction::triggered, this, [this] {
     Model()->PrepareCapture();
-    CopyCapture(Picture);
+    CopyCapture(CaptureShape);
   });
   connect(ui_->MIWideCapture, &QAction::triggered, this, [this] {
     Model()->PrepareWideCapture();

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int MostRecent = 8;
 const QString RecentKey = QStringLiteral("recentFiles");
-const QString FolderKey = QStringLiteral("lastFolder");
+const QString LastFolderKey = QStringLiteral("lastFolder");
 const QString Configuration = QStringLiteral("init.tvf");
 const QString FileTypes = QStringLiteral("Torvane File (*.[tT][vV][fF])");
 
@@ -47,7 +47,7 @@ QString Choose(QFileDialog& dialog) {
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   if (dialog.exec() != QDialog::Accepted) return {};
   const QString path = dialog.selectedFiles().value(0);
-  UserSettings().setValue(FolderKey, QFileInfo(path).absolutePath());
+  UserSettings().setValue(LastFolderKey, QFileInfo(path).absolutePath());
   return path;
 }
 
@@ -108,7 +108,7 @@ FileCommands::Recovery FileCommands::AskAboutRecovery(const KeptSession& kept) {
 
 // Where the user was; the first time, the folder of the examples.
 QString FileCommands::StartFolder() const {
-  const QString last = UserSettings().value(FolderKey).toString();
+  const QString last = UserSettings().value(LastFolderKey).toString();
   if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
   return data_.FindFolder(QStringLiteral("examples"));
 }

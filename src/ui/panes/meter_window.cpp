@@ -6,6 +6,8 @@
 
 #include "core/scale_steps.h"
 #include "core/text.h"
+#include "plot/qt_text.h"
+#include "ui/widgets/check.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui_meter.h"
@@ -34,10 +36,6 @@ constexpr MeterNumber Numbers[] = {
     {"EExcitationMult", &ZelMeter::SetExcitationMult, &ZelMeter::ExcitationMult},
 };
 
-QString Text(const std::string& text) {
-  return QString::fromStdString(text);
-}
-
 // The frequency with its last of so many digits one up or down.
 double Nudged(double hz, int digits, int direction) {
   const double scale = std::pow(10.0, digits - 1 - std::floor(std::log10(hz)));
@@ -56,12 +54,7 @@ int WidthFor(const QLineEdit& edit, const QString& text) {
 
 void ShowChoice(QComboBox& list, const Variable* chosen) {
   const QSignalBlocker blocker(list);
-  list.setCurrentIndex(chosen ? list.findText(Text(chosen->Name())) : -1);
-}
-
-void ShowSwitch(QAbstractButton& button, bool on) {
-  const QSignalBlocker blocker(button);
-  button.setChecked(on);
+  list.setCurrentIndex(chosen ? list.findText(QtText(chosen->Name())) : -1);
 }
 
 }  // namespace
@@ -102,8 +95,8 @@ TZelMeterF::~TZelMeterF() = default;
 void TZelMeterF::FillList(QComboBox& list, const ZelBenchTop& bench, NameSetter choose) {
   for (const Variable* variable : bench.Variables()) {
     if (variable->Internal()) continue;
-    list.addItem(Text(variable->Name()));
-    list.setItemData(list.count() - 1, Text(variable->Description()), Qt::ToolTipRole);
+    list.addItem(QtText(variable->Name()));
+    list.setItemData(list.count() - 1, QtText(variable->Description()), Qt::ToolTipRole);
   }
   connect(&list, &QComboBox::currentTextChanged, this,
           [this, choose](const QString& name) { (meter_.*choose)(name.toStdString()); });
@@ -153,7 +146,7 @@ void TZelMeterF::BindSteps() {
 
 // A reading that changes with every frame could not be read: it is shown at the refresh.
 void TZelMeterF::Redraw() {
-  ShowText(*ui_->EValue, Text(meter_.ValueText()));
+  ShowText(*ui_->EValue, QtText(meter_.ValueText()));
   ShowSettling();
   if (meter_.Measurement() != MeterKind::Harmonic) return;
   ShowText(*ui_->EHarmonicAngle, QString::number(meter_.AngleDeg(), 'f', 2));
@@ -164,14 +157,14 @@ void TZelMeterF::SettingsChanged() {
   ShowChoice(*ui_->CmBVariable, meter_.Measured());
   ShowChoice(*ui_->CmBCorrVar, meter_.CorrVar());
   ShowChoice(*ui_->CmBHarmonicXferVar, meter_.HarmonicXferVar());
-  ShowSwitch(meter_.AcCoupled() ? *ui_->RBAC : *ui_->RBDC, true);
-  ShowSwitch(*ui_->CBHarmonicXfer, meter_.HarmonicXfer());
-  ShowSwitch(*ui_->CBUseDB, meter_.UseDb());
-  ShowSwitch(*ui_->CBUseExcitation, meter_.UseExcitation());
+  Check(meter_.AcCoupled() ? *ui_->RBAC : *ui_->RBDC, true);
+  Check(*ui_->CBHarmonicXfer, meter_.HarmonicXfer());
+  Check(*ui_->CBUseDB, meter_.UseDb());
+  Check(*ui_->CBUseExcitation, meter_.UseExcitation());
   ui_->CmBHarmonicXferVar->setEnabled(meter_.HarmonicXfer());
   ui_->CBUseDB->setEnabled(meter_.HarmonicXfer());
-  if (meter_.Measured()) setWindowTitle(Text(meter_.Measured()->Name()));
-  ShowText(*ui_->EUnits, Text(meter_.UnitText()));
+  if (meter_.Measured()) setWindowTitle(QtText(meter_.Measured()->Name()));
+  ShowText(*ui_->EUnits, QtText(meter_.UnitText()));
   ui_->EUnits->setFixedWidth(WidthFor(*ui_->EUnits, ui_->EUnits->text()));
   ShowKind();
   ShowSetup();
@@ -180,9 +173,9 @@ void TZelMeterF::SettingsChanged() {
 
 void TZelMeterF::ShowKind() {
   const MeterKind kind = meter_.Measurement();
-  ShowSwitch(*KindButtons()[static_cast<std::size_t>(kind)], true);
+  Check(*KindButtons()[static_cast<std::size_t>(kind)], true);
   ui_->CmBCorrVar->setEnabled(kind == MeterKind::Correlation);
-  ui_->LHarmonicFreq->setText(Text(FormatEdit(meter_.HarmonicFreq())));
+  ui_->LHarmonicFreq->setText(QtText(FormatEdit(meter_.HarmonicFreq())));
   ui_->EHarmonicAngle->setVisible(kind == MeterKind::Harmonic);
   ui_->LDeg->setVisible(kind == MeterKind::Harmonic);
 }
@@ -191,7 +184,7 @@ void TZelMeterF::ShowSettling() {
   const bool settled = meter_.IsSettled();
   QString text = KindText();
   if (!settled) {
-    text += QStringLiteral(", not settled below %1 Hz").arg(Text(meter_.SettledFromText()));
+    text += QStringLiteral(", not settled below %1 Hz").arg(QtText(meter_.SettledFromText()));
   }
   if (ui_->LKind->text() == text) return;
   ui_->LKind->setText(text);
@@ -204,12 +197,12 @@ void TZelMeterF::ShowSettling() {
 
 QString TZelMeterF::KindText() const {
   const auto name = [](const Variable* variable) {
-    return variable ? Text(variable->Name()) : QString();
+    return variable ? QtText(variable->Name()) : QString();
   };
   const QString coupling = meter_.AcCoupled() ? QStringLiteral(", AC") : QString();
   const MeterKind kind = meter_.Measurement();
   if (kind == MeterKind::Harmonic) {
-    QString text = Text(FormatEdit(meter_.HarmonicFreq())) + QStringLiteral(" Hz");
+    QString text = QtText(FormatEdit(meter_.HarmonicFreq())) + QStringLiteral(" Hz");
     if (meter_.HarmonicXfer()) text += QStringLiteral(" from ") + name(meter_.HarmonicXferVar());
     return text + coupling;
   }
@@ -219,7 +212,7 @@ QString TZelMeterF::KindText() const {
 }
 
 void TZelMeterF::ShowSetup() {
-  ShowSwitch(*ui_->SBShowSetup, meter_.ShowSetup());
+  Check(*ui_->SBShowSetup, meter_.ShowSetup());
   if (ui_->PCSetup->isVisibleTo(this) == meter_.ShowSetup()) return;
   ui_->PCSetup->setVisible(meter_.ShowSetup());
   emit HeightChanged();

@@ -7,4 +7,7 @@ namespace torvane {
 /// What the program remembers for its user from one start to the next.
 QSettings UserSettings();
 
+/// Where tables and pictures were last taken from or put.
+inline const QString ExportFolderKey = QStringLiteral("exportFolder");
+
 }  // namespace torvane

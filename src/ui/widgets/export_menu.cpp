@@ -17,12 +17,6 @@
 
 namespace torvane {
 
-namespace {
-
-const QString FolderKey = QStringLiteral("exportFolder");
-
-}  // namespace
-
 ExportMenu::ExportMenu(QWidget& plot, ExportSource source)
     : QMenu(&plot), plot_(plot), source_(std::move(source)) {
   setObjectName(QStringLiteral("MExport"));
@@ -67,7 +61,7 @@ void ExportMenu::SaveData() {
 }
 
 void ExportMenu::Save(const QString& ending, const Write& write) {
-  const QString folder = UserSettings().value(FolderKey, QDir::homePath()).toString();
+  const QString folder = UserSettings().value(ExportFolderKey, QDir::homePath()).toString();
   QFileDialog dialog(plot_.window(), QStringLiteral("Save %1").arg(ending.toUpper()), folder,
                      QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending));
   dialog.setObjectName(QStringLiteral("ExportDialog"));
@@ -76,7 +70,7 @@ void ExportMenu::Save(const QString& ending, const Write& write) {
   dialog.selectFile(source_.FileName + u'.' + ending);
   if (dialog.exec() != QDialog::Accepted) return;
   const QString path = dialog.selectedFiles().value(0);
-  UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
+  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
   const std::string fault = write(path.toStdString());
   if (fault.empty()) {
     ShowNotice(plot_, QStringLiteral("Saved as %1").arg(path));

@@ -11,7 +11,7 @@ namespace torvane {
 namespace {
 
 constexpr int NoticeMilliseconds = 3000;
-constexpr int Gap = 3;  // between control and notice, pixels
+constexpr int NoticeGap = 3;  // between control and notice, pixels
 
 // One label a window, kept for its next notice.
 class Notice : public QLabel {
@@ -34,8 +34,8 @@ class Notice : public QLabel {
     setAccessibleName(text);
     adjustSize();
     const QRect room = parentWidget()->rect();
-    QPoint place(area.left(), area.bottom() + Gap);
-    if (place.y() + height() > room.bottom()) place.setY(area.top() - Gap - height());
+    QPoint place(area.left(), area.bottom() + NoticeGap);
+    if (place.y() + height() > room.bottom()) place.setY(area.top() - NoticeGap - height());
     place.setX(std::max(0, std::min(place.x(), room.right() - width())));
     move(place);
     raise();

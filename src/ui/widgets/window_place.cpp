@@ -11,7 +11,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int Gap = 4;  // between windows that make room for each other, pixels
+constexpr int PlaceGap = 4;  // between windows that make room for each other, pixels
 
 QRect DisplayOf(const QPoint& place, const QWidget& window) {
   const QScreen* display = QGuiApplication::screenAt(place);
@@ -39,10 +39,10 @@ QPoint ClearOf(const QWidget& other, const QPoint& place, const QWidget& window)
   const QRect room = DisplayOf(place, window);
   QPoint best = place;
   int least = std::numeric_limits<int>::max();
-  for (const QPoint& at : {place, QPoint(place.x(), taken.top() - size.height() - Gap),
-                           QPoint(place.x(), taken.bottom() + 1 + Gap),
-                           QPoint(taken.left() - size.width() - Gap, place.y()),
-                           QPoint(taken.right() + 1 + Gap, place.y()), room.topRight(),
+  for (const QPoint& at : {place, QPoint(place.x(), taken.top() - size.height() - PlaceGap),
+                           QPoint(place.x(), taken.bottom() + 1 + PlaceGap),
+                           QPoint(taken.left() - size.width() - PlaceGap, place.y()),
+                           QPoint(taken.right() + 1 + PlaceGap, place.y()), room.topRight(),
                            room.topLeft(), room.bottomRight(), room.bottomLeft()}) {
     const QPoint on = OnDisplay(at, window);
     const QRect covered = QRect(on, size).intersected(taken);

@@ -15,6 +15,7 @@
 #include "ui/panes/analyser/response_cursors.h"
 #include "ui/panes/analyser/response_menu.h"
 #include "ui/panes/analyser/response_view_menu.h"
+#include "ui/widgets/check.h"
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/swatch.h"
@@ -25,11 +26,6 @@ namespace torvane {
 namespace {
 
 using CursorMode = FrequencyAnalyser::CursorMode;
-
-void Check(QAbstractButton& button, bool on) {
-  const QSignalBlocker blocker(button);
-  button.setChecked(on);
-}
 
 }  // namespace
 

@@ -13,12 +13,6 @@
 
 namespace torvane {
 
-namespace {
-
-const QString FolderKey = QStringLiteral("exportFolder");
-
-}  // namespace
-
 ResponseMenu::ResponseMenu(FrequencyAnalyser& analyser, const ZelBenchTop& bench, QMenu& exports,
                            QWidget* parent)
     : QObject(parent), analyser_(analyser), window_(parent), menu_(parent) {
@@ -61,13 +55,13 @@ void ResponseMenu::AddLoad() {
 // What a bench or torvane-cli has measured lies over what is measured here.
 void ResponseMenu::Load(int slot) {
   QFileDialog dialog(window_, QStringLiteral("Load a Response"),
-                     UserSettings().value(FolderKey, QDir::homePath()).toString(),
+                     UserSettings().value(ExportFolderKey, QDir::homePath()).toString(),
                      QStringLiteral("Frequency, gain and phase (*.csv *.txt);;All files (*)"));
   dialog.setObjectName(QStringLiteral("LoadResponseDialog"));
   dialog.setFileMode(QFileDialog::ExistingFile);
   if (dialog.exec() != QDialog::Accepted) return;
   const QString path = dialog.selectedFiles().value(0);
-  UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
+  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
   ResponseText text = ReadResponseFile(path.toStdString());
   if (text.UnitsMissing) {
     ResponseUnitsDialog units(QString::fromStdString(text.Fault), window_);

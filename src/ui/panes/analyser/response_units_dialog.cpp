@@ -8,7 +8,7 @@ namespace torvane {
 
 namespace {
 
-struct Row {
+struct UnitRow {
   const char* Label;
   const char* Name;
   std::vector<const char*> Units;
@@ -24,10 +24,10 @@ ResponseUnitsDialog::ResponseUnitsDialog(const QString& question, QWidget* paren
   auto* text = new QLabel(question + QStringLiteral(".\nIn which units is it?"));
   text->setWordWrap(true);
   form->addRow(text);
-  const std::array<Row, 3> rows{
-      Row{"&Frequency", "CmBFrequencyUnit", {"as the file says", "Hz", "kHz", "MHz", "rad/s"}},
-      Row{"&Gain", "CmBGainUnit", {"as the file says", "dB", "ratio"}},
-      Row{"&Phase", "CmBPhaseUnit", {"as the file says", "deg", "rad"}}};
+  const std::array<UnitRow, 3> rows{
+      UnitRow{"&Frequency", "CmBFrequencyUnit", {"as the file says", "Hz", "kHz", "MHz", "rad/s"}},
+      UnitRow{"&Gain", "CmBGainUnit", {"as the file says", "dB", "ratio"}},
+      UnitRow{"&Phase", "CmBPhaseUnit", {"as the file says", "deg", "rad"}}};
   for (std::size_t i = 0; i < rows.size(); ++i) {
     units_[i] = new QComboBox;
     units_[i]->setObjectName(QLatin1String(rows[i].Name));

@@ -1,9 +1,9 @@
 #include "ui/panes/analyser/xfer_window.h"
 
-#include <QSignalBlocker>
 #include <utility>
 
 #include "ui/panes/analyser/xfer_setup_dialog.h"
+#include "ui/widgets/check.h"
 #include "ui_analyser.h"
 
 namespace torvane {
@@ -28,10 +28,7 @@ void TZelXferF::SettingsChanged() {
   const std::pair<QAbstractButton*, bool> boxes[] = {{ui.CBSpectrum, xfer_.Spectrum()},
                                                      {ui.CBBinary, xfer_.Binary()},
                                                      {ui.CBUseGenFilter, xfer_.BypassFilter()}};
-  for (const auto& [box, on] : boxes) {
-    const QSignalBlocker blocker(box);
-    box->setChecked(on);
-  }
+  for (const auto& [box, on] : boxes) Check(*box, on);
 }
 
 void TZelXferF::AutoRange() {

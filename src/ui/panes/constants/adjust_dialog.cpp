@@ -18,7 +18,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int Gap = 12;  // between the window and what it stands beside, pixels
+constexpr int BesideGap = 12;  // between the window and what it stands beside, pixels
 
 // Constants of one name have their window in one place, whatever model they belong to.
 QString PlaceKey(const Constant& constant) {
@@ -54,7 +54,7 @@ TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
       },
       [this] { return constant_.DisplayText(); });
   const int eight = ui_->EValue->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000"));
-  ui_->EValue->setFixedWidth(eight + 2 * ui_->EValue->fontMetrics().averageCharWidth() + Gap);
+  ui_->EValue->setFixedWidth(eight + 2 * ui_->EValue->fontMetrics().averageCharWidth() + BesideGap);
   ConnectButtons();
   constant_.Observe(*this);
   ShowValue();
@@ -87,7 +87,7 @@ void TZelAdjustF::ConnectButtons() {
 void TZelAdjustF::OpenBeside(const QRect& area) {
   if (!isVisible()) KeepValue();
   adjustSize();
-  const QPoint beside(area.left() - width() - Gap, area.top());
+  const QPoint beside(area.left() - width() - BesideGap, area.top());
   const QPoint left = UserSettings().value(PlaceKey(constant_), beside).toPoint();
   move(OnDisplay(isVisible() ? pos() : left, *this));
   show();

@@ -5,6 +5,7 @@
 #include <QLayout>
 
 #include "core/text.h"
+#include "plot/qt_text.h"
 #include "ui/widgets/digits.h"
 
 namespace torvane {
@@ -12,18 +13,14 @@ namespace torvane {
 namespace {
 
 constexpr int UnitColumn = 2;
-constexpr int ValueEdges = 12;  // beside a value in its cell
-
-QString Text(const std::string& text) {
-  return QString::fromStdString(text);
-}
+constexpr int CellEdges = 12;  // beside a value in its cell
 
 // "Time 0.004 sec   1/Time 250"
 QString TimeText(const ZelScope& scope, const CursorReading& reading) {
   const Variable& time = scope.TimeChannel().Signal();
   std::string text = "Time " + FormatEdit(reading.Time) + " " + time.Unit();
   if (reading.Time != 0.0) text += "   1/Time " + FormatEdit(1.0 / reading.Time);
-  return Text(text);
+  return QtText(text);
 }
 
 }  // namespace
@@ -36,7 +33,7 @@ CursorsWindow::CursorsWindow(ZelScope& scope, QWidget* parent)
       time_(new QLabel(this)) {
   setObjectName(QStringLiteral("TZelCursorsF"));
   const int widest = Table().fontMetrics().horizontalAdvance(Unavailable);
-  Table().horizontalHeader()->setDefaultSectionSize(widest + ValueEdges);
+  Table().horizontalHeader()->setDefaultSectionSize(widest + CellEdges);
   time_->setObjectName(QStringLiteral("LCursorTime"));
   UseFixedDigits(*time_);
   layout()->addWidget(time_);
@@ -49,9 +46,9 @@ void CursorsWindow::ShowReading(const std::optional<CursorReading>& reading) {
   for (const std::size_t k : scope_.DisplayedChannels()) {
     const ZelChannel& channel = *scope_.Channels()[k];
     const auto row = static_cast<std::size_t>(rows.size());
-    rows << QStringList{Text(channel.Name()),
-                        reading ? Text(FormatEdit(reading->Values[row])) : Unavailable,
-                        Text(channel.Signal().Unit())};
+    rows << QStringList{QtText(channel.Name()),
+                        reading ? QtText(FormatEdit(reading->Values[row])) : Unavailable,
+                        QtText(channel.Signal().Unit())};
   }
   const QString value = two ? QStringLiteral("Difference") : QStringLiteral("Value");
   SetCells({QStringLiteral("Channel"), value, QStringLiteral("Unit")}, rows);

@@ -9,20 +9,14 @@
 
 namespace torvane {
 
-namespace {
-
-const QString FolderKey = QStringLiteral("exportFolder");
-
-}  // namespace
-
 void LoadTraces(ZelScope& scope, QWidget& window) {
   QFileDialog dialog(&window, QStringLiteral("Load Traces"),
-                     UserSettings().value(FolderKey, QDir::homePath()).toString(),
+                     UserSettings().value(ExportFolderKey, QDir::homePath()).toString(),
                      QStringLiteral("Time and signals (*.csv *.txt);;All files (*)"));
   dialog.setObjectName(QStringLiteral("LoadTracesDialog"));
   dialog.setFileMode(QFileDialog::ExistingFile);
   if (dialog.exec() != QDialog::Accepted) return;
-  UserSettings().setValue(FolderKey, dialog.directory().absolutePath());
+  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
   const TraceText traces = ReadTraceFile(dialog.selectedFiles().value(0).toStdString(), scope);
   if (!traces.Fault.empty()) return Error(traces.Fault);
   scope.KeepTraces(traces.Screen);

@@ -10,8 +10,8 @@ namespace torvane {
 
 namespace {
 
-constexpr double TraceReach = 8.0;   // pixels from a trace that still choose it
-constexpr double CursorReach = 5.0;  // and from a cursor
+constexpr double TraceReach = 8.0;       // pixels from a trace that still choose it
+constexpr double CursorLineReach = 5.0;  // and from a cursor
 
 }  // namespace
 
@@ -90,7 +90,7 @@ bool ScreenMouse::NearCursor(const QPoint& at) const {
   const ScopeCursors& cursors = scope_.Cursors();
   for (int k = 0; k < cursors.Mode; ++k) {
     if (std::abs(PlateX(at) - cursors.X[static_cast<std::size_t>(k)]) <=
-        painter_.Scaled(CursorReach)) {
+        painter_.Scaled(CursorLineReach)) {
       return true;
     }
   }

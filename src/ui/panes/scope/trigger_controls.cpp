@@ -7,18 +7,13 @@
 #include <utility>
 
 #include "instruments/setting_limits.h"
+#include "ui/widgets/check.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui_scope.h"
 
 namespace torvane {
 
 namespace {
-
-// The trigger has its settings already: telling it again would restart its detection.
-void Check(QAbstractButton& button, bool on) {
-  const QSignalBlocker blocker(button);
-  button.setChecked(on);
-}
 
 double LimitedTime(double seconds) {
   return std::clamp(seconds, 0.0, LongestTime);
