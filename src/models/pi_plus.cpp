@@ -83,7 +83,7 @@ void MPiPlus::HandOnChanges() {
 
 void MPiPlus::Equations(Loop& s, double /*t*/) {
   s.vC = command_.Value() * RpmToRad;
-  if (s.clock.SampleDue()) {
+  if (s.clock.SampleDue()) [[unlikely]] {
     s.vF = previousPM.Difference(s.pM) / tSample_.Value();
     s.iC = controller_.Update(s.vC, s.vF, 0.0);
     s.currentLoop.SetInput(s.iC);
