@@ -35,6 +35,9 @@ void AddCommands(CLI::App& app, Console& console) {
   AddMeterCommand(app, console);
   AddMeasureCommand(app, console);
   AddStudyCommand(app, console);
+  AddTuneCommand(app, console);
+  AddLinearizeCommand(app, console);
+  AddLocusCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "core/carried.h"
 #include "core/constant.h"
 #include "core/numeric.h"
 #include "core/variable.h"
@@ -93,6 +94,8 @@ class PreviousSample {
     value_ = std::abs(now) < Sane ? now : 0.0;
     return change;
   }
+
+  void Carry(Carried& carried) { carried.Number(value_); }
 
  private:
   static constexpr double Sane = 1e200;

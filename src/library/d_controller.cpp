@@ -20,4 +20,10 @@ void ZelDController::Reset(ResetKind kind) {
   clock_.StartAt(bench_.Time());
 }
 
+void ZelDController::Carry(Carried& carried) {
+  carried.Keep(clock_);
+  carried.Period(clock_.Period());
+  for (const auto& block : blocks_) block->Carry(carried);
+}
+
 }  // namespace torvane

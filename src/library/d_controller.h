@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/carried.h"
 #include "core/time_driven.h"
 #include "library/d_library_class.h"
 
@@ -46,7 +47,7 @@ class ControllerClock {
 ///
 /// Time-driven objects run after the model's equations, so a model sees the flag one evaluation
 /// after the tick that raised it.
-class ZelDController final : public TimeDriven {
+class ZelDController final : public TimeDriven, public Carrier {
  public:
   /// Period in seconds, above 0. The first sample falls due at time 0. The clock's numbers may lie
   /// in the struct that a model computes with; otherwise it has its own.
@@ -55,6 +56,7 @@ class ZelDController final : public TimeDriven {
   void AtTime(double t) override { clock_.Tick(t); }
   const void* Moves() const override { return &clock_; }
   void Reset(ResetKind kind) override;
+  void Carry(Carried& carried) override;
 
   bool SampleDue() const { return clock_.SampleDue(); }
   double Period() const { return clock_.Period(); }

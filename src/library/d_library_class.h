@@ -1,9 +1,12 @@
 #pragma once
 
+#include <vector>
+
 #include "core/time_driven.h"
 
 namespace torvane {
 
+class Carried;
 class ZelDController;
 
 /// Base of the sampled blocks: difference equations that a model steps once per sample of their
@@ -25,9 +28,15 @@ class ZelDLibraryClass {
   virtual void ComputeCoefficients() {}
 
   /// The model was reset: past values that are not to stay start again at 0.
-  virtual void Reset(ResetKind /*kind*/) {}
+  virtual void Reset(ResetKind kind);
+
+  /// Lists the past values.
+  void Carry(Carried& carried);
 
  protected:
+  /// All that it remembers from one sample to the next.
+  virtual std::vector<double*> PastValues() { return {}; }
+
   bool HasClock() const { return clock_ != nullptr; }
 
   /// The clock's sample period T, seconds.

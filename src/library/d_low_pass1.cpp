@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "core/angle.h"
-#include "library/forget.h"
 
 namespace torvane {
 
@@ -20,10 +19,6 @@ double ZelDLowPass1::Step(double x) {
 void ZelDLowPass1::ComputeCoefficients() {
   a1_ = -std::exp(-omega_ * Period());
   b0_ = 1.0 + a1_;
-}
-
-void ZelDLowPass1::Reset(ResetKind kind) {
-  Forget(kind, {&y1_});
 }
 
 void ZelDLowPass1::SetFrequency(double hz) {

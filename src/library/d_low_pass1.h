@@ -17,11 +17,11 @@ class ZelDLowPass1 final : public ZelDLibraryClass {
 
   double Step(double x) override;
   void ComputeCoefficients() override;
-  void Reset(ResetKind kind) override;
-
   void SetFrequency(double hz);
 
  private:
+  std::vector<double*> PastValues() override { return {&y1_}; }
+
   double b0_ = 0.0;
   double a1_ = 0.0;  // -p, as in 1 + a1 / z
   double y1_;

@@ -2,7 +2,6 @@
 
 #include "core/messages.h"
 #include "library/d_gain.h"
-#include "library/forget.h"
 
 namespace torvane {
 
@@ -39,10 +38,6 @@ double ZelDPiBase::ShapeCommand(double command, double kVI, double period) {
   if (kVI == 0.0) return direct * command;
   return ((direct + kVI * period) * command + filteredCommand_ - direct * previousCommand_) /
          (kVI * period + 1.0);
-}
-
-void ZelDPiBase::Reset(ResetKind kind) {
-  Forget(kind, {&integrator_, &previousCommand_, &filteredCommand_, &error_});
 }
 
 ZelDPiPlus::ZelDPiPlus(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,

@@ -20,8 +20,6 @@ class ZelDPiBase : public ZelDLibraryClass {
   /// Controllers are stepped through Update only.
   double Step(double /*x*/) final { return 0.0; }
 
-  void Reset(ResetKind kind) final;
-
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);
 
@@ -35,6 +33,10 @@ class ZelDPiBase : public ZelDLibraryClass {
              Shaping shaping, DOutputLimit limit);
 
  private:
+  std::vector<double*> PastValues() final {
+    return {&integrator_, &previousCommand_, &filteredCommand_, &error_};
+  }
+
   double ShapeCommand(double command, double kVI, double period);
 
   Constant* kVI_;

@@ -5,7 +5,6 @@
 #include "core/angle.h"
 #include "core/messages.h"
 #include "library/d_gain.h"
-#include "library/forget.h"
 
 namespace torvane {
 
@@ -48,10 +47,6 @@ double ZelDPid::FilteredDerivative(double period) {
   previousError_ = error_;
   const double b = std::exp(-TwoPi * GainValue(fDHz_) * period);
   return (1.0 - b) * slope + b * derivative_;
-}
-
-void ZelDPid::Reset(ResetKind kind) {
-  Forget(kind, {&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_});
 }
 
 }  // namespace torvane

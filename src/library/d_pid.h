@@ -28,8 +28,6 @@ class ZelDPid final : public ZelDLibraryClass {
   /// Controllers are stepped through Update only.
   double Step(double /*x*/) override { return 0.0; }
 
-  void Reset(ResetKind kind) override;
-
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);
 
@@ -37,6 +35,10 @@ class ZelDPid final : public ZelDLibraryClass {
   double Error() const { return error_; }
 
  private:
+  std::vector<double*> PastValues() override {
+    return {&error_, &filteredCommand_, &integrator_, &derivative_, &previousError_};
+  }
+
   double FilteredDerivative(double period);
 
   Constant* kVI_;

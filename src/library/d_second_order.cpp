@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "library/forget.h"
-
 namespace torvane {
 
 DPair MatchedPair(double omega, double zeta, double period) {
@@ -26,10 +24,6 @@ double ZelDSecondOrder::Step(double x) {
   x2_ = x1_;
   x1_ = x;
   return y;
-}
-
-void ZelDSecondOrder::Reset(ResetKind kind) {
-  Forget(kind, {&y1_, &y2_, &x1_, &x2_});
 }
 
 }  // namespace torvane

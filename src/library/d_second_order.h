@@ -23,7 +23,6 @@ DPair MatchedPair(double omega, double zeta, double period);
 class ZelDSecondOrder : public ZelDLibraryClass {
  public:
   double Step(double x) final;
-  void Reset(ResetKind kind) final;
 
  protected:
   /// `initial` is both past outputs; the past inputs are 0.
@@ -39,6 +38,8 @@ class ZelDSecondOrder : public ZelDLibraryClass {
   void SetDenominator(DPair poles) { a_ = poles; }
 
  private:
+  std::vector<double*> PastValues() final { return {&y1_, &y2_, &x1_, &x2_}; }
+
   double b0_ = 0.0;
   double b1_ = 0.0;
   double b2_ = 0.0;

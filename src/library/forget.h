@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <initializer_list>
+#include <vector>
 
 #include "core/time_driven.h"
 
@@ -10,7 +10,7 @@ namespace torvane {
 
 /// Sets what a block remembers to 0 when a reset asks for it, or when one of the values is not
 /// finite: what an overflow has left must not survive the reset that follows it.
-inline void Forget(ResetKind kind, std::initializer_list<double*> remembered) {
+inline void Forget(ResetKind kind, const std::vector<double*>& remembered) {
   const auto finite = [](const double* value) { return std::isfinite(*value); };
   if (kind == ResetKind::States && std::all_of(remembered.begin(), remembered.end(), finite)) {
     return;

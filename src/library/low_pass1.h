@@ -28,6 +28,7 @@ class LowPass1 {
   void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(state_); }
+  auto Inputs() { return std::tie(u_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

@@ -40,6 +40,7 @@ class LowPass2 {
   void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(position_, rate_); }
+  auto Inputs() { return std::tie(u_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

@@ -34,6 +34,7 @@ class Notch {
   void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(first_, second_); }
+  auto Inputs() { return std::tie(u_); }
 
   void SetInput(double u) { u_ = u; }
   double Output() const { return y_; }

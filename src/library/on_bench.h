@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "core/bench.h"
+#include "core/carried.h"
 #include "core/messages.h"
 #include "core/time_driven.h"
 #include "core/variable.h"
@@ -14,7 +15,7 @@ namespace torvane {
 /// each of the solver's times, after what was registered before it. The block is plain numbers; it
 /// may lie in the struct that a model computes with and then outlives this.
 template <class Block>
-class OnBench : public TimeDriven {
+class OnBench : public TimeDriven, public Carrier {
  public:
   OnBench(ZelBenchTop& bench, Block& block) try : block_(block) {
     auto name = Block::StateNames.begin();
@@ -38,6 +39,12 @@ class OnBench : public TimeDriven {
   }
   const void* Moves() const override { return &block_; }
   void Reset(ResetKind kind) override { block_.FollowReset(kind); }
+  void FollowStates() override { block_.FollowReset(ResetKind::States); }
+  /// A block holds its inputs until the model writes them anew.
+  void Carry(Carried& carried) override {
+    carried.Keep(block_);
+    std::apply([&](auto&... input) { (carried.Number(input), ...); }, block_.Inputs());
+  }
 
  private:
   Block& block_;

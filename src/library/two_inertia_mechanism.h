@@ -56,6 +56,7 @@ class TwoInertiaMechanism {
   void FollowReset(ResetKind kind);
 
   auto States() { return std::tie(vM_, pM_, vL_, pL_); }
+  auto Inputs() { return std::tie(motorTorque_, loadTorque_, secondMotorTorque_); }
 
   void SetMotorTorque(double torque) { motorTorque_ = torque; }
   void SetLoadTorque(double torque) { loadTorque_ = torque; }

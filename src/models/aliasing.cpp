@@ -19,6 +19,10 @@ class MAliasing final : public FusedModel<MAliasing> {
  public:
   explicit MAliasing(const std::string& name);
   void DropClassMemory() override { nextSample = Bench().Time(); }
+  void CarryClassMemory(Carried& carried) override {
+    carried.Keep(nextSample);
+    carried.Period(tSample_.Value());
+  }
 
   struct Loop {
     double vC = 0, vSample = 0;

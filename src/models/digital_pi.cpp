@@ -26,6 +26,10 @@ class MDigitalPI final : public FusedModel<MDigitalPI> {
     previousPF = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   using Loop = VelocityLoop;
   Loop loop_;

@@ -25,6 +25,10 @@ class MDigitalPID final : public FusedModel<MDigitalPID> {
     previousPF = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   using Loop = VelocityLoop;
   Loop loop_;

@@ -28,6 +28,10 @@ class MDisturbance final : public FusedModel<MDisturbance> {
     previousPF = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   enum BodeType { Command, Disturbance };
 

@@ -31,6 +31,11 @@ class MFeedForward final : public FusedModel<MFeedForward> {
     previousVC = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPF.Carry(carried);
+    previousVC.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   using Loop = VelocityLoop;
   Loop loop_;

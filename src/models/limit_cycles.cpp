@@ -28,6 +28,12 @@ class MLimitCycles final : public FusedModel<MLimitCycles> {
  public:
   explicit MLimitCycles(const std::string& name);
   void DropClassMemory() override { memory = {}; }
+  void CarryClassMemory(Carried& carried) override {
+    carried.Number(memory.Y1);
+    carried.Number(memory.Y2);
+    carried.Number(memory.Y3);
+    carried.Keep(memory.Sign);
+  }
 
   enum Quantising { Float, Round, Truncate };
 

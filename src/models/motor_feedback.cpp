@@ -32,6 +32,10 @@ class MMotorFeedback final : public FusedModel<MMotorFeedback> {
     previousPF = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   struct Loop {
     double vC = 0, vE = 0, vF = 0, vFFilt = 0, pF = 0, pE = 0, pC = 0, iC = 0, iF = 0, tM = 0;

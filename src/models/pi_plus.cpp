@@ -21,6 +21,7 @@ class MPiPlus final : public FusedModel<MPiPlus> {
  public:
   explicit MPiPlus(const std::string& name);
   void DropClassMemory() override { previousPM = {}; }
+  void CarryClassMemory(Carried& carried) override { previousPM.Carry(carried); }
 
   struct Loop {
     double vC = 0, vE = 0, vF = 0, pF = 0, iC = 0, iF = 0, tM = 0;

@@ -29,6 +29,11 @@ class MPosLoopCascade final : public FusedModel<MPosLoopCascade> {
     previousPF = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousVPC.Carry(carried);
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   struct Loop : PositionLoop {
     double vC = 0;

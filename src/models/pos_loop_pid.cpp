@@ -33,6 +33,13 @@ class MPosLoopPID final : public FusedModel<MPosLoopPID> {
     integral = 0.0;
     errorWasPositive = false;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousVPC.Carry(carried);
+    previousPF.Carry(carried);
+    carried.Keep(outputInstant);
+    carried.Number(integral);
+    carried.Keep(errorWasPositive);
+  }
 
   using Loop = PositionLoop;
   Loop loop_;

@@ -31,6 +31,11 @@ class MResonance final : public FusedModel<MResonance> {
     previousPL = {};
     outputInstant = 0.0;
   }
+  void CarryClassMemory(Carried& carried) override {
+    previousPM.Carry(carried);
+    previousPL.Carry(carried);
+    carried.Keep(outputInstant);
+  }
 
   struct Loop {
     double vC = 0, vM = 0, vE = 0, vMF = 0, vF = 0, pM = 0, vL = 0, vLF = 0, pL = 0, iC = 0, iF = 0;

@@ -6,16 +6,17 @@ namespace torvane {
 
 std::span<const RunMeasure> Measures() {
   static constexpr std::array Table{
-      RunMeasure{"Overshoot", "%", &RunReadings::Overshoot, false},
-      RunMeasure{"Rise", "s", &RunReadings::Rise, false},
-      RunMeasure{"Settling", "s", &RunReadings::Settling, false},
-      RunMeasure{"Delay", "s", &RunReadings::Delay, false},
-      RunMeasure{"RMS Error", "the command's unit", &RunReadings::RmsError, false},
-      RunMeasure{"Window", "s", &RunReadings::Window, false},
-      RunMeasure{"Bandwidth", "Hz", &RunReadings::Bandwidth, true},
-      RunMeasure{"Peaking", "dB", &RunReadings::Peaking, true},
-      RunMeasure{"Gain Margin", "dB", &RunReadings::GainMargin, true},
-      RunMeasure{"Phase Margin", "deg", &RunReadings::PhaseMargin, true},
+      RunMeasure{"Overshoot", "%", &RunReadings::Overshoot, false, false},
+      RunMeasure{"Rise", "s", &RunReadings::Rise, false, false},
+      RunMeasure{"Settling", "s", &RunReadings::Settling, false, false},
+      RunMeasure{"Delay", "s", &RunReadings::Delay, false, false},
+      RunMeasure{"RMS Error", "the command's unit", &RunReadings::RmsError, false, false},
+      RunMeasure{"Window", "s", &RunReadings::Window, false, false},
+      RunMeasure{"Bandwidth", "Hz", &RunReadings::Bandwidth, true, true},
+      RunMeasure{"Peaking", "dB", &RunReadings::Peaking, true, false},
+      RunMeasure{"Gain Margin", "dB", &RunReadings::GainMargin, true, true},
+      RunMeasure{"Phase Margin", "deg", &RunReadings::PhaseMargin, true, true},
+      RunMeasure{"Sensitivity", "", &RunReadings::Sensitivity, true, false},
   };
   return Table;
 }

@@ -19,6 +19,7 @@ struct RunReadings {
   std::optional<double> Peaking;      ///< its greatest gain, when above 0.1 dB
   std::optional<double> GainMargin;   ///< the smallest of the open loop
   std::optional<double> PhaseMargin;  ///< the same
+  std::optional<double> Sensitivity;  ///< the greatest of 1 / |1 + open loop|
   std::vector<std::string> Reasons;   ///< why some are not there
   std::vector<std::string> Warnings;  ///< what makes some less trustworthy
 };
@@ -29,7 +30,8 @@ struct RunMeasure {
   const char* Caption;
   const char* Unit;
   std::optional<double> RunReadings::*Value;
-  bool OfLoop;  ///< it takes a measurement of frequency responses
+  bool OfLoop;  ///< it takes frequency responses, measured or from theory
+  bool MoreIsBetter;
 };
 
 /// All measures, in the order of a table's columns.

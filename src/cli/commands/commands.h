@@ -21,6 +21,9 @@ void AddSweepCommand(CLI::App& app, Console& console);
 void AddMeterCommand(CLI::App& app, Console& console);
 void AddMeasureCommand(CLI::App& app, Console& console);
 void AddStudyCommand(CLI::App& app, Console& console);
+void AddLinearizeCommand(CLI::App& app, Console& console);
+void AddLocusCommand(CLI::App& app, Console& console);
+void AddTuneCommand(CLI::App& app, Console& console);
 void AddCheckCommand(CLI::App& app, Console& console);
 void AddConvertCommand(CLI::App& app, Console& console);
 

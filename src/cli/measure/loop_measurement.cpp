@@ -152,6 +152,7 @@ void ReadClosed(const Margins& closed, Findings& findings) {
 void ReadOpen(const Margins& open, Findings& findings) {
   findings.Add(&RunReadings::GainMargin, open.SmallestGainMargin());
   findings.Add(&RunReadings::PhaseMargin, open.SmallestPhaseMargin());
+  findings.Add(&RunReadings::Sensitivity, open.Sensitivity ? &*open.Sensitivity : nullptr);
   findings.Miss(open.Missing);
 }
 

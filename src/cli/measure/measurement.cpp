@@ -4,6 +4,7 @@
 
 #include "cli/command_error.h"
 #include "cli/io/number_options.h"
+#include "cli/measure/theory_measurement.h"
 #include "instruments/scope/scope.h"
 
 namespace torvane::cli {
@@ -36,6 +37,11 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
       command.add_flag("--bode", options.WithBode,
                        "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
                        "analyser in a run of its own");
+  command
+      .add_flag("--theory", options.WithTheory,
+                "Tell bandwidth, peaking and margins from the linearised equations instead: exact, "
+                "and in a fraction of the time")
+      ->excludes(withBode);
   CLI::Option* const loop =
       command
           .add_option("--loop", options.Loop,
@@ -61,12 +67,14 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
 
 RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,
                     bool showProgress, StudyTrace* trace) {
+  const ResponseOptions& response = options.Bode.Response;
   RunReadings readings;
   const StepRun step = ReadStep(make, Step(options), console, showProgress, readings);
   if (trace) *trace = TraceOf(step);
   if (options.WithBode) {
     ReadLoop(make, {options.Bode, options.Loop}, console, showProgress, readings);
   }
+  if (options.WithTheory) ReadTheory(make, response.Input, response.Output, readings);
   return readings;
 }
 

@@ -17,6 +17,9 @@ struct MeasureOptions {
   BodeOptions Bode;
   std::string Loop;  ///< as in LoopOptions
   bool WithBode = false;
+  bool WithTheory = false;  ///< the loop's measures are computed instead
+
+  bool WithLoop() const { return WithBode || WithTheory; }
   std::optional<double> Until;
   std::optional<double> Window;
   std::optional<double> TimeBase;

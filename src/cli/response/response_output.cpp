@@ -64,6 +64,10 @@ class MarginLines {
   double highest_ = 0.0;
 };
 
+void WriteMarginCaptions(ResultFile& file) {
+  file.Write(CsvLine({"Response", "Measure", "Frequency", "Value", "Unit"}));
+}
+
 }  // namespace
 
 void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file) {
@@ -103,9 +107,14 @@ std::string SampleTimeWarning(double accurateUpTo) {
          " Hz.  Choose a shorter one (--tsample) for what is read above.";
 }
 
+void PrintMarginLines(const std::string& response, const Margins& margins, ResultFile& file) {
+  WriteMarginCaptions(file);
+  MarginLines(response, file).Write(margins);
+}
+
 void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as) {
   ResultFile output("");
-  output.Write(CsvLine({"Response", "Measure", "Frequency", "Value", "Unit"}));
+  WriteMarginCaptions(output);
   MarginReader reader;
   for (const int slot : {0, OverlaySlot}) {
     if (!analyser.HasData(slot)) continue;

@@ -5,6 +5,7 @@
 
 #include "cli/io/result_file.h"
 #include "cli/response/response_options.h"
+#include "instruments/analyser/margins.h"
 #include "instruments/analyser/read_as.h"
 
 namespace torvane::cli {
@@ -24,6 +25,9 @@ bool WritesPoints(const ResponseOptions& options);
 /// Prints what is read off the measured response, and off the overlay, to standard output; notes
 /// why nothing is.
 void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as);
+
+/// Writes what was read off a response that goes by this name, under a line of captions.
+void PrintMarginLines(const std::string& response, const Margins& margins, ResultFile& file);
 
 /// That figures above the frequency, Hz, are not trustworthy.
 std::string SampleTimeWarning(double accurateUpTo);

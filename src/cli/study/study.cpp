@@ -98,14 +98,14 @@ Study::Study(StudyOptions options, Console& console)
 }
 
 std::string Study::Head() const {
-  return HeadLine(design_.Names, MeasureCaptions(options_.Measure.WithBode));
+  return HeadLine(design_.Names, MeasureCaptions(options_.Measure.WithLoop()));
 }
 
 std::string Study::TableToCome() const {
   std::string table = Head();
   if (options_.Picture.empty()) return table;
   StudyRow row;
-  row.Measures.resize(MeasureCaptions(options_.Measure.WithBode).size());
+  row.Measures.resize(MeasureCaptions(options_.Measure.WithLoop()).size());
   for (const std::size_t run : share_) {
     row.Run = run;
     row.Settings = ApplyRun(first_->Bench(), design_, run).Settings;
@@ -120,7 +120,7 @@ std::optional<RunResult> Study::Measure(std::size_t run) const {
   const MeasureModel measure = [&](const MakeModel& ofRun, StudyTrace* trace) {
     return ReadRun(ofRun, options_.Measure, console_, false, trace);
   };
-  RunResult result = RunOfStudy(design_, run, make, measure, options_.Measure.WithBode, Traced());
+  RunResult result = RunOfStudy(design_, run, make, measure, options_.Measure.WithLoop(), Traced());
   if (InterruptGuard::Interrupted()) return {};
   return result;
 }

@@ -98,6 +98,17 @@ void ReadBandwidths(std::span<const LogPoint> points, Margins& margins) {
   margins.PhaseBandwidth = first({points, PhaseLevel(Margins::BandwidthPhase, 0.0)});
 }
 
+void ReadSensitivity(std::span<const LogPoint> points, Margins& margins) {
+  const auto at = [](const LogPoint& point) {
+    const auto open = std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase / DegreesPerRadian);
+    return 1.0 / std::abs(1.0 + open);
+  };
+  const auto highest =
+      std::max_element(points.begin(), points.end(),
+                       [&](const LogPoint& a, const LogPoint& b) { return at(a) < at(b); });
+  margins.Sensitivity = {std::exp(highest->LogHz), at(*highest)};
+}
+
 // Of too many those that say most, in order of frequency.
 void KeepSmallest(std::vector<Margins::Reading>& readings) {
   if (readings.size() <= Margins::MostCrossings) return;
@@ -121,6 +132,7 @@ void ReadCrossings(std::span<const LogPoint> points, Margins& margins) {
   for (const LevelCrossing& one : ofPhase.All()) {
     margins.GainMargins.push_back({one.Hz, -one.Value});
   }
+  ReadSensitivity(points, margins);
   margins.Scatter = std::max(ofGain.Scatter(), ofPhase.Scatter());
   KeepSmallest(margins.PhaseMargins);
   KeepSmallest(margins.GainMargins);

@@ -41,6 +41,9 @@ struct Margins {
   /// more than MostCrossings the smallest margins.
   std::vector<Reading> PhaseMargins;
   std::vector<Reading> GainMargins;
+  /// Of an open response the sensitivity peak: the greatest of 1 / |1 + response|, the reciprocal
+  /// of the least distance from -1.
+  std::optional<Reading> Sensitivity;
   /// How much the response scatters where it is read, of what is borne at most; above 1 something
   /// is missing for it.
   double Scatter = 0.0;

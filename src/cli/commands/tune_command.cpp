@@ -1,0 +1,182 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/io/interrupt.h"
+#include "cli/io/number_options.h"
+#include "cli/io/quiet.h"
+#include "cli/io/result_file.h"
+#include "cli/measure/measurement.h"
+#include "cli/model/model_file_loading.h"
+#include "cli/model/model_options.h"
+#include "cli/model/settings.h"
+#include "cli/study/study_set_up.h"
+#include "core/csv.h"
+#include "core/files/model_file.h"
+#include "core/messages.h"
+#include "study/tuning.h"
+
+namespace torvane::cli {
+namespace {
+
+struct TuneOptions {
+  MeasureOptions Measure;
+  std::vector<std::string> Vary;
+  std::vector<std::string> Require;
+  std::string Best;
+  std::optional<int> MostRuns;
+  std::string Save;
+};
+
+/// A search on a model whose options have been checked.
+class TuneRun {
+ public:
+  TuneRun(const TuneOptions& options, Console& console) : options_(options), console_(console) {
+    for (const std::string& text : options_.Vary) {
+      search_.Ranges.push_back(ParseVaryRange(text, true));
+    }
+    for (const std::string& text : options_.Require) search_.Goal.Requirements.emplace_back(text);
+    if (!options_.Best.empty()) search_.Goal.Best = &NamedMeasure(options_.Best);
+    if (search_.Goal.Requirements.empty() && !search_.Goal.Best) {
+      throw UsageError("--require or --best is needed: a tuning for what?");
+    }
+    search_.MostRuns = options_.MostRuns.value_or(search_.MostRuns);
+    if (search_.MostRuns < 1) throw UsageError("--runs must be at least 1");
+    // What is asked of the loop comes from theory unless it is to be measured.
+    if (AsksForLoop() && !options_.Measure.WithBode) options_.Measure.WithTheory = true;
+    Check();
+  }
+
+  void Run() {
+    search_.Measure = [this](const auto& values) { return Measure(values); };
+    search_.GoOn = [this](int runs, const Tuning& best) { return GoOn(runs, best); };
+    const InterruptGuard guard;
+    const Tuning best = Tune(search_);
+    console_.ShowProgress("");
+    Write(best);
+    const auto unmet = search_.Goal.Unmet(best.Readings);
+    if (!unmet.empty()) throw StoppedError(WhatIsInTheWay(unmet, best));
+    if (!options_.Save.empty()) Save(best);
+    if (InterruptGuard::Interrupted()) throw StoppedError("interrupted; this is the best so far");
+  }
+
+ private:
+  bool AsksForLoop() const {
+    const auto& requirements = search_.Goal.Requirements;
+    return (search_.Goal.Best && search_.Goal.Best->OfLoop) ||
+           std::any_of(requirements.begin(), requirements.end(),
+                       [](const Requirement& one) { return one.Of().OfLoop; });
+  }
+
+  ModelOptions& Model() { return options_.Measure.Bode.Response.Model; }
+
+  void Check() {
+    CheckOutputs(options_.Save, "", NamesModelFile(Model().Model) ? Model().Model : "");
+    const auto model = OpenModel(Model(), console_);
+    CheckMeasurement(*model, options_.Measure, console_);
+    for (const StudyRange& range : search_.Ranges) {
+      for (const double end : {0.0, 1.0}) {
+        ApplySetting(model->Bench(), range.Name + "=" + range.At(end));
+      }
+    }
+  }
+
+  std::unique_ptr<ZelModel> Make(const std::vector<std::string>& values) {
+    auto model = OpenModel(Model(), console_);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      ApplySetting(model->Bench(), search_.Ranges[i].Name + "=" + values[i]);
+    }
+    return model;
+  }
+
+  RunReadings Measure(const std::vector<std::string>& values) {
+    const Quiet quiet;
+    try {
+      return ReadRun([&] { return Make(values); }, options_.Measure, console_, false);
+    } catch (const CommandError& error) {
+      RunReadings none;
+      none.Reasons.emplace_back(error.what());
+      return none;
+    }
+  }
+
+  bool GoOn(int runs, const Tuning& best) {
+    if (Console::CanShowProgress(false)) {
+      const bool good = search_.Goal.Unmet(best.Readings).empty();
+      console_.ShowProgress("run " + std::to_string(runs) + " of " +
+                            std::to_string(search_.MostRuns) +
+                            (good ? ", the goal is met" : ", the goal is not met yet"));
+    }
+    return !InterruptGuard::Interrupted();
+  }
+
+  void Write(const Tuning& best) const {
+    std::vector<std::string> captions;
+    for (const StudyRange& range : search_.Ranges) captions.push_back(range.Name);
+    const bool loop = options_.Measure.WithLoop();
+    Append(captions, MeasureCaptions(loop));
+    std::vector<std::string> fields = best.Values;
+    Append(fields, MeasureFields(MeasureValues(best.Readings, loop)));
+    captions.emplace_back(ReasonCaption);
+    fields.push_back(Joined(best.Readings.Reasons));
+    ResultFile output("");
+    output.Write(CsvLine(captions));
+    output.Write(CsvLine(fields));
+    output.Close();
+  }
+
+  static std::string WhatIsInTheWay(const std::vector<const Requirement*>& unmet,
+                                    const Tuning& best) {
+    std::string text = "no tuning that was tried meets ";
+    for (const Requirement* requirement : unmet) {
+      text += (requirement == unmet.front() ? "" : " and ") + requirement->Text();
+    }
+    text += "; of the one that comes nearest ";
+    for (const Requirement* requirement : unmet) {
+      text += (requirement == unmet.front() ? "" : ", ") + requirement->Found(best.Readings);
+    }
+    return text;
+  }
+
+  void Save(const Tuning& best) {
+    const Quiet quiet;
+    if (!SaveModelFile(*Make(best.Values), options_.Save)) throw FileError("");
+  }
+
+  TuneOptions options_;
+  Console& console_;
+  TuningSearch search_;
+};
+
+}  // namespace
+
+void AddTuneCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand(
+      "tune", "Look for the constants with which a model meets requirements, as a line of CSV");
+  const auto options = std::make_shared<TuneOptions>();
+  AddModelName(*command, options->Measure.Bode.Response.Model.Model);
+  command
+      ->add_option(
+          "--vary", options->Vary,
+          "A constant and between which values it is looked for; with :log evenly on their "
+          "logarithm. Repeatable")
+      ->type_name("NAME=FROM:TO[:log]")
+      ->required();
+  command
+      ->add_option("--require", options->Require,
+                   "What the tuning has to reach, as Overshoot<10 or GainMargin>=6. Repeatable")
+      ->type_name("MEASURE<NUMBER");
+  command
+      ->add_option("--best", options->Best,
+                   "The measure that is to be as good as it can be then: as large as it can for "
+                   "Bandwidth and margins, else as small")
+      ->type_name("MEASURE");
+  AddInteger(*command, "--runs", options->MostRuns, "Try so many tunings at most; 200 without it");
+  AddMeasureOptions(*command, options->Measure);
+  command->add_option("--out", options->Save, "Model file to write, with the tuning that was found")
+      ->type_name("FILE.tvf");
+  command->callback([options, &console] { TuneRun(*options, console).Run(); });
+}
+
+}  // namespace torvane::cli
