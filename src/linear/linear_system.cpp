@@ -44,77 +44,8 @@ std::vector<Index> Both(const std::vector<bool>& a, const std::vector<bool>& b) 
   return kept;
 }
 
-}  // namespace
-
-VectorXcd LinearSystem::ResponseAt(double hz) const {
-  const std::complex<double> s(0.0, (2.0 * std::numbers::pi) * hz);
-  const std::complex<double> root = Ts > 0.0 ? std::exp(s * Ts) : s;
-  const Eigen::MatrixXcd pencil =
-      root * Eigen::MatrixXcd::Identity(Order(), Order()) - A.cast<std::complex<double>>();
-  const VectorXcd states = pencil.partialPivLu().solve(B.cast<std::complex<double>>());
-  return C.cast<std::complex<double>>() * states + D.cast<std::complex<double>>();
-}
-
-LinearSystem LinearSystem::Reduced(const std::vector<Index>& outputs) const {
-  const MatrixXd rows = C(outputs, Eigen::all);
-  const auto reached = Spread(A, NonZero(B));
-  const auto shown = Spread(A.transpose(), NonZero(rows.cwiseAbs().colwise().sum().transpose()));
-  const std::vector<Index> kept = Both(reached, shown);
-  return {A(kept, kept), B(kept), rows(Eigen::all, kept), D(outputs), Ts};
-}
-
-// Every output is taken as many samples, or derivatives, later as `from` needs to answer the input;
-// from there the input can be told from the state and that output.
-std::optional<LinearSystem> LinearSystem::Seen(Index from) const {
-  MatrixXd rows = C;
-  VectorXd direct = D;
-  for (Index later = 0; later <= Order(); ++later) {
-    const double answer = direct[from];
-    if (answer != 0.0) {
-      const VectorXd share = direct / answer;
-      const Eigen::RowVectorXd back = rows.row(from);
-      return LinearSystem{A - B * back / answer, B / answer, rows - share * back, share, Ts};
-    }
-    if ((direct.array() != 0.0).any()) return std::nullopt;
-    direct = rows * B;
-    rows = rows * A;
-  }
-  return std::nullopt;
-}
-
-namespace {
-
-constexpr double Deadbeat = 1e-3;
-constexpr double Rest = 1e-9;
-
-// What rounding makes of an integrator is one: `fast` is the fastest root's size.
-Root RootAt(std::complex<double> value, double ts, double fast) {
-  Root root{value, 0.0, 1.0};
-  if (ts > 0.0 && std::abs(value) < Deadbeat) {
-    root.Hz = std::numeric_limits<double>::infinity();
-    return root;
-  }
-  const bool still = ts > 0.0 ? std::abs(value - 1.0) < Rest : std::abs(value) < Rest * fast;
-  if (still) {
-    root.Value = ts > 0.0 ? 1.0 : 0.0;
-    return root;
-  }
-  const std::complex<double> s = ts > 0.0 ? std::log(value) / ts : value;
-  root.Hz = std::abs(s) / (2.0 * std::numbers::pi);
-  root.Damping = -s.real() / std::abs(s);
-  return root;
-}
-
-std::vector<Root> Sorted(const VectorXcd& values, double ts) {
-  std::vector<Root> roots;
-  const double fast = values.size() > 0 ? values.cwiseAbs().maxCoeff() : 0.0;
-  for (const auto& value : values) roots.push_back(RootAt(value, ts, fast));
-  std::sort(roots.begin(), roots.end(), [](const Root& a, const Root& b) {
-    return std::abs(a.Hz - b.Hz) > 1e-9 * std::abs(a.Hz) ? a.Hz < b.Hz
-                                                         : a.Value.imag() > b.Value.imag();
-  });
-  return roots;
-}
+// Of a sum of terms; less is what rounding leaves of nothing.
+constexpr double Nothing = 1e-10;
 
 // Scales states so that rows and columns are of like size, after Osborne: eigenvalues stay, their
 // rounding errors shrink.
@@ -135,45 +66,165 @@ VectorXd Balance(const MatrixXd& a) {
   return scales;
 }
 
-MatrixXd Scaled(const MatrixXd& a, const VectorXd& scales) {
-  return scales.cwiseInverse().asDiagonal() * a * scales.asDiagonal();
+LinearSystem Balanced(const LinearSystem& system) {
+  const VectorXd scales = Balance(system.A);
+  const VectorXd inverse = scales.cwiseInverse();
+  return {inverse.asDiagonal() * system.A * scales.asDiagonal(), inverse.cwiseProduct(system.B),
+          system.C * scales.asDiagonal(), system.D, system.Ts};
+}
+
+MatrixXd Snapped(const MatrixXd& sums, const MatrixXd& terms) {
+  return (sums.array().abs() > Nothing * terms.array()).select(sums, 0.0);
+}
+
+MatrixXd DifferenceOf(const MatrixXd& a, const MatrixXd& b) {
+  return Snapped(a - b, a.cwiseAbs() + b.cwiseAbs());
+}
+
+MatrixXd WithProduct(const MatrixXd& a, const MatrixXd& b, const MatrixXd& c) {
+  return Snapped(a + b * c, a.cwiseAbs() + b.cwiseAbs() * c.cwiseAbs());
+}
+
+/// Finds the system that one of the outputs drives, by eliminations that keep what is exactly 0.
+class Inversion {
+ public:
+  explicit Inversion(const LinearSystem& system)
+      : states_(system.Order()),
+        rows_(states_ + system.Outputs(), states_),
+        direct_(rows_.rows()),
+        ts_(system.Ts) {
+    rows_ << system.A, system.C;
+    direct_ << system.B, system.D;
+    for (Index i = 0; i < states_; ++i) free_.push_back(i);
+  }
+
+  std::optional<LinearSystem> DrivenBy(Index output) {
+    Index last = states_ + output;
+    while (direct_[last] == 0.0) {
+      const auto replaced = ReplaceState(rows_.row(last));
+      if (!replaced) return std::nullopt;
+      last = *replaced;
+    }
+    const double answer = direct_[last];
+    const Eigen::RowVectorXd told = rows_.row(last) / answer;
+    rows_ = DifferenceOf(rows_, direct_ * told);
+    direct_ /= answer;
+    for (auto state = chain_.rbegin(); state != chain_.rend(); ++state) {
+      if ((direct_.tail(rows_.rows() - states_).array() != 0.0).any()) return std::nullopt;
+      TakeEarlier(*state);
+    }
+    std::vector<Index> outputs;
+    for (Index i = states_; i < rows_.rows(); ++i) outputs.push_back(i);
+    return LinearSystem{rows_(free_, free_), direct_(free_), rows_(outputs, free_),
+                        direct_(outputs), ts_};
+  }
+
+ private:
+  // What the row shows becomes a state instead of the one of which it shows most.
+  std::optional<Index> ReplaceState(const Eigen::RowVectorXd& shown) {
+    const auto gone = std::max_element(free_.begin(), free_.end(), [&](Index a, Index b) {
+      return std::abs(shown[a]) < std::abs(shown[b]);
+    });
+    if (gone == free_.end() || shown[*gone] == 0.0) return std::nullopt;
+    const Index state = *gone;
+    free_.erase(gone);
+    chain_.push_back(state);
+    rows_.row(state) = WithProduct(MatrixXd::Zero(1, states_), shown, rows_.topRows(states_));
+    direct_.row(state) = WithProduct(MatrixXd::Zero(1, 1), shown, direct_.head(states_));
+    Eigen::RowVectorXd others = shown;
+    others[state] = 0.0;
+    const VectorXd share = rows_.col(state) / shown[state];
+    rows_ = DifferenceOf(rows_, share * others);
+    rows_.col(state) = share;
+    return state;
+  }
+
+  // The driving signal is the state's next value: from here on the state itself drives, and the
+  // others count without what the signal has added to them.
+  void TakeEarlier(Index state) {
+    VectorXd added = VectorXd::Zero(states_);
+    added(free_) = direct_(free_);
+    direct_ = WithProduct(rows_.col(state), rows_, added);
+  }
+
+  Index states_;
+  MatrixXd rows_;    ///< of the states' next values, or slopes, and of the outputs, by states
+  VectorXd direct_;  ///< of the same, by what drives
+  double ts_;
+  std::vector<Index> free_;   ///< states that are still those of the system
+  std::vector<Index> chain_;  ///< states that the output and its next values have replaced
+};
+
+}  // namespace
+
+VectorXcd LinearSystem::ResponseAt(double hz) const {
+  const std::complex<double> s(0.0, (2.0 * std::numbers::pi) * hz);
+  const std::complex<double> root = Ts > 0.0 ? std::exp(s * Ts) : s;
+  const Eigen::MatrixXcd pencil =
+      root * Eigen::MatrixXcd::Identity(Order(), Order()) - A.cast<std::complex<double>>();
+  const VectorXcd states = pencil.partialPivLu().solve(B.cast<std::complex<double>>());
+  return C.cast<std::complex<double>>() * states + D.cast<std::complex<double>>();
+}
+
+LinearSystem LinearSystem::Reduced(const std::vector<Index>& outputs) const {
+  const MatrixXd rows = C(outputs, Eigen::all);
+  const auto reached = Spread(A, NonZero(B));
+  const auto shown = Spread(A.transpose(), NonZero(rows.cwiseAbs().colwise().sum().transpose()));
+  const std::vector<Index> kept = Both(reached, shown);
+  return {A(kept, kept), B(kept), rows(Eigen::all, kept), D(outputs), Ts};
+}
+
+std::optional<LinearSystem> LinearSystem::Seen(Index from) const {
+  return Inversion(Balanced(*this)).DrivenBy(from);
+}
+
+namespace {
+
+constexpr double Deadbeat = 1e-3;
+// From an integrator, a sample and, of the fastest root, in a continuous system.
+constexpr double RestPerSample = 1e-5;
+constexpr double RestOfFastest = 1e-9;
+
+Root RootAt(std::complex<double> value, double ts, double fastest) {
+  Root root{value, 0.0, 1.0};
+  if (ts > 0.0 && std::abs(value) < Deadbeat) {
+    root.Hz = std::numeric_limits<double>::infinity();
+    return root;
+  }
+  const bool still = ts > 0.0 ? std::abs(value - 1.0) <= RestPerSample
+                              : std::abs(value) <= RestOfFastest * fastest;
+  if (still) {
+    root.Value = ts > 0.0 ? 1.0 : 0.0;
+    return root;
+  }
+  const std::complex<double> s = ts > 0.0 ? std::log(value) / ts : value;
+  root.Hz = std::abs(s) / (2.0 * std::numbers::pi);
+  root.Damping = -s.real() / std::abs(s);
+  return root;
+}
+
+std::vector<Root> RootsOf(const MatrixXd& a, double ts) {
+  if (a.rows() == 0) return {};
+  const VectorXcd values = Eigen::EigenSolver<MatrixXd>(a, false).eigenvalues();
+  const double fastest = values.cwiseAbs().maxCoeff();
+  std::vector<Root> roots;
+  for (const auto& value : values) roots.push_back(RootAt(value, ts, fastest));
+  std::sort(roots.begin(), roots.end(), [](const Root& one, const Root& other) {
+    return one.Hz != other.Hz ? one.Hz < other.Hz : one.Value.imag() > other.Value.imag();
+  });
+  return roots;
 }
 
 }  // namespace
 
 std::vector<Root> Poles(const LinearSystem& system) {
-  if (system.Order() == 0) return {};
-  const MatrixXd balanced = Scaled(system.A, Balance(system.A));
-  return Sorted(Eigen::EigenSolver<MatrixXd>(balanced, false).eigenvalues(), system.Ts);
+  return RootsOf(Balanced(system).A, system.Ts);
 }
 
-// The finite eigenvalues of the pencil [A - s, B; C, D].
+// How the states move while the output is held at 0.
 std::vector<Root> Zeros(const LinearSystem& system, Index output) {
-  const Index n = system.Order();
-  const VectorXd scales = Balance(system.A);
-  MatrixXd left = MatrixXd::Zero(n + 1, n + 1);
-  VectorXd b = scales.cwiseInverse().cwiseProduct(system.B);
-  Eigen::RowVectorXd c = system.C.row(output) * scales.asDiagonal();
-  const double bSize = b.norm();
-  const double cSize = c.norm();
-  if (bSize == 0.0 || (cSize == 0.0 && system.D[output] == 0.0)) return {};
-  left.topLeftCorner(n, n) = Scaled(system.A, scales);
-  const double size = std::max(left.topLeftCorner(n, n).norm(), 1e-300);
-  const double bScale = size / bSize;
-  const double cScale = cSize > 0.0 ? size / cSize : 1.0;
-  left.topRightCorner(n, 1) = b * bScale;
-  left.bottomLeftCorner(1, n) = c * cScale;
-  left(n, n) = system.D[output] * bScale * cScale;
-  MatrixXd right = MatrixXd::Zero(n + 1, n + 1);
-  right.topLeftCorner(n, n).setIdentity();
-  const Eigen::GeneralizedEigenSolver<MatrixXd> solver(left, right, false);
-  std::vector<std::complex<double>> finite;
-  for (Index i = 0; i <= n; ++i) {
-    const std::complex<double> value = solver.alphas()[i] / solver.betas()[i];
-    // A double zero at infinity comes back as one very far away.
-    if (std::abs(value) < 1e6 * size) finite.push_back(value);
-  }
-  return Sorted(Eigen::Map<VectorXcd>(finite.data(), static_cast<Index>(finite.size())), system.Ts);
+  const auto held = system.Reduced({output}).Seen(0);
+  return held ? RootsOf(Balanced(*held).A, system.Ts) : std::vector<Root>();
 }
 
 void Cancel(std::vector<Root>& poles, std::vector<Root>& zeros) {

@@ -43,7 +43,8 @@ struct Root {
 };
 
 /// Sorted by frequency, the upper one of a pair first. A pole of a sampled system within 1e-3 of
-/// z = 0 is a delay of one sample: its frequency is infinite and its damping 1.
+/// z = 0 is a delay of one sample: its frequency is infinite and its damping 1. One that differs
+/// from an integrator by no more than rounding can, 1e-5 a sample, is an integrator.
 std::vector<Root> Poles(const LinearSystem& system);
 /// Of one output; as poles.
 std::vector<Root> Zeros(const LinearSystem& system, Eigen::Index output);

@@ -10,7 +10,7 @@
 #include "core/constant.h"
 #include "core/text.h"
 #include "instruments/analyser/analyser.h"
-#include "instruments/generator/wave.h"
+#include "kit/sources_at_rest.h"
 #include "linear/linear_fault.h"
 #include "linear/loop_probe.h"
 #include "linear/slope.h"
@@ -34,9 +34,7 @@ constexpr int MostTries = 20;
 std::vector<std::string> MakeLinear(ZelModel& model) {
   std::vector<std::string> notes;
   const ZelBenchTop& bench = model.Bench();
-  for (Instrument* const generator : bench.Instruments(InstrumentKind::WaveGenerator)) {
-    dynamic_cast<ZelWave&>(*generator).SetAmplitude(0.0);
-  }
+  RestSources(bench);
   const auto& analysers = bench.Instruments(InstrumentKind::FftAnalyser);
   if (analysers.empty()) return notes;
   const auto loop = dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
@@ -108,7 +106,7 @@ class Linearization {
     for (Index i = 0; i < numbers; ++i) {
       slopes.push_back(FindSlope(Moved(i, goOn), probe_.Scale(i)));
     }
-    MatrixXd all(slopes.front().Value.size(), numbers);
+    MatrixXd all(numbers > 0 ? slopes.front().Value.size() : goOn().size(), numbers);
     for (Index i = 0; i < numbers; ++i) all.col(i) = slopes[static_cast<std::size_t>(i)].Value;
     return all;
   }

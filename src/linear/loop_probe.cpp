@@ -74,16 +74,25 @@ class LoopProbe::Injection final : public Instrument {
   ZelBenchTop& bench_;
 };
 
-LoopProbe::LoopProbe(ZelModel& model)
-    : model_(model), stateCount_(static_cast<Eigen::Index>(model.Solver().States().size())) {
-  auto* const carrier = dynamic_cast<Carrier*>(&model_);
+LoopProbe::ClassMemory::ClassMemory(ZelModel& model) {
+  auto* const carrier = dynamic_cast<Carrier*>(&model);
   if (!carrier) {
     throw LinearFault(
         "the model does not say what it carries from step to step: it has no linear "
         "model");
   }
-  carrier->CarryClassMemory(classMemory_);
-  classMemoryBefore_ = Copied(classMemory_, 0.0);
+  carrier->CarryClassMemory(kept_);
+  before_ = Copied(kept_, 0.0);
+}
+
+LoopProbe::ClassMemory::~ClassMemory() {
+  PutBack(kept_, before_);
+}
+
+LoopProbe::LoopProbe(ZelModel& model)
+    : model_(model),
+      classMemory_(model),
+      stateCount_(static_cast<Eigen::Index>(model.Solver().States().size())) {
   model_.DropClassMemory();
   model_.Reset();  // and constants are handed on to blocks and clocks
   injection_ = std::make_unique<Injection>(model_.Bench());
@@ -99,9 +108,7 @@ LoopProbe::LoopProbe(ZelModel& model)
   for (const Variable* variable : model_.Bench().Variables()) scale(*variable);
 }
 
-LoopProbe::~LoopProbe() {
-  PutBack(classMemory_, classMemoryBefore_);
-}
+LoopProbe::~LoopProbe() = default;
 
 LoopProbe::Mark LoopProbe::Here() const {
   return Copied(carried_, model_.Time());

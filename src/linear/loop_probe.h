@@ -54,12 +54,23 @@ class LoopProbe {
 
  private:
   class Injection;
+  /// What the model's class remembers, as it was before.
+  class ClassMemory {
+   public:
+    explicit ClassMemory(ZelModel& model);
+    ClassMemory(const ClassMemory&) = delete;
+    ClassMemory& operator=(const ClassMemory&) = delete;
+    ~ClassMemory();
+
+   private:
+    Carried kept_;
+    Mark before_;
+  };
 
   void FollowStates();
 
   ZelModel& model_;
-  Carried classMemory_;
-  Mark classMemoryBefore_;
+  ClassMemory classMemory_;
   std::unique_ptr<Injection> injection_;
   Carried carried_;
   std::vector<double*> numbers_;

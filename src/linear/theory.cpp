@@ -51,18 +51,36 @@ ResponseCurve WholeResponse(const LinearModel& model, const TheoryPair& pair) {
   return pair.At(pair.Frequencies(LowestHz, highest, PerDecade), ReadSignals::AtItsSamples);
 }
 
+// A peak is read among points so close that the parabola through three of them is exact to more
+// digits than are told.
+ResponseCurve About(const TheoryPair& pair, double hz) {
+  constexpr int Points = 24;
+  constexpr double Apart = 5e-4;
+  std::vector<double> near;
+  for (int i = -Points; i <= Points; ++i) near.push_back(hz * (1.0 + i * Apart));
+  return pair.At(near, ReadSignals::AtItsSamples);
+}
+
 }  // namespace
 
 TheoryPair::TheoryPair(const LinearModel& model, const std::string& input,
                        const std::string& output)
-    : model_(model), input_(Place(model, input)), output_(Place(model, output)) {}
+    : model_(model),
+      input_(Place(model, input)),
+      output_(Place(model, output)),
+      both_(model.System().Reduced({input_, output_})) {}
 
 ResponseCurve TheoryPair::At(std::span<const double> hz, ReadSignals read) const {
+  if (!model_.Stable()) throw LinearFault("the loop is unstable: it has no response");
   ResponseCurve curve;
   for (const double f : hz) {
-    const Eigen::VectorXcd all =
-        read == ReadSignals::EveryStep ? model_.ToSine(f) : model_.System().ResponseAt(f);
-    curve.push_back(PointOf(f, all[output_] / all[input_]));
+    if (read == ReadSignals::EveryStep) {
+      const Eigen::VectorXcd all = model_.ToSine(f);
+      curve.push_back(PointOf(f, all[output_] / all[input_]));
+    } else {
+      const Eigen::VectorXcd pair = both_.ResponseAt(f);
+      curve.push_back(PointOf(f, pair[1] / pair[0]));
+    }
   }
   return curve;
 }
@@ -73,10 +91,9 @@ std::vector<double> TheoryPair::Frequencies(double from, double to, int perDecad
   hz.reserve(static_cast<std::size_t>(count) + 2);
   for (int i = 0; i <= count; ++i) hz.push_back(from * std::pow(10.0, 1.0 * i / perDecade));
   hz.push_back(to);
-  const LinearSystem both = model_.System().Reduced({input_, output_});
-  std::vector<Root> roots = Poles(both);
+  std::vector<Root> roots = Poles(both_);
   for (const Index output : {0, 1}) {
-    const auto zeros = Zeros(both, output);
+    const auto zeros = Zeros(both_, output);
     roots.insert(roots.end(), zeros.begin(), zeros.end());
   }
   constexpr double Resonant = 0.1;  // damping above which the even spacing follows well
@@ -94,8 +111,7 @@ std::vector<double> TheoryPair::Frequencies(double from, double to, int perDecad
 }
 
 LinearSystem TheoryPair::System() const {
-  const LinearSystem both = model_.System().Reduced({input_, output_});
-  const auto seen = both.Seen(0);
+  const auto seen = both_.Seen(0);
   if (!seen) {
     throw LinearFault(model_.Signals()[static_cast<std::size_t>(output_)] +
                       " follows the command sooner than " +
@@ -108,28 +124,46 @@ LinearSystem TheoryPair::System() const {
 Margins TheoryOfClosed(const LinearModel& model, const std::string& input,
                        const std::string& output) {
   const TheoryPair pair(model, input, output);
-  if (!model.Stable()) throw LinearFault("the loop is unstable: it has no response");
   ResponseCurve curve = WholeResponse(model, pair);
   UnwrapPhase(curve);
-  return FindMargins(curve, ReadAs::Closed);
+  Margins margins = FindMargins(curve, ReadAs::Closed);
+  if (margins.Peaking) {
+    const Margins near = FindMargins(About(pair, margins.Peaking->Hz), ReadAs::Closed);
+    if (near.Peaking) margins.Peaking = near.Peaking;
+  }
+  return margins;
 }
 
-LoopTheory TheoryOfLoop(ZelModel& model) {
+ModelLoop LoopOf(const ZelModel& model) {
   const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
   const auto loop = analysers.empty() ? std::nullopt
                                       : dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
   if (!loop || loop->Input.empty()) throw LinearFault("the model names no loop of its own");
-  for (const auto& [constant, value] : loop->Meanwhile) constant->Set(value);
-  const LinearModel linear = Linearize(model);
-  const TheoryPair pair(linear, loop->Input, loop->Output);
+  return *loop;
+}
 
+LoopTheory TheoryOfLoop(ZelModel& model) {
+  const ModelLoop loop = LoopOf(model);
+  for (const auto& [constant, value] : loop.Meanwhile) constant->Set(value);
+  return TheoryOfLoop(Linearize(model), loop);
+}
+
+LoopTheory TheoryOfLoop(const LinearModel& linear, const ModelLoop& loop) {
+  const TheoryPair pair(linear, loop.Input, loop.Output);
   LoopTheory theory;
   theory.Notes = linear.Notes;
-  theory.Open = WholeResponse(linear, pair);
-  if (loop->FromClosed) OpenFromClosed(theory.Open);
+  const auto opened = [&loop](ResponseCurve curve) {
+    if (loop.FromClosed) OpenFromClosed(curve);
+    return curve;
+  };
+  theory.Open = opened(WholeResponse(linear, pair));
   std::erase_if(theory.Open, [](const ResponsePoint& p) { return p.Gain > HighestGain; });
   UnwrapPhase(theory.Open);
   theory.Read = FindMargins(theory.Open, ReadAs::Open);
+  if (auto& peak = theory.Read.Sensitivity) {
+    const Margins near = FindMargins(opened(About(pair, peak->Hz)), ReadAs::Open);
+    if (near.Sensitivity) peak = near.Sensitivity;
+  }
   return theory;
 }
 

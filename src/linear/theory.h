@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "instruments/analyser/margins.h"
+#include "instruments/analyser/model_loop.h"
 #include "instruments/analyser/response_curve.h"
 #include "linear/linear_model.h"
 
@@ -25,14 +26,14 @@ class TheoryPair {
  public:
   TheoryPair(const LinearModel& model, const std::string& input, const std::string& output);
 
-  /// Output over input at each frequency, phases in (-270, 90].
+  /// Output over input at each frequency, phases in (-270, 90]; a LinearFault of an unstable loop.
   ResponseCurve At(std::span<const double> hz, ReadSignals read) const;
 
   /// Frequencies from `from` to `to`, evenly spaced on their logarithm and closer about whatever
   /// resonates.
   std::vector<double> Frequencies(double from, double to, int perDecade) const;
 
-  /// From the input to the output alone, poles and zeros that cancel left in; a LinearFault when
+  /// From the input to the output alone, without what lies outside of them; a LinearFault when
   /// the output follows the command sooner than the input does.
   LinearSystem System() const;
 
@@ -40,6 +41,7 @@ class TheoryPair {
   const LinearModel& model_;
   Eigen::Index input_;
   Eigen::Index output_;
+  LinearSystem both_;  ///< from the command to input and output
 };
 
 /// What theory says of the response between two signals, from the lowest frequency that matters to
@@ -54,8 +56,13 @@ struct LoopTheory {
   std::vector<std::string> Notes;
 };
 
-/// Of a model of the caller's own, which is not the same afterwards. A model that names no loop is
-/// a LinearFault.
+/// The loop that a model names as its own; a LinearFault if there is none.
+ModelLoop LoopOf(const ZelModel& model);
+
+/// Of a model of the caller's own, which is not the same afterwards. A model that names no loop, or
+/// whose loop is unstable when closed, is a LinearFault.
 LoopTheory TheoryOfLoop(ZelModel& model);
+/// Of a model that was linearised as the loop asks for it.
+LoopTheory TheoryOfLoop(const LinearModel& linear, const ModelLoop& loop);
 
 }  // namespace torvane

@@ -73,6 +73,46 @@ TEST(Linearize, ContinuousLoopIsItsEquations) {
   }
 }
 
+// Between any two signals the response, the state space and the poles and zeros are three ways to
+// the same figures.
+TEST(Linearize, StateSpaceAndRootsGiveTheResponse) {
+  int pairs = 0;
+  const auto check = [&](const TheoryPair& pair, const std::string& where) {
+    const LinearSystem system = pair.System();
+    std::vector<Root> poles = Poles(system);
+    std::vector<Root> zeros = Zeros(system, 0);
+    Cancel(poles, zeros);
+    Complex scale;
+    for (const double hz : {400.0, 3.0, 20.0, 90.0}) {
+      const ResponsePoint point = pair.At(std::array{hz}, ReadSignals::AtItsSamples).front();
+      const Complex truth = std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase * pi / 180.0);
+      const Complex s(0.0, 2.0 * pi * hz);
+      const Complex at = system.Ts > 0.0 ? std::exp(s * system.Ts) : s;
+      Complex product = 1.0;
+      for (const Root& zero : zeros) product *= at - zero.Value;
+      for (const Root& pole : poles) product /= at - pole.Value;
+      if (scale == 0.0) scale = truth / product;
+      EXPECT_LT(std::abs(system.ResponseAt(hz)[0] / truth - 1.0), 1e-5) << where << hz;
+      EXPECT_LT(std::abs(scale * product / truth - 1.0), 1e-3) << where << hz;
+    }
+    ++pairs;
+  };
+  for (const std::string& name : ModelNames()) {
+    if (name.starts_with("5-")) continue;  // nothing excites their command
+    const LinearModel linear = Linearize(*MakeModel(name.c_str()));
+    for (const std::string& input : linear.Signals()) {
+      for (const std::string& output : linear.Signals()) {
+        try {
+          check({linear, input, output}, name + ": " + input + " to " + output + " at ");
+        } catch (const LinearFault&) {
+          // One is not reached, or follows sooner.
+        }
+      }
+    }
+  }
+  EXPECT_GT(pairs, 600);
+}
+
 // The pole pair of a filter that is matched to a frequency keeps it in the z plane; and of each
 // filter only its own poles lie between its signals.
 TEST(Linearize, FiltersHaveTheirPoles) {
@@ -97,6 +137,7 @@ TEST(Linearize, ResonanceIsWhereItsInertiasPutIt) {
     model->Bench().FindConst(name)->Set(value);
     return value;
   };
+  set("KVP", 0.03);  // by default the loop is unstable with as little damping
   const double kcv = set("KCV", 0.05);
   const auto constant = [&](const char* name) { return model->Bench().FindConst(name)->Value(); };
   const double jm = constant("JM"), jl = constant("JL"), ks = constant("KS"), kt = constant("KT");
@@ -140,6 +181,15 @@ TEST(Linearize, MarginsAreThoseOfTheEquations) {
     const double fromPhase = 0.5 / std::sin(0.5 * phase * pi / 180.0);
     EXPECT_GE(theory.Read.Sensitivity->Value, 0.999 * fromPhase) << name;
   }
+}
+
+TEST(Linearize, SensitivityPeaksWhereTheEquationsHaveIt) {
+  const auto model = MakeModel("3-1 PI Controller");
+  const auto peak = TheoryOfLoop(*model).Read.Sensitivity;
+  const auto at = [](double hz) { return 1.0 / std::abs(1.0 + Loop31({0.0, 2.0 * pi * hz})); };
+  ASSERT_TRUE(peak);
+  EXPECT_NEAR(peak->Value, at(peak->Hz), 1e-6);
+  for (const double aside : {0.9999, 1.0001}) EXPECT_LT(at(aside * peak->Hz), at(peak->Hz));
 }
 
 // Steps of the model itself against what the linear one makes of the same command. Between
@@ -197,6 +247,12 @@ TEST(Linearize, SaysWhatItCannotTell) {
             "no path leads from the command that the analysers excite to vC");
   EXPECT_EQ(fault("5-1 Aliasing", [](ZelModel& model) { TheoryOfLoop(model); }),
             "the model names no loop of its own");
+  EXPECT_EQ(fault("3-1 PI Controller",
+                  [](ZelModel& model) {
+                    model.Bench().FindConst("KP")->Set(5.0);
+                    TheoryOfLoop(model);
+                  }),
+            "the loop is unstable: it has no response");
   EXPECT_EQ(fault("4-1 Digital PI Controller",
                   [](ZelModel& model) {
                     model.Bench().FindConst("TSample")->Set(1.0);

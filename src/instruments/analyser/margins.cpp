@@ -65,17 +65,22 @@ Margins::Reading Top(const LogPoint& left, const LogPoint& middle, const LogPoin
   return {std::exp(middle.LogHz) * std::sqrt(1.0 + at), middle.Gain - 10.0 * std::log10(least)};
 }
 
-void ReadPeak(std::span<const LogPoint> points, Margins& margins) {
+std::size_t Highest(std::span<const LogPoint> points) {
   const auto highest =
       std::max_element(points.begin(), points.end(),
                        [](const LogPoint& a, const LogPoint& b) { return a.Gain < b.Gain; });
-  if (highest->Gain <= LeastPeak) {
+  return static_cast<std::size_t>(highest - points.begin());
+}
+
+void ReadPeak(std::span<const LogPoint> points, Margins& margins) {
+  const std::size_t highest = Highest(points);
+  if (points[highest].Gain <= LeastPeak) {
     margins.Missing.push_back("no peaking: the gain does not rise above " + Text(LeastPeak) +
                               " dB" + Between(points));
-  } else if (highest == points.begin() || highest + 1 == points.end()) {
+  } else if (highest == 0 || highest + 1 == points.size()) {
     margins.Missing.push_back("no peaking: the gain is greatest at an end of the response");
   } else {
-    margins.Peaking = Top(highest[-1], *highest, highest[1]);
+    margins.Peaking = Top(points[highest - 1], points[highest], points[highest + 1]);
   }
 }
 
@@ -98,15 +103,21 @@ void ReadBandwidths(std::span<const LogPoint> points, Margins& margins) {
   margins.PhaseBandwidth = first({points, PhaseLevel(Margins::BandwidthPhase, 0.0)});
 }
 
+// A loop that ends far below unity gain has its sensitivity go to 1 there.
 void ReadSensitivity(std::span<const LogPoint> points, Margins& margins) {
-  const auto at = [](const LogPoint& point) {
+  constexpr double FarBelow = -40.0;  // dB
+  std::vector<LogPoint> sensitivity;
+  for (const LogPoint& point : points) {
     const auto open = std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase / DegreesPerRadian);
-    return 1.0 / std::abs(1.0 + open);
-  };
-  const auto highest =
-      std::max_element(points.begin(), points.end(),
-                       [&](const LogPoint& a, const LogPoint& b) { return at(a) < at(b); });
-  margins.Sensitivity = {std::exp(highest->LogHz), at(*highest)};
+    sensitivity.push_back({point.LogHz, -20.0 * std::log10(std::abs(1.0 + open)), 0.0});
+  }
+  const std::size_t highest = Highest(sensitivity);
+  const bool last = highest + 1 == sensitivity.size();
+  if (highest == 0 || (last && points.back().Gain > FarBelow)) return;
+  const LogPoint& at = sensitivity[highest];
+  const Margins::Reading top = last ? Margins::Reading{std::exp(at.LogHz), at.Gain}
+                                    : Top(sensitivity[highest - 1], at, sensitivity[highest + 1]);
+  margins.Sensitivity = {top.Hz, std::pow(10.0, top.Value / 20.0)};
 }
 
 // Of too many those that say most, in order of frequency.

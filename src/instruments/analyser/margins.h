@@ -42,7 +42,8 @@ struct Margins {
   std::vector<Reading> PhaseMargins;
   std::vector<Reading> GainMargins;
   /// Of an open response the sensitivity peak: the greatest of 1 / |1 + response|, the reciprocal
-  /// of the least distance from -1.
+  /// of the least distance from -1. None when that lies at an end, where it may not be the
+  /// greatest.
   std::optional<Reading> Sensitivity;
   /// How much the response scatters where it is read, of what is borne at most; above 1 something
   /// is missing for it.
