@@ -21,7 +21,8 @@ std::string Plain(const std::string& name) {
 }
 
 std::string WithUnit(double value, const RunMeasure& measure) {
-  return FormatGeneral(value, Digits, 1) + " " + measure.Unit;
+  const std::string number = FormatGeneral(value, Digits, 1);
+  return *measure.Unit == '\0' ? number : number + " " + measure.Unit;
 }
 
 }  // namespace

@@ -21,11 +21,24 @@ std::vector<const Requirement*> TuningGoal::Unmet(const RunReadings& readings) c
   return unmet;
 }
 
+bool TuningGoal::Met(const RunReadings& readings) const {
+  return Unmet(readings).empty() && (!Best || readings.*Best->Value);
+}
+
 namespace {
 
 constexpr int SettingDigits = 4;
 // Of all runs: a region is found by then that the second search refines.
 constexpr double FirstSearch = 0.5;
+
+// With few digits, but within the range.
+std::string ValueAt(const StudyRange& range, double share) {
+  const double least = std::min(range.From, range.To);
+  const double most = std::max(range.From, range.To);
+  const auto value =
+      ParseNumber(FormatGeneral(ParseNumber(range.At(share)).value_or(least), SettingDigits, 1));
+  return FormatShortest(std::clamp(value.value_or(least), least, most));
+}
 
 // Keeps its order and fits 0 to 1.
 double Squeezed(double x) {
@@ -103,12 +116,11 @@ class Search {
   double Tried(const std::vector<double>& point) {
     std::vector<std::string> values;
     for (std::size_t i = 0; i < point.size(); ++i) {
-      const auto value = ParseNumber(search_.Ranges[i].At(point[i]));
-      values.push_back(FormatGeneral(value.value_or(0.0), SettingDigits, 1));
+      values.push_back(ValueAt(search_.Ranges[i], point[i]));
     }
     const auto known = known_.find(values);
     if (known != known_.end()) return known->second;
-    Tuning tuning{values, search_.Measure(values)};
+    Tuning tuning = search_.Measure(values);
     const double badness = Badness(search_.Goal, tuning.Readings);
     known_.emplace(values, badness);
     ++runs_;

@@ -17,11 +17,13 @@ struct TuningGoal {
 
   /// Those that the run does not meet.
   std::vector<const Requirement*> Unmet(const RunReadings& readings) const;
+  /// All requirements are met, and the measure that is to be best is there.
+  bool Met(const RunReadings& readings) const;
 };
 
 /// A tuning that was tried.
 struct Tuning {
-  std::vector<std::string> Values;  ///< of each range, as a user would type them
+  std::vector<std::string> Values;  ///< of each range, as the model took them
   RunReadings Readings;
 };
 
@@ -29,9 +31,9 @@ struct TuningSearch {
   std::vector<StudyRange> Ranges;
   TuningGoal Goal;
   int MostRuns = 200;
-  /// Measures the model with such values; a run that cannot be measured has readings without
-  /// values, and the reasons.
-  std::function<RunReadings(const std::vector<std::string>& values)> Measure;
+  /// Measures the model with such values, as a user would type them; a run that cannot be measured
+  /// has readings without values, and the reasons.
+  std::function<Tuning(const std::vector<std::string>& values)> Measure;
   /// Told after each run of how many were made and the best so far; false ends the search.
   std::function<bool(int runs, const Tuning& best)> GoOn;
 };

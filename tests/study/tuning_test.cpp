@@ -48,11 +48,11 @@ class TuningTest : public testing::Test {
     search.Measure = [](const std::vector<std::string>& values) {
       const double x = *ParseNumber(values[0]);
       const double y = *ParseNumber(values[1]);
-      RunReadings readings;
-      if (x < 2.0) return readings;
-      readings.Delay = x + y;
-      readings.Settling = x * y;
-      return readings;
+      Tuning tuning{values, {}};
+      if (x < 2.0) return tuning;
+      tuning.Readings.Delay = x + y;
+      tuning.Readings.Settling = x * y;
+      return tuning;
     };
     search.GoOn = [this](int run, const Tuning&) {
       runs = run;
@@ -67,7 +67,7 @@ class TuningTest : public testing::Test {
 
 TEST_F(TuningTest, FindsTheBestOfWhatIsAllowedTheSameEveryTime) {
   const Tuning best = Tune(search);
-  EXPECT_TRUE(search.Goal.Unmet(best.Readings).empty());
+  EXPECT_TRUE(search.Goal.Met(best.Readings));
   EXPECT_NEAR(*best.Readings.Settling, 7.0, 0.1);
   EXPECT_LE(runs, search.MostRuns);
   EXPECT_EQ(Tune(search).Values, best.Values);
@@ -78,10 +78,15 @@ TEST_F(TuningTest, ComesNearestToWhatCannotBe) {
   const Tuning best = Tune(search);
   EXPECT_EQ(search.Goal.Unmet(best.Readings).size(), 1u);
   EXPECT_TRUE(best.Readings.Settling);
+  search.Goal = {{}, &NamedMeasure("Rise")};  // which no run has
+  EXPECT_FALSE(search.Goal.Met(Tune(search).Readings));
+  // Four digits of a value stay within its range.
+  search.Ranges = {{"x", 2.00006, 2.00007, {}, false}, {"y", 1, 10, {}, true}};
+  EXPECT_GE(*ParseNumber(Tune(search).Values.front()), 2.00006);
   stopAt = 3;
   Tune(search);
   EXPECT_EQ(runs, 3);
-  search.Measure = [](const auto&) -> RunReadings { throw StudyFault("gone"); };
+  search.Measure = [](const auto&) -> Tuning { throw StudyFault("gone"); };
   EXPECT_THROW(Tune(search), StudyFault);
 }
 

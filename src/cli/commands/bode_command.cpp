@@ -1,10 +1,12 @@
 #include <CLI/CLI.hpp>
+#include <cmath>
 
 #include "cli/commands/commands.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
 #include "cli/response/bode_measurement.h"
 #include "cli/response/response_output.h"
+#include "cli/response/theory_overlay.h"
 #include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
@@ -38,6 +40,11 @@ void MeasureBode(const BodeOptions& options, Console& console) {
   console.ApplySettings([&] { SetUp(xfer, options); });
   const auto warning = LoopSampleWarning(xfer);
   if (warning && options.Response.Margins) Warning(*warning);
+  if (options.Response.Theory) {
+    const double half = 0.5 / xfer.TSample();
+    LayTheory(xfer, options.Response, std::ldexp(half, 1 - xfer.Order()), half, xfer.TSample(),
+              console);
+  }
   ResultFile file(options.Response.Out);
   MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
   TellDoubts(xfer, file);

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <set>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -7,7 +8,6 @@
 #include "cli/io/quiet.h"
 #include "cli/io/result_file.h"
 #include "cli/model/model_options.h"
-#include "cli/model/settings.h"
 #include "cli/response/response_output.h"
 #include "cli/study/study_set_up.h"
 #include "core/csv.h"
@@ -170,29 +170,41 @@ struct LocusOptions {
   std::string Out;
 };
 
+/// The poles at one value, as the model took it.
+struct LocusPoint {
+  std::string Value;
+  std::vector<Root> Poles;
+  std::vector<std::string> Notes;
+};
+
 // One model a value: what an earlier one carried is no matter of a later one.
-std::vector<Root> PolesAt(const LocusOptions& options, const std::string& setting,
-                          Console& console) {
+LocusPoint PointOf(const LocusOptions& options, const StudyDesign& design, std::size_t run,
+                   Console& console) {
   const Quiet quiet;
   const auto model = OpenModel(options.Model, console);
-  ApplySetting(model->Bench(), setting);
-  return Linearize(*model).Poles();
+  const std::string value = ApplyRun(model->Bench(), design, run).Settings.front();
+  const LinearModel linear = Linearize(*model);
+  return {value, linear.Poles(), linear.Notes};
 }
 
 void DrawLocus(const LocusOptions& options, Console& console) {
-  const StudyRange range = ParseVaryRange(options.Vary, false);
+  const StudyRange range = ParseVaryRange(options.Vary, VaryValues::Listed);
   const StudyDesign design = MakeGrid({range});
   CheckDesign(design, *OpenModel(options.Model, console));
   ResultFile file(options.Out);
   file.Write(CsvLine({range.Name, "Real", "Imaginary", "Frequency", "Damping"}));
-  for (const auto& run : design.Runs) {
-    std::vector<Root> poles;
+  std::set<std::string> told;
+  for (std::size_t run = 0; run < design.Runs.size(); ++run) {
+    const std::string at = range.Name + " = " + design.Runs[run].front() + ": ";
     try {
-      poles = PolesAt(options, range.Name + "=" + run.front(), console);
+      const LocusPoint point = PointOf(options, design, run, console);
+      for (const std::string& note : point.Notes) {
+        if (told.insert(note).second) Note(at + note);
+      }
+      WriteRoots(point.Value.c_str(), point.Poles, file);
     } catch (const LinearFault& fault) {
-      throw StoppedError(range.Name + " = " + run.front() + ": " + fault.what());
+      throw StoppedError(at + fault.what());
     }
-    WriteRoots(run.front().c_str(), poles, file);
   }
   file.Close();
 }
@@ -206,12 +218,15 @@ void AddLinearizeCommand(CLI::App& app, Console& console) {
       "about the point at which it stands with its generators at their offsets");
   const auto options = std::make_shared<LinearizeOptions>();
   AddModelOptions(*command, options->Model);
-  command->add_option("--input", options->Input, "Signal that leads to the output");
-  command->add_option("--output", options->Output, "Signal that follows");
+  CLI::Option* const margins =
+      command->add_flag("--margins", options->Margins,
+                        "Print margins and sensitivity peak of the model's own loop instead");
+  command->add_option("--input", options->Input, "Signal that leads to the output")
+      ->excludes(margins);
+  command->add_option("--output", options->Output, "Signal that follows")->excludes(margins);
   AddChoice(*command, "--format", options->Format, {"csv", "json"},
-            "csv: poles and zeros; json: A, B, C, D and the sample time Ts as well");
-  command->add_flag("--margins", options->Margins,
-                    "Print margins and sensitivity peak of the model's own loop instead");
+            "csv: poles and zeros; json: A, B, C, D and the sample time Ts as well")
+      ->excludes(margins);
   command->add_option("--out", options->Out, "File to write; standard output without it");
   command->callback([options, &console] { LinearizeModel(*options, console); });
 }

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <cmath>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -7,6 +8,7 @@
 #include "cli/io/result_file.h"
 #include "cli/model/long_run.h"
 #include "cli/response/response_output.h"
+#include "cli/response/theory_overlay.h"
 #include "core/csv.h"
 #include "core/text.h"
 #include "instruments/sweep/swept_sine_analyser.h"
@@ -78,6 +80,11 @@ void MeasureSweep(const SweepOptions& options, Console& console) {
   auto& analyser = dynamic_cast<ZelSweptDSA&>(
       ChooseAnalyser(model->Bench(), InstrumentKind::SweptSine, options.Response));
   console.ApplySettings([&] { SetUp(analyser, options); });
+  if (options.Response.Theory) {
+    // The last point is the first at or above the highest frequency.
+    const double last = analyser.FreqMax() * std::pow(10.0, 1.0 / analyser.StepsPerDecade());
+    LayTheory(analyser, options.Response, analyser.FreqMin(), last, analyser.TSample(), console);
+  }
   ResultFile file(options.Response.Out);
   Sweep(*model, analyser, console);
   TellDoubts(analyser, file);

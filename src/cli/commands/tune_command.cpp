@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <set>
 
 #include "cli/command_error.h"
 #include "cli/commands/commands.h"
@@ -8,9 +9,9 @@
 #include "cli/io/quiet.h"
 #include "cli/io/result_file.h"
 #include "cli/measure/measurement.h"
+#include "cli/measure/theory_measurement.h"
 #include "cli/model/model_file_loading.h"
 #include "cli/model/model_options.h"
-#include "cli/model/settings.h"
 #include "cli/study/study_set_up.h"
 #include "core/csv.h"
 #include "core/files/model_file.h"
@@ -34,10 +35,13 @@ class TuneRun {
  public:
   TuneRun(const TuneOptions& options, Console& console) : options_(options), console_(console) {
     for (const std::string& text : options_.Vary) {
-      search_.Ranges.push_back(ParseVaryRange(text, true));
+      search_.Ranges.push_back(ParseVaryRange(text, VaryValues::Searched));
     }
     for (const std::string& text : options_.Require) search_.Goal.Requirements.emplace_back(text);
     if (!options_.Best.empty()) search_.Goal.Best = &NamedMeasure(options_.Best);
+    if (search_.Goal.Best && search_.Goal.Best->Value == &RunReadings::Window) {
+      throw UsageError("--best: how long was measured says nothing of how good a tuning is");
+    }
     if (search_.Goal.Requirements.empty() && !search_.Goal.Best) {
       throw UsageError("--require or --best is needed: a tuning for what?");
     }
@@ -55,8 +59,7 @@ class TuneRun {
     const Tuning best = Tune(search_);
     console_.ShowProgress("");
     Write(best);
-    const auto unmet = search_.Goal.Unmet(best.Readings);
-    if (!unmet.empty()) throw StoppedError(WhatIsInTheWay(unmet, best));
+    if (!search_.Goal.Met(best.Readings)) throw StoppedError(WhatIsInTheWay(best));
     if (!options_.Save.empty()) Save(best);
     if (InterruptGuard::Interrupted()) throw StoppedError("interrupted; this is the best so far");
   }
@@ -69,41 +72,68 @@ class TuneRun {
                        [](const Requirement& one) { return one.Of().OfLoop; });
   }
 
+  bool AsksForMargins() const {
+    const auto margin = [](const RunMeasure& measure) {
+      return measure.Value == &RunReadings::GainMargin ||
+             measure.Value == &RunReadings::PhaseMargin ||
+             measure.Value == &RunReadings::Sensitivity;
+    };
+    const auto& requirements = search_.Goal.Requirements;
+    return (search_.Goal.Best && margin(*search_.Goal.Best)) ||
+           std::any_of(requirements.begin(), requirements.end(),
+                       [&](const Requirement& one) { return margin(one.Of()); });
+  }
+
   ModelOptions& Model() { return options_.Measure.Bode.Response.Model; }
 
   void Check() {
     CheckOutputs(options_.Save, "", NamesModelFile(Model().Model) ? Model().Model : "");
     const auto model = OpenModel(Model(), console_);
     CheckMeasurement(*model, options_.Measure, console_);
+    if (options_.Measure.WithTheory) {
+      const Quiet quiet;
+      CheckTheory([&] { return OpenModel(Model(), console_); }, AsksForMargins());
+    }
+    StudyDesign ends;
+    ends.Runs.resize(2);
     for (const StudyRange& range : search_.Ranges) {
-      for (const double end : {0.0, 1.0}) {
-        ApplySetting(model->Bench(), range.Name + "=" + range.At(end));
-      }
+      ends.Names.push_back(range.Name);
+      ends.Runs[0].push_back(range.At(0.0));
+      ends.Runs[1].push_back(range.At(1.0));
+    }
+    if (std::set(ends.Names.begin(), ends.Names.end()).size() < ends.Names.size()) {
+      throw UsageError("--vary: each constant or generator setting once");
+    }
+    for (const std::size_t end : {0, 1}) {
+      for (const std::string& remark : ApplyRun(model->Bench(), ends, end).Remarks) Note(remark);
     }
   }
 
-  std::unique_ptr<ZelModel> Make(const std::vector<std::string>& values) {
+  // With these values, told as the model took them.
+  std::unique_ptr<ZelModel> Make(std::vector<std::string>& values) {
     auto model = OpenModel(Model(), console_);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      ApplySetting(model->Bench(), search_.Ranges[i].Name + "=" + values[i]);
-    }
+    StudyDesign design;
+    for (const StudyRange& range : search_.Ranges) design.Names.push_back(range.Name);
+    design.Runs.push_back(values);
+    values = ApplyRun(model->Bench(), design, 0).Settings;
     return model;
   }
 
-  RunReadings Measure(const std::vector<std::string>& values) {
+  Tuning Measure(const std::vector<std::string>& values) {
     const Quiet quiet;
+    Tuning tuning{values, {}};
     try {
-      return ReadRun([&] { return Make(values); }, options_.Measure, console_, false);
+      tuning.Readings =
+          ReadRun([&] { return Make(tuning.Values); }, options_.Measure, console_, false);
     } catch (const CommandError& error) {
-      RunReadings none;
-      none.Reasons.emplace_back(error.what());
-      return none;
+      tuning.Readings.Reasons.emplace_back(error.what());
     }
+    return tuning;
   }
 
   bool GoOn(int runs, const Tuning& best) {
     if (Console::CanShowProgress(false)) {
-      const bool good = search_.Goal.Unmet(best.Readings).empty();
+      const bool good = search_.Goal.Met(best.Readings);
       console_.ShowProgress("run " + std::to_string(runs) + " of " +
                             std::to_string(search_.MostRuns) +
                             (good ? ", the goal is met" : ", the goal is not met yet"));
@@ -119,15 +149,21 @@ class TuneRun {
     std::vector<std::string> fields = best.Values;
     Append(fields, MeasureFields(MeasureValues(best.Readings, loop)));
     captions.emplace_back(ReasonCaption);
-    fields.push_back(Joined(best.Readings.Reasons));
+    std::vector<std::string> remarks = best.Readings.Reasons;
+    Append(remarks, best.Readings.Warnings);
+    fields.push_back(Joined(remarks));
     ResultFile output("");
     output.Write(CsvLine(captions));
     output.Write(CsvLine(fields));
     output.Close();
   }
 
-  static std::string WhatIsInTheWay(const std::vector<const Requirement*>& unmet,
-                                    const Tuning& best) {
+  std::string WhatIsInTheWay(const Tuning& best) const {
+    const auto unmet = search_.Goal.Unmet(best.Readings);
+    if (unmet.empty()) {
+      return std::string("no tuning that was tried has a ") + search_.Goal.Best->Caption +
+             " to be best: " + Joined(best.Readings.Reasons);
+    }
     std::string text = "no tuning that was tried meets ";
     for (const Requirement* requirement : unmet) {
       text += (requirement == unmet.front() ? "" : " and ") + requirement->Text();
@@ -139,7 +175,7 @@ class TuneRun {
     return text;
   }
 
-  void Save(const Tuning& best) {
+  void Save(Tuning best) {
     const Quiet quiet;
     if (!SaveModelFile(*Make(best.Values), options_.Save)) throw FileError("");
   }

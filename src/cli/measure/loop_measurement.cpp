@@ -1,17 +1,15 @@
 #include "cli/measure/loop_measurement.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "cli/command_error.h"
-#include "cli/model/long_run.h"
+#include "cli/measure/loop_findings.h"
 #include "cli/response/response_output.h"
 #include "core/constant.h"
-#include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/margins.h"
-#include "instruments/generator/wave.h"
+#include "kit/sources_at_rest.h"
 
 namespace torvane::cli {
 namespace {
@@ -59,13 +57,6 @@ BodeOptions Completed(BodeOptions bode, const std::optional<ModelLoop>& loop) {
   return bode;
 }
 
-// Apart from the excitation nothing is to move.
-void StillGenerators(const ZelBenchTop& bench) {
-  for (Instrument* const generator : bench.Instruments(InstrumentKind::WaveGenerator)) {
-    dynamic_cast<ZelWave&>(*generator).SetAmplitude(0.0);
-  }
-}
-
 ZelXfer& SetUpAnalyser(ZelModel& model, const BodeOptions& options, Console& console) {
   auto& xfer = dynamic_cast<ZelXfer&>(
       ChooseAnalyser(model.Bench(), InstrumentKind::FftAnalyser, options.Response));
@@ -93,67 +84,13 @@ std::string WithSettings(const Settings& settings) {
 
 // Nothing of what is plain: the pair is that of an open loop, and no constant is in its way.
 void NoteHow(const ModelLoop& loop) {
-  const std::string linear = WithSettings(loop.Linear);
-  if (!linear.empty()) Note("The responses are measured" + linear + ".");
   const std::string meanwhile = WithSettings(loop.Meanwhile);
   if (loop.FromClosed) {
     Note("The margins are computed from the closed loop, " + loop.Input + " to " + loop.Output +
          ", whose feedback is its output" + (meanwhile.empty() ? "" : "," + meanwhile) + ".");
   } else if (!meanwhile.empty()) {
-    Note("The margins are measured" + meanwhile + ".");
+    Note("The margins are those" + meanwhile + ".");
   }
-}
-
-/// Puts figures and what is to be said of them together.
-class Findings {
- public:
-  explicit Findings(RunReadings& readings) : readings_(readings) {}
-
-  void Add(std::optional<double> RunReadings::*measure, const Margins::Reading* reading) {
-    if (!reading) return;
-    readings_.*measure = reading->Value;
-    Reach(reading->Hz);
-  }
-  void AddBandwidth(const std::optional<double>& hz) {
-    readings_.Bandwidth = hz;
-    Reach(hz.value_or(0.0));
-  }
-  void Miss(const std::vector<std::string>& why) { Append(readings_.Reasons, why); }
-  void Doubt(const std::vector<std::string>& doubts) {
-    for (const std::string& doubt : doubts) {
-      auto& warnings = readings_.Warnings;
-      if (std::ranges::find(warnings, doubt) == warnings.end()) warnings.push_back(doubt);
-    }
-  }
-  void WarnAbove(double accurateUpTo) {
-    if (highest_ > accurateUpTo) readings_.Warnings.push_back(SampleTimeWarning(accurateUpTo));
-  }
-
- private:
-  void Reach(double hz) { highest_ = std::max(highest_, hz); }
-
-  RunReadings& readings_;
-  double highest_ = 0.0;
-};
-
-// A response in other units than its command's, or to a command that is not followed, has none.
-void ReadClosed(const Margins& closed, Findings& findings) {
-  constexpr double Follows = 6.0;  // dB
-  if (std::abs(closed.Begin) > Follows) {
-    findings.Miss({"no bandwidth: the response begins at " + FormatGeneral(closed.Begin, 4, 1) +
-                   " dB, so that it does not follow its command"});
-    return;
-  }
-  findings.AddBandwidth(closed.GainBandwidth);
-  findings.Add(&RunReadings::Peaking, closed.Peaking ? &*closed.Peaking : nullptr);
-  findings.Miss(closed.Missing);
-}
-
-void ReadOpen(const Margins& open, Findings& findings) {
-  findings.Add(&RunReadings::GainMargin, open.SmallestGainMargin());
-  findings.Add(&RunReadings::PhaseMargin, open.SmallestPhaseMargin());
-  findings.Add(&RunReadings::Sensitivity, open.Sensitivity ? &*open.Sensitivity : nullptr);
-  findings.Miss(open.Missing);
 }
 
 /// The measurements of a model and its loop.
@@ -163,19 +100,19 @@ class LoopRuns {
       : make_(make), options_(options), console_(console), showProgress_(showProgress) {}
 
   void Run(RunReadings& readings) {
-    Findings findings(readings);
+    LoopFindings findings(readings);
     const ResponseOptions& response = options_.Bode.Response;
-    ReadClosed(Read(response.Input, response.Output, ReadAs::Closed), findings);
+    findings.TakeClosed(Read(response.Input, response.Output, ReadAs::Closed));
     findings.Doubt(doubts_);
     const auto first = make_();
     if (const auto loop = OpenLoop(Analyser(*first), options_)) {
       const ReadAs as = loop->FromClosed ? ReadAs::Unity : ReadAs::Open;
-      ReadOpen(Read(loop->Input, loop->Output, as), findings);
+      findings.TakeOpen(Read(loop->Input, loop->Output, as));
       findings.Doubt(doubts_);
     } else {
       findings.Miss({"no margins: the model names no loop of its own"});
     }
-    findings.WarnAbove(accurateUpTo_);
+    if (findings.HighestHz() > accurateUpTo_) findings.Doubt({SampleTimeWarning(accurateUpTo_)});
   }
 
  private:
@@ -195,7 +132,7 @@ class LoopRuns {
     const auto named = Analyser(*model).Loop();
     const auto loop = OpenLoop(Analyser(*model), options_);
     ZelXfer& xfer = SetUpAnalyser(*model, Completed(asked, named), console_);
-    StillGenerators(model->Bench());
+    RestSources(model->Bench());  // apart from the excitation nothing is to move
     if (named) Hold(named->Linear);
     if (loop && as != ReadAs::Closed) Hold(loop->Meanwhile);
     const bool together = named && named->SampleTime == xfer.TSample();
@@ -227,9 +164,18 @@ void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console) {
   if (loop) {
     NamedSignal(model.Bench(), loop->Input);
     NamedSignal(model.Bench(), loop->Output);
+    const std::string linear = WithSettings(loop->Linear);
+    if (!linear.empty()) Note("The responses are measured" + linear + ".");
     NoteHow(*loop);
   }
   SetUpAnalyser(model, Completed(options.Bode, Analyser(model).Loop()), console);
+}
+
+void NoteLoop(const ZelModel& model) {
+  const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
+  if (analysers.empty()) return;
+  const auto loop = dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
+  if (loop && !loop->Input.empty()) NoteHow(*loop);
 }
 
 void ReadLoop(const MakeModel& make, const LoopOptions& options, Console& console,

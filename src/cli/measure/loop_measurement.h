@@ -19,6 +19,9 @@ struct LoopOptions {
 /// loop is none of the model's. Says how the loop is measured where that is not plain.
 void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console);
 
+/// Says how the model's own loop is read where that is not plain.
+void NoteLoop(const ZelModel& model);
+
 /// Reads bandwidth and peaking off the response to the command, and margins off the open loop, each
 /// measured in a model of its own whose generators rest. An overflow or a record that is not whole
 /// is a CommandError of ExitCode::Stopped.

@@ -39,8 +39,8 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
                        "analyser in a run of its own");
   command
       .add_flag("--theory", options.WithTheory,
-                "Tell bandwidth, peaking and margins from the linearised equations instead: exact, "
-                "and in a fraction of the time")
+                "Tell bandwidth, peaking and margins from the linearised equations instead, "
+                "without the scatter of a measurement")
       ->excludes(withBode);
   CLI::Option* const loop =
       command
@@ -63,6 +63,7 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   if (response.Output.empty()) throw UsageError("--response is required");
   CheckStep(model, Step(options));
   if (options.WithBode) CheckLoop(model, {options.Bode, options.Loop}, console);
+  if (options.WithTheory) NoteLoop(model);
 }
 
 RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,

@@ -1,6 +1,10 @@
 #include "cli/measure/theory_measurement.h"
 
-#include "core/csv.h"
+#include <algorithm>
+
+#include "cli/command_error.h"
+#include "cli/measure/loop_findings.h"
+#include "core/constant.h"
 #include "core/text.h"
 #include "linear/linear_fault.h"
 #include "linear/linearize.h"
@@ -9,49 +13,56 @@
 namespace torvane::cli {
 namespace {
 
-constexpr int Digits = 6;  // beyond them a solver's steps differ from theory
+// Beyond them a solver's steps differ from theory, and one processor's last digits from another's.
+constexpr int Digits = 6;
 
-std::optional<double> Rounded(double value) {
-  return ParseNumber(FormatGeneral(value, Digits, 2));
+bool HasAll(const std::vector<ModelLoop::Setting>& settings) {
+  return std::ranges::all_of(
+      settings, [](const auto& setting) { return setting.What->Value() == setting.Value; });
 }
 
-std::optional<double> ValueOf(const Margins::Reading* reading) {
-  return reading ? Rounded(reading->Value) : std::nullopt;
-}
-
-void ReadClosed(const LinearModel& linear, const std::string& command, const std::string& response,
-                RunReadings& readings) {
-  const Margins closed = TheoryOfClosed(linear, command, response);
-  if (closed.GainBandwidth) readings.Bandwidth = Rounded(*closed.GainBandwidth);
-  readings.Peaking = ValueOf(closed.Peaking ? &*closed.Peaking : nullptr);
-  Append(readings.Reasons, closed.Missing);
-}
-
-void ReadOpen(ZelModel& model, RunReadings& readings) {
-  const LoopTheory theory = TheoryOfLoop(model);
-  readings.GainMargin = ValueOf(theory.Read.SmallestGainMargin());
-  readings.PhaseMargin = ValueOf(theory.Read.SmallestPhaseMargin());
-  readings.Sensitivity = ValueOf(theory.Read.Sensitivity ? &*theory.Read.Sensitivity : nullptr);
-  Append(readings.Reasons, theory.Read.Missing);
+void ReadLinear(const MakeModel& make, const std::string& command, const std::string& response,
+                LoopFindings& findings) {
+  const auto read = [&](const auto& part) {
+    try {
+      part();
+    } catch (const LinearFault& fault) {
+      findings.Miss({fault.what()});
+    }
+  };
+  read([&] {
+    const auto model = make();
+    const LinearModel linear = Linearize(*model);
+    findings.Doubt(linear.Notes);
+    read([&] { findings.TakeClosed(TheoryOfClosed(linear, command, response)); });
+    const ModelLoop loop = LoopOf(*model);
+    const LoopTheory theory =
+        HasAll(loop.Meanwhile) ? TheoryOfLoop(linear, loop) : TheoryOfLoop(*make());
+    findings.Doubt(theory.Notes);
+    findings.TakeOpen(theory.Read);
+  });
 }
 
 }  // namespace
 
 void ReadTheory(const MakeModel& make, const std::string& command, const std::string& response,
                 RunReadings& readings) {
-  const auto read = [&](const auto& part) {
-    try {
-      part(*make());
-    } catch (const LinearFault& fault) {
-      readings.Reasons.emplace_back(fault.what());
-    }
-  };
-  read([&](ZelModel& model) {
-    const LinearModel linear = Linearize(model);
-    Append(readings.Warnings, linear.Notes);
-    ReadClosed(linear, command, response, readings);
-  });
-  read([&](ZelModel& model) { ReadOpen(model, readings); });
+  LoopFindings findings(readings);
+  ReadLinear(make, command, response, findings);
+  for (const RunMeasure& measure : Measures()) {
+    auto& value = readings.*measure.Value;
+    if (measure.OfLoop && value) value = ParseNumber(FormatGeneral(*value, Digits, 2));
+  }
+}
+
+void CheckTheory(const MakeModel& make, bool margins) {
+  try {
+    const auto model = make();
+    Linearize(*model);
+    if (margins) LoopOf(*model);
+  } catch (const LinearFault& fault) {
+    throw StoppedError(fault.what());
+  }
 }
 
 }  // namespace torvane::cli

@@ -12,4 +12,8 @@ namespace torvane::cli {
 void ReadTheory(const MakeModel& make, const std::string& command, const std::string& response,
                 RunReadings& readings);
 
+/// A CommandError of ExitCode::Stopped for a model that theory can say nothing of, or, if they are
+/// asked for, nothing of its margins.
+void CheckTheory(const MakeModel& make, bool margins);
+
 }  // namespace torvane::cli

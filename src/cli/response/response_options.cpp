@@ -68,6 +68,10 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options) {
                       "Lay the response of this file, from a bench or --out, over the measured one")
           ->type_name("FILE.csv");
   command
+      .add_flag("--theory", options.Theory,
+                "Lay what the model's linearised equations say over the measured response instead")
+      ->excludes(overlay);
+  command
       .add_option("--overlay-columns", options.OverlayColumns,
                   "Which of its columns are frequency, gain and phase, by caption or number")
       ->type_name("F,G,P")

@@ -25,6 +25,7 @@ struct ResponseOptions {
   std::string Overlay;
   std::string OverlayColumns;
   std::string OverlayUnits;
+  bool Theory = false;  ///< is the overlay
 };
 
 /// The memory that an overlay is laid into.

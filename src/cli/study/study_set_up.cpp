@@ -33,10 +33,11 @@ std::vector<std::string> Split(const std::string& text, char at) {
 
 }  // namespace
 
-StudyRange ParseVaryRange(const std::string& text, bool sampled) {
+StudyRange ParseVaryRange(const std::string& text, VaryValues values) {
+  const bool counted = values == VaryValues::OfGrid || values == VaryValues::Listed;
   const auto bad = [&] {
-    return UsageError("--vary needs NAME=FROM:TO:COUNT or NAME=FROM:TO:COUNT:log, not \"" + text +
-                      "\"");
+    const std::string form = counted ? "NAME=FROM:TO:COUNT" : "NAME=FROM:TO";
+    return UsageError("--vary needs " + form + " or " + form + ":log, not \"" + text + "\"");
   };
   const Assignment assignment = SplitAssignment("--vary", text);
   std::vector<std::string> parts = Split(assignment.Value, ':');
@@ -58,11 +59,20 @@ StudyRange ParseVaryRange(const std::string& text, bool sampled) {
     range.Count = ParseInteger(parts[2]);
     if (!range.Count || *range.Count < 1) throw bad();
   }
-  if (sampled && range.Count) {
-    throw UsageError("--vary " + range.Name + " has a COUNT, but --sample counts");
-  }
-  if (!sampled && !range.Count) {
-    throw UsageError("--vary " + range.Name + " needs a COUNT without --sample");
+  if (counted != range.Count.has_value()) {
+    throw UsageError("--vary " + range.Name + [&] {
+      switch (values) {
+        case VaryValues::OfGrid:
+          return " needs a COUNT without --sample";
+        case VaryValues::Listed:
+          return " needs a COUNT";
+        case VaryValues::Sampled:
+          return " has a COUNT, but --sample counts";
+        case VaryValues::Searched:
+          break;
+      }
+      return " has a COUNT, but the search chooses the values";
+    }());
   }
   return range;
 }
@@ -82,7 +92,8 @@ StudyDesign MakeDesign(const StudyOptions& options) {
   }
   std::vector<StudyRange> ranges;
   for (const std::string& text : options.Vary) {
-    ranges.push_back(ParseVaryRange(text, options.Sample.has_value()));
+    ranges.push_back(
+        ParseVaryRange(text, options.Sample ? VaryValues::Sampled : VaryValues::OfGrid));
   }
   if (!options.Sample) return MakeGrid(ranges);
   const int seed = options.Seed.value_or(DefaultSeed);

@@ -14,8 +14,12 @@ StudyDesign MakeDesign(const StudyOptions& options);
 StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
                          const ZelModel& model);
 
-/// The range in NAME=FROM:TO[:COUNT][:log]; samples go without a count, a grid needs one.
-StudyRange ParseVaryRange(const std::string& text, bool sampled);
+/// Who says which values of a range are taken: a grid's or a list's count does, samples and a
+/// search go without.
+enum class VaryValues { OfGrid, Listed, Sampled, Searched };
+
+/// The range in NAME=FROM:TO[:COUNT][:log].
+StudyRange ParseVaryRange(const std::string& text, VaryValues values);
 
 /// The runs of share "K/N", or all of them without one.
 std::vector<std::size_t> RunsOfShare(const std::string& shard, std::size_t runs);

@@ -1,0 +1,32 @@
+#include "cli/response/theory_overlay.h"
+
+#include "cli/command_error.h"
+#include "cli/io/quiet.h"
+#include "core/messages.h"
+#include "linear/linear_fault.h"
+#include "linear/linearize.h"
+#include "linear/theory.h"
+
+namespace torvane::cli {
+
+void LayTheory(FrequencyAnalyser& analyser, const ResponseOptions& options, double from, double to,
+               double tSample, Console& console) {
+  constexpr int PerDecade = 100;
+  const auto model = [&] {
+    const Quiet quiet;  // the options have been told of already
+    return OpenModel(options.Model, console);
+  }();
+  try {
+    const LinearModel linear = Linearize(*model);
+    for (const std::string& note : linear.Notes) Note(note);
+    const TheoryPair pair(linear, analyser.Input()->Name(), analyser.Output()->Name());
+    const bool together = linear.Sampled() && tSample == linear.System().Ts;
+    const auto read = together ? ReadSignals::AtItsSamples : ReadSignals::EveryStep;
+    analyser.LoadMemory(OverlaySlot, pair.At(pair.Frequencies(from, to, PerDecade), read),
+                        "Theory");
+  } catch (const LinearFault& fault) {
+    throw StoppedError(fault.what());
+  }
+}
+
+}  // namespace torvane::cli
