@@ -42,16 +42,9 @@ void Constant::Set(double value) {
   if (IsList()) limited = std::trunc(limited);
   if (limited == value_) return;
 
-  UndoEntry entry;
-  entry.Target = this;
-  if (IsList()) {
-    entry.Ints = {Choice(), static_cast<std::int32_t>(limited)};
-  } else {
-    entry.Doubles = {value_, limited};
-  }
+  const NumberChange change{value_, limited};
   Store(limited);
-  entry.Description = name_ + " = " + DisplayText();
-  bench_.History().Push(entry);
+  bench_.History().Push({this, name_ + " = " + DisplayText(), change});
 }
 
 bool Constant::SetFromText(const std::string& text, const std::string& where) {
@@ -80,20 +73,18 @@ std::string Constant::FileText() const {
 }
 
 void Constant::Undo(const UndoEntry& entry) {
-  Store(IsList() ? entry.Ints[0] : entry.Doubles[0]);
+  Store(std::get<NumberChange>(entry.What).Before);
 }
 
 void Constant::Redo(const UndoEntry& entry) {
-  Store(IsList() ? entry.Ints[1] : entry.Doubles[1]);
+  Store(std::get<NumberChange>(entry.What).After);
 }
 
 Undoable::Merged Constant::Merge(UndoEntry& earlier, const UndoEntry& later) const {
-  earlier.Ints[1] = later.Ints[1];
-  earlier.Doubles[1] = later.Doubles[1];
+  auto& change = std::get<NumberChange>(earlier.What);
+  change.After = std::get<NumberChange>(later.What).After;
   earlier.Description = later.Description;
-  // Of a list the numbers stay 0, of a number the indices.
-  const bool same = earlier.Ints[0] == earlier.Ints[1] && earlier.Doubles[0] == earlier.Doubles[1];
-  return same ? Merged::Nothing : Merged::Yes;
+  return change.Before == change.After ? Merged::Nothing : Merged::Yes;
 }
 
 void Constant::Store(double value) {

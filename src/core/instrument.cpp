@@ -11,10 +11,6 @@ namespace torvane {
 
 namespace {
 
-// What an instrument puts into its entries' strings: the records that differ.
-constexpr std::size_t Before = 0;
-constexpr std::size_t After = 1;
-
 std::vector<std::string> LinesOf(const std::string& records) {
   std::vector<std::string> lines;
   LineReader reader(records);
@@ -30,18 +26,15 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 // Leaves of both states only the lines in which they differ. States of one instrument have their
 // lines in the same order; where one has more of them, both stay whole.
-void KeepDifferences(UndoEntry& entry) {
-  std::string& before = entry.Strings[Before];
-  std::string& after = entry.Strings[After];
-  const std::vector<std::string> old = LinesOf(before);
-  const std::vector<std::string> now = LinesOf(after);
-  if (old.size() != now.size()) return;
-  before.clear();
-  after.clear();
-  for (std::size_t i = 0; i < old.size(); ++i) {
-    if (old[i] == now[i]) continue;
-    before += old[i] + "\n";
-    after += now[i] + "\n";
+void KeepDifferences(RecordsChange& change) {
+  const std::vector<std::string> before = LinesOf(change.Before);
+  const std::vector<std::string> after = LinesOf(change.After);
+  if (before.size() != after.size()) return;
+  change = {};
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] == after[i]) continue;
+    change.Before += before[i] + "\n";
+    change.After += after[i] + "\n";
   }
 }
 
@@ -68,26 +61,24 @@ void Instrument::Change(const std::function<void()>& change,
     change();
     return;
   }
-  UndoEntry entry;
-  entry.Target = this;
-  entry.Strings[Before] = StateText();
+  RecordsChange records;
+  records.Before = StateText();
   changing_ = true;
   change();
   changing_ = false;
-  entry.Strings[After] = StateText();
-  if (entry.Strings[Before] == entry.Strings[After]) return;
-  KeepDifferences(entry);
-  entry.Description = caption();
-  history_->Push(entry);
+  records.After = StateText();
+  if (records.Before == records.After) return;
+  KeepDifferences(records);
+  history_->Push({this, caption(), std::move(records)});
   TellSettingsChanged();
 }
 
 void Instrument::Undo(const UndoEntry& entry) {
-  Restore(entry.Strings[Before]);
+  Restore(std::get<RecordsChange>(entry.What).Before);
 }
 
 void Instrument::Redo(const UndoEntry& entry) {
-  Restore(entry.Strings[After]);
+  Restore(std::get<RecordsChange>(entry.What).After);
 }
 
 void Instrument::Restore(const std::string& records) {
@@ -98,10 +89,12 @@ void Instrument::Restore(const std::string& records) {
 }
 
 Undoable::Merged Instrument::Merge(UndoEntry& earlier, const UndoEntry& later) const {
-  std::vector<std::string> before = LinesOf(earlier.Strings[Before]);
-  std::vector<std::string> after = LinesOf(earlier.Strings[After]);
-  const std::vector<std::string> laterBefore = LinesOf(later.Strings[Before]);
-  const std::vector<std::string> laterAfter = LinesOf(later.Strings[After]);
+  auto& whole = std::get<RecordsChange>(earlier.What);
+  const auto& last = std::get<RecordsChange>(later.What);
+  std::vector<std::string> before = LinesOf(whole.Before);
+  std::vector<std::string> after = LinesOf(whole.After);
+  const std::vector<std::string> laterBefore = LinesOf(last.Before);
+  const std::vector<std::string> laterAfter = LinesOf(last.After);
   const bool linesPair = before.size() == after.size() && laterBefore.size() == laterAfter.size();
   if (!linesPair) return Merged::No;
   for (std::size_t i = 0; i < laterBefore.size(); ++i) {
@@ -113,8 +106,7 @@ Undoable::Merged Instrument::Merge(UndoEntry& earlier, const UndoEntry& later) c
       after.push_back(laterAfter[i]);
     }
   }
-  earlier.Strings[Before] = Joined(before);
-  earlier.Strings[After] = Joined(after);
+  whole = {Joined(before), Joined(after)};
   earlier.Description = later.Description;
   return before == after ? Merged::Nothing : Merged::Yes;
 }

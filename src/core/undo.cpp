@@ -13,7 +13,7 @@ void ZelUndo::Attach(UndoItems* items) {
   ShowRedo(CanRedo());
 }
 
-void ZelUndo::Push(const UndoEntry& entry) {
+void ZelUndo::Push(UndoEntry entry) {
   if (suspended_ > 0) {
     missed_.insert(entry.Target);
     return;
@@ -25,7 +25,7 @@ void ZelUndo::Push(const UndoEntry& entry) {
   if (MergeIntoCurrent(entry)) return;
   if (current_ == Depth - 1) DropOldest();
   ++current_;
-  entries_[current_] = entry;
+  entries_[current_] = std::move(entry);
   ShowUndo();
   top_ = current_;
   ShowRedo(false);

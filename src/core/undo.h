@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <variant>
 
 namespace torvane {
 
@@ -27,14 +28,24 @@ class Undoable {
   }
 };
 
-/// One reversible change. Pointers are not owned and must outlive the history.
+/// From one number to another.
+struct NumberChange {
+  double Before = 0.0;
+  double After = 0.0;
+};
+
+/// The records in which a state differed from what it became.
+struct RecordsChange {
+  std::string Before;
+  std::string After;
+};
+
+/// One reversible change, of the kind that its target makes. The target is not owned and must
+/// outlive the history.
 struct UndoEntry {
   Undoable* Target = nullptr;
   std::string Description;  ///< shown as "Undo " + Description and "Redo " + Description
-  void* Object = nullptr;   ///< an extra reference that the target may need
-  std::array<std::int32_t, 4> Ints{};
-  std::array<double, 4> Doubles{};
-  std::array<std::string, 4> Strings;
+  std::variant<NumberChange, RecordsChange> What;
 };
 
 /// The user-interface items that a history drives.
@@ -60,7 +71,7 @@ class ZelUndo {
 
   /// Records a change that has just been made; the redo chain is forgotten and, when the history is
   /// full, the oldest change too.
-  void Push(const UndoEntry& entry);
+  void Push(UndoEntry entry);
   void Undo();
   void Redo();
 

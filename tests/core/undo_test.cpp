@@ -27,20 +27,22 @@ struct Dial : Undoable {
   Dial(ZelUndo& history, bool merges) : History(history), Merges(merges) {}
 
   void Turn(int value) {
-    UndoEntry entry;
-    entry.Target = this;
-    entry.Description = std::to_string(value);
-    entry.Ints = {Value, value};
+    const NumberChange change{static_cast<double>(Value), static_cast<double>(value)};
     Value = value;
-    History.Push(entry);
+    History.Push({this, std::to_string(value), change});
   }
-  void Undo(const UndoEntry& entry) override { Value = entry.Ints[0]; }
-  void Redo(const UndoEntry& entry) override { Value = entry.Ints[1]; }
+  void Undo(const UndoEntry& entry) override { Value = static_cast<int>(At(entry).Before); }
+  void Redo(const UndoEntry& entry) override { Value = static_cast<int>(At(entry).After); }
   Merged Merge(UndoEntry& earlier, const UndoEntry& later) const override {
     if (!Merges) return Undoable::Merge(earlier, later);
-    earlier.Ints[1] = later.Ints[1];
+    auto& change = std::get<NumberChange>(earlier.What);
+    change.After = std::get<NumberChange>(later.What).After;
     earlier.Description = later.Description;
-    return earlier.Ints[0] == earlier.Ints[1] ? Merged::Nothing : Merged::Yes;
+    return change.Before == change.After ? Merged::Nothing : Merged::Yes;
+  }
+
+  static const NumberChange& At(const UndoEntry& entry) {
+    return std::get<NumberChange>(entry.What);
   }
 
   ZelUndo& History;
