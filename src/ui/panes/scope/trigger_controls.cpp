@@ -6,7 +6,6 @@
 #include <limits>
 #include <utility>
 
-#include "instruments/setting_limits.h"
 #include "ui/widgets/check.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui_scope.h"
@@ -14,10 +13,6 @@
 namespace torvane {
 
 namespace {
-
-double LimitedTime(double seconds) {
-  return std::clamp(seconds, 0.0, LongestTime);
-}
 
 std::int32_t LimitedCount(double count) {
   constexpr double most = std::numeric_limits<std::int32_t>::max();
@@ -42,16 +37,14 @@ void TriggerControls::BindNumbers() {
           *ui_.ETrigPosition, [&](double percent) { trigger.SetPosition(percent); },
           [&] { return trigger.Position(); }),
       BindNumber(
-          *ui_.ETrigTInitDelay,
-          [&](double seconds) { trigger.SetInitialDelayTime(LimitedTime(seconds)); },
+          *ui_.ETrigTInitDelay, [&](double seconds) { trigger.SetInitialDelayTime(seconds); },
           [&] { return trigger.InitialDelayTime(); }),
       BindNumber(
           *ui_.ETrigNumEvents,
           [&](double count) { trigger.SetNumberOfEvents(LimitedCount(count)); },
           [&] { return trigger.NumberOfEvents(); }),
       BindNumber(
-          *ui_.ETrigTDelayAfter,
-          [&](double seconds) { trigger.SetDelayAfterTime(LimitedTime(seconds)); },
+          *ui_.ETrigTDelayAfter, [&](double seconds) { trigger.SetDelayAfterTime(seconds); },
           [&] { return trigger.DelayAfterTime(); }),
   };
 }
