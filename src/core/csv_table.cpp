@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/text.h"
+
 namespace torvane {
 namespace {
 
@@ -51,7 +53,7 @@ std::size_t CsvReader::TakeQuoted(char c, bool quoteFollows) {
 }
 
 void CsvReader::Take(char c) {
-  if (c == '"' && Trimmed().empty()) {
+  if (c == '"' && Trimmed(field_).empty()) {
     field_.clear();
     inQuotes_ = quoted_ = true;
   } else if (c == ',') {
@@ -62,21 +64,15 @@ void CsvReader::Take(char c) {
   }
 }
 
-std::string CsvReader::Trimmed() const {
-  const auto first = field_.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  return field_.substr(first, field_.find_last_not_of(" \t") + 1 - first);
-}
-
 void CsvReader::EndField() {
-  row_.Fields.push_back(quoted_ ? field_ : Trimmed());
+  row_.Fields.emplace_back(quoted_ ? field_ : Trimmed(field_));
   field_.clear();
   quoted_ = false;
 }
 
 // False of a blank line; the next one then begins the row.
 bool CsvReader::EndRow() {
-  if (!comma_ && !quoted_ && Trimmed().empty()) {
+  if (!comma_ && !quoted_ && Trimmed(field_).empty()) {
     row_.Line = line_;
     field_.clear();
     return false;

@@ -29,7 +29,6 @@ class CsvReader {
  private:
   std::size_t TakeQuoted(char c, bool quoteFollows);
   void Take(char c);
-  std::string Trimmed() const;
   void EndField();
   bool EndRow();
 

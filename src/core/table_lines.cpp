@@ -7,10 +7,7 @@
 namespace torvane {
 
 std::string_view TrimmedField(std::string_view text) {
-  constexpr std::string_view around = " \t\"";
-  const std::size_t first = text.find_first_not_of(around);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(around) - first + 1);
+  return Trimmed(text, " \t\"");
 }
 
 std::string_view WithoutByteOrderMark(std::string_view text) {

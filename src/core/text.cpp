@@ -15,16 +15,9 @@ namespace {
 constexpr int ShownDigits = 5;
 constexpr std::size_t ShownWidth = 8;
 
-std::string_view TrimBlanks(std::string_view text) {
-  constexpr std::string_view blanks = " \t";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 template <typename Number>
 std::optional<Number> ParseWhole(std::string_view text) {
-  text = TrimBlanks(text);
+  text = Trimmed(text);
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   Number value{};
   const char* const end = text.data() + text.size();
@@ -50,6 +43,12 @@ void DropTrailingZeros(std::string& number) {
 }
 
 }  // namespace
+
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
 
 std::optional<double> ParseNumber(std::string_view text) {
   const std::optional<double> value = ParseWhole<double>(text);

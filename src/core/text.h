@@ -7,6 +7,9 @@
 
 namespace torvane {
 
+/// The text without those characters at its ends.
+std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t");
+
 /// The number that the whole text stands for, surrounding blanks apart; nothing when the text is
 /// anything else or not finite. Independent of the locale.
 std::optional<double> ParseNumber(std::string_view text);

@@ -8,6 +8,7 @@
 #include "cli/model/long_run.h"
 #include "cli/model/model_options.h"
 #include "core/csv.h"
+#include "core/text.h"
 #include "instruments/step_clock.h"
 
 namespace torvane::cli {
@@ -17,22 +18,16 @@ struct RunOptions {
   ModelOptions Model;
   double Until = 0.0;
   double Every = 0.0;
-  std::string RecordRows;
+  std::string Record;
   std::string Out;
 };
-
-std::string TrimmedName(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
 
 std::vector<Variable*> RecordedSignals(const ZelBenchTop& bench, const std::string& list) {
   if (list.empty()) return OfferedSignals(bench);
   std::vector<Variable*> signals;
   std::istringstream names(list + ",");
   for (std::string name; std::getline(names, name, ',');) {
-    signals.push_back(&NamedSignal(bench, TrimmedName(name)));
+    signals.push_back(&NamedSignal(bench, std::string(Trimmed(name, " "))));
   }
   return signals;
 }
@@ -41,7 +36,7 @@ class Recording {
  public:
   Recording(const ZelBenchTop& bench, const RunOptions& options)
       : bench_(bench),
-        signals_(RecordedSignals(bench, options.RecordRows)),
+        signals_(RecordedSignals(bench, options.Record)),
         file_(options.Out, Delivery::Streamed) {
     std::vector<std::string> header{"Time"};
     for (const Variable* signal : signals_) header.push_back(signal->Name());
@@ -66,8 +61,7 @@ class Recording {
 };
 
 // A row goes to the step nearest to its multiple, and none comes twice.
-void RecordRows(ZelModel& model, const RunOptions& options, Recording& recording,
-                Console& console) {
+void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
   LongRun run(model, console, options.Until,
               Console::CanShowProgress(recording.File().IsStandardOutput()));
   StepClock clock(StepClock::Nearest);
@@ -86,7 +80,7 @@ void Run(const RunOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
   Recording recording(model->Bench(), options);
   try {
-    RecordRows(*model, options, recording, console);
+    Record(*model, options, recording, console);
   } catch (const CommandError& error) {
     throw CommandError(error.Code(), error.what() + recording.File().KeepRows());
   }
@@ -105,7 +99,7 @@ void AddRunCommand(CLI::App& app, Console& console) {
   AddNumber(*command, "--every", options->Every, NumberRange::Positive,
             "Simulated time between two rows, seconds")
       ->required();
-  command->add_option("--record", options->RecordRows, "Signals to record; all without it")
+  command->add_option("--record", options->Record, "Signals to record; all without it")
       ->type_name("A,B,...");
   command
       ->add_option("--out", options->Out,

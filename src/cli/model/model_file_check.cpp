@@ -21,12 +21,6 @@ std::string KeyOf(const Record& record) {
   return key;
 }
 
-std::string Trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
-}
-
 // A number may be written in many ways, and some are saved with fewer digits than a file may have.
 bool SameValue(const std::string& a, const std::string& b) {
   const auto x = ParseNumber(a);

@@ -92,9 +92,7 @@ double AsRecorded(double x) {
 std::string StorableField(const std::string& text) {
   std::string field;
   AppendField(field, text);
-  const auto first = field.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return field.substr(first, field.find_last_not_of(' ') - first + 1);
+  return std::string(Trimmed(field, " "));
 }
 
 void SaveDisplay(RecordWriter& writer, const WindowPlacement& placement) {

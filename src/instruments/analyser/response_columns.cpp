@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "core/names.h"
+#include "core/table_lines.h"
+#include "core/text.h"
 
 namespace torvane {
 
@@ -67,11 +69,9 @@ constexpr std::array WordRoles = {
     WordRole{"\xCF\x89", ResponseRole::Frequency},
 };
 
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view around = " \t\"_,/";
-  const std::size_t first = text.find_first_not_of(around);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(around) - first + 1);
+// A caption's or a unit's words alone.
+std::string_view Bare(std::string_view text) {
+  return Trimmed(text, " \t\"_,/");
 }
 
 // Takes the unit from the end of a caption: in brackets, or behind a blank, "/" or "_".
@@ -85,7 +85,7 @@ ResponseUnit TakeUnit(std::string_view& caption) {
     if (at == std::string_view::npos) continue;
     std::string_view unit = caption.substr(at + 1);
     unit = unit.substr(0, unit.find_first_of(")]"));
-    const ResponseUnit found = ResponseUnitOf(Trimmed(unit));
+    const ResponseUnit found = ResponseUnitOf(Bare(unit));
     if (found == ResponseUnit::Unknown) continue;
     caption = caption.substr(0, at);
     return found;
@@ -114,19 +114,17 @@ ResponseUnit UnitWithout(ResponseRole role, std::string_view word) {
 
 std::array<std::string, 3> ThreeFields(std::string_view text, bool& whole) {
   std::array<std::string, 3> fields;
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    const std::size_t end = text.find(',');
-    whole = whole && (end == std::string_view::npos) == (i + 1 == fields.size());
-    fields[i] = Trimmed(text.substr(0, end));
-    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
-  }
+  const TableFields found = SplitTableLine(text, ',', fields.size() + 1);
+  whole = whole && found.size() == fields.size();
+  for (std::size_t i = 0; i < std::min(found.size(), fields.size()); ++i)
+    fields[i] = Bare(found[i]);
   return fields;
 }
 
 }  // namespace
 
 ResponseUnit ResponseUnitOf(std::string_view text) {
-  const std::string name = Lower(std::string(Trimmed(text)));
+  const std::string name = Lower(std::string(Bare(text)));
   const auto found = std::find_if(UnitNames.begin(), UnitNames.end(),
                                   [&](const UnitName& unit) { return unit.Name == name; });
   return found == UnitNames.end() ? ResponseUnit::Unknown : found->Unit;
@@ -149,7 +147,7 @@ ResponseRole RoleOf(ResponseUnit unit) {
 
 ResponseColumn ReadResponseCaption(std::string_view caption) {
   ResponseColumn column;
-  caption = Trimmed(caption);
+  caption = Bare(caption);
   const bool magnitude = caption.find('|') != std::string_view::npos;
   column.Unit = TakeUnit(caption);
   const std::vector<std::string_view> words = Words(caption);
@@ -173,7 +171,7 @@ ResponseColumn ReadResponseCaption(std::string_view caption) {
     return column;
   }
   column.Role = magnitude ? ResponseRole::Gain : RoleOf(column.Unit);
-  column.Name = Trimmed(caption);
+  column.Name = Bare(caption);
   return column;
 }
 

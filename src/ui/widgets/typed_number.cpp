@@ -13,12 +13,6 @@ constexpr std::pair<std::string_view, const char*> Suffixes[] = {
     {"p", "e-12"}, {"n", "e-9"}, {"u", "e-6"}, {"\u00b5", "e-6"}, {"\u03bc", "e-6"},
     {"m", "e-3"},  {"k", "e3"},  {"M", "e6"},  {"G", "e9"}};
 
-std::string_view Trimmed(std::string_view text) {
-  while (text.ends_with(' ')) text.remove_suffix(1);
-  while (text.starts_with(' ')) text.remove_prefix(1);
-  return text;
-}
-
 }  // namespace
 
 std::string WithoutSuffix(const std::string& text) {
