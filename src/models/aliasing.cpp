@@ -9,9 +9,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-double nextSample = 0.0;
-
 /// A bare sample-and-hold: shows the alias of a signal that is sampled too slowly.
 ///
 ///     vC -> sample and hold -> vSample
@@ -35,6 +32,9 @@ class MAliasing final : public FusedModel<MAliasing> {
  private:
   Constant tSample_{Bench(), "TSample", "Sec", Adjustable(0.001, 0.0001, 100),
                     "Time between two samples"};
+
+  // Class memory.
+  inline static double nextSample = 0.0;
 
   Signals signals_{Bench(),
                    {{loop_.vC, "vC", "volts", Shown(1, 2), "The signal before it is sampled"},

@@ -9,10 +9,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPF;
-double outputInstant = 0.0;
-
 /// Sampled PI velocity loop with encoder feedback and a choice of how velocity is estimated from
 /// position.
 ///
@@ -40,6 +36,10 @@ class MDigitalPI final : public FusedModel<MDigitalPI> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};

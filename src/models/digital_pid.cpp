@@ -9,10 +9,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPF;
-double outputInstant = 0.0;
-
 /// Sampled PID velocity loop: the pattern of the other sampled velocity loops.
 ///
 ///     vC -> PID -> iC, late by TCalc -> current loop -> iF
@@ -39,6 +35,10 @@ class MDigitalPID final : public FusedModel<MDigitalPID> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};

@@ -10,10 +10,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPF;
-double outputInstant = 0.0;
-
 /// Sampled PI velocity loop with a disturbance torque, and a feed-forward that decouples the loop
 /// from the filtered disturbance.
 ///
@@ -52,6 +48,10 @@ class MDisturbance final : public FusedModel<MDisturbance> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};

@@ -10,11 +10,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPF;
-PreviousSample previousVC;
-double outputInstant = 0.0;
-
 /// Sampled PI velocity loop with acceleration feed-forward, with or without the inverse of the
 /// power converter in its path. The estimates scale the feed-forward only; the plant has its own
 /// constants.
@@ -46,6 +41,11 @@ class MFeedForward final : public FusedModel<MFeedForward> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPF;
+  inline static PreviousSample previousVC;
+  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};

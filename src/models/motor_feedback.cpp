@@ -12,10 +12,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPF;
-double outputInstant = 0.0;
-
 constexpr double ArcMinute = 1.0 / (60.0 * RadToDeg);  // radians
 
 /// Sampled PI velocity loop on a position sensor of coarse resolution and cyclic error, with two
@@ -51,6 +47,10 @@ class MMotorFeedback final : public FusedModel<MMotorFeedback> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
 
   Constant res_{Bench(), "Res", "Counts/rev", Adjustable(4000, 100, 1e10),
                 "Resolution of the position sensor"};

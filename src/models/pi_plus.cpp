@@ -9,9 +9,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPM;
-
 /// The smallest sampled velocity loop: a PI+ controller around a current loop and an inertia, with
 /// neither calculation delay nor encoder resolution.
 ///
@@ -46,6 +43,9 @@ class MPiPlus final : public FusedModel<MPiPlus> {
   Constant j_{Bench(), "J", "kg-m^2", Adjustable(0.002, 0.0001, 0.01), "Inertia of motor and load"};
   Constant tSample_{Bench(), "TSample", "sec", Adjustable(0.00025, 1e-5, 0.01),
                     "Time between two samples"};
+
+  // Class memory.
+  inline static PreviousSample previousPM;
 
   Signals signals_{
       Bench(),

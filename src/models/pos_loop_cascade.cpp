@@ -9,11 +9,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousVPC;
-PreviousSample previousPF;
-double outputInstant = 0.0;
-
 /// Proportional position loop around a sampled PI+ velocity loop, with velocity and acceleration
 /// feed-forward.
 ///
@@ -49,6 +44,11 @@ class MPosLoopCascade final : public FusedModel<MPosLoopCascade> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousVPC;
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
 
   Constant kp_{Bench(), "KP", "mps/m", Adjustable(250, 0, 1000),
                "Gain of the position loop: velocity command per position error"};

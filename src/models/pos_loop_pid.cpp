@@ -10,13 +10,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousVPC;
-PreviousSample previousPF;
-double outputInstant = 0.0;
-double integral = 0.0;
-bool errorWasPositive = false;
-
 /// Sampled PID position controller that commands current directly.
 ///
 ///     KPP pE + KPI sum of pE + KPD (vPC - vF) + feed-forward -> limit -> iC, late by TCalc
@@ -54,6 +47,13 @@ class MPosLoopPID final : public FusedModel<MPosLoopPID> {
  private:
   void Sample(Loop& s, double t);
   void Integrate(const Loop& s);
+
+  // Class memory.
+  inline static PreviousSample previousVPC;
+  inline static PreviousSample previousPF;
+  inline static double outputInstant = 0.0;
+  inline static double integral = 0.0;
+  inline static bool errorWasPositive = false;
 
   Constant kpd_{Bench(), "KPD", "", Adjustable(1.1, 0, 1000),
                 "Derivative gain of the position loop (Amps per rad/s)"};

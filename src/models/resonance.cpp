@@ -12,11 +12,6 @@ namespace torvane {
 
 namespace {
 
-// Class memory.
-PreviousSample previousPM;
-PreviousSample previousPL;
-double outputInstant = 0.0;
-
 /// Sampled PI+ velocity loop around two inertias on a compliant shaft, fed back with a mix of motor
 /// and load velocity. The coefficients of its sampled filters follow their own constants only.
 ///
@@ -53,6 +48,11 @@ class MResonance final : public FusedModel<MResonance> {
 
  private:
   void Sample(Loop& s, double t);
+
+  // Class memory.
+  inline static PreviousSample previousPM;
+  inline static PreviousSample previousPL;
+  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};

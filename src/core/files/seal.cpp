@@ -5,7 +5,7 @@
 namespace torvane {
 namespace {
 
-constexpr std::string_view Keyword = "Sealed,";
+constexpr std::string_view SealedKeyword = "Sealed,";
 
 // FNV-1a, 64 bits: against accidents, not against forgers.
 std::uint64_t Checksum(std::string_view text) {
@@ -17,8 +17,8 @@ std::uint64_t Checksum(std::string_view text) {
 }
 
 std::string SealOf(std::string_view text) {
-  return std::string(Keyword) + std::to_string(text.size()) + "," + std::to_string(Checksum(text)) +
-         "\r\n";
+  return std::string(SealedKeyword) + std::to_string(text.size()) + "," +
+         std::to_string(Checksum(text)) + "\r\n";
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ std::string ChecksumText(std::string_view text) {
 }
 
 std::optional<std::string> Unsealed(std::string_view sealed) {
-  const std::size_t line = sealed.rfind(Keyword);
+  const std::size_t line = sealed.rfind(SealedKeyword);
   if (line == std::string_view::npos || line == 0) return {};
   const std::string_view text = sealed.substr(0, line);
   if (sealed.substr(line) != SealOf(text)) return {};

@@ -49,8 +49,8 @@ JumpTime JumpBetween(const ZelBenchTop& bench, double from, double to) {
     if (at) jump = at;
   }
   if (!jump || !(step > 0.0)) return between;
-  constexpr double Rounding = 1e-9;  // of a step
-  return {std::min(to, from + std::ceil((*jump - from) / step - Rounding) * step), 0.0, step};
+  constexpr double RoundingError = 1e-9;  // of a step
+  return {std::min(to, from + std::ceil((*jump - from) / step - RoundingError) * step), 0.0, step};
 }
 
 StepMeasures MeasureStep(const ZelScope& scope, const StepTraces& traces) {
