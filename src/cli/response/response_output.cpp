@@ -12,10 +12,10 @@
 namespace torvane::cli {
 namespace {
 
-constexpr int Digits = 6;  // of what is read off a curve
+constexpr int MarginDigits = 6;  // of what is read off a curve
 
 std::string Number(double x) {
-  return FormatGeneral(x, Digits, 2);
+  return FormatGeneral(x, MarginDigits, 2);
 }
 
 std::string Optional(const std::optional<double>& x) {
