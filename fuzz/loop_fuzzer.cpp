@@ -16,17 +16,15 @@ using fuzz::Require;
 // the sanitizers watch.
 void RunShortly(const loops::LoopPlan& plan) {
   loops::LoopMachine machine(plan);
-  for (const auto& constant : plan.Constants) {
-    machine.Register(constant.Register) = constant.Default;
-  }
-  machine.Prepare();
+  machine.Prepare(plan.Defaults());
+  machine.Begin(0.0);
   for (int step = 0; step < 3; ++step) {
     const double t = step * plan.Step;
     machine.BeginStep(t);
     machine.Evaluate(t);
     machine.Evaluate(t + plan.Step / 2);
   }
-  machine.Reset(ResetKind::Everything, 0.0);
+  machine.Begin(3 * plan.Step);
 }
 
 }  // namespace

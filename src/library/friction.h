@@ -23,6 +23,13 @@ class ZelFricCalc {
   /// A travel that is not positive is reported and becomes 1e-10, a negative torque 0.
   explicit ZelFricCalc(const FrictionSettings& settings);
 
+  /// Other parameters from now on; what sticks stays where it stuck. None out of its range.
+  void SetSettings(const FrictionSettings& settings) {
+    tC_ = settings.TC;
+    tS_ = settings.TS;
+    pS_ = settings.PS;
+  }
+
   /// The friction torque at this position and velocity; it opposes motion, so it is negative while
   /// sliding forwards. Moves the anchor and the motion state along.
   double Friction(double position, double velocity);

@@ -41,6 +41,13 @@ void TwoInertiaMechanism::FollowReset(ResetKind kind) {
   loadFriction_.Reset(kind);
 }
 
+void TwoInertiaMechanism::SetSettings(const MechanismSettings& settings) {
+  parameters_ = settings;
+  motorFriction_.SetSettings(settings.MotorFriction);
+  loadFriction_.SetSettings(settings.LoadFriction);
+  frictionless_ = motorFriction_.None() && loadFriction_.None();
+}
+
 void TwoInertiaMechanism::SetJM(double inertia) {
   parameters_.JM = Positive(inertia, "Zel2JMech, jM");
 }

@@ -66,6 +66,10 @@ class TwoInertiaMechanism {
   const Side& Load() const { return load_; }
   double ShaftTorque() const { return shaftTorque_; }
 
+  /// Other parameters from now on, none out of its range, KS and KCV as in SetKS; what sticks stays
+  /// where it stuck.
+  void SetSettings(const MechanismSettings& settings);
+
   /// An inertia that is not positive is reported and becomes 1e-10.
   void SetJM(double inertia);
   void SetJL(double inertia);

@@ -12,6 +12,9 @@ namespace torvane {
 
 namespace {
 
+// What is computed for each frequency grows with its third power: to minutes beyond.
+constexpr Eigen::Index MostNumbers = 150;
+
 LoopProbe::Mark Copied(const Carried& carried, double time) {
   LoopProbe::Mark mark(sizeof time);
   std::memcpy(mark.data(), &time, sizeof time);
@@ -98,6 +101,11 @@ LoopProbe::LoopProbe(ZelModel& model)
   injection_ = std::make_unique<Injection>(model_.Bench());
   CarryModel(model_, carried_);
   numbers_ = carried_.Numbers();
+  if (Count() > MostNumbers) {
+    throw LinearFault("the loop carries " + std::to_string(Count()) +
+                      " numbers from step to step, a dead time one for each step; at most " +
+                      std::to_string(MostNumbers) + " can be followed");
+  }
   scales_.assign(numbers_.size(), 1.0);
   const auto scale = [&](const Variable& variable) {
     const auto found = std::find(numbers_.begin(), numbers_.end(), &variable.Value);

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/names.h"
+#include "instruments/analyser/analyser.h"
 #include "loops/checker.h"
 
 // What the model's annotation says of its step and its instruments.
@@ -16,6 +16,9 @@ constexpr double LongestStep = 10.0;
 }  // namespace
 
 void Checker::TakeAnnotation() {
+  CheckAnnotation(text_.Annotation,
+                  {"experiment", "Documentation", "Icon", "Diagram", "version", "uses"},
+                  "__Torvane", {"scope", "responses", "analysers", "picture"});
   if (const Modifier* const experiment = Find(text_.Annotation, "experiment")) {
     const std::optional<double> step = LiteralOf(experiment->Inside, "Interval");
     if (step && !(*step >= ShortestStep && *step <= LongestStep)) {
@@ -29,7 +32,6 @@ void Checker::TakeAnnotation() {
   }
   const Modifier* const vendor = Find(text_.Annotation, "__Torvane");
   if (!vendor) return;
-  RefuseModifiersBut(vendor->Inside, {"scope", "responses", "analysers", "picture"}, "__Torvane");
   plan_->Instruments.Picture = TextOf(vendor->Inside, "picture");
   if (const Modifier* const scope = Find(vendor->Inside, "scope")) TakeScope(*scope);
   if (const Modifier* const responses = Find(vendor->Inside, "responses")) {
@@ -37,6 +39,24 @@ void Checker::TakeAnnotation() {
   }
   if (const Modifier* const analysers = Find(vendor->Inside, "analysers")) {
     TakeAnalysers(*analysers);
+  }
+  CheckInstruments(*vendor);
+}
+
+// Analysers excite the command; without one there are none.
+void Checker::CheckInstruments(const Modifier& vendor) {
+  const bool excited = std::any_of(plan_->Sources.begin(), plan_->Sources.end(),
+                                   [](const auto& source) { return source.Excited; });
+  for (const char* const idle : {"responses", "analysers"}) {
+    const Modifier* const given = Find(vendor.Inside, idle);
+    if (!given || excited) continue;
+    problems_.Warn(given->Where, std::string("the ") + idle + " do nothing without a " +
+                                     std::string(CommandName) + " to excite");
+  }
+  constexpr std::size_t Most = FrequencyAnalyser::MaxSetups;
+  if (plan_->Instruments.Pairs.size() > Most) {
+    problems_.Error(Find(vendor.Inside, "responses")->Where,
+                    "there can be " + std::to_string(Most) + " responses at most");
   }
 }
 
@@ -53,14 +73,18 @@ void Checker::TakeScope(const Modifier& scope) {
 // The name under which instruments know a signal.
 std::string Checker::SignalNamed(const Modifier* name) {
   if (!name || !name->Value) return {};
-  std::vector<std::string> offered;
-  for (std::size_t i = 0; i < signals_.size(); ++i) {
-    if (!plan_->Signals[i].Offered) continue;
-    const std::string& own = signals_[i].Text->Name;
-    if (name->Value->IsName() && name->Value->Text == own) return plan_->Signals[i].Name;
-    offered.push_back(own);
+  const auto found = name->Value->IsName() ? symbols_.find(name->Value->Text) : symbols_.end();
+  if (found != symbols_.end() && found->second.What == Symbol::Kind::Signal) {
+    const LoopPlan::Signal& signal = plan_->Signals[found->second.Index];
+    if (signal.Offered) return signal.Name;
   }
-  problems_.Error(name->Value->Where, UnknownNameText("signal", name->Value->Text, offered));
+  problems_.Unknown(name->Value->Where, "signal", name->Value->Text, [this] {
+    std::vector<std::string> offered;
+    for (std::size_t i = 0; i < signals_.size(); ++i) {
+      if (plan_->Signals[i].Offered) offered.push_back(signals_[i].Text->Name);
+    }
+    return offered;
+  });
   return {};
 }
 
@@ -81,8 +105,18 @@ void Checker::TakeResponses(const Modifier& responses) {
     if (!loop.empty() && loop != "open" && loop != "closed") {
       problems_.Error(response.Where, "kind is \"open\" or \"closed\"");
     }
+    if (loop == "open" && !instruments.Loop.Input.empty() && !instruments.Loop.FromClosed) {
+      problems_.Warn(response.Where, "another response is the open loop already");
+    }
     // The open loop measured as it is tells more than the one computed from the closed.
-    if (loop == "open" || (loop == "closed" && instruments.Loop.Input.empty())) {
+    const bool margins = loop == "open" || (loop == "closed" && instruments.Loop.Input.empty());
+    for (const char* const which : {"meanwhile", "linear"}) {
+      const Modifier* const idle = margins ? nullptr : Find(response.Inside, which);
+      if (!idle) continue;
+      problems_.Warn(idle->Where, Quoted(which) + " does nothing here: no margins come of \"" +
+                                      response.Name + "\"");
+    }
+    if (margins) {
       instruments.Loop.Input = pair.Input;
       instruments.Loop.Output = pair.Output;
       instruments.Loop.FromClosed = loop == "closed";
@@ -111,10 +145,11 @@ void Checker::TakeConditions(const Modifier& conditions,
       }
     }
     if (!constant) {
-      std::vector<std::string> names;
-      for (const Parameter& parameter : parameters_) names.push_back(parameter.Text->Name);
-      problems_.Error(condition.Where,
-                      UnknownNameText("adjustable parameter", condition.Name, names));
+      problems_.Unknown(condition.Where, "adjustable parameter", condition.Name, [this] {
+        std::vector<std::string> names;
+        for (const Parameter& parameter : parameters_) names.push_back(parameter.Text->Name);
+        return names;
+      });
       continue;
     }
     if (!condition.Value) continue;
@@ -127,7 +162,13 @@ void Checker::TakeConditions(const Modifier& conditions,
       problems_.Error(condition.Value->Where, "a plain value is needed here");
       continue;
     }
-    taken.emplace_back(constant->Name, *value * constant->Factor - constant->First);
+    const double shown = *value * constant->Factor - constant->First;
+    const bool inList = shown >= 0.0 && shown < static_cast<double>(constant->Choices.size());
+    if (constant->Choices.empty() ? !(shown >= constant->Min && shown <= constant->Max) : !inList) {
+      problems_.Error(condition.Value->Where,
+                      "this is not between the limits of " + Quoted(condition.Name));
+    }
+    taken.emplace_back(constant->Name, shown);
   }
 }
 
@@ -145,6 +186,9 @@ void Checker::TakeAnalysers(const Modifier& analysers) {
   instruments.Amplitude = positive("amplitude");
   instruments.SweepTo = positive("sweepTo");
   instruments.SettleTime = LiteralOf(analysers.Inside, "settleTime");
+  if (instruments.SettleTime && *instruments.SettleTime < 0.0) {
+    problems_.Error(analysers.Where, "settleTime must not be below 0");
+  }
   instruments.FftSamplePeriod = positive("samplePeriod");
   if (const std::optional<double> order = positive("order")) {
     constexpr double Smallest = 3.0;

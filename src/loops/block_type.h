@@ -31,8 +31,8 @@ struct BlockParameter {
 /// What a block is given with its numbers.
 struct BlockMaking {
   Wiring Numbers;
-  const ControllerClock* Clock;  ///< of a sampled block
-  double Step;                   ///< of the solver, seconds
+  const ControllerClock* Clock = nullptr;  ///< of a sampled block
+  double Step = 0.0;                       ///< of the solver, seconds
 };
 
 /// How a kind of block is made, and its Output and Update as instructions.
@@ -69,12 +69,15 @@ struct BlockType {
   std::vector<BlockParameter> Parameters;
   std::vector<std::string_view> Outputs;
   BlockCode Code;
-  /// How many states it has.
+  /// How many states it has; those of a sampled block are its own.
   int (*States)(const Placing& placing) = nullptr;
   /// Whether its outputs act on its inputs at once; without it they do, unless the block is late.
   bool (*Through)(const Placing& placing) = nullptr;
   /// What is wrong with the sizes of its lists; nullptr when nothing is.
   const char* (*WrongSizes)(const Placing& placing) = nullptr;
+
+  /// It has an Update.
+  bool Moves() const { return When == Timing::Late || States || Through; }
 };
 
 /// All blocks but the sources.

@@ -1,6 +1,7 @@
 #include "loops/checker.h"
 
 #include <algorithm>
+#include <set>
 
 #include "loops/generator.h"
 
@@ -27,6 +28,7 @@ std::shared_ptr<const LoopPlan> Checker::Check() {
            "an algebraic loop: each of these has to be known before the next; put a state, a "
            "sample or a Torvane.Continuous.Memory between them");
   if (!parameters || !signals || problems_.HasErrors()) return nullptr;
+  for (const Node& node : constants_) plan_->Follow.push_back({node.Name, node.Where, node.Target});
   Generate(*plan_, constants_, nodes_, previous_);
   const std::size_t size = plan_->AtRun.size() + plan_->AtStep.size() + plan_->Evaluation.size();
   if (plan_->Registers > MaxRegisters || size > MaxInstructions) {
@@ -40,20 +42,17 @@ std::shared_ptr<const LoopPlan> Checker::Check() {
 
 // Files and instruments know constants, signals and sources by names that the annotation may give.
 void Checker::FindDoubleNames() {
-  const auto find = [&](auto& items, const auto& placeOf, const char* what) {
-    for (std::size_t i = 0; i < items.size(); ++i) {
-      const auto same =
-          std::find_if(items.begin(), items.begin() + static_cast<std::ptrdiff_t>(i),
-                       [&](const auto& other) { return other.Name == items[i].Name; });
-      if (same == items.begin() + static_cast<std::ptrdiff_t>(i)) continue;
-      problems_.Error(placeOf(i),
-                      std::string("two ") + what + " have the name \"" + items[i].Name + "\"");
+  const auto find = [&](const auto& items, const char* what) {
+    std::set<std::string_view> names;
+    for (const auto& item : items) {
+      if (names.insert(item.Name).second) continue;
+      problems_.Error(text_.Where,
+                      std::string("two ") + what + " have the name \"" + item.Name + "\"");
     }
   };
-  const auto inModel = [&](std::size_t /*index*/) { return text_.Where; };
-  find(plan_->Constants, inModel, "constants");
-  find(plan_->Sources, inModel, "sources");
-  find(plan_->Instruments.Pairs, inModel, "responses");
+  find(plan_->Constants, "constants");
+  find(plan_->Sources, "sources");
+  find(plan_->Instruments.Pairs, "responses");
   std::vector<LoopPlan::Signal> offered;
   for (const LoopPlan::Signal& signal : plan_->Signals) {
     if (signal.Name == "Time") {
@@ -61,7 +60,7 @@ void Checker::FindDoubleNames() {
     }
     if (signal.Offered) offered.push_back(signal);
   }
-  find(offered, inModel, "signals");
+  find(offered, "signals");
 }
 
 }  // namespace torvane::loops

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,28 +27,28 @@ class Checker {
   struct Symbol {
     /// Wrong: what it is nobody knows, which has been reported.
     enum class Kind { Parameter, Signal, Block, Source, Enumeration, Wrong };
-    Kind What;
-    std::size_t Index;
+    Kind What = Kind::Wrong;
+    std::size_t Index = 0;
   };
   struct Parameter {
-    const Component* Text;
-    int Register;
-    Term::Type What;
+    const Component* Text = nullptr;
+    int Register = -1;
+    Term::Type What = Term::Type::Number;
     int Enumeration = -1;
     std::optional<Unit> Dimension;
   };
   struct SignalDraft {
-    const Component* Text;
-    int Register;
+    const Component* Text = nullptr;
+    int Register = -1;
     int State = -1;
     int Previous = -1;  ///< register of its value before this evaluation, when that is asked for
     std::optional<Unit> Dimension;
     bool Defined = false;
   };
   struct BlockDraft {
-    const Component* Text;
-    const BlockType* Type;
-    std::size_t Planned;  ///< its position among the plan's
+    const Component* Text = nullptr;
+    const BlockType* Type = nullptr;
+    std::size_t Planned = 0;  ///< its position among the plan's
   };
   /// Where an expression stands.
   struct Context {
@@ -71,8 +72,15 @@ class Checker {
   void DeclareBlock(const Component& component, const BlockType& type);
   void DeclareSource(const Component& component, bool excited);
   void CountStates(std::map<std::string, Place>& integrated);
-  void RefuseModifiersBut(const std::vector<Modifier>& modifiers,
-                          const std::vector<std::string>& known, const std::string& of);
+  using Words = std::vector<std::string_view>;
+  void RefuseModifiersBut(const std::vector<Modifier>& modifiers, const Words& known,
+                          std::string_view of);
+  static Words WordsFor(const Component& component);
+  double ShowInUnit(const Component& component, std::string& unit);
+  void RefuseTwice(const std::vector<Modifier>& modifiers);
+  void CheckAnnotation(const std::vector<Modifier>& annotation, Words known, std::string_view of,
+                       const Words& words);
+  void DoubtLimits(const Component& component, const std::string& why);
   std::optional<double> LiteralOf(const std::vector<Modifier>& modifiers, const std::string& name);
   std::string TextOf(const std::vector<Modifier>& modifiers, const std::string& name);
   bool TruthOf(const std::vector<Modifier>& modifiers, const std::string& name);
@@ -95,7 +103,7 @@ class Checker {
   bool IsLateOutput(int reg) const;
   void TakeInputs(const BlockDraft& block, LoopPlan::Block& planned);
   int DelayBlock(const Expression& call, const Context& context);
-  int ClockOf(const Expression& start, const Expression& period, Place where);
+  int ClockOf(const Expression& start, const Expression& period, Place where, bool compareUnits);
 
   // Expressions.
   Term Resolve(const Expression& expression, const Context& context);
@@ -136,6 +144,7 @@ class Checker {
   void TakeAnalysers(const Modifier& analysers);
   void TakeConditions(const Modifier& conditions,
                       std::vector<std::pair<std::string, double>>& taken);
+  void CheckInstruments(const Modifier& vendor);
   std::string SignalNamed(const Modifier* name);
 
   int NewRegister() { return plan_->Registers++; }
@@ -150,6 +159,7 @@ class Checker {
   std::map<double, int> numbers_;
   std::vector<Node> constants_;  ///< what parameters are computed from
   std::vector<Node> nodes_;
+  std::map<int, Place> assigned_;              ///< by register, where its equation is
   std::vector<std::pair<int, int>> previous_;  ///< register, and where its last value is kept
 };
 

@@ -2,7 +2,6 @@
 #include <cmath>
 #include <set>
 
-#include "core/names.h"
 #include "loops/checker.h"
 #include "loops/parser.h"
 #include "loops/source_settings.h"
@@ -82,6 +81,7 @@ void Checker::CountStates(std::map<std::string, Place>& integrated) {
     if (component.Type == "Real" && integrated.contains(component.Name)) ++states;
   }
   std::size_t placed = states;
+  std::size_t remembered = 0;  // of sampled blocks, which the solver does not integrate
   for (const Component& component : text_.Components) {
     const BlockType* const type = FindBlockType(component.Type);
     if (!type) continue;
@@ -91,7 +91,9 @@ void Checker::CountStates(std::map<std::string, Place>& integrated) {
     planned.Type = type;
     TakeSizes(*type, component, planned.Numbers);
     const char* const wrong = type->WrongSizes ? type->WrongSizes(planned.Numbers) : nullptr;
-    if (type->States && !wrong) {
+    if (type->States && !wrong && type->When == BlockType::Timing::Sampled) {
+      remembered += static_cast<std::size_t>(type->States(planned.Numbers));
+    } else if (type->States && !wrong) {
       planned.Numbers.FirstState = static_cast<int>(placed);
       planned.Numbers.States = type->States(planned.Numbers);
       placed += static_cast<std::size_t>(planned.Numbers.States);
@@ -99,22 +101,26 @@ void Checker::CountStates(std::map<std::string, Place>& integrated) {
     blocks_.push_back({&component, type, plan_->Blocks.size()});
     plan_->Blocks.push_back(std::move(planned));
   }
-  if (placed > MaxStates) {
-    problems_.Error(text_.Where, "the loop has " + std::to_string(placed) + " states; at most " +
-                                     std::to_string(MaxStates) + " can be integrated");
+  if (placed + remembered > MaxStates) {
+    problems_.Error(text_.Where, "the loop has " + std::to_string(placed + remembered) +
+                                     " states; at most " + std::to_string(MaxStates) +
+                                     " can be followed");
   }
   plan_->States.resize(placed);
-  plan_->Time = static_cast<int>(2 * placed);
+  plan_->Time = 2 * static_cast<int>(placed);
   plan_->Registers = plan_->Time + 1;
   for (const LoopPlan::Block& block : plan_->Blocks) {
-    for (int i = 0; i < block.Numbers.States; ++i) {
-      plan_->States[static_cast<std::size_t>(block.Numbers.FirstState + i)].Name =
-          block.Name + " #" + std::to_string(i + 1);
+    const auto first = static_cast<std::size_t>(block.Numbers.FirstState);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(block.Numbers.States); ++i) {
+      plan_->States[first + i].Name = block.Name + " #" + std::to_string(i + 1);
     }
   }
 }
 
 void Checker::Declare(const Component& component, const std::map<std::string, Place>& integrated) {
+  CheckAnnotation(component.Annotation,
+                  {"Placement", "Dialog", "choices", "Evaluate", "HideResult", "Documentation"},
+                  "__Torvane of \"" + component.Name + "\"", WordsFor(component));
   if (component.Type == CommandName || component.Type == GeneratorName) {
     DeclareSource(component, component.Type == CommandName);
   } else if (const BlockType* const type = FindBlockType(component.Type)) {
@@ -138,9 +144,11 @@ void Checker::Declare(const Component& component, const std::map<std::string, Pl
                                              component.Type +
                                              "\", and a condition can stand in the if itself");
   } else {
-    std::vector<std::string> names{"Real", std::string(CommandName), std::string(GeneratorName)};
-    for (const BlockType& known : BlockTypes()) names.emplace_back(known.Name);
-    problems_.Error(component.TypeWhere, UnknownNameText("type", component.Type, names));
+    problems_.Unknown(component.TypeWhere, "type", component.Type, [] {
+      std::vector<std::string> names{"Real", std::string(CommandName), std::string(GeneratorName)};
+      for (const BlockType& known : BlockTypes()) names.emplace_back(known.Name);
+      return names;
+    });
     // What is meant by it is known no more than its type.
     symbols_.emplace(component.Name, Symbol{Symbol::Kind::Wrong, 0});
   }
@@ -157,6 +165,28 @@ bool Checker::TakeName(const Component& component, Symbol symbol) {
   return false;
 }
 
+// What __Torvane can say of a component.
+Checker::Words Checker::WordsFor(const Component& component) {
+  const bool source = component.Type == CommandName || component.Type == GeneratorName;
+  if (source || component.How == Component::Prefix::Parameter) return {"name"};
+  return component.Type == "Real" ? Words{"name", "scale", "offset", "show"} : Words{};
+}
+
+// The factor to what is shown, with the unit that is shown then.
+double Checker::ShowInUnit(const Component& component, std::string& unit) {
+  unit = TextOf(component.Modifiers, "unit");
+  const std::string shownUnit = TextOf(component.Modifiers, "displayUnit");
+  if (shownUnit.empty()) return 1.0;
+  const std::optional<double> factor = DisplayFactor(unit, shownUnit);
+  if (!factor) {
+    problems_.Warn(component.Where, "no factor leads from \"" + unit + "\" to \"" + shownUnit +
+                                        "\"; " + Quoted(component.Name) + " is shown as it is");
+    return 1.0;
+  }
+  unit = shownUnit;
+  return *factor;
+}
+
 void Checker::DeclareParameter(const Component& component) {
   Parameter parameter{&component, NewRegister(), Term::Type::Unknown, -1, UnitOf(component)};
   const auto type = symbols_.find(component.Type);
@@ -168,10 +198,11 @@ void Checker::DeclareParameter(const Component& component) {
     parameter.What = Term::Type::Choice;
     parameter.Enumeration = static_cast<int>(type->second.Index);
   } else {
-    std::vector<std::string> names{"Real", "Integer", "Boolean"};
-    for (const Enumeration& known : text_.Enumerations) names.push_back(known.Name);
-    problems_.Error(component.TypeWhere,
-                    UnknownNameText("type of a parameter", component.Type, names));
+    problems_.Unknown(component.TypeWhere, "type of a parameter", component.Type, [this] {
+      std::vector<std::string> names{"Real", "Integer", "Boolean"};
+      for (const Enumeration& known : text_.Enumerations) names.push_back(known.Name);
+      return names;
+    });
   }
   if (!TakeName(component, {Symbol::Kind::Parameter, parameters_.size()})) return;
   RefuseModifiersBut(component.Modifiers, {"unit", "displayUnit", "min", "max", "quantity"},
@@ -189,6 +220,7 @@ void Checker::DeclareSignal(const Component& component, int state) {
   RefuseModifiersBut(component.Modifiers,
                      {"unit", "displayUnit", "start", "fixed", "min", "max", "nominal", "quantity"},
                      "a signal");
+  DoubtLimits(component, "a signal has none; Torvane.Nonlinear.Limiter limits");
   signals_.push_back(signal);
 
   LoopPlan::Signal planned;
@@ -197,20 +229,8 @@ void Checker::DeclareSignal(const Component& component, int state) {
   planned.Register = signal.Register;
   planned.State = state;
   planned.Offered = !component.Protected;
-  planned.Unit = TextOf(component.Modifiers, "unit");
-  const std::string shownUnit = TextOf(component.Modifiers, "displayUnit");
-  if (!shownUnit.empty()) {
-    const std::optional<double> factor = DisplayFactor(planned.Unit, shownUnit);
-    if (factor) {
-      planned.Display.Multiplier = *factor;
-      planned.Unit = shownUnit;
-    } else {
-      problems_.Warn(component.Where, "how to show \"" + planned.Unit + "\" in \"" + shownUnit +
-                                          "\" is not known; the signal is shown as it is");
-    }
-  }
+  planned.Display.Multiplier = ShowInUnit(component, planned.Unit);
   if (const Modifier* const vendor = Find(component.Annotation, "__Torvane")) {
-    RefuseModifiersBut(vendor->Inside, {"name", "scale", "offset", "show"}, "__Torvane");
     planned.Display.Scale = LiteralOf(vendor->Inside, "scale").value_or(1.0);
     planned.Display.Offset = LiteralOf(vendor->Inside, "offset").value_or(0.0);
     planned.Display.Shown = TruthOf(vendor->Inside, "show");
@@ -251,9 +271,9 @@ void Checker::DeclareSource(const Component& component, bool excited) {
   source.Name = ShownName(component);
   source.Register = NewRegister();
   source.Excited = excited;
-  std::vector<std::string> known{"waveform"};
+  Words known{"waveform"};
   for (const SourceSetting& setting : SourceSettings()) {
-    known.emplace_back(setting.Name);
+    known.push_back(setting.Name);
     const auto value = LiteralOf(component.Modifiers, std::string(setting.Name));
     if (value) source.Settings.*setting.Value = *value;
   }
@@ -262,9 +282,8 @@ void Checker::DeclareSource(const Component& component, bool excited) {
     const int index =
         waveform->Value && waveform->Value->IsName() ? WaveformNamed(waveform->Value->Text) : -1;
     if (index < 0) {
-      problems_.Error(waveform->Where,
-                      UnknownNameText("waveform", waveform->Value ? waveform->Value->Text : "",
-                                      WaveformNames()));
+      problems_.Unknown(waveform->Where, "waveform",
+                        waveform->Value ? waveform->Value->Text : std::string(), WaveformNames);
     }
     source.Settings.Index = std::max(index, 0);
   }
@@ -306,6 +325,7 @@ void Checker::ValueParameter(const Parameter& parameter) {
     node.Gives = {parameter.Register};
     node.Value = std::move(value);
     constants_.push_back(std::move(node));
+    DoubtLimits(text, "\"" + text.Name + "\" follows from what stands here");
     return;
   }
   Adjust(parameter, *literal);
@@ -318,20 +338,19 @@ void Checker::Adjust(const Parameter& parameter, double value) {
   constant.Name = ShownName(text);
   constant.Description = text.Description;
   constant.Register = parameter.Register;
-  constant.Unit = TextOf(text.Modifiers, "unit");
-  const std::string shownUnit = TextOf(text.Modifiers, "displayUnit");
-  if (const auto factor = DisplayFactor(constant.Unit, shownUnit); factor && !shownUnit.empty()) {
-    constant.Factor = *factor;
-    constant.Unit = shownUnit;
-  }
+  constant.Factor = ShowInUnit(text, constant.Unit);
   const std::optional<double> min = LiteralOf(text.Modifiers, "min");
   const std::optional<double> max = LiteralOf(text.Modifiers, "max");
   if (parameter.What == Term::Type::Number) {
     if (min && max && *min > *max) {
       problems_.Error(text.Where, "min is above max");
+    } else if (!std::isfinite(value)) {
+      problems_.Error(text.Value->Where, "the value is no number");
     } else if ((min && value < *min) || (max && value > *max)) {
       problems_.Error(text.Value->Where, "the value is not between min and max");
     }
+  } else {
+    DoubtLimits(text, "\"" + text.Name + "\" is a list of its choices");
   }
   constant.Min = min.value_or(std::min(-Widest, value)) * constant.Factor;
   constant.Max = max.value_or(std::max(Widest, value)) * constant.Factor;
@@ -343,19 +362,25 @@ void Checker::Adjust(const Parameter& parameter, double value) {
   }
   if (text.Type == "Integer") {
     constexpr double MostChoices = 1000.0;
-    if (!min || !max || *max - *min > MostChoices || *min != std::floor(*min) ||
-        value != std::floor(value)) {
+    const auto whole = [](double x) { return std::abs(x) <= Widest && x == std::floor(x); };
+    if (!min || !max || *max - *min > MostChoices || !whole(*min) || !whole(*max) ||
+        !whole(value)) {
       problems_.Error(text.Where,
-                      "an Integer needs whole numbers as value, min and max, at most 1000 apart");
+                      "an Integer needs whole numbers up to 1e9 as value, min and max, at most "
+                      "1000 apart");
       return;
     }
     constant.First = *min;
-    for (double choice = *min; choice <= *max; ++choice) {
-      constant.Choices.push_back(std::to_string(static_cast<long>(choice)));
+    for (auto choice = static_cast<long>(*min); choice <= static_cast<long>(*max); ++choice) {
+      constant.Choices.push_back(std::to_string(choice));
     }
     constant.Default = value - *min;
   }
-  plan_->Constants.push_back(std::move(constant));
+  if (plan_->Constants.size() == MaxConstants) {
+    problems_.Error(text.Where, "a loop has at most " + std::to_string(MaxConstants) +
+                                    " parameters that can be changed");
+  }
+  if (plan_->Constants.size() < MaxConstants) plan_->Constants.push_back(std::move(constant));
 }
 
 void Checker::SetStarts() {

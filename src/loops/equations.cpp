@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <set>
 
-#include "core/names.h"
 #include "loops/checker.h"
 
 // What the equation section comes to: one node for each signal.
@@ -41,7 +40,7 @@ void Checker::TakeWhen(const Equation& equation) {
       return;
     }
     Context context;
-    context.Clock = ClockOf(condition.Parts[0], condition.Parts[1], condition.Where);
+    context.Clock = ClockOf(condition.Parts[0], condition.Parts[1], condition.Where, true);
     // Without a clock the equations are looked at all the same.
     if (context.Clock < 0) context.Clock = 0;
     for (Assignment& assignment : Collect(branch.Equations, context)) {
@@ -193,9 +192,11 @@ Checker::SignalDraft* Checker::Target(const Expression& left, bool& slope) {
     problems_.Error(name.Where, "a block's input is bound at its declaration: " +
                                     name.Text.substr(0, name.Text.find('.')) + "(u = ...)");
   } else {
-    std::vector<std::string> names;
-    for (const SignalDraft& signal : signals_) names.push_back(signal.Text->Name);
-    problems_.Error(name.Where, UnknownNameText("signal", name.Text, names));
+    problems_.Unknown(name.Where, "signal", name.Text, [this] {
+      std::vector<std::string> names;
+      for (const SignalDraft& signal : signals_) names.push_back(signal.Text->Name);
+      return names;
+    });
   }
   return nullptr;
 }
@@ -231,13 +232,11 @@ std::optional<Checker::Assignment> Checker::Assign(const Equation& equation,
 }
 
 void Checker::Keep(Assignment assignment, int clock) {
-  const auto same = std::find_if(nodes_.begin(), nodes_.end(), [&](const Node& node) {
-    return node.What == Node::Kind::Assign && node.Target == assignment.Target;
-  });
-  if (same != nodes_.end()) {
+  const auto [same, isNew] = assigned_.emplace(assignment.Target, assignment.Where);
+  if (!isNew) {
     problems_.Error(assignment.Where, Quoted(assignment.Name) +
                                           " has two equations; the other one is in line " +
-                                          std::to_string(same->Where.Line));
+                                          std::to_string(same->second.Line));
     return;
   }
   Node node;

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <numbers>
 
-#include "core/names.h"
 #include "loops/checker.h"
 #include "loops/parser.h"
 
@@ -46,7 +45,11 @@ std::optional<Unit> DimensionOf(Operation how, const Term& left, const Term& rig
     case Operation::Divide:
       return a && b ? std::optional(a->Times(*b, -1)) : std::nullopt;
     case Operation::Add:
-    case Operation::Subtract:
+    case Operation::Subtract: {
+      if (!a || !b) return a ? a : b;
+      const auto sum = UnitOfSum(*a, *b, how == Operation::Subtract);
+      return sum ? sum : a;
+    }
     case Operation::Min:
     case Operation::Max:
       return a ? a : b;
@@ -124,7 +127,8 @@ std::vector<std::string> Checker::KnownNames() const {
       names.push_back(name + ".y");
     } else if (symbol.What == Symbol::Kind::Enumeration) {
       for (const std::string& literal : text_.Enumerations[symbol.Index].Literals) {
-        names.push_back(name + "." + literal);
+        names.push_back(name);
+        names.back().append(1, '.').append(literal);
       }
     } else {
       names.push_back(name);
@@ -150,7 +154,7 @@ Term Checker::ResolveName(const Expression& expression, const Context& context) 
   const std::size_t dot = name.find('.');
   const auto found = symbols_.find(std::string_view(name).substr(0, dot));
   const auto unknown = [&] {
-    problems_.Error(expression.Where, UnknownNameText("name", name, KnownNames()));
+    problems_.Unknown(expression.Where, "name", name, [this] { return KnownNames(); });
     return Term();
   };
   if (found == symbols_.end()) return unknown();
@@ -218,12 +222,7 @@ Term Checker::ResolveCall(const Expression& expression, const Context& context) 
       problems_.Error(expression.Where,
                       Quoted(name) + " is not in the language of loops: " + advice);
     } else {
-      problems_.Error(
-          expression.Where,
-          UnknownNameText("function", name,
-                          {"sin",  "cos",   "tan",  "asin",  "acos", "atan",   "atan2", "exp",
-                           "log",  "log10", "sqrt", "abs",   "sign", "min",    "max",   "floor",
-                           "ceil", "mod",   "pre",  "delay", "der",  "noEvent"}));
+      problems_.Unknown(expression.Where, "function", name, FunctionNames);
     }
     return {};
   }
@@ -293,7 +292,7 @@ bool Checker::Alike(const Term& left, const Term& right, Place where) {
 
 void Checker::CompareUnits(const std::optional<Unit>& left, const std::optional<Unit>& right,
                            Place where, const std::string& what) {
-  if (!left || !right || *left == *right) return;
+  if (!left || !right || left->Fits(*right)) return;
   problems_.Warn(where,
                  "the units do not fit: " + left->Text() + " and " + right->Text() + " in " + what);
 }
@@ -318,7 +317,9 @@ Term Checker::ResolveOperator(const Expression& expression, const Context& conte
       if (part.What == Type::Unknown) return {};
     }
     const Operation how = parts.size() == 1 ? Operation::Negate : *arithmetic;
-    if (how == Operation::Add || how == Operation::Subtract) {
+    const bool sum = how == Operation::Add || how == Operation::Subtract;
+    const bool known = sum && parts[0].Dimension && parts[1].Dimension;
+    if (known && !UnitOfSum(*parts[0].Dimension, *parts[1].Dimension, how == Operation::Subtract)) {
       CompareUnits(parts[0].Dimension, parts[1].Dimension, expression.Where, "one operation");
     }
     const auto dimension = DimensionOf(how, parts.front(), parts.back());

@@ -2,12 +2,21 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include "loops/program_writer.h"
 
 namespace torvane::loops {
 
 namespace {
+
+// The same for terms that are the same, and hardly ever for others.
+std::size_t Likeness(const Term& term) {
+  constexpr std::size_t Spread = 0x9e3779b97f4a7c15;
+  auto sum = static_cast<std::size_t>(term.Register) * Spread + static_cast<std::size_t>(term.How);
+  for (const Term& part : term.Parts) sum = (sum ^ (sum >> 29U)) * Spread + Likeness(part);
+  return sum;
+}
 
 /// How often a value may change.
 enum class Pace { Run, Step, Evaluation };
@@ -35,9 +44,9 @@ class Generator {
     plan_.AtRun = atRun_.Take();
     plan_.AtStep = atStep_.Take();
     plan_.Equations = whole_.Take();
-    plan_.Updates = updates_.Take();
-    plan_.Evaluation = Joined(plan_.Equations, plan_.Updates);
-    plan_.Between = Joined(between_.Take(), plan_.Updates);
+    const Program updates = updates_.Take();
+    plan_.Evaluation = Joined(plan_.Equations, updates);
+    plan_.Between = Joined(between_.Take(), updates);
   }
 
  private:
@@ -75,11 +84,12 @@ class Generator {
   }
 
   int HoistedInto(const Term& term, Pace pace) {
-    for (const auto& [known, reg] : hoisted_) {
-      if (known == term) return reg;
+    const auto [first, last] = hoisted_.equal_range(Likeness(term));
+    for (auto known = first; known != last; ++known) {
+      if (known->second.first == term) return known->second.second;
     }
     const int reg = plan_.Registers++;
-    hoisted_.emplace_back(term, reg);
+    hoisted_.emplace(Likeness(term), std::pair(term, reg));
     if (pace == Pace::Run) {
       atRun_.Assign(reg, term);
     } else {
@@ -169,9 +179,7 @@ class Generator {
     for (std::size_t i = 0; i < plan_.Blocks.size(); ++i) {
       const LoopPlan::Block& block = plan_.Blocks[i];
       const int index = static_cast<int>(i);
-      const bool moves =
-          block.Type->When == BlockType::Timing::Late || block.Type->States || block.Type->Through;
-      if (!moves) continue;
+      if (!block.Type->Moves()) continue;
       const bool sampled = block.Type->When == BlockType::Timing::Sampled;
       if (sampled) updates_.BeginGuard(block.Clock);
       updates_.Add(block.Type->Code.Update, 0, index);
@@ -186,7 +194,7 @@ class Generator {
   ProgramWriter whole_{plan_.Registers};
   ProgramWriter updates_{plan_.Registers};
   std::vector<Pace> paces_;
-  std::vector<std::pair<Term, int>> hoisted_;
+  std::unordered_multimap<std::size_t, std::pair<Term, int>> hoisted_;  ///< by likeness
   std::map<int, int> clocks_;  ///< by register: at whose samples alone it changes
   int guarded_ = -1;
 };

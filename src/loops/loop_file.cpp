@@ -18,12 +18,12 @@ bool IsThere(const std::filesystem::path& path) {
 
 }  // namespace
 
-LoopFile ReadLoopFile(const std::string& path) {
+LoopFile ReadLoopFile(const std::string& path, const std::vector<std::string>& builtIns) {
   LoopFile file;
   std::error_code failure;
   file.Path = std::filesystem::absolute(path, failure).lexically_normal().string();
   file.Fault = ReadTextFile(path, MostRead, file.Text);
-  if (file.Fault.empty()) file.Reading = ReadLoop(file.Text);
+  if (file.Fault.empty()) file.Reading = ReadLoop(file.Text, builtIns);
   return file;
 }
 

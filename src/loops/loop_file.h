@@ -16,8 +16,8 @@ struct LoopFile {
   LoopReading Reading;
 };
 
-/// Reads the file and the loop in it.
-LoopFile ReadLoopFile(const std::string& path);
+/// Reads the file and the loop in it, which cannot have the name of a built-in model.
+LoopFile ReadLoopFile(const std::string& path, const std::vector<std::string>& builtIns);
 
 /// Builds the model of a file that has been read without an error; the model knows the file.
 std::unique_ptr<ZelModel> MakeLoop(const LoopFile& file);

@@ -1,7 +1,10 @@
 #include "loops/loop_machine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+
+#include "core/text.h"
 
 namespace torvane::loops {
 
@@ -13,7 +16,7 @@ LoopMachine::LoopMachine(const LoopPlan& plan)
       states_(plan.States.size()),
       clocks_(plan.Clocks.size()),
       earliest_(EarliestSample()) {
-  for (const auto& [reg, value] : plan.Numbers) Register(reg) = value;
+  Clear();
   blocks_.reserve(plan.Blocks.size());
   for (const LoopPlan::Block& block : plan.Blocks) {
     const ControllerClock* const clock =
@@ -28,17 +31,90 @@ LoopMachine::LoopMachine(const LoopPlan& plan)
   frame_.Now.Step = plan.Step;
 }
 
-void LoopMachine::Prepare() {
+std::vector<Problem> LoopMachine::Try(const std::vector<double>& constants) {
+  for (std::size_t i = 0; i < constants.size(); ++i) {
+    Register(plan_.Constants[i].Register) = plan_.Constants[i].InLoop(constants[i]);
+  }
   Run(plan_.AtRun.data(), registers_.data(), frame_);
+  std::vector<Problem> found;
+  for (const LoopPlan::Derived& number : plan_.Follow) {
+    if (std::isfinite(Register(number.Register))) continue;
+    found.push_back({number.Where, Quoted(number.Name) + " comes to no number"});
+  }
+  // Of what is no number nothing more can be said.
+  if (!found.empty()) return found;
+  CheckClocks(found);
+  CheckBlocks(found);
+  return found;
+}
+
+void LoopMachine::CheckClocks(std::vector<Problem>& found) const {
+  for (const LoopPlan::Clock& clock : plan_.Clocks) {
+    const double period = Register(clock.Period);
+    if (!(period > 0.0)) {
+      found.push_back(
+          {clock.Where, "the sample period is " + FormatEdit(period) + " s; it must be above 0"});
+    } else if (period < plan_.Step) {
+      found.push_back({clock.Where,
+                       "the sample period is shorter than the step: one sample a step is taken",
+                       true});
+    }
+    if (!(Register(clock.Start) >= 0.0)) {
+      found.push_back({clock.Where, "the first sample must not come before time 0"});
+    }
+  }
+}
+
+void LoopMachine::CheckBlocks(std::vector<Problem>& found) const {
+  std::size_t remembered = 0;
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    const Place where = plan_.Blocks[i].Where;
+    const auto named = [&](const char* text) { return plan_.Blocks[i].Name + ": " + text; };
+    if (const char* const fault = blocks_[i]->Fault()) {
+      found.push_back({where, named(fault)});
+      continue;
+    }
+    if (const char* const doubt = blocks_[i]->Doubt()) found.push_back({where, named(doubt), true});
+    const std::size_t before = remembered;
+    remembered += blocks_[i]->Remembered();
+    if (remembered > MaxRemembered && before <= MaxRemembered) {
+      found.push_back({where, named("the loop's dead times are longer than 4000000 steps of the "
+                                    "solver altogether")});
+    }
+  }
+}
+
+std::vector<Problem> LoopMachine::Prepare(const std::vector<double>& constants) {
+  const std::vector<double> before = registers_;
+  std::vector<Problem> found = Try(constants);
+  if (HasErrors(found)) {
+    std::copy(before.begin(), before.end(), registers_.begin());
+    return found;
+  }
   for (std::size_t i = 0; i < clocks_.size(); ++i) {
     clocks_[i].SetPeriod(Register(plan_.Clocks[i].Period));
   }
   for (const auto& block : blocks_) block->Prepare();
+  constants_ = constants;
+  doubtful_ = !std::all_of(registers_.begin(), registers_.end(),
+                           [](double number) { return std::isfinite(number); });
+  return found;
 }
 
-void LoopMachine::StartClock(std::size_t index, double t) {
-  clocks_[index].StartAt(t);
+void LoopMachine::Clear() {
+  std::fill(registers_.begin(), registers_.end(), 0.0);
+  for (const auto& [reg, value] : plan_.Numbers) Register(reg) = value;
+}
+
+void LoopMachine::Begin(double now) {
+  Clear();
+  for (const auto& block : blocks_) block->Reset();
+  Prepare(std::vector<double>(constants_));
+  for (std::size_t i = 0; i < clocks_.size(); ++i) {
+    clocks_[i].StartAt(now + Register(plan_.Clocks[i].Start));
+  }
   earliest_ = EarliestSample();
+  due_ = false;
 }
 
 void LoopMachine::Tick(double t) {
@@ -71,12 +147,55 @@ void LoopMachine::LeaveSlopes() {
   for (std::size_t i = 0; i < states_.size(); ++i) states_[i].Derivative = slopes[i];
 }
 
-void LoopMachine::Reset(ResetKind kind, double now) {
+void LoopMachine::UpdateBlock(std::size_t index) {
+  const LoopPlan::Block& block = plan_.Blocks[index];
+  const bool sampled = block.Type->When == BlockType::Timing::Sampled;
+  if (sampled && !clocks_[static_cast<std::size_t>(block.Clock)].SampleDue()) return;
+  blocks_[index]->Update(frame_.Now);
+}
+
+void LoopMachine::DropTraces() {
+  for (const auto& block : blocks_) block->Reset();
+  for (State& state : states_) state.PendingSet = false;
+  frame_.Pending = false;
+}
+
+std::optional<std::string> LoopMachine::FindNotFinite() const {
+  const auto told = [this](int reg, const std::string& name) -> std::optional<std::string> {
+    const double value = Register(reg);
+    if (std::isfinite(value)) return {};
+    return name + (std::isnan(value) ? " is not a number" : " is infinite");
+  };
+  for (const LoopPlan::Signal& signal : plan_.Signals) {
+    if (auto found = told(signal.Register, "signal " + Quoted(signal.Name))) return found;
+  }
+  for (const LoopPlan::Block& block : plan_.Blocks) {
+    for (const auto& registers : {block.Numbers.Inputs, block.Numbers.Outputs}) {
+      for (const int reg : registers) {
+        if (auto found = told(reg, "what block " + Quoted(block.Name) + " works on")) return found;
+      }
+    }
+  }
+  return {};
+}
+
+void LoopMachine::Carry(Carried& carried) {
+  for (ControllerClock& clock : clocks_) {
+    carried.Keep(clock);
+    carried.Period(clock.Period());
+  }
+  carried.Keep(earliest_);
+  carried.Keep(due_);
+  carried.Keep(frame_.Pending);
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    for (const int reg : plan_.Blocks[i].Numbers.Outputs) carried.Number(Register(reg));
+    blocks_[i]->Carry(carried);
+  }
+}
+
+void LoopMachine::FollowStates() {
   TakeStates();
-  for (const auto& block : blocks_) block->Reset(kind);
-  if (kind == ResetKind::States) return;
-  for (std::size_t i = 0; i < clocks_.size(); ++i) StartClock(i, now);
-  due_ = false;
+  for (const auto& block : blocks_) block->FollowStates();
 }
 
 }  // namespace torvane::loops

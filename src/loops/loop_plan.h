@@ -20,6 +20,9 @@ inline constexpr int MaxRegisters = 20000;
 inline constexpr std::size_t MaxInstructions = 10000;
 inline constexpr int MaxBlocks = 500;
 inline constexpr std::size_t MaxSources = 8;
+inline constexpr std::size_t MaxClocks = 100;
+inline constexpr std::size_t MaxConstants = 500;
+inline constexpr std::size_t MaxRemembered = 4000000;  ///< numbers in all dead times
 
 /// A checked loop, ready to be built: what it has, where its numbers lie, and the programs that
 /// move them. Registers: the states' values, their slopes, the time, and everything else.
@@ -35,6 +38,9 @@ struct LoopPlan {
     double Factor = 1.0;               ///< from the loop's number to the constant's
     double First = 0.0;                ///< the loop's number of the first choice
     int Register = 0;
+
+    /// The loop's number for a value of the constant.
+    double InLoop(double value) const { return Choices.empty() ? value / Factor : value + First; }
   };
   struct Signal {
     std::string Name;
@@ -61,6 +67,12 @@ struct LoopPlan {
     Place Where;
     int Start = 0;
     int Period = 0;
+  };
+  /// A number that follows from constants alone.
+  struct Derived {
+    std::string Name;
+    Place Where;
+    int Register = 0;
   };
   struct Source {
     std::string Name;
@@ -100,12 +112,20 @@ struct LoopPlan {
   double Step = 1e-5;
 
   std::vector<Constant> Constants;
+  std::vector<Derived> Follow;
   std::vector<Signal> Signals;
   std::vector<State> States;
   std::vector<Block> Blocks;
   std::vector<Clock> Clocks;
   std::vector<Source> Sources;
   SetUp Instruments;
+
+  /// Of the constants.
+  std::vector<double> Defaults() const {
+    std::vector<double> values;
+    for (const Constant& constant : Constants) values.push_back(constant.Default);
+    return values;
+  }
 
   int Registers = 0;
   int Time = 0;
@@ -116,7 +136,6 @@ struct LoopPlan {
   Program Between;     ///< the equations of an evaluation in which no clock has a sample due,
   Program Evaluation;  ///< or of any one; each with the blocks' updates behind them
   Program Equations;   ///< those of any evaluation, without
-  Program Updates;
 };
 
 }  // namespace torvane::loops

@@ -4,6 +4,8 @@
 
 #include "core/bench.h"
 #include "core/overflow.h"
+#include "core/text.h"
+#include "loops/number_faults.h"
 #include "loops/own_loop.h"
 
 namespace torvane::loops {
@@ -19,21 +21,32 @@ LoopSolver::LoopSolver(ZelBenchTop& bench, double h, OwnLoop& loop, LoopMachine&
 void LoopSolver::RunUntil(double tEnd) {
   while (bench_.Time() < tEnd) {
     if (NearOverflow()) [[unlikely]] {
-      ClearOverflowFlag();
+      ClearNumberFaults();
       WatchedStep(bench_.Time());
     } else {
       Run(tEnd);
     }
+    if (NumberFaultRaised() || machine_.Doubtful()) [[unlikely]] {
+      CheckNumbers();
+    }
   }
+}
+
+// An expression may go by way of infinity; a signal may not.
+void LoopSolver::CheckNumbers() const {
+  const auto found = machine_.FindNotFinite();
+  if (found) throw SolverOverflow(*found + " at time " + FormatShortest(bench_.Time()) + " s");
 }
 
 void LoopSolver::Run(double tEnd) {
   loop_.BeginRun();
-  ClearOverflowFlag();
+  ClearNumberFaults();
   machine_.TakeStates();
   double t = bench_.Time();
+  // What may come to no number without a flag is looked at step by step.
+  if (machine_.Doubtful()) tEnd = t;
   // Whatever is not an ordinary step's end is EndStep's to judge.
-  while (Step(t) <= Huge && t + h_ < tEnd && !OverflowRaised()) t += h_;
+  while (Step(t) <= Huge && t + h_ < tEnd && !NumberFaultRaised()) t += h_;
   machine_.LeaveStates();
   bench_.SetTime(t);
   EndStep(t);

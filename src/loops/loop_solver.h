@@ -22,6 +22,7 @@ class LoopSolver final : public ZelSolver {
 
  private:
   void Run(double tEnd);
+  void CheckNumbers() const;
   long double Step(double t);
   long double CombineStates();
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "core/names.h"
 #include "loops/checker.h"
@@ -10,23 +11,55 @@ namespace torvane::loops {
 
 using Kind = Expression::Kind;
 
-void Checker::RefuseModifiersBut(const std::vector<Modifier>& modifiers,
-                                 const std::vector<std::string>& known, const std::string& of) {
+void Checker::RefuseModifiersBut(const std::vector<Modifier>& modifiers, const Words& known,
+                                 std::string_view of) {
   for (const Modifier& modifier : modifiers) {
-    if (std::find(known.begin(), known.end(), modifier.Name) == known.end()) {
-      problems_.Error(modifier.Where, UnknownNameText("word in " + of, modifier.Name, known));
-    }
-    if (Find(modifiers, modifier.Name) != &modifier) {
-      problems_.Error(modifier.Where, Quoted(modifier.Name) + " is given twice");
-    }
+    if (std::find(known.begin(), known.end(), modifier.Name) != known.end()) continue;
+    problems_.Unknown(modifier.Where, "word in " + std::string(of), modifier.Name,
+                      [&] { return std::vector<std::string>(known.begin(), known.end()); });
+  }
+  RefuseTwice(modifiers);
+}
+
+void Checker::RefuseTwice(const std::vector<Modifier>& modifiers) {
+  std::set<std::string_view> seen;
+  for (const Modifier& modifier : modifiers) {
+    if (seen.insert(modifier.Name).second) continue;
+    problems_.Error(modifier.Where, Quoted(modifier.Name) + " is given twice");
+  }
+}
+
+// Other tools' annotations are theirs, but for what looks like one that was meant for this one.
+void Checker::CheckAnnotation(const std::vector<Modifier>& annotation, Words known,
+                              std::string_view of, const Words& words) {
+  known.emplace_back("__Torvane");
+  for (const Modifier& modifier : annotation) {
+    const bool foreign =
+        modifier.Name.starts_with("__") && !Lower(modifier.Name).starts_with("__tor");
+    if (foreign || std::find(known.begin(), known.end(), modifier.Name) != known.end()) continue;
+    problems_.Unknown(
+        modifier.Where, "annotation", modifier.Name,
+        [&] { return std::vector<std::string>(known.begin(), known.end()); }, true);
+  }
+  RefuseTwice(annotation);
+  if (const Modifier* const vendor = Find(annotation, "__Torvane")) {
+    RefuseModifiersBut(vendor->Inside, words, of);
+  }
+}
+
+void Checker::DoubtLimits(const Component& component, const std::string& why) {
+  for (const char* const limit : {"min", "max"}) {
+    const Modifier* const given = Find(component.Modifiers, limit);
+    if (given) problems_.Warn(given->Where, std::string(limit) + " limits nothing: " + why);
   }
 }
 
 std::optional<double> Checker::Literal(const Term& term) const {
   if (term.IsLeaf()) {
-    const auto found = std::find_if(plan_->Numbers.begin(), plan_->Numbers.end(),
-                                    [&](const auto& n) { return n.first == term.Register; });
-    if (found == plan_->Numbers.end()) return {};
+    // They were given their registers one after the other.
+    const auto found = std::lower_bound(plan_->Numbers.begin(), plan_->Numbers.end(), term.Register,
+                                        [](const auto& n, int reg) { return n.first < reg; });
+    if (found == plan_->Numbers.end() || found->first != term.Register) return {};
     return found->second;
   }
   if (term.How > Operation::NotEqual) return {};
@@ -81,7 +114,7 @@ std::optional<Unit> Checker::UnitOf(const Component& component) {
 std::string Checker::ShownName(const Component& component) {
   const Modifier* const vendor = Find(component.Annotation, "__Torvane");
   if (!vendor) return component.Name;
-  const std::string name = TextOf(vendor->Inside, "name");
+  std::string name = TextOf(vendor->Inside, "name");
   if (name.empty()) return component.Name;
   const bool storable = name.front() != ' ' && name.back() != ' ' &&
                         std::all_of(name.begin(), name.end(), [](char c) {

@@ -29,6 +29,12 @@ const Function* FindFunction(std::string_view name) {
   return found == Functions.end() ? nullptr : found;
 }
 
+std::vector<std::string> FunctionNames() {
+  std::vector<std::string> names{"pre", "delay", "der", "noEvent"};
+  for (const Function& function : Functions) names.emplace_back(function.Name);
+  return names;
+}
+
 double Apply(Operation what, double a, double b) {
   switch (what) {
     case Operation::Add:

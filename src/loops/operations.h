@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace torvane::loops {
 
@@ -68,6 +70,8 @@ struct Function {
   Operation What;
 };
 const Function* FindFunction(std::string_view name);
+/// Of these functions, and of what else is called like one.
+std::vector<std::string> FunctionNames();
 /// How many numbers it takes.
 inline std::size_t ArgumentCount(Operation what) {
   return OfTwoNumbers(what) ? 2 : 1;

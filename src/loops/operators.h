@@ -1,10 +1,18 @@
 #pragma once
 
+#include <cfenv>
 #include <cmath>
+#include <limits>
 
 namespace torvane::loops {
 
 // Each operation as a type of its own, from which instructions are made at compile time.
+
+/// Not a number; the flag says so, which not every function of the library does.
+inline double NoNumber() {
+  std::feraiseexcept(FE_INVALID);
+  return std::numeric_limits<double>::quiet_NaN();
+}
 
 struct Add {
   static double Of(double a, double b) { return a + b; }
@@ -52,7 +60,7 @@ struct Ceil {
   static double Of(double a) { return std::ceil(a); }
 };
 struct Sqrt {
-  static double Of(double a) { return std::sqrt(a); }
+  static double Of(double a) { return a < 0.0 ? NoNumber() : std::sqrt(a); }
 };
 struct Exp {
   static double Of(double a) { return std::exp(a); }
@@ -61,7 +69,7 @@ struct Log {
   static double Of(double a) { return std::log(a); }
 };
 struct Log10 {
-  static double Of(double a) { return std::log10(a); }
+  static double Of(double a) { return a < 0.0 ? NoNumber() : std::log10(a); }
 };
 struct Sin {
   static double Of(double a) { return std::sin(a); }
@@ -73,10 +81,10 @@ struct Tan {
   static double Of(double a) { return std::tan(a); }
 };
 struct Asin {
-  static double Of(double a) { return std::asin(a); }
+  static double Of(double a) { return std::abs(a) > 1.0 ? NoNumber() : std::asin(a); }
 };
 struct Acos {
-  static double Of(double a) { return std::acos(a); }
+  static double Of(double a) { return std::abs(a) > 1.0 ? NoNumber() : std::acos(a); }
 };
 struct Atan {
   static double Of(double a) { return std::atan(a); }

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <stdexcept>
+#include <utility>
 
+#include "core/messages.h"
 #include "kit/units.h"
 
 namespace torvane::loops {
@@ -25,21 +27,38 @@ class StartingVariable final : public Variable {
   const double* start_;
 };
 
-/// Blocks and clocks, as the bench sees them.
-class DrivenParts final : public TimeDriven {
+/// A block that works behind the equations, as the bench sees it.
+class DrivenBlock final : public TimeDriven {
  public:
-  DrivenParts(ZelBenchTop& bench, LoopMachine& machine) : bench_(bench), machine_(machine) {
+  DrivenBlock(ZelBenchTop& bench, LoopMachine& machine, std::size_t index)
+      : machine_(machine), index_(index) {
     bench.AddTimeDriven(*this);
   }
 
-  void AtTime(double /*t*/) override {
-    machine_.Drive();
-    machine_.LeaveSlopes();
-  }
-  void Reset(ResetKind kind) override { machine_.Reset(kind, bench_.Time()); }
+  void AtTime(double /*t*/) override { machine_.UpdateBlock(index_); }
 
  private:
-  const ZelBenchTop& bench_;
+  LoopMachine& machine_;
+  std::size_t index_;
+};
+
+/// What comes behind all blocks: the clocks, and what concerns the loop as a whole.
+class DrivenClocks final : public TimeDriven, public Carrier {
+ public:
+  DrivenClocks(OwnLoop& loop, LoopMachine& machine) : loop_(loop), machine_(machine) {
+    loop.Bench().AddTimeDriven(*this);
+  }
+
+  void AtTime(double /*t*/) override {
+    machine_.UpdateClocks();
+    machine_.LeaveSlopes();
+  }
+  void Reset(ResetKind /*kind*/) override { loop_.BeginAnew(); }
+  void Carry(Carried& carried) override { machine_.Carry(carried); }
+  void FollowStates() override { machine_.FollowStates(); }
+
+ private:
+  OwnLoop& loop_;
   LoopMachine& machine_;
 };
 
@@ -54,6 +73,15 @@ DisplayDefaults TimeAxisOf(const LoopPlan& plan) {
   DisplayDefaults axis = TimeAxis;
   axis.Scale = std::max(axis.Scale, StepsPerDivision * plan.Step);
   return axis;
+}
+
+// The errors or the warnings among them.
+std::string Joined(const std::vector<Problem>& problems, bool warnings) {
+  std::string text;
+  for (const Problem& problem : problems) {
+    if (problem.Warning == warnings) text += (text.empty() ? "" : "; ") + problem.Text;
+  }
+  return text;
 }
 
 std::unique_ptr<Constant> Made(ZelBenchTop& bench, const LoopPlan::Constant& constant) {
@@ -80,13 +108,11 @@ OwnLoop::OwnLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan,
   for (const LoopPlan::Constant& constant : plan_->Constants) {
     constants_.push_back(Made(Bench(), constant));
   }
-  handedOn_.assign(constants_.size(), std::numeric_limits<double>::quiet_NaN());
   HandOnConstants();
-  for (std::size_t i = 0; i < plan_->Clocks.size(); ++i) {
-    machine_.StartClock(i, machine_.Register(plan_->Clocks[i].Start));
-  }
   MakeSignals();
-  driven_ = std::make_unique<DrivenParts>(Bench(), machine_);
+  BeginAnew();
+  beginning_ = false;
+  MakeDriven();
   MakeAnalysers();
   scope_ = std::make_unique<ZelScope>(Bench(), "MainScope");
   if (plan_->Instruments.ScopeDivision) {
@@ -103,7 +129,6 @@ void OwnLoop::MakeSignals() {
       const double* const start = signal.Start < 0 ? nullptr : &machine_.Register(signal.Start);
       signals_.push_back(std::make_unique<StartingVariable>(
           Bench(), machine_.Register(signal.Register), start, signal));
-      signals_.back()->Reset();
       continue;
     }
     const auto state = static_cast<std::size_t>(signal.State);
@@ -124,6 +149,14 @@ void OwnLoop::MakeSignals() {
   }
 }
 
+void OwnLoop::MakeDriven() {
+  for (std::size_t i = 0; i < plan_->Blocks.size(); ++i) {
+    if (!plan_->Blocks[i].Type->Moves()) continue;
+    driven_.push_back(std::make_unique<DrivenBlock>(Bench(), machine_, i));
+  }
+  driven_.push_back(std::make_unique<DrivenClocks>(*this, machine_));
+}
+
 void OwnLoop::MakeAnalysers() {
   const LoopPlan::SetUp& wanted = plan_->Instruments;
   const auto command = std::find_if(plan_->Sources.begin(), plan_->Sources.end(),
@@ -140,9 +173,9 @@ void OwnLoop::MakeAnalysers() {
     analysers_ = std::make_unique<Analysers>(Bench(), LargestOrder, sweep);
   }
   for (const LoopPlan::Source& source : plan_->Sources) {
-    sources_.push_back({std::make_unique<ZelWave>(Bench(), source.Name, source.Settings),
-                        &machine_.Register(source.Register), source.Excited});
-    if (source.Excited) command_.emplace(Bench(), *sources_.back().Wave, *analysers_);
+    auto wave = std::make_unique<ZelWave>(Bench(), source.Name, source.Settings);
+    if (source.Excited) command_.emplace(Bench(), *wave, *analysers_);
+    sources_.push_back({std::move(wave), &machine_.Register(source.Register), source.Excited});
   }
   if (analysers_) SetUpResponses();
 }
@@ -188,27 +221,45 @@ ModelLoop OwnLoop::NamedLoop() const {
 
 void OwnLoop::BeginRun() {
   HandOnConstants();
+  if (!fault_.empty()) {
+    throw std::runtime_error("the loop cannot run with these constants: " + fault_);
+  }
+  BeginCommand();
+}
+
+void OwnLoop::BeginCommand() {
   if (command_) command_->BeginRun();
 }
 
+void OwnLoop::BeginAnew() {
+  machine_.Begin(Bench().Time());
+  for (const auto& signal : signals_) signal->Reset();
+  beginning_ = true;
+}
+
 void OwnLoop::HandOnConstants() {
-  bool changed = !prepared_;
-  for (std::size_t i = 0; i < constants_.size(); ++i) {
-    const double value = constants_[i]->Value();
-    if (value == handedOn_[i]) continue;
-    handedOn_[i] = value;
-    changed = true;
-    const LoopPlan::Constant& constant = plan_->Constants[i];
-    machine_.Register(constant.Register) =
-        constant.Choices.empty() ? value / constant.Factor : value + constant.First;
+  bool changed = !handedOn_;
+  for (std::size_t i = 0; !changed && i < constants_.size(); ++i) {
+    changed = constants_[i]->Value() != (*handedOn_)[i];
   }
   if (!changed) return;
-  prepared_ = true;
-  machine_.Prepare();
+  handedOn_.emplace();
+  for (const auto& constant : constants_) handedOn_->push_back(constant->Value());
+  const std::vector<Problem> found = machine_.Prepare(*handedOn_);
+  fault_ = Joined(found, false);
+  if (!fault_.empty()) return;
+  TellDoubts(Joined(found, true));
   for (std::size_t i = 0; i < states_.size(); ++i) {
     const int start = plan_->States[i].Start;
     if (start >= 0) states_[i]->InitialValue = machine_.Register(start);
   }
+}
+
+// What the text was told for already at its defaults, a user has seen.
+void OwnLoop::TellDoubts(const std::string& doubts) {
+  const bool known = !doubts_ || *doubts_ == doubts;
+  doubts_ = doubts;
+  if (!known && !doubts.empty()) Warning(Name() + ": " + doubts);
 }
 
 void OwnLoop::TakeSources(double t) {
@@ -237,11 +288,14 @@ long double OwnLoop::EndStep(double t) {
 }
 
 void OwnLoop::Derivatives(double t) {
-  BeginRun();
+  HandOnConstants();
+  BeginCommand();
   machine_.TakeStates();
   BeginStep(Bench().Time());
   machine_.EvaluateEquations(t);
   machine_.LeaveSlopes();
+  // The evaluation that ends a reset only shows how the loop begins.
+  if (std::exchange(beginning_, false)) machine_.DropTraces();
 }
 
 }  // namespace torvane::loops

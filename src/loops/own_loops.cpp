@@ -1,6 +1,6 @@
 #include "loops/own_loops.h"
 
-#include "core/text.h"
+#include "core/names.h"
 #include "loops/checker.h"
 #include "loops/loop_machine.h"
 #include "loops/own_loop.h"
@@ -12,42 +12,22 @@ namespace {
 
 // What only the values of parameters tell.
 void CheckAtDefaults(const LoopPlan& plan, ProblemList& problems) {
-  LoopMachine machine(plan);
-  for (const LoopPlan::Constant& constant : plan.Constants) {
-    machine.Register(constant.Register) = constant.Choices.empty()
-                                              ? constant.Default / constant.Factor
-                                              : constant.Default + constant.First;
-  }
-  machine.Prepare();
-  for (const LoopPlan::Clock& clock : plan.Clocks) {
-    const double period = machine.Register(clock.Period);
-    if (!(period > 0.0)) {
-      problems.Error(clock.Where,
-                     "the sample period is " + FormatEdit(period) + " s; it must be above 0");
-    } else if (period < plan.Step) {
-      problems.Warn(clock.Where,
-                    "the sample period is shorter than the step: one sample a step is "
-                    "taken");
-    }
-    if (!(machine.Register(clock.Start) >= 0.0)) {
-      problems.Error(clock.Where, "the first sample must not come before time 0");
-    }
-  }
-  for (std::size_t i = 0; i < plan.Blocks.size(); ++i) {
-    const char* const fault = machine.BlockAt(i).Fault();
-    if (fault) problems.Error(plan.Blocks[i].Where, plan.Blocks[i].Name + ": " + fault);
-  }
+  for (const Problem& problem : LoopMachine(plan).Try(plan.Defaults())) problems.Add(problem);
 }
 
 }  // namespace
 
-LoopReading ReadLoop(std::string_view text) {
+LoopReading ReadLoop(std::string_view text, const std::vector<std::string>& builtIns) {
   LoopReading reading;
   ProblemList problems;
   if (text.size() > MaxTextSize) {
     problems.Error({}, "the text is longer than " + std::to_string(MaxTextSize >> 10U) + " KiB");
   } else {
     const ModelText parsed = Parse(text, problems);
+    if (IndexOfName(parsed.Name, builtIns) >= 0) {
+      problems.Error(parsed.Where, "a built-in model has the name " + Quoted(parsed.Name) +
+                                       "; give the loop one of its own");
+    }
     if (!parsed.Name.empty()) reading.Plan = Checker(parsed, problems).Check();
     if (reading.Plan) CheckAtDefaults(*reading.Plan, problems);
   }

@@ -19,8 +19,8 @@ struct LoopReading {
 };
 
 /// Reads a loop's text whatever its bytes are. It is a file of one Modelica model in a subset that
-/// docs/own-loops.md describes.
-LoopReading ReadLoop(std::string_view text);
+/// docs/own-loops.md describes. It cannot have the name of a built-in model, which comes first.
+LoopReading ReadLoop(std::string_view text, const std::vector<std::string>& builtIns = {});
 
 /// Builds the model.
 std::unique_ptr<ZelModel> MakeLoop(const std::string& name, std::shared_ptr<const LoopPlan> plan);

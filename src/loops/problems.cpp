@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/names.h"
+
 namespace torvane::loops {
 
 std::string Quoted(std::string_view text) {
@@ -9,6 +11,19 @@ std::string Quoted(std::string_view text) {
   quoted.append(text);
   quoted += '"';
   return quoted;
+}
+
+bool HasErrors(const std::vector<Problem>& problems) {
+  return std::any_of(problems.begin(), problems.end(), [](const Problem& p) { return !p.Warning; });
+}
+
+void ProblemList::Unknown(Place where, const std::string& what, const std::string& text,
+                          const std::function<std::vector<std::string>()>& names, bool warning) {
+  constexpr std::size_t MostSearched = 100000;
+  std::vector<std::string> known;
+  if (searched_ < MostSearched && problems_.size() < Most) known = names();
+  for (const std::string& name : known) searched_ += name.size() + 1;
+  Add({where, UnknownNameText(what, text, known), warning});
 }
 
 std::vector<Problem> ProblemList::Sorted() const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <compare>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,7 +11,10 @@ namespace torvane::loops {
 struct Place {
   int Line = 1;
   int Column = 1;
-  auto operator<=>(const Place&) const = default;
+  bool operator==(const Place&) const = default;
+  bool operator<(const Place& other) const {
+    return Line != other.Line ? Line < other.Line : Column < other.Column;
+  }
 };
 
 /// The text in quotation marks.
@@ -24,6 +27,9 @@ struct Problem {
   bool Warning = false;
 };
 
+/// Whether one of them is more than a warning.
+bool HasErrors(const std::vector<Problem>& problems);
+
 /// What is found while a text is read; reading goes on, so that a user sees all of it at once.
 class ProblemList {
  public:
@@ -32,15 +38,19 @@ class ProblemList {
 
   void Error(Place where, const std::string& text) { Add({where, text, false}); }
   void Warn(Place where, const std::string& text) { Add({where, text, true}); }
+  /// That there is no such name, with the nearest of those that there are; these are asked
+  /// for only while the search among them takes a moment altogether.
+  void Unknown(Place where, const std::string& what, const std::string& text,
+               const std::function<std::vector<std::string>()>& names, bool warning = false);
+  void Add(const Problem& problem);
   bool HasErrors() const { return errors_ > 0; }
   /// In the order of their places.
   std::vector<Problem> Sorted() const;
 
  private:
-  void Add(const Problem& problem);
-
   std::vector<Problem> problems_;
   std::size_t errors_ = 0;
+  std::size_t searched_ = 0;  ///< characters of names
 };
 
 }  // namespace torvane::loops

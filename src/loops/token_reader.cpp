@@ -30,7 +30,7 @@ bool TokenReader::TakeSymbol(std::string_view symbol) {
 }
 
 Token TokenReader::Take() {
-  const Token token = Here();
+  Token token = Here();
   if (!AtEnd()) ++position_;
   return token;
 }

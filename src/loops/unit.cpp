@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <span>
+#include <cmath>
 
+#include "core/text.h"
 #include "kit/units.h"
 
 namespace torvane::loops {
@@ -14,18 +15,19 @@ struct Symbol {
   std::string_view Name;
   std::array<int, Unit::Bases> Powers;
   double Size = 1.0;  ///< in base units; angles in radians
+  int Angle = 0;
 };
 
 //                                   kg  m  s  A  K mol cd
 constexpr std::array Symbols{
     Symbol{"1", {0, 0, 0, 0, 0, 0, 0}},
-    Symbol{"rad", {0, 0, 0, 0, 0, 0, 0}},
-    Symbol{"deg", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToDeg},
-    Symbol{"Deg", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToDeg},
-    Symbol{"rev", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToRevs},
-    Symbol{"Revs", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToRevs},
-    Symbol{"RPM", {0, 0, -1, 0, 0, 0, 0}, 1.0 / RadToRpm},
-    Symbol{"rpm", {0, 0, -1, 0, 0, 0, 0}, 1.0 / RadToRpm},
+    Symbol{"rad", {0, 0, 0, 0, 0, 0, 0}, 1.0, 1},
+    Symbol{"deg", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToDeg, 1},
+    Symbol{"Deg", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToDeg, 1},
+    Symbol{"rev", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToRevs, 1},
+    Symbol{"Revs", {0, 0, 0, 0, 0, 0, 0}, 1.0 / RadToRevs, 1},
+    Symbol{"RPM", {0, 0, -1, 0, 0, 0, 0}, 1.0 / RadToRpm, 1},
+    Symbol{"rpm", {0, 0, -1, 0, 0, 0, 0}, 1.0 / RadToRpm, 1},
     Symbol{"%", {0, 0, 0, 0, 0, 0, 0}, 0.01},
     Symbol{"g", {1, 0, 0, 0, 0, 0, 0}, 1e-3},
     Symbol{"t", {1, 0, 0, 0, 0, 0, 0}, 1e3},
@@ -36,7 +38,7 @@ constexpr std::array Symbols{
     Symbol{"Sec", {0, 0, 1, 0, 0, 0, 0}},
     Symbol{"min", {0, 0, 1, 0, 0, 0, 0}, 60.0},
     Symbol{"h", {0, 0, 1, 0, 0, 0, 0}, 3600.0},
-    Symbol{"Hz", {0, 0, -1, 0, 0, 0, 0}},
+    Symbol{"Hz", {0, 0, -1, 0, 0, 0, 0}, TwoPi, 1},
     Symbol{"A", {0, 0, 0, 1, 0, 0, 0}},
     Symbol{"Amp", {0, 0, 0, 1, 0, 0, 0}},
     Symbol{"Amps", {0, 0, 0, 1, 0, 0, 0}},
@@ -68,27 +70,30 @@ constexpr std::array Prefixes{Prefix{'n', 1e-9}, Prefix{'u', 1e-6}, Prefix{'m', 
                               Prefix{'c', 1e-2}, Prefix{'d', 1e-1}, Prefix{'k', 1e3},
                               Prefix{'M', 1e6},  Prefix{'G', 1e9}};
 
-struct Sized {
-  Unit Powers;
-  double Size = 1.0;
-};
+Unit UnitOf(const Symbol& symbol, double prefix = 1.0) {
+  const double size = symbol.Size * prefix;
+  const bool cycles = symbol.Name == "Hz";
+  return {symbol.Powers, symbol.Angle, size, cycles ? size / TwoPi : size, false};
+}
 
-std::optional<Sized> FindSymbol(std::string_view name) {
-  const auto whole = [](std::string_view text) -> std::optional<Sized> {
+std::optional<Unit> FindSymbol(std::string_view name) {
+  const auto whole = [](std::string_view text, double prefix) -> std::optional<Unit> {
     const auto* const found = std::find_if(Symbols.begin(), Symbols.end(),
                                            [&](const Symbol& s) { return s.Name == text; });
     if (found == Symbols.end()) return {};
-    return Sized{{found->Powers}, found->Size};
+    return UnitOf(*found, prefix);
   };
-  if (const auto found = whole(name)) return found;
+  if (const auto found = whole(name, 1.0)) return found;
   if (name.size() < 2) return {};
   for (const Prefix& prefix : Prefixes) {
-    if (name.front() != prefix.Letter) continue;
-    std::optional<Sized> found = whole(name.substr(1));
-    if (found) found->Size *= prefix.Size;
-    return found;
+    if (name.front() == prefix.Letter) return whole(name.substr(1), prefix.Size);
   }
   return {};
+}
+
+bool Same(double a, double b) {
+  constexpr double Rounding = 1e-6;
+  return std::abs(a - b) <= Rounding * std::abs(b);
 }
 
 /// Factors with powers, joined by "." or "-" and "/".
@@ -96,8 +101,8 @@ class UnitParser {
  public:
   explicit UnitParser(std::string_view text) : text_(text) {}
 
-  std::optional<Sized> Read() {
-    Sized unit;
+  std::optional<Unit> Read() {
+    Unit unit;
     int sign = 1;
     while (true) {
       if (!ReadFactor(unit, sign)) return {};
@@ -112,13 +117,13 @@ class UnitParser {
   }
 
  private:
-  bool ReadFactor(Sized& unit, int sign) {
+  bool ReadFactor(Unit& unit, int sign) {
     if (position_ < text_.size() && text_[position_] == '(') {
       const std::size_t end = text_.find(')', position_);
       if (end == std::string_view::npos) return false;
       const auto inside = UnitParser(text_.substr(position_ + 1, end - position_ - 1)).Read();
       position_ = end + 1;
-      if (inside) Take(unit, *inside, sign);
+      if (inside) unit = unit.Times(*inside, sign);
       return inside.has_value();
     }
     const std::size_t start = position_;
@@ -132,7 +137,7 @@ class UnitParser {
     if (!found) return false;
     const int power = ReadPower();
     if (power == 0) return false;
-    Take(unit, *found, sign * power);
+    unit = unit.Times(*found, sign * power);
     return true;
   }
 
@@ -150,12 +155,6 @@ class UnitParser {
 
   static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-  static void Take(Sized& unit, const Sized& factor, int power) {
-    unit.Powers = unit.Powers.Times(factor.Powers, power);
-    for (int i = 0; i < power; ++i) unit.Size *= factor.Size;
-    for (int i = 0; i > power; --i) unit.Size /= factor.Size;
-  }
-
   std::string_view text_;
   std::size_t position_ = 0;
 };
@@ -163,40 +162,87 @@ class UnitParser {
 }  // namespace
 
 Unit Unit::Times(const Unit& other, int power) const {
+  static constexpr int Most = 1000;
+  const auto sum = [power](int own, int more) {
+    return std::clamp(own + power * more, -Most, Most);
+  };
   Unit product = *this;
   for (std::size_t i = 0; i < Bases; ++i) {
-    int& own = product.Powers.at(i);
-    own = std::clamp(own + power * other.Powers.at(i), -1000, 1000);
+    product.Powers.at(i) = sum(Powers.at(i), other.Powers.at(i));
   }
+  product.Angle = sum(Angle, other.Angle);
+  product.Size *= std::pow(other.Size, power);
+  product.Count *= std::pow(other.Count, power);
+  product.Celsius = false;
   return product;
 }
 
-std::string Unit::Text() const {
-  static constexpr std::array<std::string_view, Bases> names{"kg", "m", "s", "A", "K", "mol", "cd"};
+bool Unit::Fits(const Unit& other) const {
+  if (Powers != other.Powers || Celsius != other.Celsius) return false;
+  return Angle == other.Angle ? Same(Size, other.Size) : Same(Count, other.Count);
+}
+
+namespace {
+
+// "kg.m2/(s.A)" of the base units.
+std::string PowersText(const Unit& unit) {
+  static constexpr std::array<std::string_view, Unit::Bases> names{"kg", "m",   "s", "A",
+                                                                   "K",  "mol", "cd"};
   std::string above;
   std::string below;
-  for (std::size_t i = 0; i < Bases; ++i) {
-    const int power = Powers.at(i);
-    if (power == 0) continue;
+  const auto add = [&](std::string_view name, int power) {
+    if (power == 0) return;
     std::string& side = power > 0 ? above : below;
     if (!side.empty()) side += '.';
-    side += names.at(i);
+    side += name;
     if (std::abs(power) != 1) side += std::to_string(std::abs(power));
-  }
+  };
+  for (std::size_t i = 0; i < Unit::Bases; ++i) add(names.at(i), unit.Powers.at(i));
+  add("rad", unit.Angle);
   if (above.empty()) above += '1';
   if (below.empty()) return above;
-  above += '/';
   const bool several = below.find('.') != std::string::npos;
-  if (several) above += '(';
+  above += several ? "/(" : "/";
   above += below;
   if (several) above += ')';
   return above;
 }
 
+}  // namespace
+
+std::string Unit::Text() const {
+  if (Celsius) return "degC";
+  const auto isThis = [this](const Unit& other) {
+    return other.Powers == Powers && other.Angle == Angle && Same(Size, other.Size);
+  };
+  for (const Symbol& symbol : Symbols) {
+    if (isThis(UnitOf(symbol))) return std::string(symbol.Name);
+  }
+  for (const Symbol& symbol : Symbols) {
+    for (const Prefix& prefix : Prefixes) {
+      const bool counts = symbol.Powers == std::array<int, Bases>{} && symbol.Angle == 0;
+      if (!counts && isThis(UnitOf(symbol, prefix.Size))) {
+        std::string name(1, prefix.Letter);
+        return name.append(symbol.Name);
+      }
+    }
+  }
+  std::string text = Same(Size, 1.0) ? std::string() : FormatGeneral(Size, 6, 1) + ' ';
+  return text.append(PowersText(*this));
+}
+
 std::optional<Unit> ParseUnit(std::string_view text) {
-  const auto unit = UnitParser(text).Read();
-  if (!unit) return {};
-  return unit->Powers;
+  std::optional<Unit> unit = UnitParser(text).Read();
+  if (unit) unit->Celsius = text == "degC";
+  return unit;
+}
+
+std::optional<Unit> UnitOfSum(const Unit& left, const Unit& right, bool difference) {
+  Unit sum = left;
+  sum.Celsius = right.Celsius;
+  if (!sum.Fits(right) || (difference && right.Celsius && !left.Celsius)) return {};
+  sum.Celsius = difference ? left.Celsius && !right.Celsius : left.Celsius || right.Celsius;
+  return sum;
 }
 
 std::optional<double> DisplayFactor(std::string_view unit, std::string_view displayUnit) {
@@ -205,10 +251,16 @@ std::optional<double> DisplayFactor(std::string_view unit, std::string_view disp
   if (unit == "rad/s" && displayUnit == "RPM") return RadToRpm;
   if (unit == "rad" && displayUnit == "Revs") return RadToRevs;
   if (unit == "rad" && displayUnit == "Deg") return RadToDeg;
-  const auto from = UnitParser(unit).Read();
-  const auto to = UnitParser(displayUnit).Read();
-  if (!from || !to || from->Powers != to->Powers) return {};
-  return from->Size / to->Size;
+  const auto from = ParseUnit(unit);
+  const auto to = ParseUnit(displayUnit);
+  if (!from || !to || from->Powers != to->Powers || from->Celsius != to->Celsius) return {};
+  const bool alike = from->Angle == to->Angle;
+  const double factor = alike ? from->Size / to->Size : from->Count / to->Count;
+  // How many turns or degrees a count of 1 is nobody knows; it stands for a radian or a cycle.
+  const double counted = std::log10(from->Angle == 0 ? to->Count : from->Count);
+  if (!alike && !(std::abs(counted - std::round(counted)) < 1e-9)) return {};
+  const double whole = std::round(factor);
+  return std::abs(factor - whole) < 1e-12 * whole ? whole : factor;
 }
 
 }  // namespace torvane::loops

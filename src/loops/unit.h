@@ -7,15 +7,23 @@
 
 namespace torvane::loops {
 
-/// Powers of the base units kg, m, s, A, K, mol and cd; angles and counts have none. What has the
-/// same powers can be added and compared, whatever its size.
+/// What a number measures, and in which size: powers of the base units kg, m, s, A, K, mol and cd,
+/// and of the angle, which counts or not as a user likes: 1/s fits both rad/s and Hz, which do not
+/// fit each other.
 struct Unit {
   static constexpr std::size_t Bases = 7;
   std::array<int, Bases> Powers{};
+  int Angle = 0;
+  double Size = 1.0;     ///< in base units; a cycle is 2 pi radians
+  double Count = 1.0;    ///< the same with a cycle for 1
+  bool Celsius = false;  ///< a temperature that is counted from the ice point
 
   bool operator==(const Unit&) const = default;
   Unit Times(const Unit& other, int power = 1) const;
-  /// As users write it, "kg.m2/s2"; "1" without any base.
+  /// Values in the two units can be compared, and each set where the other is asked for.
+  bool Fits(const Unit& other) const;
+  /// The common name, "V", or powers of base units with their size, "0.001 kg.m2/s2"; "1" without
+  /// any.
   std::string Text() const;
 };
 
@@ -23,8 +31,12 @@ struct Unit {
 /// known.
 std::optional<Unit> ParseUnit(std::string_view text);
 
-/// By how much a value in `unit` is to be multiplied to be shown in `displayUnit`; nothing when the
-/// two are not known to measure the same.
+/// Of a sum or difference: degC less degC is K, and K can be added to degC. Nothing when the two do
+/// not fit.
+std::optional<Unit> UnitOfSum(const Unit& left, const Unit& right, bool difference);
+
+/// By how much a value in `unit` is to be multiplied to be shown in `displayUnit`; nothing when no
+/// factor does that.
 std::optional<double> DisplayFactor(std::string_view unit, std::string_view displayUnit);
 
 }  // namespace torvane::loops

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "core/names.h"
 #include "loops/checker.h"
 #include "loops/expression_parser.h"
 
@@ -30,12 +29,10 @@ void Checker::WireBlocks() {
 }
 
 void Checker::WireBlock(const BlockDraft& block) {
-  std::vector<std::string> known;
-  for (const BlockInput& input : block.Type->Inputs) known.emplace_back(input.Name);
-  for (const BlockParameter& parameter : block.Type->Parameters) {
-    known.emplace_back(parameter.Name);
-  }
-  RefuseModifiersBut(block.Text->Modifiers, known, std::string(block.Type->Name));
+  Words known;
+  for (const BlockInput& input : block.Type->Inputs) known.push_back(input.Name);
+  for (const BlockParameter& parameter : block.Type->Parameters) known.push_back(parameter.Name);
+  RefuseModifiersBut(block.Text->Modifiers, known, block.Type->Name);
   const std::size_t planned = block.Planned;
   if (block.Type->WrongSizes) {
     const char* const wrong = block.Type->WrongSizes(plan_->Blocks[planned].Numbers);
@@ -80,8 +77,8 @@ void Checker::TakeParameters(const BlockDraft& block, LoopPlan::Block& planned) 
                                    [](const auto& p) { return p.Name == "samplePeriod"; });
   const Modifier* const written = period == parameters.end() ? nullptr : given("samplePeriod");
   if (written && written->Value) {
-    planned.Clock =
-        ClockOf(Expression(Kind::Number, written->Where, 0.0), *written->Value, written->Where);
+    planned.Clock = ClockOf(Expression(Kind::Number, written->Where, 0.0), *written->Value,
+                            written->Where, false);
   }
 }
 
@@ -232,13 +229,17 @@ int Checker::DelayBlock(const Expression& call, const Context& context) {
 }
 
 // Equal clocks are one.
-int Checker::ClockOf(const Expression& start, const Expression& period, Place where) {
+int Checker::ClockOf(const Expression& start, const Expression& period, Place where,
+                     bool compareUnits) {
   Context context;
   context.ConstantOnly = true;
   const auto placed = [&](const Expression& expression) {
     Node node;
     node.Value = ResolveNumber(expression, context);
     if (node.Value.What == Term::Type::Unknown) return -1;
+    if (compareUnits) {
+      CompareUnits(ParseUnit("s"), node.Value.Dimension, expression.Where, "\"sample\"");
+    }
     if (node.Value.IsLeaf()) return node.Value.Register;
     // The same computation as that of another clock.
     for (const Node& known : constants_) {
@@ -259,6 +260,10 @@ int Checker::ClockOf(const Expression& start, const Expression& period, Place wh
   for (std::size_t i = 0; i < plan_->Clocks.size(); ++i) {
     const LoopPlan::Clock& clock = plan_->Clocks[i];
     if (clock.Start == startRegister && clock.Period == periodRegister) return static_cast<int>(i);
+  }
+  if (plan_->Clocks.size() == MaxClocks) {
+    problems_.Error(where, "a loop has at most " + std::to_string(MaxClocks) + " sample periods");
+    return -1;
   }
   plan_->Clocks.push_back({where, startRegister, periodRegister});
   return static_cast<int>(plan_->Clocks.size()) - 1;

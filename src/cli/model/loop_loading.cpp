@@ -4,6 +4,7 @@
 #include "core/files/loop_record.h"
 #include "core/files/model_file.h"
 #include "loops/loop_file.h"
+#include "models/catalogue.h"
 
 namespace torvane::cli {
 namespace {
@@ -11,7 +12,7 @@ namespace {
 enum class Doubts { Passed, Printed };
 
 loops::LoopFile Read(const std::string& path, Console& console, Doubts doubts) {
-  loops::LoopFile file = loops::ReadLoopFile(path);
+  loops::LoopFile file = loops::ReadLoopFile(path, ModelNames());
   if (!file.Fault.empty()) throw FileError(file.Fault);
   for (const loops::Problem& problem : file.Reading.Problems) {
     if (problem.Warning && doubts == Doubts::Passed) continue;
@@ -42,7 +43,12 @@ void AddLoopOf(const std::string& modelFile, const std::string& text, Catalogue&
                Console& console) {
   const std::string name = ModelNameIn(text);
   const std::string wasAt = LoopFileIn(text);
-  if (wasAt.empty() || catalogue.Find(name)) return;
+  if (wasAt.empty()) return;
+  if (FindModel(name) >= 0) {
+    throw FileError(modelFile + " is for a loop of the name \"" + name +
+                    "\", which a built-in model has; give the loop one of its own");
+  }
+  if (catalogue.Find(name)) return;
   const std::string path = loops::FindLoopFile(wasAt, modelFile);
   if (path.empty()) {
     throw FileError(modelFile + " is for the loop \"" + name + "\" in " + wasAt +

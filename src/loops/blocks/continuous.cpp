@@ -36,24 +36,21 @@ class LowPass1Block final : public FilterBlock<LowPass1Block, LowPass1> {
  public:
   explicit LowPass1Block(const BlockMaking& making) : FilterBlock(making.Numbers, LowPass1(0.0)) {}
   void Prepare() override { library_.SetFrequency(wiring_.Parameter(0)); }
+  const char* Fault() const override { return wiring_.NotNegative(0) ? nullptr : NegativeFilter; }
 };
 
-class LowPass2Block final : public FilterBlock<LowPass2Block, LowPass2> {
+template <class Filter>
+class SecondOrderBlock final : public FilterBlock<SecondOrderBlock<Filter>, Filter> {
  public:
-  explicit LowPass2Block(const BlockMaking& making)
-      : FilterBlock(making.Numbers, LowPass2(0.0, 0.0)) {}
+  explicit SecondOrderBlock(const BlockMaking& making)
+      : FilterBlock<SecondOrderBlock, Filter>(making.Numbers, Filter(0.0, 0.0)) {}
+
   void Prepare() override {
-    library_.SetFrequency(wiring_.Parameter(0));
-    library_.SetDamping(wiring_.Parameter(1));
+    this->library_.SetFrequency(this->wiring_.Parameter(0));
+    this->library_.SetDamping(this->wiring_.Parameter(1));
   }
-};
-
-class NotchBlock final : public FilterBlock<NotchBlock, Notch> {
- public:
-  explicit NotchBlock(const BlockMaking& making) : FilterBlock(making.Numbers, Notch(0.0, 0.0)) {}
-  void Prepare() override {
-    library_.SetFrequency(wiring_.Parameter(0));
-    library_.SetDamping(wiring_.Parameter(1));
+  const char* Fault() const override {
+    return this->wiring_.NotNegative(0, 1) ? nullptr : NegativeFilter;
   }
 };
 
@@ -64,6 +61,9 @@ class TwoPoleTwoZeroBlock final : public FilterBlock<TwoPoleTwoZeroBlock, Notch>
   void Prepare() override {
     library_ = Notch(wiring_.Parameter(0), wiring_.Parameter(1), wiring_.Parameter(2),
                      wiring_.Parameter(3));
+  }
+  const char* Fault() const override {
+    return wiring_.NotNegative(0, 1, 2, 3) ? nullptr : NegativeFilter;
   }
 };
 
@@ -78,7 +78,7 @@ class TwoInertiaBlock final : public LibraryBlock<TwoInertiaBlock, TwoInertiaMec
       if (!(wiring_.Parameter(inertia) > 0.0)) return "JM and JL must be above 0";
     }
     for (std::size_t i = 2; i < wiring_.ParameterCount(); ++i) {
-      if (!(wiring_.Parameter(i) >= 0.0)) return "no parameter may be below 0";
+      if (!wiring_.NotNegative(i)) return "no parameter may be below 0";
     }
     if (wiring_.Parameter(4) == 0.0) return "gear must be above 0";
     if (wiring_.Parameter(8) == 0.0 || wiring_.Parameter(12) == 0.0) {
@@ -88,25 +88,16 @@ class TwoInertiaBlock final : public LibraryBlock<TwoInertiaBlock, TwoInertiaMec
   }
 
   void Prepare() override {
-    if (Fault()) return;
-    // What sticks stays stuck unless the friction itself has changed.
-    const std::vector<double> fixed = Fixed();
-    if (fixed != fixed_) {
-      fixed_ = fixed;
-      library_ = TwoInertiaMechanism({1.0,
-                                      1.0,
-                                      1.0,
-                                      1.0,
-                                      fixed[0],
-                                      fixed[1],
-                                      {fixed[2], fixed[3], fixed[4]},
-                                      fixed[5],
-                                      {fixed[6], fixed[7], fixed[8]}});
-    }
-    library_.SetJM(wiring_.Parameter(0));
-    library_.SetJL(wiring_.Parameter(1));
-    library_.SetKS(wiring_.Parameter(2));
-    library_.SetKCV(wiring_.Parameter(3));
+    const auto p = [this](std::size_t i) { return wiring_.Parameter(i); };
+    library_.SetSettings({.JM = p(0),
+                          .JL = p(1),
+                          .KS = p(2),
+                          .KCV = p(3),
+                          .Gear = p(4),
+                          .KVM = p(5),
+                          .MotorFriction = {p(6), p(7), p(8)},
+                          .KVL = p(9),
+                          .LoadFriction = {p(10), p(11), p(12)}});
   }
 
   void TakeInputs(TwoInertiaMechanism& mechanism) {
@@ -124,17 +115,6 @@ class TwoInertiaBlock final : public LibraryBlock<TwoInertiaBlock, TwoInertiaMec
     *wiring_.Output(5) = mechanism.Load().Acceleration;
     *wiring_.Output(6) = mechanism.ShaftTorque();
   }
-
- private:
-  std::vector<double> Fixed() const {
-    std::vector<double> values;
-    for (std::size_t i = 4; i < wiring_.ParameterCount(); ++i) {
-      values.push_back(wiring_.Parameter(i));
-    }
-    return values;
-  }
-
-  std::vector<double> fixed_;
 };
 
 template <int Count>
@@ -159,14 +139,14 @@ std::vector<BlockType> LibraryBlockTypes() {
        {{"u"}},
        {{"f", "Hz"}, {"zeta", "1", "0.707"}},
        {"y"},
-       BlockCode::Of<LowPass2Block>(),
+       BlockCode::Of<SecondOrderBlock<LowPass2>>(),
        States<2>},
       {"Torvane.Continuous.Notch",
        late,
        {{"u"}},
        {{"f", "Hz"}, {"zeta", "1", "0.707"}},
        {"y"},
-       BlockCode::Of<NotchBlock>(),
+       BlockCode::Of<SecondOrderBlock<Notch>>(),
        States<2>},
       {"Torvane.Continuous.TwoPoleTwoZero",
        late,

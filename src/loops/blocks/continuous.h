@@ -3,6 +3,7 @@
 #include <tuple>
 #include <vector>
 
+#include "core/time_driven.h"
 #include "core/variable.h"
 #include "loops/block_type.h"
 
@@ -18,9 +19,14 @@ class LibraryBlock : public Block {
  public:
   void Update(const Moment& /*now*/) override { Evaluate(library_); }
 
-  void Reset(ResetKind kind) final {
+  void Reset() final { library_.FollowReset(ResetKind::Everything); }
+
+  void Carry(Carried& carried) final { carried.Keep(library_); }
+
+  void FollowStates() final {
+    Self().TakeInputs(library_);
     LendStates(library_);
-    library_.FollowReset(kind);
+    library_.FollowReset(ResetKind::States);
     Self().HandOutputs(library_);
   }
 

@@ -88,9 +88,7 @@ struct ZerosAndPoles {
 template <class Form>
 class LinearBlock : public Block {
  public:
-  void Prepare() override {
-    if (!Form::Fault(wiring_)) system_ = Form::From(wiring_);
-  }
+  void Prepare() override { system_ = Form::From(wiring_); }
   const char* Fault() const final { return Form::Fault(wiring_); }
 
  protected:
@@ -115,7 +113,6 @@ class ContinuousLinear final : public LinearBlock<Form> {
     *this->y_ = this->system_.Output(states_, *this->u_);
   }
   void Update(const Moment& /*now*/) override { this->system_.Move(states_, *this->u_, slopes_); }
-  void Reset(ResetKind /*kind*/) override {}
 
  private:
   const double* states_;
@@ -138,9 +135,12 @@ class SampledLinear final : public LinearBlock<Form> {
   }
   void Update(const Moment& /*now*/) override {
     this->system_.Move(x_.data(), *this->u_, next_.data());
-    x_.swap(next_);
+    std::copy(next_.begin(), next_.end(), x_.begin());
   }
-  void Reset(ResetKind /*kind*/) override { std::fill(x_.begin(), x_.end(), 0.0); }
+  void Reset() override { std::fill(x_.begin(), x_.end(), 0.0); }
+  void Carry(Carried& carried) override {
+    for (double& x : x_) carried.Number(x);
+  }
 
  private:
   std::vector<double> x_;
@@ -167,7 +167,7 @@ void AddType(std::vector<BlockType>& types, std::string_view continuous, std::st
                    withPeriod,
                    {"y"},
                    BlockCode::Of<SampledLinear<Form>>(),
-                   nullptr,
+                   Form::Order,
                    Form::Through,
                    Form::WrongSizes});
 }

@@ -12,9 +12,6 @@ namespace torvane::loops {
 namespace {
 
 class OneToOne : public Block {
- public:
-  void Reset(ResetKind /*kind*/) override {}
-
  protected:
   explicit OneToOne(const BlockMaking& making)
       : wiring_(making.Numbers), u_(wiring_.Input(0)), y_(wiring_.Output(0)) {}
@@ -76,6 +73,9 @@ class QuantiserBlock final : public OneToOne {
   void Prepare() override {
     step_ = wiring_.Parameter(0);
     down_ = wiring_.Parameter(1) != 0.0;
+  }
+  const char* Fault() const override {
+    return wiring_.NotNegative(0) ? nullptr : "step must not be below 0; at 0 nothing is rounded";
   }
   void Output(const Moment& /*now*/) override {
     *y_ = down_ ? FloorToStep(*u_, step_) : RoundToStep(*u_, step_);
@@ -173,11 +173,15 @@ class DeadTimeBlock final : public OneToOne {
   }
 
   void Prepare() override {
-    back_ = std::clamp(wiring_.Parameter(0) / step_, 1.0, MostSteps);
+    back_ = std::max(wiring_.Parameter(0) / step_, 1.0);
     start_ = wiring_.Parameter(1);
     const auto needed = static_cast<std::size_t>(back_) + 2;
     if (needed > past_.size()) Grow(needed);
     if (!begun_) Forget();
+  }
+
+  std::size_t Remembered() const override {
+    return static_cast<std::size_t>(wiring_.Parameter(0) / step_) + 2;
   }
 
   void Output(const Moment& now) override {
@@ -192,15 +196,24 @@ class DeadTimeBlock final : public OneToOne {
 
   void Update(const Moment& now) override {
     if (!now.BeginsStep()) return;
-    if (recorded_ != now.Time) last_ = last_ + 1 == past_.size() ? 0 : last_ + 1;
+    if (recorded_ != now.Time) Advance();
     past_[last_] = *u_;
     recorded_ = now.Time;
     begun_ = true;
   }
 
-  void Reset(ResetKind /*kind*/) override {
+  void Reset() override {
     Forget();
     begun_ = false;
+  }
+
+  void Carry(Carried& carried) override {
+    std::rotate(past_.begin(), past_.begin() + static_cast<std::ptrdiff_t>(last_) + 1, past_.end());
+    last_ = past_.size() - 1;
+    inPlace_ = true;
+    for (double& u : past_) carried.Number(u);
+    carried.Keep(recorded_);
+    carried.Period(step_);
   }
 
  private:
@@ -209,6 +222,14 @@ class DeadTimeBlock final : public OneToOne {
   double Past(std::size_t ago) const {
     ago = std::min(ago, past_.size() - 1);
     return past_[last_ >= ago ? last_ - ago : last_ + past_.size() - ago];
+  }
+
+  void Advance() {
+    if (inPlace_) {
+      std::copy(past_.begin() + 1, past_.end(), past_.begin());
+    } else {
+      last_ = last_ + 1 == past_.size() ? 0 : last_ + 1;
+    }
   }
 
   // What was recorded stays, and before it nothing was known.
@@ -231,6 +252,7 @@ class DeadTimeBlock final : public OneToOne {
   std::size_t last_ = 0;
   double recorded_ = -1.0;  ///< the time of the last of them
   bool begun_ = false;
+  bool inPlace_ = false;  ///< no ring: u of each time ago has a place of its own
 };
 
 /// y = u of the evaluation before, a fraction of a step ago.
@@ -239,7 +261,6 @@ class MemoryBlock final : public OneToOne {
   explicit MemoryBlock(const BlockMaking& making) : OneToOne(making) {}
 
   void Update(const Moment& /*now*/) override { *y_ = *u_; }
-  void Reset(ResetKind /*kind*/) override { *y_ = 0.0; }
 };
 
 /// Coulomb friction with a static region, of a position and a velocity.
@@ -252,32 +273,24 @@ class FrictionBlock final : public Block {
         torque_(wiring_.Output(0)) {}
 
   const char* Fault() const override {
-    if (!(wiring_.Parameter(0) >= 0.0) || !(wiring_.Parameter(1) >= 0.0)) {
-      return "TC and TS must not be below 0";
-    }
+    if (!wiring_.NotNegative(0, 1)) return "TC and TS must not be below 0";
     return wiring_.Parameter(2) > 0.0 ? nullptr : "PS must be above 0";
   }
   void Prepare() override {
-    const FrictionSettings wanted{wiring_.Parameter(0), wiring_.Parameter(1), wiring_.Parameter(2)};
-    if (Fault() ||
-        (wanted.TC == settings_.TC && wanted.TS == settings_.TS && wanted.PS == settings_.PS)) {
-      return;
-    }
-    settings_ = wanted;
-    friction_ = ZelFricCalc(settings_);
+    friction_.SetSettings({wiring_.Parameter(0), wiring_.Parameter(1), wiring_.Parameter(2)});
   }
   void Output(const Moment& /*now*/) override {
     *torque_ = friction_.Friction(*position_, *velocity_);
   }
-  void Reset(ResetKind /*kind*/) override { friction_.Reset(ResetKind::Everything); }
+  void Reset() override { friction_.Reset(ResetKind::Everything); }
+  void Carry(Carried& carried) override { carried.Keep(friction_); }
 
  private:
   const Wiring wiring_;
   const double* position_;
   const double* velocity_;
   double* torque_;
-  FrictionSettings settings_;
-  ZelFricCalc friction_{settings_};
+  ZelFricCalc friction_{FrictionSettings{}};
 };
 
 int OneState(const Placing& /*placing*/) {

@@ -1,5 +1,6 @@
 #include "loops/blocks/sampled.h"
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -41,16 +42,37 @@ class Workshop {
   std::vector<std::unique_ptr<Constant>> gains_;
 };
 
+// What the one remembers goes over to the other, which is of its kind.
+void HandOver(ZelDLibraryClass& from, ZelDLibraryClass& to) {
+  Carried before;
+  Carried after;
+  from.Carry(before);
+  to.Carry(after);
+  for (std::size_t i = 0; i < after.Numbers().size(); ++i) {
+    *after.Numbers()[i] = *before.Numbers()[i];
+  }
+}
+
 template <class Filter>
 class SampledFilter : public Block {
  public:
   void Output(const Moment& /*now*/) final { *y_ = filter_->Step(*u_); }
-  void Reset(ResetKind /*kind*/) final { filter_->Reset(ResetKind::Everything); }
+  void Reset() final { filter_->Reset(ResetKind::Everything); }
+  void Carry(Carried& carried) final { filter_->Carry(carried); }
 
-  // The coefficients' period is the last parameter but for the clock's own.
   void Prepare() final {
-    workshop_.SetPeriod(wiring_.Parameter(wiring_.ParameterCount() - 1));
+    workshop_.SetPeriod(DesignPeriod());
     SetParameters();
+  }
+  const char* Fault() const final {
+    if (!(DesignPeriod() > 0.0)) return "coefficientPeriod must be above 0";
+    return ValidParameters() ? nullptr : NegativeFilter;
+  }
+  const char* Doubt() const final {
+    constexpr double Highest = 0.5;  // periods a sample
+    return HighestFrequency() * DesignPeriod() > Highest
+               ? "its frequency is beyond half the sample frequency, from where it counts back"
+               : nullptr;
   }
 
  protected:
@@ -62,17 +84,25 @@ class SampledFilter : public Block {
         filter_(std::make_unique<Filter>(workshop_.Clock(), args...)) {}
 
   virtual void SetParameters() = 0;
+  virtual bool ValidParameters() const = 0;
+  /// Of what resonates.
+  virtual double HighestFrequency() const { return 0.0; }
 
   Filter& TheFilter() { return *filter_; }
-  /// For parameters that a filter takes only when it is made; its past stays behind.
+  /// For parameters that a filter takes only when it is made.
   template <class... Args>
   void Remake(Args... args) {
-    filter_ = std::make_unique<Filter>(workshop_.Clock(), args...);
+    auto made = std::make_unique<Filter>(workshop_.Clock(), args...);
+    HandOver(*filter_, *made);
+    filter_ = std::move(made);
   }
 
   const Wiring wiring_;
 
  private:
+  // The last parameter but for the clock's own.
+  double DesignPeriod() const { return wiring_.Parameter(wiring_.ParameterCount() - 1); }
+
   const double* u_;
   double* y_;
   Workshop workshop_;
@@ -85,6 +115,7 @@ class DLowPass1Block final : public SampledFilter<ZelDLowPass1> {
 
  private:
   void SetParameters() override { TheFilter().SetFrequency(wiring_.Parameter(0)); }
+  bool ValidParameters() const override { return wiring_.NotNegative(0); }
 };
 
 template <class Filter>
@@ -98,6 +129,8 @@ class DSecondOrderBlock final : public SampledFilter<Filter> {
     this->TheFilter().SetFrequency(this->wiring_.Parameter(0));
     this->TheFilter().SetDamping(this->wiring_.Parameter(1));
   }
+  bool ValidParameters() const override { return this->wiring_.NotNegative(0, 1); }
+  double HighestFrequency() const override { return this->wiring_.Parameter(0); }
 };
 
 class DTwoPoleTwoZeroBlock final : public SampledFilter<ZelDNotch> {
@@ -109,6 +142,10 @@ class DTwoPoleTwoZeroBlock final : public SampledFilter<ZelDNotch> {
     Remake(wiring_.Parameter(0), wiring_.Parameter(1), wiring_.Parameter(2), wiring_.Parameter(3),
            0.0);
   }
+  bool ValidParameters() const override { return wiring_.NotNegative(0, 1, 2, 3); }
+  double HighestFrequency() const override {
+    return std::max(wiring_.Parameter(0), wiring_.Parameter(2));
+  }
 };
 
 /// Inputs: command, measurement, feed-forward. Outputs: the controller's and its error.
@@ -119,7 +156,8 @@ class ControllerBlock : public Block {
     *y_ = controller_->Update(*command_, *measured_, *feedForward_);
     *e_ = controller_->Error();
   }
-  void Reset(ResetKind /*kind*/) final { controller_->Reset(ResetKind::Everything); }
+  void Reset() final { controller_->Reset(ResetKind::Everything); }
+  void Carry(Carried& carried) final { controller_->Carry(carried); }
 
   void Prepare() final {
     workshop_.SetPeriod(wiring_.Parameter(0));
@@ -131,10 +169,13 @@ class ControllerBlock : public Block {
     if (controller_ && limit == limit_ && windUp == windUp_) return;
     limit_ = limit;
     windUp_ = windUp;
-    controller_ = MakeController();
+    std::unique_ptr<Controller> made = MakeController();
+    if (controller_) HandOver(*controller_, *made);
+    controller_ = std::move(made);
   }
   const char* Fault() const final {
-    return wiring_.Parameter(0) > 0.0 ? nullptr : "samplePeriod must be above 0";
+    if (!(wiring_.Parameter(0) > 0.0)) return "samplePeriod must be above 0";
+    return wiring_.NotNegative(1, 2) ? nullptr : "neither yMax nor windUp may be below 0";
   }
 
  protected:
@@ -218,7 +259,8 @@ class UnitDelayBlock final : public Block {
 
   void Output(const Moment& /*now*/) override { *y_ = held_; }
   void Update(const Moment& /*now*/) override { held_ = *u_; }
-  void Reset(ResetKind /*kind*/) override { held_ = 0.0; }
+  void Reset() override { held_ = 0.0; }
+  void Carry(Carried& carried) override { carried.Number(held_); }
 
  private:
   const Wiring wiring_;
@@ -251,7 +293,11 @@ class HoldBlock final : public Block {
     }
     if (now.Time >= instant_) *y_ = sampled_;
   }
-  void Reset(ResetKind /*kind*/) override { sampled_ = instant_ = 0.0; }
+  void Reset() override { sampled_ = instant_ = 0.0; }
+  void Carry(Carried& carried) override {
+    carried.Number(sampled_);
+    carried.Keep(instant_);
+  }
 
  private:
   const Wiring wiring_;

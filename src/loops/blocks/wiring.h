@@ -20,6 +20,9 @@ struct Placing {
   int States = 0;
 };
 
+/// What filters say of a frequency or a damping below 0.
+inline constexpr const char* NegativeFilter = "neither frequency nor damping may be below 0";
+
 /// Holds of no placing.
 inline bool Never(const Placing& /*placing*/) {
   return false;
@@ -45,6 +48,11 @@ class Wiring {
   std::size_t ListSize(std::size_t index) const { return placing_.Parameters[index].size(); }
   std::size_t RowLength(std::size_t index) const {
     return static_cast<std::size_t>(placing_.RowLengths[index]);
+  }
+  /// Whether these parameters are 0 or above.
+  template <class... Index>
+  bool NotNegative(Index... index) const {
+    return ((Parameter(static_cast<std::size_t>(index)) >= 0.0) && ...);
   }
   std::size_t ParameterCount() const { return placing_.Parameters.size(); }
   double* States() const { return registers_ + placing_.FirstState; }
