@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QDialog>
+#include <QDockWidget>
 #include <QLabel>
 #include <QProgressBar>
 #include <QRadioButton>
@@ -162,7 +163,7 @@ TEST_F(AnalyserWindowTest, MarginsAreReadOffTheTraceOfTheCursors) {
   Press("SBButton2");
   EXPECT_NEAR(row("Smallest phase margin"), 55.62, 1.0);
   EXPECT_NEAR(row("Smallest gain margin"), 14.89, 0.3);
-  table.window()->close();
+  Find<QDockWidget>("TZelMarginsF").close();
   EXPECT_FALSE(In<QAbstractButton>("SBMargins").isChecked());
 }
 

@@ -12,8 +12,10 @@
 #include "core/files/model_file.h"
 #include "desktop.h"
 #include "models/catalogue.h"
+#include "support/expected_lines.h"
 #include "ui/panes/instrument_pane.h"
 #include "ui/panes/instrument_windows.h"
+#include "ui/panes/scope/scope_paint_box.h"
 #include "ui/session/user_settings.h"
 
 namespace torvane {
@@ -85,6 +87,44 @@ TEST_F(WorkspaceTest, AnalysersAndMetersFindRoomOrTakeIt) {
   EXPECT_TRUE(Cover().first);
 }
 
+// Whatever else is open, and nothing over it but an analyser that has no room beside it.
+TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
+  const std::pair<const char*, std::function<void()>> states[] = {
+      {"nothing", [] {}},
+      {"analyser", [this] { Area().Toggle(InstrumentKind::FftAnalyser); }},
+      {"both analysers",
+       [this] {
+         Area().Toggle(InstrumentKind::FftAnalyser);
+         Area().Toggle(InstrumentKind::SweptSine);
+       }},
+      {"four meters",
+       [this] {
+         for (int i = 0; i < 4; ++i) Trigger("MIAddMeter");
+       }},
+      {"experiment", [this] { Find<QMenu>("MExperiments").actions().at(0)->trigger(); }},
+      {"experiment with analyser",
+       [this] { Find<QMenu>("MExperiments").actions().at(3)->trigger(); }}};
+  std::vector<std::string> lines{
+      "# The main window's size and what is open => the scope's graph, without its labels"};
+  for (const QSize size : {QSize(800, 600), Small, QSize(1366, 768), QSize(1920, 1080)}) {
+    for (const auto& [name, open] : states) {
+      Panel = std::make_unique<TZelControlPanelF>(Data, "3-1 PI Controller");
+      Panel->resize(size);
+      Panel->show();
+      QCoreApplication::processEvents();
+      open();
+      for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+      const ScreenPixels graph = Find<ScopePaintBox>("PBScreen").Pixels();
+      EXPECT_GE(graph.Width(), size.width() >= 1280 ? 400 : 300) << size.width() << name;
+      EXPECT_GE(graph.Height(), size.width() >= 1280 ? 250 : 180) << size.width() << name;
+      const auto text = [](int a, int b) { return std::to_string(a) + "x" + std::to_string(b); };
+      lines.push_back(text(size.width(), size.height()) + " " + name + " => " +
+                      text(graph.Width(), graph.Height()));
+    }
+  }
+  test::ExpectLines("ui/graphs.txt", lines);
+}
+
 TEST_F(WorkspaceTest, TheEngineKnowsTheWindowsPlacement) {
   InstrumentFrame& scope = *Area().Frames()[0];
   const WindowPlacement& placement = scope.Pane().Engine().Placement;
@@ -106,7 +146,7 @@ TEST_F(WorkspaceTest, APaneOpenedHiddenShownAndClosedAHundredTimesLeavesNothing)
   };
   const auto without = entries();
   const QRect alone = Area().Frames()[0]->geometry();
-  EXPECT_GT(alone.width(), before.width());
+  EXPECT_GT(alone.height(), before.height());
   Click("SBRun");
   ASSERT_TRUE(QTest::qWaitFor([&] { return Panel->Model()->Time() > 0.0; }));
   for (int i = 0; i < 100; ++i) {

@@ -21,6 +21,8 @@ constexpr int TicksPerDivision = 5;
 constexpr int WidestLeftLabel = 7;         // characters of the left labels that always have room
 constexpr double LegendTakesAtMost = 0.3;  // of the picture's height
 constexpr double NamesTakeAtMost = 0.15;   // of the screen's width
+constexpr double WidePlate = 400.0;        // that names leave
+constexpr double HighPlate = 250.0;        // that a legend below leaves
 
 // From a point to the line between two points of a trace.
 double Distance(const QPointF& from, const TracePoint& a, const TracePoint& b) {
@@ -47,18 +49,39 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   markFont_.setBold(true);
   const int margin = Scaled(PlotMargin);
   PlaceLegend(size.width() - 2 * margin);
-  while (!legendPlaces_.empty() &&
-         legendPlaces_.back().bottom() > LegendTakesAtMost * size.height()) {
-    legendPlaces_.pop_back();
+  PlacePlate(0);
+  const std::size_t below = EntriesBelow();
+  if (below > 0) PlacePlate(legendPlaces_[below - 1].bottom() + 1);
+  const int numbers = QFontMetrics(numberFont_).height();
+  for (std::size_t i = 0; i < below; ++i) {
+    legendPlaces_[i].translate(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
   }
-  PlacePlate(legendPlaces_.empty() ? 0 : legendPlaces_.back().bottom() + 1);
-  for (QRect& place : legendPlaces_) {
-    const int numbers = QFontMetrics(numberFont_).height();
-    place.translate(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
-  }
+  PlaceWithin(below);
   drawn_ = 0;
   traces_.clear();
   touched_.Clear(plate_.size());
+}
+
+// The legend's rows leave the screen most of the picture, and enough height.
+std::size_t ScopePainter::EntriesBelow() const {
+  const auto fits = [&](int legend) {
+    return legend <= LegendTakesAtMost * size_.height() &&
+           plate_.height() - legend >= Scaled(HighPlate);
+  };
+  std::size_t count = legendPlaces_.size();
+  while (count > 0 && !fits(legendPlaces_[count - 1].bottom() + 1)) --count;
+  return count;
+}
+
+// The other entries stand on the screen, from its lower left corner upwards; on a tiny one nowhere.
+void ScopePainter::PlaceWithin(std::size_t first) {
+  int bottom = plate_.bottom() - Scaled(LabelGap);
+  for (std::size_t i = legendPlaces_.size(); i > first; --i) {
+    QRect& place = legendPlaces_[i - 1];
+    place.moveBottomLeft({plate_.left() + Scaled(LabelGap), bottom});
+    bottom -= place.height();
+  }
+  if (bottom < plate_.center().y()) legendPlaces_.resize(first);
 }
 
 // Tags have names where these leave the screen nearly all of its width.
@@ -75,7 +98,10 @@ void ScopePainter::PlacePlate(int legendHeight) {
     const int tags = ScreenMarks::TagRoom(labels_, names, markFont_, ratio_) + margin / 2;
     return labels_.Traces.empty() ? least : std::max(least, tags);
   };
-  const bool names = right(true) - right(false) < NamesTakeAtMost * (size_.width() - left);
+  const int room = size_.width() - left;
+  const bool names = right(true) - right(false) < NamesTakeAtMost * room &&
+                     room - right(true) >= Scaled(WidePlate);
+  around_ = QSize(left + right(false), top + bottom - legendHeight);
   plate_ = QRect(left, top, std::max(SmallestPlate, size_.width() - left - right(names)),
                  std::max(SmallestPlate, size_.height() - top - bottom));
   marks_.Layout(plate_, labels_, names, markFont_, ratio_);

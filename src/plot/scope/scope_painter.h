@@ -23,7 +23,11 @@ class ScopePainter {
   explicit ScopePainter(const ZelScope& scope, PaintTime time = PaintTime::Frame)
       : scope_(scope), time_(time) {}
 
-  /// Area of the whole picture. Finds room for labels and marks; what is left is the screen's.
+  /// Room that labels take around the screen, without a legend below it, in the pixels of widgets.
+  QSize Around() const { return around_ / ratio_; }
+
+  /// Area of the whole picture. Finds room for labels and marks; what is left is the screen's. The
+  /// legend stands below it or, where that would make it low, in its lower left corner.
   void Layout(const QSize& size, double pixelRatio, const ScopeLabels& labels,
               const TraceLook& look = {});
   /// The part of the picture in which traces are drawn.
@@ -71,6 +75,8 @@ class ScopePainter {
   };
 
   void PlacePlate(int legendHeight);
+  std::size_t EntriesBelow() const;
+  void PlaceWithin(std::size_t first);
   void PlaceLegend(int width);
   void PaintGrid(QPainter& painter, const ScopeColours& colours) const;
   void PaintTicks(QPainter& painter, const ScopeColours& colours) const;
@@ -96,6 +102,7 @@ class ScopePainter {
   double ratio_ = 1.0;
   QSize size_;
   QRect plate_;
+  QSize around_;
   QFont textFont_;
   QFont numberFont_;
   QFont markFont_;

@@ -76,7 +76,9 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   HelpWithControls(*this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
-  new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *text_);
+  experiments_ =
+      new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *this);
+  connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
@@ -175,7 +177,8 @@ void TZelControlPanelF::ConnectControls() {
 }
 
 void TZelControlPanelF::RememberWindows() {
-  if (windows_ == Windows::AsLeft) arrangement::Remember(*ui_->InstrumentArea);
+  if (windows_ == Windows::AsLeft && !experiments_->IsActive())
+    arrangement::Remember(*ui_->InstrumentArea);
 }
 
 void TZelControlPanelF::LeaveModel() {
@@ -194,6 +197,8 @@ void TZelControlPanelF::ShowModel() {
       connect(analyser, &AnalyserWindow::MeasurementBegun, this, [this] {
         if (!Running()) ShowNotice(*ui_->SBRun, QStringLiteral("The measurement waits for Run"));
       });
+      connect(analyser, &AnalyserWindow::PutAway, ui_->InstrumentArea,
+              [this, analyser] { ui_->InstrumentArea->SetShown(analyser->Engine(), false); });
     }
     WatchMeter(*pane);
   }
@@ -208,6 +213,7 @@ void TZelControlPanelF::ShowModel() {
   text_->hide();
   ShowModelName();
   ShowTime();
+  experiments_->ModelShown();
 }
 
 // Choosing the present model builds it anew.

@@ -14,6 +14,7 @@ class QAction;
 
 namespace torvane {
 
+class ExperimentsMenu;
 class FileCommands;
 class InstrumentPane;
 class TZelModelPictureF;
@@ -105,6 +106,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   QTimer splashTimer_;
   Windows windows_;
   ViewMenu* view_;
+  ExperimentsMenu* experiments_ = nullptr;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
   GuideF* guide_ = nullptr;  // until it is asked for

@@ -1,9 +1,12 @@
 #include "ui/desk/experiments_menu.h"
 
+#include <QMainWindow>
 #include <QMenu>
+#include <QScopedValueRollback>
+#include <utility>
 
 #include "ui/desk/workspace.h"
-#include "ui/panes/model_views.h"
+#include "ui/panes/experiment_panel.h"
 #include "ui/session/box_queue.h"
 #include "ui/session/experiments.h"
 #include "ui/session/session.h"
@@ -12,45 +15,25 @@ namespace torvane {
 
 namespace {
 
-QString Joined(const std::vector<ExperimentSetting>& settings) {
-  QStringList texts;
-  for (const ExperimentSetting& setting : settings) {
-    texts << QString::fromStdString(setting.Text());
-  }
-  return texts.join(QStringLiteral(", "));
-}
-
-// What to expect, what to do, what there is to see.
-QString ExperimentText(const Experiment& experiment) {
-  const auto text = [](const std::string& part) { return QString::fromStdString(part); };
-  QString all = text(experiment.Title) + QStringLiteral("\n\n") + text(experiment.Question) +
-                QStringLiteral("\n\n");
-  QStringList signalNames;
-  for (const std::string& name : experiment.Watched) signalNames << text(name);
-  if (!signalNames.isEmpty()) {
-    all += QStringLiteral("Watch  %1\n").arg(signalNames.join(QStringLiteral(", ")));
-  }
-  if (!experiment.SetUp.empty()) all += QStringLiteral("With   %1\n").arg(Joined(experiment.SetUp));
-  for (const ExperimentStep& step : experiment.Steps) {
-    const char* const lead = &step == &experiment.Steps.front() ? "Set " : "then";
-    all += QStringLiteral("%1   %2\n").arg(QLatin1String(lead), Joined(step.Settings));
-  }
-  all += u'\n' + text(experiment.Text);
-  if (!experiment.Cost.empty()) all += QStringLiteral("\nThe price: ") + text(experiment.Cost);
-  return all;
-}
+constexpr int BesideAnalyser = 1500;  // width from which a panel at the side leaves room for both
+constexpr int SideFrom = 1000;        // and for a scope alone
+constexpr int PanelWidth = 270;
+constexpr int PanelHeight = 150;
 
 }  // namespace
 
 ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, const DataFolder& data,
-                                 Workspace& workspace, TZelModelTextF& text)
+                                 Workspace& workspace, QMainWindow& window)
     : QObject(&menu),
       menu_(menu),
       session_(session),
       data_(data),
       workspace_(workspace),
-      text_(text) {
+      window_(window),
+      panel_(new ExperimentPanel(&window)) {
   connect(&session_, &Session::ModelChanged, this, &ExperimentsMenu::Fill);
+  connect(&session_, &Session::FileLoaded, this, &ExperimentsMenu::ModelShown);
+  connect(panel_, &ExperimentPanel::Closed, this, &ExperimentsMenu::Leave);
 }
 
 void ExperimentsMenu::Fill() {
@@ -71,17 +54,41 @@ void ExperimentsMenu::Fill() {
 
 // The menu is filled anew while the model changes; its item is done by then.
 void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
-  const QString model = QString::fromStdString(session_.Model()->Name());
-  if (!session_.MayDiscard() || !session_.Choose(model.toStdString())) return;
+  if (!session_.MayDiscard()) return;
+  if (!own_) {
+    emit AboutToBegin();
+    own_ = workspace_.Present();
+  }
+  const QScopedValueRollback settingUp(settingUp_, true);
+  if (!session_.Choose(session_.Model()->Name())) return;
   // What its class remembers of the run before would kick the loop, or keep its sampler waiting.
   session_.Model()->DropClassMemory();
   if (!session_.OpenConfiguration(experiment.File)) return;
-  if (experiment.Record.Shows(InstrumentKind::FftAnalyser)) {
-    workspace_.SetShown(*session_.Model()->Bench().Instruments(InstrumentKind::FftAnalyser).front(),
-                        true);
-  }
-  text_.ShowText(QStringLiteral("Experiment with \"%1\"").arg(model),
-                 ExperimentText(experiment.Record));
+  const Experiment& record = experiment.Record;
+  Dock(record.Shows(InstrumentKind::FftAnalyser) || record.Shows(InstrumentKind::SweptSine));
+  panel_->ShowExperiment(record);
+  workspace_.ShowOnly([&](InstrumentKind kind) { return record.Shows(kind); });
+}
+
+// Below the instruments where the side has no room for it.
+void ExperimentsMenu::Dock(bool withAnalyser) {
+  if (panel_->isVisible() && panel_->isFloating()) return;
+  const bool side = window_.width() >= (withAnalyser ? BesideAnalyser : SideFrom);
+  window_.addDockWidget(side ? Qt::RightDockWidgetArea : Qt::BottomDockWidgetArea, panel_);
+  panel_->show();
+  window_.resizeDocks({panel_}, {side ? PanelWidth : PanelHeight},
+                      side ? Qt::Horizontal : Qt::Vertical);
+}
+
+void ExperimentsMenu::ModelShown() {
+  if (!settingUp_) Leave();
+}
+
+void ExperimentsMenu::Leave() {
+  if (!own_) return;
+  const Workspace::Desk own = *std::exchange(own_, std::nullopt);
+  panel_->hide();
+  workspace_.Restore(own);
 }
 
 }  // namespace torvane

@@ -31,6 +31,7 @@ class InstrumentFrame : public QMdiSubWindow {
   void SetShown(bool shown);
   /// Shown or hidden because the user said so.
   bool IsChosen() const { return chosen_; }
+  void SetChosen(bool chosen) { chosen_ = chosen; }
   void Choose(bool shown);
   /// Hidden for one that has no room beside it, until there is room. Its pane does not count as
   /// hidden: nothing that the user has in it goes.

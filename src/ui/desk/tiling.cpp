@@ -6,11 +6,10 @@ namespace torvane {
 
 namespace {
 
-constexpr int Gap = 4;                  // between windows and around them, pixels
-constexpr int ComfortableWidth = 600;   // of a window with a plot beside other plots
-constexpr int ComfortableHeight = 680;  // of scopes above small windows, where they could be beside
-constexpr double ScopesShare = 0.56;    // of the width of all plots: constants stand beside theirs
-constexpr int GrowthStep = 8;           // in the search for an area
+constexpr int Gap = 4;                 // between windows and around them, pixels
+constexpr int ComfortableWidth = 600;  // of a window with a plot beside other plots
+constexpr double ScopesShare = 0.56;   // of the width of all plots: constants stand beside theirs
+constexpr int GrowthStep = 8;          // in the search for an area
 
 using Tiles = std::vector<Tile>;
 using Places = std::vector<QRect>;
@@ -142,10 +141,12 @@ Places PlaceOneKind(const Tiles& tiles, TileRole role, const QSize& area) {
   PlaceColumn(beside, tiles, room.adjusted(room.width() - column, 0, 0, 0));
   Places below(tiles.size());
   PlaceAbove(below, tiles, role, room);
-  const int height = room.height() - HeightOfLines(tiles, room.width()) - Gap;
-  const bool isHigh = height >= ComfortableHeight * CountOf(tiles, role);
   if (!AreApart(below, area)) return beside;
-  return isHigh || !AreApart(beside, area) ? below : beside;
+  const auto plots = [&](const QSize& size) { return size.width() * size.height(); };
+  const int low = HeightOfLines(tiles, room.width());
+  const bool larger =
+      plots({room.width(), room.height() - low}) >= plots({room.width() - column, room.height()});
+  return larger || !AreApart(beside, area) ? below : beside;
 }
 
 // Scopes with the small ones below them, and analysers to the right.

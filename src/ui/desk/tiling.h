@@ -19,9 +19,8 @@ struct Tile {
 
 /// Places of the windows on an area, in their order. Plots stand one above the other or, where that
 /// is too low for them, side by side; analysers to the right of the scopes. The small ones stand in
-/// lines below the scopes, or in a column to the right of them where they would leave these too
-/// little height and there are no analysers. Where all together find no room, the analysers cover
-/// the whole area.
+/// lines below the scopes, or in a column to the right of them where that leaves these more room
+/// and there are no analysers. Where all together find no room, the analysers cover the whole area.
 std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area);
 
 /// Whether each place is within the area and covers no other.

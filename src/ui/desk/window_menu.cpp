@@ -46,8 +46,8 @@ void WindowMenu::Fill() {
         menu_.addAction(title.replace(u'&', QStringLiteral("&&")) + KeyOf(instrument->Kind()));
     item->setCheckable(true);
     item->setChecked(frame->IsShown());
-    connect(item, &QAction::toggled, &workspace_,
-            [this, instrument](bool on) { workspace_.SetShown(*instrument, on); });
+    connect(item, &QAction::triggered, &workspace_,
+            [this, instrument] { workspace_.Call(*instrument); });
     listed_ << item;
   }
 }

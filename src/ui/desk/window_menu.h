@@ -13,7 +13,8 @@ namespace torvane {
 
 class Workspace;
 
-/// Lists the instruments at the end of a menu; checked ones have their window on the workspace. A
+/// Lists the instruments at the end of a menu; checked ones have their window on the workspace.
+/// Choosing one brings its window to where it can be seen, or hides it where nothing covers it. A
 /// hidden instrument goes on measuring. F6 and F7 bring the analysers, and hide them again.
 class WindowMenu : public QObject {
  public:

@@ -39,7 +39,9 @@ class Overflow {
       : area_(area), right_(area.width()) {
     if (!AreApart(places, area)) return;
     for (std::size_t i = 0; i < places.size(); ++i) {
-      const bool atEdge = area.width() - places[i].right() < EdgeGap;
+      // One that lies below the others, from edge to edge, has no column.
+      const bool atEdge =
+          area.width() - places[i].right() < EdgeGap && places[i].left() > area.width() / 2;
       if (tiles[i].Role == TileRole::Small && atEdge) right_ = std::min(right_, places[i].left());
     }
   }
@@ -97,6 +99,7 @@ InstrumentFrame* Workspace::AddFrame(std::unique_ptr<InstrumentPane> pane) {
   auto* frame = new InstrumentFrame(std::move(pane));
   addSubWindow(frame);
   frames_.push_back(frame);
+  frame->Pane().SetRoom(size());
   if (frame->Pane().ShownAtFirst() != InstrumentPane::AtFirst::Shown) frame->SetShown(false);
   connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
     if (!arranging_) filling_ = false;
@@ -170,15 +173,17 @@ void Workspace::Remove(const Instrument& instrument) {
   if (filling_) FillScreen();
 }
 
-// Placed by hand, a window keeps its place and width.
+// No other window moves: this one grows over them, from where it stands and within the workspace.
 void Workspace::FitHeight(const Instrument& instrument) {
   InstrumentFrame* frame = FrameOf(instrument);
-  if (!frame) return;
-  if (filling_) {
-    FillScreen();
-  } else if (!frame->isMinimized() && !frame->isMaximized()) {
-    frame->resize(frame->width(), frame->sizeHint().height());
-  }
+  if (!frame || frame->isMinimized() || frame->isMaximized()) return;
+  const QScopedValueRollback arranging(arranging_, true);
+  const QSize least(frame->width(), frame->sizeHint().height());
+  QRect place(frame->pos(), least.expandedTo(frame->minimumSizeHint()));
+  place.moveTop(std::max(std::min(place.top(), height() - place.height()), 0));
+  place.moveLeft(std::max(std::min(place.left(), width() - place.width()), 0));
+  frame->setGeometry(place);
+  frame->raise();
 }
 
 void Workspace::SetShown(const Instrument& instrument, bool shown) {
@@ -206,6 +211,64 @@ void Workspace::Toggle(InstrumentKind kind) {
   const bool hide = (*found)->IsShown() && activeSubWindow() == *found;
   SetShown((*found)->Pane().Engine(), !hide);
   if (!hide) setActiveSubWindow(*found);
+}
+
+void Workspace::Call(const Instrument& instrument) {
+  InstrumentFrame* frame = FrameOf(instrument);
+  if (!frame) return;
+  const bool raise = !frame->IsShown() || frame->isMinimized() || IsCovered(*frame);
+  if (frame->isMinimized()) frame->showNormal();
+  SetShown(instrument, raise);
+  if (raise) setActiveSubWindow(frame);
+}
+
+bool Workspace::IsCovered(const InstrumentFrame& frame) const {
+  bool above = false;
+  for (const QMdiSubWindow* window : subWindowList(QMdiArea::StackingOrder)) {
+    if (above && window->isVisible() && window->geometry().intersects(frame.geometry()))
+      return true;
+    above = above || window == &frame;
+  }
+  return false;
+}
+
+Workspace::Desk Workspace::Present() const {
+  Desk desk{filling_, {}};
+  for (const InstrumentFrame* frame : frames_) {
+    const Instrument& instrument = frame->Pane().Engine();
+    desk.Windows.push_back({instrument.Kind(), instrument.Name(), frame->IsShown(),
+                            frame->IsChosen(), instrument.Placement});
+  }
+  return desk;
+}
+
+void Workspace::Restore(const Desk& desk) {
+  const QScopedValueRollback arranging(arranging_, true);
+  for (InstrumentFrame* frame : frames_) {
+    Instrument& instrument = frame->Pane().Engine();
+    const auto before =
+        std::find_if(desk.Windows.begin(), desk.Windows.end(), [&](const Desk::Window& window) {
+          return window.Kind == instrument.Kind() && window.Name == instrument.Name();
+        });
+    if (before == desk.Windows.end()) continue;
+    frame->SetShown(before->Shown);
+    frame->SetChosen(before->Chosen);
+    if (desk.Filling || !before->Shown) continue;
+    instrument.Placement = before->Place;
+    frame->ApplyPlacement();
+  }
+  if (desk.Filling) FillScreen();
+  filling_ = desk.Filling;
+}
+
+void Workspace::ShowOnly(const std::function<bool(InstrumentKind)>& shown) {
+  const QScopedValueRollback arranging(arranging_, true);
+  for (InstrumentFrame* frame : frames_) {
+    const bool show = shown(frame->Pane().Engine().Kind());
+    if (frame->IsShown() != show || frame->HasYielded()) frame->SetShown(show);
+    frame->SetChosen(true);
+  }
+  FillScreen();
 }
 
 void Workspace::RestorePlacements() {
@@ -387,6 +450,7 @@ void Workspace::changeEvent(QEvent* event) {
 }
 
 void Workspace::Arrange() {
+  for (InstrumentFrame* frame : frames_) frame->Pane().SetRoom(size());
   if (filling_) {
     if (const InstrumentFrame* front = FrontAnalyser()) MakeRoomFor(*front);
     ShowWhatFits();

@@ -2,7 +2,9 @@
 
 #include <QImage>
 #include <QMdiArea>
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "ui/desk/instrument_frame.h"
@@ -37,6 +39,26 @@ class Workspace : public QMdiArea {
   void SetShown(const Instrument& instrument, bool shown);
   /// Brings the first instrument of a kind to the front, or hides the one that is there.
   void Toggle(InstrumentKind kind);
+  /// Brings the instrument's window to where it can be seen; one that nothing covers is hidden.
+  void Call(const Instrument& instrument);
+
+  /// How all windows stand. An instrument is known by its kind and name, in whatever model.
+  struct Desk {
+    struct Window {
+      InstrumentKind Kind;
+      std::string Name;
+      bool Shown;
+      bool Chosen;
+      WindowPlacement Place;
+    };
+    bool Filling;
+    std::vector<Window> Windows;
+  };
+  Desk Present() const;
+  /// Windows that the desk does not know stay as they are.
+  void Restore(const Desk& desk);
+  /// Those of some kinds fill the area, the others are put away.
+  void ShowOnly(const std::function<bool(InstrumentKind)>& shown);
 
   /// Shows the sub-windows whose placement has a size where it says.
   void RestorePlacements();
@@ -71,6 +93,7 @@ class Workspace : public QMdiArea {
   void ShowWhatFits();
   void BringBack();
   const InstrumentFrame* FrontAnalyser() const;
+  bool IsCovered(const InstrumentFrame& frame) const;
   void MakeRoomFor(const InstrumentFrame& wanted);
   void PlaceAsAsked(InstrumentFrame& frame);
   QRect FreePlace(const InstrumentFrame& frame) const;

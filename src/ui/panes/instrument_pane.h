@@ -22,6 +22,9 @@ class InstrumentPane : public QWidget, public InstrumentView {
   /// New data may be there to paint; called at most once a frame while the model runs.
   virtual void ShowFrame() {}
 
+  /// The workspace has so much room for all panes.
+  virtual void SetRoom(const QSize& /*workspace*/) {}
+
   /// How traces are told apart from now on.
   virtual void SetLook(const TraceLook& /*look*/) {}
 

@@ -1,6 +1,9 @@
 #include "ui/panes/read_out_window.h"
 
 #include <QHeaderView>
+#include <QLayout>
+#include <QMainWindow>
+#include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -11,13 +14,15 @@ namespace torvane {
 namespace {
 
 constexpr int MostRows = 14;  // without scrolling
+constexpr int LeastRows = 3;  // that are always seen
+constexpr int LeastWidth = 120;
+constexpr int Edge = 4;
 
 }  // namespace
 
 ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const QString& hint,
                              QWidget* parent)
-    : QWidget(parent, Qt::Tool), table_(new QTableWidget(this)) {
-  setWindowTitle(title);
+    : QDockWidget(title, parent), table_(new QTableWidget), body_(new QVBoxLayout) {
   setAttribute(Qt::WA_ShowWithoutActivating);
   table_->setObjectName(table);
   table_->setAccessibleName(title);
@@ -25,12 +30,18 @@ ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const Q
   table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   table_->setSelectionMode(QAbstractItemView::NoSelection);
   table_->setShowGrid(false);
+  table_->setMinimumWidth(LeastWidth);
   table_->verticalHeader()->hide();
   table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 7);
   UseFixedDigits(*table_);
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(6, 6, 6, 6);
-  column->addWidget(table_);
+  auto* middle = new QWidget;
+  body_->setContentsMargins(Edge, Edge, Edge, Edge);
+  body_->addWidget(table_);
+  middle->setLayout(body_);
+  setWidget(middle);
+  connect(this, &QDockWidget::topLevelChanged, this, [this](bool alone) {
+    if (alone) resize(wanted_);
+  });
 }
 
 // Only what differs is written, for these figures change ten times a second.
@@ -56,19 +67,56 @@ void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>
   if (QSize(table_->columnCount(), table_->rowCount()) != before) FitTable();
 }
 
+void ReadOutWindow::OpenIn(QMainWindow& dock, int leave) {
+  if (isVisible()) return;
+  if (dock.dockWidgetArea(this) == Qt::NoDockWidgetArea) {
+    const bool beside = dock.width() - wanted_.width() >= leave;
+    dock.addDockWidget(beside ? Qt::RightDockWidgetArea : Qt::BottomDockWidgetArea, this);
+  }
+  show();
+  if (isFloating()) return;
+  dock.resizeDocks({this}, {wanted_.width()}, Qt::Horizontal);
+  dock.resizeDocks({this}, {wanted_.height()}, Qt::Vertical);
+}
+
+void ReadOutWindow::Want(int width) {
+  if (wanted_.width() >= width) return;
+  wanted_.setWidth(width);
+  if (isFloating()) resize(wanted_.expandedTo(size()));
+}
+
 void ReadOutWindow::FitTable() {
   const QHeaderView& columns = *table_->horizontalHeader();
-  const int rows = std::min(table_->rowCount(), MostRows);
+  const int row = table_->verticalHeader()->defaultSectionSize();
   const int edges = 2 * table_->frameWidth();
-  table_->setMinimumHeight(columns.sizeHint().height() +
-                           rows * table_->verticalHeader()->defaultSectionSize() + edges);
-  const QMargins around = layout()->contentsMargins();
-  int wide = edges + around.left() + around.right();
+  const auto highWith = [&](int rows) { return columns.sizeHint().height() + rows * row + edges; };
+  table_->setMinimumHeight(highWith(std::min(table_->rowCount(), LeastRows)));
+  int wide = edges + 2 * Edge;
   const QAbstractItemView& view = *table_;
   for (int column = 0; column < table_->columnCount(); ++column) {
-    wide += std::max(columns.sectionSizeHint(column), view.sizeHintForColumn(column));
+    const int content = std::max(columns.sectionSizeHint(column), view.sizeHintForColumn(column));
+    const bool fixed = columns.sectionResizeMode(column) == QHeaderView::Interactive;
+    wide += std::max(content, fixed ? table_->columnWidth(column) : 0);
   }
-  resize(std::max(width(), wide), minimumSizeHint().height());
+  const int more = highWith(std::min(table_->rowCount(), MostRows)) - table_->minimumHeight();
+  wanted_ = {wide, minimumSizeHint().height() + more};
+  if (isFloating()) resize(std::max(width(), wide), wanted_.height());
+}
+
+QMainWindow& MakeDockAround(QWidget& widget) {
+  auto* dock = new QMainWindow;
+  dock->setWindowFlags(Qt::Widget);
+  dock->setSizePolicy(widget.sizePolicy());
+  dock->setAnimated(false);
+  dock->setContextMenuPolicy(Qt::NoContextMenu);
+  if (auto* splitter = qobject_cast<QSplitter*>(widget.parentWidget())) {
+    splitter->replaceWidget(splitter->indexOf(&widget), dock);
+  } else if (QLayout* layout = widget.parentWidget()->layout()) {
+    delete layout->replaceWidget(&widget, dock);
+  }
+  dock->setCentralWidget(&widget);
+  widget.show();
+  return *dock;
 }
 
 }  // namespace torvane

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <QDockWidget>
 #include <QStringList>
 #include <QTableWidget>
 
+class QMainWindow;
+class QVBoxLayout;
+
 namespace torvane {
 
-/// A small window above the others that shows a table of figures. It is as high as its rows, and
-/// wide enough for its columns; the user may make it larger.
-class ReadOutWindow : public QWidget {
+/// A table of figures in a panel, which stands docked beside what it reads, or below, and never
+/// over it. The user can take it out, as a window of its own that is as high as its rows and wide
+/// enough for its columns, and put it back.
+class ReadOutWindow : public QDockWidget {
  public:
   /// What does not exist is shown as this.
   static inline const QString Unavailable = QStringLiteral("Unavailable");
@@ -15,15 +20,32 @@ class ReadOutWindow : public QWidget {
   /// `table` names the table for tests and tools; the hint says what it shows.
   ReadOutWindow(const QString& title, const QString& table, const QString& hint, QWidget* parent);
 
+  /// The room that it would like to have, where it is docked.
+  QSize Wanted() const { return wanted_; }
+
+  /// Shows it in the dock, at first beside the middle where that leaves it so many pixels of width,
+  /// else below; then where the user has put it.
+  void OpenIn(QMainWindow& dock, int leave);
+
  protected:
   /// Texts of all rows; figures stand at the right of their columns, the first column is of names.
   void SetCells(const QStringList& header, const QList<QStringList>& rows);
   QTableWidget& Table() { return *table_; }
+  /// Where the table and what belongs to it stand, one below the other.
+  QVBoxLayout& Body() { return *body_; }
+  /// Makes sure of so many pixels of width.
+  void Want(int width);
 
  private:
   void FitTable();
 
   QTableWidget* table_;
+  QVBoxLayout* body_;
+  QSize wanted_;
 };
+
+/// Puts a widget, in its place, into the middle of a window of its own around which panels can be
+/// docked.
+QMainWindow& MakeDockAround(QWidget& widget);
 
 }  // namespace torvane

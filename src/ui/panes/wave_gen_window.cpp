@@ -43,6 +43,7 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
   SettingsChanged();
   wanted_ = InstrumentPane::sizeHint();
   least_ = InstrumentPane::minimumSizeHint();
+  flatSize_ = NeededFlat();
 } catch (const std::exception&) {
   Error("Fault in TZelWaveGenF :: TZelWaveGenF");
 }
@@ -103,12 +104,10 @@ void TZelWaveGenF::SettingsChanged() {
   for (EditBinding* edit : edits_) edit->Show();
 }
 
-QSize TZelWaveGenF::FlatSize() const {
-  const int spacing = ui_->Fields->verticalSpacing();
-  const int rows = flat_ ? FlatRows : 2 * FlatRows;
-  const int fields = ui_->Fields->sizeHint().height() + spacing;
-  return {2 * least_.width() + ColumnsGap,
-          InstrumentPane::sizeHint().height() - fields + fields / rows * FlatRows};
+// Of a window with all in one column.
+QSize TZelWaveGenF::NeededFlat() const {
+  const int fields = ui_->Fields->sizeHint().height() + ui_->Fields->verticalSpacing();
+  return {2 * least_.width() + ColumnsGap, wanted_.height() - fields / 2};
 }
 
 QSize TZelWaveGenF::minimumSizeHint() const {

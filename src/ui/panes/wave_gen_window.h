@@ -29,7 +29,7 @@ class TZelWaveGenF : public InstrumentPane {
   void Redraw() override {}
   void SettingsChanged() override;
 
-  QSize FlatSize() const override;
+  QSize FlatSize() const override { return flatSize_; }
   QSize sizeHint() const override { return wanted_; }
   QSize minimumSizeHint() const override;
 
@@ -44,6 +44,7 @@ class TZelWaveGenF : public InstrumentPane {
   void BindButton(QAbstractButton* button, Number number, Change change);
   void ConnectButtons();
   void SetFlat(bool flat);
+  QSize NeededFlat() const;
 
   ZelWave& wave_;
   std::unique_ptr<Ui::TZelWaveGenF> ui_;
@@ -51,6 +52,7 @@ class TZelWaveGenF : public InstrumentPane {
   bool flat_ = false;
   QSize wanted_;  // with all in one column
   QSize least_;
+  QSize flatSize_;
 };
 
 }  // namespace torvane

@@ -17,10 +17,10 @@ QMessageBox::Icon IconFor(MessageKind kind) {
     case MessageKind::Note:
       return QMessageBox::Information;
     case MessageKind::FatalError:
-      return QMessageBox::Critical;
-    case MessageKind::Warning:
     case MessageKind::Error:
     case MessageKind::Conversion:
+      return QMessageBox::Critical;
+    case MessageKind::Warning:
       break;
   }
   return QMessageBox::Warning;

@@ -27,6 +27,8 @@ namespace {
 
 using CursorMode = FrequencyAnalyser::CursorMode;
 
+constexpr int ComfortablePlot = 400;  // pixels of width that a panel beside it leaves
+
 }  // namespace
 
 AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, const Names& names)
@@ -44,6 +46,7 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   ui_->SBView->setMenu(&viewMenu_->Menu());
   cursors_ = new ResponseCursors(analyser, names.Cursors, this);
   margins_ = new MarginsWindow(analyser, this);
+  dock_ = &MakeDockAround(*ui_->PBPlot);
   ConnectRun();
   ConnectSignals();
   ConnectTraces();
@@ -163,14 +166,9 @@ void AnalyserWindow::ConnectCursors(ZelUndo& history) {
 
 void AnalyserWindow::ShowMargins() {
   const bool shown = ui_->SBMargins->isChecked() && isVisible();
-  if (shown) {
-    margins_->ReadTrace();
-    if (margins_->pos().isNull()) {
-      margins_->move(ui_->PBPlot->QuietPlace(margins_->size(), ResponseQuantity::Gain));
-    }
-  }
+  if (shown) margins_->ReadTrace();
   ui_->PBPlot->SetMarks(shown ? margins_->Marks() : std::vector<ResponseMark>());
-  margins_->setVisible(shown);
+  shown ? margins_->OpenIn(*dock_, ComfortablePlot) : margins_->hide();
 }
 
 void AnalyserWindow::Find() {
@@ -240,10 +238,7 @@ void AnalyserWindow::ShowCursors() {
   ui_->PBPlot->update();
   const bool shown = analyser_.Cursors() != CursorMode::None && isVisible();
   if (shown) cursors_->ShowReading(ui_->PBPlot->PlotWidth());
-  if (shown && cursors_->pos().isNull()) {
-    cursors_->move(ui_->PBPlot->QuietPlace(cursors_->size(), ResponseQuantity::Phase));
-  }
-  cursors_->setVisible(shown);
+  shown ? cursors_->OpenIn(*dock_, ComfortablePlot) : cursors_->hide();
 }
 
 void AnalyserWindow::ShowWarnings() {
@@ -297,7 +292,7 @@ void AnalyserWindow::ShownChanged(bool shown) {
 
 void AnalyserWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
-  Note("DSA cannot be closed.");
+  emit PutAway();
 }
 
 void AnalyserWindow::hideEvent(QHideEvent* event) {

@@ -8,6 +8,7 @@
 
 class QCheckBox;
 class QDialog;
+class QMainWindow;
 class QMenu;
 class QToolButton;
 
@@ -40,6 +41,8 @@ class AnalyserWindow : public InstrumentPane {
  signals:
   /// The run button was pressed, and a measurement awaits the model's run.
   void MeasurementBegun();
+  /// The user has closed the window: it is to be hidden, its engine keeps all it has.
+  void PutAway();
 
  protected:
   /// How the window of a kind of analyser is called.
@@ -96,6 +99,7 @@ class AnalyserWindow : public InstrumentPane {
   ResponseViewMenu* viewMenu_ = nullptr;
   ResponseCursors* cursors_ = nullptr;
   MarginsWindow* margins_ = nullptr;
+  QMainWindow* dock_ = nullptr;  // around the plot
   std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};
   std::array<QCheckBox*, FrequencyAnalyser::SlotCount> traces_{};
 };

@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
@@ -41,11 +42,10 @@ MarginsWindow::MarginsWindow(FrequencyAnalyser& analyser, QWidget* parent)
     analyser_.SetView(view);
     ReadTrace();
   });
-  static_cast<QVBoxLayout*>(layout())->insertWidget(0, as_);
+  Body().insertWidget(0, as_);
   trust_->setObjectName(QStringLiteral("LTrust"));
   trust_->setWordWrap(true);
-  layout()->addWidget(trust_);
-  resize(370, 200);
+  Body().addWidget(trust_);
 }
 
 void MarginsWindow::ReadTrace() {
@@ -106,7 +106,9 @@ void MarginsWindow::ShowRemarks(const std::vector<std::string>& reasons) {
   trust_->setVisible(!remarks.isEmpty());
   trust_->setText(remarks.join(QLatin1Char('\n')));
   // A text that is wrapped asks for no height by itself.
-  resize(width(), std::max(height(), layout()->totalMinimumHeightForWidth(width())));
+  if (isFloating()) {
+    resize(width(), std::max(height(), layout()->totalMinimumHeightForWidth(width())));
+  }
 }
 
 // The longest names come with responses of closed loops.
@@ -117,7 +119,7 @@ void MarginsWindow::ShowWholeColumns() {
     width += std::max(cells.sizeHintForColumn(column),
                       Table().horizontalHeader()->sectionSizeHint(column));
   }
-  Table().setMinimumWidth(width);
+  Want(width + Table().verticalScrollBar()->sizeHint().width());
 }
 
 void MarginsWindow::AddRow(const std::string& name, double value, const char* unit, double hz) {

@@ -3,7 +3,7 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLayout>
+#include <QVBoxLayout>
 #include <cmath>
 
 #include "core/text.h"
@@ -39,8 +39,7 @@ ResponseCursors::ResponseCursors(FrequencyAnalyser& analyser, const char* name, 
   slope_->setObjectName(QStringLiteral("LSlope"));
   slope_->setToolTip(QStringLiteral("The line from cursor 1 to cursor 2"));
   UseFixedDigits(*slope_);
-  layout()->addWidget(slope_);
-  resize(430, 160);
+  Body().addWidget(slope_);
 }
 
 void ResponseCursors::AddTraces() {
@@ -59,7 +58,7 @@ void ResponseCursors::AddTraces() {
     row->addWidget(trace);
     traces_[static_cast<std::size_t>(slot)] = trace;
   }
-  static_cast<QVBoxLayout*>(layout())->insertLayout(0, row);
+  Body().insertLayout(0, row);
 }
 
 void ResponseCursors::ShowReading(int plotWidth) {
@@ -74,7 +73,7 @@ void ResponseCursors::ShowReading(int plotWidth) {
   if (analyser_.ShowsDelay()) captions << QStringLiteral("Delay (s)");
   SetCells(captions, rows);
   const int figure = Table().fontMetrics().horizontalAdvance(QString(FigureLength, u'0'));
-  setMinimumWidth(figure * static_cast<int>(captions.size()));
+  Want(figure * static_cast<int>(captions.size()));
   slope_->setVisible(reading.Difference.has_value());
   slope_->setText(QStringLiteral("Slope %1 dB/decade").arg(Text(reading.Slope)));
   traces_[static_cast<std::size_t>(analyser_.CursorSlot())]->setChecked(true);

@@ -29,16 +29,6 @@ void ResponsePaintBox::SetAnalyser(FrequencyAnalyser& analyser) {
   PaintAll();
 }
 
-QPoint ResponsePaintBox::QuietPlace(const QSize& size, ResponseQuantity plot) const {
-  const QRect room = screen()->availableGeometry();
-  const QRect& plate =
-      plot == ResponseQuantity::Gain ? painter_->GainPlate() : painter_->PhasePlate();
-  const QPoint corner = mapToGlobal((QPointF(plate.bottomLeft()) / Ratio()).toPoint());
-  const QPoint at = corner - QPoint(-24, size.height() + 8);
-  return {std::clamp(at.x(), room.left(), std::max(room.right() - size.width(), room.left())),
-          std::clamp(at.y(), room.top(), std::max(room.bottom() - size.height(), room.top()))};
-}
-
 bool ResponsePaintBox::Refresh() {
   if (!painter_ || !isVisible()) return false;
   const bool changed = analyser_->TakeNeedsRedraw();

@@ -27,10 +27,6 @@ class ResponsePaintBox : public PictureBox {
   /// Columns of the plot, which cursors and searches count.
   int PlotWidth() const { return painter_->GainPlate().width(); }
 
-  /// Where a window of that size hides little at first of a plot, on the screen: low gains and low
-  /// phases at low frequencies are rare.
-  QPoint QuietPlace(const QSize& size, ResponseQuantity plot) const;
-
   /// Brings the picture up to date with the engine; cheap when nothing has changed. Tells whether
   /// something has.
   bool Refresh();

@@ -222,6 +222,7 @@ void ConstantsGrid::Fill() {
                     view.sizeHintForColumn(UnitColumn));
   const int around = table_.verticalScrollBar()->sizeHint().width() + 2 * table_.frameWidth();
   table_.setMinimumWidth(std::min(namesAndValues + around, LargestMinimum));
+  fitting_ = namesAndValues + units_ + around;
   table_.verticalHeader()->setDefaultSectionSize(table_.fontMetrics().height() + 9);
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }

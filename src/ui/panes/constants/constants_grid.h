@@ -26,6 +26,8 @@ class ConstantsGrid : public QObject, private ConstantObserver {
   static constexpr int ValueColumn = 1;
   static constexpr int UnitColumn = 2;
 
+  /// What names, values and units need side by side, pixels.
+  int FittingWidth() const { return fitting_; }
   void HideDialogs();
   /// Values have come from a file: what the constants' own windows return to begins with them.
   void FileLoaded();
@@ -47,7 +49,8 @@ class ConstantsGrid : public QObject, private ConstantObserver {
   std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
   int values_ = 0;                                     // width of the values' column, pixels
   int units_ = 0;                                      // and of the units'
-  bool showing_ = false;                               // cells are being written from the constants
+  int fitting_ = 0;
+  bool showing_ = false;  // cells are being written from the constants
 };
 
 }  // namespace torvane

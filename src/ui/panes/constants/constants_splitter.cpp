@@ -19,6 +19,7 @@ ConstantsSplitter::ConstantsSplitter(QSplitter& splitter, QTableWidget& constant
     shown_.Shown = shown_.Width > 0;
     // A panel folded away keeps its width for later.
     if (!shown_.Shown) shown_.Width = scope_.ConstForm().Width;
+    constants_.setVisible(shown_.Shown);
     Record();
   });
   connect(constants.horizontalHeader(), &QHeaderView::sectionResized, this,
@@ -37,12 +38,7 @@ void ConstantsSplitter::Record() {
 void ConstantsSplitter::Show() {
   const QScopedValueRollback showing(showing_, true);
   const ConstantsPanel& panel = scope_.ConstForm();
-  if (panel.Shown != shown_.Shown || panel.Width != shown_.Width) {
-    const int width = !panel.Shown ? 0 : panel.Width > 0 ? panel.Width : width_;
-    const int room =
-        splitter_.isVisible() ? splitter_.width() - splitter_.handleWidth() : 4 * width_;
-    splitter_.setSizes({std::max(room - width, 0), width});
-  }
+  if (panel.Shown != shown_.Shown || panel.Width != shown_.Width) Divide();
   const int nameWidth = panel.NameWidth;
   const bool newNameWidth = nameWidth != shown_.NameWidth;
   shown_ = panel;
@@ -51,6 +47,21 @@ void ConstantsSplitter::Show() {
   } else if (newNameWidth) {
     constants_.resizeColumnToContents(ConstantsGrid::NameColumn);
   }
+}
+
+void ConstantsSplitter::SetLeast(int width) {
+  if (least_ == width) return;
+  least_ = width;
+  Divide();
+}
+
+void ConstantsSplitter::Divide() {
+  const ConstantsPanel& panel = scope_.ConstForm();
+  const int own = !panel.Shown ? 0 : panel.Width > 0 ? panel.Width : width_;
+  const int width = std::max(own, least_);
+  const int room = splitter_.isVisible() ? splitter_.width() - splitter_.handleWidth() : 4 * width_;
+  constants_.setVisible(panel.Shown);
+  splitter_.setSizes({std::max(room - width, 0), width});
 }
 
 }  // namespace torvane

@@ -2,7 +2,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QLayout>
+#include <QVBoxLayout>
 
 #include "core/text.h"
 #include "plot/qt_text.h"
@@ -36,8 +36,7 @@ CursorsWindow::CursorsWindow(ZelScope& scope, QWidget* parent)
   Table().horizontalHeader()->setDefaultSectionSize(widest + CellEdges);
   time_->setObjectName(QStringLiteral("LCursorTime"));
   UseFixedDigits(*time_);
-  layout()->addWidget(time_);
-  resize(270, 160);
+  Body().addWidget(time_);
 }
 
 void CursorsWindow::ShowReading(const std::optional<CursorReading>& reading) {

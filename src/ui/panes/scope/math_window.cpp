@@ -2,8 +2,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QLayout>
-#include <QScreen>
+#include <QScrollBar>
 #include <algorithm>
 #include <array>
 
@@ -13,8 +12,8 @@ namespace torvane {
 
 namespace {
 
-constexpr int NameWidth = 130;
-constexpr int ColumnWidth = 92;
+constexpr int NameWidth = 92;
+constexpr int ColumnWidth = 76;
 
 using TraceFigure = double (*)(const TraceMeasures&);
 
@@ -84,14 +83,13 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
     }
   }
   if (!otherChannels) return;
-  const QMargins around = layout()->contentsMargins();
-  int width = around.left() + around.right() + 2 * Table().frameWidth();
+  int width = 2 * Table().frameWidth();
   for (int column = 0; column < header.size(); ++column) {
     const int titled = Table().horizontalHeader()->sectionSizeHint(column);
     Table().setColumnWidth(column, std::max(column == 0 ? NameWidth : ColumnWidth, titled));
     width += Table().columnWidth(column);
   }
-  resize(std::min(width, screen()->availableGeometry().width()), height());
+  Want(width + Table().verticalScrollBar()->sizeHint().width());
 }
 
 void MathWindow::closeEvent(QCloseEvent* event) {

@@ -26,6 +26,10 @@ void ScopePaintBox::SetScope(ZelScope& scope) {
   Prepare();
 }
 
+void ScopePaintBox::SetLeastGraph(const QSize& least) {
+  setMinimumSize(least + painter_->Around());
+}
+
 void ScopePaintBox::SetReference(ZelChannel* channel) {
   reference_ = channel;
   Refresh();

@@ -25,6 +25,9 @@ class ScopePaintBox : public PictureBox {
  public:
   explicit ScopePaintBox(QWidget* parent = nullptr);
 
+  /// The graph within its labels is never smaller.
+  void SetLeastGraph(const QSize& least);
+
   /// The scope to show; it must outlive this widget's use of it.
   void SetScope(ZelScope& scope);
 

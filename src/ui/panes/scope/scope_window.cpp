@@ -1,6 +1,7 @@
 #include "ui/panes/scope/scope_window.h"
 
 #include <QCloseEvent>
+#include <QMainWindow>
 #include <QRegularExpression>
 #include <QSignalBlocker>
 #include <algorithm>
@@ -34,7 +35,11 @@ namespace {
 constexpr int TimeAxis = -1;  // in the list of X axes, before the channels
 constexpr QRgb Lime = 0x00ff00;
 constexpr QRgb Silver = 0xc0c0c0;
-constexpr int ConstantsWidth = 270;
+// The least graph, where the workspace has that room and where it has not.
+constexpr QSize LeastGraph(400, 250);
+constexpr QSize SmallGraph(300, 180);
+constexpr QSize RoomForLeastGraph(960, 540);
+constexpr int LowScreen = 160;  // pixels that the screen keeps beside an opened page
 
 QIcon SwatchOf(const ScopeColours& colours, const ZelChannel& channel) {
   const bool traced = channel.Displayed() && channel.Colour() >= 0;
@@ -62,10 +67,14 @@ std::string ScaleNotice(double typed, double stored) {
   return typed == 0.0 ? std::string() : LimitNotice(typed, stored);
 }
 
+QRegularExpression PanelNames() {
+  return QRegularExpression(QStringLiteral("Panel$"));
+}
+
 // What the widest panel of the pages needs.
 int PanelWidth(const QStackedWidget& pages) {
   int width = 0;
-  for (const QFrame* panel : pages.findChildren<QFrame*>(QRegularExpression("Panel$"))) {
+  for (const QFrame* panel : pages.findChildren<QFrame*>(PanelNames())) {
     width = std::max(width, panel->minimumSizeHint().width());
   }
   return width;
@@ -80,9 +89,16 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
   ui_->PBScreen->SetScope(scope);
   constants_ = new ConstantsGrid(*ui_->SGConsts, bench);
-  splitter_ = new ConstantsSplitter(*ui_->Splitter1, *ui_->SGConsts, scope, ConstantsWidth, this);
+  side_ = &MakeDockAround(*ui_->SGConsts);
+  splitter_ = new ConstantsSplitter(*ui_->Splitter1, *ui_->SGConsts, scope,
+                                    constants_->FittingWidth(), this);
   cursors_ = new CursorsWindow(scope, this);
   math_ = new MathWindow(scope, this);
+  for (ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
+    side_->addDockWidget(Qt::BottomDockWidgetArea, panel);
+    panel->hide();
+    connect(panel, &QDockWidget::topLevelChanged, this, &TZelScopeF::FitSide);
+  }
   FillChannelLists();
   ConnectVertical();
   for (QAbstractButton* button : {ui_->BVertAdd, ui_->BVertRemove}) {
@@ -182,14 +198,35 @@ void TZelScopeF::ConnectPages() {
   for (const auto& [button, page] : pages) {
     connect(button, &QAbstractButton::clicked, this, [this, page = page] {
       ui_->Pages->setCurrentWidget(page);
-      ui_->SBHide->setChecked(false);
+      folding_ = Folding::Opened;
+      FoldPages();
     });
   }
-  connect(ui_->SBHide, &QAbstractButton::toggled, this,
-          [this](bool hide) { ui_->Pages->setVisible(!hide); });
+  connect(ui_->SBHide, &QAbstractButton::clicked, this, [this](bool hide) {
+    folding_ = hide ? Folding::Folded : Folding::Opened;
+    FoldPages();
+  });
   connect(ui_->SBScaleDisplay, &QAbstractButton::toggled, ui_->PBScreen,
           &ScopePaintBox::SetScalesShown);
   ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
+  for (const char* name :
+       {"VertPanelRows", "HorizPanelRows", "TrigPanelRows", "MeasurePanelRows"}) {
+    rows_.push_back(findChild<QBoxLayout*>(QLatin1String(name)));
+  }
+  for (QBoxLayout* panels : {ui_->ScalesPagePanels, ui_->TriggerPagePanels}) {
+    int width = 0;
+    for (const QFrame* panel : panels->parentWidget()->findChildren<QFrame*>(PanelNames())) {
+      const QBoxLayout* rows = qobject_cast<QBoxLayout*>(panel->layout());
+      if (!rows) {
+        width += panel->minimumSizeHint().width();
+        continue;
+      }
+      for (int row = 0; row < rows->count(); ++row) {
+        width += rows->itemAt(row)->minimumSize().width() + 2 * rows->spacing();
+      }
+    }
+    inOneRow_ = std::max(inOneRow_, width + panels->spacing());
+  }
 }
 
 void TZelScopeF::ConnectCursors(ZelUndo& history) {
@@ -327,22 +364,18 @@ void TZelScopeF::ShowCursors() {
   ui_->PBScreen->update();
   const bool shown = scope_.Cursors().Mode > 0 && !scope_.XYMode() && isVisible();
   ShowReading();
-  shown ? Open(*cursors_, *math_) : cursors_->hide();
+  shown ? cursors_->OpenIn(*side_, 0) : cursors_->hide();
+  FitSide();
 }
 
-// At first over the lower end of the constants; then where the user moved it. Read-outs do not open
-// over each other: where one has no room, the other makes some.
-void TZelScopeF::Open(QWidget& readOut, QWidget& other) const {
-  if (readOut.isVisible()) return;
-  QPoint at = readOut.pos();
-  if (at.isNull()) {
-    const QPoint corner = ui_->Splitter1->rect().bottomRight() - QPoint(16, 40);
-    at = ui_->Splitter1->mapToGlobal(corner) - readOut.rect().bottomRight();
-    at = {std::max(at.x(), 0), std::max(at.y(), 0)};
+// What is docked below the constants makes their side wider.
+void TZelScopeF::FitSide() {
+  int least = 0;
+  for (const ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
+    if (!panel->isHidden() && !panel->isFloating())
+      least = std::max(least, panel->Wanted().width());
   }
-  readOut.move(other.isVisible() ? ClearOf(other, at, readOut) : at);
-  if (other.isVisible()) other.move(ClearOf(readOut, other.pos(), other));
-  readOut.show();
+  splitter_->SetLeast(least);
 }
 
 void TZelScopeF::ShowMath() {
@@ -355,10 +388,11 @@ void TZelScopeF::ShowMath() {
       kept = MeasureScreen(scope_, OnTimeAxisOf(scope_, *scope_.Kept(), live), pixels);
     }
     math_->ShowMeasures(MeasureScreen(scope_, live, pixels), kept);
-    Open(*math_, *cursors_);
+    math_->OpenIn(*side_, 0);
   } else {
     math_->hide();
   }
+  FitSide();
 }
 
 void TZelScopeF::ShowReading() {
@@ -481,20 +515,61 @@ void TZelScopeF::hideEvent(QHideEvent* event) {
 
 void TZelScopeF::showEvent(QShowEvent* event) {
   InstrumentPane::showEvent(event);
+  // The window opens with the constants, not with a page's button.
+  if (!opened_) ui_->SGConsts->setFocus();
+  opened_ = true;
   ShowLamp();
   ShowCursors();
   ShowMath();
 }
 
-// The panels of a page stand side by side where there is room, else one below the other.
+void TZelScopeF::SetRoom(const QSize& workspace) {
+  const bool ample = workspace.width() >= RoomForLeastGraph.width() &&
+                     workspace.height() >= RoomForLeastGraph.height();
+  ui_->PBScreen->SetLeastGraph(ample ? LeastGraph : SmallGraph);
+  leastScreen_ = ui_->PBScreen->minimumHeight();
+}
+
 void TZelScopeF::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
+  ArrangePages();
+  FoldPages();
+}
+
+// All in one row where there is room, else the panels of a page side by side, else one below the
+// other.
+void TZelScopeF::ArrangePages() {
   const QMargins margins = ui_->Column->contentsMargins();
   const int room = width() - margins.left() - margins.right();
+  const auto along = [](bool wide) {
+    return wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
+  };
+  for (QBoxLayout* rows : rows_) rows->setDirection(along(room >= inOneRow_));
   for (QBoxLayout* panels : {ui_->ScalesPagePanels, ui_->TriggerPagePanels}) {
-    const bool wide = room >= 2 * ui_->Pages->minimumWidth() + panels->spacing();
-    panels->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    panels->setDirection(along(room >= 2 * ui_->Pages->minimumWidth() + panels->spacing()));
   }
+}
+
+// The height of all but the page, with the least graph.
+int TZelScopeF::HeightWithout() const {
+  const QMargins margins = ui_->Column->contentsMargins();
+  return margins.top() + leastScreen_ + ui_->Column->spacing() + ui_->Bar->minimumSize().height() +
+         margins.bottom();
+}
+
+void TZelScopeF::FoldPages() {
+  const int page = ui_->Pages->minimumSizeHint().height() + ui_->Column->spacing();
+  const bool room = height() >= HeightWithout() + page;
+  if (folding_ == Folding::Opened && room) folding_ = Folding::AsRoomAllows;
+  const bool fold = folding_ == Folding::Folded || (folding_ == Folding::AsRoomAllows && !room);
+  // Where there is no room, a page that the user has opened takes some of the graph's.
+  ui_->PBScreen->setMinimumHeight(fold || room ? leastScreen_ : LowScreen);
+  ui_->SBHide->setChecked(fold);
+  ui_->Pages->setVisible(!fold);
+}
+
+QSize TZelScopeF::minimumSizeHint() const {
+  return {InstrumentPane::minimumSizeHint().width(), HeightWithout()};
 }
 
 }  // namespace torvane

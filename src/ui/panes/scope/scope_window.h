@@ -7,7 +7,9 @@
 #include "ui/panes/instrument_pane.h"
 
 class QAbstractButton;
+class QBoxLayout;
 class QComboBox;
+class QMainWindow;
 
 namespace torvane {
 
@@ -38,6 +40,11 @@ class TZelScopeF : public InstrumentPane {
   void Redraw() override;
   void SettingsChanged() override;
   void FileLoaded() override;
+  /// The graph has the first claim to room: what it needs there.
+  void SetRoom(const QSize& workspace) override;
+  /// With the page below the graph folded, which it is where there is no room for both, unless the
+  /// user has opened it.
+  QSize minimumSizeHint() const override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -57,7 +64,10 @@ class TZelScopeF : public InstrumentPane {
   void ConnectMath();
   void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
-  void Open(QWidget& readOut, QWidget& other) const;
+  void FitSide();
+  void ArrangePages();
+  void FoldPages();
+  int HeightWithout() const;
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
@@ -83,6 +93,14 @@ class TZelScopeF : public InstrumentPane {
   TriggerControls* trigger_ = nullptr;
   TriggerWord* triggerWord_ = nullptr;
   ConstantsSplitter* splitter_ = nullptr;
+  /// What the user wants of the page below the graph.
+  enum class Folding { AsRoomAllows, Folded, Opened };
+  Folding folding_ = Folding::AsRoomAllows;
+  std::vector<QBoxLayout*> rows_;  // of the pages' panels
+  bool opened_ = false;
+  int leastScreen_ = 0;          // height of the screen with its least graph
+  int inOneRow_ = 0;             // width at which a page has all in one row
+  QMainWindow* side_ = nullptr;  // of the constants, and of what is docked there
   CursorsWindow* cursors_ = nullptr;
   MathWindow* math_ = nullptr;
 };
