@@ -50,38 +50,41 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   const int margin = Scaled(PlotMargin);
   PlaceLegend(size.width() - 2 * margin);
   PlacePlate(0);
-  const std::size_t below = EntriesBelow();
-  if (below > 0) PlacePlate(legendPlaces_[below - 1].bottom() + 1);
-  const int numbers = QFontMetrics(numberFont_).height();
-  for (std::size_t i = 0; i < below; ++i) {
-    legendPlaces_[i].translate(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
+  if (LegendFitsBelow()) {
+    PlacePlate(LegendHeight());
+    const int numbers = QFontMetrics(numberFont_).height();
+    const QPoint below(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
+    for (QRect& place : legendPlaces_) place.translate(below);
+  } else {
+    PlaceLegendWithin();
   }
-  PlaceWithin(below);
   drawn_ = 0;
   traces_.clear();
   touched_.Clear(plate_.size());
 }
 
-// The legend's rows leave the screen most of the picture, and enough height.
-std::size_t ScopePainter::EntriesBelow() const {
-  const auto fits = [&](int legend) {
-    return legend <= LegendTakesAtMost * size_.height() &&
-           plate_.height() - legend >= Scaled(HighPlate);
-  };
-  std::size_t count = legendPlaces_.size();
-  while (count > 0 && !fits(legendPlaces_[count - 1].bottom() + 1)) --count;
-  return count;
+int ScopePainter::LegendHeight() const {
+  return legendPlaces_.empty() ? 0 : legendPlaces_.back().bottom() + 1;
 }
 
-// The other entries stand on the screen, from its lower left corner upwards; on a tiny one nowhere.
-void ScopePainter::PlaceWithin(std::size_t first) {
+// The legend's rows leave the screen most of the picture, and enough height.
+bool ScopePainter::LegendFitsBelow() const {
+  const int height = LegendHeight();
+  return height <= LegendTakesAtMost * size_.height() &&
+         plate_.height() - height >= Scaled(HighPlate);
+}
+
+// From the lower left corner of the screen upwards, as many entries as its lower half takes.
+void ScopePainter::PlaceLegendWithin() {
+  if (legendPlaces_.empty()) return;
+  const int height = legendPlaces_.front().height();
+  const int rows = (plate_.bottom() - Scaled(LabelGap) - plate_.center().y()) / height;
+  legendPlaces_.resize(std::min(legendPlaces_.size(), static_cast<std::size_t>(std::max(rows, 0))));
   int bottom = plate_.bottom() - Scaled(LabelGap);
-  for (std::size_t i = legendPlaces_.size(); i > first; --i) {
-    QRect& place = legendPlaces_[i - 1];
-    place.moveBottomLeft({plate_.left() + Scaled(LabelGap), bottom});
-    bottom -= place.height();
+  for (auto place = legendPlaces_.rbegin(); place != legendPlaces_.rend(); ++place) {
+    place->moveBottomLeft({plate_.left() + Scaled(LabelGap), bottom});
+    bottom -= height;
   }
-  if (bottom < plate_.center().y()) legendPlaces_.resize(first);
 }
 
 // Tags have names where these leave the screen nearly all of its width.

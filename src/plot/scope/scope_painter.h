@@ -75,8 +75,9 @@ class ScopePainter {
   };
 
   void PlacePlate(int legendHeight);
-  std::size_t EntriesBelow() const;
-  void PlaceWithin(std::size_t first);
+  int LegendHeight() const;
+  bool LegendFitsBelow() const;
+  void PlaceLegendWithin();
   void PlaceLegend(int width);
   void PaintGrid(QPainter& painter, const ScopeColours& colours) const;
   void PaintTicks(QPainter& painter, const ScopeColours& colours) const;

@@ -27,6 +27,7 @@
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"
+#include "ui/panes/read_out_window.h"
 #include "ui/session/box_queue.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
@@ -76,8 +77,8 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   HelpWithControls(*this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
-  experiments_ =
-      new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, *this);
+  experiments_ = new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea,
+                                     MakeDockAround(*ui_->InstrumentArea));
   connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(

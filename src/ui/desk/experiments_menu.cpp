@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QScopedValueRollback>
+#include <algorithm>
 #include <utility>
 
 #include "ui/desk/workspace.h"
@@ -15,10 +16,13 @@ namespace torvane {
 
 namespace {
 
-constexpr int BesideAnalyser = 1500;  // width from which a panel at the side leaves room for both
-constexpr int SideFrom = 1000;        // and for a scope alone
+constexpr int BesideBoth = 1500;  // width from which a panel at the side leaves room for two plots
+constexpr int Instruments = 616;  // width that a panel at the side leaves
+constexpr int NarrowPanel = 180;
 constexpr int PanelWidth = 270;
+constexpr int LowPanel = 110;
 constexpr int PanelHeight = 150;
+constexpr int InstrumentsHeight = 420;  // that a panel below leaves
 
 }  // namespace
 
@@ -70,14 +74,15 @@ void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
   workspace_.ShowOnly([&](InstrumentKind kind) { return record.Shows(kind); });
 }
 
-// Below the instruments where the side has no room for it.
+// Below the instruments where these stand side by side and leave none.
 void ExperimentsMenu::Dock(bool withAnalyser) {
   if (panel_->isVisible() && panel_->isFloating()) return;
-  const bool side = window_.width() >= (withAnalyser ? BesideAnalyser : SideFrom);
+  const bool side = !withAnalyser || window_.width() >= BesideBoth;
   window_.addDockWidget(side ? Qt::RightDockWidgetArea : Qt::BottomDockWidgetArea, panel_);
   panel_->show();
-  window_.resizeDocks({panel_}, {side ? PanelWidth : PanelHeight},
-                      side ? Qt::Horizontal : Qt::Vertical);
+  const int width = std::clamp(window_.width() - Instruments, NarrowPanel, PanelWidth);
+  const int height = std::clamp(window_.height() - InstrumentsHeight, LowPanel, PanelHeight);
+  window_.resizeDocks({panel_}, {side ? width : height}, side ? Qt::Horizontal : Qt::Vertical);
 }
 
 void ExperimentsMenu::ModelShown() {

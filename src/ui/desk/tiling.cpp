@@ -49,20 +49,32 @@ struct Line {
   int Least = 0;  // width with gaps
 };
 
-std::vector<Line> LinesOf(const Tiles& tiles, int width) {
+// At most so many windows in a line.
+std::vector<Line> LinesOf(const Tiles& tiles, int width, std::size_t most) {
   std::vector<Line> lines;
   for (std::size_t i = 0; i < tiles.size(); ++i) {
     if (tiles[i].Role != TileRole::Small) continue;
     const int least = tiles[i].Least.width() + Gap;
     const auto joins = [&](const Line& line) {
       return tiles[line.Members.front()].Flat.isEmpty() == tiles[i].Flat.isEmpty() &&
-             line.Least + least <= width;
+             line.Least + least <= width && line.Members.size() < most;
     };
     if (lines.empty() || !joins(lines.back())) lines.emplace_back();
     lines.back().Members.push_back(i);
     lines.back().Least += least;
   }
   return lines;
+}
+
+// With as few lines as the width allows, and these alike.
+std::vector<Line> LinesOf(const Tiles& tiles, int width) {
+  std::vector<Line> best = LinesOf(tiles, width, tiles.size());
+  for (std::size_t most = tiles.size(); most > 1; --most) {
+    std::vector<Line> lines = LinesOf(tiles, width, most - 1);
+    if (lines.size() > best.size()) break;
+    best = std::move(lines);
+  }
+  return best;
 }
 
 // The windows of a line share its width.

@@ -326,7 +326,7 @@ void Workspace::BringBack() {
     if (!frame->HasYielded()) continue;
     std::vector<Tile> tiles = Tiles();
     tiles.push_back(frame->Sizes());
-    const bool isAlone = !FrontAnalyser();
+    const bool isAlone = frame->Role() == TileRole::Analyser && !FrontAnalyser();
     if (isAlone || AreApart(TileArea(tiles, size()), size())) frame->SetShown(true);
   }
 }
@@ -351,6 +351,26 @@ void Workspace::MakeRoomFor(const InstrumentFrame& wanted) {
     }
     if (!AreApart(TileArea(tiles, size()), size())) frame->Yield();
   }
+}
+
+// Where a display is too small for meters and generators, the scope keeps its room and the meters
+// are seen; a generator that the user has asked for stays.
+void Workspace::MakeRoomForMeters() {
+  std::vector<Tile> all;
+  std::vector<Tile> without;
+  std::vector<InstrumentFrame*> generators;
+  for (InstrumentFrame* frame : ShownFrames()) {
+    if (frame->Role() == TileRole::Analyser) continue;
+    all.push_back(frame->Sizes());
+    const bool yields = frame->Role() == TileRole::Small && !IsMeter(*frame) && !frame->IsChosen();
+    yields ? generators.push_back(frame) : without.push_back(all.back());
+  }
+  const bool metered = std::any_of(frames_.begin(), frames_.end(),
+                                   [](const InstrumentFrame* frame) { return IsMeter(*frame); });
+  if (!metered || AreApart(TileArea(all, size()), size()) ||
+      !AreApart(TileArea(without, size()), size()))
+    return;
+  for (InstrumentFrame* frame : generators) frame->Yield();
 }
 
 void Workspace::TileOver(const QSize& area) {
@@ -396,6 +416,8 @@ std::vector<QRect> Workspace::PlacesOn(const QSize& area,
 }
 
 void Workspace::FillScreen() {
+  BringBack();
+  MakeRoomForMeters();
   TileOver(size());
   filling_ = true;
 }

@@ -95,6 +95,7 @@ class Workspace : public QMdiArea {
   const InstrumentFrame* FrontAnalyser() const;
   bool IsCovered(const InstrumentFrame& frame) const;
   void MakeRoomFor(const InstrumentFrame& wanted);
+  void MakeRoomForMeters();
   void PlaceAsAsked(InstrumentFrame& frame);
   QRect FreePlace(const InstrumentFrame& frame) const;
 

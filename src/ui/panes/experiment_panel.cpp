@@ -7,7 +7,7 @@ namespace torvane {
 
 namespace {
 
-constexpr QSize Least(230, 120);
+constexpr QSize Least(180, 80);
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text).toHtmlEscaped();

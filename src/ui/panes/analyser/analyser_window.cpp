@@ -28,6 +28,9 @@ namespace {
 using CursorMode = FrequencyAnalyser::CursorMode;
 
 constexpr int ComfortablePlot = 400;  // pixels of width that a panel beside it leaves
+constexpr int LowRoom = 460;          // height of a workspace where plots make do with less
+constexpr int LeastHeight = 280;      // of the plots
+constexpr int LeastHeightInLowRoom = 230;
 
 }  // namespace
 
@@ -309,6 +312,11 @@ void AnalyserWindow::showEvent(QShowEvent* event) {
   axes_->Show();
   ShowCursors();
   ShowMargins();
+}
+
+void AnalyserWindow::SetRoom(const QSize& workspace) {
+  const bool low = workspace.height() < LowRoom;
+  ui_->PBPlot->setMinimumHeight(low ? LeastHeightInLowRoom : LeastHeight);
 }
 
 void AnalyserWindow::resizeEvent(QResizeEvent* event) {

@@ -33,6 +33,7 @@ class AnalyserWindow : public InstrumentPane {
   ~AnalyserWindow() override;
 
   void ShowFrame() override;
+  void SetRoom(const QSize& workspace) override;
   void Redraw() override;
   void SettingsChanged() override;
   void ShownChanged(bool shown) override;

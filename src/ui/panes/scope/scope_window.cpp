@@ -35,6 +35,8 @@ namespace {
 constexpr int TimeAxis = -1;  // in the list of X axes, before the channels
 constexpr QRgb Lime = 0x00ff00;
 constexpr QRgb Silver = 0xc0c0c0;
+// Of a control that is opaque Qt takes it that no other window covers it, after it has been moved.
+constexpr int AllButOpaque = 254;
 // The least graph, where the workspace has that room and where it has not.
 constexpr QSize LeastGraph(400, 250);
 constexpr QSize SmallGraph(300, 180);
@@ -78,6 +80,15 @@ int PanelWidth(const QStackedWidget& pages) {
     width = std::max(width, panel->minimumSizeHint().width());
   }
   return width;
+}
+
+// The panels of a page stand side by side where there is room, else one below the other.
+void Arrange(QBoxLayout& page, int room) {
+  int width = -page.spacing();
+  for (int i = 0; i < page.count(); ++i) {
+    width += page.itemAt(i)->widget()->minimumSizeHint().width() + page.spacing();
+  }
+  page.setDirection(room >= width ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 }  // namespace
@@ -209,24 +220,6 @@ void TZelScopeF::ConnectPages() {
   connect(ui_->SBScaleDisplay, &QAbstractButton::toggled, ui_->PBScreen,
           &ScopePaintBox::SetScalesShown);
   ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
-  for (const char* name :
-       {"VertPanelRows", "HorizPanelRows", "TrigPanelRows", "MeasurePanelRows"}) {
-    rows_.push_back(findChild<QBoxLayout*>(QLatin1String(name)));
-  }
-  for (QBoxLayout* panels : {ui_->ScalesPagePanels, ui_->TriggerPagePanels}) {
-    int width = 0;
-    for (const QFrame* panel : panels->parentWidget()->findChildren<QFrame*>(PanelNames())) {
-      const QBoxLayout* rows = qobject_cast<QBoxLayout*>(panel->layout());
-      if (!rows) {
-        width += panel->minimumSizeHint().width();
-        continue;
-      }
-      for (int row = 0; row < rows->count(); ++row) {
-        width += rows->itemAt(row)->minimumSize().width() + 2 * rows->spacing();
-      }
-    }
-    inOneRow_ = std::max(inOneRow_, width + panels->spacing());
-  }
 }
 
 void TZelScopeF::ConnectCursors(ZelUndo& history) {
@@ -475,7 +468,9 @@ void TZelScopeF::ShowLamp() {
   if (lampShown_ == scope_.TriggerLit()) return;
   lampShown_ = scope_.TriggerLit();
   QPalette colours = ui_->TriggeredP->palette();
-  colours.setColor(QPalette::Window, QColor(lampShown_ ? Lime : Silver));
+  QColor colour(lampShown_ ? Lime : Silver);
+  colour.setAlpha(AllButOpaque);
+  colours.setColor(QPalette::Window, colour);
   colours.setColor(QPalette::WindowText, Qt::black);
   ui_->TriggeredP->setPalette(colours);
 }
@@ -536,18 +531,21 @@ void TZelScopeF::resizeEvent(QResizeEvent* event) {
   FoldPages();
 }
 
-// All in one row where there is room, else the panels of a page side by side, else one below the
-// other.
 void TZelScopeF::ArrangePages() {
   const QMargins margins = ui_->Column->contentsMargins();
   const int room = width() - margins.left() - margins.right();
-  const auto along = [](bool wide) {
-    return wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
-  };
-  for (QBoxLayout* rows : rows_) rows->setDirection(along(room >= inOneRow_));
-  for (QBoxLayout* panels : {ui_->ScalesPagePanels, ui_->TriggerPagePanels}) {
-    panels->setDirection(along(room >= 2 * ui_->Pages->minimumWidth() + panels->spacing()));
+  Arrange(*ui_->ScalesPagePanels, room);
+  Arrange(*ui_->TriggerPagePanels, room);
+}
+
+// Controls are given their sizes by their style, after the window has its own.
+bool TZelScopeF::event(QEvent* event) {
+  const bool known = InstrumentPane::event(event);
+  if (event->type() == QEvent::LayoutRequest) {
+    ArrangePages();
+    FoldPages();
   }
+  return known;
 }
 
 // The height of all but the page, with the least graph.

@@ -7,7 +7,6 @@
 #include "ui/panes/instrument_pane.h"
 
 class QAbstractButton;
-class QBoxLayout;
 class QComboBox;
 class QMainWindow;
 
@@ -47,6 +46,7 @@ class TZelScopeF : public InstrumentPane {
   QSize minimumSizeHint() const override;
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void showEvent(QShowEvent* event) override;
@@ -96,10 +96,8 @@ class TZelScopeF : public InstrumentPane {
   /// What the user wants of the page below the graph.
   enum class Folding { AsRoomAllows, Folded, Opened };
   Folding folding_ = Folding::AsRoomAllows;
-  std::vector<QBoxLayout*> rows_;  // of the pages' panels
   bool opened_ = false;
   int leastScreen_ = 0;          // height of the screen with its least graph
-  int inOneRow_ = 0;             // width at which a page has all in one row
   QMainWindow* side_ = nullptr;  // of the constants, and of what is docked there
   CursorsWindow* cursors_ = nullptr;
   MathWindow* math_ = nullptr;
