@@ -68,6 +68,7 @@ std::vector<double> NumberAxis::Ticks(int most) const {
 
 void NumberFrame::Layout(const QSize& size, double ratio, int right) {
   Ratio = ratio;
+  Width = size.width();
   const QFontMetrics words(ScaledFont(QGuiApplication::font(), ratio, 1.0));
   const QFontMetrics numbers(ScaledFont(QGuiApplication::font(), ratio, NumberShare));
   const int margin = qRound(FrameMargin * ratio);
@@ -88,14 +89,17 @@ void NumberFrame::Paint(QPainter& painter, const ScopeColours& colours, bool gri
   const QPen line(colours.Grid, Ratio);
   painter.fillRect(Plate, colours.Plate);
   painter.setFont(number);
+  int free = 0;  // of numbers already drawn
   for (const double tick : X.Ticks(TicksAcross)) {
     const int x = qRound(At(tick, Y.Low()).x());
     painter.setPen(line);
     painter.drawLine(x, grid ? Plate.top() : Plate.bottom(), x, Plate.bottom() + gap);
     painter.setPen(colours.Text);
-    const int half = numbers.horizontalAdvance(u'0') * WidestTick / 2;
+    const int half = (numbers.horizontalAdvance(TickText(tick)) + 1) / 2;
+    if (x - half < free) continue;
     painter.drawText(QRect(x - half, Plate.bottom() + gap, 2 * half, numbers.height()),
                      Qt::AlignCenter, TickText(tick));
+    free = x + half + numbers.horizontalAdvance(u'0');
   }
   for (const double tick : Y.Ticks(TicksAcross)) {
     const int y = qRound(At(X.Low(), tick).y());
@@ -106,8 +110,10 @@ void NumberFrame::Paint(QPainter& painter, const ScopeColours& colours, bool gri
                      Qt::AlignRight | Qt::AlignVCenter, TickText(tick));
   }
   painter.setFont(text);
-  painter.drawText(QRect(Plate.left(), 0, Plate.width(), Plate.top() - gap),
-                   Qt::AlignLeft | Qt::AlignBottom, QString::fromStdString(Title));
+  const int across = Width - Plate.left();
+  painter.drawText(QRect(Plate.left(), 0, across, Plate.top() - gap),
+                   Qt::AlignLeft | Qt::AlignBottom,
+                   words.elidedText(QString::fromStdString(Title), Qt::ElideRight, across));
   const int below = Plate.bottom() + 2 * gap + numbers.height();
   painter.drawText(QRect(Plate.left(), below, Plate.width(), words.height()), Qt::AlignCenter,
                    QString::fromStdString(XCaption));

@@ -46,6 +46,7 @@ struct NumberFrame {
   }
 
   QRect Plate{};  ///< of the curves
+  int Width = 0;  ///< of all
   double Ratio = 1.0;
 };
 

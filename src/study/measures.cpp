@@ -5,34 +5,54 @@
 namespace torvane {
 
 std::span<const RunMeasure> Measures() {
+  using enum MeasureNeeds;
   static constexpr std::array Table{
-      RunMeasure{"Overshoot", "%", &RunReadings::Overshoot, false, false},
-      RunMeasure{"Rise", "s", &RunReadings::Rise, false, false},
-      RunMeasure{"Settling", "s", &RunReadings::Settling, false, false},
-      RunMeasure{"Delay", "s", &RunReadings::Delay, false, false},
-      RunMeasure{"RMS Error", "the command's unit", &RunReadings::RmsError, false, false},
-      RunMeasure{"Window", "s", &RunReadings::Window, false, false},
-      RunMeasure{"Bandwidth", "Hz", &RunReadings::Bandwidth, true, true},
-      RunMeasure{"Peaking", "dB", &RunReadings::Peaking, true, false},
-      RunMeasure{"Gain Margin", "dB", &RunReadings::GainMargin, true, true},
-      RunMeasure{"Phase Margin", "deg", &RunReadings::PhaseMargin, true, true},
-      RunMeasure{"Sensitivity", "", &RunReadings::Sensitivity, true, false},
+      RunMeasure{"Overshoot", "%", &RunReadings::Overshoot},
+      RunMeasure{"Rise", "s", &RunReadings::Rise},
+      RunMeasure{"Settling", "s", &RunReadings::Settling},
+      RunMeasure{"Delay", "s", &RunReadings::Delay},
+      RunMeasure{"RMS Error", "the command's unit", &RunReadings::RmsError},
+      RunMeasure{"Window", "s", &RunReadings::Window},
+      RunMeasure{"Bandwidth", "Hz", &RunReadings::Bandwidth, Loop, true},
+      RunMeasure{"Peaking", "dB", &RunReadings::Peaking, Loop},
+      RunMeasure{"Gain Margin", "dB", &RunReadings::GainMargin, Loop, true},
+      RunMeasure{"Phase Margin", "deg", &RunReadings::PhaseMargin, Loop, true},
+      RunMeasure{"Sensitivity", "", &RunReadings::Sensitivity, Loop},
+      RunMeasure{"IAE", "the command's unit s", &RunReadings::Iae},
+      RunMeasure{"ISE", "the command's unit^2 s", &RunReadings::Ise},
+      RunMeasure{"Peak", "the signal's unit", &RunReadings::Peak, Peak},
+      RunMeasure{"Meets", "", &RunReadings::Meets, Requirements, true},
   };
   return Table;
 }
 
-std::vector<std::string> MeasureCaptions(bool withLoop) {
+bool MeasureSet::Has(MeasureNeeds needs) const {
+  switch (needs) {
+    case MeasureNeeds::Loop:
+      return Loop;
+    case MeasureNeeds::Peak:
+      return Peak;
+    case MeasureNeeds::Requirements:
+      return Requirements;
+    case MeasureNeeds::Step:
+      break;
+  }
+  return true;
+}
+
+std::vector<std::string> MeasureCaptions(const MeasureSet& set) {
   std::vector<std::string> captions;
   for (const RunMeasure& measure : Measures()) {
-    if (withLoop || !measure.OfLoop) captions.emplace_back(measure.Caption);
+    if (set.Has(measure.Needs)) captions.emplace_back(measure.Caption);
   }
   return captions;
 }
 
-std::vector<std::optional<double>> MeasureValues(const RunReadings& readings, bool withLoop) {
+std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
+                                                 const MeasureSet& set) {
   std::vector<std::optional<double>> values;
   for (const RunMeasure& measure : Measures()) {
-    if (withLoop || !measure.OfLoop) values.push_back(readings.*measure.Value);
+    if (set.Has(measure.Needs)) values.push_back(readings.*measure.Value);
   }
   return values;
 }

@@ -20,9 +20,17 @@ struct RunReadings {
   std::optional<double> GainMargin;   ///< the smallest of the open loop
   std::optional<double> PhaseMargin;  ///< the same
   std::optional<double> Sensitivity;  ///< the greatest of 1 / |1 + open loop|
+  std::optional<double> Iae;          ///< integral of the error's magnitude, over the window
+  std::optional<double> Ise;          ///< the same of its square
+  std::optional<double> Peak;         ///< the largest magnitude of a signal about the step
+  std::optional<double> Meets;        ///< 1 when all that is required is met, 0 when not
   std::vector<std::string> Reasons;   ///< why some are not there
   std::vector<std::string> Warnings;  ///< what makes some less trustworthy
 };
+
+/// What a measure takes beside a step of the command: frequency responses, measured or from theory;
+/// a signal whose peak is asked for; requirements.
+enum class MeasureNeeds { Step, Loop, Peak, Requirements };
 
 /// A measure of a run: what it is called, its unit, what it is read from. A new measure is a row of
 /// Measures().
@@ -30,16 +38,28 @@ struct RunMeasure {
   const char* Caption;
   const char* Unit;
   std::optional<double> RunReadings::*Value;
-  bool OfLoop;  ///< it takes frequency responses, measured or from theory
-  bool MoreIsBetter;
+  MeasureNeeds Needs = MeasureNeeds::Step;
+  bool MoreIsBetter = false;
+
+  bool OfLoop() const { return Needs == MeasureNeeds::Loop; }
+};
+
+/// Which measures a run has.
+struct MeasureSet {
+  bool Loop = false;
+  bool Peak = false;
+  bool Requirements = false;
+
+  bool Has(MeasureNeeds needs) const;
 };
 
 /// All measures, in the order of a table's columns.
 std::span<const RunMeasure> Measures();
 
 /// Captions and values of those that are measured.
-std::vector<std::string> MeasureCaptions(bool withLoop);
-std::vector<std::optional<double>> MeasureValues(const RunReadings& readings, bool withLoop);
+std::vector<std::string> MeasureCaptions(const MeasureSet& set);
+std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
+                                                 const MeasureSet& set);
 
 /// The unit of the measure of that caption; empty of none.
 std::string MeasureUnit(const std::string& caption);

@@ -71,4 +71,14 @@ std::string Requirement::Found(const RunReadings& readings) const {
   return std::string(measure_->Caption) + " is " + WithUnit(*value, *measure_);
 }
 
+std::optional<double> MeetsAll(const std::vector<Requirement>& all, const RunReadings& readings) {
+  double meets = 1.0;
+  for (const Requirement& one : all) {
+    const auto missed = one.Missed(readings);
+    if (!missed) return std::nullopt;
+    if (*missed > 0.0) meets = 0.0;
+  }
+  return meets;
+}
+
 }  // namespace torvane

@@ -36,4 +36,7 @@ class Requirement {
   double bound_ = 0.0;
 };
 
+/// Whether a run meets all of them: 1 or 0, nothing where it lacks a measure that is asked for.
+std::optional<double> MeetsAll(const std::vector<Requirement>& all, const RunReadings& readings);
+
 }  // namespace torvane

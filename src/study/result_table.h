@@ -1,11 +1,14 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/csv_table.h"
+#include "study/measures.h"
 #include "study/study_pictures.h"
 
 namespace torvane {
@@ -20,9 +23,11 @@ class ResultTable {
   std::size_t RowOf(int run) const;
   /// A run in words: its number and its settings.
   std::string Described(std::size_t row) const;
-  /// A measure over the first two settings that vary.
-  StudyMap MapOf(const std::string& measure, const std::string& unit,
-                 std::optional<std::size_t> chosen) const;
+  /// Of the rows that meet what was required, if anything was, that with the best of the measure.
+  std::optional<std::size_t> BestRow(const RunMeasure& measure) const;
+  /// A measure over two settings, the first two that vary when they are not given.
+  StudyMap MapOf(const std::string& measure,
+                 const std::optional<std::pair<std::string, std::string>>& axes) const;
 
  private:
   const std::string& Text(std::size_t row, std::size_t column) const {
@@ -30,6 +35,13 @@ class ResultTable {
   }
   double Number(std::size_t row, std::size_t column) const;
   std::vector<std::size_t> VaryingSettings() const;
+  /// The two axes first, then what varies beside them.
+  std::vector<std::size_t> MapSettings(
+      const std::optional<std::pair<std::string, std::string>>& axes) const;
+  bool Meets(std::size_t row) const;
+  /// "KVI = 20, J = 0.002" of those settings, numbers with so many digits;
+  /// with 0 as they stand.
+  std::string Values(std::size_t row, std::span<const std::size_t> settings, int digits) const;
   std::size_t Measure(const std::string& name) const;
 
   std::vector<std::string> captions_;

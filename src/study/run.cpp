@@ -11,7 +11,7 @@ std::unique_ptr<ZelModel> MakeFirst(const MakeModel& make) {
 }
 
 RunResult RunOfStudy(const StudyDesign& design, std::size_t run, const MakeModel& make,
-                     const MeasureModel& measure, bool withLoop, bool traced) {
+                     const MeasureModel& measure, const MeasureSet& set, bool traced) {
   RunResult result{{run, design.Runs[run], {}, {}}, {}};
   std::vector<std::string> remarks;
   const MakeModel makeRun = [&] {
@@ -27,7 +27,7 @@ RunResult RunOfStudy(const StudyDesign& design, std::size_t run, const MakeModel
   } catch (const std::exception& error) {
     readings.Reasons.emplace_back(error.what());
   }
-  result.Row.Measures = MeasureValues(readings, withLoop);
+  result.Row.Measures = MeasureValues(readings, set);
   Append(remarks, readings.Reasons);
   Append(remarks, readings.Warnings);
   result.Row.Reason = Joined(remarks);

@@ -21,9 +21,9 @@ std::unique_ptr<ZelModel> MakeFirst(const MakeModel& make);
 /// it throws is the reason why there are no measures.
 using MeasureModel = std::function<RunReadings(const MakeModel& make, StudyTrace* trace)>;
 
-/// A run of a study: the model with the run's settings, measured. `withLoop`: frequency responses
-/// are measured too; `traced`: the response is wanted as well.
+/// A run of a study: the model with the run's settings, measured. `set`: which measures its row
+/// has; `traced`: the response is wanted as well.
 RunResult RunOfStudy(const StudyDesign& design, std::size_t run, const MakeModel& make,
-                     const MeasureModel& measure, bool withLoop, bool traced);
+                     const MeasureModel& measure, const MeasureSet& set, bool traced);
 
 }  // namespace torvane

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace torvane {
@@ -22,18 +23,26 @@ struct StudyResponses {
   std::string ChosenText;
 };
 
-/// One measure of a study's runs over two of its constants.
+/// One measure of a study's runs over two of its constants, a slice for each value of the others.
 struct StudyMap {
   struct Run {
     double X = 0.0;
     double Y = 0.0;
     std::optional<double> Value;  ///< nothing where it could not be measured
+    std::size_t Row = 0;          ///< in the table
+    bool Meets = true;            ///< what is required
+  };
+  struct Slice {
+    std::string Text;  ///< the others' values; empty of a map without slices
+    std::vector<Run> Runs;
   };
   std::string XName;
   std::string YName;
   std::string Measure;
-  std::vector<Run> Runs;
-  std::optional<std::size_t> Chosen;
+  std::vector<Slice> Slices;
+  std::optional<std::size_t> Chosen;  ///< row of the table
+  std::optional<std::pair<double, double>> Limits;
+  bool Contours = false;
 };
 
 }  // namespace torvane

@@ -51,24 +51,47 @@ TEST(StudyDrawing, ResponsesWithTheChosenOne) {
 
 // A grid over a range of decades; one cell was not measured.
 TEST(StudyDrawing, MapOfAGrid) {
-  StudyMap map{"KVP", "KVI", "Overshoot (%)", {}, 4};
+  StudyMap map{"KVP", "KVI", "Overshoot (%)", {{}}, 4, {}, false};
+  auto& runs = map.Slices.front().Runs;
   for (const double x : {0.1, 1.0, 10.0, 100.0}) {
-    for (const double y : {20.0, 30.0, 40.0}) map.Runs.push_back({x, y, 5.0 * x + y});
+    for (const double y : {20.0, 30.0, 40.0}) runs.push_back({x, y, 5.0 * x + y, runs.size()});
   }
-  map.Runs[2].Value.reset();
+  runs[2].Value.reset();
   Expect("study-grid", StudyMapPicture(map));
 }
 
+// Of two slices the second has one cell that does not meet what is required, and one far beyond
+// the others.
+TEST(StudyDrawing, MapOfSlices) {
+  StudyMap map{"KVP", "KVI", "Settling (s)", {}, {}, {}, true};
+  for (const double j : {1.0, 2.0}) {
+    map.Slices.push_back({"J = " + std::to_string(static_cast<int>(j)), {}});
+    for (const double x : {1.0, 2.0, 3.0}) {
+      for (const double y : {1.0, 2.0, 3.0}) map.Slices.back().Runs.push_back({x, y, j * x + y});
+    }
+  }
+  map.Slices[1].Runs[3].Meets = false;
+  map.Slices[1].Runs[8].Value = 1e6;
+  Expect("study-slices", StudyMapPicture(map));
+}
+
 TEST(StudyDrawing, MapOfSamples) {
-  Expect("study-samples",
-         StudyMapPicture(
-             {"KVP",
-              "J",
-              "RiseTime (sec)",
-              {{0.2, 0.001, 0.004}, {1.1, 0.003, 0.002}, {1.9, 0.002, {}}, {1.5, 0.0005, 0.001}},
-              1}));
+  Expect("study-samples", StudyMapPicture({"KVP",
+                                           "J",
+                                           "RiseTime (sec)",
+                                           {{"",
+                                             {{0.2, 0.001, 0.004, 0},
+                                              {1.1, 0.003, 0.002, 1},
+                                              {1.9, 0.002, {}, 2},
+                                              {1.5, 0.0005, 0.001, 3}}}},
+                                           1,
+                                           {},
+                                           false}));
   const StudyMap decades{
-      "", "", "", {{0.01, 1.0, 4.0}, {1.0, 30.0, -2.0}, {100.0, 1e3, {}}, {5.0, 2.0, 1.0}}, {}};
+      "",   "",
+      "",   {{"", {{0.01, 1.0, 4.0}, {1.0, 30.0, -2.0}, {100.0, 1e3, {}}, {5.0, 2.0, 1.0}}}},
+      {},   {},
+      false};
   Expect("study-decades", StudyMapPicture(decades));
 }
 

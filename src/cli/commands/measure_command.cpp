@@ -22,8 +22,8 @@ void Measure(const MeasureOptions& options, Console& console) {
     return ReadRun(make, options, console, Console::CanShowProgress(false));
   }();
   for (const std::string& warning : readings.Warnings) Warning(warning);
-  std::vector<std::string> captions = MeasureCaptions(options.WithLoop());
-  std::vector<std::string> fields = MeasureFields(MeasureValues(readings, options.WithLoop()));
+  std::vector<std::string> captions = MeasureCaptions(options.Measured());
+  std::vector<std::string> fields = MeasureFields(MeasureValues(readings, options.Measured()));
   captions.emplace_back(ReasonCaption);
   fields.push_back(Joined(readings.Reasons));
   output.Write(CsvLine(captions));

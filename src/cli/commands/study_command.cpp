@@ -12,7 +12,8 @@ namespace {
 // Results were made with all other options already. Were they told apart by the parser, each would
 // say so in the help.
 void CheckMergeOptions(const CLI::App& command) {
-  const std::set<std::string> fitting{"--merge", "--out", "--picture", "--chosen", "--map"};
+  const std::set<std::string> fitting{"--merge", "--out",    "--picture",  "--chosen", "--map",
+                                      "--axes",  "--limits", "--contours", "--best"};
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional() || option->count() == 0) continue;
     if (fitting.contains(option->get_name())) continue;
@@ -22,8 +23,8 @@ void CheckMergeOptions(const CLI::App& command) {
 
 // All but what says where the runs are done, and what is made of them.
 void TakeGivenOptions(const CLI::App& command, StudyOptions& options) {
-  const std::set<std::string> elsewhere{"--jobs",    "--shard",  "--out",
-                                        "--picture", "--chosen", "--map"};
+  const std::set<std::string> elsewhere{"--jobs", "--shard", "--out",    "--picture",  "--chosen",
+                                        "--map",  "--axes",  "--limits", "--contours", "--best"};
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional() || option->count() == 0) continue;
     if (elsewhere.contains(option->get_name())) continue;
@@ -60,6 +61,16 @@ void AddStudyCommand(CLI::App& app, Console& console) {
           ->needs(vary);
   AddInteger(*command, "--seed", options->Seed, "Which samples (1 without it)")->needs(sample);
   AddMeasureOptions(*command, options->Measure);
+  command
+      ->add_option("--require", options->Require,
+                   "What a run has to reach, as Overshoot<10 or GainMargin>=6: a column says "
+                   "whether it meets all. Repeatable")
+      ->allow_extra_args(false)
+      ->type_name("MEASURE<NUMBER");
+  command
+      ->add_option("--best", options->Best,
+                   "Say which of the runs that meet what is required has the best of this measure")
+      ->type_name("MEASURE");
   AddInteger(*command, "--jobs", options->Jobs,
              "Processes at a time; one a processor without it. The result is the same");
   command->add_option("--shard", options->Shard, "Do the share K of N alone")->type_name("K/N");
@@ -77,11 +88,24 @@ void AddStudyCommand(CLI::App& app, Console& console) {
           ->type_name("FILE.png|svg|pdf");
   AddInteger(*command, "--chosen", options->Chosen, "Run that the picture sets off")
       ->needs(picture);
+  CLI::Option* const map =
+      command
+          ->add_option("--map", options->Map.Measure,
+                       "Draw this measure over the first two settings that vary instead, a map "
+                       "for each value of the others")
+          ->type_name("MEASURE")
+          ->needs(picture);
+  command->add_option("--axes", options->Map.Axes, "The two settings over which the map is drawn")
+      ->type_name("X,Y")
+      ->needs(map);
   command
-      ->add_option("--map", options->Map,
-                   "Draw this measure over the first two settings that vary instead")
-      ->type_name("MEASURE")
-      ->needs(picture);
+      ->add_option("--limits", options->Map.Limits,
+                   "Values at the ends of the map's colours; without it those measured, but for "
+                   "the few that lie far away")
+      ->type_name("LOW:HIGH")
+      ->needs(map);
+  command->add_flag("--contours", options->Map.Contours, "Draw lines of equal values into the map")
+      ->needs(map);
   command->callback([options, command, &console] {
     if (options->Merge) {
       CheckMergeOptions(*command);

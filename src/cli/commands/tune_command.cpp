@@ -39,9 +39,6 @@ class TuneRun {
     }
     for (const std::string& text : options_.Require) search_.Goal.Requirements.emplace_back(text);
     if (!options_.Best.empty()) search_.Goal.Best = &NamedMeasure(options_.Best);
-    if (search_.Goal.Best && search_.Goal.Best->Value == &RunReadings::Window) {
-      throw UsageError("--best: how long was measured says nothing of how good a tuning is");
-    }
     if (search_.Goal.Requirements.empty() && !search_.Goal.Best) {
       throw UsageError("--require or --best is needed: a tuning for what?");
     }
@@ -49,6 +46,9 @@ class TuneRun {
     if (search_.MostRuns < 1) throw UsageError("--runs must be at least 1");
     // What is asked of the loop comes from theory unless it is to be measured.
     if (AsksForLoop() && !options_.Measure.WithBode) options_.Measure.WithTheory = true;
+    for (const RunMeasure* asked : Asked()) {
+      CheckAskedFor("a tuning by", *asked, options_.Measure.Measured());
+    }
     Check();
   }
 
@@ -65,23 +65,22 @@ class TuneRun {
   }
 
  private:
+  std::vector<const RunMeasure*> Asked() const {
+    std::vector<const RunMeasure*> asked;
+    for (const Requirement& one : search_.Goal.Requirements) asked.push_back(&one.Of());
+    if (search_.Goal.Best) asked.push_back(search_.Goal.Best);
+    return asked;
+  }
+
   bool AsksForLoop() const {
-    const auto& requirements = search_.Goal.Requirements;
-    return (search_.Goal.Best && search_.Goal.Best->OfLoop) ||
-           std::any_of(requirements.begin(), requirements.end(),
-                       [](const Requirement& one) { return one.Of().OfLoop; });
+    return std::ranges::any_of(Asked(), [](const RunMeasure* one) { return one->OfLoop(); });
   }
 
   bool AsksForMargins() const {
-    const auto margin = [](const RunMeasure& measure) {
-      return measure.Value == &RunReadings::GainMargin ||
-             measure.Value == &RunReadings::PhaseMargin ||
-             measure.Value == &RunReadings::Sensitivity;
-    };
-    const auto& requirements = search_.Goal.Requirements;
-    return (search_.Goal.Best && margin(*search_.Goal.Best)) ||
-           std::any_of(requirements.begin(), requirements.end(),
-                       [&](const Requirement& one) { return margin(one.Of()); });
+    return std::ranges::any_of(Asked(), [](const RunMeasure* one) {
+      return one->Value == &RunReadings::GainMargin || one->Value == &RunReadings::PhaseMargin ||
+             one->Value == &RunReadings::Sensitivity;
+    });
   }
 
   ModelOptions& Model() { return options_.Measure.Bode.Response.Model; }
@@ -144,10 +143,10 @@ class TuneRun {
   void Write(const Tuning& best) const {
     std::vector<std::string> captions;
     for (const StudyRange& range : search_.Ranges) captions.push_back(range.Name);
-    const bool loop = options_.Measure.WithLoop();
-    Append(captions, MeasureCaptions(loop));
+    const MeasureSet set = options_.Measure.Measured();
+    Append(captions, MeasureCaptions(set));
     std::vector<std::string> fields = best.Values;
-    Append(fields, MeasureFields(MeasureValues(best.Readings, loop)));
+    Append(fields, MeasureFields(MeasureValues(best.Readings, set)));
     captions.emplace_back(ReasonCaption);
     std::vector<std::string> remarks = best.Readings.Reasons;
     Append(remarks, best.Readings.Warnings);

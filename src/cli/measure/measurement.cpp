@@ -14,7 +14,7 @@ StepOptions Step(const MeasureOptions& options) {
   const ResponseOptions& response = options.Bode.Response;
   std::optional<double> window = options.Window;
   if (options.TimeBase) window = *options.TimeBase * ZelScope::HorizontalDivisions;
-  return {response.Input, response.Output, options.Until, window};
+  return {response.Input, response.Output, options.Until, window, options.Peak};
 }
 
 }  // namespace
@@ -33,6 +33,10 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
   AddNumber(command, "--time-base", options.TimeBase, NumberRange::Positive,
             "The same as ten divisions of the scope, seconds a division")
       ->excludes(window);
+  command
+      .add_option("--peak", options.Peak,
+                  "Tell the largest magnitude of this signal as well, from just before the step on")
+      ->type_name("SIGNAL");
   CLI::Option* const withBode =
       command.add_flag("--bode", options.WithBode,
                        "Measure bandwidth, peaking, gain and phase margin as well, with the FFT "
@@ -64,6 +68,21 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& c
   CheckStep(model, Step(options));
   if (options.WithBode) CheckLoop(model, {options.Bode, options.Loop}, console);
   if (options.WithTheory) NoteLoop(model);
+}
+
+void CheckMeasured(const std::string& option, const RunMeasure& measure, const MeasureSet& set) {
+  if (set.Has(measure.Needs)) return;
+  const char* needed = "--require";
+  if (measure.Needs == MeasureNeeds::Loop) needed = "--bode or --theory";
+  if (measure.Needs == MeasureNeeds::Peak) needed = "--peak";
+  throw UsageError(option + " " + measure.Caption + " needs " + needed);
+}
+
+void CheckAskedFor(const std::string& option, const RunMeasure& measure, const MeasureSet& set) {
+  if (measure.Value == &RunReadings::Window || measure.Value == &RunReadings::Meets) {
+    throw UsageError(option + " " + measure.Caption + ": it says nothing of how good a run is");
+  }
+  CheckMeasured(option, measure, set);
 }
 
 RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Console& console,

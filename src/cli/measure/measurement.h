@@ -19,7 +19,9 @@ struct MeasureOptions {
   bool WithBode = false;
   bool WithTheory = false;  ///< the loop's measures are computed instead
 
-  bool WithLoop() const { return WithBode || WithTheory; }
+  std::string Peak;  ///< a signal of which the largest magnitude is told
+
+  MeasureSet Measured() const { return {WithBode || WithTheory, !Peak.empty(), false}; }
   std::optional<double> Until;
   std::optional<double> Window;
   std::optional<double> TimeBase;
@@ -31,6 +33,12 @@ void AddMeasureOptions(CLI::App& command, MeasureOptions& options);
 /// Wrong usage if the options do not fit the model, which is set up for a measurement: the signals
 /// are there, and the analyser takes its settings.
 void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Console& console);
+
+/// Wrong usage, of an option that asks for a measure: one that takes other options that were not
+/// given.
+void CheckMeasured(const std::string& option, const RunMeasure& measure, const MeasureSet& set);
+/// The same, and one that says nothing of how good a run is.
+void CheckAskedFor(const std::string& option, const RunMeasure& measure, const MeasureSet& set);
 
 /// Reads as a process would that runs nothing else, whatever ran in this one: each part in a model
 /// of its own whose class has seen none. Fills the trace, if there is one, with the response. An

@@ -1,6 +1,7 @@
 #include "cli/measure/step_measurement.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 #include "cli/model/model_options.h"
@@ -21,6 +22,15 @@ std::optional<double> Known(const StepFigure& figure) {
   return ParseNumber(figure.Text());
 }
 
+// Of a trace that is drawn straight from row to row.
+double Integral(const std::vector<double>& values, const std::vector<double>& times) {
+  double sum = 0.0;
+  for (std::size_t i = 1; i < values.size(); ++i) {
+    sum += 0.5 * (values[i - 1] + values[i]) * (times[i] - times[i - 1]);
+  }
+  return sum;
+}
+
 // Of command less response, from the jump on, and over how long.
 void ReadError(const StepRun& run, RunReadings& readings) {
   const std::size_t jump = *run.Before() + 1;
@@ -29,6 +39,14 @@ void ReadError(const StepRun& run, RunReadings& readings) {
   std::transform(run.Command.begin() + from, run.Command.end(), run.Response.begin() + from,
                  std::back_inserter(error), std::minus());
   if (const auto of = MeasureTrace(error)) readings.RmsError = Rounded(of->Rms, ErrorDigits);
+  const std::vector<double> times(run.Times.begin() + from, run.Times.end());
+  std::vector<double> squares;
+  for (double& value : error) {
+    value = std::abs(value);
+    squares.push_back(value * value);
+  }
+  readings.Iae = Rounded(Integral(error, times), ErrorDigits);
+  readings.Ise = Rounded(Integral(squares, times), ErrorDigits);
   readings.Window = Rounded(run.Times.back() - run.Times[jump], ErrorDigits);
 }
 
@@ -37,6 +55,7 @@ void ReadError(const StepRun& run, RunReadings& readings) {
 void CheckStep(ZelModel& model, const StepOptions& options) {
   NamedSignal(model.Bench(), options.Command);
   NamedSignal(model.Bench(), options.Response);
+  if (!options.Peak.empty()) NamedSignal(model.Bench(), options.Peak);
 }
 
 StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& console,
@@ -52,6 +71,7 @@ StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& con
   readings.Settling = Known(of.Settling);
   readings.Delay = Known(of.Delay);
   ReadError(run, readings);
+  if (run.Peak) readings.Peak = Rounded(*run.Peak, ErrorDigits);
   const std::string gap = Reason(of.Gap());
   if (!gap.empty()) readings.Reasons.push_back(gap);
   return run;

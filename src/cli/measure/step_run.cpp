@@ -63,6 +63,7 @@ class OneStep {
         model_(MakeFirst(make)),
         command_(NamedSignal(model_->Bench(), options.Command)),
         response_(NamedSignal(model_->Bench(), options.Response)),
+        watched_(options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak)),
         wave_(dynamic_cast<ZelWave&>(
             *model_->Bench().Instruments(InstrumentKind::WaveGenerator).at(generator))),
         run_(*model_, console, LongestWait, showProgress) {}
@@ -146,12 +147,16 @@ class OneStep {
     rows_.Times.push_back(run_.Time());
     rows_.Command.push_back(command_.DisplayValue());
     rows_.Response.push_back(response_.DisplayValue());
+    if (watched_) {
+      rows_.Peak = std::max(rows_.Peak.value_or(0.0), std::abs(watched_->DisplayValue()));
+    }
   }
 
   const StepOptions& options_;
   std::unique_ptr<ZelModel> model_;
   const Variable& command_;
   const Variable& response_;
+  const Variable* watched_;
   ZelWave& wave_;
   LongRun run_;
   StepRun rows_;

@@ -16,6 +16,7 @@ struct StepOptions {
   std::string Response;
   std::optional<double> Until;   ///< how long after the step the run ends at the latest, seconds
   std::optional<double> Window;  ///< the same however the response stands
+  std::string Peak;              ///< a signal to watch; none when empty
 };
 
 /// A step in display units, a row at the end of each of the solver's steps: the last one before the
@@ -26,6 +27,7 @@ struct StepRun {
   std::vector<double> Response;
   double SolverStep = 0.0;
   bool SameUnit = false;
+  std::optional<double> Peak;  ///< the largest magnitude of what is watched, of all rows
   std::string Reason;
 
   /// The last row before the command's jump; nothing where it does not jump.

@@ -51,7 +51,7 @@ void ReadTheory(const MakeModel& make, const std::string& command, const std::st
   ReadLinear(make, command, response, findings);
   for (const RunMeasure& measure : Measures()) {
     auto& value = readings.*measure.Value;
-    if (measure.OfLoop && value) value = ParseNumber(FormatGeneral(*value, Digits, 2));
+    if (measure.OfLoop() && value) value = ParseNumber(FormatGeneral(*value, Digits, 2));
   }
 }
 

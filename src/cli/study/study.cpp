@@ -13,6 +13,7 @@
 #include "cli/study/study_set_up.h"
 #include "core/messages.h"
 #include "core/text.h"
+#include "study/requirement.h"
 #include "study/row.h"
 #include "study/run.h"
 #include "study/shares.h"
@@ -65,7 +66,8 @@ class Study {
   void Run();
 
  private:
-  bool Traced() const { return !options_.Picture.empty() && options_.Map.empty(); }
+  bool Traced() const { return !options_.Picture.empty() && options_.Map.Measure.empty(); }
+  MeasureSet Set() const;
   std::string Head() const;
   /// Head and rows as they will be, but for the measures.
   std::string TableToCome() const;
@@ -79,6 +81,7 @@ class Study {
   int processes_ = 1;
   std::unique_ptr<ZelModel> first_;
   StudyIdentity identity_;
+  std::vector<Requirement> requirements_;
 };
 
 Study::Study(StudyOptions options, Console& console)
@@ -92,20 +95,33 @@ Study::Study(StudyOptions options, Console& console)
   if (NamesModelFile(model.Model)) model.FileText = ReadModelFile(model.Model);
   first_ = OpenModel(model, console_);
   CheckMeasurement(*first_, options_.Measure, console_);
+  for (const std::string& text : options_.Require) {
+    requirements_.emplace_back(text);
+    CheckAskedFor("--require", requirements_.back().Of(), Set());
+  }
+  CheckStudyBest(options_, Set());
+  const std::string& mapped = options_.Map.Measure;
+  if (!mapped.empty()) CheckMeasured("--map", NamedMeasure(mapped), Set());
   identity_ = IdentityOf(options_, design_, *first_);
   CheckDesign(design_, *first_);
   CheckStudyPicture(options_, TableToCome());
 }
 
+MeasureSet Study::Set() const {
+  MeasureSet set = options_.Measure.Measured();
+  set.Requirements = !options_.Require.empty();
+  return set;
+}
+
 std::string Study::Head() const {
-  return HeadLine(design_.Names, MeasureCaptions(options_.Measure.WithLoop()));
+  return HeadLine(design_.Names, MeasureCaptions(Set()));
 }
 
 std::string Study::TableToCome() const {
   std::string table = Head();
   if (options_.Picture.empty()) return table;
   StudyRow row;
-  row.Measures.resize(MeasureCaptions(options_.Measure.WithLoop()).size());
+  row.Measures.resize(MeasureCaptions(Set()).size());
   for (const std::size_t run : share_) {
     row.Run = run;
     row.Settings = ApplyRun(first_->Bench(), design_, run).Settings;
@@ -118,9 +134,11 @@ std::optional<RunResult> Study::Measure(std::size_t run) const {
   const Quiet quiet;
   const MakeModel make = [&] { return OpenModel(options_.Measure.Bode.Response.Model, console_); };
   const MeasureModel measure = [&](const MakeModel& ofRun, StudyTrace* trace) {
-    return ReadRun(ofRun, options_.Measure, console_, false, trace);
+    RunReadings readings = ReadRun(ofRun, options_.Measure, console_, false, trace);
+    if (!requirements_.empty()) readings.Meets = MeetsAll(requirements_, readings);
+    return readings;
   };
-  RunResult result = RunOfStudy(design_, run, make, measure, options_.Measure.WithLoop(), Traced());
+  RunResult result = RunOfStudy(design_, run, make, measure, Set(), Traced());
   if (InterruptGuard::Interrupted()) return {};
   return result;
 }
@@ -165,6 +183,7 @@ void Study::Run() {
   if (failed > 0) Note(Count(failed, jobs.size()) + " have no measures; their rows say why");
   const std::string table = result.Table();
   result.Close();
+  TellStudyBest(options_, table);
   if (options_.Picture.empty()) return;
   responses.Signal = options_.Measure.Bode.Response.Output;
   responses.TimeUnit = first_->Bench().TimeVar()->Unit();
@@ -186,13 +205,14 @@ void MergeStudies(const StudyOptions& options) {
   Shares shares;
   for (const std::string& path : options.Files) shares.Add(path);
   const std::string table = shares.Table();
-  if (options.Map.empty() && !options.Picture.empty()) {
+  if (options.Map.Measure.empty() && !options.Picture.empty()) {
     throw UsageError("--merge draws a map alone; --map names its measure");
   }
   CheckStudyPicture(options, table);
   ResultFile file(options.Out);
   file.Write(table);
   file.Close();
+  TellStudyBest(options, table);
   if (!options.Picture.empty()) WriteStudyPicture(options, table, {});
 }
 

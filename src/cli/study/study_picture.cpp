@@ -1,33 +1,84 @@
+#include "cli/command_error.h"
 #include "cli/io/pictures.h"
 #include "cli/study/study.h"
+#include "core/messages.h"
+#include "core/text.h"
+#include "study/requirement.h"
 #include "study/result_table.h"
 
 namespace torvane::cli {
 namespace {
 
+std::optional<std::size_t> BestRow(const StudyOptions& options, const ResultTable& table) {
+  if (options.Best.empty()) return {};
+  return table.BestRow(NamedMeasure(options.Best));
+}
+
+// The run that was asked for, or else the best one.
 std::optional<std::size_t> ChosenRow(const StudyOptions& options, const ResultTable& table) {
-  if (!options.Chosen) return {};
-  return table.RowOf(*options.Chosen);
+  if (options.Chosen) return table.RowOf(*options.Chosen);
+  return BestRow(options, table);
+}
+
+// The two parts of "A,B" or "A:B".
+std::pair<std::string, std::string> TwoParts(const std::string& text, char at, const char* form) {
+  const auto split = text.find(at);
+  if (split == std::string::npos || text.find(at, split + 1) != std::string::npos) {
+    throw UsageError(std::string(form) + ", not \"" + text + "\"");
+  }
+  return {text.substr(0, split), text.substr(split + 1)};
 }
 
 StudyMap MapOf(const StudyOptions& options, const ResultTable& table) {
-  return table.MapOf(options.Map, MeasureUnit(options.Map), ChosenRow(options, table));
+  const StudyMapChoice& choice = options.Map;
+  std::optional<std::pair<std::string, std::string>> axes;
+  if (!choice.Axes.empty()) axes = TwoParts(choice.Axes, ',', "--axes needs X,Y");
+  StudyMap map = table.MapOf(NamedMeasure(choice.Measure).Caption, axes);
+  map.Chosen = ChosenRow(options, table);
+  map.Contours = choice.Contours;
+  if (!choice.Limits.empty()) {
+    const char* const form = "--limits needs LOW:HIGH";
+    const auto [low, high] = TwoParts(choice.Limits, ':', form);
+    const auto least = ParseNumber(low);
+    const auto most = ParseNumber(high);
+    if (!least || !most || !(*least < *most)) {
+      throw UsageError(std::string(form) + ", not \"" + choice.Limits + "\"");
+    }
+    map.Limits = {*least, *most};
+  }
+  return map;
 }
 
 }  // namespace
+
+void CheckStudyBest(const StudyOptions& options, const MeasureSet& set) {
+  if (!options.Best.empty()) CheckAskedFor("--best", NamedMeasure(options.Best), set);
+}
+
+void TellStudyBest(const StudyOptions& options, const std::string& table) {
+  if (options.Best.empty()) return;
+  const ResultTable result(table);
+  const auto best = BestRow(options, result);
+  if (!best) {
+    Note("no run is the best: none that meets what is required has a " +
+         std::string(NamedMeasure(options.Best).Caption));
+    return;
+  }
+  Note("the best: " + result.Described(*best));
+}
 
 void CheckStudyPicture(const StudyOptions& options, const std::string& table) {
   if (options.Picture.empty()) return;
   const ResultTable result(table);
   ChosenRow(options, result);
-  if (!options.Map.empty()) MapOf(options, result);
+  if (!options.Map.Measure.empty()) MapOf(options, result);
 }
 
 void WriteStudyPicture(const StudyOptions& options, const std::string& table,
                        StudyResponses responses) {
   if (options.Picture.empty()) return;
   const ResultTable result(table);
-  if (!options.Map.empty()) {
+  if (!options.Map.Measure.empty()) {
     WritePicture(MapOf(options, result), options.Picture);
     return;
   }

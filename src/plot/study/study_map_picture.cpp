@@ -1,10 +1,12 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QtMath>
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
+#include <optional>
 #include <set>
+#include <vector>
 
 #include "core/text.h"
 #include "plot/number_axis.h"
@@ -22,8 +24,9 @@ constexpr std::array<QRgb, 5> Scale = {0x00204c, 0x414d6b, 0x7c7b78, 0xbcaf6f, 0
 constexpr double ScaleWidth = 16.0;
 constexpr double ScaleGap = 18.0;
 constexpr int WidestNumber = 8;  // characters beside the scale
+constexpr int ScaleTicks = 6;
 constexpr double DotRadius = 5.0;
-constexpr double Wide = 20.0;  // ends of a range so many times apart may be logarithmic
+constexpr double Wide = 8.0;  // ends of a range so many times apart may be logarithmic
 
 QColor ColourAt(double share) {
   const double at = std::clamp(share, 0.0, 1.0) * static_cast<double>(Scale.size() - 1);
@@ -36,16 +39,41 @@ QColor ColourAt(double share) {
           mixed(from.blue(), to.blue())};
 }
 
-std::vector<double> Distinct(const StudyMap& map, double StudyMap::Run::*of) {
+std::vector<double> Distinct(const StudyMap::Slice& slice, double StudyMap::Run::*of) {
   std::set<double> values;
-  for (const StudyMap::Run& run : map.Runs) values.insert(run.*of);
+  for (const StudyMap::Run& run : slice.Runs) values.insert(run.*of);
   return {values.begin(), values.end()};
 }
 
-// Evenly spread logarithms have their middle value far below the middle of the range.
+// What lies so many times the middle half's spread beyond it takes no colours from the others.
+constexpr double FarAway = 10.0;
+
+/// The axis of the colours; none of a map in which nothing was measured.
+std::optional<NumberAxis> ColourAxis(const StudyMap& map) {
+  if (map.Limits) return NumberAxis(map.Limits->first, map.Limits->second);
+  std::vector<double> values;
+  for (const StudyMap::Slice& slice : map.Slices) {
+    for (const StudyMap::Run& run : slice.Runs) {
+      if (run.Value) values.push_back(*run.Value);
+    }
+  }
+  if (values.empty()) return std::nullopt;
+  std::sort(values.begin(), values.end());
+  const double low = values[values.size() / 4];
+  const double high = values[values.size() - 1 - values.size() / 4];
+  const double room = FarAway * (high - low);
+  if (room > 0.0) {
+    std::erase_if(values, [&](double v) { return v < low - room || v > high + room; });
+  }
+  return NumberAxis(values.front(), values.back());
+}
+
+// Evenly spread logarithms have their middle value nearer to the ends' geometric mean.
 bool LooksLogarithmic(const std::vector<double>& values) {
   if (!(values.front() > 0.0) || values.back() < Wide * values.front()) return false;
-  return values[values.size() / 2] < 0.3 * (values.front() + values.back());
+  const double middle = values[values.size() / 2];
+  const double mean = 0.5 * (values.front() + values.back());
+  return middle * middle < mean * std::sqrt(values.front() * values.back());
 }
 
 /// The cells around sorted values: edges midway between neighbours, on the axis's own scale.
@@ -87,17 +115,21 @@ struct Cells {
   }
 };
 
-/// Paints one map.
-class MapPainter {
+/// Paints one slice of a map.
+class SlicePainter {
  public:
-  MapPainter(QPainter& painter, const StudyMap& map, const QSize& size, double ratio)
+  SlicePainter(QPainter& painter, const StudyMap& map, const StudyMap::Slice& slice,
+               const std::optional<NumberAxis>& range, const QSize& size, double ratio)
       : painter_(painter),
         map_(map),
+        slice_(slice),
         colours_(ScopeColours::Light()),
         ratio_(ratio),
-        x_(Distinct(map, &StudyMap::Run::X)),
-        y_(Distinct(map, &StudyMap::Run::Y)),
-        cells_(map.Runs.size() == x_.Values.size() * y_.Values.size()) {
+        x_(Distinct(slice, &StudyMap::Run::X)),
+        y_(Distinct(slice, &StudyMap::Run::Y)),
+        cells_(slice.Runs.size() == x_.Values.size() * y_.Values.size()),
+        measured_(range.has_value()),
+        range_(range.value_or(NumberAxis())) {
     const QFontMetrics words(Font());
     const int scale =
         qRound((ScaleWidth + ScaleGap) * ratio) + words.horizontalAdvance(u'0') * WidestNumber;
@@ -105,35 +137,31 @@ class MapPainter {
     frame_.Y = y_.Axis(cells_);
     frame_.XCaption = map.XName;
     frame_.YCaption = map.YName;
-    frame_.Title = map.Measure;
-    if (map.Chosen) frame_.Title += "; framed: run " + std::to_string(*map.Chosen + 1);
+    frame_.Title = slice.Text + (slice.Text.empty() ? "" : ": ") + map.Measure;
+    chosen_ =
+        std::ranges::find_if(slice.Runs, [&](const auto& run) { return map.Chosen == run.Row; });
+    if (chosen_ != slice.Runs.end()) {
+      frame_.Title += "; framed: run " + std::to_string(*map.Chosen + 1);
+    }
     frame_.Layout(size, ratio, scale);
-    FindRange();
     painter_.fillRect(QRect(QPoint(0, 0), size), colours_.Around);
   }
 
   void Paint() {
     frame_.Paint(painter_, colours_, !cells_);
     painter_.setFont(Font());
-    for (const StudyMap::Run& run : map_.Runs) PaintRun(run);
-    if (map_.Chosen) PaintFrame(map_.Runs[*map_.Chosen]);
+    for (const StudyMap::Run& run : slice_.Runs) PaintRun(run);
+    if (cells_) {
+      FillGrid();
+      if (map_.Contours) PaintContours();
+      PaintBorder();
+    }
+    if (chosen_ != slice_.Runs.end()) PaintFrame(*chosen_);
     PaintScale();
   }
 
  private:
   QFont Font() const { return ScaledFont(QGuiApplication::font(), ratio_, 0.92); }
-
-  void FindRange() {
-    double low = HUGE_VAL;
-    double high = -HUGE_VAL;
-    for (const StudyMap::Run& run : map_.Runs) {
-      if (!run.Value) continue;
-      low = std::min(low, *run.Value);
-      high = std::max(high, *run.Value);
-    }
-    measured_ = low <= high;
-    if (measured_) range_ = NumberAxis(low, high);
-  }
 
   QRect AreaOf(const StudyMap::Run& run) const {
     if (!cells_) {
@@ -148,25 +176,105 @@ class MapPainter {
     return {QPoint(low.x(), high.y()), QPoint(high.x() - 1, low.y() - 1)};
   }
 
+  // Pale where something that is required is not met.
+  static QColor Shown(const StudyMap::Run& run, double share) {
+    const QColor colour = ColourAt(share);
+    const auto pale = [](int part) { return 255 - (255 - part) / 4; };
+    return run.Meets ? colour
+                     : QColor(pale(colour.red()), pale(colour.green()), pale(colour.blue()));
+  }
+
   void PaintRun(const StudyMap::Run& run) {
     const QRect area = AreaOf(run);
     const double share = run.Value ? range_.ShareOf(*run.Value) : 0.0;
     if (!cells_) {
       painter_.setRenderHint(QPainter::Antialiasing);
       painter_.setPen(QPen(colours_.Axis, ratio_));
-      painter_.setBrush(run.Value ? QBrush(ColourAt(share)) : QBrush(Qt::NoBrush));
+      painter_.setBrush(run.Value ? QBrush(Shown(run, share)) : QBrush(Qt::NoBrush));
       painter_.drawEllipse(area);
       painter_.setBrush(Qt::NoBrush);
       return;
     }
     painter_.fillRect(
-        area, run.Value ? QBrush(ColourAt(share)) : QBrush(colours_.Axis, Qt::BDiagPattern));
-    if (!run.Value) return;
+        area, run.Value ? QBrush(Shown(run, share)) : QBrush(colours_.Axis, Qt::BDiagPattern));
+    if (!run.Value || map_.Contours) return;
     const QString text = QString::fromStdString(FormatGeneral(*run.Value, 3, 1));
     const QRect needed = QFontMetrics(Font()).boundingRect(text);
     if (needed.width() + 4 * ratio_ > area.width() || needed.height() > area.height()) return;
-    painter_.setPen(share > 0.5 ? Qt::black : Qt::white);
+    painter_.setPen(share > 0.5 || !run.Meets ? Qt::black : Qt::white);
     painter_.drawText(area, Qt::AlignCenter, text);
+  }
+
+  const StudyMap::Run* RunAt(std::size_t i, std::size_t k) const {
+    return i < x_.Values.size() && k < y_.Values.size() ? grid_[i * y_.Values.size() + k] : nullptr;
+  }
+
+  void FillGrid() {
+    grid_.resize(slice_.Runs.size());
+    for (const StudyMap::Run& run : slice_.Runs) {
+      grid_[x_.IndexOf(run.X) * y_.Values.size() + y_.IndexOf(run.Y)] = &run;
+    }
+  }
+
+  // Around the cells that meet what is required.
+  void PaintBorder() {
+    QVector<QLineF> lines;
+    const auto meets = [](const StudyMap::Run* run) { return run && run->Meets; };
+    for (std::size_t i = 0; i < x_.Values.size(); ++i) {
+      for (std::size_t k = 0; k < y_.Values.size(); ++k) {
+        const QPointF low = frame_.At(x_.Edges[i], y_.Edges[k]);
+        const QPointF high = frame_.At(x_.Edges[i + 1], y_.Edges[k + 1]);
+        const bool here = meets(RunAt(i, k));
+        if (i + 1 < x_.Values.size() && here != meets(RunAt(i + 1, k))) {
+          lines << QLineF(high.x(), low.y(), high.x(), high.y());
+        }
+        if (k + 1 < y_.Values.size() && here != meets(RunAt(i, k + 1))) {
+          lines << QLineF(low.x(), high.y(), high.x(), high.y());
+        }
+      }
+    }
+    PaintLines(lines, colours_.Cursor, 2.0);
+  }
+
+  // Lines of equal values between the middles of the cells, straight within each triangle of three
+  // neighbours.
+  void PaintContours() {
+    QVector<QLineF> lines;
+    for (std::size_t i = 0; i + 1 < x_.Values.size(); ++i) {
+      for (std::size_t k = 0; k + 1 < y_.Values.size(); ++k) {
+        AddContours({RunAt(i, k), RunAt(i + 1, k), RunAt(i + 1, k + 1)}, lines);
+        AddContours({RunAt(i, k), RunAt(i, k + 1), RunAt(i + 1, k + 1)}, lines);
+      }
+    }
+    painter_.setRenderHint(QPainter::Antialiasing);
+    PaintLines(lines, colours_.Text, 1.5);
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+  }
+
+  // White beside it a line is seen on any colour.
+  void PaintLines(const QVector<QLineF>& lines, const QColor& colour, double width) {
+    painter_.setPen(QPen(Qt::white, (width + 2.0) * ratio_));
+    painter_.drawLines(lines);
+    painter_.setPen(QPen(colour, width * ratio_));
+    painter_.drawLines(lines);
+  }
+
+  void AddContours(const std::array<const StudyMap::Run*, 3>& corners, QVector<QLineF>& lines) {
+    if (!std::ranges::all_of(corners, [](const auto* run) { return run->Value.has_value(); })) {
+      return;
+    }
+    for (const double level : range_.Ticks(ScaleTicks)) {
+      std::vector<QPointF> ends;
+      for (std::size_t a = 0; a < 3; ++a) {
+        const StudyMap::Run& from = *corners.at(a);
+        const StudyMap::Run& to = *corners.at((a + 1) % 3);
+        if ((*from.Value < level) == (*to.Value < level)) continue;
+        const double share = (level - *from.Value) / (*to.Value - *from.Value);
+        const QPointF start = frame_.At(from.X, from.Y);
+        ends.push_back(start + share * (frame_.At(to.X, to.Y) - start));
+      }
+      if (ends.size() == 2) lines << QLineF(ends[0], ends[1]);
+    }
   }
 
   void PaintFrame(const StudyMap::Run& run) {
@@ -189,7 +297,7 @@ class MapPainter {
     }
     painter_.setPen(colours_.Text);
     const int height = QFontMetrics(Font()).height();
-    for (const double tick : range_.Ticks(6)) {
+    for (const double tick : range_.Ticks(ScaleTicks)) {
       const int y = plate.bottom() - qRound(range_.ShareOf(tick) * plate.height());
       painter_.drawLine(left + width, y, left + width + qRound(3 * ratio_), y);
       painter_.drawText(
@@ -200,13 +308,16 @@ class MapPainter {
 
   QPainter& painter_;
   const StudyMap& map_;
+  const StudyMap::Slice& slice_;
   ScopeColours colours_;
   double ratio_;
   Cells x_;
   Cells y_;
   bool cells_;
-  bool measured_ = false;
+  bool measured_;
   NumberAxis range_;
+  std::vector<StudyMap::Run>::const_iterator chosen_;
+  std::vector<const StudyMap::Run*> grid_;  ///< by x, then y
   NumberFrame frame_{};
 };
 
@@ -214,7 +325,18 @@ class MapPainter {
 
 Picture StudyMapPicture(StudyMap map) {
   const auto paint = [map = std::move(map)](QPainter& painter, const QSize& size, double ratio) {
-    if (!map.Runs.empty()) MapPainter(painter, map, size, ratio).Paint();
+    const auto range = ColourAxis(map);
+    const int count = static_cast<int>(map.Slices.size());
+    const int columns = std::max(1, qCeil(std::sqrt(count)));
+    const int lines = std::max(1, (count + columns - 1) / columns);
+    const QSize part(size.width() / columns, size.height() / lines);
+    for (int i = 0; i < count; ++i) {
+      painter.save();
+      painter.translate(i % columns * part.width(), i / columns * part.height());
+      SlicePainter(painter, map, map.Slices[static_cast<std::size_t>(i)], range, part, ratio)
+          .Paint();
+      painter.restore();
+    }
   };
   return {"Study", paint};
 }
