@@ -35,9 +35,9 @@ enum class MeasureNeeds { Step, Loop, Peak, Requirements };
 /// A measure of a run: what it is called, its unit, what it is read from. A new measure is a row of
 /// Measures().
 struct RunMeasure {
-  const char* Caption;
-  const char* Unit;
-  std::optional<double> RunReadings::*Value;
+  const char* Caption = "";
+  const char* Unit = "";
+  std::optional<double> RunReadings::*Value = nullptr;
   MeasureNeeds Needs = MeasureNeeds::Step;
   bool MoreIsBetter = false;
 
