@@ -32,7 +32,7 @@ class AnalyserWindowTest : public test::Desktop {
   AnalyserWindowTest() { Show(); }
 
   void Show() {
-    QTest::keyClick(Panel.get(), Qt::Key_F6);
+    QTest::keyClick(Panel.get(), Qt::Key_F7);
     QCoreApplication::processEvents();
   }
   QWidget& Window() { return Find<QWidget>(WindowName); }
@@ -265,7 +265,7 @@ TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
 TEST_F(AnalyserWindowTest, PointsOfASweepAreShownAsTheyAreMeasuredToTheEnd) {
   ChooseModel("9-1 Analog Filters");
   WindowName = "TZelSweptDSAF";
-  QTest::keyClick(Panel.get(), Qt::Key_F7);
+  QTest::keyClick(Panel.get(), Qt::Key_F8);
   auto& swept = First<ZelSweptDSA>(InstrumentKind::SweptSine);
   SweepSetup setup = swept.Setup();
   setup.StartFreq = 100.0;
@@ -286,7 +286,7 @@ TEST_F(AnalyserWindowTest, PointsOfASweepAreShownAsTheyAreMeasuredToTheEnd) {
   EXPECT_EQ(swept.SweepState(), ZelSweptDSA::State::Idle);
   EXPECT_FALSE(swept.Measuring());
   // Traces go with the window.
-  QTest::keyClick(Panel.get(), Qt::Key_F7);
+  QTest::keyClick(Panel.get(), Qt::Key_F8);
   EXPECT_FALSE(In<QCheckBox>("CBColor2").isEnabled() || Window().isVisible());
 }
 

@@ -22,6 +22,7 @@
 #include "core/text.h"
 #include "seen.h"
 #include "support/expected_lines.h"
+#include "ui/desk/file_commands.h"
 #include "ui/desk/tiling.h"
 #include "ui/session/user_settings.h"
 
@@ -207,6 +208,7 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
     Panel->close();
     Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
     Panel->ShowAtStart(false);
+    Panel->Files().Start({}, true);
   } else if (verb == "look") {
     if (rest == "clipboard") {
       looks_["clipboard"].first = QApplication::clipboard()->image();

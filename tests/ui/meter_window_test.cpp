@@ -17,7 +17,7 @@ TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
   for (int i = 0; i < ZelMeter::MaxMeters; ++i) Trigger("MIAddMeter");
   Play("click MIAddMeter -> report Error: Too many meters; saved Meter,Meter from Main Menu*,DC,1");
   ASSERT_EQ(Windows().size(), ZelMeter::MaxMeters);
-  Play("-> panel.windowTitle=* Torvane--Melkorin, 2nd Edition");
+  Play("-> panel.windowTitle=* 2-1 PI+ Controller - Torvane--Melkorin, 2nd Edition");
   // None of them leads another window off the workspace.
   auto& workspace = Find<Workspace>("InstrumentArea");
   workspace.Toggle(InstrumentKind::FftAnalyser);
@@ -31,7 +31,7 @@ TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
   for (TZelMeterF* window : Windows()) window->parentWidget()->close();
   EXPECT_TRUE(WaitFor([&] { return Windows().isEmpty(); }));
   EXPECT_TRUE(Meters().empty());
-  Play("-> undo=; panel.windowTitle=Torvane--Melkorin, 2nd Edition");
+  Play("-> undo=; panel.windowTitle=2-1 PI+ Controller - Torvane--Melkorin, 2nd Edition");
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST_F(SessionTest, WhatDiffersFromTheLastSaveOrLoadIsChanged) {
   EXPECT_TRUE(Work->Changed());
   generator.SetAmplitude(amplitude);
   Const("KVP").Set(1.5);
-  EXPECT_EQ(Work->Title(), "* Torvane--Melkorin, 2nd Edition");
+  EXPECT_EQ(Work->Title(), "* 2-1 PI+ Controller - Torvane--Melkorin, 2nd Edition");
   Bench().History().Undo();
   EXPECT_FALSE(Work->Changed());
 
@@ -80,7 +80,7 @@ TEST_F(SessionTest, WhatDiffersFromTheLastSaveOrLoadIsChanged) {
   EXPECT_TRUE(Work->Changed());
   EXPECT_TRUE(Work->Save(Path("stiff.tvf")));
   EXPECT_FALSE(Work->Changed());
-  EXPECT_EQ(Work->Title(), "stiff.tvf - Torvane--Melkorin, 2nd Edition");
+  EXPECT_EQ(Work->Title(), "stiff.tvf - 2-1 PI+ Controller - Torvane--Melkorin, 2nd Edition");
   Const("KVP").Set(3);
   EXPECT_TRUE(Work->Open(Path("stiff.tvf")));
   EXPECT_FALSE(Work->Changed());

@@ -11,6 +11,7 @@
 #include <QShortcut>
 #include <QWhatsThis>
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "core/messages.h"
@@ -19,7 +20,9 @@
 #include "ui/desk/arrangement.h"
 #include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
+#include "ui/desk/pane_keys.h"
 #include "ui/desk/splash.h"
+#include "ui/desk/strip_menus.h"
 #include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
 #include "ui/panes/analyser/analyser_window.h"
@@ -29,6 +32,7 @@
 #include "ui/panes/model_views.h"
 #include "ui/panes/read_out_window.h"
 #include "ui/session/box_queue.h"
+#include "ui/session/last_session.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
 #include "ui/widgets/digits.h"
@@ -84,6 +88,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
   connect(view_, &ViewMenu::LookChanged, this, &TZelControlPanelF::ShowLook);
+  AddKeyboard();
   UseFixedDigits(*ui_->LTime);
   // Of one size, so that a new time does not have the whole strip laid out anew.
   ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
@@ -114,6 +119,31 @@ void TZelControlPanelF::ConnectSession() {
   connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
   connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
   connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
+}
+
+// What the strip and the scope have as buttons and lists, by menu and key.
+void TZelControlPanelF::AddKeyboard() {
+  new PaneKeys(*this, *ui_->SBRun->parentWidget(), *ui_->InstrumentArea);
+  ui_->MRun->addSeparator();
+  AddListMenu(*ui_->MRun, QStringLiteral("&Model"), "MModel", *ui_->ModelCmB);
+  AddListMenu(*ui_->MRun, QStringLiteral("&Pace"), "MPace", *ui_->CmBPace);
+  ui_->MRun->addSeparator();
+  AddPressItem(*ui_->MRun, QStringLiteral("Model &Diagram"), "MIDiagram", Qt::CTRL | Qt::Key_D,
+               [this] { return ui_->SBShowModelBMP; });
+  AddPressItem(*ui_->MRun, QStringLiteral("&About This Model"), "MIAboutModel",
+               Qt::CTRL | Qt::Key_I, [this] { return ui_->BShowModelTXT; });
+  ui_->MView->addSeparator();
+  const std::tuple<const char*, const char*, const char*, const char*> pages[] = {
+      {"Sc&ales of the Scope", "MIScales", "Ctrl+1", "PageScales"},
+      {"T&rigger of the Scope", "MITrigger", "Ctrl+2", "PageTrigger"},
+      {"&Measurements of the Scope", "MIMeasure", "Ctrl+3", "PageMeasure"},
+      {"&Hide or Show These", "MIHidePage", "Ctrl+0", "SBHide"}};
+  for (const auto& [text, name, key, button] : pages) {
+    AddPressItem(*ui_->MView, QLatin1String(text), name, QKeySequence(QLatin1String(key)),
+                 [this, button = button] {
+                   return ui_->InstrumentArea->findChild<QAbstractButton*>(QLatin1String(button));
+                 });
+  }
 }
 
 void TZelControlPanelF::ConnectControls() {
@@ -156,6 +186,8 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);
   connect(ui_->MIResizeWhenLoading, &QAction::toggled, this,
           [this](bool on) { session_.SetRestoresWindows(on); });
+  ui_->MIComeBack->setChecked(last_session::IsOn());
+  connect(ui_->MIComeBack, &QAction::toggled, this, &last_session::SetOn);
   connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &TZelControlPanelF::RestoreDefaults);
   connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
@@ -422,7 +454,8 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (unasked_ || session_.MayDiscard("close")) {
+  const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
+  if (unasked_ || files_->KeepForNextStart(placed) || session_.MayDiscard("close")) {
     Stop();
     RememberWindows();
     if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());

@@ -72,6 +72,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
 
  private:
   void ConnectSession();
+  void AddKeyboard();
   void ConnectControls();
   bool RecallGeometry();
   void RememberWindows();

@@ -23,6 +23,12 @@ Option WithColour(const Option& option, QPalette::ColorRole role, const QColor& 
 
 }  // namespace
 
+int DeskStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* data) const {
+  if (hint == SH_MenuBar_AltKeyNavigation) return 1;
+  return QProxyStyle::styleHint(hint, option, widget, data);
+}
+
 void DeskStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                               QPainter* painter, const QWidget* widget) const {
   const QPalette& palette = option->palette;

@@ -8,6 +8,9 @@ namespace torvane {
 /// buttons of a window in the background stay visible on a dark ground too.
 class DeskStyle : public QProxyStyle {
  public:
+  /// The key Alt alone goes to the menu bar.
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override;
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,

@@ -16,6 +16,7 @@
 
 #include "core/files/model_file.h"
 #include "ui/session/box_queue.h"
+#include "ui/session/last_session.h"
 #include "ui/session/session.h"
 #include "ui/session/user_settings.h"
 
@@ -62,13 +63,22 @@ FileCommands::FileCommands(QWidget& window, QMenu& recent, Session& session, con
 }
 
 void FileCommands::Start(const QString& file, bool withConfiguration) {
+  comesBack_ = file.isEmpty() && withConfiguration;
   if (OfferRecovery()) return;
   if (!file.isEmpty()) {
     session_.OpenAtStart(file);
   } else if (withConfiguration) {
     const QString configuration = ConfigurationFile();
-    if (!configuration.isEmpty()) session_.OpenConfiguration(configuration);
+    if (!configuration.isEmpty()) {
+      session_.OpenConfiguration(configuration);
+    } else if (last_session::IsOn()) {
+      last_session::Bring(session_);
+    }
   }
+}
+
+bool FileCommands::KeepForNextStart(bool placed) {
+  return comesBack_ && last_session::IsOn() && last_session::Keep(session_, placed);
 }
 
 bool FileCommands::OfferRecovery() {
@@ -125,14 +135,30 @@ bool FileCommands::Save() {
   return session_.File().isEmpty() ? SaveAs() : session_.Save(session_.File());
 }
 
+// Where the file is that is being saved, else where the user was last; never the program's own.
+QString FileCommands::SaveFolder() const {
+  const QString folder = session_.File().isEmpty() ? UserSettings().value(LastFolderKey).toString()
+                                                   : QFileInfo(session_.File()).path();
+  const QString examples =
+      QFileInfo(data_.FindFolder(QStringLiteral("examples"))).canonicalFilePath();
+  const QFileInfo found(folder);
+  const bool own = !folder.isEmpty() && found.isDir() && found.isWritable() &&
+                   found.canonicalFilePath() != examples &&
+                   found.canonicalFilePath() != QCoreApplication::applicationDirPath();
+  return own ? folder : QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+}
+
 bool FileCommands::SaveAs() {
-  const QFileInfo present(session_.File());
-  const QString folder = present.filePath().isEmpty() ? QString() : present.path();
+  const QString folder = SaveFolder();
+  const QString name =
+      session_.File().isEmpty()
+          ? QString::fromStdString(session_.Model()->Name()) + QStringLiteral(".tvf")
+          : QFileInfo(session_.File()).fileName();
   QFileDialog dialog(&window_, QStringLiteral("Save As"), folder, FileTypes);
   dialog.setObjectName(QStringLiteral("SaveDialog"));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
-  if (!folder.isEmpty()) dialog.selectFile(present.fileName());
+  dialog.selectFile(name);
   const QString path = Choose(dialog);
   return !path.isEmpty() && MayOverwrite(path) && session_.Save(path);
 }

@@ -26,7 +26,11 @@ class FileCommands : public QObject {
   /// At the start of the program, before anything can be lost: a session left behind by a crash is
   /// offered, else the named file is opened or, without one, the start-up configuration "init.tvf"
   /// in the program's folder or the user's configuration folder.
+  /// Where there is neither, the last session comes back unless the user has turned that off.
   void Start(const QString& file, bool withConfiguration);
+  /// Before the program ends: keeps the session where the next start brings it back. False where it
+  /// does not, so that what is unsaved would be lost.
+  bool KeepForNextStart(bool placed);
 
   /// Asks for a file and loads it.
   void Load();
@@ -41,6 +45,7 @@ class FileCommands : public QObject {
   Recovery AskAboutRecovery(const KeptSession& kept);
   bool MayOverwrite(const QString& path);
   QString StartFolder() const;
+  QString SaveFolder() const;
   void ShowManyReports(const CollectedReports::Rest& rest);
   void AddRecent();
   void FillRecent();
@@ -49,6 +54,7 @@ class FileCommands : public QObject {
   QMenu& recent_;
   Session& session_;
   const DataFolder& data_;
+  bool comesBack_ = false;  // as it was started without a model or file of its own
 };
 
 }  // namespace torvane

@@ -12,8 +12,8 @@ namespace torvane {
 
 namespace {
 
-constexpr std::pair<InstrumentKind, Qt::Key> Keys[] = {{InstrumentKind::FftAnalyser, Qt::Key_F6},
-                                                       {InstrumentKind::SweptSine, Qt::Key_F7}};
+constexpr std::pair<InstrumentKind, Qt::Key> Keys[] = {{InstrumentKind::FftAnalyser, Qt::Key_F7},
+                                                       {InstrumentKind::SweptSine, Qt::Key_F8}};
 
 }  // namespace
 

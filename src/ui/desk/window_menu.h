@@ -15,7 +15,7 @@ class Workspace;
 
 /// Lists the instruments at the end of a menu; checked ones have their window on the workspace.
 /// Choosing one brings its window to where it can be seen, or hides it where nothing covers it. A
-/// hidden instrument goes on measuring. F6 and F7 bring the analysers, and hide them again.
+/// hidden instrument goes on measuring. F7 and F8 bring the analysers, and hide them again.
 class WindowMenu : public QObject {
  public:
   WindowMenu(QMenu& menu, Workspace& workspace);

@@ -13,6 +13,7 @@
 #include "core/files/model_file.h"
 #include "core/files/seal.h"
 #include "core/messages.h"
+#include "ui/session/user_settings.h"
 
 namespace torvane {
 
@@ -20,14 +21,6 @@ namespace {
 
 const QString Prefix = QStringLiteral("session-");
 const QString Suffix = QStringLiteral(".tvf");
-
-QString StateFolder() {
-  const QString named = qEnvironmentVariable("XDG_STATE_HOME");
-  const QString base = QDir::isAbsolutePath(named) && !named.isEmpty()
-                           ? named
-                           : QDir::homePath() + QStringLiteral("/.local/state");
-  return base + QStringLiteral("/torvane");
-}
 
 std::optional<std::string> ReadWhole(const QString& path) {
   QFile file(path);

@@ -1,6 +1,7 @@
 #include "ui/session/session.h"
 
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <utility>
 
 #include "core/messages.h"
@@ -75,6 +76,7 @@ bool Session::MayDiscard(const std::string& toDo) const {
 
 QString Session::Title() const {
   QString title = QString::fromLatin1(ApplicationTitle);
+  if (Model()) title.prepend(QString::fromStdString(Model()->Name()) + QStringLiteral(" - "));
   if (!file_.isEmpty()) title = QFileInfo(file_).fileName() + QStringLiteral(" - ") + title;
   if (Changed()) title.prepend(QStringLiteral("* "));
   return title;
@@ -90,6 +92,18 @@ bool Session::OpenAtStart(const QString& path) {
 
 bool Session::OpenConfiguration(const QString& path) {
   return ReadAndLoad(path, Source::Configuration);
+}
+
+void Session::ComeBack(const QString& kept, const QString& file, bool changed, bool placed) {
+  const QScopedValueRollback restoring(restoresWindows_, restoresWindows_ && placed);
+  const bool hasFile = QFileInfo(file).isFile();
+  if (hasFile && !changed) {
+    OpenAtStart(file);
+    return;
+  }
+  if (!OpenConfiguration(kept)) return;
+  if (changed) saved_.clear();
+  if (hasFile) SetFile(file);
 }
 
 bool Session::Restore(KeptSession kept) {

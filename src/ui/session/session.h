@@ -57,6 +57,10 @@ class Session : public QObject {
   bool OpenAtStart(const QString& path);
   /// As OpenAtStart, of what is no document of the user's: it is never the session's file.
   bool OpenConfiguration(const QString& path);
+  /// Brings a session back that was kept in a file of the program's: the user's own file where all
+  /// had been saved in it, else what was kept, which is unsaved where it was. Windows go to their
+  /// places where they had been placed.
+  void ComeBack(const QString& kept, const QString& file, bool changed, bool placed);
   /// False after a report when the file could not be written.
   bool Save(const QString& path);
 
