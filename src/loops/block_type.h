@@ -75,6 +75,8 @@ struct BlockType {
   bool (*Through)(const Placing& placing) = nullptr;
   /// What is wrong with the sizes of its lists; nullptr when nothing is.
   const char* (*WrongSizes)(const Placing& placing) = nullptr;
+  /// Its Update does no more than to move the input to the output.
+  bool Copies = false;
 
   /// It has an Update.
   bool Moves() const { return When == Timing::Late || States || Through; }

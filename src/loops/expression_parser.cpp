@@ -122,7 +122,7 @@ Expression ExpressionParser::ReadSum() {
   Expression left = ReadProduct();
   if (minus) left = Made(start, "-", One(std::move(left)));
   while (reader_.SeesSymbol("+") || reader_.SeesSymbol("-")) {
-    const Token sign = reader_.Take();
+    const Token& sign = reader_.Take();
     left = Made(sign.Where, sign.Text, Both(std::move(left), ReadProduct()));
   }
   RefuseElementwise();
@@ -132,7 +132,7 @@ Expression ExpressionParser::ReadSum() {
 Expression ExpressionParser::ReadProduct() {
   Expression left = ReadPower();
   while (reader_.SeesSymbol("*") || reader_.SeesSymbol("/")) {
-    const Token sign = reader_.Take();
+    const Token& sign = reader_.Take();
     left = Made(sign.Where, sign.Text, Both(std::move(left), ReadPower()));
   }
   return left;
@@ -185,7 +185,7 @@ Expression ExpressionParser::ReadWord() {
 }
 
 Expression ExpressionParser::DottedName(std::string_view what) {
-  const Token first = reader_.NeedName(what);
+  const Token& first = reader_.NeedName(what);
   std::string name = first.Text;
   while (reader_.TakeSymbol(".")) {
     name += '.';
@@ -214,7 +214,7 @@ std::vector<Modifier> ExpressionParser::Modifiers() {
   const Deeper deeper(depth_, reader_);
   do {
     if (reader_.SeesWord("final")) reader_.Take();
-    const Token name = reader_.NeedName("a name with its value");
+    const Token& name = reader_.NeedName("a name with its value");
     Modifier modifier{name.Text, name.Where, {}, Modifiers()};
     if (reader_.TakeSymbol("=")) modifier.Value = Read();
     if (!modifier.Value && modifier.Inside.empty()) reader_.Refuse("\"=\" and a value");

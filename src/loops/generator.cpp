@@ -182,7 +182,11 @@ class Generator {
       if (!block.Type->Moves()) continue;
       const bool sampled = block.Type->When == BlockType::Timing::Sampled;
       if (sampled) updates_.BeginGuard(block.Clock);
-      updates_.Add(block.Type->Code.Update, 0, index);
+      if (block.Type->Copies) {
+        updates_.Add(MoveHandler(), block.Numbers.Outputs.front(), block.Numbers.Inputs.front());
+      } else {
+        updates_.Add(block.Type->Code.Update, 0, index);
+      }
       if (sampled) updates_.EndGuard();
     }
   }

@@ -12,53 +12,71 @@ using Handler = Instruction::Handler;
 
 template <class Op>
 void Binary(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Op::Of(r[self->A], r[self->B]);
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 template <class Op>
 void Unary(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Op::Of(r[self->A]);
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 template <class Op>
 void Comparison(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Op::Of(r[self->A], r[self->B]) ? 1.0 : 0.0;
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 template <class First, class Second>
 void FusedLeft(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Second::Of(First::Of(r[self->A], r[self->B]), r[self->C]);
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 template <class First, class Second>
 void FusedRight(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Second::Of(r[self->C], First::Of(r[self->A], r[self->B]));
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 template <class Op, bool When>
 void JumpOn(const Instruction* self, double* r, Frame& frame) {
-  Run(self + (Op::Of(r[self->A], r[self->B]) == When ? self->D : 1), r, frame);
+  if (Op::Of(r[self->A], r[self->B]) == When) return Run(self + self->D, r, frame);
+  Run(self + 1, r, frame);
 }
 
 template <bool When>
 void JumpOnTruth(const Instruction* self, double* r, Frame& frame) {
-  Run(self + ((r[self->A] != 0.0) == When ? self->D : 1), r, frame);
+  if ((r[self->A] != 0.0) == When) return Run(self + self->D, r, frame);
+  Run(self + 1, r, frame);
 }
 
 template <bool Truth>
 void Set(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = Truth ? 1.0 : 0.0;
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
+}
+
+void Limit(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
+  const double a = r[self->A];
+  const double b = r[self->B];
+  const double c = r[self->C];
+  r[self->D] = b < a ? b : a < c ? c : a;
+  next.Go(r, frame);
 }
 
 void Move(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   r[self->D] = r[self->A];
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 void Jump(const Instruction* self, double* r, Frame& frame) {
@@ -70,9 +88,10 @@ void SkipUnlessDue(const Instruction* self, double* r, Frame& frame) {
 }
 
 void Reinit(const Instruction* self, double* r, Frame& frame) {
+  const Next next(self);
   frame.States[self->D].SetPending(r[self->A]);
   frame.Pending = true;
-  Run(self + 1, r, frame);
+  next.Go(r, frame);
 }
 
 void End(const Instruction* /*self*/, double* /*r*/, Frame& /*frame*/) {}
@@ -142,6 +161,9 @@ Handler TruthJumpHandler(bool when) {
 }
 Handler TruthHandler(bool truth) {
   return truth ? Set<true> : Set<false>;
+}
+Handler LimitHandler() {
+  return Limit;
 }
 Handler MoveHandler() {
   return Move;

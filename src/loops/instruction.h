@@ -37,19 +37,33 @@ inline void Run(const Instruction* at, double* registers, Frame& frame) {
   at->Run(at, registers, frame);
 }
 
+/// The instruction behind another, whose handler is fetched at once: once the other has written a
+/// number, which might be anywhere, a compiler takes longer about it.
+class Next {
+ public:
+  explicit Next(const Instruction* self) : at_(self + 1), run_(at_->Run) {}
+  void Go(double* registers, Frame& frame) const { run_(at_, registers, frame); }
+
+ private:
+  const Instruction* at_;
+  Instruction::Handler run_;
+};
+
 /// A program ends with EndHandler's instruction.
 using Program = std::vector<Instruction>;
 
 /// Output and Update of block A, which is of the given kind.
 template <class Kind>
 void RunOutput(const Instruction* self, double* registers, Frame& frame) {
+  const Next next(self);
   static_cast<Kind&>(*frame.Blocks[self->A]).Kind::Output(frame.Now);
-  Run(self + 1, registers, frame);
+  next.Go(registers, frame);
 }
 template <class Kind>
 void RunUpdate(const Instruction* self, double* registers, Frame& frame) {
+  const Next next(self);
   static_cast<Kind&>(*frame.Blocks[self->A]).Kind::Update(frame.Now);
-  Run(self + 1, registers, frame);
+  next.Go(registers, frame);
 }
 
 /// D = A op B, or D = op A; anything but truths.
@@ -60,6 +74,8 @@ Instruction::Handler FusedHandler(Operation first, Operation second, bool firstI
 Instruction::Handler JumpHandler(Operation comparison, bool when);
 /// On by D instructions when truth A is `when`.
 Instruction::Handler TruthJumpHandler(bool when);
+/// D = A > B ? B : A < C ? C : A.
+Instruction::Handler LimitHandler();
 /// D = A.
 Instruction::Handler MoveHandler();
 /// D = truth.

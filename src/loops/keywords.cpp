@@ -8,7 +8,7 @@ namespace torvane::loops {
 
 namespace {
 
-constexpr std::array Words{
+constexpr std::array<std::string_view, 25> Words{
     "and",  "annotation",  "constant",  "der",       "discrete", "else",   "elseif",
     "end",  "enumeration", "equation",  "false",     "final",    "if",     "model",
     "not",  "or",          "parameter", "protected", "public",   "reinit", "then",
@@ -68,10 +68,14 @@ std::string AdviceFor(std::string_view word) {
 
 bool IsKeyword(std::string_view word) {
   // The last ones are functions, whose names are free.
-  const auto last = Refused.end() - 3;
-  return std::find(Words.begin(), Words.end(), word) != Words.end() ||
-         std::any_of(Refused.begin(), last,
-                     [&](const auto& refused) { return refused.first == word; });
+  constexpr auto last = Refused.end() - 3;
+  static_assert(std::is_sorted(Words.begin(), Words.end()) &&
+                std::is_sorted(Refused.begin(), last));
+  if (std::binary_search(Words.begin(), Words.end(), word)) return true;
+  const auto* const found =
+      std::lower_bound(Refused.begin(), last, word,
+                       [](const auto& refused, std::string_view w) { return refused.first < w; });
+  return found != last && found->first == word;
 }
 
 }  // namespace torvane::loops

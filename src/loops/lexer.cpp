@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "core/text.h"
 
@@ -86,9 +87,9 @@ class Lexer {
     start_ = place_;
     const char c = Peek();
     if (StartsWord(c)) {
-      std::string word;
-      while (StartsWord(Peek()) || IsDigit(Peek())) word += Take();
-      Add(TokenKind::Word, word);
+      const std::size_t begin = position_;
+      while (StartsWord(Peek()) || IsDigit(Peek())) Take();
+      Add(TokenKind::Word, std::string(text_.substr(begin, position_ - begin)));
     } else if (IsDigit(c) || (c == '.' && IsDigit(Peek(1)))) {
       ReadNumber();
     } else if (c == '"') {
@@ -122,7 +123,7 @@ class Lexer {
     }
     const std::optional<double> value = ParseNumber(digits);
     if (!value) problems_.Error(start_, "the number " + digits.substr(0, 40) + " is out of range");
-    Add(TokenKind::Number, digits);
+    Add(TokenKind::Number, std::move(digits));
     tokens_.back().Number = value.value_or(0.0);
   }
 
@@ -139,7 +140,7 @@ class Lexer {
       value += c;
     }
     Close("this text has no end: \" is missing");
-    Add(TokenKind::String, value);
+    Add(TokenKind::String, std::move(value));
   }
 
   void ReadQuotedWord() {
@@ -156,7 +157,7 @@ class Lexer {
                       "a name in ' ' must have a character, and neither commas nor blanks at its "
                       "ends");
     }
-    Add(TokenKind::QuotedWord, value);
+    Add(TokenKind::QuotedWord, std::move(value));
   }
 
   void Close(const char* missing) {
@@ -191,10 +192,10 @@ class Lexer {
                                   : "this character has no meaning here");
   }
 
-  void Add(TokenKind kind, const std::string& text) {
+  void Add(TokenKind kind, std::string text) {
     Token token;
     token.Kind = kind;
-    token.Text = text;
+    token.Text = std::move(text);
     token.Where = start_;
     token.After = place_;
     tokens_.push_back(std::move(token));

@@ -1,5 +1,6 @@
 #include "loops/loop_solver.h"
 
+#include <array>
 #include <cmath>
 
 #include "core/bench.h"
@@ -10,13 +11,29 @@
 
 namespace torvane::loops {
 
+namespace {
+
+constexpr std::size_t MostUnrolled = 16;  // states
+
+}  // namespace
+
 LoopSolver::LoopSolver(ZelBenchTop& bench, double h, OwnLoop& loop, LoopMachine& machine,
                        int maxOrder)
     : ZelSolver(bench, h, loop, maxOrder),
       loop_(loop),
       machine_(machine),
       start_(machine.StateCount()),
-      sum_(machine.StateCount()) {}
+      sum_(machine.StateCount()),
+      step_(StepFor(machine.StateCount(), std::make_index_sequence<MostUnrolled + 1>())) {}
+
+// Of a few states the sums of a stage are written out, which spares a quarter of a small loop's
+// instructions; 0 stands for any number of them.
+template <std::size_t... Counts>
+LoopSolver::StepOf LoopSolver::StepFor(std::size_t states,
+                                       std::index_sequence<Counts...> /*known*/) {
+  static constexpr std::array<StepOf, sizeof...(Counts)> steps{&LoopSolver::Step<Counts>...};
+  return steps.at(states < steps.size() ? states : 0);
+}
 
 void LoopSolver::RunUntil(double tEnd) {
   while (bench_.Time() < tEnd) {
@@ -46,7 +63,7 @@ void LoopSolver::Run(double tEnd) {
   // What may come to no number without a flag is looked at step by step.
   if (machine_.Doubtful()) tEnd = t;
   // Whatever is not an ordinary step's end is EndStep's to judge.
-  while (Step(t) <= Huge && t + h_ < tEnd && !NumberFaultRaised()) t += h_;
+  while ((this->*step_)(t) <= Huge && t + h_ < tEnd && !NumberFaultRaised()) t += h_;
   machine_.LeaveStates();
   bench_.SetTime(t);
   EndStep(t);
@@ -55,8 +72,9 @@ void LoopSolver::Run(double tEnd) {
 namespace {
 
 // The numbers of a stage lie apart, which the compiler cannot see: they are of one model.
-void Begin(std::size_t count, const double* __restrict__ slopes, double* __restrict__ start,
-           double stretch, double* __restrict__ sum, double* __restrict__ values) {
+[[gnu::always_inline]] inline void Begin(std::size_t count, const double* __restrict__ slopes,
+                                         double* __restrict__ start, double stretch,
+                                         double* __restrict__ sum, double* __restrict__ values) {
   for (std::size_t i = 0; i < count; ++i) {
     start[i] = values[i];
     sum[i] = slopes[i];
@@ -64,8 +82,9 @@ void Begin(std::size_t count, const double* __restrict__ slopes, double* __restr
   }
 }
 
-void GoOn(std::size_t count, const double* __restrict__ slopes, const double* __restrict__ start,
-          double stretch, double* __restrict__ sum, double* __restrict__ values) {
+[[gnu::always_inline]] inline void GoOn(std::size_t count, const double* __restrict__ slopes,
+                                        const double* __restrict__ start, double stretch,
+                                        double* __restrict__ sum, double* __restrict__ values) {
   for (std::size_t i = 0; i < count; ++i) {
     sum[i] += 2.0 * slopes[i];
     values[i] = start[i] + stretch * slopes[i];
@@ -75,8 +94,9 @@ void GoOn(std::size_t count, const double* __restrict__ slopes, const double* __
 }  // namespace
 
 // Returns how large the states and the sources have become.
+template <std::size_t Count>
 long double LoopSolver::Step(double t) {
-  const std::size_t count = start_.size();
+  const std::size_t count = Count > 0 ? Count : start_.size();
   const double half = 0.5 * h_;
   double* const values = machine_.Values();
   const double* const slopes = machine_.Slopes();
@@ -89,27 +109,34 @@ long double LoopSolver::Step(double t) {
   machine_.Evaluate(t + half);
   GoOn(count, slopes, start_.data(), h_, sum_.data(), values);
   machine_.Evaluate(t + h_);
-  return CombineStates() + loop_.EndStep(t + h_);
+  return CombineStates<Count>() + loop_.EndStep(t + h_);
 }
 
+template <std::size_t Count>
 long double LoopSolver::CombineStates() {
+  const std::size_t count = Count > 0 ? Count : start_.size();
   double* const values = machine_.Values();
   const double* const slopes = machine_.Slopes();
+  const double* const start = start_.data();
+  const double* const sum = sum_.data();
+  const double h = h_;
   long double size = 0.0L;
-  for (std::size_t i = 0; i < start_.size(); ++i) {
-    const long double combined = Combine(start_[i], sum_[i] + slopes[i], h_);
+  for (std::size_t i = 0; i < count; ++i) {
+    const long double combined = Combine(start[i], sum[i] + slopes[i], h);
     values[i] = static_cast<double>(combined);
     size += std::abs(combined);
   }
-  if (!machine_.TakePending()) [[likely]] {
-    return size;
-  }
+  return machine_.TakePending() ? TakePending(size) : size;
+}
+
+// Adds what states take from outside to how large they are.
+long double LoopSolver::TakePending(long double size) {
   for (std::size_t i = 0; i < start_.size(); ++i) {
     State& state = machine_.StateOf(i);
     if (!state.PendingSet) continue;
     state.TakePending();
-    values[i] = state.Value;
-    size += std::abs(static_cast<long double>(values[i]));
+    machine_.Values()[i] = state.Value;
+    size += std::abs(static_cast<long double>(state.Value));
   }
   return size;
 }

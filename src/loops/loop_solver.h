@@ -1,6 +1,7 @@
 #pragma once
 
-#include <functional>
+#include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "core/solver.h"
@@ -23,13 +24,21 @@ class LoopSolver final : public ZelSolver {
  private:
   void Run(double tEnd);
   void CheckNumbers() const;
+  template <std::size_t Count>
   long double Step(double t);
+  template <std::size_t Count>
   long double CombineStates();
+  long double TakePending(long double size);
+
+  using StepOf = long double (LoopSolver::*)(double);
+  template <std::size_t... Counts>
+  static StepOf StepFor(std::size_t states, std::index_sequence<Counts...> known);
 
   OwnLoop& loop_;
   LoopMachine& machine_;
   std::vector<double> start_;
   std::vector<double> sum_;
+  StepOf step_;
 };
 
 }  // namespace torvane::loops

@@ -41,7 +41,7 @@ class Parser {
       reader_.NeedSemicolon("behind \"within\"");
     }
     reader_.NeedWord("model", "with which a loop begins");
-    const Token name = reader_.NeedName("the model's name");
+    const Token& name = reader_.NeedName("the model's name");
     model_.Name = name.Text;
     model_.Where = name.Where;
     model_.Description = reader_.TakeString().value_or("");
@@ -52,7 +52,7 @@ class Parser {
       reader_.Refuse(reader_.Last().After, "\"end " + model_.Name + ";\" is missing");
     }
     reader_.NeedWord("end", "of the model");
-    const Token name = reader_.NeedName("the model's name behind \"end\"");
+    const Token& name = reader_.NeedName("the model's name behind \"end\"");
     if (name.Text != model_.Name) {
       reader_.Refuse(name.Where,
                      "the model's name is " + model_.Name + ", and so it must stand here");
@@ -115,7 +115,7 @@ class Parser {
 
   void ReadEnumeration() {
     Enumeration made;
-    const Token name = reader_.NeedName("the type's name");
+    const Token& name = reader_.NeedName("the type's name");
     made.Name = name.Text;
     made.Where = name.Where;
     reader_.NeedSymbol("=", "behind the type's name");
@@ -159,7 +159,7 @@ class Parser {
   }
 
   void ReadOne(Component& one) {
-    const Token name = reader_.NeedName("a name behind the type");
+    const Token& name = reader_.NeedName("a name behind the type");
     one.Name = name.Text;
     one.Where = name.Where;
     if (reader_.SeesSymbol("[")) {

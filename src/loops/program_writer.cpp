@@ -68,6 +68,7 @@ void ProgramWriter::AssignIf(int target, const Term& term) {
     Land(end);
     return;
   }
+  if (AssignLimit(target, term)) return;
   Jumps end;
   const std::size_t last = term.Parts.size() - 1;
   for (std::size_t i = 0; i < last; i += 2) {
@@ -80,6 +81,26 @@ void ProgramWriter::AssignIf(int target, const Term& term) {
   }
   Assign(target, term.Parts[last]);
   Land(end);
+}
+
+// if a > b then b elseif a < c then c else a, as a limit is mostly written.
+bool ProgramWriter::AssignLimit(int target, const Term& term) {
+  const std::vector<Term>& parts = term.Parts;
+  constexpr std::size_t Parts = 5;
+  const auto asks = [](const Term& condition, const Term& smaller, const Term& larger) {
+    return !condition.IsLeaf() && condition.How == Operation::Less &&
+           condition.Parts[0] == smaller && condition.Parts[1] == larger;
+  };
+  if (parts.size() != Parts) return false;
+  const Term& above = parts[1];
+  const Term& below = parts[3];
+  const Term& value = parts[4];
+  if (!above.IsLeaf() || !below.IsLeaf() || !value.IsLeaf() || !asks(parts[0], above, value) ||
+      !asks(parts[2], value, below)) {
+    return false;
+  }
+  Write(LimitHandler(), target, value.Register, above.Register, below.Register);
+  return true;
 }
 
 void ProgramWriter::JumpOn(const Term& condition, bool when, Jumps& jumps) {

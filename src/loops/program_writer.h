@@ -30,6 +30,7 @@ class ProgramWriter {
 
   int Leaf(const Term& term);
   void AssignIf(int target, const Term& term);
+  bool AssignLimit(int target, const Term& term);
   void AssignArithmetic(int target, const Term& term);
   /// Jumps when the condition gives `when`, else goes on.
   void JumpOn(const Term& condition, bool when, Jumps& jumps);

@@ -29,8 +29,8 @@ bool TokenReader::TakeSymbol(std::string_view symbol) {
   return true;
 }
 
-Token TokenReader::Take() {
-  Token token = Here();
+const Token& TokenReader::Take() {
+  const Token& token = Here();
   if (!AtEnd()) ++position_;
   return token;
 }
@@ -54,7 +54,7 @@ void TokenReader::NeedSymbol(std::string_view symbol, std::string_view where) {
   if (!TakeSymbol(symbol)) Refuse(Quoted(symbol) + " " + std::string(where));
 }
 
-Token TokenReader::NeedName(std::string_view what) {
+const Token& TokenReader::NeedName(std::string_view what) {
   if (Here().Kind == TokenKind::QuotedWord) return Take();
   if (Here().Kind != TokenKind::Word) Refuse(what);
   if (IsKeyword(Here().Text)) {

@@ -33,14 +33,14 @@ class TokenReader {
   }
   bool TakeWord(std::string_view word);
   bool TakeSymbol(std::string_view symbol);
-  Token Take();
+  const Token& Take();
   std::optional<std::string> TakeString();
 
   /// Reports what is missing and gives up unless it is there.
   void NeedWord(std::string_view word, std::string_view where);
   void NeedSymbol(std::string_view symbol, std::string_view where);
   /// A name that is no keyword, without dots.
-  Token NeedName(std::string_view what);
+  const Token& NeedName(std::string_view what);
   /// A missing semicolon at the end of a line is reported, and the reading goes on behind it.
   void NeedSemicolon(std::string_view where);
 
