@@ -62,6 +62,8 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
       command.Model = model;
     } else if (IsFile(argument)) {
       command.File = argument;
+    } else if (const auto meant = Catalogue().NamesFrom(argument); meant.size() == 1) {
+      command.Model = meant.front();
     } else {
       error = "There is no model or file \"" + argument + "\" (see --help)";
       return {};
@@ -74,7 +76,7 @@ std::string HelpText() {
   std::string text =
       "Usage: torvane [MODEL|FILE.tvf] [--speed-test SECONDS]\n"
       "Simulator of feedback control systems.\n\n"
-      "  MODEL                 model to start with, by name or number\n"
+      "  MODEL                 model to start with, by name, its beginning or number\n"
       "  FILE.tvf              model file to open\n"
       "  --speed-test SECONDS  press Run, print the speed after that time, and end\n"
       "  --help                print this text\n"

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/messages.h"
+#include "core/names.h"
 #include "models/factories.h"
 
 namespace torvane {
@@ -47,6 +48,15 @@ const CatalogueEntry* Catalogue::Find(std::string_view name) const {
   const auto found = std::find_if(entries_.begin(), entries_.end(),
                                   [&](const CatalogueEntry& entry) { return entry.Name == name; });
   return found == entries_.end() ? nullptr : &*found;
+}
+
+std::vector<std::string> Catalogue::NamesFrom(const std::string& beginning) const {
+  std::vector<std::string> names;
+  for (const CatalogueEntry& entry : entries_) {
+    const bool begins = Lower(entry.Name).starts_with(Lower(beginning));
+    if (begins && !beginning.empty()) names.push_back(entry.Name);
+  }
+  return names;
 }
 
 bool Catalogue::Add(CatalogueEntry entry) {

@@ -29,6 +29,8 @@ class Catalogue {
   std::vector<std::string> Names() const;
   /// nullptr when no model has that name.
   const CatalogueEntry* Find(std::string_view name) const;
+  /// The names that begin with the text, without regard to case; none with an empty one.
+  std::vector<std::string> NamesFrom(const std::string& beginning) const;
 
   /// Offers one more model, behind the others; false when its name is taken.
   bool Add(CatalogueEntry entry);

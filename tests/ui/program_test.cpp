@@ -25,7 +25,7 @@ Outcome RunProgram(const QStringList& arguments, const QProcessEnvironment& envi
 }
 
 TEST(ProgramTest, TheSpeedTestRunsTheNamedModel) {
-  for (const char* model : {"3-1 PI Controller", "0"}) {
+  for (const char* model : {"3-1 PI Controller", "0", "6-1"}) {
     const Outcome outcome = RunProgram({model, "--speed-test", "0.3"});
     EXPECT_EQ(outcome.Code, 0) << outcome.Err.toStdString();
     const QRegularExpression line(

@@ -15,8 +15,8 @@ namespace torvane::cli {
 void AddModelName(CLI::App& command, std::string& model) {
   command
       .add_option("MODEL", model,
-                  "Name or index of a model, as \"models\" lists them, a model file, or a loop of "
-                  "your own, a file that ends in .mo")
+                  "Name of a model, as \"models\" lists them, its beginning (\"6-1\") or index, a "
+                  "model file, or a loop of your own, a file that ends in .mo")
       ->required()
       ->type_name("");
 }
@@ -53,11 +53,17 @@ bool NamesModelFile(const std::string& text) {
 
 namespace {
 
-// Of a name or an index.
+// Of a name, what only one name begins with, or an index.
 std::string ModelName(const Catalogue& catalogue, const std::string& text) {
   if (catalogue.Find(text)) return text;
   const std::optional<int> number = ParseInteger(text);
-  if (!number) throw UnknownName("model", text, catalogue.Names());
+  if (!number) {
+    const std::vector<std::string> meant = catalogue.NamesFrom(text);
+    if (meant.size() == 1) return meant.front();
+    if (meant.empty()) throw UnknownName("model", text, catalogue.Names());
+    throw UsageError("\"" + text + "\" may be " + meant[0] + " or " + meant[1] +
+                     (meant.size() > 2 ? ", and others" : ""));
+  }
   const int count = static_cast<int>(catalogue.Entries().size());
   if (*number < 0 || *number >= count) {
     throw UsageError("no model has the index " + text + "; they go from 0 to " +
