@@ -28,6 +28,8 @@ class Lexer {
   Lexer(std::string_view text, ProblemList& problems) : text_(text), problems_(problems) {}
 
   std::vector<Token> All() {
+    constexpr std::size_t UsualLength = 5;  // of a token and the blanks behind it
+    tokens_.reserve(text_.size() / UsualLength + 1);
     while (SkipBlanks()) ReadToken();
     Token end;
     end.Where = end.After = place_;

@@ -78,8 +78,9 @@ void LoopMachine::CheckBlocks(std::vector<Problem>& found) const {
     const std::size_t before = remembered;
     remembered += blocks_[i]->Remembered();
     if (remembered > MaxRemembered && before <= MaxRemembered) {
-      found.push_back({where, named("the loop's dead times are longer than 4000000 steps of the "
-                                    "solver altogether")});
+      found.push_back({where, "the loop's dead times are longer than " +
+                                  std::to_string(MaxRemembered) +
+                                  " steps of the solver altogether"});
     }
   }
 }

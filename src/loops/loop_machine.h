@@ -30,8 +30,6 @@ class LoopMachine {
   double Register(int index) const { return registers_[static_cast<std::size_t>(index)]; }
   State& StateOf(std::size_t index) { return states_[index]; }
   std::size_t StateCount() const { return states_.size(); }
-  std::size_t BlockCount() const { return blocks_.size(); }
-
   const ControllerClock& ClockAt(std::size_t index) const { return clocks_[index]; }
 
   /// Constants have these values, in the plan's order: computes what depends on them alone, and

@@ -54,9 +54,6 @@ inline bool IsArithmetic(Operation what) {
 inline bool OfTwoNumbers(Operation what) {
   return what <= Operation::Mod;
 }
-inline bool OfOneNumber(Operation what) {
-  return what >= Operation::Negate && what <= Operation::Atan;
-}
 inline bool IsComparison(Operation what) {
   return what >= Operation::Less && what <= Operation::NotEqual;
 }

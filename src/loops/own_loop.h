@@ -33,7 +33,6 @@ class OwnLoop final : public ZelModel, public Carrier {
   /// What it carries on lies with its blocks and clocks, which the bench knows.
   void Carry(Carried& /*carried*/) override {}
 
-  const LoopPlan& Plan() const { return *plan_; }
   /// What the file had in it when the model was made.
   const std::string& Text() const { return text_; }
 

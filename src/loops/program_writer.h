@@ -21,7 +21,6 @@ class ProgramWriter {
   void BeginGuard(int clock);
   void EndGuard();
 
-  std::size_t Size() const { return program_.size(); }
   Program Take();
 
  private:

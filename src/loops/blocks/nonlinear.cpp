@@ -21,48 +21,48 @@ class OneToOne : public Block {
   double* y_;
 };
 
-/// y = u between yMin and yMax.
-class LimiterBlock final : public OneToOne {
+/// Has an upper and a lower limit, in this order.
+class LimitsBlock : public OneToOne {
  public:
-  explicit LimiterBlock(const BlockMaking& making) : OneToOne(making) {}
-
-  void Prepare() override {
+  void Prepare() final {
     max_ = wiring_.Parameter(0);
     min_ = wiring_.Parameter(1);
   }
-  const char* Fault() const override {
-    return wiring_.Parameter(1) <= wiring_.Parameter(0) ? nullptr : "yMin is above yMax";
+  const char* Fault() const final {
+    return wiring_.Parameter(1) <= wiring_.Parameter(0) ? nullptr : wrong_;
   }
+
+ protected:
+  /// `wrong` is what is told of limits the wrong way round.
+  LimitsBlock(const BlockMaking& making, const char* wrong) : OneToOne(making), wrong_(wrong) {}
+
+  double max_ = 0.0;
+  double min_ = 0.0;
+
+ private:
+  const char* wrong_;
+};
+
+/// y = u between yMin and yMax.
+class LimiterBlock final : public LimitsBlock {
+ public:
+  explicit LimiterBlock(const BlockMaking& making) : LimitsBlock(making, "yMin is above yMax") {}
+
   void Output(const Moment& /*now*/) override {
     const double u = *u_;
     *y_ = u > max_ ? max_ : u < min_ ? min_ : u;
   }
-
- private:
-  double max_ = 0.0;
-  double min_ = 0.0;
 };
 
 /// y = 0 between uMin and uMax, and what u is beyond them.
-class DeadZoneBlock final : public OneToOne {
+class DeadZoneBlock final : public LimitsBlock {
  public:
-  explicit DeadZoneBlock(const BlockMaking& making) : OneToOne(making) {}
+  explicit DeadZoneBlock(const BlockMaking& making) : LimitsBlock(making, "uMin is above uMax") {}
 
-  void Prepare() override {
-    max_ = wiring_.Parameter(0);
-    min_ = wiring_.Parameter(1);
-  }
-  const char* Fault() const override {
-    return wiring_.Parameter(1) <= wiring_.Parameter(0) ? nullptr : "uMin is above uMax";
-  }
   void Output(const Moment& /*now*/) override {
     const double u = *u_;
     *y_ = u > max_ ? u - max_ : u < min_ ? u - min_ : 0.0;
   }
-
- private:
-  double max_ = 0.0;
-  double min_ = 0.0;
 };
 
 /// y = u as a multiple of step: the nearest, halves upwards, or the one below.

@@ -46,9 +46,6 @@ class Wiring {
     return values;
   }
   std::size_t ListSize(std::size_t index) const { return placing_.Parameters[index].size(); }
-  std::size_t RowLength(std::size_t index) const {
-    return static_cast<std::size_t>(placing_.RowLengths[index]);
-  }
   /// Whether these parameters are 0 or above.
   template <class... Index>
   bool NotNegative(Index... index) const {
