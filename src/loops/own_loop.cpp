@@ -221,10 +221,13 @@ ModelLoop OwnLoop::NamedLoop() const {
 
 void OwnLoop::BeginRun() {
   HandOnConstants();
-  if (!fault_.empty()) {
-    throw std::runtime_error("the loop cannot run with these constants: " + fault_);
-  }
+  RefuseConstants();
   BeginCommand();
+}
+
+void OwnLoop::RefuseConstants() const {
+  if (fault_.empty()) return;
+  throw std::runtime_error("the loop cannot run with these constants: " + fault_);
 }
 
 void OwnLoop::BeginCommand() {

@@ -30,8 +30,9 @@ class OwnLoop final : public ZelModel, public Carrier {
   /// outside a run.
   void Derivatives(double t) override;
 
-  /// What it carries on lies with its blocks and clocks, which the bench knows.
-  void Carry(Carried& /*carried*/) override {}
+  /// What it carries on lies with its blocks and clocks, which the bench knows. Throws what
+  /// BeginRun throws.
+  void Carry(Carried& /*carried*/) override { RefuseConstants(); }
 
   /// What the file had in it when the model was made.
   const std::string& Text() const { return text_; }
@@ -57,6 +58,7 @@ class OwnLoop final : public ZelModel, public Carrier {
   std::optional<std::size_t> SlowestClock() const;
   ModelLoop NamedLoop() const;
   void HandOnConstants();
+  void RefuseConstants() const;
   void TellDoubts(const std::string& doubts);
   void BeginCommand();
   void TakeSources(double t);

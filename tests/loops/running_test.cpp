@@ -2,6 +2,7 @@
 
 #include "core/bench.h"
 #include "core/constant.h"
+#include "linear/linearize.h"
 #include "loops/shipped.h"
 
 // What a loop is while it runs: begun anew, with constants that change, and when it diverges.
@@ -118,6 +119,8 @@ TEST(RunningLoopTest, ToldWhatIsWrongWithAConstantItGoesOnWhenThatIsMended) {
     constant.Set(good);
     ASSERT_EQ(RowsOf(*model, 30), RowsOf(*untouched, 30)) << name;
   }
+  model->Bench().FindConst("a0")->Set(0);
+  EXPECT_THROW(Linearize(*model), std::runtime_error);
 }
 
 TEST(RunningLoopTest, StopsWhenASignalIsNoNumber) {
