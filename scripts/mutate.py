@@ -22,7 +22,8 @@ import time
 import faults
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ["core", "library", "instruments", "kit", "models", "study", "cli", "plot", "ui"]
+FOLDERS = ["core", "library", "instruments", "kit", "models", "loops", "linear", "study", "cli", "plot",
+           "ui"]
 # Whose tests are run after the folder's own when those have noticed nothing.
 USERS = {
     "core": ["models", "cli"],
@@ -30,6 +31,8 @@ USERS = {
     "instruments": ["models", "cli"],
     "kit": ["models", "cli"],
     "models": ["cli"],
+    "loops": ["cli"],
+    "linear": ["cli"],
     "study": ["cli"],
     "plot": ["cli"],
 }

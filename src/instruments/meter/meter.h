@@ -40,8 +40,8 @@ class ZelMeter final : public Instrument {
   void LoadRecord(const Record& record) override;
 
   double Value() const { return reading_.Value; }
-  /// The value as far as it stands: of a reading that swings with the signal, its middle in the
-  /// digits that do not change.
+  /// The value as far as it stands: of a reading that swings with the signal, its middle to the
+  /// first digit of the swing.
   std::string ValueText() const;
   /// The reading has stayed within 1 % to either side for the last seconds of simulated time. A
   /// harmonic is read over whole periods, and always is.

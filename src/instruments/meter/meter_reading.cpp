@@ -56,7 +56,8 @@ std::string ZelMeter::ValueText() const {
       kind_ == MeterKind::Rms
           ? std::sqrt(0.5 * (spread_.Low() * spread_.Low() + spread_.High() * spread_.High()))
           : 0.5 * (spread_.Low() + spread_.High());
-  return InUnits(middle, std::pow(10.0, std::ceil(std::log10(swing))));
+  // The middle stands closer than what swings about it.
+  return InUnits(middle, std::pow(10.0, std::floor(std::log10(swing))));
 }
 
 std::string ZelMeter::SettledFromText() const {

@@ -189,10 +189,10 @@ void TZelMeterF::ShowSettling() {
   if (ui_->LKind->text() == text) return;
   ui_->LKind->setText(text);
   ui_->LKind->setToolTip(
-      settled
-          ? QStringLiteral("What the meter measures")
-          : QStringLiteral("The reading swings with the signal, and only the digits that stand "
-                           "are shown: a lower Low-Pass Filter, in the set-up, holds it still"));
+      settled ? QStringLiteral("What the meter measures")
+              : QStringLiteral(
+                    "The reading swings with the signal, and its middle is shown as "
+                    "far as it stands: a lower Low-Pass Filter, in the set-up, holds it still"));
 }
 
 QString TZelMeterF::KindText() const {
