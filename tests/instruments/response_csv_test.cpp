@@ -47,6 +47,7 @@ TEST(ResponseText, ReadsTheLayoutsOfOtherTools) {
        {"\xEF\xBB\xBF# bench\nPhase (deg);Freq [Hz];Magnitude (dB)\n-45;2;-20", "2\t-20\t-45\n",
         "\"Frequency\",\"Gain\",\"Phase\"\n\"2\",-20,-45", "2 -20   -45",
         "f/Hz;|H|/dB;arg/deg\n2;-20;-45", "Frequency (kHz),Mag (dB),Phase (deg)\n0.002,-20,-45",
+        "Frequency (mHz),Mag (dB),Phase (deg)\n2000,-20,-45",
         "w (rad/s),mag (abs),phase (rad)\n12.566370614359172,0.1,-0.7853981633974483",
         "omega;Gain (abs);Phase (deg)\n12.566370614359172;0,1;-45,0",
         "Freq.\tV(out)\n2\t(-20dB,-45\xB0)",

@@ -11,7 +11,7 @@ namespace {
 // A signal that is shown in thousandths.
 struct TraceCsv : testing::Test {
   test::ScopeBench Set{{.Multiplier = 1000.0, .Shown = true}};
-  Variable Other{Set.Bench, "Other", ""};
+  Variable Other{Set.Bench, "Other", "Volts"};
   ZelScope Scope{Set.Bench, "Second"};
 };
 
@@ -25,6 +25,10 @@ TEST_F(TraceCsv, ReadsWhatBenchesAndTheScopeWrite) {
     EXPECT_EQ(read.Screen.Left, -1.0);
     EXPECT_EQ(read.Screen.EventTime, 0.0);
     EXPECT_EQ(read.Screen.Values, (std::vector<std::vector<float>>{{2.0F, 4.0F}, {}}));
+  }
+  for (const char* text :
+       {"Time,Other (mV)\n1,2000\n2,2000", "Time,Other [kvolt]\n1,.002\n2,.002"}) {
+    EXPECT_EQ(ParseTraces(text, Scope).Screen.Values[1], (std::vector<float>{2.0F, 2.0F})) << text;
   }
   Set.Ramp(0, 9);
   EXPECT_EQ(ParseTraces(ScreenCsv(Set.Scope, Set.Screen()), Set.Scope).Screen.Values,
@@ -46,6 +50,8 @@ TEST_F(TraceCsv, SaysWhatIsWrongAndWhatIsPassedOver) {
            {"Time,Signal\n1,\n", "line 2: Signal is not a number that a trace can have"},
            {"Time,Signal\n1,1e60\n", "line 2: Signal is not a number that a trace can have"},
            {"Time,x,Signal,signal\n5,1,2,3\n6,1,2,3\n", "No signal of the scope: x, signal"},
+           {"Time,Other (RPM)\n1,2\n2,2\n",
+            "Units that are not known were read as the signals' own: Other (RPM) as Volts"},
            {"Time,Signal\n1,2\n2,2\n3,2\n4,2\n5,2\n99,2\n",
             "The times are not evenly spaced: Mean and RMS are those of the points"}}) {
     const TraceText read = ParseTraces(text, Scope);

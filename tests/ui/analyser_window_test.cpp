@@ -232,15 +232,16 @@ TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
   const QTemporaryDir folder;
   const QString path = folder.filePath("bench.csv");
   ASSERT_EQ(ReplaceFile(path.toStdString(), csv), "");
-  const auto load = [&](const QString& file) {
+  const auto load = [&](const QString& file, const char* memory = "MILoadMemory4") {
     QTimer::singleShot(0, qApp, [file] {
       auto& dialog = *qobject_cast<QDialog*>(QApplication::activeModalWidget());
       dialog.findChild<QLineEdit*>("fileNameEdit")->setText(file);
       QMetaObject::invokeMethod(&dialog, "accept");
     });
-    Choose("MILoadMemory4");
+    Choose(memory);
   };
   load(path);
+  EXPECT_EQ(Reports.Take().size(), 1U);  // the other response has no memory
   EXPECT_EQ(Xfer().LoadedFrom(4), "bench.csv");
   EXPECT_TRUE(In<QCheckBox>("CBColor4").isChecked());
   EXPECT_EQ(Xfer().GainRead(4, 125.0), Xfer().GainRead(0, 125.0));
@@ -260,6 +261,17 @@ TEST_F(AnalyserWindowTest, TheShownTracesGoToAFileAndBackIntoAMemory) {
   ASSERT_EQ(Xfer().ResponseAt(4).Curve().size(), 1U);
   EXPECT_NEAR(Xfer().ResponseAt(4).Curve()[0].Hz, 100.0, 1e-9);
   EXPECT_NEAR(Xfer().ResponseAt(4).Curve()[0].Gain, -20.0, 1e-9);
+  // What it does say stays so.
+  ASSERT_EQ(ReplaceFile(path.toStdString(), "f,mag (dB),phase\n100,-30,-1\n"), "");
+  load(path);
+  EXPECT_EQ(Xfer().ResponseAt(4).Curve()[0].Gain, -30.0);
+  // A second response does not replace a memory unasked.
+  ASSERT_EQ(ReplaceFile(path.toStdString(), "f,Gain,Phase,b Gain,b Phase\n100,1,2,3,4\n"), "");
+  Reports.Answer = false;
+  load(path, "MILoadMemory3");
+  EXPECT_EQ(Reports.Take().size(), 1U);
+  EXPECT_EQ(Xfer().ResponseAt(3).Curve()[0].Gain, 1.0);
+  EXPECT_EQ(Xfer().ResponseAt(4).Curve()[0].Gain, -30.0);
 }
 
 TEST_F(AnalyserWindowTest, PointsOfASweepAreShownAsTheyAreMeasuredToTheEnd) {

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTemporaryDir>
 #include <QTest>
 #include <map>
@@ -83,6 +84,12 @@ class Desktop : public testing::Test {
   void Trigger(const std::string& name) { Find<QAction>(name).trigger(); }
   /// Chooses a model as the user does, in the list.
   void ChooseModel(const QString& name) { Do("model " + name.toStdString()); }
+  /// Chooses an experiment of the model as the user does, in the menu.
+  void Begin(int experiment) {
+    auto& menu = Find<QMenu>("MExperiments");
+    emit menu.aboutToShow();
+    menu.actions().at(experiment)->trigger();
+  }
   QString Text(const char* edit) { return Find<QLineEdit>(edit).text(); }
   void Type(const std::string& name, const std::string& text) { Do("type " + name + " " + text); }
   /// Runs the model so long, by its own time.

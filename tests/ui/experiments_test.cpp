@@ -1,9 +1,11 @@
 #include "ui/session/experiments.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QMenu>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include "core/csv.h"
 #include "core/instrument.h"
@@ -63,6 +65,27 @@ class ExperimentsTest : public Desktop {
   }
 };
 
+TEST_F(ExperimentsTest, AFileThatIsGoneCostsNothingAndNoFolderIsNotThePresentOne) {
+  const QTemporaryDir folder;
+  const QString file = OfferedExperiments(Data).Of("2-1 PI+ Controller").front().File;
+  const QString examples = folder.filePath("examples/");
+  ASSERT_TRUE(QDir().mkpath(examples));
+  for (const QString& name : {file, QString(file).replace(".tvf", ".experiment")}) {
+    ASSERT_TRUE(QFile::copy(name, examples + QFileInfo(name).fileName()));
+  }
+  Panel = std::make_unique<TZelControlPanelF>(DataFolder(folder.path()));
+  Panel->show();
+  Play("set KVP 1.5 ->");
+  emit Find<QMenu>("MExperiments").aboutToShow();
+  ASSERT_TRUE(QFile::remove(examples + QFileInfo(file).fileName()));
+  Begin(0);
+  EXPECT_TRUE(WaitFor([&] { return Reports.Take().size() == 1; }));
+  Play("-> saved Constant,KVP,1.5");
+  QDir::setCurrent(QFileInfo(file).path());
+  const DataFolder none("/nowhere");
+  EXPECT_TRUE(OfferedExperiments(none).Of("2-1 PI+ Controller").empty());
+}
+
 // One after the other, as a user does them, so that each meets what the one before has left.
 TEST_F(ExperimentsTest, EachRunsAsItsFileDoesOnTheCommandLine) {
   QSignalSpy loaded(&Panel->Work(), &Session::FileLoaded);
@@ -70,11 +93,11 @@ TEST_F(ExperimentsTest, EachRunsAsItsFileDoesOnTheCommandLine) {
     const QString model = Find<QComboBox>("ModelCmB").itemText(i);
     ChooseModel(model);
     RunFor(0.5);
-    const auto experiments = ExperimentsOf(model.toStdString(), Data);
+    const auto experiments = OfferedExperiments(Data).Of(model.toStdString());
     EXPECT_GE(experiments.size(), 3U) << model.toStdString();
     for (std::size_t k = 0; k < experiments.size(); ++k) {
       loaded.clear();
-      Find<QMenu>("MExperiments").actions().at(static_cast<int>(k))->trigger();
+      Begin(static_cast<int>(k));
       ASSERT_TRUE(WaitFor([&] { return loaded.count() > 0; }));
       EXPECT_TRUE(RunForRows() == Reference(experiments[k].File))
           << experiments[k].File.toStdString();

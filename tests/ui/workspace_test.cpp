@@ -101,9 +101,8 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
        [this] {
          for (int i = 0; i < 4; ++i) Trigger("MIAddMeter");
        }},
-      {"experiment", [this] { Find<QMenu>("MExperiments").actions().at(0)->trigger(); }},
-      {"experiment with analyser",
-       [this] { Find<QMenu>("MExperiments").actions().at(3)->trigger(); }}};
+      {"experiment", [this] { Begin(0); }},
+      {"experiment with analyser", [this] { Begin(3); }}};
   std::vector<std::string> lines{
       "# The main window's size and what is open => the scope's graph, without its labels"};
   for (const QSize size : {QSize(800, 600), Small, QSize(1366, 768), QSize(1920, 1080)}) {

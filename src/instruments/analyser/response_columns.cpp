@@ -18,7 +18,7 @@ struct UnitName {
 constexpr std::array UnitNames = {
     UnitName{"hz", ResponseUnit::Hz},
     UnitName{"khz", ResponseUnit::KHz},
-    UnitName{"mhz", ResponseUnit::MHz},
+    UnitName{"mhz", ResponseUnit::MegaHz},
     UnitName{"rad/s", ResponseUnit::RadPerSecond},
     UnitName{"rad/sec", ResponseUnit::RadPerSecond},
     UnitName{"1/s", ResponseUnit::RadPerSecond},
@@ -124,6 +124,7 @@ std::array<std::string, 3> ThreeFields(std::string_view text, bool& whole) {
 }  // namespace
 
 ResponseUnit ResponseUnitOf(std::string_view text) {
+  if (Bare(text) == "mHz") return ResponseUnit::MilliHz;
   const std::string name = Lower(std::string(Bare(text)));
   const auto found = std::find_if(UnitNames.begin(), UnitNames.end(),
                                   [&](const UnitName& unit) { return unit.Name == name; });

@@ -12,10 +12,21 @@ namespace torvane {
 enum class ResponseRole { None, Frequency, Gain, Phase, Real, Imaginary, Coherence, Excited };
 
 /// The unit of such a column; Ratio is a magnitude as a plain number.
-enum class ResponseUnit { Unknown, Hz, KHz, MHz, RadPerSecond, Decibel, Ratio, Degrees, Radians };
+enum class ResponseUnit {
+  Unknown,
+  MilliHz,
+  Hz,
+  KHz,
+  MegaHz,
+  RadPerSecond,
+  Decibel,
+  Ratio,
+  Degrees,
+  Radians
+};
 
-/// The unit that a text names, in any letter case ("kHz", "rad/s", "abs", "deg"); Unknown when it
-/// names none.
+/// The unit that a text names, in any letter case ("kHz", "rad/s", "abs", "deg"), but for "mHz",
+/// which is another one than "MHz"; Unknown when it names none.
 ResponseUnit ResponseUnitOf(std::string_view text);
 
 /// What a unit measures.

@@ -65,6 +65,8 @@ class ResponseReader {
       columns.Frequency = columns_[frequency_].Unit;
       text.Fault = TellUnits(columns, raw_[i], hints_);
       text.UnitsMissing = !text.Fault.empty();
+      text.GainUnitMissing = text.UnitsMissing && columns.First.Unit == ResponseUnit::Unknown;
+      text.PhaseUnitMissing = text.UnitsMissing && columns.Second.Unit == ResponseUnit::Unknown;
       NamedResponse response{columns.First.Name, {}};
       if (text.Fault.empty()) text.Fault = MakeCurve(columns, raw_[i], response.Curve);
       if (falling_) std::reverse(response.Curve.begin(), response.Curve.end());

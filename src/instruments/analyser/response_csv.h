@@ -21,6 +21,8 @@ struct ResponseText {
   std::string Fault;  ///< with the line's number where one has it; empty when all is whole
   /// The fault is that units are not said: hints would tell them.
   bool UnitsMissing = false;
+  bool GainUnitMissing = false;
+  bool PhaseUnitMissing = false;
   std::string Note;  ///< what was taken for granted; may be empty
 };
 

@@ -13,9 +13,11 @@ constexpr double NoGain = -200.0;  // dB
 
 double ToHz(ResponseUnit unit) {
   switch (unit) {
+    case ResponseUnit::MilliHz:
+      return 1e-3;
     case ResponseUnit::KHz:
       return 1e3;
-    case ResponseUnit::MHz:
+    case ResponseUnit::MegaHz:
       return 1e6;
     case ResponseUnit::RadPerSecond:
       return 0.5 / std::numbers::pi;

@@ -22,16 +22,46 @@ std::string_view Title(std::string_view caption) {
   return TrimmedField(caption.substr(0, caption.find_first_of("([")));
 }
 
+// What stands in a caption's brackets; empty where there are none.
+std::string_view UnitOf(std::string_view caption) {
+  const std::size_t begin = caption.find_first_of("([");
+  if (begin == std::string_view::npos) return {};
+  const std::string_view rest = caption.substr(begin + 1);
+  return TrimmedField(rest.substr(0, rest.find_first_of(")]")));
+}
+
 /// Seconds in the unit in a caption's brackets.
 std::optional<double> SecondsIn(std::string_view caption) {
-  const std::size_t begin = caption.find_first_of("([");
-  if (begin == std::string_view::npos) return 1.0;
-  const std::string_view rest = caption.substr(begin + 1);
-  const std::string unit =
-      Lower(std::string(TrimmedField(rest.substr(0, rest.find_first_of(")]")))));
+  const std::string unit = Lower(std::string(UnitOf(caption)));
+  if (unit.empty()) return 1.0;
   if (unit == "s" || unit == "sec" || unit == "seconds") return 1.0;
   if (unit == "ms" || unit == "msec") return 1e-3;
   if (unit == "us" || unit == "\u00b5s" || unit == "\u03bcs") return 1e-6;
+  return std::nullopt;
+}
+
+struct Prefix {
+  std::string_view Text;
+  double Value;
+};
+constexpr Prefix Prefixes[] = {{"m", 1e-3},      {"u", 1e-6}, {"\u00b5", 1e-6},
+                               {"\u03bc", 1e-6}, {"k", 1e3},  {"M", 1e6}};
+
+// A unit in one letter case, written out and without the "s" of several.
+std::string Written(std::string_view unit) {
+  std::string text = Lower(std::string(unit));
+  if (text.size() > 2 && text.ends_with('s')) text.pop_back();
+  return text == "v" ? "volt" : text == "a" ? "amp" : text;
+}
+
+/// A caption's unit in the signal's own one, which it is or has a prefix before; 1 where either is
+/// not said.
+std::optional<double> InUnit(std::string_view unit, const std::string& own) {
+  if (unit.empty() || own.empty() || Written(unit) == Written(own)) return 1.0;
+  for (const Prefix& prefix : Prefixes) {
+    const bool before = unit.starts_with(prefix.Text);
+    if (before && Written(unit.substr(prefix.Text.size())) == Written(own)) return prefix.Value;
+  }
   return std::nullopt;
 }
 
@@ -74,9 +104,13 @@ class TraceReader {
     screen.Left = screen.Time.front();
     if (screen.Left <= 0.0 && screen.Time.back() >= 0.0) screen.EventTime = 0.0;
     if (!unknown_.empty()) traces_.Note = "No signal of the scope: " + Listed(unknown_);
+    const auto note = [&](const std::string& text) {
+      traces_.Note += (traces_.Note.empty() ? "" : "; ") + text;
+    };
+    if (!otherUnits_.empty())
+      note("Units that are not known were read as the signals' own: " + Listed(otherUnits_));
     if (!AreEven(screen.Time)) {
-      traces_.Note += traces_.Note.empty() ? "" : "; ";
-      traces_.Note += "The times are not evenly spaced: Mean and RMS are those of the points";
+      note("The times are not evenly spaced: Mean and RMS are those of the points");
     }
     return std::move(traces_);
   }
@@ -85,6 +119,7 @@ class TraceReader {
   struct Column {
     std::size_t Field;
     std::size_t Channel;
+    double Factor;  // of its numbers in the signal's display unit
   };
 
   std::string TakeCaptions(std::string_view line, int number) {
@@ -117,7 +152,10 @@ class TraceReader {
     const bool isNew = channel && std::none_of(columns_.begin(), columns_.end(),
                                                [&](Column of) { return of.Channel == *channel; });
     if (isNew) {
-      columns_.push_back({field, *channel});
+      const std::string& own = scope_.Channels()[*channel]->Signal().Unit();
+      const auto factor = InUnit(UnitOf(caption), own);
+      columns_.push_back({field, *channel, factor.value_or(1.0)});
+      if (!factor) otherUnits_.push_back(std::string(caption) + " as " + own);
     } else if (!caption.empty()) {
       unknown_.emplace_back(caption);
     }
@@ -163,7 +201,8 @@ class TraceReader {
     for (const Column& column : columns_) {
       const ZelChannel& channel = *scope_.Channels()[column.Channel];
       const auto shown = Number(fields, column.Field);
-      const auto value = static_cast<float>(shown.value_or(0.0) / channel.Signal().Multiplier());
+      const double inUnit = shown.value_or(0.0) * column.Factor;
+      const auto value = static_cast<float>(inUnit / channel.Signal().Multiplier());
       if (!shown || !std::isfinite(value)) {
         return LineFault(number, channel.Name() + " is not a number that a trace can have");
       }
@@ -179,7 +218,8 @@ class TraceReader {
   std::size_t width_ = 0;  // columns that have captions
   double seconds_ = 1.0;
   std::vector<Column> columns_;
-  std::vector<std::string> unknown_;  // captions
+  std::vector<std::string> unknown_;     // captions
+  std::vector<std::string> otherUnits_;  // captions, and the units that they were read in
 };
 
 }  // namespace

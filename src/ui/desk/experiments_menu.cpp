@@ -31,11 +31,11 @@ ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, const DataFolder
     : QObject(&menu),
       menu_(menu),
       session_(session),
-      data_(data),
+      experiments_(data),
       workspace_(workspace),
       window_(window),
       panel_(new ExperimentPanel(&window)) {
-  connect(&session_, &Session::ModelChanged, this, &ExperimentsMenu::Fill);
+  connect(&menu_, &QMenu::aboutToShow, this, &ExperimentsMenu::Fill);
   connect(&session_, &Session::FileLoaded, this, &ExperimentsMenu::ModelShown);
   connect(panel_, &ExperimentPanel::Closed, this, &ExperimentsMenu::Leave);
 }
@@ -43,7 +43,7 @@ ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, const DataFolder
 void ExperimentsMenu::Fill() {
   menu_.clear();
   int number = 0;
-  for (const OfferedExperiment& experiment : ExperimentsOf(session_.Model()->Name(), data_)) {
+  for (const OfferedExperiment& experiment : experiments_.Of(session_.Model()->Name())) {
     const bool isWhole = experiment.Fault.isEmpty();
     QString title = isWhole ? QString::fromStdString(experiment.Record.Title) : experiment.Fault;
     title.replace(u'&', QStringLiteral("&&"));
@@ -58,7 +58,7 @@ void ExperimentsMenu::Fill() {
 
 // The menu is filled anew while the model changes; its item is done by then.
 void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
-  if (!session_.MayDiscard()) return;
+  if (!session_.CanRead(experiment.File) || !session_.MayDiscard()) return;
   if (!own_) {
     emit AboutToBegin();
     own_ = workspace_.Present();

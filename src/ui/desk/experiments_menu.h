@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "ui/desk/workspace.h"
-#include "ui/session/data_folder.h"
+#include "ui/session/experiments.h"
 
 class QMainWindow;
 class QMenu;
@@ -14,7 +14,6 @@ namespace torvane {
 
 class ExperimentPanel;
 class Session;
-struct OfferedExperiment;
 
 /// Lists the experiments of the present model in a menu. Choosing one sets the model up for it from
 /// its defaults, after a question where something would be lost, shows the instruments that it
@@ -45,7 +44,7 @@ class ExperimentsMenu : public QObject {
 
   QMenu& menu_;
   Session& session_;
-  const DataFolder& data_;
+  OfferedExperiments experiments_;
   Workspace& workspace_;
   QMainWindow& window_;
   ExperimentPanel* panel_;

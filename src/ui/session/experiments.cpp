@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace torvane {
 
@@ -27,23 +29,31 @@ OfferedExperiment ReadOffered(const QFileInfo& from) {
   return offered;
 }
 
-}  // namespace
-
-std::vector<OfferedExperiment> ExperimentsOf(const std::string& model, const DataFolder& data) {
+std::vector<OfferedExperiment> ReadAll(const QString& examples) {
   std::vector<OfferedExperiment> experiments;
-  const QDir folder(data.FindFolder(QStringLiteral("examples")));
+  // No path is the present folder to Qt.
+  if (examples.isEmpty()) return experiments;
   const QStringList kinds{QStringLiteral("*.experiment")};
-  for (const QFileInfo& file : folder.entryInfoList(kinds, QDir::Files, QDir::Name)) {
-    OfferedExperiment offered = ReadOffered(file);
-    if (!offered.Fault.isEmpty() || offered.Record.Model == model) {
-      experiments.push_back(std::move(offered));
-    }
+  for (const QFileInfo& file : QDir(examples).entryInfoList(kinds, QDir::Files, QDir::Name)) {
+    experiments.push_back(ReadOffered(file));
   }
   const auto place = [](const OfferedExperiment& of) {
     return std::pair(!of.Fault.isEmpty(), of.Record.Number);
   };
   std::stable_sort(experiments.begin(), experiments.end(),
                    [&](const auto& a, const auto& b) { return place(a) < place(b); });
+  return experiments;
+}
+
+}  // namespace
+
+std::vector<OfferedExperiment> OfferedExperiments::Of(const std::string& model) {
+  if (!all_) all_ = ReadAll(data_.FindFolder(QStringLiteral("examples")));
+  std::vector<OfferedExperiment> experiments;
+  std::copy_if(all_->begin(), all_->end(), std::back_inserter(experiments),
+               [&](const OfferedExperiment& offered) {
+                 return !offered.Fault.isEmpty() || offered.Record.Model == model;
+               });
   return experiments;
 }
 

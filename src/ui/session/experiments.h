@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,18 @@ struct OfferedExperiment {
   QString Fault;  ///< why the record cannot be read; empty where it can
 };
 
-/// The experiments in the folder of the examples that name the model, by their numbers. Records
-/// that cannot be read come last, whatever model they are of.
-std::vector<OfferedExperiment> ExperimentsOf(const std::string& model, const DataFolder& data);
+/// The experiments in the folder of the examples, read when the first is asked for.
+class OfferedExperiments {
+ public:
+  explicit OfferedExperiments(const DataFolder& data) : data_(data) {}
+
+  /// Those that name the model, by their numbers. Records that cannot be read come last, whatever
+  /// model they are of.
+  std::vector<OfferedExperiment> Of(const std::string& model);
+
+ private:
+  const DataFolder& data_;
+  std::optional<std::vector<OfferedExperiment>> all_;
+};
 
 }  // namespace torvane

@@ -82,6 +82,11 @@ QString Session::Title() const {
   return title;
 }
 
+bool Session::CanRead(const QString& path) {
+  std::string text;
+  return ReadModelText(path.toStdString(), text, Patience);
+}
+
 bool Session::Open(const QString& path) {
   return ReadAndLoad(path, Source::File);
 }

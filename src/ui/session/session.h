@@ -48,6 +48,8 @@ class Session : public QObject {
   /// Whether windows are to go where a file says.
   void SetRestoresWindows(bool on) { restoresWindows_ = on; }
 
+  /// Whether a file is there to be read, before anything is discarded for it; reports why not.
+  static bool CanRead(const QString& path);
   /// Reads a file into the model, or into the one that it names. What there is to ask is asked
   /// before anything changes, what there is to report comes when all is done. True when the file
   /// was read to its end; it becomes the session's file only when it is a model's file through and

@@ -3,6 +3,7 @@
 #include <QActionGroup>
 #include <QDir>
 #include <QFileDialog>
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -64,22 +65,45 @@ void ResponseMenu::Load(int slot) {
   UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
   ResponseText text = ReadResponseFile(path.toStdString());
   if (text.UnitsMissing) {
-    ResponseUnitsDialog units(QString::fromStdString(text.Fault), window_);
-    if (units.exec() != QDialog::Accepted) return;
-    text = ReadResponseFile(path.toStdString(), units.Hints());
+    ResponseUnitsDialog units(text, window_);
+    while (!text.Fault.empty()) {
+      units.SetFault(text.Fault);
+      if (units.exec() != QDialog::Accepted) return;
+      text = ReadResponseFile(path.toStdString(), units.Hints());
+    }
   }
   if (!text.Fault.empty()) {
     Error(text.Fault);
     return;
   }
   const std::string file = QFileInfo(path).fileName().toStdString();
-  // Further responses of the file go into the memories behind.
-  for (NamedResponse& response : text.Responses) {
-    if (slot == FrequencyAnalyser::SlotCount) break;
+  const std::size_t count = MemoriesFor(slot, text.Responses.size(), file);
+  for (std::size_t i = 0; i < count; ++i) {
+    NamedResponse& response = text.Responses[i];
     const std::string name = response.Name.empty() ? file : file + " " + response.Name;
-    analyser_.LoadMemory(slot++, std::move(response.Curve), name);
+    analyser_.LoadMemory(slot + static_cast<int>(i), std::move(response.Curve), name);
   }
   if (!text.Note.empty()) Note("\"" + file + "\": " + text.Note);
+}
+
+// How many of a file's responses are loaded: further ones go into the memories behind, and replace
+// what is there when the user says so. What has no memory is told.
+std::size_t ResponseMenu::MemoriesFor(int first, std::size_t responses,
+                                      const std::string& file) const {
+  const auto behind = static_cast<std::size_t>(FrequencyAnalyser::SlotCount - first);
+  const std::size_t count = std::min(responses, behind);
+  std::string taken;
+  for (int slot = first + 1; slot < first + static_cast<int>(count); ++slot) {
+    if (analyser_.HasData(slot)) taken += (taken.empty() ? "" : ", ") + std::to_string(slot);
+  }
+  const std::string holds = "\"" + file + "\" holds " + std::to_string(responses) + " responses";
+  if (!taken.empty() &&
+      !WarningQuestion(holds + ".  They would replace what is in Memory " + taken +
+                       ", too.  Press OK to replace it, Cancel to load the first one alone.")) {
+    return 1;
+  }
+  if (count < responses) Note(holds + ": there were memories for " + std::to_string(count) + ".");
+  return count;
 }
 
 // Where a display has room for one of them, both are compared in it.

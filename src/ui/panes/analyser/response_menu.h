@@ -3,6 +3,8 @@
 #include <QMenu>
 #include <QObject>
 #include <array>
+#include <cstddef>
+#include <string>
 
 #include "instruments/analyser/analyser.h"
 
@@ -32,6 +34,7 @@ class ResponseMenu : public QObject {
   void AddSave();
   void AddLoad();
   void Load(int slot);
+  std::size_t MemoriesFor(int first, std::size_t responses, const std::string& file) const;
   void AddOthers(const ZelBenchTop& bench);
   void AddCopy(QMenu& menu, const char* text, FrequencyAnalyser& from, FrequencyAnalyser& to);
   void AddShow();

@@ -4,6 +4,8 @@
 #include <QFormLayout>
 #include <QLabel>
 
+#include "instruments/analyser/response_csv.h"
+
 namespace torvane {
 
 namespace {
@@ -16,16 +18,20 @@ struct UnitRow {
 
 }  // namespace
 
-ResponseUnitsDialog::ResponseUnitsDialog(const QString& question, QWidget* parent)
-    : QDialog(parent) {
+ResponseUnitsDialog::ResponseUnitsDialog(const ResponseText& text, QWidget* parent)
+    : QDialog(parent), question_(new QLabel) {
   setObjectName(QStringLiteral("ResponseUnitsDialog"));
   setWindowTitle(QStringLiteral("Units of the Response"));
   auto* form = new QFormLayout(this);
-  auto* text = new QLabel(question + QStringLiteral(".\nIn which units is it?"));
-  text->setWordWrap(true);
-  form->addRow(text);
+  question_->setWordWrap(true);
+  // Its title bar has buttons beside the title.
+  question_->setMinimumWidth(2 * fontMetrics().horizontalAdvance(windowTitle()));
+  form->addRow(question_);
+  SetFault(text.Fault);
   const std::array<UnitRow, 3> rows{
-      UnitRow{"&Frequency", "CmBFrequencyUnit", {"as the file says", "Hz", "kHz", "MHz", "rad/s"}},
+      UnitRow{"&Frequency",
+              "CmBFrequencyUnit",
+              {"as the file says", "mHz", "Hz", "kHz", "MHz", "rad/s"}},
       UnitRow{"&Gain", "CmBGainUnit", {"as the file says", "dB", "ratio"}},
       UnitRow{"&Phase", "CmBPhaseUnit", {"as the file says", "deg", "rad"}}};
   for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -35,12 +41,16 @@ ResponseUnitsDialog::ResponseUnitsDialog(const QString& question, QWidget* paren
     form->addRow(QLatin1String(rows[i].Label), units_[i]);
   }
   // What is asked for has an answer; a ratio and degrees are what calculators write.
-  units_[1]->setCurrentIndex(2);
-  units_[2]->setCurrentIndex(1);
+  if (text.GainUnitMissing) units_[1]->setCurrentIndex(2);
+  if (text.PhaseUnitMissing) units_[2]->setCurrentIndex(1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   form->addRow(buttons);
+}
+
+void ResponseUnitsDialog::SetFault(const std::string& fault) {
+  question_->setText(QString::fromStdString(fault) + QStringLiteral(".\nIn which units is it?"));
 }
 
 ResponseHints ResponseUnitsDialog::Hints() const {
