@@ -61,7 +61,7 @@ TEST(ProgramTest, WrongArgumentsEndInOneLineAndCodeTwo) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fast"}, "Error: Unknown option --fast (see --help)\n"},
       {{"2-2 PI"}, "Error: There is no model or file \"2-2 PI\" (see --help)\n"},
-      {{"15"}, "Error: There is no model or file \"15\" (see --help)\n"},
+      {{"99"}, "Error: There is no model or file \"99\" (see --help)\n"},
       {{"0", "1"}, "Error: One model or file at most: 1\n"},
       {{"--speed-test"},
        "Error: --speed-test needs a number of seconds, above 0 and up to 86400\n"},
