@@ -24,9 +24,9 @@ inline constexpr std::size_t MaxTracePoints = 20000;
 /// them; decimal commas where it is not commas that divide. The first line names the columns: one
 /// of them, else the first, is "Time" or "t", in seconds unless ms or us stand behind it in
 /// brackets, and rises; the others are signals of the scope, in any letter case. A unit in brackets
-/// behind one may have a prefix (m, u, k, M) before the signal's display unit; another one is noted,
-/// and its numbers are read in the display unit. Blank lines and lines that begin with "#" are passed
-/// over.
+/// behind one may have a prefix (m, u, k, M) before the signal's display unit; another one is
+/// noted, and its numbers are read in the display unit. Blank lines and lines that begin with "#"
+/// are passed over.
 TraceText ParseTraces(std::string_view text, const ZelScope& scope);
 
 /// The same from a file; the fault names it. Files beyond 16 MiB are refused.
