@@ -63,6 +63,10 @@ void Checker::DeclareAll() {
     if (!symbols_.emplace(type.Name, Symbol{Symbol::Kind::Enumeration, index}).second) {
       problems_.Error(type.Where, Quoted(type.Name) + " is declared twice");
     }
+    if (type.Literals.size() > MaxChoices) {
+      problems_.Error(type.Where,
+                      "there can be " + std::to_string(MaxChoices) + " choices at most");
+    }
     std::set<std::string> literals(type.Literals.begin(), type.Literals.end());
     if (literals.size() != type.Literals.size()) {
       problems_.Error(type.Where, "a choice of \"" + type.Name + "\" stands there twice");
@@ -358,13 +362,13 @@ void Checker::Adjust(const Parameter& parameter, double value) {
   if (parameter.What == Term::Type::Truth) constant.Choices = {"No", "Yes"};
   if (parameter.What == Term::Type::Choice) {
     const auto index = static_cast<std::size_t>(parameter.Enumeration);
-    if (index < text_.Enumerations.size()) constant.Choices = text_.Enumerations[index].Literals;
+    const bool known = index < text_.Enumerations.size() &&
+                       text_.Enumerations[index].Literals.size() <= MaxChoices;
+    if (known) constant.Choices = text_.Enumerations[index].Literals;
   }
   if (text.Type == "Integer") {
-    constexpr double MostChoices = 1000.0;
     const auto whole = [](double x) { return std::abs(x) <= Widest && x == std::floor(x); };
-    if (!min || !max || *max - *min > MostChoices || !whole(*min) || !whole(*max) ||
-        !whole(value)) {
+    if (!min || !max || *max - *min > MaxChoices || !whole(*min) || !whole(*max) || !whole(value)) {
       problems_.Error(text.Where,
                       "an Integer needs whole numbers up to 1e9 as value, min and max, at most "
                       "1000 apart");

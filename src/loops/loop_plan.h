@@ -22,6 +22,7 @@ inline constexpr int MaxBlocks = 500;
 inline constexpr std::size_t MaxSources = 8;
 inline constexpr std::size_t MaxClocks = 100;
 inline constexpr std::size_t MaxConstants = 500;
+inline constexpr std::size_t MaxChoices = 1000;        ///< of a constant
 inline constexpr std::size_t MaxRemembered = 4000000;  ///< numbers in all dead times
 
 /// A checked loop, ready to be built: what it has, where its numbers lie, and the programs that

@@ -63,9 +63,18 @@ struct ZerosAndPoles {
     return FromTransferFunction(std::move(b), FromRoots(wiring.List(1)));
   }
   static const char* Fault(const Wiring& wiring) {
-    return ArePaired(wiring.List(0)) && ArePaired(wiring.List(1))
-               ? nullptr
-               : "a zero or pole that is not real needs its conjugate in another row";
+    const auto finite = [](double coefficient) { return std::isfinite(coefficient); };
+    for (const std::size_t list : {0U, 1U}) {
+      const std::vector<double> roots = wiring.List(list);
+      if (!ArePaired(roots)) {
+        return "a zero or pole that is not real needs its conjugate in another row";
+      }
+      const std::vector<double> polynomial = FromRoots(roots);
+      if (!std::all_of(polynomial.begin(), polynomial.end(), finite)) {
+        return "the product of its zeros or poles is beyond any number";
+      }
+    }
+    return nullptr;
   }
   static int Order(const Placing& placing) {
     return static_cast<int>(placing.Parameters[1].size()) / 2;

@@ -62,11 +62,21 @@ std::vector<double> FromRoots(const std::vector<double>& rows) {
 }
 
 bool ArePaired(const std::vector<double>& rows) {
-  const auto polynomial = ComplexFromRoots(rows);
-  return std::all_of(polynomial.begin(), polynomial.end(), [](const auto& coefficient) {
-    constexpr double Rounding = 1e-9;
-    return std::abs(coefficient.imag()) <= Rounding * std::abs(coefficient);
-  });
+  constexpr double Rounding = 1e-9;
+  std::vector<std::complex<double>> alone;
+  for (std::size_t row = 0; row + 1 < rows.size(); row += 2) {
+    const std::complex<double> root(rows[row], rows[row + 1]);
+    if (root.imag() == 0.0) continue;
+    const auto other = std::find_if(alone.begin(), alone.end(), [&](const auto& one) {
+      return std::abs(one - std::conj(root)) <= Rounding * std::abs(root);
+    });
+    if (other == alone.end()) {
+      alone.push_back(root);
+    } else {
+      alone.erase(other);
+    }
+  }
+  return alone.empty();
 }
 
 }  // namespace torvane::loops
