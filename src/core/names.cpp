@@ -23,10 +23,11 @@ std::size_t EditDistance(const std::string& a, const std::string& b) {
 }
 
 // The smaller, the likelier.
-std::tuple<int, std::size_t> Rank(const std::string& text, const std::string& name) {
+using Rank = std::tuple<int, std::size_t>;
+
+int FormOf(const std::string& text, const std::string& name) {
   const auto position = text.empty() ? std::string::npos : name.find(text);
-  const int form = position == 0 ? 0 : position != std::string::npos ? 1 : 2;
-  return {form, EditDistance(text, name)};
+  return position == 0 ? 0 : position != std::string::npos ? 1 : 2;
 }
 
 }  // namespace
@@ -42,11 +43,21 @@ std::string NearestName(const std::string& text, const std::vector<std::string>&
   // Names are short: a longer text is nobody's misspelling, and the distance table is its length
   // times a name's.
   const std::string wanted = Lower(text.substr(0, 80));
-  const auto nearest =
-      std::min_element(names.begin(), names.end(), [&](const std::string& a, const std::string& b) {
-        return Rank(wanted, Lower(a)) < Rank(wanted, Lower(b));
-      });
-  return nearest == names.end() ? std::string() : *nearest;
+  const std::string* nearest = nullptr;
+  Rank best{};
+  for (const std::string& candidate : names) {
+    const std::string name = Lower(candidate);
+    const int form = FormOf(wanted, name);
+    // No fewer characters have to be changed than one has more than the other.
+    const std::size_t fewest =
+        std::max(name.size(), wanted.size()) - std::min(name.size(), wanted.size());
+    if (nearest && Rank{form, fewest} >= best) continue;
+    const Rank rank{form, EditDistance(wanted, name)};
+    if (nearest && rank >= best) continue;
+    nearest = &candidate;
+    best = rank;
+  }
+  return nearest ? *nearest : std::string();
 }
 
 std::string UnknownNameText(const std::string& what, const std::string& text,

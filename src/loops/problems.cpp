@@ -19,7 +19,7 @@ bool HasErrors(const std::vector<Problem>& problems) {
 
 void ProblemList::Unknown(Place where, const std::string& what, const std::string& text,
                           const std::function<std::vector<std::string>()>& names, bool warning) {
-  constexpr std::size_t MostSearched = 100000;
+  constexpr std::size_t MostSearched = 30000;
   std::vector<std::string> known;
   if (searched_ < MostSearched && problems_.size() < Most) known = names();
   for (const std::string& name : known) searched_ += name.size() + 1;
