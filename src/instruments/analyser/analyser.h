@@ -103,6 +103,9 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// The share of the measurement in progress, or of the last one, that has been taken, 0 to 1.
   virtual double Progress() const = 0;
 
+  /// What a measurement takes, simulated seconds.
+  virtual double ExpectedSeconds() const = 0;
+
   /// Copies the current measurement into memory 1 to 4 and shows it; false after a note when there
   /// is none.
   bool StoreData(int slot);

@@ -57,6 +57,7 @@ class ZelXfer final : public FrequencyAnalyser {
   State SampleState() const { return state_; }
   int SampleCount() const { return sampleCount_; }
   double Progress() const override;
+  double ExpectedSeconds() const override { return tStartDelay_ + Averages() * RecordTime(); }
   int MaxOrder() const { return fft_.MaxOrder(); }
   int Order() const { return order_; }
   int Length() const { return 1 << order_; }

@@ -44,6 +44,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
 
   /// What a sweep takes with the present settings; Capacity + 1 points when there is no room.
   SweepPlan ExpectedPlan() const;
+  double ExpectedSeconds() const override { return ExpectedPlan().Seconds; }
   double Progress() const override;
   /// Points of the sweep in progress, or of the last one.
   int PointsExpected() const { return pointsExpected_; }

@@ -5,11 +5,14 @@
 #include <QDialog>
 #include <QSignalBlocker>
 #include <algorithm>
+#include <cmath>
 
 #include "core/messages.h"
+#include "core/text.h"
 #include "core/undo.h"
 #include "instruments/analyser/auto_find.h"
 #include "instruments/analyser/shown_responses_csv.h"
+#include "plot/qt_text.h"
 #include "ui/panes/analyser/analyser_axes.h"
 #include "ui/panes/analyser/margins_window.h"
 #include "ui/panes/analyser/response_cursors.h"
@@ -28,8 +31,14 @@ namespace {
 using CursorMode = FrequencyAnalyser::CursorMode;
 
 constexpr int ComfortablePlot = 400;  // pixels of width that a panel beside it leaves
-constexpr int LowRoom = 460;          // height of a workspace where plots make do with less
-constexpr int LeastHeight = 280;      // of the plots
+// To a whole number, below ten to one digit.
+double Rounded(double seconds) {
+  const double digit = std::pow(10.0, std::min(std::floor(std::log10(seconds)), 0.0));
+  return digit < 1.0 ? std::round(seconds / digit) / std::round(1.0 / digit) : std::round(seconds);
+}
+
+constexpr int LowRoom = 460;      // height of a workspace where plots make do with less
+constexpr int LeastHeight = 280;  // of the plots
 constexpr int LeastHeightInLowRoom = 230;
 
 }  // namespace
@@ -281,7 +290,22 @@ void AnalyserWindow::SettingsChanged() {
 
 void AnalyserWindow::ShowFrame() {
   ShowProgress();
+  ui_->PBPlot->SetEmptyText(EmptyText());
   if (ui_->PBPlot->Refresh() && margins_->isVisible()) ShowMargins();
+}
+
+// What to press where nothing has been measured yet.
+QString AnalyserWindow::EmptyText() const {
+  bool anything = analyser_.Measuring() || !analyser_.Input() || !analyser_.Output();
+  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+    anything = anything || analyser_.HasData(slot);
+  }
+  if (anything) return {};
+  const auto name = [](const AnalyserChannel& channel) { return QtText(channel.Name()); };
+  QString what = name(*analyser_.Output());
+  if (!analyser_.OutputOnly()) what += QStringLiteral(" over ") + name(*analyser_.Input());
+  return QStringLiteral("Run measures %1: about %2 s of simulated time")
+      .arg(what, QtText(FormatShortest(Rounded(analyser_.ExpectedSeconds()))));
 }
 
 void AnalyserWindow::Redraw() {

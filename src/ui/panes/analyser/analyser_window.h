@@ -74,6 +74,7 @@ class AnalyserWindow : public InstrumentPane {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  QString EmptyText() const;
   QMenu& MakeExports(const ZelBenchTop& bench, const char* file);
   void ConnectRun();
   void OpenSetup();

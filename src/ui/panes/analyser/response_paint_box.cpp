@@ -44,6 +44,12 @@ void ResponsePaintBox::SetMarks(const std::vector<ResponseMark>& marks) {
   update();
 }
 
+void ResponsePaintBox::SetEmptyText(const QString& text) {
+  if (accessibleDescription() == text) return;
+  setAccessibleDescription(text);
+  update();
+}
+
 void ResponsePaintBox::PaintAll() {
   const QSize pixels = BeginPicture();
   if (picture_.size() != pixels) picture_ = QPixmap(pixels);
@@ -63,6 +69,13 @@ void ResponsePaintBox::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.drawPixmap(0, 0, picture_);
   if (!painter_) return;
+  if (const QString text = accessibleDescription(); !text.isEmpty()) {
+    const int wrapped = Qt::AlignCenter | Qt::TextWordWrap;
+    const QRect place = painter.boundingRect(rect().adjusted(60, 0, -60, 0), wrapped, text);
+    painter.fillRect(place.adjusted(-6, -3, 6, 3), Colours().Plate);
+    painter.setPen(Colours().Text);
+    painter.drawText(place, wrapped, text);
+  }
   painter.scale(1.0 / Ratio(), 1.0 / Ratio());
   const ScopeColours colours = Colours();
   if (ShowsPlane()) {

@@ -39,6 +39,9 @@ class ResponsePaintBox : public PictureBox {
   /// What was read off the traces.
   void SetMarks(const std::vector<ResponseMark>& marks);
 
+  /// Stands in the middle while there is nothing to be seen.
+  void SetEmptyText(const QString& text);
+
  signals:
   void MenuAsked(const QPoint& at);
 
