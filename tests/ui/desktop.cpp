@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDeadlineTimer>
 #include <QDialog>
 #include <QDropEvent>
@@ -24,6 +25,7 @@
 #include "support/expected_lines.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/tiling.h"
+#include "ui/panes/diagram/diagram_view.h"
 #include "ui/session/user_settings.h"
 
 namespace torvane::test {
@@ -130,9 +132,12 @@ Target Desktop::At(const std::string& name) {
     const QPoint middle = widget.rect().center();
     return {widget, {marked ? std::min(8, middle.x()) : middle.x(), middle.y()}};
   }
+  const QString inside = QString::fromStdString(name).section(u'[', 1).chopped(1);
+  if (const auto* diagram = qobject_cast<DiagramView*>(Named(name.substr(0, bracket)))) {
+    return {const_cast<DiagramView&>(*diagram), diagram->PlaceOf(inside.toStdString()).center()};
+  }
   const auto& table = Find<QTableWidget>(name.substr(0, bracket));
-  const QTableWidgetItem& item =
-      Cell(table, QString::fromStdString(name).section(u'[', 1).chopped(1));
+  const QTableWidgetItem& item = Cell(table, inside);
   return {*table.viewport(), table.visualItemRect(&item).center()};
 }
 
@@ -263,6 +268,9 @@ void Desktop::DoAt(const std::string& verb, const Target& at, const QString& tex
     QTest::mouseClick(&control, Qt::LeftButton, {}, at.Place);
   } else if (verb == "double") {
     QTest::mouseDClick(&control, Qt::LeftButton, {}, at.Place);
+  } else if (verb == "menu") {
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, at.Place, control.mapToGlobal(at.Place));
+    QApplication::sendEvent(&control, &menu);
   } else if (verb == "type" || verb == "write") {
     control.setFocus();
     dynamic_cast<QLineEdit&>(control).selectAll();

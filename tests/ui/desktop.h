@@ -28,10 +28,12 @@ struct Target {
 /// It plays scripts, as they stand in tests/data/ui: lines of "gestures -> what is to be seen
 /// then", on either side parted by "; ". What is to be seen is waited for. Lines that begin with
 /// "#" are remarks, "~" is a folder of the test's own. NAME is a control's object name, WINDOW/NAME
-/// where several windows have one of that name, NAME[KVP] the value of a table's line, NAME@0.5,0.2
-/// a place in it, in shares of its size, or "focus" for the control that has it.
+/// where several windows have one of that name, NAME[KVP] the value of a table's line or a
+/// diagram's, NAME@0.5,0.2 a place in it, in shares of its size, or "focus" for the control that
+/// has it.
 ///
-///   click NAME            a button, a cell, or a command of a menu; double NAME: twice
+///   click NAME            a button, a cell, or a command of a menu; double NAME: twice; menu NAME:
+///                         with the right button
 ///   type NAME TEXT        in place of what the edit holds, with Enter; write NAME TEXT: without
 ///   keys NAME TEXT        as keys, one after the other
 ///   key NAME Ctrl+Z       one key

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include "desktop.h"
+#include "support/one_state_model.h"
 
 namespace torvane {
 namespace {
@@ -27,40 +28,39 @@ class ModelViewsTest : public test::Desktop {
   QTemporaryDir folder_;
 };
 
+/// Has files that the program has no drawing of.
+class OwnModel : public test::OneStateModel {
+ public:
+  OwnModel() : OneStateModel(0.001, 0.0, [](double, double) { return 0.0; }) {
+    SetFiles("own.bmp", "own.txt");
+  }
+};
+
 TEST_F(ModelViewsTest, ShowTheModelsPictureAndText) {
   QImage picture(40, 20, QImage::Format_RGB32);
   picture.fill(Qt::red);
-  ASSERT_TRUE(picture.save(folder_.filePath("BWTX02-01.bmp")));
-  Write("BWTX02-01.txt", "The PI+ controller \xe2\x80\xa6");
+  ASSERT_TRUE(picture.save(folder_.filePath("own.bmp")));
+  Write("own.txt", "The PI+ controller \xe2\x80\xa6");
+  Panel->MakeCurrent(std::make_unique<OwnModel>());
   Click("SBShowModelBMP");
-  QDialog& view = Find<QDialog>("ModelPictureF");
-  EXPECT_TRUE(view.isVisible());
-  EXPECT_EQ(view.windowTitle(), "Model for  \"2-1 PI+ Controller\"");
+  EXPECT_TRUE(Find<QWidget>("ModelPictureF").isVisible());
+  EXPECT_EQ(Find<QWidget>("ModelPictureF").windowTitle(), "Model for  \"One state\"");
   EXPECT_EQ(Find<QLabel>("IPicture").pixmap().size(), picture.size());
   Click("BShowModelTXT");
-  EXPECT_EQ(Find<QDialog>("ModelTextF").windowTitle(), "More about Model \"2-1 PI+ Controller\"");
+  EXPECT_EQ(Find<QDialog>("ModelTextF").windowTitle(), "More about Model \"One state\"");
   EXPECT_EQ(Find<QPlainTextEdit>("MText").toPlainText(), QString("The PI+ controller …"));
 }
 
 TEST_F(ModelViewsTest, SayWhatIsMissing) {
+  Panel->MakeCurrent(std::make_unique<OwnModel>());
   Click("SBShowModelBMP");
-  EXPECT_TRUE(Find<QLabel>("IPicture").text().contains("\"BWTX02-01.bmp\" is missing"));
+  EXPECT_TRUE(Find<QLabel>("IPicture").text().contains("\"own.bmp\" is missing"));
   EXPECT_TRUE(Find<QLabel>("IPicture").text().contains(folder_.path()));
   Click("BShowModelTXT");
-  EXPECT_TRUE(Find<QPlainTextEdit>("MText").toPlainText().contains("\"BWTX02-01.txt\" is missing"));
-  Write("BWTX02-01.bmp", "no picture at all");
-  Click("SBShowModelBMP");
+  EXPECT_TRUE(Find<QPlainTextEdit>("MText").toPlainText().contains("\"own.txt\" is missing"));
+  Write("own.bmp", "no picture at all");
+  Panel->MakeCurrent(std::make_unique<OwnModel>());
   EXPECT_TRUE(Find<QLabel>("IPicture").text().startsWith("Cannot read "));
-}
-
-TEST_F(ModelViewsTest, FollowTheModel) {
-  Click("SBShowModelBMP");
-  ChooseModel("9-1 Analog Filters");  // has no picture
-  EXPECT_FALSE(Find<QDialog>("ModelPictureF").isVisible());
-  EXPECT_FALSE(Find<QWidget>("SBShowModelBMP").isEnabled());
-  EXPECT_TRUE(Find<QWidget>("BShowModelTXT").isVisible());
-  ChooseModel("Seminar--Analog PI Controller");
-  EXPECT_TRUE(Find<QWidget>("SBShowModelBMP").isEnabled());
 }
 
 TEST(DataFolderTest, TheProgramsOwnFolderComesFirst) {

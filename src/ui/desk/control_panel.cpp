@@ -26,6 +26,7 @@
 #include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
 #include "ui/panes/analyser/analyser_window.h"
+#include "ui/panes/diagram/diagram_view.h"
 #include "ui/panes/guide_window.h"
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
@@ -72,7 +73,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
       data_(std::move(folder)),
       driver_(this),
       windows_(windows),
-      picture_(new TZelModelPictureF(this)),
+      picture_(new TZelModelPictureF(*this)),
       text_(new TZelModelTextF(this)) {
   InitIcons();
   ui_->setupUi(this);
@@ -164,10 +165,14 @@ void TZelControlPanelF::ConnectControls() {
           [this](int index) { driver_.SetPace(Paces[index].Simulated); });
   connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
   connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
-  connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, this, [this] {
-    picture_->ShowModel(QString::fromStdString(Model()->Name()),
-                        QString::fromStdString(Model()->PictureFile()), data_);
-  });
+  connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, picture_, &TZelModelPictureF::OpenWindow);
+  connect(ui_->MIDiagramPane, &QAction::triggered, picture_,
+          [this](bool on) { on ? picture_->OpenPane() : picture_->hide(); });
+  connect(picture_, &QDockWidget::visibilityChanged, ui_->MIDiagramPane,
+          [this] { ui_->MIDiagramPane->setChecked(!picture_->isHidden()); });
+  connect(&picture_->Diagram(), &DiagramView::MeterWanted, this, &TZelControlPanelF::AddMeterOf);
+  connect(&picture_->Diagram(), &DiagramView::Given, ui_->InstrumentArea,
+          [this](const Instrument& to) { ui_->InstrumentArea->SetShown(to, true); });
   connect(ui_->BShowModelTXT, &QAbstractButton::clicked, this, [this] {
     text_->ShowModel(QString::fromStdString(Model()->Name()),
                      QString::fromStdString(Model()->TextFile()), data_);
@@ -217,6 +222,7 @@ void TZelControlPanelF::RememberWindows() {
 void TZelControlPanelF::LeaveModel() {
   Stop();
   driver_.Leave();
+  picture_->SetModel(nullptr, data_);
   ui_->InstrumentArea->CloseAll();
   if (Model()) Model()->Bench().History().Attach(nullptr);
 }
@@ -242,7 +248,8 @@ void TZelControlPanelF::ShowModel() {
   ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());
   ui_->BShowModelTXT->setVisible(!model.TextFile().empty());
   model.Bench().History().Attach(this);
-  picture_->hide();
+  picture_->SetModel(&model, data_);
+  ui_->MIDiagramPane->setEnabled(picture_->HasDiagram());
   text_->hide();
   ShowModelName();
   ShowTime();
@@ -314,17 +321,27 @@ void TZelControlPanelF::RefreshTick() {
   ShowModelName();
   ShowTitle();
   Model()->Bench().RefreshInstruments();
+  picture_->Diagram().Refresh();
 }
 
 void TZelControlPanelF::ShowLook() {
   for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) {
     frame->Pane().SetLook(view_->Look());
   }
+  picture_->Diagram().SetLook(view_->Look());
 }
 
 void TZelControlPanelF::AddMeter() {
+  AddMeterOf({});
+}
+
+// Without a signal, of the first one.
+void TZelControlPanelF::AddMeterOf(const QString& signal) {
   const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
-  if (torvane::AddMeter(*Model(), "Meter from Main Menu " + now.toStdString())) ShowNewMeters();
+  ZelMeter* meter = torvane::AddMeter(*Model(), "Meter from Main Menu " + now.toStdString());
+  if (!meter) return;
+  if (!signal.isEmpty()) meter->SetVariable(signal.toStdString());
+  ShowNewMeters();
 }
 
 void TZelControlPanelF::ShowNewMeters() {

@@ -79,6 +79,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void LeaveModel();
   void ShowModel();
   void AddMeter();
+  void AddMeterOf(const QString& signal);
   void ShowNewMeters();
   void WatchMeter(InstrumentPane& pane);
   void ShowLoaded();

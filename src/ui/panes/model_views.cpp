@@ -3,16 +3,24 @@
 #include <QFile>
 #include <QFontDatabase>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QScreen>
+#include <QScrollArea>
+#include <QStackedWidget>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include "core/model.h"
+#include "plot/qt_text.h"
+#include "ui/panes/diagram/diagram_view.h"
 
 namespace torvane {
 
 namespace {
 
-constexpr QSize PictureWindow(900, 560);
+constexpr int FrameWidth = 4;    // around a diagram in a window of its own, pixels
+constexpr int TitleHeight = 24;  // above it
 constexpr QSize TextWindow(680, 560);
 constexpr QSize SmallestPicture(240, 160);
 
@@ -24,28 +32,66 @@ void ShowAbove(QDialog& window) {
 
 }  // namespace
 
-TZelModelPictureF::TZelModelPictureF(QWidget* parent)
-    : QDialog(parent, Qt::Tool), picture_(new QLabel(this)) {
+TZelModelPictureF::TZelModelPictureF(QMainWindow& window)
+    : QDockWidget(&window),
+      window_(window),
+      pages_(new QStackedWidget(this)),
+      diagram_(new DiagramView(this)),
+      picture_(new QLabel(this)) {
   setObjectName(QStringLiteral("ModelPictureF"));
   picture_->setObjectName(QStringLiteral("IPicture"));
   picture_->setAccessibleName(QStringLiteral("Block diagram of the model"));
   picture_->setAlignment(Qt::AlignCenter);
   picture_->setMinimumSize(SmallestPicture);
   picture_->setWordWrap(true);
-  auto* column = new QVBoxLayout(this);
-  column->addWidget(picture_);
-  resize(PictureWindow.boundedTo(screen()->availableSize() * 0.9));
+  auto* scrolled = new QScrollArea(this);
+  scrolled->setFrameShape(QFrame::NoFrame);
+  scrolled->setFocusPolicy(Qt::NoFocus);
+  scrolled->setWidgetResizable(true);
+  scrolled->setWidget(diagram_);
+  scrolled->setMinimumSize(SmallestPicture);
+  pages_->addWidget(scrolled);
+  pages_->addWidget(picture_);
+  setWidget(pages_);
+  window.addDockWidget(Qt::BottomDockWidgetArea, this);
+  connect(this, &QDockWidget::topLevelChanged, diagram_, &DiagramView::SetWhole);
+  hide();
+  setFloating(true);
 }
 
-void TZelModelPictureF::ShowModel(const QString& modelName, const QString& file,
-                                  const DataFolder& folder) {
-  setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(modelName));
+void TZelModelPictureF::SetModel(ZelModel* model, const DataFolder& folder) {
+  const bool live = diagram_->SetModel(model);
+  hasDiagram_ = live || (model && !model->PictureFile().empty());
+  pages_->setCurrentIndex(live ? 0 : 1);
+  if (isFloating() || (model && !hasDiagram_)) hide();
+  if (!model) return;
+  setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(QtText(model->Name())));
+  if (hasDiagram_ && !live) ShowPicture(QtText(model->PictureFile()), folder);
+}
+
+void TZelModelPictureF::OpenWindow() {
+  if (!isVisible()) {
+    setFloating(true);
+    const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
+    resize((diagram_->sizeHint() + frame).boundedTo(screen()->availableSize() * 0.9));
+  }
+  show();
+  raise();
+  activateWindow();
+}
+
+void TZelModelPictureF::OpenPane() {
+  setFloating(false);
+  show();
+  window_.resizeDocks({this}, {window_.height() * 2 / 5}, Qt::Vertical);
+}
+
+void TZelModelPictureF::ShowPicture(const QString& file, const DataFolder& folder) {
   const QString path = folder.Find(file);
   original_ = path.isEmpty() ? QPixmap() : QPixmap(path);
   picture_->setText(path.isEmpty() ? folder.MissingText(file)
                                    : QStringLiteral("Cannot read \"%1\".").arg(path));
   Fit();
-  ShowAbove(*this);
 }
 
 void TZelModelPictureF::Fit() {
@@ -61,8 +107,13 @@ void TZelModelPictureF::Fit() {
 }
 
 void TZelModelPictureF::resizeEvent(QResizeEvent* event) {
-  QDialog::resizeEvent(event);
+  QDockWidget::resizeEvent(event);
   Fit();
+}
+
+void TZelModelPictureF::showEvent(QShowEvent* event) {
+  QDockWidget::showEvent(event);
+  diagram_->Refresh();
 }
 
 TZelModelTextF::TZelModelTextF(QWidget* parent)

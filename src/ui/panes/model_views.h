@@ -1,30 +1,50 @@
 #pragma once
 
 #include <QDialog>
+#include <QDockWidget>
 #include <QPixmap>
 
 #include "ui/session/data_folder.h"
 
 class QLabel;
+class QMainWindow;
 class QPlainTextEdit;
+class QStackedWidget;
 
 namespace torvane {
 
-/// Shows a model's block diagram, as large as the window and its own size allow. Says so when the
-/// picture file is missing.
-class TZelModelPictureF : public QDialog {
+class DiagramView;
+class ZelModel;
+
+/// Shows a model's block diagram, live where the program has its drawing, else as the picture file
+/// is, or says that it is missing. Opens as a window of its own, or as a pane that is docked.
+class TZelModelPictureF : public QDockWidget {
  public:
-  explicit TZelModelPictureF(QWidget* parent);
-  void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
+  explicit TZelModelPictureF(QMainWindow& window);
+
+  /// The model whose diagram is shown from now on; without one there is none. The window is hidden
+  /// when the model changes, a docked pane goes on with the next that has a diagram.
+  void SetModel(ZelModel* model, const DataFolder& folder);
+  bool HasDiagram() const { return hasDiagram_; }
+  DiagramView& Diagram() { return *diagram_; }
+
+  void OpenWindow();
+  void OpenPane();
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void ShowPicture(const QString& file, const DataFolder& folder);
   void Fit();
 
+  QMainWindow& window_;
+  QStackedWidget* pages_;
+  DiagramView* diagram_;
   QLabel* picture_;
   QPixmap original_;
+  bool hasDiagram_ = false;
 };
 
 /// Shows a model's description. Says so when the text file is missing.

@@ -377,6 +377,10 @@ constexpr Entry Entries[] = {
     {"CBUseDB", "Shows that response in decibels."},
     // The model.
     {"IPicture", "The block diagram of the model."},
+    {"IDiagram",
+     "The block diagram of the model, with present values. A click on a signal shows or hides its "
+     "trace, a right click gives it to an analyser or a meter; a click on a constant edits it. "
+     "With the keyboard: arrows, Enter and the menu key."},
     {"MText", "The description of the model."},
 };
 
