@@ -471,8 +471,9 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
-  if (unasked_ || files_->KeepForNextStart(placed) || session_.MayDiscard("close")) {
+  if (unasked_ || session_.MayDiscard("close")) {
+    const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
+    if (!unasked_) files_->KeepForNextStart(placed);
     Stop();
     RememberWindows();
     if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());

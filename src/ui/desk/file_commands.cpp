@@ -77,8 +77,8 @@ void FileCommands::Start(const QString& file, bool withConfiguration) {
   }
 }
 
-bool FileCommands::KeepForNextStart(bool placed) {
-  return comesBack_ && last_session::IsOn() && last_session::Keep(session_, placed);
+void FileCommands::KeepForNextStart(bool placed) {
+  if (comesBack_ && last_session::IsOn()) last_session::Keep(session_, placed);
 }
 
 bool FileCommands::OfferRecovery() {

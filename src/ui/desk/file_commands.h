@@ -28,9 +28,8 @@ class FileCommands : public QObject {
   /// in the program's folder or the user's configuration folder.
   /// Where there is neither, the last session comes back unless the user has turned that off.
   void Start(const QString& file, bool withConfiguration);
-  /// Before the program ends: keeps the session where the next start brings it back. False where it
-  /// does not, so that what is unsaved would be lost.
-  bool KeepForNextStart(bool placed);
+  /// Before the program ends: keeps the session for the next start to bring back, if it does so.
+  void KeepForNextStart(bool placed);
 
   /// Asks for a file and loads it.
   void Load();

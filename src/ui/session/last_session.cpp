@@ -33,20 +33,19 @@ void SetOn(bool on) {
   if (!on) QFile::remove(Path());
 }
 
-bool Keep(const Session& session, bool placed) {
+void Keep(const Session& session, bool placed) {
   const std::string text = ModelFileText(*session.Model());
   QSaveFile file(Path());
   const auto size = static_cast<qint64>(text.size());
   if (!QDir().mkpath(StateFolder()) || !file.open(QIODevice::WriteOnly) ||
       file.write(text.data(), size) != size || !file.commit()) {
     Error("Cannot keep the session for the next start in " + Path().toStdString());
-    return false;
+    return;
   }
   QSettings settings = UserSettings();
   settings.setValue(FileKey, session.File());
   settings.setValue(ChangedKey, session.Changed());
   settings.setValue(PlacedKey, placed);
-  return true;
 }
 
 void Bring(Session& session) {
