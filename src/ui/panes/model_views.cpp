@@ -14,6 +14,7 @@
 #include "core/model.h"
 #include "plot/qt_text.h"
 #include "ui/panes/diagram/diagram_view.h"
+#include "ui/widgets/window_place.h"
 
 namespace torvane {
 
@@ -74,6 +75,7 @@ void TZelModelPictureF::OpenWindow() {
     setFloating(true);
     const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
     resize((diagram_->sizeHint() + frame).boundedTo(screen()->availableSize() * 0.9));
+    move(OnDisplay(window_.geometry().bottomLeft(), *this));
   }
   show();
   raise();
