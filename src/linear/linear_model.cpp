@@ -15,6 +15,23 @@ using Eigen::MatrixXd;
 using Eigen::VectorXcd;
 using Eigen::VectorXd;
 
+using ComplexRows = Eigen::Matrix<double, Eigen::Dynamic, 2>;
+
+// The numbers through which the command shows, whichever step leads on.
+std::vector<Index> CarriedNumbers(const std::vector<LinearModel::StepMap>& steps,
+                                  const MatrixXd& shown) {
+  const Index n = shown.cols();
+  LinearSystem ways{MatrixXd::Zero(n, n), VectorXd::Zero(n), shown.cwiseAbs(), {}, 0.0};
+  for (const auto& map : steps) {
+    ways.A += map.A.cwiseAbs();
+    ways.B += map.B.cwiseAbs();
+  }
+  ways.C = ways.C * ways.A;
+  std::vector<Index> all(static_cast<std::size_t>(shown.rows()));
+  std::iota(all.begin(), all.end(), 0);
+  return ways.Between(all);
+}
+
 // Over the whole period with the command held, and what shows after its first step.
 LinearSystem OverPeriod(const std::vector<LinearModel::StepMap>& steps, const MatrixXd& shown,
                         double step) {
@@ -31,16 +48,19 @@ LinearSystem OverPeriod(const std::vector<LinearModel::StepMap>& steps, const Ma
 
 }  // namespace
 
-LinearModel::LinearModel(std::vector<std::string> signals, LinearSystem system)
-    : signals_(std::move(signals)), system_(std::move(system)) {}
+LinearModel::LinearModel(std::vector<std::string> names, LinearSystem system)
+    : signals_(std::move(names)), system_(std::move(system)) {}
 
-LinearModel::LinearModel(std::vector<std::string> signals, std::vector<StepMap> steps,
-                         MatrixXd shown, double step)
-    : signals_(std::move(signals)),
-      system_(OverPeriod(steps, shown, step)),
-      steps_(std::move(steps)),
-      shown_(std::move(shown)),
-      step_(step) {}
+LinearModel::LinearModel(std::vector<std::string> names, const std::vector<StepMap>& steps,
+                         const MatrixXd& shown, double step)
+    : signals_(std::move(names)), system_(OverPeriod(steps, shown, step)), step_(step) {
+  const std::vector<Index> carried = CarriedNumbers(steps, shown);
+  for (const StepMap& map : steps) {
+    steps_.push_back({map.A(carried, carried), map.B(carried), shown * map.A(Eigen::all, carried),
+                      shown * map.B});
+  }
+  period_ = system_.A(carried, carried);
+}
 
 std::optional<Index> LinearModel::Find(const std::string& signal) const {
   const auto found = std::find(signals_.begin(), signals_.end(), signal);
@@ -62,29 +82,43 @@ bool LinearModel::Stable() const {
 
 // With the command e^(j w t) what is carried repeats from period to period but for its turn
 // e^(j w T). A step takes the command of the time at which it begins, and shows what it has carried
-// at its end.
-VectorXcd LinearModel::ToSine(double hz) const {
-  if (!Sampled()) return system_.ResponseAt(hz);
+// at its end. A complex number is a row of two here, so that all products are of real numbers.
+VectorXcd LinearModel::ToSine(double hz, const std::vector<Index>& of) const {
+  if (!Sampled()) return system_.ResponseAt(hz)(of);
   using Complex = std::complex<double>;
   const Complex turn = std::exp(Complex(0.0, (2.0 * std::numbers::pi) * hz * step_));
-  const Index n = shown_.cols();
-  VectorXcd forced = VectorXcd::Zero(n);
+  const Index n = steps_.front().A.rows();
+  ComplexRows carried = ComplexRows::Zero(n, 2);
+  ComplexRows next(n, 2);
+  const auto go = [&](const ShownStep& map, const Complex& command) {
+    next.noalias() = map.A.lazyProduct(carried);
+    next.col(0) += command.real() * map.B;
+    next.col(1) += command.imag() * map.B;
+    carried.swap(next);
+  };
   Complex command = 1.0;
-  for (const StepMap& map : steps_) {
-    forced = (map.A * forced + map.B * command).eval();
+  for (const ShownStep& map : steps_) {
+    go(map, command);
     command *= turn;
   }
-  const Eigen::MatrixXcd pencil =
-      command * Eigen::MatrixXcd::Identity(n, n) - system_.A.cast<Complex>();
-  VectorXcd carried = pencil.partialPivLu().solve(forced);
-  VectorXcd sum = VectorXcd::Zero(n);
+  const Eigen::MatrixXcd pencil = command * Eigen::MatrixXcd::Identity(n, n) - period_;
+  const VectorXcd forced = carried.col(0) + Complex(0.0, 1.0) * carried.col(1);
+  const VectorXcd begin = pencil.partialPivLu().solve(forced);
+  carried << begin.real(), begin.imag();
+  VectorXcd sum = VectorXcd::Zero(static_cast<Index>(of.size()));
   command = 1.0;
-  for (const StepMap& map : steps_) {
-    carried = (map.A * carried + map.B * command).eval();
-    command *= turn;
-    sum += carried / command;
+  for (const ShownStep& map : steps_) {
+    const Complex after = command * turn;
+    for (Index i = 0; i < sum.size(); ++i) {
+      const Index signal = of[static_cast<std::size_t>(i)];
+      const Complex shown(map.C.row(signal).dot(carried.col(0)),
+                          map.C.row(signal).dot(carried.col(1)));
+      sum[i] += (shown + map.D[signal] * command) / after;
+    }
+    go(map, command);
+    command = after;
   }
-  return shown_ * sum / static_cast<double>(steps_.size());
+  return sum / static_cast<double>(steps_.size());
 }
 
 }  // namespace torvane

@@ -23,11 +23,11 @@ class LinearModel {
   };
 
   /// Continuous.
-  LinearModel(std::vector<std::string> signals, LinearSystem system);
+  LinearModel(std::vector<std::string> names, LinearSystem system);
   /// Sampled: the maps of all steps of a period, the first of them the one that samples; `shown`
   /// gives what instruments show of what a step carries.
-  LinearModel(std::vector<std::string> signals, std::vector<StepMap> steps, Eigen::MatrixXd shown,
-              double step);
+  LinearModel(std::vector<std::string> names, const std::vector<StepMap>& steps,
+              const Eigen::MatrixXd& shown, double step);
 
   /// Outputs of the system, in its order.
   const std::vector<std::string>& Signals() const { return signals_; }
@@ -35,13 +35,15 @@ class LinearModel {
   std::optional<Eigen::Index> Find(const std::string& signal) const;
 
   bool Sampled() const { return system_.Ts > 0.0; }
+  /// Of the solver, seconds; of a sampled loop.
+  double Step() const { return step_; }
   /// Of a sampled loop: the command is held from sample to sample, and signals are read in the step
   /// after a sample.
   const LinearSystem& System() const { return system_; }
 
-  /// Every signal's response to a sine in the command. That of a sampled loop is taken over all
-  /// steps of a period, as a sweep that samples every step takes it.
-  Eigen::VectorXcd ToSine(double hz) const;
+  /// The responses of those signals to a sine in the command. That of a sampled loop is taken over
+  /// all steps of a period, as a sweep that samples every step takes it.
+  Eigen::VectorXcd ToSine(double hz, const std::vector<Eigen::Index>& of) const;
 
   /// The poles of everything that the command moves and signals show.
   std::vector<Root> Poles() const;
@@ -52,10 +54,18 @@ class LinearModel {
   std::vector<std::string> Notes;
 
  private:
+  /// A step of the numbers alone that a later one depends on, and what shows at its end.
+  struct ShownStep {
+    Eigen::MatrixXd A;
+    Eigen::VectorXd B;
+    Eigen::MatrixXd C;
+    Eigen::VectorXd D;
+  };
+
   std::vector<std::string> signals_;
   LinearSystem system_;
-  std::vector<StepMap> steps_;
-  Eigen::MatrixXd shown_;
+  std::vector<ShownStep> steps_;
+  Eigen::MatrixXd period_;  ///< of what they carry
   double step_ = 0.0;
 };
 

@@ -166,12 +166,14 @@ VectorXcd LinearSystem::ResponseAt(double hz) const {
   return C.cast<std::complex<double>>() * states + D.cast<std::complex<double>>();
 }
 
+std::vector<Index> LinearSystem::Between(const std::vector<Index>& outputs) const {
+  const VectorXd rows = C(outputs, Eigen::all).cwiseAbs().colwise().sum().transpose();
+  return Both(Spread(A, NonZero(B)), Spread(A.transpose(), NonZero(rows)));
+}
+
 LinearSystem LinearSystem::Reduced(const std::vector<Index>& outputs) const {
-  const MatrixXd rows = C(outputs, Eigen::all);
-  const auto reached = Spread(A, NonZero(B));
-  const auto shown = Spread(A.transpose(), NonZero(rows.cwiseAbs().colwise().sum().transpose()));
-  const std::vector<Index> kept = Both(reached, shown);
-  return {A(kept, kept), B(kept), rows(Eigen::all, kept), D(outputs), Ts};
+  const std::vector<Index> kept = Between(outputs);
+  return {A(kept, kept), B(kept), C(outputs, kept), D(outputs), Ts};
 }
 
 std::optional<LinearSystem> LinearSystem::Seen(Index from) const {

@@ -25,8 +25,9 @@ struct LinearSystem {
   /// All outputs to e^(j 2 pi hz t), which a sampled system sees held from sample to sample.
   Eigen::VectorXcd ResponseAt(double hz) const;
 
-  /// Only the given outputs, and of the states only those that the input reaches and that show in
-  /// an output.
+  /// The states that the input reaches and that show in one of the outputs.
+  std::vector<Eigen::Index> Between(const std::vector<Eigen::Index>& outputs) const;
+  /// Only the given outputs, and only those states.
   LinearSystem Reduced(const std::vector<Eigen::Index>& outputs) const;
 
   /// What leads from output `from` to the others: the system with that output for its input. The

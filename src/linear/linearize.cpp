@@ -229,7 +229,7 @@ class Linearization {
       probe_.Go(1);
       mark_ = probe_.Here();
     }
-    return {names_, std::move(maps), Shown(), probe_.Step()};
+    return {names_, maps, Shown(), probe_.Step()};
   }
 
   LinearModel::StepMap MapOfStep(const std::vector<Slope>& found) {

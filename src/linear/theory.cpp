@@ -63,6 +63,13 @@ ResponseCurve About(const TheoryPair& pair, double hz) {
 
 }  // namespace
 
+ReadSignals SampledBy(const LinearModel& model, double sampleTime) {
+  constexpr double Rounding = 1e-9;
+  const double ts = model.System().Ts;
+  const bool together = model.Sampled() && std::abs(sampleTime - ts) <= Rounding * ts;
+  return together ? ReadSignals::AtItsSamples : ReadSignals::EveryStep;
+}
+
 TheoryPair::TheoryPair(const LinearModel& model, const std::string& input,
                        const std::string& output)
     : model_(model),
@@ -75,8 +82,8 @@ ResponseCurve TheoryPair::At(std::span<const double> hz, ReadSignals read) const
   ResponseCurve curve;
   for (const double f : hz) {
     if (read == ReadSignals::EveryStep) {
-      const Eigen::VectorXcd all = model_.ToSine(f);
-      curve.push_back(PointOf(f, all[output_] / all[input_]));
+      const Eigen::VectorXcd pair = model_.ToSine(f, {input_, output_});
+      curve.push_back(PointOf(f, pair[1] / pair[0]));
     } else {
       const Eigen::VectorXcd pair = both_.ResponseAt(f);
       curve.push_back(PointOf(f, pair[1] / pair[0]));

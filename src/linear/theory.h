@@ -20,6 +20,10 @@ enum class ReadSignals {
   AtItsSamples  ///< once a sample of the loop, whose command is held as long
 };
 
+/// How an analyser reads signals whose samples are so many seconds apart: with the loop, when that
+/// is the loop's sample time too.
+ReadSignals SampledBy(const LinearModel& model, double sampleTime);
+
 /// A pair of signals in a linear model. A signal that the model does not have, or that nothing in
 /// its command reaches, is a LinearFault.
 class TheoryPair {

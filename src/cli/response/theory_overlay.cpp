@@ -20,9 +20,8 @@ void LayTheory(FrequencyAnalyser& analyser, const ResponseOptions& options, doub
     const LinearModel linear = Linearize(*model);
     for (const std::string& note : linear.Notes) Note(note);
     const TheoryPair pair(linear, analyser.Input()->Name(), analyser.Output()->Name());
-    const bool together = linear.Sampled() && tSample == linear.System().Ts;
-    const auto read = together ? ReadSignals::AtItsSamples : ReadSignals::EveryStep;
-    analyser.LoadMemory(OverlaySlot, pair.At(pair.Frequencies(from, to, PerDecade), read),
+    analyser.LoadMemory(OverlaySlot,
+                        pair.At(pair.Frequencies(from, to, PerDecade), SampledBy(linear, tSample)),
                         "Theory");
   } catch (const LinearFault& fault) {
     throw StoppedError(fault.what());

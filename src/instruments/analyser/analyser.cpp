@@ -46,6 +46,7 @@ bool FrequencyAnalyser::Choose(AnalyserChannel*& chosen, const std::string& name
       [&] {
         chosen = channel;
         phaseAdd_ = 0.0;
+        DropTheory();
         MakeResponses();
       },
       [&] { return SettingCaption(what, name); });
@@ -84,6 +85,7 @@ bool FrequencyAnalyser::SelectSetup(int index) {
         input_ = FindChannel(setup.Input);
         output_ = FindChannel(setup.Output);
         phaseAdd_ = setup.PhaseAdd;
+        DropTheory();
         MakeResponses();
       },
       [&] { return SettingCaption("Channels", setup.Name); });

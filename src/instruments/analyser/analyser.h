@@ -11,6 +11,7 @@
 #include "core/instrument.h"
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/analyser/model_loop.h"
+#include "instruments/analyser/pair_theory.h"
 #include "instruments/analyser/response_axes.h"
 #include "instruments/analyser/response_slot.h"
 #include "instruments/analyser/setup_finding.h"
@@ -33,6 +34,10 @@ struct AnalyserSetup {
 class FrequencyAnalyser : public Instrument, public ResponseAxes {
  public:
   static constexpr int SlotCount = AnalyserChannel::SlotCount;
+  /// Behind those of measurements: what theory says of the chosen pair.
+  static constexpr int TheorySlot = SlotCount;
+  /// "Current", "Memory 1", "Theory".
+  static std::string SlotName(int slot);
   using ResponseAxes::SetView;
   using ResponseAxes::View;
   static constexpr int MaxSetups = 10;
@@ -88,6 +93,15 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// The lower plot shows group delay instead of phase.
   bool ShowsDelay() const { return View().GroupDelay && !OutputOnly(); }
 
+  /// What theory says of the chosen pair, from whoever knows the model's equations; it is no
+  /// setting. With another pair there is none until the next is set.
+  void SetTheory(PairTheory theory);
+  bool ShowsTheory() const { return View().Theory && !OutputOnly(); }
+  /// It has been set for the chosen pair, be it that there is none.
+  bool TheoryKnown() const { return HasData(TheorySlot) || !theoryFault_.empty(); }
+  /// Why there is none.
+  const std::string& TheoryFault() const { return theoryFault_; }
+
   /// What is shown of a slot at any frequency, Hz; nothing where it has no such value.
   std::optional<double> Read(ResponseQuantity quantity, int slot, double hz) const;
   std::optional<double> GainRead(int slot, double hz) const {
@@ -125,6 +139,9 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   void SetAverages(int count);
   static bool CanAverage(int count) { return count >= 1 && count <= MaxAverages; }
   static SetupFinding AveragesRefusal();
+
+  /// Between the samples of a measurement, seconds.
+  virtual double SampleTime() const = 0;
 
   /// The highest frequency at which the sample time in force measures gain and phase closely, Hz.
   virtual double AccurateUpTo() const = 0;
@@ -238,6 +255,9 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   double ValueOf(double ResponsePoint::*value, int slot, int index) const;
   double Interpolated(double ResponsePoint::*value, int slot, double index) const;
   bool Choose(AnalyserChannel*& chosen, const std::string& name, const char* what);
+  void DropTheory();
+  /// An unwrapped phase begins in the turn in which the measurement does.
+  void TurnTheory();
   /// What is drawn has changed.
   void MarkStale() { needsRedraw_ = true; }
   bool LoadChoice(const Record& record);
@@ -248,7 +268,8 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   double phaseAdd_ = 0.0;
   std::vector<AnalyserSetup> setups_;
   std::function<ModelLoop()> loop_;
-  std::array<ResponseSlot, SlotCount> slots_;
+  std::array<ResponseSlot, SlotCount + 1> slots_;
+  std::string theoryFault_;
   int averages_ = 1;
   bool visible_;
   bool needsRedraw_ = false;

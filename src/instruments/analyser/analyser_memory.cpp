@@ -44,7 +44,13 @@ bool FrequencyAnalyser::CopyFrom(const FrequencyAnalyser& other, int slot,
   return true;
 }
 
+std::string FrequencyAnalyser::SlotName(int slot) {
+  if (slot == TheorySlot) return "Theory";
+  return slot == 0 ? "Current" : "Memory " + std::to_string(slot);
+}
+
 FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
+  if (slot == TheorySlot) return {ShowsTheory(), ShowsTheory()};
   const ResponseSlot& trace = SlotAt(slot);
   if (trace.Dropped && slot > 0) return {};
   return {trace.Enabled, trace.Shown};
@@ -52,7 +58,8 @@ FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
 
 bool FrequencyAnalyser::HasData(int slot) const {
   const ResponseSlot& trace = SlotAt(slot);
-  return !trace.Held.Empty() && !trace.Dropped && (slot == 0 || trace.Enabled);
+  return !trace.Held.Empty() && !trace.Dropped &&
+         (slot == 0 || slot == TheorySlot || trace.Enabled);
 }
 
 void FrequencyAnalyser::MakeResponse(int slot) {
@@ -64,7 +71,7 @@ void FrequencyAnalyser::MakeResponse(int slot) {
 }
 
 void FrequencyAnalyser::MakeResponses() {
-  for (int slot = 0; slot < SlotCount; ++slot) MakeResponse(slot);
+  for (int slot = 0; slot <= TheorySlot; ++slot) MakeResponse(slot);
 }
 
 Response FrequencyAnalyser::Measured(int slot) const {
@@ -115,14 +122,15 @@ void FrequencyAnalyser::TakeUpMeasurements(const BinSpacing& bins) {
 
 std::vector<std::string> FrequencyAnalyser::ShownDoubts() const {
   std::vector<std::string> doubts;
-  for (int slot = 0; slot < SlotCount; ++slot) {
+  for (int slot = 0; slot <= TheorySlot; ++slot) {
     if (!TraceAt(slot).Shown || !HasData(slot)) continue;
-    const std::string name = slot == 0 ? "Current: " : "Memory " + std::to_string(slot) + ": ";
+    const std::string name = SlotName(slot) + ": ";
     for (const std::string& doubt : ResponseAt(slot).Doubts()) {
       doubts.push_back(name);
       doubts.back() += doubt;
     }
   }
+  if (ShowsTheory() && !theoryFault_.empty()) doubts.push_back("No theory: " + theoryFault_ + ".");
   return doubts;
 }
 

@@ -48,6 +48,7 @@ void FrequencyAnalyser::SaveState(RecordWriter& writer) const {
 void FrequencyAnalyser::LoadState(const Record& record) {
   if (record.Keyword() == "PhaseAdd") {
     phaseAdd_ = ParseNumber(record.Field(AnalyserEntries - 1)).value_or(0.0);
+    DropTheory();
     MakeResponses();
     return;
   }
@@ -62,7 +63,7 @@ void FrequencyAnalyser::LoadState(const Record& record) {
 
 void FrequencyAnalyser::SaveMore(RecordWriter& writer) const {
   SaveLook(writer);
-  for (std::size_t i = 0; i < slots_.size(); ++i) {
+  for (std::size_t i = 0; i < SlotCount; ++i) {
     writer.Write(ShownKeyword(i), {std::to_string(slots_[i].Shown)});
   }
 }

@@ -92,4 +92,8 @@ Response Response::Seen(const ResponseView& view) const {
   return seen;
 }
 
+void Response::TurnBy(double turns) {
+  for (ResponsePoint& point : points_) point.Phase += turns * Turn;
+}
+
 }  // namespace torvane

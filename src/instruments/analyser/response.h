@@ -84,6 +84,9 @@ class Response {
   /// What a view shows of it: of the open loop, unwrapped, with its group delay.
   Response Seen(const ResponseView& view) const;
 
+  /// Adds so many turns to its phases.
+  void TurnBy(double turns);
+
  private:
   std::span<ResponsePoint> Curve();
 

@@ -30,6 +30,7 @@ constexpr std::array ViewSwitches{
     ViewSwitch{"OpenLoop", &ResponseView::OpenLoop},
     ViewSwitch{"Unwrapped", &ResponseView::Unwrapped},
     ViewSwitch{"GroupDelay", &ResponseView::GroupDelay},
+    ViewSwitch{"Theory", &ResponseView::Theory},
 };
 struct WindowNumber {
   const char* Keyword;

@@ -16,6 +16,7 @@ struct ResponseView {
   bool OpenLoop = false;    ///< G / (1 - G) of each response G
   bool Unwrapped = false;   ///< phases go on beyond a turn
   bool GroupDelay = false;  ///< below the gain, instead of the phase
+  bool Theory = false;      ///< what theory says of the pair lies behind the traces
   /// What margins are read off as; of a response that is opened, those of the open loop.
   ReadAs MarginsAs = ReadAs::Auto;
 

@@ -13,7 +13,7 @@ namespace {
 
 std::vector<int> ShownSlots(const FrequencyAnalyser& analyser) {
   std::vector<int> slots;
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+  for (int slot = 0; slot <= FrequencyAnalyser::TheorySlot; ++slot) {
     if (analyser.TraceAt(slot).Shown && analyser.HasData(slot)) slots.push_back(slot);
   }
   return slots;
@@ -31,7 +31,7 @@ std::string ShownResponsesCsv(const FrequencyAnalyser& analyser) {
   std::vector<std::string> line{"Frequency", "Gain", "Phase"};
   if (coherence) line.emplace_back("Coherence");
   for (std::size_t i = 1; i < slots.size(); ++i) {
-    const std::string name = "Memory " + std::to_string(slots[i]);
+    const std::string name = FrequencyAnalyser::SlotName(slots[i]);
     line.insert(line.end(), {name + " Gain", name + " Phase"});
   }
   std::string text;

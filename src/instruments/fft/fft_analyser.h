@@ -106,6 +106,7 @@ class ZelXfer final : public FrequencyAnalyser {
   /// An eighth of the sample rate: the excitation is held from sample to sample, and its images
   /// come into the samples; up to there they cost 0.2 dB.
   double AccurateUpTo() const override { return 0.125 / tSample_; }
+  double SampleTime() const override { return tSample_; }
   std::vector<std::string> Warnings() const override;
   void FinishLoading(const std::function<void(int line)>& atLine) override;
 

@@ -90,6 +90,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
 
   /// A hundredth of the tick rate.
   double AccurateUpTo() const override { return 0.01 / tSample_; }
+  double SampleTime() const override { return tSample_; }
 
   /// Hiding the window also takes all traces off the plot.
   void SetVisible(bool visible) override;

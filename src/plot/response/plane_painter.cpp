@@ -64,7 +64,7 @@ void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook&
       legend_.Layout(size, ratio_, textFont_, look_) + words.height() + numbers.height() + 2 * gap;
   plate_ = {left, top, std::max(SmallestPlate, size.width() - left - Scaled(2.0 * PlotMargin)),
             std::max(SmallestPlate, size.height() - bottom - top)};
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+  for (const int slot : PaintOrder) {
     points_[static_cast<std::size_t>(slot)] = ReadPoints(slot);
   }
   LayOutAxes();
@@ -147,8 +147,7 @@ void PlanePainter::Paint(QPainter& painter, const ScopeColours& colours) const {
   } else {
     PaintContours(painter, colours);
   }
-  // The current measurement lies on top.
-  for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
+  for (const int slot : PaintOrder) {
     if (ResponseLegend::IsDrawn(analyser_, slot)) PaintTrace(painter, colours, slot);
   }
   PaintCriticalPoints(painter, colours);
@@ -344,10 +343,11 @@ void PlanePainter::PaintTrace(QPainter& painter, const ScopeColours& colours, in
     for (QPolygonF& part : ClippedLine(line, near)) clipped.push_back(std::move(part));
   }
   const TracePen pen = ResponsePen(colours, look_, slot);
-  CurvePainter(painter, plate_, pen, ResponseWidth, ratio_, ResponseLegend::DrawnCount(analyser_))
+  CurvePainter(painter, plate_, pen, ResponseWidth(slot), ratio_,
+               ResponseLegend::DrawnCount(analyser_))
       .PaintLines(clipped);
-  if (slot == 0) return;
-  painter.setPen(QPen(pen.Colour, ResponseWidth * ratio_));
+  if (slot == 0 || slot == FrequencyAnalyser::TheorySlot) return;
+  painter.setPen(QPen(pen.Colour, ResponseWidth(slot) * ratio_));
   for (const QPointF& at : marks) PaintMemoryMark(painter, colours.Plate, slot, at, ratio_);
 }
 

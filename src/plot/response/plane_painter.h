@@ -84,7 +84,7 @@ class PlanePainter {
   const FrequencyAnalyser& analyser_;
   ResponseLegend legend_;
   TraceLook look_;
-  std::array<std::vector<Point>, FrequencyAnalyser::SlotCount> points_;
+  std::array<std::vector<Point>, PaintOrder.size()> points_;
   double ratio_ = 1.0;
   QSize size_;
   QRect plate_;

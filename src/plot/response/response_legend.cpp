@@ -18,7 +18,8 @@ std::string ScaleText(const char* unit, double perDivision, double offset) {
 }  // namespace
 
 TracePen ResponsePen(const ScopeColours& colours, const TraceLook& look, int slot) {
-  return {colours.Trace(slot), look.Patterns ? TracePattern(slot) : QVector<double>()};
+  const bool solid = slot == FrequencyAnalyser::TheorySlot || !look.Patterns;
+  return {colours.Trace(slot), solid ? QVector<double>() : TracePattern(slot)};
 }
 
 void PaintMemoryMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at,
@@ -47,7 +48,7 @@ void PaintMemoryMark(QPainter& painter, const QColor& fill, int slot, const QPoi
 
 int ResponseLegend::DrawnCount(const FrequencyAnalyser& analyser) {
   int count = 0;
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+  for (const int slot : PaintOrder) {
     if (IsDrawn(analyser, slot)) ++count;
   }
   return count;
@@ -59,8 +60,9 @@ bool ResponseLegend::Unavailable(int slot) const {
 }
 
 std::string ResponseLegend::TraceText(int slot) const {
-  const std::string name = slot == 0 ? "Current" : "Memory " + std::to_string(slot);
+  const std::string name = FrequencyAnalyser::SlotName(slot);
   if (Unavailable(slot)) return name + ": Unavailable";
+  if (slot == FrequencyAnalyser::TheorySlot) return name;
   const Response& response = analyser_.ResponseAt(slot);
   const std::string from = response.Name().empty() ? name : name + " " + response.Name();
   const char* const trust = response.Doubts().empty() ? "" : ", doubtful";
@@ -101,7 +103,7 @@ void ResponseLegend::MakeEntries() {
                   " Hz");
   entries_.clear();
   for (std::string& text : texts) entries_.push_back({-1, std::move(text), {}});
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+  for (int slot = 0; slot <= FrequencyAnalyser::TheorySlot; ++slot) {
     if (IsDrawn(analyser_, slot) || Unavailable(slot)) {
       entries_.push_back({slot, TraceText(slot), {}});
     }
@@ -158,11 +160,11 @@ void ResponseLegend::PaintSample(QPainter& painter, const ScopeColours& colours,
   painter.fillRect(place.adjusted(0, Scaled(2.0), 0, -Scaled(2.0)), colours.Plate);
   TracePen pen = ResponsePen(colours, look_, slot);
   for (double& length : pen.Dashes) length *= ratio_;
-  painter.setPen(DashedPen(pen.Colour, ResponseWidth * ratio_, pen.Dashes));
+  painter.setPen(DashedPen(pen.Colour, ResponseWidth(slot) * ratio_, pen.Dashes));
   const double y = place.center().y() + 0.5;
   painter.drawLine(QPointF(place.left(), y), QPointF(place.right() + 1, y));
-  if (slot > 0) {
-    painter.setPen(QPen(pen.Colour, ResponseWidth * ratio_));
+  if (slot > 0 && slot < FrequencyAnalyser::SlotCount) {
+    painter.setPen(QPen(pen.Colour, ResponseWidth(slot) * ratio_));
     PaintMemoryMark(painter, colours.Plate, slot, QRectF(place).center(), ratio_);
   }
   painter.restore();

@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,10 @@
 
 namespace torvane {
 
-inline constexpr double ResponseWidth = 1.6;  ///< of a trace, pixels of design
+/// Of a slot's trace, pixels of design: theory is a thin line.
+inline double ResponseWidth(int slot) {
+  return slot == FrequencyAnalyser::TheorySlot ? 1.0 : 1.6;
+}
 
 /// How one slot's trace is drawn.
 TracePen ResponsePen(const ScopeColours& colours, const TraceLook& look, int slot);
@@ -20,6 +24,11 @@ TracePen ResponsePen(const ScopeColours& colours, const TraceLook& look, int slo
 /// A mark of the memory in that slot, filled, in the painter's pen.
 void PaintMemoryMark(QPainter& painter, const QColor& fill, int slot, const QPointF& at,
                      double ratio);
+
+/// The slots in the order in which they are painted: theory lies behind all, the current
+/// measurement on top.
+inline constexpr std::array PaintOrder{5, 4, 3, 2, 1, 0};
+static_assert(PaintOrder.front() == FrequencyAnalyser::TheorySlot);
 
 /// What stands below a plot of responses: the signals, the axes, and which trace is which.
 class ResponseLegend {

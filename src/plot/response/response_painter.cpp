@@ -128,7 +128,7 @@ ResponsePainter::Axis ResponsePainter::LowerAxis(bool single) const {
 // The delays of all traces within the frequency axis, the outliers of noise left out.
 void ResponsePainter::FitDelays() {
   std::vector<double> delays;
-  for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
+  for (const int slot : PaintOrder) {
     if (!ResponseLegend::IsDrawn(analyser_, slot)) continue;
     const Response& response = analyser_.ShownResponse(slot);
     for (int i = response.First(); i < response.End(); ++i) {
@@ -167,8 +167,7 @@ void ResponsePainter::Paint(QPainter& painter, const ScopeColours& colours) {
   PaintFrequencyLabels(painter, colours);
   for (const Axis& axis : Axes()) {
     PaintAxis(painter, colours, axis);
-    // The current measurement lies on top.
-    for (int slot = FrequencyAnalyser::SlotCount - 1; slot >= 0; --slot) {
+    for (const int slot : PaintOrder) {
       const bool measured =
           axis.Quantity != ResponseQuantity::Coherence || analyser_.HasCoherence(slot);
       if (ResponseLegend::IsDrawn(analyser_, slot) && measured)
@@ -260,15 +259,15 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
       MakeResponseLines(analyser_.ShownResponse(slot), axis.Quantity, *columns_);
   TracePen pen = ResponsePen(colours, look_, slot);
   if (axis.Second && !look_.Patterns) pen.Dashes = {6.0, 3.0};
-  const double width = axis.Second && look_.Patterns ? SecondWidth : ResponseWidth;
+  const double width = axis.Second && look_.Patterns ? SecondWidth : ResponseWidth(slot);
   painter.save();
   painter.setClipRect(plate);
   painter.setRenderHint(QPainter::Antialiasing);
   CurvePainter curve(painter, plate, pen, width, ratio_, CurveCount());
   QColor faint = pen.Colour;
   faint.setAlphaF(FaintAlpha);
-  PaintBars(curve, axis, trace.Faint, faint);
-  PaintBars(curve, axis, trace.Bars, pen.Colour);
+  PaintBars(curve, axis, slot, trace.Faint, faint);
+  PaintBars(curve, axis, slot, trace.Bars, pen.Colour);
   std::vector<QPolygonF> lines = trace.Lines;
   for (QPolygonF& line : lines) {
     for (QPointF& point : line) point = {plate.left() + point.x(), YOf(axis, point.y())};
@@ -280,10 +279,10 @@ void ResponsePainter::PaintTrace(QPainter& painter, const ScopeColours& colours,
 }
 
 // As thick as a line's stroke would be.
-void ResponsePainter::PaintBars(CurvePainter& curve, const Axis& axis,
+void ResponsePainter::PaintBars(CurvePainter& curve, const Axis& axis, int slot,
                                 const std::vector<ResponseLines::Bar>& bars,
                                 const QColor& colour) const {
-  const double half = ResponseWidth * ratio_ / 2.0;
+  const double half = ResponseWidth(slot) * ratio_ / 2.0;
   std::vector<CurvePainter::Column> columns;
   columns.reserve(bars.size());
   for (const ResponseLines::Bar& bar : bars) {
@@ -300,6 +299,7 @@ void ResponsePainter::PaintTraceMarks(QPainter& painter, const ScopeColours& col
   const auto at = [&](double column, double value) {
     return QPointF(axis.Plate.left() + column, YOf(axis, value));
   };
+  if (slot == FrequencyAnalyser::TheorySlot) return;
   if (slot == 0) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(colours.Trace(slot));
@@ -311,7 +311,7 @@ void ResponsePainter::PaintTraceMarks(QPainter& painter, const ScopeColours& col
     }
     return;
   }
-  painter.setPen(QPen(colours.Trace(slot), ResponseWidth * ratio_));
+  painter.setPen(QPen(colours.Trace(slot), ResponseWidth(slot) * ratio_));
   const int distance = Scaled(MarkDistance);
   const int columns = static_cast<int>(trace.Columns.size());
   // Marks of one memory stand beside those of another.
@@ -340,7 +340,7 @@ void ResponsePainter::PaintCursors(QPainter& painter, const ScopeColours& colour
       if (!analyser_.TraceAt(slot).Shown) continue;
       const auto value = analyser_.Read(axis.Quantity, slot, hz);
       if (!value) continue;
-      painter.setPen(QPen(colours.Cursor, ResponseWidth * ratio_));
+      painter.setPen(QPen(colours.Cursor, ResponseWidth(slot) * ratio_));
       painter.setRenderHint(QPainter::Antialiasing);
       painter.setClipRect(axis.Plate);
       painter.drawEllipse(QPointF(x, YOf(axis, *value)), Scaled(4.0), Scaled(4.0));
@@ -364,7 +364,7 @@ void ResponsePainter::PaintMarks(QPainter& painter, const ScopeColours& colours,
     const QPointF from(axis.Plate.left() + ColumnOf(mark.Hz), YOf(axis, mark.From));
     const QPointF to(from.x(), YOf(axis, mark.To));
     painter.setClipRect(axis.Plate);
-    painter.setPen(QPen(colours.Cursor, ResponseWidth * ratio_));
+    painter.setPen(QPen(colours.Cursor, ResponseWidth(0) * ratio_));
     painter.drawLine(from, to);
     painter.setBrush(colours.Cursor);
     painter.drawEllipse(to, r, r);

@@ -83,8 +83,8 @@ class ResponsePainter {
   void PaintFrequencyLabels(QPainter& painter, const ScopeColours& colours) const;
   void PaintAxis(QPainter& painter, const ScopeColours& colours, const Axis& axis) const;
   void PaintTrace(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot) const;
-  void PaintBars(CurvePainter& curve, const Axis& axis, const std::vector<ResponseLines::Bar>& bars,
-                 const QColor& colour) const;
+  void PaintBars(CurvePainter& curve, const Axis& axis, int slot,
+                 const std::vector<ResponseLines::Bar>& bars, const QColor& colour) const;
   void PaintTraceMarks(QPainter& painter, const ScopeColours& colours, const Axis& axis, int slot,
                        const ResponseLines& trace) const;
   int Scaled(double length) const { return qRound(length * ratio_); }

@@ -31,9 +31,11 @@
 #include "ui/panes/instrument_windows.h"
 #include "ui/panes/meter_window.h"
 #include "ui/panes/model_views.h"
+#include "ui/panes/poles/poles_panel.h"
 #include "ui/panes/read_out_window.h"
 #include "ui/session/box_queue.h"
 #include "ui/session/last_session.h"
+#include "ui/session/live_theory.h"
 #include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
 #include "ui/widgets/digits.h"
@@ -71,6 +73,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
                                      Windows windows)
     : ui_(std::make_unique<Ui::TZelControlPanelF>()),
       data_(std::move(folder)),
+      theory_(std::make_unique<LiveTheory>(session_)),
       driver_(this),
       windows_(windows),
       picture_(new TZelModelPictureF(*this)),
@@ -90,6 +93,10 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
   connect(view_, &ViewMenu::LookChanged, this, &TZelControlPanelF::ShowLook);
   AddKeyboard();
+  poles_ = new PolesPanel(session_, *theory_, this);
+  addDockWidget(Qt::RightDockWidgetArea, poles_);
+  poles_->hide();
+  poles_->AddTo(*ui_->MView);
   UseFixedDigits(*ui_->LTime);
   // Of one size, so that a new time does not have the whole strip laid out anew.
   ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
@@ -329,6 +336,7 @@ void TZelControlPanelF::ShowLook() {
     frame->Pane().SetLook(view_->Look());
   }
   picture_->Diagram().SetLook(view_->Look());
+  poles_->SetLook(view_->Look());
 }
 
 void TZelControlPanelF::AddMeter() {

@@ -17,6 +17,8 @@ namespace torvane {
 class ExperimentsMenu;
 class FileCommands;
 class InstrumentPane;
+class LiveTheory;
+class PolesPanel;
 class TZelModelPictureF;
 class GuideF;
 class TZelModelTextF;
@@ -103,11 +105,13 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   std::unique_ptr<Ui::TZelControlPanelF> ui_;
   DataFolder data_;
   Session session_;
+  std::unique_ptr<LiveTheory> theory_;
   RunDriver driver_;
   QTimer refreshTimer_;
   QTimer splashTimer_;
   Windows windows_;
   ViewMenu* view_;
+  PolesPanel* poles_;
   ExperimentsMenu* experiments_ = nullptr;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;

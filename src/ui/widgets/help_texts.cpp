@@ -269,13 +269,21 @@ constexpr Entry Entries[] = {
     {"BPhaseOffsetDown", "Moves the phase's trace down by a division."},
     {"BPhaseOffsetUp", "Moves the phase's trace up by a division."},
     {"BPhaseZero", "Draws the phase without an offset."},
+    {"CmBLocus",
+     "Draws how the poles move with that constant, a decade to either side of its value as far as "
+     "its limits go; the crosses are where they stand."},
+    {"SBAllPoles", "Shows all poles again, after the wheel or the mouse has moved the plane."},
+    {"SGPoles",
+     "Each pole, or pair of them, with its natural frequency and its damping; a pole that an "
+     "integrator or a delay of a sample makes is called that."},
     {"SBMargins",
      "Reads bandwidth and peaking off a closed loop's response, and margins off an open loop's; "
      "the "
      "places are marked on the plot."},
     {"SBView",
      "Shows the responses as a Bode, Nyquist or Nichols plot, as the open loop that belongs to a "
-     "closed one, with the phase unwrapped, or with the group delay."},
+     "closed one, with the phase unwrapped, with the group delay, or with what theory says "
+     "behind them."},
     {"SGMargins",
      "What the trace of the cursors says: of a closed loop how far it follows its command, of an "
      "open one how far the closed loop is from instability."},

@@ -13,6 +13,11 @@ namespace torvane {
 
 namespace {
 
+constexpr const char* Decibels = "dB";
+constexpr const char* Degrees = "deg";
+constexpr const char* NoUnit = "";
+constexpr int RemarksEdge = 8;
+
 std::string Figure(double value) {
   return FormatGeneral(value, 4, 1);
 }
@@ -52,15 +57,44 @@ void MarginsWindow::ReadTrace() {
   rows_.clear();
   marks_.clear();
   highest_ = 0.0;
+  column_ = 0;
+  closed_.reset();
   const int slot = analyser_.CursorSlot();
   const std::vector<std::string> reasons = ReasonsFor(slot);
   if (analyser_.View().Unwrapped) MoveMarksToTrace(slot);
-  if (rows_.isEmpty()) rows_ << QStringList{Unavailable, {}, {}, {}};
-  SetCells({QStringLiteral("Measure"), QStringLiteral("Value"), QStringLiteral("Unit"),
-            QStringLiteral("Freq (Hz)")},
-           rows_);
+  if (analyser_.ShowsTheory()) ReadTheory();
+  ShowRows();
   ShowWholeColumns();
   ShowRemarks(reasons);
+}
+
+void MarginsWindow::ShowRows() {
+  const bool both = analyser_.ShowsTheory();
+  QStringList header{QStringLiteral("Measure"), QStringLiteral("Value"), QStringLiteral("Unit"),
+                     QStringLiteral("Freq (Hz)")};
+  if (both) {
+    header.insert(2, QStringLiteral("Theory"));
+    header << QStringLiteral("Theory (Hz)");
+  }
+  const auto figure = [](const std::optional<Margins::Reading>& of,
+                         double Margins::Reading::*what) {
+    return of ? QString::fromStdString(Figure((*of).*what)) : QStringLiteral("-");
+  };
+  QList<QStringList> cells;
+  for (const Row& row : rows_) {
+    QStringList line{QString::fromStdString(row.Name), figure(row.Of[0], &Margins::Reading::Value),
+                     QLatin1String(row.Unit), figure(row.Of[0], &Margins::Reading::Hz)};
+    if (both) {
+      line.insert(2, figure(row.Of[1], &Margins::Reading::Value));
+      line << figure(row.Of[1], &Margins::Reading::Hz);
+    }
+    cells << line;
+  }
+  if (cells.isEmpty()) {
+    cells << QStringList(header.size());
+    cells.front().front() = Unavailable;
+  }
+  SetCells(header, cells);
 }
 
 // Reads what there is; the reasons say why something is not.
@@ -71,13 +105,28 @@ std::vector<std::string> MarginsWindow::ReasonsFor(int slot) {
   }
   if (analyser_.OutputOnly()) return {"a spectrum has no margins"};
   const Margins& margins = reader_.Read(analyser_, slot);
-  ShowChoice(margins.Closed);
+  AddMargins(margins);
+  return margins.Missing;
+}
+
+// Taken for what the trace is.
+void MarginsWindow::ReadTheory() {
+  if (!analyser_.HasData(FrequencyAnalyser::TheorySlot)) return;
+  column_ = 1;
+  const ResponseView& view = analyser_.View();
+  ReadAs as = view.OpenLoop ? ReadAs::Unity : view.MarginsAs;
+  if (as == ReadAs::Auto && closed_) as = *closed_ ? ReadAs::Closed : ReadAs::Open;
+  AddMargins(reader_.Read(analyser_, FrequencyAnalyser::TheorySlot, as));
+}
+
+void MarginsWindow::AddMargins(const Margins& margins) {
+  if (!closed_) ShowChoice(margins.Closed);
+  closed_ = margins.Closed;
   if (margins.Closed) {
     AddBandwidths(margins);
   } else {
-    AddMargins(margins, analyser_.View().OpenLoop ? " (unity feedback)" : "");
+    AddCrossings(margins, analyser_.View().OpenLoop ? " (unity feedback)" : "");
   }
-  return margins.Missing;
 }
 
 // The automatic choice says what it has come to.
@@ -98,17 +147,26 @@ void MarginsWindow::ShowRemarks(const std::vector<std::string>& reasons) {
   }
   const double accurate = analyser_.ResponseAt(analyser_.CursorSlot()).Subject().AccurateUpTo;
   if (highest_ > accurate) {
-    remarks << QStringLiteral(
-                   "The sample time is short enough for what is read up to %1 Hz; "
-                   "choose a shorter one for what is read above.")
+    remarks << QStringLiteral("What is read above %1 Hz needs a shorter sample time.")
                    .arg(QString::fromStdString(Figure(accurate)));
   }
   trust_->setVisible(!remarks.isEmpty());
   trust_->setText(remarks.join(QLatin1Char('\n')));
-  // A text that is wrapped asks for no height by itself.
+  GiveRemarksRoom();
   if (isFloating()) {
     resize(width(), std::max(height(), layout()->totalMinimumHeightForWidth(width())));
   }
+}
+
+// A text that is wrapped asks for no height by itself.
+void MarginsWindow::GiveRemarksRoom() {
+  trust_->setMinimumHeight(0);  // it would count
+  trust_->setMinimumHeight(std::max(0, trust_->heightForWidth(width() - 2 * RemarksEdge)));
+}
+
+void MarginsWindow::resizeEvent(QResizeEvent* event) {
+  ReadOutWindow::resizeEvent(event);
+  GiveRemarksRoom();
 }
 
 // The longest names come with responses of closed loops.
@@ -122,52 +180,61 @@ void MarginsWindow::ShowWholeColumns() {
   Want(width + Table().verticalScrollBar()->sizeHint().width());
 }
 
-void MarginsWindow::AddRow(const std::string& name, double value, const char* unit, double hz) {
-  highest_ = std::max(highest_, hz);
-  rows_ << QStringList{QString::fromStdString(name), QString::fromStdString(Figure(value)),
-                       QLatin1String(unit), QString::fromStdString(Figure(hz))};
+// Beside what the trace has of that name, in order.
+void MarginsWindow::AddRow(const std::string& name, const char* unit,
+                           const Margins::Reading& reading) {
+  if (column_ == 0) highest_ = std::max(highest_, reading.Hz);
+  auto row = std::ranges::find_if(rows_, [&](const Row& one) {
+    return one.Name == name && one.Unit == unit && !one.Of[column_];
+  });
+  if (row == rows_.end()) row = rows_.insert(row, {name, unit, {}});
+  row->Of.at(column_) = reading;
+}
+
+// The marks are the trace's.
+void MarginsWindow::AddMark(const ResponseMark& mark) {
+  if (column_ == 0) marks_.push_back(mark);
 }
 
 void MarginsWindow::AddBandwidths(const Margins& margins) {
   using enum ResponseQuantity;
   if (const auto hz = margins.GainBandwidth) {
-    AddRow("Bandwidth", Margins::BandwidthGain, "dB", *hz);
-    marks_.push_back(
-        {Gain, *hz, Margins::BandwidthGain, Margins::BandwidthGain, Figure(*hz) + " Hz"});
+    AddRow("Bandwidth", Decibels, {*hz, Margins::BandwidthGain});
+    AddMark({Gain, *hz, Margins::BandwidthGain, Margins::BandwidthGain, Figure(*hz) + " Hz"});
   }
   if (const auto hz = margins.PhaseBandwidth) {
-    AddRow("Bandwidth", Margins::BandwidthPhase, "deg", *hz);
-    marks_.push_back(
-        {Phase, *hz, Margins::BandwidthPhase, Margins::BandwidthPhase, Figure(*hz) + " Hz"});
+    AddRow("Bandwidth", Degrees, {*hz, Margins::BandwidthPhase});
+    AddMark({Phase, *hz, Margins::BandwidthPhase, Margins::BandwidthPhase, Figure(*hz) + " Hz"});
   }
   if (const auto peak = margins.Peaking) {
-    AddRow("Peaking", peak->Value, "dB", peak->Hz);
-    marks_.push_back({Gain, peak->Hz, peak->Value, peak->Value, Figure(peak->Value) + " dB"});
+    AddRow("Peaking", Decibels, *peak);
+    AddMark({Gain, peak->Hz, peak->Value, peak->Value, Figure(peak->Value) + " dB"});
   }
 }
 
 // The smallest margins first.
-void MarginsWindow::AddMargins(const Margins& margins, const std::string& condition) {
+void MarginsWindow::AddCrossings(const Margins& margins, const std::string& condition) {
   using enum ResponseQuantity;
   const auto add = [&](const char* name, const char* unit, const Margins::Reading* least,
                        const std::vector<Margins::Reading>& all, auto mark) {
     if (!least) return;
-    AddRow(std::string("Smallest ") + name + condition, least->Value, unit, least->Hz);
-    marks_.push_back(mark(*least));
+    AddRow(std::string("Smallest ") + name + condition, unit, *least);
+    AddMark(mark(*least));
     for (const Margins::Reading& one : all) {
       if (&one == least) continue;
-      AddRow(std::string("Other ") + name, one.Value, unit, one.Hz);
-      marks_.push_back(mark(one));
+      AddRow(std::string("Other ") + name, unit, one);
+      AddMark(mark(one));
     }
   };
-  add("phase margin", "deg", margins.SmallestPhaseMargin(), margins.PhaseMargins,
+  add("phase margin", Degrees, margins.SmallestPhaseMargin(), margins.PhaseMargins,
       [](const Margins::Reading& one) {
         return ResponseMark{Phase, one.Hz, -180.0, one.Value - 180.0, Figure(one.Value) + " deg"};
       });
-  add("gain margin", "dB", margins.SmallestGainMargin(), margins.GainMargins,
+  add("gain margin", Decibels, margins.SmallestGainMargin(), margins.GainMargins,
       [](const Margins::Reading& one) {
         return ResponseMark{Gain, one.Hz, 0.0, -one.Value, Figure(one.Value) + " dB"};
       });
+  if (const auto& peak = margins.Sensitivity) AddRow("Sensitivity peak (Ms)", NoUnit, *peak);
 }
 
 // An unwrapped phase may have made turns.

@@ -31,23 +31,38 @@ class MarginsWindow : public ReadOutWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
+  /// What is read of the trace and of theory, each where there is one.
+  struct Row {
+    std::string Name;
+    const char* Unit;
+    std::array<std::optional<Margins::Reading>, 2> Of;
+  };
+
+  void AddMargins(const Margins& margins);
   void AddBandwidths(const Margins& margins);
-  void AddMargins(const Margins& margins, const std::string& condition);
+  void AddCrossings(const Margins& margins, const std::string& condition);
   std::vector<std::string> ReasonsFor(int slot);
+  void ReadTheory();
+  void ShowRows();
+  void GiveRemarksRoom();
   void ShowRemarks(const std::vector<std::string>& reasons);
   void ShowChoice(bool closed);
   void MoveMarksToTrace(int slot);
   void ShowWholeColumns();
-  void AddRow(const std::string& name, double value, const char* unit, double hz);
+  void AddRow(const std::string& name, const char* unit, const Margins::Reading& reading);
+  void AddMark(const ResponseMark& mark);
 
   FrequencyAnalyser& analyser_;
   MarginReader reader_;
   QComboBox* as_;
   QLabel* trust_;
   double highest_ = 0.0;  // frequency at which something was read, Hz
-  QList<QStringList> rows_;
+  std::vector<Row> rows_;
+  std::size_t column_ = 0;      // of theory: 1
+  std::optional<bool> closed_;  // what the trace was taken for
   std::vector<ResponseMark> marks_;
 };
 

@@ -38,7 +38,7 @@ void ResponseViewMenu::AddPlots() {
   }
 }
 
-std::array<ResponseViewMenu::Switch, 3> ResponseViewMenu::Switches() {
+std::array<ResponseViewMenu::Switch, 4> ResponseViewMenu::Switches() {
   return {{{"MIOpenLoop", QStringLiteral("&Open loop from closed"),
             QStringLiteral("G / (1 - G) of each response G of a loop with unity feedback"),
             &ResponseView::OpenLoop},
@@ -46,7 +46,11 @@ std::array<ResponseViewMenu::Switch, 3> ResponseViewMenu::Switches() {
             QStringLiteral("Let the phase go on beyond a turn"), &ResponseView::Unwrapped},
            {"MIGroupDelay", QStringLiteral("&Group delay"),
             QStringLiteral("Show the delay in seconds instead of the phase against frequency"),
-            &ResponseView::GroupDelay}}};
+            &ResponseView::GroupDelay},
+           {"MITheory", QStringLiteral("&Theory"),
+            QStringLiteral("What the model's equations say of the chosen signals, as a thin line "
+                           "behind the measurement"),
+            &ResponseView::Theory}}};
 }
 
 void ResponseViewMenu::AddSwitches() {

@@ -29,7 +29,7 @@ class ResponseViewMenu : public QObject {
     QString ToolTip;
     bool ResponseView::*On;
   };
-  static std::array<Switch, 3> Switches();
+  static std::array<Switch, 4> Switches();
   QAction* Add(const QString& text, const char* name, const QString& toolTip);
   void AddPlots();
   void AddSwitches();
@@ -37,7 +37,7 @@ class ResponseViewMenu : public QObject {
   FrequencyAnalyser& analyser_;
   QMenu menu_;
   std::array<QAction*, 3> plots_{};
-  std::array<QAction*, 3> switches_{};
+  std::array<QAction*, 4> switches_{};
 };
 
 }  // namespace torvane
