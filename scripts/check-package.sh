@@ -100,13 +100,13 @@ check_desktop() {
   export DISPLAY
   "${inside[@]}" "DISPLAY=$DISPLAY" torvane &
   started+=($!)
-  wait_for_window "^Torvane"
+  wait_for_window "^2-1 PI. Controller - Torvane"
   # shellcheck disable=SC2046
   "${inside[@]}" "DISPLAY=$DISPLAY" $(sed -n "s|^Exec=\(.*\)%f|\1$example|p" \
     "$files/usr/share/applications/torvane.desktop") &
   started+=($!)
   wait_for_window "4-1-encoder-resolution"
-  wait_for_window "^Torvane"
+  wait_for_window "^2-1 PI. Controller - Torvane"
 }
 
 # The display goes last, or the programs would complain of its loss.
