@@ -61,7 +61,10 @@ void Apply(const std::vector<std::string>& arguments, ZelModel& model) {
     Try([&] { cli::ApplyWave(model.Bench(), text); });
     Try([&] { cli::NamedSignal(model.Bench(), text); });
     Try([&] { cli::ParseOption("--option", text, cli::NumberRange::Positive); });
-    for (const bool sampled : {false, true}) Try([&] { cli::ParseVaryRange(text, sampled); });
+    using enum cli::VaryValues;
+    for (const auto values : {OfGrid, Listed, Sampled, Searched}) {
+      Try([&] { cli::ParseVaryRange(text, values); });
+    }
     Try([&] { cli::RunsOfShare(text, 3); });
   }
   const std::string found = test::LimitCheck::Run(model);
