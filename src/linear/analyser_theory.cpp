@@ -14,7 +14,7 @@ constexpr double MarginsFrom = 0.1;
 constexpr double MarginsTo = 1e4;  // of a continuous loop
 constexpr double AxisFrom = 1e-3;
 constexpr double AxisTo = 1e6;
-constexpr int PointsPerDecade = 60;
+constexpr int PointsPerDecade = 150;  // peaks are read between them to four digits
 
 }  // namespace
 

@@ -35,9 +35,7 @@ std::vector<std::string> MakeLinear(ZelModel& model) {
   std::vector<std::string> notes;
   const ZelBenchTop& bench = model.Bench();
   RestSources(bench);
-  const auto& analysers = bench.Instruments(InstrumentKind::FftAnalyser);
-  if (analysers.empty()) return notes;
-  const auto loop = dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
+  const auto loop = LoopOnBench(bench);
   if (!loop) return notes;
   for (const auto& [constant, value] : loop->Linear) {
     if (constant->Value() == value) continue;

@@ -142,9 +142,7 @@ Margins TheoryOfClosed(const LinearModel& model, const std::string& input,
 }
 
 ModelLoop LoopOf(const ZelModel& model) {
-  const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
-  const auto loop = analysers.empty() ? std::nullopt
-                                      : dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
+  const auto loop = LoopOnBench(model.Bench());
   if (!loop || loop->Input.empty()) throw LinearFault("the model names no loop of its own");
   return *loop;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFont>
+#include <QFontDatabase>
 #include <QFontMetrics>
 #include <algorithm>
 
@@ -13,6 +14,11 @@ inline QFont ScaledFont(QFont font, double ratio, double share) {
   const int pixels = font.pixelSize() > 0 ? font.pixelSize() : qRound(metrics.height() * 0.86);
   font.setPixelSize(std::max(1, qRound(pixels * ratio * share)));
   return font;
+}
+
+/// The font of numbers at the axes of a plot.
+inline QFont NumberFont(double ratio) {
+  return ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio, 0.92);
 }
 
 }  // namespace torvane

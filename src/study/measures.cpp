@@ -21,7 +21,7 @@ std::span<const RunMeasure> Measures() {
       RunMeasure{"IAE", "the command's unit s", &RunReadings::Iae},
       RunMeasure{"ISE", "the command's unit^2 s", &RunReadings::Ise},
       RunMeasure{"Peak", "the signal's unit", &RunReadings::Peak, Peak},
-      RunMeasure{"Meets", "", &RunReadings::Meets, Requirements, true},
+      RunMeasure{MeetsCaption, "", &RunReadings::Meets, Requirements, true},
   };
   return Table;
 }

@@ -44,6 +44,9 @@ struct RunMeasure {
   bool OfLoop() const { return Needs == MeasureNeeds::Loop; }
 };
 
+/// The caption of whether a run meets what is required.
+inline constexpr const char* MeetsCaption = "Meets";
+
 /// Which measures a run has.
 struct MeasureSet {
   bool Loop = false;

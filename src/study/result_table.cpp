@@ -64,8 +64,8 @@ std::string ResultTable::Described(std::size_t row) const {
 }
 
 bool ResultTable::Meets(std::size_t row) const {
-  const auto column =
-      std::find(captions_.begin() + static_cast<std::ptrdiff_t>(mark_), captions_.end(), "Meets");
+  const auto column = std::find(captions_.begin() + static_cast<std::ptrdiff_t>(mark_),
+                                captions_.end(), MeetsCaption);
   return column == captions_.end() ||
          Text(row, static_cast<std::size_t>(column - captions_.begin())) == "1";
 }

@@ -172,9 +172,7 @@ void CheckLoop(ZelModel& model, const LoopOptions& options, Console& console) {
 }
 
 void NoteLoop(const ZelModel& model) {
-  const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
-  if (analysers.empty()) return;
-  const auto loop = dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Loop();
+  const auto loop = LoopOnBench(model.Bench());
   if (loop && !loop->Input.empty()) NoteHow(*loop);
 }
 

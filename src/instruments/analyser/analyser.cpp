@@ -206,4 +206,10 @@ void FrequencyAnalyser::SetVisible(bool visible) {
   Changed();
 }
 
+std::optional<ModelLoop> LoopOnBench(const ZelBenchTop& bench) {
+  const auto& analysers = bench.Instruments(InstrumentKind::FftAnalyser);
+  if (analysers.empty()) return std::nullopt;
+  return dynamic_cast<const FrequencyAnalyser&>(*analysers.front()).Loop();
+}
+
 }  // namespace torvane

@@ -275,4 +275,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   bool needsRedraw_ = false;
 };
 
+/// The loop that a model's first FFT analyser knows as the model's own, as its constants stand.
+std::optional<ModelLoop> LoopOnBench(const ZelBenchTop& bench);
+
 }  // namespace torvane

@@ -1,6 +1,5 @@
 #include "plot/poles/pole_painter.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <algorithm>
@@ -42,7 +41,7 @@ void PolePainter::Layout(const QSize& size, double pixelRatio, const PoleView& v
   size_ = size;
   ratio_ = pixelRatio;
   textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
-  numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
+  numberFont_ = NumberFont(ratio_);
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
   const int gap = Scaled(LabelGap);

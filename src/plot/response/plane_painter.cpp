@@ -1,6 +1,5 @@
 #include "plot/response/plane_painter.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <algorithm>
@@ -53,7 +52,7 @@ void PlanePainter::Layout(const QSize& size, double pixelRatio, const TraceLook&
   look_ = look;
   ratio_ = pixelRatio;
   textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
-  numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
+  numberFont_ = NumberFont(ratio_);
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
   const int gap = Scaled(LabelGap);

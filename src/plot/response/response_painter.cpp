@@ -1,6 +1,5 @@
 #include "plot/response/response_painter.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <algorithm>
@@ -51,7 +50,7 @@ void ResponsePainter::Layout(const QSize& size, double pixelRatio, const TraceLo
   size_ = size;
   ratio_ = pixelRatio;
   textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
-  numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
+  numberFont_ = NumberFont(ratio_);
   const QFontMetrics numbers(numberFont_);
   const QFontMetrics words(textFont_);
   const int margin = Scaled(PlotMargin);

@@ -1,6 +1,5 @@
 #include "plot/scope/scope_painter.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <algorithm>
@@ -44,7 +43,7 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   labels_ = labels;
   look_ = look;
   textFont_ = ScaledFont(QGuiApplication::font(), ratio_, 1.0);
-  numberFont_ = ScaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), ratio_, 0.92);
+  numberFont_ = NumberFont(ratio_);
   markFont_ = ScaledFont(QGuiApplication::font(), ratio_, 0.85);
   markFont_.setBold(true);
   const int margin = Scaled(PlotMargin);
