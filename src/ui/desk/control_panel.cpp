@@ -1,16 +1,13 @@
 #include "ui/desk/control_panel.h"
 
 #include <QClipboard>
-#include <QCloseEvent>
 #include <QDateTime>
 #include <QDragEnterEvent>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
-#include <QScreen>
 #include <QShortcut>
 #include <QWhatsThis>
-#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -21,7 +18,6 @@
 #include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
 #include "ui/desk/pane_keys.h"
-#include "ui/desk/splash.h"
 #include "ui/desk/strip_menus.h"
 #include "ui/desk/view_menu.h"
 #include "ui/desk/window_menu.h"
@@ -36,7 +32,6 @@
 #include "ui/session/box_queue.h"
 #include "ui/session/last_session.h"
 #include "ui/session/live_theory.h"
-#include "ui/session/user_settings.h"
 #include "ui/widgets/control_help.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/held_gestures.h"
@@ -54,8 +49,6 @@ namespace torvane {
 namespace {
 
 constexpr int RefreshMilliseconds = 100;
-constexpr int SplashMilliseconds = 4000;
-constexpr QSize LargestStartSize(1680, 1050);
 struct Pace {
   const char* Label;
   double Simulated;  // seconds for each real one
@@ -64,8 +57,6 @@ constexpr Pace Paces[] = {
     {"Fastest", RunDriver::Unlimited}, {"Real time", 1.0}, {"1/10", 0.1}, {"1/100", 0.01}};
 constexpr QSize CaptureShape(4, 3);  // proportions of what "For Capture" takes
 constexpr QSize WidePicture(16, 9);
-constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
-const QString GeometryKey = QStringLiteral("windowGeometry");
 
 }  // namespace
 
@@ -219,11 +210,6 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->MIGuide, &QAction::triggered, this, &TZelControlPanelF::ShowGuide);
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
-}
-
-void TZelControlPanelF::RememberWindows() {
-  if (windows_ == Windows::AsLeft && !experiments_->IsActive())
-    arrangement::Remember(*ui_->InstrumentArea);
 }
 
 void TZelControlPanelF::LeaveModel() {
@@ -437,68 +423,6 @@ void TZelControlPanelF::ShowAbout() {
                      "Free software under the MIT licence.")
           .arg(QCoreApplication::applicationVersion()));
   box.exec();
-}
-
-// The display may have become smaller since.
-bool TZelControlPanelF::RecallGeometry() {
-  if (windows_ == Windows::AsBuilt ||
-      !restoreGeometry(UserSettings().value(GeometryKey).toByteArray())) {
-    return false;
-  }
-  const QRect room = screen()->availableGeometry();
-  if (!isMaximized() && !isFullScreen() && !room.contains(frameGeometry())) {
-    const QSize frame = frameGeometry().size() - size();
-    resize(size().boundedTo(room.size() - frame));
-    move(std::clamp(x(), room.left(),
-                    std::max(room.right() + 1 - frameGeometry().width(), room.left())),
-         std::clamp(y(), room.top(),
-                    std::max(room.bottom() + 1 - frameGeometry().height(), room.top())));
-  }
-  return true;
-}
-
-void TZelControlPanelF::ShowAtStart(bool withSplash) {
-  const QSize available = screen()->availableSize();
-  if (RecallGeometry()) {
-    show();
-  } else if (available.width() < RoomySize.width() || available.height() < RoomySize.height()) {
-    showMaximized();
-  } else {
-    resize((available * 0.92).boundedTo(LargestStartSize));
-    show();
-  }
-  if (!withSplash) return;
-  auto* splash = new SplashF;
-  splash->setAttribute(Qt::WA_DeleteOnClose);
-  splash->show();
-  splashTimer_.setObjectName(QStringLiteral("TSplash"));
-  splashTimer_.setSingleShot(true);
-  connect(&splashTimer_, &QTimer::timeout, splash, &QWidget::close);
-  connect(ui_->SBRun, &QAbstractButton::toggled, splash, &QWidget::close);
-  splashTimer_.start(SplashMilliseconds);
-}
-
-void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (unasked_ || session_.MayDiscard("close")) {
-    const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
-    if (!unasked_) files_->KeepForNextStart(placed);
-    Stop();
-    RememberWindows();
-    if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
-    event->accept();
-    QCoreApplication::quit();
-  } else {
-    event->ignore();
-  }
-}
-
-// Dialogs that are open, with message loops of their own, end too.
-void TZelControlPanelF::EndUnasked() {
-  if (unasked_ || !isVisible()) return;
-  session_.LeaveForNextStart();
-  unasked_ = true;
-  close();
-  QCoreApplication::exit();
 }
 
 // The simulation stands still while a box is open, whatever opened it.

@@ -2,7 +2,6 @@
 
 #include <QCloseEvent>
 #include <QMainWindow>
-#include <QRegularExpression>
 #include <QSignalBlocker>
 #include <algorithm>
 #include <array>
@@ -37,12 +36,6 @@ constexpr QRgb Lime = 0x00ff00;
 constexpr QRgb Silver = 0xc0c0c0;
 // Of a control that is opaque Qt takes it that no other window covers it, after it has been moved.
 constexpr int AllButOpaque = 254;
-// The least graph, where the workspace has that room and where it has not.
-constexpr QSize LeastGraph(400, 250);
-constexpr QSize SmallGraph(300, 180);
-constexpr QSize RoomForLeastGraph(960, 540);
-constexpr int LowScreen = 160;  // pixels that the screen keeps beside an opened page
-
 QIcon SwatchOf(const ScopeColours& colours, const ZelChannel& channel) {
   const bool traced = channel.Displayed() && channel.Colour() >= 0;
   return Swatch(traced ? std::optional(colours.Trace(channel.Colour())) : std::nullopt);
@@ -67,28 +60,6 @@ QString Hint(const Variable& signal) {
 // A scale of zero is refused with a report of its own.
 std::string ScaleNotice(double typed, double stored) {
   return typed == 0.0 ? std::string() : LimitNotice(typed, stored);
-}
-
-QRegularExpression PanelNames() {
-  return QRegularExpression(QStringLiteral("Panel$"));
-}
-
-// What the widest panel of the pages needs.
-int PanelWidth(const QStackedWidget& pages) {
-  int width = 0;
-  for (const QFrame* panel : pages.findChildren<QFrame*>(PanelNames())) {
-    width = std::max(width, panel->minimumSizeHint().width());
-  }
-  return width;
-}
-
-// The panels of a page stand side by side where there is room, else one below the other.
-void Arrange(QBoxLayout& page, int room) {
-  int width = -page.spacing();
-  for (int i = 0; i < page.count(); ++i) {
-    width += page.itemAt(i)->widget()->minimumSizeHint().width() + page.spacing();
-  }
-  page.setDirection(room >= width ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 }  // namespace
@@ -200,26 +171,6 @@ void TZelScopeF::ConnectTriggerSource() {
     const std::size_t index = ui_->CmBTrigSource->currentData().toUInt();
     scope_.Trigger().SetSource(*scope_.Channels()[index]);
   });
-}
-
-void TZelScopeF::ConnectPages() {
-  const std::pair<QAbstractButton*, QWidget*> pages[] = {{ui_->PageScales, ui_->ScalesPage},
-                                                         {ui_->PageTrigger, ui_->TriggerPage},
-                                                         {ui_->PageMeasure, ui_->MeasurePage}};
-  for (const auto& [button, page] : pages) {
-    connect(button, &QAbstractButton::clicked, this, [this, page = page] {
-      ui_->Pages->setCurrentWidget(page);
-      folding_ = Folding::Opened;
-      FoldPages();
-    });
-  }
-  connect(ui_->SBHide, &QAbstractButton::clicked, this, [this](bool hide) {
-    folding_ = hide ? Folding::Folded : Folding::Opened;
-    FoldPages();
-  });
-  connect(ui_->SBScaleDisplay, &QAbstractButton::toggled, ui_->PBScreen,
-          &ScopePaintBox::SetScalesShown);
-  ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
 }
 
 void TZelScopeF::ConnectCursors(ZelUndo& history) {
@@ -359,16 +310,6 @@ void TZelScopeF::ShowCursors() {
   ShowReading();
   shown ? cursors_->OpenIn(*side_, 0) : cursors_->hide();
   FitSide();
-}
-
-// What is docked below the constants makes their side wider.
-void TZelScopeF::FitSide() {
-  int least = 0;
-  for (const ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
-    if (!panel->isHidden() && !panel->isFloating())
-      least = std::max(least, panel->Wanted().width());
-  }
-  splitter_->SetLeast(least);
 }
 
 void TZelScopeF::ShowMath() {
@@ -516,58 +457,6 @@ void TZelScopeF::showEvent(QShowEvent* event) {
   ShowLamp();
   ShowCursors();
   ShowMath();
-}
-
-void TZelScopeF::SetRoom(const QSize& workspace) {
-  const bool ample = workspace.width() >= RoomForLeastGraph.width() &&
-                     workspace.height() >= RoomForLeastGraph.height();
-  ui_->PBScreen->SetLeastGraph(ample ? LeastGraph : SmallGraph);
-  leastScreen_ = ui_->PBScreen->minimumHeight();
-}
-
-void TZelScopeF::resizeEvent(QResizeEvent* event) {
-  InstrumentPane::resizeEvent(event);
-  ArrangePages();
-  FoldPages();
-}
-
-void TZelScopeF::ArrangePages() {
-  const QMargins margins = ui_->Column->contentsMargins();
-  const int room = width() - margins.left() - margins.right();
-  Arrange(*ui_->ScalesPagePanels, room);
-  Arrange(*ui_->TriggerPagePanels, room);
-}
-
-// Controls are given their sizes by their style, after the window has its own.
-bool TZelScopeF::event(QEvent* event) {
-  const bool known = InstrumentPane::event(event);
-  if (event->type() == QEvent::LayoutRequest) {
-    ArrangePages();
-    FoldPages();
-  }
-  return known;
-}
-
-// The height of all but the page, with the least graph.
-int TZelScopeF::HeightWithout() const {
-  const QMargins margins = ui_->Column->contentsMargins();
-  return margins.top() + leastScreen_ + ui_->Column->spacing() + ui_->Bar->minimumSize().height() +
-         margins.bottom();
-}
-
-void TZelScopeF::FoldPages() {
-  const int page = ui_->Pages->minimumSizeHint().height() + ui_->Column->spacing();
-  const bool room = height() >= HeightWithout() + page;
-  if (folding_ == Folding::Opened && room) folding_ = Folding::AsRoomAllows;
-  const bool fold = folding_ == Folding::Folded || (folding_ == Folding::AsRoomAllows && !room);
-  // Where there is no room, a page that the user has opened takes some of the graph's.
-  ui_->PBScreen->setMinimumHeight(fold || room ? leastScreen_ : LowScreen);
-  ui_->SBHide->setChecked(fold);
-  ui_->Pages->setVisible(!fold);
-}
-
-QSize TZelScopeF::minimumSizeHint() const {
-  return {InstrumentPane::minimumSizeHint().width(), HeightWithout()};
 }
 
 }  // namespace torvane

@@ -1,0 +1,94 @@
+// How the program's window comes up where it was left, and how it ends.
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QScreen>
+#include <algorithm>
+
+#include "ui/desk/arrangement.h"
+#include "ui/desk/control_panel.h"
+#include "ui/desk/experiments_menu.h"
+#include "ui/desk/file_commands.h"
+#include "ui/desk/splash.h"
+#include "ui/session/user_settings.h"
+#include "ui_control_panel.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr int SplashMilliseconds = 4000;
+constexpr QSize LargestStartSize(1680, 1050);
+constexpr QSize RoomySize(1500, 880);  // a display smaller than this is used whole
+const QString GeometryKey = QStringLiteral("windowGeometry");
+
+}  // namespace
+
+// The display may have become smaller since.
+bool TZelControlPanelF::RecallGeometry() {
+  if (windows_ == Windows::AsBuilt ||
+      !restoreGeometry(UserSettings().value(GeometryKey).toByteArray())) {
+    return false;
+  }
+  const QRect room = screen()->availableGeometry();
+  if (!isMaximized() && !isFullScreen() && !room.contains(frameGeometry())) {
+    const QSize frame = frameGeometry().size() - size();
+    resize(size().boundedTo(room.size() - frame));
+    move(std::clamp(x(), room.left(),
+                    std::max(room.right() + 1 - frameGeometry().width(), room.left())),
+         std::clamp(y(), room.top(),
+                    std::max(room.bottom() + 1 - frameGeometry().height(), room.top())));
+  }
+  return true;
+}
+
+void TZelControlPanelF::ShowAtStart(bool withSplash) {
+  const QSize available = screen()->availableSize();
+  if (RecallGeometry()) {
+    show();
+  } else if (available.width() < RoomySize.width() || available.height() < RoomySize.height()) {
+    showMaximized();
+  } else {
+    resize((available * 0.92).boundedTo(LargestStartSize));
+    show();
+  }
+  if (!withSplash) return;
+  auto* splash = new SplashF;
+  splash->setAttribute(Qt::WA_DeleteOnClose);
+  splash->show();
+  splashTimer_.setObjectName(QStringLiteral("TSplash"));
+  splashTimer_.setSingleShot(true);
+  connect(&splashTimer_, &QTimer::timeout, splash, &QWidget::close);
+  connect(ui_->SBRun, &QAbstractButton::toggled, splash, &QWidget::close);
+  splashTimer_.start(SplashMilliseconds);
+}
+
+void TZelControlPanelF::closeEvent(QCloseEvent* event) {
+  if (unasked_ || session_.MayDiscard("close")) {
+    const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
+    if (!unasked_) files_->KeepForNextStart(placed);
+    Stop();
+    RememberWindows();
+    if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
+    event->accept();
+    QCoreApplication::quit();
+  } else {
+    event->ignore();
+  }
+}
+
+// Dialogs that are open, with message loops of their own, end too.
+void TZelControlPanelF::EndUnasked() {
+  if (unasked_ || !isVisible()) return;
+  session_.LeaveForNextStart();
+  unasked_ = true;
+  close();
+  QCoreApplication::exit();
+}
+
+void TZelControlPanelF::RememberWindows() {
+  if (windows_ == Windows::AsLeft && !experiments_->IsActive())
+    arrangement::Remember(*ui_->InstrumentArea);
+}
+
+}  // namespace torvane
