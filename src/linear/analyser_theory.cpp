@@ -51,7 +51,8 @@ PairTheory AnalyserTheory::Find(const ModelTheory& model) const {
   }
   try {
     const TheoryPair pair(*linear, analyser_.Input()->Name(), analyser_.Output()->Name());
-    theory.Curve = pair.At(pair.Frequencies(basis_.From, basis_.To, PointsPerDecade),
+    const double from = std::min(basis_.From, pair.LowestHz());
+    theory.Curve = pair.At(pair.Frequencies(from, basis_.To, PointsPerDecade),
                            SampledBy(*linear, basis_.SampleTime));
     if (linear->Sampled()) theory.AccurateUpTo = 0.25 / linear->System().Ts;
     for (const std::string& note : linear->Notes) theory.Notes.push_back(note + ".");

@@ -46,14 +46,34 @@ LinearSystem OverPeriod(const std::vector<LinearModel::StepMap>& steps, const Ma
           static_cast<double>(steps.size()) * step};
 }
 
+// What the last step of a period still changes is not held.
+std::vector<bool> MovingSignals(const std::vector<LinearModel::StepMap>& steps,
+                                const MatrixXd& shown) {
+  constexpr double Nothing = 1e-9;
+  MatrixXd before = MatrixXd::Identity(shown.cols(), shown.cols());
+  for (std::size_t i = 0; i + 1 < steps.size(); ++i) before = (steps[i].A * before).eval();
+  const MatrixXd first = shown * before;
+  const MatrixXd last = shown * steps.back().A * before;
+  std::vector<bool> moves;
+  for (Index k = 0; k < shown.rows(); ++k) {
+    const double size = last.row(k).cwiseAbs().sum() + first.row(k).cwiseAbs().sum();
+    moves.push_back(steps.size() > 1 &&
+                    (last.row(k) - first.row(k)).cwiseAbs().maxCoeff() > Nothing * size);
+  }
+  return moves;
+}
+
 }  // namespace
 
 LinearModel::LinearModel(std::vector<std::string> names, LinearSystem system)
-    : signals_(std::move(names)), system_(std::move(system)) {}
+    : signals_(std::move(names)), moves_(signals_.size(), false), system_(std::move(system)) {}
 
 LinearModel::LinearModel(std::vector<std::string> names, const std::vector<StepMap>& steps,
                          const MatrixXd& shown, double step)
-    : signals_(std::move(names)), system_(OverPeriod(steps, shown, step)), step_(step) {
+    : signals_(std::move(names)),
+      moves_(MovingSignals(steps, shown)),
+      system_(OverPeriod(steps, shown, step)),
+      step_(step) {
   const std::vector<Index> carried = CarriedNumbers(steps, shown);
   for (const StepMap& map : steps) {
     steps_.push_back({map.A(carried, carried), map.B(carried), shown * map.A(Eigen::all, carried),

@@ -41,6 +41,9 @@ class LinearModel {
   /// after a sample.
   const LinearSystem& System() const { return system_; }
 
+  /// A signal of a sampled loop goes on between samples: in the system it is read late.
+  bool Moves(Eigen::Index signal) const { return moves_[static_cast<std::size_t>(signal)]; }
+
   /// The responses of those signals to a sine in the command. That of a sampled loop is taken over
   /// all steps of a period, as a sweep that samples every step takes it.
   Eigen::VectorXcd ToSine(double hz, const std::vector<Eigen::Index>& of) const;
@@ -63,6 +66,7 @@ class LinearModel {
   };
 
   std::vector<std::string> signals_;
+  std::vector<bool> moves_;
   LinearSystem system_;
   std::vector<ShownStep> steps_;
   Eigen::MatrixXd period_;  ///< of what they carry

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
+#include <utility>
 
 #include "core/bench.h"
 #include "core/constant.h"
@@ -21,7 +22,9 @@ using Eigen::Index;
 constexpr double DegreesPerRadian = 180.0 / std::numbers::pi;
 // Of a response read for its margins.
 constexpr int PerDecade = 200;
-constexpr double LowestHz = 1e-2;
+constexpr double Lowest = 1e-2;  // Hz
+constexpr double LowestOfAll = 1e-7;
+constexpr double BelowRoots = 0.01;
 // Of two integrators so slow that rounding turns them about half a turn, gain has no end; dB.
 constexpr double HighestGain = 100.0;
 constexpr double HighestHz = 1e5;  // of a continuous loop
@@ -48,18 +51,59 @@ ResponsePoint PointOf(double hz, std::complex<double> ratio) {
 // As an analyser measures it that samples when the loop does.
 ResponseCurve WholeResponse(const LinearModel& model, const TheoryPair& pair) {
   const double highest = model.Sampled() ? 0.5 / model.System().Ts : HighestHz;
-  return pair.At(pair.Frequencies(LowestHz, highest, PerDecade), ReadSignals::AtItsSamples);
+  return pair.At(pair.Frequencies(pair.LowestHz(), highest, PerDecade), ReadSignals::AtItsSamples);
 }
 
-// A peak is read among points so close that the parabola through three of them is exact to more
-// digits than are told.
-ResponseCurve About(const TheoryPair& pair, double hz) {
-  constexpr int Points = 24;
-  constexpr double Apart = 5e-4;
-  std::vector<double> near;
-  for (int i = -Points; i <= Points; ++i) near.push_back(hz * (1.0 + i * Apart));
-  return pair.At(near, ReadSignals::AtItsSamples);
-}
+/// Reads a response of theory to more digits than are told: what is read off its even points is
+/// read anew among points close about each reading.
+class CloseReading {
+ public:
+  CloseReading(const LinearModel& model, const TheoryPair& pair, ReadAs as, bool fromClosed)
+      : as_(as), fromClosed_(fromClosed), points_(WholeResponse(model, pair)) {
+    Read();
+    const std::vector<double> near = About(Margins);
+    const ResponseCurve closer = pair.At(near, ReadSignals::AtItsSamples);
+    points_.insert(points_.end(), closer.begin(), closer.end());
+    std::sort(points_.begin(), points_.end(),
+              [](const ResponsePoint& a, const ResponsePoint& b) { return a.Hz < b.Hz; });
+    Read();
+  }
+
+  ResponseCurve Curve;  ///< unwrapped
+  torvane::Margins Margins;
+
+ private:
+  void Read() {
+    Curve = points_;
+    if (fromClosed_) OpenFromClosed(Curve);
+    std::erase_if(Curve, [](const ResponsePoint& p) { return p.Gain > HighestGain; });
+    UnwrapPhase(Curve);
+    Margins = FindMargins(Curve, as_);
+  }
+
+  static std::vector<double> About(const torvane::Margins& margins) {
+    constexpr int Beside = 4;
+    constexpr double Apart = 5e-4;
+    std::vector<double> near;
+    const auto add = [&](double hz) {
+      for (int i = -Beside; i <= Beside; ++i) near.push_back(hz * (1.0 + i * Apart));
+    };
+    for (const auto& hz : {margins.GainBandwidth, margins.PhaseBandwidth}) {
+      if (hz) add(*hz);
+    }
+    for (const auto& peak : {margins.Peaking, margins.Sensitivity}) {
+      if (peak) add(peak->Hz);
+    }
+    for (const auto* all : {&margins.PhaseMargins, &margins.GainMargins}) {
+      for (const auto& one : *all) add(one.Hz);
+    }
+    return near;
+  }
+
+  ReadAs as_;
+  bool fromClosed_;
+  ResponseCurve points_;  ///< as they were computed
+};
 
 }  // namespace
 
@@ -92,17 +136,30 @@ ResponseCurve TheoryPair::At(std::span<const double> hz, ReadSignals read) const
   return curve;
 }
 
+std::vector<Root> TheoryPair::Roots() const {
+  std::vector<Root> roots = Poles(both_);
+  for (const Index output : {0, 1}) {
+    const auto zeros = Zeros(both_, output);
+    roots.insert(roots.end(), zeros.begin(), zeros.end());
+  }
+  return roots;
+}
+
+double TheoryPair::LowestHz() const {
+  double lowest = Lowest;
+  for (const Root& root : Roots()) {
+    if (root.Hz > LowestOfAll) lowest = std::min(lowest, BelowRoots * root.Hz);
+  }
+  return lowest;
+}
+
 std::vector<double> TheoryPair::Frequencies(double from, double to, int perDecade) const {
   std::vector<double> hz;
   const int count = static_cast<int>(perDecade * std::log10(to / from));
   hz.reserve(static_cast<std::size_t>(count) + 2);
   for (int i = 0; i <= count; ++i) hz.push_back(from * std::pow(10.0, 1.0 * i / perDecade));
   hz.push_back(to);
-  std::vector<Root> roots = Poles(both_);
-  for (const Index output : {0, 1}) {
-    const auto zeros = Zeros(both_, output);
-    roots.insert(roots.end(), zeros.begin(), zeros.end());
-  }
+  const std::vector<Root> roots = Roots();
   constexpr double Resonant = 0.1;  // damping above which the even spacing follows well
   for (const Root& root : roots) {
     const double damping = std::abs(root.Damping);
@@ -131,14 +188,7 @@ LinearSystem TheoryPair::System() const {
 Margins TheoryOfClosed(const LinearModel& model, const std::string& input,
                        const std::string& output) {
   const TheoryPair pair(model, input, output);
-  ResponseCurve curve = WholeResponse(model, pair);
-  UnwrapPhase(curve);
-  Margins margins = FindMargins(curve, ReadAs::Closed);
-  if (margins.Peaking) {
-    const Margins near = FindMargins(About(pair, margins.Peaking->Hz), ReadAs::Closed);
-    if (near.Peaking) margins.Peaking = near.Peaking;
-  }
-  return margins;
+  return CloseReading(model, pair, ReadAs::Closed, false).Margins;
 }
 
 ModelLoop LoopOf(const ZelModel& model) {
@@ -157,18 +207,16 @@ LoopTheory TheoryOfLoop(const LinearModel& linear, const ModelLoop& loop) {
   const TheoryPair pair(linear, loop.Input, loop.Output);
   LoopTheory theory;
   theory.Notes = linear.Notes;
-  const auto opened = [&loop](ResponseCurve curve) {
-    if (loop.FromClosed) OpenFromClosed(curve);
-    return curve;
-  };
-  theory.Open = opened(WholeResponse(linear, pair));
-  std::erase_if(theory.Open, [](const ResponsePoint& p) { return p.Gain > HighestGain; });
-  UnwrapPhase(theory.Open);
-  theory.Read = FindMargins(theory.Open, ReadAs::Open);
-  if (auto& peak = theory.Read.Sensitivity) {
-    const Margins near = FindMargins(opened(About(pair, peak->Hz)), ReadAs::Open);
-    if (near.Sensitivity) peak = near.Sensitivity;
+  for (const std::string& signal : {loop.Input, loop.Output}) {
+    if (linear.Moves(*linear.Find(signal))) {
+      theory.Notes.push_back(signal +
+                             " goes on between the loop's samples: it is read a step of "
+                             "the solver after them, which counts as so much less delay");
+    }
   }
+  CloseReading reading(linear, pair, ReadAs::Open, loop.FromClosed);
+  theory.Open = std::move(reading.Curve);
+  theory.Read = std::move(reading.Margins);
   return theory;
 }
 

@@ -37,11 +37,16 @@ class TheoryPair {
   /// resonates.
   std::vector<double> Frequencies(double from, double to, int perDecade) const;
 
+  /// Below it nothing of the response changes any more but for integrators, Hz.
+  double LowestHz() const;
+
   /// From the input to the output alone, without what lies outside of them; a LinearFault when
   /// the output follows the command sooner than the input does.
   LinearSystem System() const;
 
  private:
+  std::vector<Root> Roots() const;
+
   const LinearModel& model_;
   Eigen::Index input_;
   Eigen::Index output_;

@@ -24,6 +24,8 @@ struct RunReadings {
   std::optional<double> Ise;          ///< the same of its square
   std::optional<double> Peak;         ///< the largest magnitude of a signal about the step
   std::optional<double> Meets;        ///< 1 when all that is required is met, 0 when not
+  /// Those that are better than any number: no peaking, a gain that may grow without end.
+  std::vector<std::optional<double> RunReadings::*> Beyond;
   std::vector<std::string> Reasons;   ///< why some are not there
   std::vector<std::string> Warnings;  ///< what makes some less trustworthy
 };
@@ -52,6 +54,7 @@ struct MeasureSet {
   bool Loop = false;
   bool Peak = false;
   bool Requirements = false;
+  bool OneWindow = false;  ///< all runs go on equally long
 
   bool Has(MeasureNeeds needs) const;
 };

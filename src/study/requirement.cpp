@@ -56,7 +56,11 @@ bool Requirement::Met(const RunReadings& readings) const {
 
 std::optional<double> Requirement::Missed(const RunReadings& readings) const {
   const std::optional<double>& value = readings.*measure_->Value;
-  if (!value) return std::nullopt;
+  if (!value) {
+    const bool met = atMost_ != measure_->MoreIsBetter &&
+                     std::ranges::find(readings.Beyond, measure_->Value) != readings.Beyond.end();
+    return met ? std::optional(0.0) : std::nullopt;
+  }
   const double beyond = atMost_ ? *value - bound_ : bound_ - *value;
   return std::max(0.0, beyond) / (bound_ == 0.0 ? 1.0 : std::abs(bound_));
 }

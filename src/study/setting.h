@@ -24,6 +24,9 @@ class ModelSetting {
   /// limited.
   void Set(const std::string& text);
 
+  /// It takes one of some texts.
+  bool IsChoice() const { return !choices_.empty(); }
+
   /// The value that it has, as Set would take it.
   std::string Text() const;
   /// "NAME is limited to VALUE" when it does not have the value that was set last; else empty.

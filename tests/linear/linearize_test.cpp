@@ -183,9 +183,13 @@ TEST(Linearize, MarginsAreThoseOfTheEquations) {
   }
 }
 
-TEST(Linearize, SensitivityPeaksWhereTheEquationsHaveIt) {
+TEST(Linearize, MarginsAndSensitivityAreThoseOfTheEquationsToSixDigits) {
   const auto model = MakeModel("3-1 PI Controller");
-  const auto peak = TheoryOfLoop(*model).Read.Sensitivity;
+  const Margins margins = TheoryOfLoop(*model).Read;
+  EXPECT_NEAR(margins.SmallestPhaseMargin()->Value, 55.620938, 1e-5);
+  EXPECT_NEAR(margins.SmallestGainMargin()->Value, 14.889581, 1e-5);
+  EXPECT_NEAR(margins.SmallestGainMargin()->Hz, 239.639545, 1e-4);
+  const auto peak = margins.Sensitivity;
   const auto at = [](double hz) { return 1.0 / std::abs(1.0 + Loop31({0.0, 2.0 * pi * hz})); };
   ASSERT_TRUE(peak);
   EXPECT_NEAR(peak->Value, at(peak->Hz), 1e-6);

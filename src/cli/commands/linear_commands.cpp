@@ -130,7 +130,7 @@ void WriteMargins(const LoopTheory& theory, ResultFile& file) {
     file.Write(CsvLine({"Theory", "Sensitivity", FormatGeneral(peak->Hz, 6, 2),
                         FormatGeneral(peak->Value, 6, 2), ""}));
   }
-  if (theory.Read.Empty()) TellNotes(theory.Read.Missing);
+  TellNotes(theory.Read.Missing);
 }
 
 void WarnUnstable(const LinearModel& linear) {

@@ -16,6 +16,8 @@
 #include "core/csv.h"
 #include "core/files/model_file.h"
 #include "core/messages.h"
+#include "core/text.h"
+#include "study/setting.h"
 #include "study/tuning.h"
 
 namespace torvane::cli {
@@ -103,8 +105,24 @@ class TuneRun {
     if (std::set(ends.Names.begin(), ends.Names.end()).size() < ends.Names.size()) {
       throw UsageError("--vary: each constant or generator setting once");
     }
-    for (const std::size_t end : {0, 1}) {
-      for (const std::string& remark : ApplyRun(model->Bench(), ends, end).Remarks) Note(remark);
+    for (const std::string& name : ends.Names) {
+      if (!ModelSetting::Named(model->Bench(), name).IsChoice()) continue;
+      throw UsageError("--vary " + name + ": a choice cannot be searched; \"study\" tries each");
+    }
+    Limit(&StudyRange::From, ApplyRun(model->Bench(), ends, 0));
+    Limit(&StudyRange::To, ApplyRun(model->Bench(), ends, 1));
+  }
+
+  // Of what the model does not take nothing is searched.
+  void Limit(double StudyRange::*end, const AppliedRun& applied) {
+    for (const std::string& remark : applied.Remarks) Note(remark);
+    if (applied.Remarks.empty()) return;
+    for (std::size_t i = 0; i < applied.Settings.size(); ++i) {
+      search_.Ranges[i].*end = ParseNumber(applied.Settings[i]).value_or(search_.Ranges[i].*end);
+    }
+    for (const StudyRange& range : search_.Ranges) {
+      const std::string fault = range.Fault();
+      if (!fault.empty()) throw UsageError("--vary " + range.Name + ": " + fault);
     }
   }
 

@@ -13,6 +13,12 @@ const Margins::Reading* Address(const std::optional<Margins::Reading>& reading) 
   return reading ? &*reading : nullptr;
 }
 
+void AppendNew(const std::vector<std::string>& more, std::vector<std::string>& all) {
+  for (const std::string& one : more) {
+    if (std::ranges::find(all, one) == all.end()) all.push_back(one);
+  }
+}
+
 }  // namespace
 
 void LoopFindings::TakeClosed(const Margins& closed) {
@@ -25,6 +31,7 @@ void LoopFindings::TakeClosed(const Margins& closed) {
   readings_.Bandwidth = closed.GainBandwidth;
   highest_ = std::max(highest_, closed.GainBandwidth.value_or(0.0));
   Take(&RunReadings::Peaking, Address(closed.Peaking));
+  if (closed.NeverPeaks) readings_.Beyond.push_back(&RunReadings::Peaking);
   Miss(closed.Missing);
 }
 
@@ -37,14 +44,11 @@ void LoopFindings::TakeOpen(const Margins& open) {
 }
 
 void LoopFindings::Miss(const std::vector<std::string>& why) {
-  Append(readings_.Reasons, why);
+  AppendNew(why, readings_.Reasons);
 }
 
 void LoopFindings::Doubt(const std::vector<std::string>& doubts) {
-  auto& warnings = readings_.Warnings;
-  for (const std::string& doubt : doubts) {
-    if (std::ranges::find(warnings, doubt) == warnings.end()) warnings.push_back(doubt);
-  }
+  AppendNew(doubts, readings_.Warnings);
 }
 
 void LoopFindings::Take(std::optional<double> RunReadings::*measure,

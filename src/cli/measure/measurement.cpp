@@ -82,6 +82,11 @@ void CheckAskedFor(const std::string& option, const RunMeasure& measure, const M
   if (measure.Value == &RunReadings::Window || measure.Value == &RunReadings::Meets) {
     throw UsageError(option + " " + measure.Caption + ": it says nothing of how good a run is");
   }
+  if (measure.Value == &RunReadings::RmsError && !set.OneWindow) {
+    throw UsageError(option +
+                     " RMS Error needs --window, or it would be told of longer and "
+                     "shorter runs; IAE and ISE go without");
+  }
   CheckMeasured(option, measure, set);
 }
 

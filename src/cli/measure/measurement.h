@@ -21,7 +21,9 @@ struct MeasureOptions {
 
   std::string Peak;  ///< a signal of which the largest magnitude is told
 
-  MeasureSet Measured() const { return {WithBode || WithTheory, !Peak.empty(), false}; }
+  MeasureSet Measured() const {
+    return {WithBode || WithTheory, !Peak.empty(), false, Window || TimeBase};
+  }
   std::optional<double> Until;
   std::optional<double> Window;
   std::optional<double> TimeBase;

@@ -22,7 +22,8 @@ bool HasAll(const std::vector<ModelLoop::Setting>& settings) {
 }
 
 void ReadLinear(const MakeModel& make, const std::string& command, const std::string& response,
-                LoopFindings& findings) {
+                RunReadings& readings) {
+  LoopFindings findings(readings);
   const auto read = [&](const auto& part) {
     try {
       part();
@@ -40,6 +41,8 @@ void ReadLinear(const MakeModel& make, const std::string& command, const std::st
         HasAll(loop.Meanwhile) ? TheoryOfLoop(linear, loop) : TheoryOfLoop(*make());
     findings.Doubt(theory.Notes);
     findings.TakeOpen(theory.Read);
+    // A measurement that ends somewhere does not know.
+    if (theory.Read.NeverTurns) readings.Beyond.push_back(&RunReadings::GainMargin);
   });
 }
 
@@ -47,8 +50,7 @@ void ReadLinear(const MakeModel& make, const std::string& command, const std::st
 
 void ReadTheory(const MakeModel& make, const std::string& command, const std::string& response,
                 RunReadings& readings) {
-  LoopFindings findings(readings);
-  ReadLinear(make, command, response, findings);
+  ReadLinear(make, command, response, readings);
   for (const RunMeasure& measure : Measures()) {
     auto& value = readings.*measure.Value;
     if (measure.OfLoop() && value) value = ParseNumber(FormatGeneral(*value, Digits, 2));

@@ -198,6 +198,7 @@ void RunStudy(StudyOptions options, Console& console) {
 
 void MergeStudies(const StudyOptions& options) {
   if (options.Files.empty()) throw UsageError("--merge needs the results of shares");
+  CheckStudyBest(options, {true, true, true, true});
   CheckPictureFile(options.Picture);
   for (const std::string& path : options.Files) {
     CheckOutputs(options.Out, options.Picture, path);

@@ -26,7 +26,8 @@ std::pair<std::string, std::string> TwoParts(const std::string& text, char at, c
   if (split == std::string::npos || text.find(at, split + 1) != std::string::npos) {
     throw UsageError(std::string(form) + ", not \"" + text + "\"");
   }
-  return {text.substr(0, split), text.substr(split + 1)};
+  return {std::string(Trimmed(std::string_view(text).substr(0, split))),
+          std::string(Trimmed(std::string_view(text).substr(split + 1)))};
 }
 
 StudyMap MapOf(const StudyOptions& options, const ResultTable& table) {

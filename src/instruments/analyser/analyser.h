@@ -99,8 +99,6 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   bool ShowsTheory() const { return View().Theory && !OutputOnly(); }
   /// It has been set for the chosen pair, be it that there is none.
   bool TheoryKnown() const { return HasData(TheorySlot) || !theoryFault_.empty(); }
-  /// Why there is none.
-  const std::string& TheoryFault() const { return theoryFault_; }
 
   /// What is shown of a slot at any frequency, Hz; nothing where it has no such value.
   std::optional<double> Read(ResponseQuantity quantity, int slot, double hz) const;

@@ -74,7 +74,8 @@ std::size_t Highest(std::span<const LogPoint> points) {
 
 void ReadPeak(std::span<const LogPoint> points, Margins& margins) {
   const std::size_t highest = Highest(points);
-  if (points[highest].Gain <= LeastPeak) {
+  margins.NeverPeaks = points[highest].Gain <= LeastPeak;
+  if (margins.NeverPeaks) {
     margins.Missing.push_back("no peaking: the gain does not rise above " + Text(LeastPeak) +
                               " dB" + Between(points));
   } else if (highest == 0 || highest + 1 == points.size()) {
@@ -143,6 +144,7 @@ void ReadCrossings(std::span<const LogPoint> points, Margins& margins) {
   for (const LevelCrossing& one : ofPhase.All()) {
     margins.GainMargins.push_back({one.Hz, -one.Value});
   }
+  margins.NeverTurns = ofPhase.All().empty() && !ofPhase.Scattered();
   ReadSensitivity(points, margins);
   margins.Scatter = std::max(ofGain.Scatter(), ofPhase.Scatter());
   KeepSmallest(margins.PhaseMargins);

@@ -36,11 +36,13 @@ struct Margins {
   std::optional<double> PhaseBandwidth;
   /// The greatest gain, dB, when it is above 0.1 dB and not at an end of the curve.
   std::optional<Reading> Peaking;
+  bool NeverPeaks = false;  ///< the gain stays below 0.1 dB
   /// Each crossing of 0 dB with its phase margin, 180 degrees plus the phase, in (-180, 180]; each
   /// crossing of an odd number of half turns with its gain margin, the gain's negative in dB. Of
   /// more than MostCrossings the smallest margins.
   std::vector<Reading> PhaseMargins;
   std::vector<Reading> GainMargins;
+  bool NeverTurns = false;  ///< of an open response: its phase crosses no odd number of half turns
   /// Of an open response the sensitivity peak: the greatest of 1 / |1 + response|, the reciprocal
   /// of the least distance from -1. None when that lies at an end, where it may not be the
   /// greatest.
