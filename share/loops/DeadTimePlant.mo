@@ -20,5 +20,5 @@ equation
       responses(
         Closed(from = Command, to = Response),
         Open(from = Error, to = Response, kind = "open")),
-      analysers(amplitude = 0.5, sweepTo = 20)));
+      analysers(amplitude = 0.5, sweepTo = 20, samplePeriod = 0.002, order = 14)));
 end DeadTimePlant;

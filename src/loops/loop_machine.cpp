@@ -55,9 +55,10 @@ void LoopMachine::CheckClocks(std::vector<Problem>& found) const {
       found.push_back(
           {clock.Where, "the sample period is " + FormatEdit(period) + " s; it must be above 0"});
     } else if (period < plan_.Step) {
-      found.push_back({clock.Where,
-                       "the sample period is shorter than the step: one sample a step is taken",
-                       true});
+      found.push_back(
+          {clock.Where,
+           "the sample period is shorter than the step: samples come with the step's evaluations",
+           true});
     }
     if (!(Register(clock.Start) >= 0.0)) {
       found.push_back({clock.Where, "the first sample must not come before time 0"});

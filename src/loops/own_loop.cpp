@@ -209,6 +209,9 @@ ModelLoop OwnLoop::NamedLoop() const {
   const LoopPlan::Feedback& loop = plan_->Instruments.Loop;
   ModelLoop named{.Input = loop.Input, .Output = loop.Output, .FromClosed = loop.FromClosed};
   if (const auto slowest = SlowestClock()) named.SampleTime = machine_.ClockAt(*slowest).Period();
+  named.RecordPeriod =
+      plan_->Instruments.FftSamplePeriod.value_or(std::max(named.RecordPeriod, plan_->Step));
+  named.RecordOrder = plan_->Instruments.FftOrder.value_or(named.RecordOrder);
   const auto take = [this](const auto& conditions, auto& settings) {
     for (const auto& [name, value] : conditions) {
       settings.push_back({Bench().FindConst(name), value});
@@ -223,6 +226,7 @@ void OwnLoop::BeginRun() {
   HandOnConstants();
   RefuseConstants();
   BeginCommand();
+  if (beginning_) Evaluate(Bench().Time());
 }
 
 void OwnLoop::RefuseConstants() const {
@@ -238,6 +242,7 @@ void OwnLoop::BeginAnew() {
   machine_.Begin(Bench().Time());
   for (const auto& signal : signals_) signal->Reset();
   beginning_ = true;
+  unmoved_ = true;
 }
 
 void OwnLoop::HandOnConstants() {
@@ -256,6 +261,8 @@ void OwnLoop::HandOnConstants() {
     const int start = plan_->States[i].Start;
     if (start >= 0) states_[i]->InitialValue = machine_.Register(start);
   }
+  // Where a loop that has not moved yet starts from follows its constants.
+  if (unmoved_) BeginAnew();
 }
 
 // What the text was told for already at its defaults, a user has seen.
@@ -282,6 +289,7 @@ void OwnLoop::BeginStep(double t) {
 }
 
 long double OwnLoop::EndStep(double t) {
+  unmoved_ = false;
   long double size = 0.0L;
   for (const Source& source : sources_) {
     source.Wave->AtEndOfStep(t);
@@ -293,6 +301,10 @@ long double OwnLoop::EndStep(double t) {
 void OwnLoop::Derivatives(double t) {
   HandOnConstants();
   BeginCommand();
+  Evaluate(t);
+}
+
+void OwnLoop::Evaluate(double t) {
   machine_.TakeStates();
   BeginStep(Bench().Time());
   machine_.EvaluateEquations(t);

@@ -62,6 +62,7 @@ class OwnLoop final : public ZelModel, public Carrier {
   void TellDoubts(const std::string& doubts);
   void BeginCommand();
   void TakeSources(double t);
+  void Evaluate(double t);
 
   std::shared_ptr<const LoopPlan> plan_;
   std::string text_;
@@ -72,6 +73,7 @@ class OwnLoop final : public ZelModel, public Carrier {
   std::string fault_;                            ///< why they were refused
   std::optional<std::string> doubts_;            ///< what was told of them last
   bool beginning_ = false;                       ///< the model is being reset
+  bool unmoved_ = false;                         ///< no step since it began
   TimeVariable time_;
   std::vector<std::unique_ptr<Variable>> signals_;
   std::vector<StateVariable*> states_;

@@ -257,8 +257,11 @@ std::optional<double> DisplayFactor(std::string_view unit, std::string_view disp
   const bool alike = from->Angle == to->Angle;
   const double factor = alike ? from->Size / to->Size : from->Count / to->Count;
   // How many turns or degrees a count of 1 is nobody knows; it stands for a radian or a cycle.
-  const double counted = std::log10(from->Angle == 0 ? to->Count : from->Count);
-  if (!alike && !(std::abs(counted - std::round(counted)) < 1e-9)) return {};
+  const auto decimal = [](double count) {
+    const double power = std::log10(count);
+    return std::abs(power - std::round(power)) < 1e-9;
+  };
+  if (!alike && !(decimal(from->Count) && decimal(to->Count))) return {};
   const double whole = std::round(factor);
   return std::abs(factor - whole) < 1e-12 * whole ? whole : factor;
 }

@@ -87,6 +87,38 @@ TEST(RunningLoopTest, KeepsItsPastWhenConstantsChange) {
   }
 }
 
+TEST(RunningLoopTest, StartsWhereItsConstantsSayUntilItMoves) {
+  const auto loop = [](const std::string& from) {
+    return Loop("model R parameter Real from = " + from +
+                "; Real x(start = from); Real y = late.y; discrete Real k(start = from);"
+                "Torvane.Continuous.DeadTime late(u = x, T = 0.02, start = from);"
+                "equation der(x) = 1; when sample(0, 1/256) then k = pre(k) + 1; end when;"
+                "annotation(experiment(Interval = 1/1024)); end R;");
+  };
+  const auto told = loop("1");
+  told->Bench().FindConst("from")->Set(2);
+  EXPECT_EQ(RowsOf(*told, 40), RowsOf(*loop("2"), 40));
+  const double x = told->Bench().FindVar("x")->Value;
+  told->Bench().FindConst("from")->Set(5);
+  RowsOf(*told, 1);
+  EXPECT_EQ(told->Bench().FindVar("x")->Value, x + Step);
+}
+
+TEST(RunningLoopTest, ADeadTimeThatChangesKeepsToWhatWasRecorded) {
+  const auto model = Loop(
+      "model R parameter Real T = 8/1024; Real y = delay(1 + time, T);"
+      "annotation(experiment(Interval = 1/1024)); end R;");
+  Constant& t = *model->Bench().FindConst("T");
+  RowsOf(*model, 100);
+  t.Set(1);
+  RowsOf(*model, 1);  // no longer ago than what is kept
+  EXPECT_NEAR(model->Bench().FindVar("y")->Value, 1 + 91 * Step, 2 * Step);
+  EXPECT_THROW(Linearize(*model), std::runtime_error);
+  t.Set(2 * Step);
+  RowsOf(*model, 1);
+  EXPECT_NO_THROW(Linearize(*model));
+}
+
 struct Change {
   const char* Constant;
   double Value;

@@ -14,10 +14,8 @@
 namespace torvane::cli {
 namespace {
 
-constexpr int Order = 12;
 constexpr int Averages = 4;
-constexpr double SampleTime = 0.00025;  // of a continuous loop
-constexpr double Rest = 0.2;            // of the record, without excitation
+constexpr double Rest = 0.2;  // of the record, without excitation
 // Where that scatters by more than this share of what is borne, more records are averaged.
 constexpr double LeastScatter = 0.1;
 constexpr int MoreAverages = 32;
@@ -45,14 +43,15 @@ std::optional<ModelLoop> OpenLoop(const ZelXfer& xfer, const LoopOptions& option
 
 // What the model's loop asks for where the options leave it open. A loop that samples is measured
 // when it does: it has no response in between.
-BodeOptions Completed(BodeOptions bode, const std::optional<ModelLoop>& loop) {
+BodeOptions Completed(BodeOptions bode, const std::optional<ModelLoop>& named) {
   ResponseOptions& response = bode.Response;
-  const double period = loop && loop->SampleTime > 0.0 ? loop->SampleTime : SampleTime;
-  if (!bode.Order) bode.Order = Order;
+  const ModelLoop loop = named.value_or(ModelLoop{});
+  const double period = loop.SampleTime > 0.0 ? loop.SampleTime : loop.RecordPeriod;
+  if (!bode.Order) bode.Order = loop.RecordOrder;
   if (!response.Average) response.Average = Averages;
   if (!response.TSample) response.TSample = period;
   if (!bode.EndDelay) bode.EndDelay = Rest * std::ldexp(*response.TSample, *bode.Order);
-  if (!response.Amplitude && loop) response.Amplitude = loop->Amplitude;
+  if (!response.Amplitude && named) response.Amplitude = loop.Amplitude;
   bode.Spectrum = false;  // margins are read off a response
   return bode;
 }

@@ -32,6 +32,10 @@ struct ModelLoop {
   double Amplitude = 1.0;
   /// When the loop takes its next sample, simulated seconds; of one that samples.
   double NextSample = 0.0;
+  /// Between the samples of a record that measures the loop where it is continuous, seconds.
+  double RecordPeriod = 0.00025;
+  /// Such a record has 2^RecordOrder samples.
+  int RecordOrder = 12;
 };
 
 }  // namespace torvane

@@ -86,18 +86,19 @@ class QuantiserBlock final : public OneToOne {
   bool down_ = false;
 };
 
-/// y follows u with the time constant Td, at most as fast as rising and falling:
+/// y follows u with the time constant Td, at least a step, and at most as fast as rising and
+/// falling:
 ///
 ///     dy/dt = (u - y) / Td, limited to falling ... rising
 class SlewRateLimiterBlock final : public OneToOne {
  public:
   explicit SlewRateLimiterBlock(const BlockMaking& making)
-      : OneToOne(making), state_(wiring_.States()), slope_(wiring_.Slopes()) {}
+      : OneToOne(making), step_(making.Step), state_(wiring_.States()), slope_(wiring_.Slopes()) {}
 
   void Prepare() override {
     rising_ = wiring_.Parameter(0);
     falling_ = wiring_.Parameter(1);
-    timeConstant_ = wiring_.Parameter(2);
+    timeConstant_ = std::max(wiring_.Parameter(2), step_);
   }
   const char* Fault() const override {
     if (!(wiring_.Parameter(0) > 0.0) || !(wiring_.Parameter(1) < 0.0)) {
@@ -112,6 +113,7 @@ class SlewRateLimiterBlock final : public OneToOne {
   }
 
  private:
+  const double step_;
   const double* state_;
   double* slope_;
   double rising_ = 1.0;
@@ -175,8 +177,8 @@ class DeadTimeBlock final : public OneToOne {
   void Prepare() override {
     back_ = std::max(wiring_.Parameter(0) / step_, 1.0);
     start_ = wiring_.Parameter(1);
-    const auto needed = static_cast<std::size_t>(back_) + 2;
-    if (needed > past_.size()) Grow(needed);
+    needed_ = static_cast<std::size_t>(back_) + 2;
+    if (needed_ > past_.size()) Grow();
     if (!begun_) Forget();
   }
 
@@ -209,7 +211,8 @@ class DeadTimeBlock final : public OneToOne {
 
   void Carry(Carried& carried) override {
     std::rotate(past_.begin(), past_.begin() + static_cast<std::ptrdiff_t>(last_) + 1, past_.end());
-    last_ = past_.size() - 1;
+    past_.erase(past_.begin(), past_.end() - static_cast<std::ptrdiff_t>(needed_));
+    last_ = needed_ - 1;
     inPlace_ = true;
     for (double& u : past_) carried.Number(u);
     carried.Keep(recorded_);
@@ -232,12 +235,13 @@ class DeadTimeBlock final : public OneToOne {
     }
   }
 
-  // What was recorded stays, and before it nothing was known.
-  void Grow(std::size_t size) {
-    std::vector<double> grown(size, start_);
-    for (std::size_t ago = 0; ago < past_.size(); ++ago) grown[size - 1 - ago] = Past(ago);
+  // What was recorded stays; of u before that nothing is known any more, but how it was then.
+  void Grow() {
+    const double before = begun_ ? Past(past_.size() - 1) : start_;
+    std::vector<double> grown(needed_, before);
+    for (std::size_t ago = 0; ago < past_.size(); ++ago) grown[needed_ - 1 - ago] = Past(ago);
     past_ = std::move(grown);
-    last_ = size - 1;
+    last_ = needed_ - 1;
   }
 
   void Forget() {
@@ -248,6 +252,7 @@ class DeadTimeBlock final : public OneToOne {
   const double step_;
   double back_ = 1.0;  ///< T in steps
   double start_ = 0.0;
+  std::size_t needed_ = 2;    ///< of past_
   std::vector<double> past_;  ///< u at the beginnings of steps, a ring
   std::size_t last_ = 0;
   double recorded_ = -1.0;  ///< the time of the last of them
