@@ -5,7 +5,7 @@
 # A model: its name, or a model file.
 _torvane_models() {
   local -a names=(${(f)"$(_call_program models torvane-cli models 2>/dev/null | cut -f 2)"})
-  _alternative "models:model:compadd -a names" 'files:model file:_files -g "*.(#i)tvf"'
+  _alternative "models:model:compadd -a names" 'files:model file or loop:_files -g "*.((#i)tvf|mo)"'
 }
 
 _torvane_cli() {

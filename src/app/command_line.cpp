@@ -19,13 +19,13 @@ std::string ModelName(const std::string& text) {
   return entries[static_cast<std::size_t>(*index)].Name;
 }
 
-// Anything to read that exists, or the name of a model file, whose absence is reported when it is
-// opened.
+// Anything to read that exists, or the name of a model file or a loop's, whose absence is reported
+// when it is opened.
 bool IsFile(const std::string& text) {
   std::error_code ignored;
   const auto status = std::filesystem::status(text, ignored);
   return (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) ||
-         text.ends_with(".tvf") || text.ends_with(".TVF");
+         text.ends_with(".tvf") || text.ends_with(".TVF") || text.ends_with(".mo");
 }
 
 }  // namespace
@@ -74,10 +74,11 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
 
 std::string HelpText() {
   std::string text =
-      "Usage: torvane [MODEL|FILE.tvf] [--speed-test SECONDS]\n"
+      "Usage: torvane [MODEL|FILE.tvf|LOOP.mo] [--speed-test SECONDS]\n"
       "Simulator of feedback control systems.\n\n"
       "  MODEL                 model to start with, by name, its beginning or number\n"
       "  FILE.tvf              model file to open\n"
+      "  LOOP.mo               loop of your own to open\n"
       "  --speed-test SECONDS  press Run, print the speed after that time, and end\n"
       "  --help                print this text\n"
       "  --version             print the version\n\n"

@@ -8,7 +8,6 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -163,10 +162,6 @@ void Desktop::AnswerBox() {
       name->setText(answer);
       QTest::keyClick(name, Qt::Key_Return);
     }
-    if (auto* input = qobject_cast<QInputDialog*>(box)) {
-      input->setTextValue(answer);
-      return input->accept();
-    }
     for (QAbstractButton* button : box->findChildren<QAbstractButton*>()) {
       if (button->text().remove(u'&') == answer) return button->click();
     }
@@ -201,6 +196,8 @@ bool Desktop::DoToAll(const std::string& verb, const QString& rest) {
     QFile file(first);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(QString(second).replace(u"\\n"_qs, u"\n"_qs).toUtf8());
+  } else if (verb == "remove") {
+    EXPECT_TRUE(QFile::remove(rest));
   } else {
     return DoToWindow(verb, rest);
   }

@@ -45,7 +45,7 @@ struct Target {
 ///   resize NAME 800x600
 ///   set CONSTANT VALUE    as another window does
 ///   box TEXT              answers the next box: with a file, or the button of that caption
-///   put FILE TEXT         writes a file; drop FILE: on the main window
+///   put FILE TEXT         writes a file; remove FILE; drop FILE: on the main window
 ///   size 800,600          of the main window; place NAME 40,30,640,420: of a window
 ///   start                 the program ends and starts anew, its windows as they were left
 ///   look NAME             remembers how it looks, and where its window stands; "clipboard" too

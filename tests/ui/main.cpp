@@ -9,6 +9,7 @@ int main(int argc, char** argv) {
   // Nothing of the user's own is read or written.
   const QTemporaryDir home;
   qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+  qputenv("XDG_DATA_HOME", home.path().toUtf8());
   qputenv("XDG_STATE_HOME", home.path().toUtf8());
   QApplication application(argc, argv);
   testing::InitGoogleTest(&argc, argv);

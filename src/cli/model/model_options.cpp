@@ -37,11 +37,9 @@ void AddModelSettings(CLI::App& command, ModelOptions& options) {
       .add_option(
           "--wave", options.Waves,
           "Set the waveform generator: Waveform (name or index), Amplitude, FreqHz, Offset, "
-          "PhaseDeg or DutyCycle; GENERATOR:KEY=VALUE addresses one by name. FILE.csv or "
-          "File=FILE.csv "
-          "plays a table of time and value; FILE.csv:COLUMN one of several columns. Repeatable")
+          "PhaseDeg or DutyCycle; GENERATOR:KEY=VALUE addresses one by name. Repeatable")
       ->allow_extra_args(false)
-      ->type_name("KEY=VALUE|FILE");
+      ->type_name("KEY=VALUE");
   command.add_flag("--yes", options.AnswerOk,
                    "Answer OK to every question; without it the answer is Cancel");
 }
@@ -91,9 +89,7 @@ std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& consol
                                         ? OpenModelText(options.Model, *options.FileText, console)
                                         : OpenModel(options.Model, console);
   for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
-  for (const std::string& wave : options.Waves) {
-    ApplyWave(model->Bench(), wave, *options.PlayedFiles);
-  }
+  for (const std::string& wave : options.Waves) ApplyWave(model->Bench(), wave);
   return model;
 }
 

@@ -13,10 +13,14 @@
 
 #include "core/messages.h"
 #include "core/text.h"
+#include "loops/loop_file.h"
 #include "models/catalogue.h"
+#include "plot/qt_text.h"
 #include "ui/desk/arrangement.h"
 #include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
+#include "ui/desk/loop_commands.h"
+#include "ui/desk/model_list.h"
 #include "ui/desk/pane_keys.h"
 #include "ui/desk/strip_menus.h"
 #include "ui/desk/view_menu.h"
@@ -64,6 +68,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
                                      Windows windows)
     : ui_(std::make_unique<Ui::TZelControlPanelF>()),
       data_(std::move(folder)),
+      shelf_(data_),
       theory_(std::make_unique<LiveTheory>(session_)),
       driver_(this),
       windows_(windows),
@@ -76,6 +81,8 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   HelpWithControls(*this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
+  loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_);
+  models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
   experiments_ = new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea,
                                      MakeDockAround(*ui_->InstrumentArea));
   connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
@@ -92,9 +99,6 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   // Of one size, so that a new time does not have the whole strip laid out anew.
   ui_->LTime->setFixedSize(ui_->LTime->sizeHint().expandedTo(
       {ui_->LTime->fontMetrics().horizontalAdvance(QStringLiteral("-0.00000e+000")), 0}));
-  for (const std::string& name : session_.Models().Names()) {
-    ui_->ModelCmB->addItem(QString::fromStdString(name));
-  }
   for (const Pace& pace : Paces) ui_->CmBPace->addItem(QLatin1String(pace.Label));
   ConnectSession();
   ConnectControls();
@@ -172,8 +176,12 @@ void TZelControlPanelF::ConnectControls() {
   connect(&picture_->Diagram(), &DiagramView::Given, ui_->InstrumentArea,
           [this](const Instrument& to) { ui_->InstrumentArea->SetShown(to, true); });
   connect(ui_->BShowModelTXT, &QAbstractButton::clicked, this, [this] {
-    text_->ShowModel(QString::fromStdString(Model()->Name()),
-                     QString::fromStdString(Model()->TextFile()), data_);
+    const QString name = QtText(Model()->Name());
+    if (session_.Loop()) {
+      text_->ShowText(name, QtText(session_.Loop()->Text));
+    } else {
+      text_->ShowModel(name, QtText(Model()->TextFile()), data_);
+    }
   });
   const auto undo = [this] { Model()->Bench().History().Undo(); };
   const auto redo = [this] { Model()->Bench().History().Redo(); };
@@ -181,9 +189,9 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->SBUndo, &QAbstractButton::clicked, this, undo);
   connect(ui_->MIRedo, &QAction::triggered, this, redo);
   connect(ui_->SBRedo, &QAbstractButton::clicked, this, redo);
-  connect(ui_->ModelCmB, &QComboBox::activated, this, &TZelControlPanelF::SelectModel);
   connect(ui_->MILoad, &QAction::triggered, files_.get(), &FileCommands::Load);
   connect(ui_->SpeedButton1, &QAbstractButton::clicked, files_.get(), &FileCommands::Load);
+  connect(ui_->MIOpenLoop, &QAction::triggered, loops_.get(), &LoopCommands::Open);
   connect(ui_->MISave, &QAction::triggered, files_.get(), &FileCommands::Save);
   connect(ui_->SBSave, &QAbstractButton::clicked, files_.get(), &FileCommands::Save);
   connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);
@@ -238,34 +246,15 @@ void TZelControlPanelF::ShowModel() {
   ShowLook();
   if (windows_ == Windows::AsLeft) arrangement::RecallHidden(*ui_->InstrumentArea);
   model.PrepareCapture();
-  ui_->SBShowModelBMP->setEnabled(!model.PictureFile().empty());
   ui_->BShowModelTXT->setVisible(!model.TextFile().empty());
   model.Bench().History().Attach(this);
   picture_->SetModel(&model, data_);
   ui_->MIDiagramPane->setEnabled(picture_->HasDiagram());
+  ui_->SBShowModelBMP->setEnabled(session_.Loop() || !model.PictureFile().empty());
   text_->hide();
-  ShowModelName();
+  models_->ShowPresent();
   ShowTime();
   experiments_->ModelShown();
-}
-
-// Choosing the present model builds it anew.
-void TZelControlPanelF::SelectModel(int index) {
-  const std::string name = ui_->ModelCmB->itemText(index).toStdString();
-  if (session_.MayDiscard()) {
-    if (session_.Models().Find(name)) {
-      session_.Choose(name);
-    } else {
-      Error("Could not find model " + name);
-    }
-  }
-  ShowModelName();
-}
-
-void TZelControlPanelF::ShowModelName() {
-  const QString name = QString::fromStdString(Model()->Name());
-  if (ui_->ModelCmB->currentText() == name) return;
-  ui_->ModelCmB->setCurrentIndex(ui_->ModelCmB->findText(name));
 }
 
 void TZelControlPanelF::ShowTitle() {
@@ -311,7 +300,7 @@ void TZelControlPanelF::ShowTime() {
 
 void TZelControlPanelF::RefreshTick() {
   if (!Model()) return;
-  ShowModelName();
+  models_->ShowPresent();
   ShowTitle();
   Model()->Bench().RefreshInstruments();
   picture_->Diagram().Refresh();

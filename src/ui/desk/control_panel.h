@@ -8,6 +8,7 @@
 #include "core/model.h"
 #include "ui/desk/run_driver.h"
 #include "ui/session/data_folder.h"
+#include "ui/session/loop_shelf.h"
 #include "ui/session/session.h"
 
 class QAction;
@@ -18,6 +19,8 @@ class ExperimentsMenu;
 class FileCommands;
 class InstrumentPane;
 class LiveTheory;
+class LoopCommands;
+class ModelList;
 class PolesPanel;
 class TZelModelPictureF;
 class GuideF;
@@ -86,8 +89,6 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void WatchMeter(InstrumentPane& pane);
   void ShowLoaded();
   void ShowLook();
-  void SelectModel(int index);
-  void ShowModelName();
   void ShowTitle();
   void RunToggled(bool down);
   void ShowFrame();
@@ -105,6 +106,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   std::unique_ptr<Ui::TZelControlPanelF> ui_;
   DataFolder data_;
   Session session_;
+  LoopShelf shelf_;
   std::unique_ptr<LiveTheory> theory_;
   RunDriver driver_;
   QTimer refreshTimer_;
@@ -113,10 +115,12 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   ViewMenu* view_;
   PolesPanel* poles_;
   ExperimentsMenu* experiments_ = nullptr;
+  ModelList* models_;
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
   GuideF* guide_ = nullptr;  // until it is asked for
   std::unique_ptr<FileCommands> files_;
+  std::unique_ptr<LoopCommands> loops_;
   int frames_ = 0;
   bool unasked_ = false;  // the end
 };

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "loops/loop_file.h"
+#include "plot/qt_text.h"
 #include "ui/desk/workspace.h"
 #include "ui/panes/experiment_panel.h"
 #include "ui/session/box_queue.h"
@@ -42,8 +44,9 @@ ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, const DataFolder
 
 void ExperimentsMenu::Fill() {
   menu_.clear();
+  const QString loop = session_.Loop() ? QtText(session_.Loop()->Path) : QString();
   int number = 0;
-  for (const OfferedExperiment& experiment : experiments_.Of(session_.Model()->Name())) {
+  for (const OfferedExperiment& experiment : experiments_.Of(session_.Model()->Name(), loop)) {
     const bool isWhole = experiment.Fault.isEmpty();
     QString title = isWhole ? QString::fromStdString(experiment.Record.Title) : experiment.Fault;
     title.replace(u'&', QStringLiteral("&&"));
@@ -64,7 +67,7 @@ void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
     own_ = workspace_.Present();
   }
   const QScopedValueRollback settingUp(settingUp_, true);
-  if (!session_.Choose(session_.Model()->Name())) return;
+  if (!session_.BuildAnew()) return;
   // What its class remembers of the run before would kick the loop, or keep its sampler waiting.
   session_.Model()->DropClassMemory();
   if (!session_.OpenConfiguration(experiment.File)) return;

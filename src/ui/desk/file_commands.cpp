@@ -1,21 +1,21 @@
 #include "ui/desk/file_commands.h"
 
 #include <QCoreApplication>
-#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStandardPaths>
-#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "core/files/model_file.h"
-#include "ui/session/box_queue.h"
+#include "loops/loop_file.h"
+#include "plot/qt_text.h"
+#include "ui/desk/report_list.h"
 #include "ui/session/last_session.h"
 #include "ui/session/session.h"
 #include "ui/session/user_settings.h"
@@ -57,7 +57,8 @@ QString Choose(QFileDialog& dialog) {
 FileCommands::FileCommands(QWidget& window, QMenu& recent, Session& session, const DataFolder& data)
     : window_(window), recent_(recent), session_(session), data_(data) {
   connect(&recent_, &QMenu::aboutToShow, this, &FileCommands::FillRecent);
-  connect(&session_, &Session::FileChanged, this, &FileCommands::AddRecent);
+  connect(&session_, &Session::FileChanged, this, [this] { AddRecent(session_.File()); });
+  connect(&session_, &Session::LoopOpened, this, &FileCommands::AddRecent);
   connect(&session_, &Session::ManyReports, this, &FileCommands::ShowManyReports);
   FillRecent();
 }
@@ -135,15 +136,19 @@ bool FileCommands::Save() {
   return session_.File().isEmpty() ? SaveAs() : session_.Save(session_.File());
 }
 
-// Where the file is that is being saved, else where the user was last; never the program's own.
+// Where the file is that is being saved, or the loop that it is for, else where the user was last;
+// never the program's own.
 QString FileCommands::SaveFolder() const {
-  const QString folder = session_.File().isEmpty() ? UserSettings().value(LastFolderKey).toString()
-                                                   : QFileInfo(session_.File()).path();
-  const QString examples =
-      QFileInfo(data_.FindFolder(QStringLiteral("examples"))).canonicalFilePath();
+  const QString file = session_.File().isEmpty() && session_.Loop() ? QtText(session_.Loop()->Path)
+                                                                    : session_.File();
+  const QString folder =
+      file.isEmpty() ? UserSettings().value(LastFolderKey).toString() : QFileInfo(file).path();
   const QFileInfo found(folder);
-  const bool own = !folder.isEmpty() && found.isDir() && found.isWritable() &&
-                   found.canonicalFilePath() != examples &&
+  const bool shipped = std::ranges::any_of(std::array{"examples", "loops"}, [&](const char* name) {
+    return found.canonicalFilePath() ==
+           QFileInfo(data_.FindFolder(QLatin1String(name))).canonicalFilePath();
+  });
+  const bool own = !folder.isEmpty() && found.isDir() && found.isWritable() && !shipped &&
                    found.canonicalFilePath() != QCoreApplication::applicationDirPath();
   return own ? folder : QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
 }
@@ -181,31 +186,19 @@ void FileCommands::ShowManyReports(const CollectedReports::Rest& rest) {
   if (rest.Count > rest.Texts.size()) {
     texts += QStringLiteral("And %1 more.").arg(rest.Count - rest.Texts.size());
   }
-  const auto make = [texts, count = rest.Count](QWidget* over) {
-    auto* box = new QDialog(over);
-    box->setObjectName(QStringLiteral("LoadReportBox"));
-    box->setWindowTitle(QString::fromLatin1(MessageCaption(MessageKind::Error)));
-    auto* layout = new QVBoxLayout(box);
-    layout->addWidget(new QLabel(QStringLiteral("The file gave %1 more reports:").arg(count)));
-    auto* list = new QPlainTextEdit(texts.trimmed());
-    list->setReadOnly(true);
-    list->setAccessibleName(QStringLiteral("Reports"));
-    layout->addWidget(list);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
-    connect(buttons, &QDialogButtonBox::accepted, box, &QDialog::accept);
-    layout->addWidget(buttons);
-    box->resize(640, 400);
-    return box;
-  };
-  BoxQueue::OfApplication().Add(texts, make);
+  ShowReportList({.Name = QStringLiteral("LoadReportBox"),
+                  .Heading = QStringLiteral("The file gave %1 more reports:").arg(rest.Count),
+                  .Texts = texts.trimmed(),
+                  .Action = {},
+                  .Do = {}});
 }
 
-void FileCommands::AddRecent() {
-  if (session_.File().isEmpty()) return;
+void FileCommands::AddRecent(const QString& path) {
+  if (path.isEmpty()) return;
   QSettings settings = UserSettings();
   QStringList files = settings.value(RecentKey).toStringList();
-  files.removeAll(session_.File());
-  files.prepend(session_.File());
+  files.removeAll(path);
+  files.prepend(path);
   settings.setValue(RecentKey, QStringList(files.mid(0, MostRecent)));
 }
 

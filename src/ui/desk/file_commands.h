@@ -46,7 +46,7 @@ class FileCommands : public QObject {
   QString StartFolder() const;
   QString SaveFolder() const;
   void ShowManyReports(const CollectedReports::Rest& rest);
-  void AddRecent();
+  void AddRecent(const QString& path);
   void FillRecent();
 
   QWidget& window_;

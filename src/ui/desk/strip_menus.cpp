@@ -12,6 +12,10 @@ void AddListMenu(QMenu& menu, const QString& title, const char* name, QComboBox&
   QObject::connect(choices, &QMenu::aboutToShow, &list, [choices, &list] {
     choices->clear();
     for (int i = 0; i < list.count(); ++i) {
+      if (list.itemData(i, Qt::AccessibleDescriptionRole) == QStringLiteral("separator")) {
+        choices->addSeparator();
+        continue;
+      }
       QAction* item = choices->addAction(list.itemText(i).replace(u'&', QStringLiteral("&&")));
       item->setCheckable(true);
       item->setChecked(i == list.currentIndex());

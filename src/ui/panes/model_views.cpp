@@ -1,6 +1,7 @@
 #include "ui/panes/model_views.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QMainWindow>
@@ -14,6 +15,7 @@
 #include "core/model.h"
 #include "plot/qt_text.h"
 #include "ui/panes/diagram/diagram_view.h"
+#include "ui/panes/diagram/loop_picture.h"
 #include "ui/widgets/window_place.h"
 
 namespace torvane {
@@ -62,12 +64,14 @@ TZelModelPictureF::TZelModelPictureF(QMainWindow& window)
 
 void TZelModelPictureF::SetModel(ZelModel* model, const DataFolder& folder) {
   const bool live = diagram_->SetModel(model);
-  hasDiagram_ = live || (model && !model->PictureFile().empty());
+  const bool own = model && IsOwnLoop(*model);
+  hasDiagram_ = live || own || (model && !model->PictureFile().empty());
   pages_->setCurrentIndex(live ? 0 : 1);
   if (isFloating() || (model && !hasDiagram_)) hide();
   if (!model) return;
   setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(QtText(model->Name())));
-  if (hasDiagram_ && !live) ShowPicture(QtText(model->PictureFile()), folder);
+  if (live || !hasDiagram_) return;
+  own ? ShowLoopPicture(*model) : ShowPicture(QtText(model->PictureFile()), folder);
 }
 
 void TZelModelPictureF::OpenWindow() {
@@ -90,9 +94,34 @@ void TZelModelPictureF::OpenPane() {
 
 void TZelModelPictureF::ShowPicture(const QString& file, const DataFolder& folder) {
   const QString path = folder.Find(file);
+  ShowPictureFile(path, path.isEmpty() ? folder.MissingText(file)
+                                       : QStringLiteral("Cannot read \"%1\".").arg(path));
+}
+
+void TZelModelPictureF::ShowLoopPicture(const ZelModel& model) {
+  const QString path = LoopPicture(model);
+  QString words = QStringLiteral(
+                      "The loop \"%1\" has no picture.\n\nA drawing in a file beside the loop's is "
+                      "shown here when the loop's annotation names it:\n"
+                      "annotation(__Torvane(picture = \"drawing.svg\"))")
+                      .arg(QtText(model.Name()));
+  if (!path.isEmpty()) {
+    words = QFileInfo::exists(path)
+                ? QStringLiteral("Cannot read \"%1\".").arg(path)
+                : QStringLiteral("The loop's picture \"%1\" is missing.").arg(path);
+  } else if (!model.PictureFile().empty()) {
+    words = QStringLiteral(
+                "The loop's picture \"%1\" is not shown: it has to stand in the folder of "
+                "the loop's file or below.")
+                .arg(QtText(model.PictureFile()));
+  }
+  ShowPictureFile(path, words);
+}
+
+// In its place the words, when it cannot be read.
+void TZelModelPictureF::ShowPictureFile(const QString& path, const QString& words) {
   original_ = path.isEmpty() ? QPixmap() : QPixmap(path);
-  picture_->setText(path.isEmpty() ? folder.MissingText(file)
-                                   : QStringLiteral("Cannot read \"%1\".").arg(path));
+  picture_->setText(words);
   Fit();
 }
 
@@ -147,12 +176,12 @@ void TZelModelTextF::ShowModel(const QString& modelName, const QString& file,
   } else {
     text = QStringLiteral("Cannot read \"%1\": %2").arg(path, source.errorString());
   }
-  ShowText(QStringLiteral("More about Model \"%1\"").arg(modelName), text);
+  ShowText(modelName, text);
 }
 
 // A short text leaves sight of the instruments, in the corner where there are fewest.
-void TZelModelTextF::ShowText(const QString& title, const QString& text) {
-  setWindowTitle(title);
+void TZelModelTextF::ShowText(const QString& modelName, const QString& text) {
+  setWindowTitle(QStringLiteral("More about Model \"%1\"").arg(modelName));
   text_->setPlainText(text);
   const int lines = static_cast<int>(text.count(u'\n')) + 4;
   const QSize fitting(TextWindow.width(), text_->fontMetrics().lineSpacing() * lines);

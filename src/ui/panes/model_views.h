@@ -37,6 +37,8 @@ class TZelModelPictureF : public QDockWidget {
 
  private:
   void ShowPicture(const QString& file, const DataFolder& folder);
+  void ShowLoopPicture(const ZelModel& model);
+  void ShowPictureFile(const QString& path, const QString& words);
   void Fit();
 
   QMainWindow& window_;
@@ -52,8 +54,8 @@ class TZelModelTextF : public QDialog {
  public:
   explicit TZelModelTextF(QWidget* parent);
   void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
-  /// Shows another text about a model.
-  void ShowText(const QString& title, const QString& text);
+  /// Shows a text about a model.
+  void ShowText(const QString& modelName, const QString& text);
 
  private:
   QPlainTextEdit* text_;

@@ -47,10 +47,13 @@ std::vector<OfferedExperiment> ReadAll(const QString& examples) {
 
 }  // namespace
 
-std::vector<OfferedExperiment> OfferedExperiments::Of(const std::string& model) {
+std::vector<OfferedExperiment> OfferedExperiments::Of(const std::string& model,
+                                                      const QString& loopFile) {
   if (!all_) all_ = ReadAll(data_.FindFolder(QStringLiteral("examples")));
+  const std::vector<OfferedExperiment> all =
+      loopFile.isEmpty() ? *all_ : ReadAll(QFileInfo(loopFile).path());
   std::vector<OfferedExperiment> experiments;
-  std::copy_if(all_->begin(), all_->end(), std::back_inserter(experiments),
+  std::copy_if(all.begin(), all.end(), std::back_inserter(experiments),
                [&](const OfferedExperiment& offered) {
                  return !offered.Fault.isEmpty() || offered.Record.Model == model;
                });

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "linear/analyser_theory.h"
-#include "models/catalogue.h"
 #include "ui/session/session.h"
 
 namespace torvane {
@@ -45,8 +44,8 @@ void LiveTheory::Leave() {
 
 void LiveTheory::Take() {
   const ZelModel& model = *session_.Model();
-  followed_ = std::make_unique<Followed>(
-      Followed{{model, [this, name = model.Name()] { return session_.Models().Load(name); }}, {}});
+  followed_ =
+      std::make_unique<Followed>(Followed{{model, [this] { return session_.MakeAnother(); }}, {}});
   for (const InstrumentKind kind : {InstrumentKind::FftAnalyser, InstrumentKind::SweptSine}) {
     for (Instrument* const analyser : model.Bench().Instruments(kind)) {
       followed_->Analysers.emplace_back(dynamic_cast<FrequencyAnalyser&>(*analyser));

@@ -4,7 +4,9 @@
 #include <QScopedValueRollback>
 #include <utility>
 
+#include "core/files/loop_record.h"
 #include "core/messages.h"
+#include "loops/loop_file.h"
 #include "models/catalogue_host.h"
 
 namespace torvane {
@@ -13,6 +15,18 @@ namespace {
 
 constexpr int KeepMilliseconds = 2000;
 constexpr int Patience = 2000;  // milliseconds that a pipe may keep the windows waiting
+
+std::unique_ptr<ZelModel> Built(const loops::LoopFile& loop) {
+  try {
+    std::unique_ptr<ZelModel> model = loops::MakeLoop(loop);
+    // What a constructor sets up is no change of the user's.
+    model->Bench().History().Clear();
+    return model;
+  } catch (const std::exception& fault) {
+    Error("The loop in " + loop.Path + " cannot be built: " + fault.what());
+    return nullptr;
+  }
+}
 
 }  // namespace
 
@@ -24,16 +38,41 @@ class Session::Host final : public CatalogueHost {
   bool MayDiscard() override { return session_.MayDiscard(); }
   bool RestoresWindows() const override { return session_.restoresWindows_; }
 
+  bool InCatalogue(const std::string& model) const override {
+    return Offers(model) || CatalogueHost::InCatalogue(model);
+  }
+  bool ChangeModel(const std::string& name) override {
+    return Offers(name) ? TakeLoop(Offered) : CatalogueHost::ChangeModel(name);
+  }
+
+  bool TakeLoop(std::shared_ptr<const loops::LoopFile> loop) {
+    std::unique_ptr<ZelModel> model = Built(*loop);
+    if (!model) return false;
+    next_ = std::move(loop);
+    Replace(std::move(model));
+    return true;
+  }
+
   void Replace(std::unique_ptr<ZelModel> model) override {
     emit session_.ModelAboutToChange();
     CatalogueHost::Replace(std::move(model));
+    Loop = std::exchange(next_, nullptr);
     session_.modelReplaced_ = true;
     session_.MarkSaved();
     session_.SetFile({});
   }
 
+  /// The one that is current, and the one that the file that is being loaded is for.
+  std::shared_ptr<const loops::LoopFile> Loop;
+  std::shared_ptr<const loops::LoopFile> Offered;
+
  private:
+  bool Offers(const std::string& name) const {
+    return Offered && Offered->Reading.Plan->Name == name;
+  }
+
   Session& session_;
+  std::shared_ptr<const loops::LoopFile> next_;  ///< of the model that is about to be current
 };
 
 Session::Session() : host_(std::make_unique<Host>(*this)) {
@@ -56,6 +95,21 @@ bool Session::Choose(const std::string& name) {
   if (!model) return false;
   MakeCurrent(std::move(model));
   return true;
+}
+
+const loops::LoopFile* Session::Loop() const {
+  return host_->Loop.get();
+}
+
+bool Session::BuildAnew() {
+  if (!host_->Loop) return Choose(Model()->Name());
+  if (!host_->TakeLoop(host_->Loop)) return false;
+  emit ModelChanged();
+  return true;
+}
+
+std::unique_ptr<ZelModel> Session::MakeAnother() const {
+  return host_->Loop ? Built(*host_->Loop) : Models().Load(Model()->Name());
 }
 
 void Session::MakeCurrent(std::unique_ptr<ZelModel> model) {
@@ -88,11 +142,13 @@ bool Session::CanRead(const QString& path) {
 }
 
 bool Session::Open(const QString& path) {
-  return ReadAndLoad(path, Source::File);
+  const bool isLoop = path.endsWith(QLatin1String(LoopEnding.data()));
+  return isLoop ? OpenLoop(path, Source::File) : ReadAndLoad(path, Source::File);
 }
 
 bool Session::OpenAtStart(const QString& path) {
-  return ReadAndLoad(path, Source::FileAtStart);
+  const bool isLoop = path.endsWith(QLatin1String(LoopEnding.data()));
+  return isLoop ? OpenLoop(path, Source::FileAtStart) : ReadAndLoad(path, Source::FileAtStart);
 }
 
 bool Session::OpenConfiguration(const QString& path) {
@@ -126,16 +182,79 @@ bool Session::ReadAndLoad(const QString& path, Source source) {
   return ReadModelText(path.toStdString(), text, Patience) && Load(path, text, source);
 }
 
+bool Session::OpenLoop(const QString& path, Source source) {
+  auto loop = std::make_shared<loops::LoopFile>(
+      loops::ReadLoopFile(path.toStdString(), Models().Names(), Patience));
+  if (!loop->Fault.empty()) {
+    Error(loop->Fault);
+    return false;
+  }
+  if (!loop->Reading.Plan) {
+    emit LoopRefused(*loop);
+    return false;
+  }
+  if (source == Source::File && !MayDiscard()) return false;
+  if (!host_->TakeLoop(loop)) return false;
+  emit ModelChanged();
+  emit FileLoaded();
+  emit LoopOpened(QString::fromStdString(loop->Path));
+  return true;
+}
+
+// The own loop that a model file is for: the present one, when it is that, as it runs; none for a
+// built-in model's. False when there is no loop to be had, or the present model is not to be left.
+bool Session::FindLoop(const QString& path, const std::string& text,
+                       std::shared_ptr<const loops::LoopFile>& found) {
+  const auto& present = host_->Loop;
+  const auto isPresent = [&](const std::string& file) {
+    return present && present->Path == file && present->Reading.Plan->Name == ModelNameIn(text);
+  };
+  if (isPresent(LoopFileIn(text))) {
+    found = present;
+    return true;
+  }
+  std::string at;
+  for (;;) {
+    auto wanted = loops::FindWantedLoop(path.toStdString(), text, Models().Names(), at);
+    if (wanted.WasAt.empty()) return true;
+    if (wanted.Fault.empty() && !wanted.File.Reading.Plan) {
+      emit LoopRefused(wanted.File);
+      return false;
+    }
+    if (wanted.Fault.empty()) {
+      found = isPresent(wanted.File.Path)
+                  ? present
+                  : std::make_shared<const loops::LoopFile>(std::move(wanted.File));
+      return true;
+    }
+    if (!askForLoop_) Error(wanted.Fault);
+    const QString other = askForLoop_ ? askForLoop_(wanted) : QString();
+    if (other.isEmpty()) return false;
+    at = other.toStdString();
+  }
+}
+
 // No box opens and no event is handled between the first change and the signals: nobody sees a
 // model that is half loaded.
 bool Session::Load(const QString& path, const std::string& text, Source source) {
+  std::shared_ptr<const loops::LoopFile> loop;
+  if (!FindLoop(path, text, loop)) return false;
+  const std::string name = ModelNameIn(text);
+  // Who reads the file tells models by their names alone.
+  const bool namesake = Model() && Model()->Name() == name && loop && host_->Loop != loop;
+  if (namesake && source == Source::File &&
+      !(WarningQuestion("This file is for another loop of that name, in " + loop->Path +
+                        ".  Press OK to change to it.") &&
+        MayDiscard())) {
+    return false;
+  }
   CollectedReports reports;
   modelReplaced_ = false;
+  const QScopedValueRollback offered(host_->Offered, loop);
   // At the start nothing can be lost: the model stands before its file is read, and nothing is
   // asked.
-  const std::string named = source == Source::File ? std::string() : ModelNameIn(text);
-  if (host_->InCatalogue(named) && !(Model() && Model()->Name() == named))
-    host_->ChangeModel(named);
+  const bool before = source != Source::File && !(Model() && Model()->Name() == name);
+  if (namesake || (before && host_->InCatalogue(name))) host_->ChangeModel(name);
   const LoadResult result = LoadModelText(text, *host_);
   if (result.AtEnd && !result.Recognised) {
     Error("Nothing in " + path.toStdString() + " was recognised.  It is no model file.");

@@ -3,8 +3,10 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/model.h"
@@ -14,6 +16,11 @@
 namespace torvane {
 
 class Catalogue;
+
+namespace loops {
+struct LoopFile;
+struct WantedLoop;
+}  // namespace loops
 
 /// A user's work: the current model, the file that it belongs to, what of it is not saved yet, and
 /// what keeps that over a crash. Knows no window; windows ask it and follow its signals.
@@ -26,11 +33,17 @@ class Session : public QObject {
 
   /// The current model; nullptr until the first has been built.
   ZelModel* Model() const;
-  /// The models that can be chosen.
+  /// The built-in models.
   const Catalogue& Models() const;
+  /// The own loop that is current; nullptr when a built-in model is.
+  const loops::LoopFile* Loop() const;
   /// Builds the model of that name and makes it current. False after a report when it cannot be
   /// built; the present one stays then.
   bool Choose(const std::string& name);
+  /// Builds the present model once more, as it begins, and makes that current.
+  bool BuildAnew();
+  /// Another one like the present model; nullptr after a report when it cannot be built.
+  std::unique_ptr<ZelModel> MakeAnother() const;
   /// Makes the model current; it belongs to no file. The one before is destroyed.
   void MakeCurrent(std::unique_ptr<ZelModel> model);
 
@@ -53,7 +66,7 @@ class Session : public QObject {
   /// Reads a file into the model, or into the one that it names. What there is to ask is asked
   /// before anything changes, what there is to report comes when all is done. True when the file
   /// was read to its end; it becomes the session's file only when it is a model's file through and
-  /// through.
+  /// through. A file with an own loop becomes the current model.
   bool Open(const QString& path);
   /// As Open, when nothing can be lost: another model is not asked about.
   bool OpenAtStart(const QString& path);
@@ -63,6 +76,10 @@ class Session : public QObject {
   /// had been saved in it, else what was kept, which is unsaved where it was. Windows go to their
   /// places where they had been placed.
   void ComeBack(const QString& kept, const QString& file, bool changed, bool placed);
+  /// Asks the user for the loop that a model file is for, when it cannot be taken from where it
+  /// was. The path; empty when there is none.
+  using AskForLoop = std::function<QString(const loops::WantedLoop&)>;
+  void SetAskForLoop(AskForLoop ask) { askForLoop_ = std::move(ask); }
   /// False after a report when the file could not be written.
   bool Save(const QString& path);
 
@@ -85,6 +102,10 @@ class Session : public QObject {
   void FileLoaded();
   /// The session has another file.
   void FileChanged();
+  /// A loop has been opened, from its own file.
+  void LoopOpened(const QString& path);
+  /// A loop cannot be taken for what is wrong with its text; the present model goes on.
+  void LoopRefused(const torvane::loops::LoopFile& loop);
   /// Reports of the last loading that are too many to be shown one by one.
   void ManyReports(const CollectedReports::Rest& rest);
 
@@ -92,12 +113,16 @@ class Session : public QObject {
   class Host;
   enum class Source { File, FileAtStart, Configuration, Recovery };
 
+  bool OpenLoop(const QString& path, Source source);
+  bool FindLoop(const QString& path, const std::string& text,
+                std::shared_ptr<const loops::LoopFile>& found);
   bool ReadAndLoad(const QString& path, Source source);
   bool Load(const QString& path, const std::string& text, Source source);
   void SetFile(const QString& path);
   void MarkSaved();
 
   std::unique_ptr<Host> host_;
+  AskForLoop askForLoop_;
   QString file_;
   bool restoresWindows_ = true;
   bool modelReplaced_ = false;  // while a file loads

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "plot/qt_text.h"
+#include "ui/panes/diagram/loop_picture.h"
 #include "ui/widgets/picture_ground.h"
 
 // Resources of a static library are linked in only when they are asked for, outside any namespace.
@@ -21,6 +22,7 @@ namespace torvane {
 namespace {
 
 constexpr QSize LeastDiagram(240, 120);
+constexpr qint64 MostDrawing = qint64{4} << 20U;  // bytes of a file
 constexpr double WantedWidth = 1100.0;
 constexpr double LeastScale = 0.55;  // of a drawing that can be read
 constexpr int ValueSize = 17;        // of the font, in units of the drawing
@@ -60,13 +62,19 @@ bool DiagramView::SetModel(ZelModel* model) {
   return drawn;
 }
 
-// The models without a picture have a description.
-bool DiagramView::LoadDrawing() {
-  InitDiagrams();
+// The built-in models without a picture have a description.
+QString DiagramView::DrawingFile() const {
+  if (IsOwnLoop(*model_)) return LoopPicture(*model_);
   const std::string& picture = model_->PictureFile();
   const std::string& of = picture.empty() ? model_->TextFile() : picture;
-  QFile file(QStringLiteral(":/diagrams/%1.svg").arg(QFileInfo(QtText(of)).completeBaseName()));
-  if (!file.open(QIODevice::ReadOnly)) return false;
+  return QStringLiteral(":/diagrams/%1.svg").arg(QFileInfo(QtText(of)).completeBaseName());
+}
+
+bool DiagramView::LoadDrawing() {
+  InitDiagrams();
+  QFile file(DrawingFile());
+  const bool drawn = file.fileName().endsWith(QStringLiteral(".svg"), Qt::CaseInsensitive);
+  if (!drawn || file.size() > MostDrawing || !file.open(QIODevice::ReadOnly)) return false;
   diagram_.emplace(file.readAll(),
                    IsDark(palette()) ? Diagram::Ground::Dark : Diagram::Ground::Light);
   if (!diagram_->IsValid()) diagram_.reset();

@@ -82,6 +82,7 @@ class DiagramView : public QWidget {
     bool Take();
   };
 
+  QString DrawingFile() const;
   bool LoadDrawing();
   void AddPlace(SignalChannel* signal, Constant* constant);
   void FitDrawing();

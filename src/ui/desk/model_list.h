@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+
+class QComboBox;
+
+namespace torvane {
+
+class LoopShelf;
+class Session;
+
+/// The list from which a model is chosen: the built-in ones and, below a line, the user's own
+/// loops. Choosing the present model builds it anew.
+class ModelList : public QObject {
+  Q_OBJECT
+
+ public:
+  ModelList(QComboBox& list, Session& session, LoopShelf& shelf);
+
+  /// Makes the list show the present model.
+  void ShowPresent();
+
+ private:
+  void Fill();
+  void Choose(int index);
+  int IndexOfPresent() const;
+
+  QComboBox& list_;
+  Session& session_;
+  LoopShelf& shelf_;
+};
+
+}  // namespace torvane
