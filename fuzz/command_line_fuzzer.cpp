@@ -5,6 +5,7 @@
 #include "cli/io/number_options.h"
 #include "cli/model/model_options.h"
 #include "cli/model/settings.h"
+#include "cli/model/wave_files.h"
 #include "cli/program.h"
 #include "cli/study/study_set_up.h"
 #include "fuzzing.h"
@@ -49,16 +50,18 @@ void Try(const Function& apply) {
   try {
     apply();
   } catch (const cli::CommandError& error) {
-    Require(error.Code() == cli::ExitCode::Usage, error.what());
+    const bool noFile = error.Code() == cli::ExitCode::File;
+    Require(noFile || error.Code() == cli::ExitCode::Usage, error.what());
   } catch (const StudyFault& fault) {
     Require(fault.What() == StudyFault::Kind::Asked, fault.what());
   }
 }
 
 void Apply(const std::vector<std::string>& arguments, ZelModel& model) {
+  cli::WaveFiles files;
   for (const std::string& text : arguments) {
     Try([&] { cli::ApplySetting(model.Bench(), text); });
-    Try([&] { cli::ApplyWave(model.Bench(), text); });
+    Try([&] { cli::ApplyWave(model.Bench(), text, files); });
     Try([&] { cli::NamedSignal(model.Bench(), text); });
     Try([&] { cli::ParseOption("--option", text, cli::NumberRange::Positive); });
     using enum cli::VaryValues;

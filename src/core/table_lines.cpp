@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/names.h"
 #include "core/text.h"
 
 namespace torvane {
@@ -45,6 +46,26 @@ std::optional<double> TableNumber(std::string_view field, char separator) {
   std::string text(field);
   text[comma] = '.';
   return ParseNumber(text);
+}
+
+std::string_view TableTitle(std::string_view caption) {
+  return TrimmedField(caption.substr(0, caption.find_first_of("([")));
+}
+
+std::string_view TableUnit(std::string_view caption) {
+  const std::size_t begin = caption.find_first_of("([");
+  if (begin == std::string_view::npos) return {};
+  const std::string_view rest = caption.substr(begin + 1);
+  return TrimmedField(rest.substr(0, rest.find_first_of(")]")));
+}
+
+std::optional<double> SecondsIn(std::string_view caption) {
+  const std::string unit = Lower(std::string(TableUnit(caption)));
+  if (unit.empty()) return 1.0;
+  if (unit == "s" || unit == "sec" || unit == "seconds") return 1.0;
+  if (unit == "ms" || unit == "msec") return 1e-3;
+  if (unit == "us" || unit == "\u00b5s" || unit == "\u03bcs") return 1e-6;
+  return std::nullopt;
 }
 
 std::string LineFault(int line, const std::string& what) {

@@ -16,7 +16,8 @@ StudyFault UnknownName(const std::string& what, const std::string& text,
   return StudyFault(UnknownNameText(what, text, names));
 }
 
-// What addresses the generator is taken off the name.
+}  // namespace
+
 ZelWave& AddressedGenerator(const ZelBenchTop& bench, std::string& name) {
   const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
   if (generators.empty()) throw StudyFault("the model has no waveform generator");
@@ -35,6 +36,8 @@ ZelWave& AddressedGenerator(const ZelBenchTop& bench, std::string& name) {
   }
   return dynamic_cast<ZelWave&>(*generator);
 }
+
+namespace {
 
 std::vector<std::string> GeneratorKeys() {
   std::vector<std::string> names{WaveformKey};

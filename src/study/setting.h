@@ -46,4 +46,8 @@ class ModelSetting {
   double wanted_ = 0.0;
 };
 
+/// The model's first generator or, of "GENERATOR:KEY", the named one, which is taken off the name.
+/// None of that name is a StudyFault.
+ZelWave& AddressedGenerator(const ZelBenchTop& bench, std::string& name);
+
 }  // namespace torvane

@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "core/files/model_file_lines.h"
+#include "core/files/record.h"
 #include "support/bare_model.h"
 
 namespace torvane {
@@ -166,6 +168,56 @@ TEST(Wave, OutputsFollowThroughStatesOneStepAndTwoStepsLate) {
   wave.SetFreqHz(1.7e308);
   wave.SetAmplitude(0.0);
   EXPECT_TRUE(wave.OverflowsAt(2.0));
+}
+
+// A jump at 2 s and a ramp; before and behind, the ends go on.
+TEST(Wave, PlaysATableUntilAWaveformIsChosen) {
+  test::BareModel model;
+  const WaveSettings before{.Index = 1, .FreqHz = 5.0, .Amplitude = 3.0, .Offset = 1.0};
+  ZelWave wave(model.Bench(), "Source", before);
+  const auto at = [&](double t) {
+    wave.AtTime(t);
+    return wave.Computed();
+  };
+  wave.Play(std::make_shared<const WaveTable>(
+      "jump", std::vector<WaveTable::Point>{{1, 4}, {2, 4}, {2, 8}, {4, 0}}));
+  for (const auto& [t, value] :
+       {std::pair{0.0, 4.0}, {1.9, 4.0}, {2.0, 8.0}, {3.0, 4.0}, {9.0, 0.0}})
+    EXPECT_EQ(at(t), value) << t;
+  EXPECT_EQ(wave.JumpIn(1.5, 2.5), 2.0);
+  EXPECT_FALSE(wave.JumpIn(2.0, 9.0));
+  wave.SetFreqHz(0.4);  // anew each 2.5 s, from the phase on
+  EXPECT_FALSE(wave.JumpIn(4.2, 4.8));
+  wave.SetAmplitude(-2.0);
+  wave.SetOffset(1.0);
+  EXPECT_EQ(at(4.5), -15.0);
+  wave.SetPhaseDeg(180.0);
+  EXPECT_NEAR(at(0.75), -15.0, 1e-12);
+  ZelUndo& history = model.Bench().History();
+  wave.SetWaveform(0);
+  EXPECT_EQ(wave.Settings().Amplitude, 3.0);
+  EXPECT_EQ(wave.Settings().FreqHz, 5.0);
+  history.Undo();
+  ASSERT_TRUE(wave.Played());
+  EXPECT_NEAR(at(0.75), -15.0, 1e-12);
+
+  std::string file;
+  RecordWriter writer(file, "WaveGen", "Other");
+  wave.SaveRecords(writer);
+  ZelWave other(model.Bench(), "Other", {});
+  LineReader lines(file);
+  for (std::string line; lines.Next(line);) other.LoadRecord(ParseRecord(line, 1));
+  other.FinishLoading([](int) {});
+  other.AtTime(0.75);
+  EXPECT_NEAR(other.Computed(), -15.0, 1e-12);
+  other.SetWaveform(1);
+  EXPECT_EQ(other.Settings().FreqHz, 5.0);
+
+  while (history.CanUndo()) history.Undo();
+  EXPECT_FALSE(wave.Played());
+  EXPECT_EQ(wave.Settings().Amplitude, 3.0);
+  while (history.CanRedo()) history.Redo();
+  EXPECT_NEAR(at(0.75), -15.0, 1e-12);
 }
 
 }  // namespace

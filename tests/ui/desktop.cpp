@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -161,6 +162,10 @@ void Desktop::AnswerBox() {
     if (auto* name = box->findChild<QLineEdit*>("fileNameEdit")) {
       name->setText(answer);
       QTest::keyClick(name, Qt::Key_Return);
+    }
+    if (auto* input = qobject_cast<QInputDialog*>(box)) {
+      input->setTextValue(answer);
+      return input->accept();
     }
     for (QAbstractButton* button : box->findChildren<QAbstractButton*>()) {
       if (button->text().remove(u'&') == answer) return button->click();

@@ -37,9 +37,11 @@ void AddModelSettings(CLI::App& command, ModelOptions& options) {
       .add_option(
           "--wave", options.Waves,
           "Set the waveform generator: Waveform (name or index), Amplitude, FreqHz, Offset, "
-          "PhaseDeg or DutyCycle; GENERATOR:KEY=VALUE addresses one by name. Repeatable")
+          "PhaseDeg or DutyCycle; GENERATOR:KEY=VALUE addresses one by name. FILE.csv or "
+          "File=FILE.csv "
+          "plays a table of time and value; FILE.csv:COLUMN one of several columns. Repeatable")
       ->allow_extra_args(false)
-      ->type_name("KEY=VALUE");
+      ->type_name("KEY=VALUE|FILE");
   command.add_flag("--yes", options.AnswerOk,
                    "Answer OK to every question; without it the answer is Cancel");
 }
@@ -89,7 +91,9 @@ std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Console& consol
                                         ? OpenModelText(options.Model, *options.FileText, console)
                                         : OpenModel(options.Model, console);
   for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
-  for (const std::string& wave : options.Waves) ApplyWave(model->Bench(), wave);
+  for (const std::string& wave : options.Waves) {
+    ApplyWave(model->Bench(), wave, *options.PlayedFiles);
+  }
   return model;
 }
 

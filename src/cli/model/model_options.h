@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/io/console.h"
+#include "cli/model/wave_files.h"
 #include "core/model.h"
 
 namespace CLI {
@@ -21,6 +22,8 @@ struct ModelOptions {
   std::optional<std::string> FileText;
   std::vector<std::string> Settings;
   std::vector<std::string> Waves;
+  /// Of the Waves; all models that the options make share them.
+  std::shared_ptr<WaveFiles> PlayedFiles = std::make_shared<WaveFiles>();
   bool AnswerOk = false;
 };
 

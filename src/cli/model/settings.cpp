@@ -2,11 +2,14 @@
 
 #include "cli/command_error.h"
 #include "cli/model/assignment.h"
+#include "cli/model/wave_files.h"
 #include "core/messages.h"
 #include "study/setting.h"
 
 namespace torvane::cli {
 namespace {
+
+constexpr const char* FileKey = "File";
 
 void Apply(ModelSetting setting, const Assignment& assignment) {
   setting.Set(assignment.Value);
@@ -21,8 +24,15 @@ void ApplySetting(ZelBenchTop& bench, const std::string& text) {
   Apply(ModelSetting::OfConstant(bench, assignment.Name), assignment);
 }
 
-void ApplyWave(ZelBenchTop& bench, const std::string& text) {
-  const Assignment assignment = SplitAssignment("--wave", text);
+void ApplyWave(ZelBenchTop& bench, const std::string& text, WaveFiles& files) {
+  const bool named = text.find('=') != std::string::npos;
+  const Assignment assignment = named ? SplitAssignment("--wave", text) : Assignment{FileKey, text};
+  std::string key = assignment.Name;
+  ZelWave& generator = AddressedGenerator(bench, key);
+  if (key == FileKey) {
+    generator.Play(files.Table(assignment.Value));
+    return;
+  }
   Apply(ModelSetting::OfGenerator(bench, assignment.Name), assignment);
 }
 

@@ -13,17 +13,13 @@ namespace torvane {
 
 namespace {
 
-int LimitedIndex(int index) {
-  return std::clamp(index, 0, ZelWave::WaveformCount - 1);
-}
-
 // Not-a-number becomes 0, for a generator that is built with it.
 double LimitedDuty(double percent) {
   return percent > 0.0 ? std::min(percent, 100.0) : 0.0;
 }
 
 WaveSettings Limited(WaveSettings settings) {
-  settings.Index = LimitedIndex(settings.Index);
+  settings.Index = ZelWave::LimitedIndex(settings.Index);
   settings.FreqHz = std::abs(settings.FreqHz);
   settings.DutyCycle = LimitedDuty(settings.DutyCycle);
   return settings;
@@ -65,10 +61,15 @@ double SCurve(const WaveSettings& s, double x) {
 
 }  // namespace
 
+int ZelWave::LimitedIndex(int index) {
+  return std::clamp(index, 0, WaveformCount - 1);
+}
+
 ZelWave::ZelWave(ZelBenchTop& bench, std::string name, const WaveSettings& settings,
                  double gain) try
     : Instrument(InstrumentKind::WaveGenerator, std::move(name)),
       settings_(Limited(settings)),
+      shape_(settings_.Index),
       gain_(gain),
       nextOnBench_(bench, next_, "ZelWave #1", "Null", 0.0, {}, Visibility::Internal),
       delayedOnBench_(bench, delayed_, "ZelWave #2", "Null", 0.0, {}, Visibility::Internal) {
@@ -87,17 +88,23 @@ const std::array<const char*, ZelWave::WaveformCount>& ZelWave::WaveformNames() 
 
 bool ZelWave::OverflowsAt(double t) const {
   const double cycles = CyclesAt(t);
-  return !std::isfinite(cycles) || !std::isfinite(gain_ * ValueAt(cycles - Floor(cycles)));
+  return !std::isfinite(cycles) || !std::isfinite(gain_ * ValueAt(cycles - Floor(cycles), t));
 }
 
-double ZelWave::CurveAt(double x) const {
+double ZelWave::PlayedAt(double x, double t) const {
+  const double at = settings_.FreqHz > 0.0 ? x / settings_.FreqHz : t;
+  return settings_.Amplitude * played_->At(at) + settings_.Offset;
+}
+
+double ZelWave::CurveAt(double x, double t) const {
+  if (shape_ == Table) return PlayedAt(x, t);
   const double amplitude = settings_.Amplitude;
   const double offset = settings_.Offset;
-  switch (static_cast<Waveform>(settings_.Index)) {
+  switch (static_cast<Waveform>(shape_)) {
     case Waveform::Sine:
       return amplitude * std::sin(2.0 * Pi * x) + offset;
     case Waveform::Square:
-      return ValueAt(x);
+      return ValueAt(x, t);
     case Waveform::Triangle:
       return Triangle(settings_, x);
     case Waveform::Sawtooth:
@@ -138,6 +145,11 @@ std::string ZelWave::Caption(const std::string& setting, const std::string& valu
   return Name() == "MainWaveGen" ? what : Name() + " " + what;
 }
 
+std::string ZelWave::WaveformCaption() const {
+  return Caption("Waveform", played_ ? played_->Name()
+                                     : WaveformNames()[static_cast<std::size_t>(settings_.Index)]);
+}
+
 void ZelWave::SetNumber(double WaveSettings::*number, double value) {
   if (!std::isfinite(value)) return;
   Change(
@@ -155,12 +167,33 @@ void ZelWave::SetNumber(double WaveSettings::*number, double value) {
 void ZelWave::SetWaveform(int index) {
   Change(
       [&] {
+        if (played_) settings_ = unplayed_;
         settings_.Index = LimitedIndex(index);
-        ForgetComputed();
+        Take(nullptr);
       },
+      [&] { return WaveformCaption(); });
+}
+
+void ZelWave::Play(std::shared_ptr<const WaveTable> table) {
+  Change(
       [&] {
-        return Caption("Waveform", WaveformNames()[static_cast<std::size_t>(settings_.Index)]);
-      });
+        if (!played_) unplayed_ = settings_;
+        settings_ = {.Index = settings_.Index,
+                     .FreqHz = 0.0,
+                     .Amplitude = 1.0,
+                     .DutyCycle = settings_.DutyCycle};
+        Take(std::move(table));
+      },
+      [&] { return WaveformCaption(); });
+}
+
+void ZelWave::Take(std::shared_ptr<const WaveTable> table) {
+  if (table && std::find(tables_.begin(), tables_.end(), table) == tables_.end()) {
+    tables_.push_back(table);
+  }
+  played_ = std::move(table);
+  shape_ = played_ ? Table : settings_.Index;
+  ForgetComputed();
 }
 
 void ZelWave::SetFreqHz(double hz) {

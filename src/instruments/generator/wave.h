@@ -2,14 +2,17 @@
 
 #include <array>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "core/instrument.h"
 #include "core/numeric.h"
 #include "core/time_driven.h"
 #include "core/variable.h"
+#include "instruments/generator/wave_table.h"
 
 namespace torvane {
 
@@ -46,7 +49,10 @@ struct WaveNumber {
   void (ZelWave::*Set)(double);
 };
 
-/// Waveform generator: one of nine periodic waveforms of the simulated time.
+/// Waveform generator: one of nine periodic waveforms of the simulated time, or a table of points.
+///
+/// A table's values are multiplied by the amplitude and moved by the offset. At a frequency of 0 it
+/// is played once, from time 0; else anew with each period, where the phase says.
 ///
 /// The value computed for the end of a step reaches the output through a state variable, so models
 /// read it one step later; the second output follows one step behind the first.
@@ -55,6 +61,8 @@ class ZelWave final : public TimeDriven, public Instrument {
   static constexpr int WaveformCount = 9;
 
   ZelWave(ZelBenchTop& bench, std::string name, const WaveSettings& settings, double gain = 1.0);
+
+  static int LimitedIndex(int index);
 
   /// The waveforms' names, as listed to the user.
   static const std::array<const char*, WaveformCount>& WaveformNames();
@@ -82,6 +90,12 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   bool OverflowsAt(double t) const override;
 
+  /// Plays the table as it stands: once, at amplitude 1 and offset 0. The next choice of a waveform
+  /// ends that and brings the numbers back that the generator had.
+  void Play(std::shared_ptr<const WaveTable> table);
+  /// What is played; nullptr of a waveform.
+  const WaveTable* Played() const { return played_.get(); }
+
   /// The one time after `from` and up to `to` at which the output jumps; nothing when there is
   /// none, more than one, or the settings of then are no longer known. An instrument that samples a
   /// signal sees only between which two samples it jumped.
@@ -99,6 +113,9 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
+  void FinishLoading(const std::function<void(int line)>& atLine) override;
+  void SaveState(RecordWriter& writer) const override;
+  void LoadState(const Record& record) override;
 
   const WaveSettings& Settings() const { return settings_; }
   /// Setters: the index is limited to 0..8, the duty cycle to 0..100, the frequency stored as its
@@ -113,13 +130,33 @@ class ZelWave final : public TimeDriven, public Instrument {
  private:
   double CyclesAt(double t) const;
   void Recompute(double t);
-  double ValueAt(double x) const;
-  double CurveAt(double x) const;
+  double ValueAt(double x, double t) const;
+  double CurveAt(double x, double t) const;
+  double PlayedAt(double x, double t) const;
+  void Take(std::shared_ptr<const WaveTable> table);
+  void SaveNumbers(RecordWriter& writer) const;
+  void LoadPoints(const Record& record);
   void SetNumber(double WaveSettings::*number, double value);
   std::string Caption(const std::string& setting, const std::string& value) const;
+  std::string WaveformCaption() const;
   void ForgetComputed();
 
+  static constexpr int Table = WaveformCount;  ///< a shape beside the waveforms
+
+  /// A table as a file's records bring it.
+  struct Loading {
+    std::string Name;
+    std::vector<WaveTable::Point> Points;
+    int Line;
+  };
+
   WaveSettings settings_;
+  int shape_;  ///< the waveform's index, or Table
+  std::shared_ptr<const WaveTable> played_;
+  WaveSettings unplayed_;  ///< what it was set to before the table
+  /// All that were played since the generator was made, for steps to undo.
+  std::vector<std::shared_ptr<const WaveTable>> tables_;
+  std::optional<Loading> loading_;
   double gain_;
   double computed_ = 0.0;
   double fraction_ = 1.0;  // of the cycle, at the computed value
@@ -142,14 +179,14 @@ inline double ZelWave::CyclesAt(double t) const {
 inline void ZelWave::Recompute(double t) {
   const double cycles = CyclesAt(t);
   fraction_ = cycles - Floor(cycles);
-  computed_ = gain_ * ValueAt(fraction_);
+  computed_ = gain_ * ValueAt(fraction_, t);
   computedAt_ = t;
 }
 
-// The value at the fraction x of a cycle, 0 <= x < 1. The square wave, which most loops are first
-// shown with, needs no call.
-inline double ZelWave::ValueAt(double x) const {
-  if (settings_.Index != static_cast<int>(Waveform::Square)) return CurveAt(x);
+// The value at the fraction x of a cycle, 0 <= x < 1, at time t. The square wave, which most loops
+// are first shown with, needs no call.
+inline double ZelWave::ValueAt(double x, double t) const {
+  if (shape_ != static_cast<int>(Waveform::Square)) return CurveAt(x, t);
   return x < 0.5 ? settings_.Offset + settings_.Amplitude : settings_.Offset - settings_.Amplitude;
 }
 

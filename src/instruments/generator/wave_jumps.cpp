@@ -31,7 +31,9 @@ std::vector<double> Edges(const WaveSettings& settings) {
 }  // namespace
 
 std::optional<double> ZelWave::JumpIn(double from, double to) const {
-  if (from < changedAt_ || !(settings_.FreqHz > 0.0)) return std::nullopt;
+  if (from < changedAt_) return std::nullopt;
+  if (played_) return settings_.FreqHz > 0.0 ? std::nullopt : played_->JumpIn(from, to);
+  if (!(settings_.FreqHz > 0.0)) return std::nullopt;
   std::optional<double> found;
   for (const double edge : Edges(settings_)) {
     const double start = edge - settings_.PhaseDeg * CyclesPerDegree;
@@ -47,6 +49,7 @@ std::optional<double> ZelWave::JumpIn(double from, double to) const {
 }
 
 std::optional<double> ZelWave::RisingEdge() const {
+  if (played_) return std::nullopt;
   const std::vector<double> edges = Edges(settings_);
   if (edges.empty() || settings_.Amplitude == 0.0) return std::nullopt;
   if (settings_.Amplitude > 0.0 || edges.size() == 1) return edges.front();

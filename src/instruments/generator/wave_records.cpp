@@ -1,5 +1,9 @@
 // A waveform generator's part of a model file.
 
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
 #include "core/files/record.h"
 #include "core/messages.h"
 #include "core/text.h"
@@ -15,11 +19,68 @@ bool HasOneValue(const Record& record) {
   return false;
 }
 
+constexpr std::size_t PointsInARecord = 100;
+constexpr const char* WaveformKeyword = "Waveform";
+constexpr const char* PlayedState = "Played";
+
+std::string PointsText(std::span<const WaveTable::Point> points) {
+  std::string text;
+  for (const WaveTable::Point& point : points) {
+    text += FormatShortest(point.Time);
+    text += ' ';
+    text += FormatShortest(point.Value);
+    text += ' ';
+  }
+  text.pop_back();
+  return text;
+}
+
 }  // namespace
 
 void ZelWave::SaveRecords(RecordWriter& writer) const {
   SaveDisplay(writer, Placement);
-  writer.Write("Waveform", {std::to_string(settings_.Index)});
+  writer.Write(WaveformKeyword, {std::to_string(settings_.Index)});
+  if (played_) {
+    writer.Write("File", {played_->Name(), FormatShortest(unplayed_.Amplitude),
+                          FormatShortest(unplayed_.FreqHz), FormatShortest(unplayed_.Offset),
+                          FormatShortest(unplayed_.PhaseDeg)});
+    const std::span<const WaveTable::Point> points = played_->Points();
+    for (std::size_t i = 0; i < points.size(); i += PointsInARecord) {
+      writer.Write("Points",
+                   {PointsText(points.subspan(i, std::min(PointsInARecord, points.size() - i)))});
+    }
+  }
+  SaveNumbers(writer);
+}
+
+// A table, which never changes, is not written anew for each step.
+void ZelWave::SaveState(RecordWriter& writer) const {
+  SaveDisplay(writer, Placement);
+  writer.Write(WaveformKeyword, {std::to_string(settings_.Index)});
+  const auto place = std::find(tables_.begin(), tables_.end(), played_) - tables_.begin();
+  writer.Write(PlayedState, {std::to_string(played_ ? place : -1)});
+  SaveNumbers(writer);
+}
+
+void ZelWave::LoadState(const Record& record) {
+  const bool waveform = record.Keyword() == WaveformKeyword;
+  if (!waveform && record.Keyword() != PlayedState) {
+    LoadRecord(record);
+    return;
+  }
+  const auto number = ToInteger(record.Field(3));
+  if (!number) return;
+  const auto table = static_cast<std::size_t>(*number);
+  // Neither brings back what the generator had before a table: other records do.
+  Change(
+      [&] {
+        if (waveform) settings_.Index = LimitedIndex(*number);
+        Take(waveform ? played_ : table < tables_.size() ? tables_[table] : nullptr);
+      },
+      [&] { return WaveformCaption(); });
+}
+
+void ZelWave::SaveNumbers(RecordWriter& writer) const {
   for (const WaveNumber& number : Numbers()) {
     writer.Write(number.Name, {FormatShortest(settings_.*number.Value)});
   }
@@ -31,9 +92,13 @@ void ZelWave::LoadRecord(const Record& record) {
     LoadDisplayReporting(record, Placement, "File error:  wrong number entries in ");
     return;
   }
-  if (keyword == "Waveform") {
+  if (keyword == WaveformKeyword) {
     if (!HasOneValue(record)) return;
     if (const auto index = ToInteger(record.Fields[3])) SetWaveform(*index);
+    return;
+  }
+  if (keyword == "File" || keyword == "Points") {
+    LoadPoints(record);
     return;
   }
   for (const WaveNumber& number : Numbers()) {
@@ -43,6 +108,41 @@ void ZelWave::LoadRecord(const Record& record) {
     return;
   }
   ReportUnknownRecord(record);
+}
+
+void ZelWave::LoadPoints(const Record& record) {
+  if (record.Keyword() == "File") {
+    loading_ = Loading{record.Field(3), {}, record.Number};
+    unplayed_ = settings_;
+    std::size_t field = 4;
+    for (double WaveSettings::*const number : {&WaveSettings::Amplitude, &WaveSettings::FreqHz,
+                                               &WaveSettings::Offset, &WaveSettings::PhaseDeg}) {
+      if (const auto value = ParseNumber(record.Field(field++))) unplayed_.*number = *value;
+    }
+    return;
+  }
+  if (!loading_ || !HasOneValue(record)) return;
+  std::istringstream words(record.Fields[3]);
+  for (std::string time, value; words >> time >> value;) {
+    const auto at = ToNumber(time);
+    const auto is = at ? ToNumber(value) : std::nullopt;
+    if (!is) return;
+    loading_->Points.push_back({*at, *is});
+  }
+}
+
+void ZelWave::FinishLoading(const std::function<void(int line)>& atLine) {
+  if (const auto loaded = std::exchange(loading_, {})) {
+    const std::string fault = WaveTable::Fault(loaded->Points);
+    if (fault.empty()) {
+      Change([&] { Take(std::make_shared<const WaveTable>(loaded->Name, loaded->Points)); },
+             [&] { return WaveformCaption(); });
+    } else {
+      atLine(loaded->Line);
+      Error(Name() + " does not play \"" + loaded->Name + "\": " + fault);
+    }
+  }
+  Instrument::FinishLoading(atLine);
 }
 
 }  // namespace torvane

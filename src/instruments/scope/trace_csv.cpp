@@ -17,29 +17,6 @@ constexpr std::size_t MaxTraces = 1000;
 constexpr std::size_t TitlesTold = 8;
 constexpr double MaxTime = 1e9;  // seconds
 
-// "vF (V)" is a column's caption, "vF" its title.
-std::string_view Title(std::string_view caption) {
-  return TrimmedField(caption.substr(0, caption.find_first_of("([")));
-}
-
-// What stands in a caption's brackets; empty where there are none.
-std::string_view UnitOf(std::string_view caption) {
-  const std::size_t begin = caption.find_first_of("([");
-  if (begin == std::string_view::npos) return {};
-  const std::string_view rest = caption.substr(begin + 1);
-  return TrimmedField(rest.substr(0, rest.find_first_of(")]")));
-}
-
-/// Seconds in the unit in a caption's brackets.
-std::optional<double> SecondsIn(std::string_view caption) {
-  const std::string unit = Lower(std::string(UnitOf(caption)));
-  if (unit.empty()) return 1.0;
-  if (unit == "s" || unit == "sec" || unit == "seconds") return 1.0;
-  if (unit == "ms" || unit == "msec") return 1e-3;
-  if (unit == "us" || unit == "\u00b5s" || unit == "\u03bcs") return 1e-6;
-  return std::nullopt;
-}
-
 struct Prefix {
   std::string_view Text;
   double Value;
@@ -128,7 +105,7 @@ class TraceReader {
     if (captions.size() == MaxTraces) return LineFault(number, "too many columns");
     width_ = captions.size();
     const auto time = std::find_if(captions.begin(), captions.end(), [](std::string_view caption) {
-      const std::string title = Lower(std::string(Title(caption)));
+      const std::string title = Lower(std::string(TableTitle(caption)));
       return title == "time" || title == "t";
     });
     if (time != captions.end()) time_ = static_cast<std::size_t>(time - captions.begin());
@@ -153,7 +130,7 @@ class TraceReader {
                                                [&](Column of) { return of.Channel == *channel; });
     if (isNew) {
       const std::string& own = scope_.Channels()[*channel]->Signal().Unit();
-      const auto factor = InUnit(UnitOf(caption), own);
+      const auto factor = InUnit(TableUnit(caption), own);
       columns_.push_back({field, *channel, factor.value_or(1.0)});
       if (!factor) otherUnits_.push_back(std::string(caption) + " as " + own);
     } else if (!caption.empty()) {
@@ -171,7 +148,7 @@ class TraceReader {
       if (found == channels.end()) return std::nullopt;
       return static_cast<std::size_t>(found - channels.begin());
     };
-    const std::string_view title = Title(caption);
+    const std::string_view title = TableTitle(caption);
     const auto exact = find([&](const std::string& name) { return name == title; });
     if (exact) return exact;
     return find([&](const std::string& name) { return Lower(name) == Lower(std::string(title)); });

@@ -7,6 +7,7 @@
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
+#include "ui/panes/play_file.h"
 #include "ui/widgets/double_click.h"
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/notice.h"
@@ -22,6 +23,13 @@ constexpr int FlatRows = 3;
 constexpr int Columns = 5;      // of widgets beside a number
 constexpr int ColumnsGap = 20;  // between two columns of numbers, pixels
 
+// A file stands behind the waveforms as long as it is played.
+void ShowWaveform(QComboBox& list, const ZelWave& wave) {
+  list.removeItem(ZelWave::WaveformCount);
+  if (wave.Played()) list.addItem(QString::fromStdString(wave.Played()->Name()));
+  list.setCurrentIndex(wave.Played() ? ZelWave::WaveformCount : wave.Settings().Index);
+}
+
 }  // namespace
 
 TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
@@ -36,8 +44,10 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
     const int next = ui_->CmBWaveform->currentIndex() + 1;
     ui_->CmBWaveform->setCurrentIndex(next % ui_->CmBWaveform->count());
   });
-  connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this,
-          [this](int index) { wave_.SetWaveform(index); });
+  connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this, [this](int index) {
+    if (index < ZelWave::WaveformCount) wave_.SetWaveform(index);
+  });
+  connect(ui_->BPlayFile, &QAbstractButton::clicked, this, [this] { PlayFile(wave_, *this); });
   for (const WaveNumber& number : ZelWave::Numbers()) Bind(number);
   ConnectButtons();
   SettingsChanged();
@@ -100,7 +110,7 @@ void TZelWaveGenF::ConnectButtons() {
 
 void TZelWaveGenF::SettingsChanged() {
   const QSignalBlocker blocker(ui_->CmBWaveform);
-  ui_->CmBWaveform->setCurrentIndex(wave_.Settings().Index);
+  ShowWaveform(*ui_->CmBWaveform, wave_);
   for (EditBinding* edit : edits_) edit->Show();
 }
 

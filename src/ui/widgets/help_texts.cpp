@@ -144,6 +144,9 @@ constexpr Entry Entries[] = {
      "stands where there is no step to measure, or no end of it on the screen."},
     // The generator.
     {"CmBWaveform", "The form of the command. A double click takes the next one."},
+    {"BPlayFile",
+     "Plays a file of time and values: once at a frequency of 0, else anew with each period. "
+     "Amplitude and offset scale and move it. The next waveform that is chosen ends that."},
     {"EFreqHz", "How often the waveform repeats in a second."},
     {"SBFreqDown", "Makes the waveform slower by a step."},
     {"SBFreqUp", "Makes the waveform faster by a step."},

@@ -1,0 +1,28 @@
+#include "cli/model/wave_files.h"
+
+#include <filesystem>
+
+#include "cli/command_error.h"
+
+namespace torvane::cli {
+namespace {
+
+WaveReading Read(const std::string& name) {
+  std::error_code failure;
+  const auto colon = name.rfind(':');
+  const bool whole = colon == std::string::npos || std::filesystem::exists(name, failure) ||
+                     !std::filesystem::exists(name.substr(0, colon), failure);
+  return whole ? ReadWaveFile(name) : ReadWaveFile(name.substr(0, colon), name.substr(colon + 1));
+}
+
+}  // namespace
+
+std::shared_ptr<const WaveTable> WaveFiles::Table(const std::string& name) {
+  const auto known = tables_.find(name);
+  if (known != tables_.end()) return known->second;
+  WaveReading reading = Read(name);
+  if (!reading.Table) throw CommandError(ExitCode::File, reading.Fault);
+  return tables_[name] = std::move(reading.Table);
+}
+
+}  // namespace torvane::cli

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "instruments/generator/wave_table.h"
+
+namespace torvane::cli {
+
+/// The files that generators play, each read once however many models play it.
+class WaveFiles {
+ public:
+  /// "FILE" or, of one with several columns of values, "FILE:COLUMN". What cannot be read or played
+  /// is a CommandError of ExitCode::File.
+  std::shared_ptr<const WaveTable> Table(const std::string& name);
+
+ private:
+  std::map<std::string, std::shared_ptr<const WaveTable>> tables_;
+};
+
+}  // namespace torvane::cli

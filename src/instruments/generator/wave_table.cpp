@@ -1,0 +1,49 @@
+#include "instruments/generator/wave_table.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace torvane {
+
+WaveTable::WaveTable(std::string name, std::vector<Point> points)
+    : name_(std::move(name)), points_(std::move(points)) {}
+
+std::string WaveTable::Fault(const std::vector<Point>& points) {
+  if (points.empty()) return "it has no points";
+  if (points.size() > MostPoints) {
+    return "it has more than " + std::to_string(MostPoints) + " points";
+  }
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (!std::isfinite(points[i].Time) || !std::isfinite(points[i].Value)) {
+      return "point " + std::to_string(i + 1) + " is no number";
+    }
+    if (i > 0 && points[i].Time < points[i - 1].Time) {
+      return "point " + std::to_string(i + 1) + " is before the one that it follows";
+    }
+  }
+  return {};
+}
+
+double WaveTable::At(double t) const {
+  const auto next = std::upper_bound(points_.begin(), points_.end(), t,
+                                     [](double time, const Point& p) { return time < p.Time; });
+  if (next == points_.begin()) return next->Value;
+  const Point& last = *(next - 1);
+  if (next == points_.end()) return last.Value;
+  return last.Value + (t - last.Time) / (next->Time - last.Time) * (next->Value - last.Value);
+}
+
+std::optional<double> WaveTable::JumpIn(double from, double to) const {
+  std::optional<double> found;
+  auto point = std::upper_bound(points_.begin(), points_.end(), from,
+                                [](double time, const Point& p) { return time < p.Time; });
+  for (; point != points_.end() && point->Time <= to; ++point) {
+    if (point == points_.begin() || (point - 1)->Time != point->Time) continue;
+    if (found && *found != point->Time) return {};
+    found = point->Time;
+  }
+  return found;
+}
+
+}  // namespace torvane
