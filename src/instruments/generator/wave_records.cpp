@@ -1,6 +1,7 @@
 // A waveform generator's part of a model file.
 
 #include <algorithm>
+#include <span>
 #include <sstream>
 #include <utility>
 
