@@ -88,13 +88,21 @@ std::optional<Index> LinearModel::Find(const std::string& signal) const {
   return found - signals_.begin();
 }
 
-std::vector<Root> LinearModel::Poles() const {
+LinearSystem LinearModel::Moved() const {
   std::vector<Index> all(signals_.size());
   std::iota(all.begin(), all.end(), 0);
-  return torvane::Poles(system_.Reduced(all));
+  return system_.Reduced(all);
 }
 
-bool LinearModel::Stable() const {
+std::vector<Root> LinearModel::Poles() const {
+  return torvane::Poles(Moved());
+}
+
+Stability LinearModel::Stability() const {
+  return StabilityOf(Moved());
+}
+
+bool LinearModel::HasResponse() const {
   const std::vector<Root> poles = Poles();
   return std::all_of(poles.begin(), poles.end(),
                      [](const Root& pole) { return pole.Damping > 0.0; });

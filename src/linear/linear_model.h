@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "linear/linear_system.h"
+#include "linear/stability.h"
 
 namespace torvane {
 
@@ -50,13 +51,19 @@ class LinearModel {
 
   /// The poles of everything that the command moves and signals show.
   std::vector<Root> Poles() const;
-  /// They all decay, but for integrators.
-  bool Stable() const;
+  /// By those poles.
+  torvane::Stability Stability() const;
+  /// A sine in the command becomes one in the signals: nothing grows or rings on by itself.
+  /// Integrators, in a chain too, have a response.
+  bool HasResponse() const;
 
   /// What the linear model goes around, a sentence each.
   std::vector<std::string> Notes;
 
  private:
+  /// Everything that the command moves and signals show.
+  LinearSystem Moved() const;
+
   /// A step of the numbers alone that a later one depends on, and what shows at its end.
   struct ShownStep {
     Eigen::MatrixXd A;

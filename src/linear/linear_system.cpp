@@ -190,6 +190,7 @@ constexpr double RestOfFastest = 1e-9;
 Root RootAt(std::complex<double> value, double ts, double fastest) {
   Root root{value, 0.0, 1.0};
   if (ts > 0.0 && std::abs(value) < Deadbeat) {
+    root.Value = 0.0;
     root.Hz = std::numeric_limits<double>::infinity();
     return root;
   }

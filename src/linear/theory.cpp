@@ -122,7 +122,7 @@ TheoryPair::TheoryPair(const LinearModel& model, const std::string& input,
       both_(model.System().Reduced({input_, output_})) {}
 
 ResponseCurve TheoryPair::At(std::span<const double> hz, ReadSignals read) const {
-  if (!model_.Stable()) throw LinearFault("the loop is unstable: it has no response");
+  if (!model_.HasResponse()) throw LinearFault("the loop is unstable: it has no response");
   ResponseCurve curve;
   for (const double f : hz) {
     if (read == ReadSignals::EveryStep) {

@@ -88,8 +88,12 @@ void Drag(const Target& from, const QPoint& by, Qt::KeyboardModifiers keys, bool
 Desktop::Desktop() {
   Panel->resize(Small);
   Panel->show();
-  // What earlier windows asked for when they were closed has happened then: an end of the program,
-  // after which no box would wait for its answer.
+  LetEnd();
+}
+
+// What windows asked for when they were closed has happened then: an end of the program, after
+// which no box would wait for its answer.
+void Desktop::LetEnd() {
   QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
   QCoreApplication::exec();
 }
@@ -144,7 +148,7 @@ Target Desktop::At(const std::string& name) {
 
 // Answers modal boxes as soon as they are there.
 void Desktop::AnswerBox() {
-  QTimer::singleShot(5, Panel.get(), [this] {
+  QTimer::singleShot(5, &answering_, [this] {
     auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (!box) return AnswerBox();
     const QString answer = answers_.takeFirst();
@@ -221,6 +225,9 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
     Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
     Panel->ShowAtStart(false);
     Panel->Files().Start({}, true);
+  } else if (verb == "end") {
+    Panel->EndUnasked();
+    LetEnd();
   } else if (verb == "look") {
     if (rest == "clipboard") {
       looks_["clipboard"].first = QApplication::clipboard()->image();
@@ -331,6 +338,9 @@ std::string Desktop::Shown(const std::string& name) {
   const std::string property = text.section(u'.', 1).toStdString();
   if (property == "items" || property == "cells" || property == "header") {
     return Texts(*found, text.section(u'.', 1)).join(u'|').toStdString();
+  }
+  if (property == "ambiguous") {
+    return Ambiguous(dynamic_cast<QWidget&>(*found)).join(u'|').toStdString();
   }
   if (property == "cursor") {
     return std::to_string(dynamic_cast<QWidget&>(*found).cursor().shape());

@@ -48,11 +48,12 @@ struct Target {
 ///   put FILE TEXT         writes a file; remove FILE; drop FILE: on the main window
 ///   size 800,600          of the main window; place NAME 40,30,640,420: of a window
 ///   start                 the program ends and starts anew, its windows as they were left
+///   end                   the program ends as on a signal, without a question
 ///   look NAME             remembers how it looks, and where its window stands; "clipboard" too
 ///
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
 ///   NAME.PROPERTY=TEXT; NAME.items, NAME.cells, NAME.header of what is listed; NAME.place
-///   and NAME.corner of its window; NAME.cursor
+///   and NAME.corner of its window; NAME.cursor; NAME.ambiguous: letters in its menus
 ///   NAME on|off|enabled|disabled|shown|hidden|focused|repainted|unchanged
 ///   NAME inside|apart     its window within the workspace; all of them, and none over another
 ///   NAME whole            of its controls none is cut off
@@ -112,6 +113,7 @@ class Desktop : public testing::Test {
   std::unique_ptr<TZelControlPanelF> Panel = std::make_unique<TZelControlPanelF>(Data);
 
  private:
+  static void LetEnd();
   QObject* Named(const std::string& name);
   Target At(const std::string& name);
   void Do(const std::string& step);
@@ -126,6 +128,7 @@ class Desktop : public testing::Test {
 
   QTemporaryDir folder_;
   QStringList answers_;  // to the next boxes
+  QObject answering_;
   QString box_;
   std::map<std::string, std::pair<QImage, QRect>> looks_;
 };

@@ -3,12 +3,15 @@
 #include <QAbstractButton>
 #include <QDialog>
 #include <QFile>
+#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include "core/constant.h"
 #include "core/files/seal.h"
 #include "desktop.h"
+#include "ui/session/end_requests.h"
+#include "ui/session/message_boxes.h"
 
 namespace torvane {
 namespace {
@@ -96,6 +99,41 @@ TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedUntilItIsAnswered) {
   EXPECT_EQ(start("Discard"), "2-1 PI+ Controller");
   EXPECT_FALSE(QFile::exists(left));
   EXPECT_TRUE(Reports.Take().empty());
+}
+
+// As in the program, where its end is told to all.
+TEST_F(FileCommandsTest, AnAnsweredCloseLeavesTheLastSessionAloneOrSaysWhyNot) {
+  const EndRequests requests;
+  const auto end = [&] {
+    Panel = std::make_unique<TZelControlPanelF>(Data);
+    QObject::connect(&requests, &EndRequests::EndAsked, Panel.get(),
+                     &TZelControlPanelF::EndUnasked);
+    Panel->show();
+    Panel->Files().Start({}, true);
+    Const("KVP").Set(1.25);
+    Reports.Answer = true;
+    QTimer::singleShot(0, Panel.get(), &QWidget::close);
+    QCoreApplication::exec();
+    Reports.Take();
+    Panel.reset();
+  };
+  end();
+  EXPECT_EQ(QDir(Path("state/torvane")).entryList(QDir::Files), QStringList("last-session"));
+  QDir(Path("state")).removeRecursively();
+  Put(Path("state"), "a file where the folder would be");
+  const MessageBoxes boxes;
+  QStringList told;
+  QTimer answer;
+  QObject::connect(&answer, &QTimer::timeout, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box) return;
+    told << box->text();
+    box->button(QMessageBox::Ok)->click();
+  });
+  answer.start(5);
+  end();
+  EXPECT_TRUE(told.back().startsWith("The session cannot be kept for the next start:\n" +
+                                     Path("state/torvane/last-session")));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QTableWidget>
+#include <map>
 
 namespace torvane::test {
 
@@ -64,6 +65,20 @@ inline QStringList Texts(QMenu& menu) {
     items << (item->isSeparator() ? u"-"_qs : item->isEnabled() ? text : u'(' + text + u')');
   }
   return items;
+}
+
+/// Menus in which a letter brings two commands.
+inline QStringList Ambiguous(const QWidget& window) {
+  QStringList found;
+  for (QMenu* menu : window.findChildren<QMenu*>()) {
+    emit menu->aboutToShow();
+    std::map<QString, int> uses;
+    for (const QAction* item : menu->actions()) {
+      const QString key = QKeySequence::mnemonic(item->text()).toString();
+      if (!key.isEmpty() && ++uses[key] > 1) found << menu->objectName() + u' ' + key;
+    }
+  }
+  return found;
 }
 
 inline QStringList Texts(QObject& object, const QString& part) {

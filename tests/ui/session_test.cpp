@@ -186,6 +186,26 @@ TEST_F(SessionTest, ASessionThatWasLeftBehindIsBroughtBack) {
   EXPECT_EQ(Session::LeftBehind().size(), 1U);
 }
 
+// The user's own file may be gone, cut to nothing or another by the next start.
+TEST_F(SessionTest, TheLastSessionOutlivesItsFile) {
+  const std::string kept = "Model,3-1 PI Controller\r\nConstant,KP,0.125\r\n";
+  const QString left = Put("state/torvane/last-session", kept);
+  const QString own = Path("own.tvf");
+  for (const char* now : {static_cast<const char*>(nullptr), "", "no model file\n"}) {
+    if (now) Put("own.tvf", now);
+    Work->ComeBack(left, own, false, true);
+    EXPECT_EQ(Const("KP").Value(), 0.125);
+    EXPECT_EQ(Work->Title(), "* 3-1 PI Controller - Torvane--Melkorin, 2nd Edition");
+    EXPECT_TRUE(Reports.Take().back().ends_with("is back.  It is not saved."));
+    Work->Choose("2-1 PI+ Controller");
+  }
+  Put("own.tvf", std::string("Application,") + ApplicationTitle + "\r\n" + kept);
+  Work->ComeBack(left, own, false, true);
+  EXPECT_EQ(Work->File(), own);
+  EXPECT_FALSE(Work->Changed());
+  EXPECT_TRUE(Reports.Take().empty());
+}
+
 TEST_F(SessionTest, ADamagedSessionIsSetAsideAndSaid) {
   const std::string whole = SessionWithKp("0.125");
   const std::string damaged[] = {"", whole.substr(0, whole.size() / 2), "some text\n",

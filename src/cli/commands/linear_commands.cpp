@@ -133,9 +133,13 @@ void WriteMargins(const LoopTheory& theory, ResultFile& file) {
   TellNotes(theory.Read.Missing);
 }
 
-void WarnUnstable(const LinearModel& linear) {
-  if (linear.Stable()) return;
-  Warning("The loop is unstable with these constants: it leaves the point that this is about.");
+void TellStability(const Stability& stability) {
+  if (stability.Is == Stability::Verdict::Stable) return;
+  if (stability.Is == Stability::Verdict::Unstable) {
+    Warning(stability.Text + "  The loop leaves the point that this is about.");
+  } else {
+    Note(stability.Text);
+  }
 }
 
 void LinearizeModel(const LinearizeOptions& options, Console& console) {
@@ -155,7 +159,7 @@ void LinearizeModel(const LinearizeOptions& options, Console& console) {
     } else {
       const LinearModel linear = Linearize(*model);
       TellNotes(linear.Notes);
-      WarnUnstable(linear);
+      TellStability(linear.Stability());
       WriteLinear(options, model->Name(), linear, file);
     }
   } catch (const LinearFault& fault) {

@@ -169,7 +169,7 @@ void PolePainter::PaintAxes(QPainter& painter, const ScopeColours& colours) cons
                    Qt::AlignCenter, QStringLiteral("Real") + unit);
 }
 
-// Where another one stands already there is none.
+// Where another one stands already, or close beside it, there is none.
 void PolePainter::PaintLabel(QPainter& painter, const QPointF& at, const std::string& text,
                              std::vector<QRectF>& taken) const {
   const QFontMetrics metrics(numberFont_);
@@ -179,7 +179,9 @@ void PolePainter::PaintLabel(QPainter& painter, const QPointF& at, const std::st
   QRectF room(at + QPointF(Scaled(2.0), -size.height()), size);
   room.moveLeft(std::clamp(room.left(), plate.left(), plate.right() - size.width()));
   room.moveTop(std::clamp(room.top(), plate.top(), plate.bottom() - size.height()));
-  if (std::ranges::any_of(taken, [&](const QRectF& other) { return other.intersects(room); })) {
+  const double gap = Scaled(LabelGap);
+  const QRectF apart = room.adjusted(-gap, 0.0, gap, 0.0);
+  if (std::ranges::any_of(taken, [&](const QRectF& other) { return other.intersects(apart); })) {
     return;
   }
   taken.push_back(room);

@@ -83,17 +83,16 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
   loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_);
   models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
-  experiments_ = new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea,
-                                     MakeDockAround(*ui_->InstrumentArea));
+  QMainWindow& dock = MakeDockAround(*ui_->InstrumentArea);
+  experiments_ =
+      new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, dock);
   connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
   connect(view_, &ViewMenu::LookChanged, this, &TZelControlPanelF::ShowLook);
   AddKeyboard();
-  poles_ = new PolesPanel(session_, *theory_, this);
-  addDockWidget(Qt::RightDockWidgetArea, poles_);
-  poles_->hide();
+  poles_ = new PolesPanel(session_, *theory_, dock);
   poles_->AddTo(*ui_->MView);
   UseFixedDigits(*ui_->LTime);
   // Of one size, so that a new time does not have the whole strip laid out anew.
@@ -122,6 +121,8 @@ void TZelControlPanelF::ConnectSession() {
   connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
   connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
   connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
+  session_.TellPlacedBy(
+      [this] { return !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive(); });
 }
 
 // What the strip and the scope have as buttons and lists, by menu and key.
@@ -138,7 +139,7 @@ void TZelControlPanelF::AddKeyboard() {
   ui_->MView->addSeparator();
   const std::tuple<const char*, const char*, const char*, const char*> pages[] = {
       {"Sc&ales of the Scope", "MIScales", "Ctrl+1", "PageScales"},
-      {"T&rigger of the Scope", "MITrigger", "Ctrl+2", "PageTrigger"},
+      {"&Trigger of the Scope", "MITrigger", "Ctrl+2", "PageTrigger"},
       {"&Measurements of the Scope", "MIMeasure", "Ctrl+3", "PageMeasure"},
       {"&Hide or Show These", "MIHidePage", "Ctrl+0", "SBHide"}};
   for (const auto& [text, name, key, button] : pages) {

@@ -122,7 +122,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   std::unique_ptr<FileCommands> files_;
   std::unique_ptr<LoopCommands> loops_;
   int frames_ = 0;
-  bool unasked_ = false;  // the end
+  bool ending_ = false;  // what there was to ask and to keep is done
 };
 
 }  // namespace torvane

@@ -63,25 +63,26 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
   splashTimer_.start(SplashMilliseconds);
 }
 
+// The end of the program tells everybody that it is to end; by then that is nobody's question.
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (unasked_ || session_.MayDiscard("close")) {
-    const bool placed = !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive();
-    if (!unasked_) files_->KeepForNextStart(placed);
-    Stop();
-    RememberWindows();
-    if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
-    event->accept();
-    QCoreApplication::quit();
-  } else {
+  if (!ending_ && !session_.MayDiscard("close")) {
     event->ignore();
+    return;
   }
+  if (!ending_) files_->KeepForNextStart();
+  ending_ = true;
+  Stop();
+  RememberWindows();
+  if (windows_ == Windows::AsLeft) UserSettings().setValue(GeometryKey, saveGeometry());
+  event->accept();
+  QCoreApplication::quit();
 }
 
 // Dialogs that are open, with message loops of their own, end too.
 void TZelControlPanelF::EndUnasked() {
-  if (unasked_ || !isVisible()) return;
+  if (ending_ || !isVisible()) return;
   session_.LeaveForNextStart();
-  unasked_ = true;
+  ending_ = true;
   close();
   QCoreApplication::exit();
 }

@@ -78,8 +78,9 @@ void FileCommands::Start(const QString& file, bool withConfiguration) {
   }
 }
 
-void FileCommands::KeepForNextStart(bool placed) {
-  if (comesBack_ && last_session::IsOn()) last_session::Keep(session_, placed);
+void FileCommands::KeepForNextStart() {
+  if (!comesBack_ || !last_session::IsOn()) return;
+  if (!last_session::Keep(session_)) BoxQueue::OfApplication().Finish();
 }
 
 bool FileCommands::OfferRecovery() {

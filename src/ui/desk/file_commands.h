@@ -29,7 +29,8 @@ class FileCommands : public QObject {
   /// Where there is neither, the last session comes back unless the user has turned that off.
   void Start(const QString& file, bool withConfiguration);
   /// Before the program ends: keeps the session for the next start to bring back, if it does so.
-  void KeepForNextStart(bool placed);
+  /// Comes back when the user has read why it cannot be kept.
+  void KeepForNextStart();
 
   /// Asks for a file and loads it.
   void Load();

@@ -27,7 +27,7 @@ ViewMenu::ViewMenu(QMenu& menu, Memory memory) : QObject(&menu), memory_(memory)
   apart_ = AddSwitch(menu, "MIColoursApart", QStringLiteral("Traces for the &Colour-Blind"),
                      QStringLiteral("Trace colours that stay apart for every kind of colour "
                                     "vision; those on a dark ground always do"));
-  patterns_ = AddSwitch(menu, "MILinePatterns", QStringLiteral("Line &Patterns"),
+  patterns_ = AddSwitch(menu, "MILinePatterns", QStringLiteral("Li&ne Patterns"),
                         QStringLiteral("Each trace has dashes of its own"));
 }
 

@@ -33,19 +33,21 @@ void SetOn(bool on) {
   if (!on) QFile::remove(Path());
 }
 
-void Keep(const Session& session, bool placed) {
+bool Keep(const Session& session) {
   const std::string text = ModelFileText(*session.Model());
   QSaveFile file(Path());
   const auto size = static_cast<qint64>(text.size());
   if (!QDir().mkpath(StateFolder()) || !file.open(QIODevice::WriteOnly) ||
       file.write(text.data(), size) != size || !file.commit()) {
-    Error("Cannot keep the session for the next start in " + Path().toStdString());
-    return;
+    Error("The session cannot be kept for the next start:\n" + Path().toStdString() + ": " +
+          file.errorString().toStdString());
+    return false;
   }
   QSettings settings = UserSettings();
   settings.setValue(FileKey, session.File());
   settings.setValue(ChangedKey, session.Changed());
-  settings.setValue(PlacedKey, placed);
+  settings.setValue(PlacedKey, session.WindowsPlaced());
+  return true;
 }
 
 void Bring(Session& session) {

@@ -13,9 +13,9 @@ bool IsOn();
 /// What is kept goes when it is turned off.
 void SetOn(bool on);
 
-/// Keeps the session. The places of windows count where they were placed by hand. What cannot be
-/// written is reported.
-void Keep(const Session& session, bool placed);
+/// Keeps the session. The places of windows count where they were placed by hand. False after a
+/// report when it cannot be written.
+bool Keep(const Session& session);
 /// Brings back what was kept; nothing where there is none.
 void Bring(Session& session);
 

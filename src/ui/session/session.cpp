@@ -157,14 +157,16 @@ bool Session::OpenConfiguration(const QString& path) {
 
 void Session::ComeBack(const QString& kept, const QString& file, bool changed, bool placed) {
   const QScopedValueRollback restoring(restoresWindows_, restoresWindows_ && placed);
-  const bool hasFile = QFileInfo(file).isFile();
-  if (hasFile && !changed) {
-    OpenAtStart(file);
-    return;
-  }
+  const bool unchangedFile = !changed && !file.isEmpty();
+  if (unchangedFile && OpenAtStart(file) && File() == file) return;
   if (!OpenConfiguration(kept)) return;
-  if (changed) saved_.clear();
-  if (hasFile) SetFile(file);
+  if (unchangedFile) {
+    Warning(file.toStdString() +
+            " is not the file any more that it was when Torvane ended.\n"
+            "What was in it has been kept and is back.  It is not saved.");
+  }
+  if (changed || unchangedFile) saved_.clear();
+  if (changed && QFileInfo(file).isFile()) SetFile(file);
 }
 
 bool Session::Restore(KeptSession kept) {
@@ -290,9 +292,23 @@ void Session::MarkSaved() {
   recovery_.Remove();
 }
 
+// Of windows that stand as the program has put them there are no places.
+std::string Session::KeptText() const {
+  if (WindowsPlaced()) return ModelFileText(*Model());
+  std::vector<std::pair<Instrument*, WindowPlacement>> places;
+  for (const InstrumentKind kind : AllInstrumentKinds) {
+    for (Instrument* const instrument : Model()->Bench().Instruments(kind)) {
+      places.emplace_back(instrument, std::exchange(instrument->Placement, {}));
+    }
+  }
+  std::string text = ModelFileText(*Model());
+  for (const auto& [instrument, place] : places) instrument->Placement = place;
+  return text;
+}
+
 void Session::Keep() {
   if (Changed()) {
-    recovery_.Write(ModelFileText(*Model()));
+    recovery_.Write(KeptText());
   } else {
     recovery_.Remove();
   }

@@ -60,6 +60,10 @@ class Session : public QObject {
 
   /// Whether windows are to go where a file says.
   void SetRestoresWindows(bool on) { restoresWindows_ = on; }
+  /// Who knows whether the user has placed the windows by hand; until then nobody has. What is kept
+  /// holds the places of windows only when they are the user's.
+  void TellPlacedBy(std::function<bool()> placed) { placed_ = std::move(placed); }
+  bool WindowsPlaced() const { return placed_ && placed_(); }
 
   /// Whether a file is there to be read, before anything is discarded for it; reports why not.
   static bool CanRead(const QString& path);
@@ -73,8 +77,9 @@ class Session : public QObject {
   /// As OpenAtStart, of what is no document of the user's: it is never the session's file.
   bool OpenConfiguration(const QString& path);
   /// Brings a session back that was kept in a file of the program's: the user's own file where all
-  /// had been saved in it, else what was kept, which is unsaved where it was. Windows go to their
-  /// places where they had been placed.
+  /// had been saved in it, else what was kept, which is unsaved where it was. A file of the user's
+  /// that cannot be read any more is told, and what was kept is all that is left of it: unsaved
+  /// too. Windows go to their places where they had been placed.
   void ComeBack(const QString& kept, const QString& file, bool changed, bool placed);
   /// Asks the user for the loop that a model file is for, when it cannot be taken from where it
   /// was. The path; empty when there is none.
@@ -117,6 +122,7 @@ class Session : public QObject {
   bool FindLoop(const QString& path, const std::string& text,
                 std::shared_ptr<const loops::LoopFile>& found);
   bool ReadAndLoad(const QString& path, Source source);
+  std::string KeptText() const;
   bool Load(const QString& path, const std::string& text, Source source);
   void SetFile(const QString& path);
   void MarkSaved();
@@ -125,6 +131,7 @@ class Session : public QObject {
   AskForLoop askForLoop_;
   QString file_;
   bool restoresWindows_ = true;
+  std::function<bool()> placed_;
   bool modelReplaced_ = false;  // while a file loads
   std::string saved_;           // the settings as they were last loaded or saved
   RecoveryFile recovery_;

@@ -97,7 +97,8 @@ void DiagramView::contextMenuEvent(QContextMenuEvent* event) {
 void DiagramView::keyPressEvent(QKeyEvent* event) {
   const std::size_t count = places_.size();
   const int key = event->key();
-  if (key == Qt::Key_Escape && editor_) {
+  const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
+  if (editor_ && (isEnter || key == Qt::Key_Escape)) {
     CloseEditor();
     setFocus();
   } else if (count == 0) {
@@ -106,7 +107,7 @@ void DiagramView::keyPressEvent(QKeyEvent* event) {
     GoTo((current_ + 1) % count);
   } else if (key == Qt::Key_Left || key == Qt::Key_Up) {
     GoTo((current_ + count - 1) % count);
-  } else if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
+  } else if (isEnter || key == Qt::Key_Space) {
     Act(places_[current_]);
   } else {
     QWidget::keyPressEvent(event);
@@ -125,7 +126,8 @@ void DiagramView::Act(const Place& place) {
   Refresh();
 }
 
-// The edit lies over the value until it is done with.
+// The edit lies over the value until it is done with. Enter, which it hands on to the diagram,
+// closes it there: without an edit Enter would open one.
 void DiagramView::EditNumber(const Place& place) {
   CloseEditor();
   Constant& constant = *place.Number;
@@ -138,9 +140,7 @@ void DiagramView::EditNumber(const Place& place) {
   };
   new EditBinding(*editor_, commit, [&constant] { return constant.DisplayText(); });
   connect(editor_, &QLineEdit::editingFinished, this, [this] {
-    const bool focused = editor_ && editor_->hasFocus();
-    CloseEditor();
-    if (focused) setFocus();
+    if (editor_ && !editor_->hasFocus()) CloseEditor();
     Refresh();
   });
   PlaceEditor();

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "core/constant.h"
 #include "core/csv.h"
@@ -20,6 +21,7 @@
 #include "ui/session/session.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/export_menu.h"
+#include "ui/widgets/window_place.h"
 
 namespace torvane {
 
@@ -29,7 +31,8 @@ constexpr int SliceMilliseconds = 8;  // of a locus, before others have their tu
 constexpr int FrameMilliseconds = 100;
 constexpr QSize LeastPicture(220, 200);
 constexpr int TableRows = 5;
-constexpr int Narrow = 300;  // of the panel, pixels, as long as the user has not said
+constexpr int Instruments = 616;  // width that the panel leaves when it is docked
+constexpr int Narrow = 300;       // of the panel
 constexpr int Wide = 520;
 const QString NoLocus = QStringLiteral("None");
 
@@ -50,8 +53,9 @@ QStringList RowOf(const Root& pole) {
 
 }  // namespace
 
-PolesPanel::PolesPanel(Session& session, LiveTheory& theory, QWidget* parent)
-    : QDockWidget(QStringLiteral("Poles"), parent),
+PolesPanel::PolesPanel(Session& session, LiveTheory& theory, QMainWindow& dock)
+    : QDockWidget(QStringLiteral("Poles"), &dock),
+      dock_(dock),
       session_(session),
       theory_(theory),
       constants_(new QComboBox),
@@ -60,6 +64,8 @@ PolesPanel::PolesPanel(Session& session, LiveTheory& theory, QWidget* parent)
       verdict_(new QLabel) {
   setObjectName(QStringLiteral("PolesPanel"));
   AddControls();
+  dock.addDockWidget(Qt::RightDockWidgetArea, this);
+  hide();
   connect(&theory, &LiveTheory::Changed, this, &PolesPanel::Follow);
   connect(&session, &Session::ModelChanged, this, &PolesPanel::TakeModel);
   connect(box_, &PoleBox::PoleTouched, this, &PolesPanel::ShowPole);
@@ -127,7 +133,7 @@ void PolesPanel::AddExports() {
 void PolesPanel::AddTo(QMenu& menu) {
   QAction* const open = toggleViewAction();
   open->setObjectName(QStringLiteral("MIPoles"));
-  open->setText(QStringLiteral("&Poles"));
+  open->setText(QStringLiteral("P&oles"));
   open->setToolTip(QStringLiteral("The loop's poles, which move with the constants"));
   menu.addSeparator();
   menu.addAction(open);
@@ -162,12 +168,20 @@ void PolesPanel::ShowLocus(const std::string& constant) {
 
 void PolesPanel::showEvent(QShowEvent* event) {
   QDockWidget::showEvent(event);
-  if (auto* const window = qobject_cast<QMainWindow*>(parentWidget()); window && !placed_) {
-    placed_ = true;
-    window->resizeDocks({this}, {std::clamp(window->width() / 3, Narrow, Wide)}, Qt::Horizontal);
-  }
+  if (!std::exchange(placed_, true)) QTimer::singleShot(0, this, &PolesPanel::Place);
   theory_.SetWanted(true);
   Follow();
+}
+
+// As long as the user has not said: beside the instruments where that leaves room for them.
+void PolesPanel::Place() {
+  if (dock_.width() - Narrow >= Instruments) {
+    dock_.resizeDocks({this}, {std::clamp(dock_.width() / 3, Narrow, Wide)}, Qt::Horizontal);
+    return;
+  }
+  setFloating(true);
+  resize(minimumSizeHint().expandedTo({Narrow, 0}));
+  move(OnDisplay(dock_.mapToGlobal(dock_.rect().bottomRight()), *this));
 }
 
 void PolesPanel::hideEvent(QHideEvent* event) {
@@ -220,7 +234,9 @@ void PolesPanel::ShowPicture() {
   if (!model || model->Revision() == 0) return;
   PoleMap map;
   std::vector<Root> poles;
+  QString verdict = QStringLiteral("No poles: %1.").arg(QString::fromStdString(model->Fault()));
   if (const LinearModel* const linear = model->Linear()) {
+    verdict = QString::fromStdString(linear->Stability().Text);
     map.Ts = linear->System().Ts;
     poles = linear->Poles();
     if (locus_) {
@@ -232,6 +248,7 @@ void PolesPanel::ShowPicture() {
   for (const Root& pole : poles) map.Poles.push_back(pole.Value);
   box_->Show(std::move(map));
   ShowPoles(poles);
+  verdict_->setText(verdict);
 }
 
 void PolesPanel::ShowPoles(const std::vector<Root>& poles) {
@@ -251,20 +268,6 @@ void PolesPanel::ShowPoles(const std::vector<Root>& poles) {
       table_->item(row, column)->setText(lines[row][column]);
     }
   }
-  verdict_->setText(VerdictOn(poles));
-}
-
-QString PolesPanel::VerdictOn(const std::vector<Root>& poles) const {
-  const std::string& fault = theory_.Model()->Fault();
-  if (!fault.empty()) return QStringLiteral("No poles: %1.").arg(fault.c_str());
-  const auto lasting =
-      std::ranges::count_if(poles, [](const Root& pole) { return !(pole.Damping > 0.0); });
-  if (lasting > 0) {
-    return QStringLiteral("Unstable: %1 of %2 poles do not decay.").arg(lasting).arg(poles.size());
-  }
-  return std::ranges::count(poles, 0.0, &Root::Hz) > 0
-             ? QStringLiteral("Stable: all poles but integrators decay.")
-             : QStringLiteral("Stable: all poles decay.");
 }
 
 void PolesPanel::ShowPole(int pole) {

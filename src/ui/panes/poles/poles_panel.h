@@ -9,6 +9,7 @@
 
 class QComboBox;
 class QLabel;
+class QMainWindow;
 class QMenu;
 class QTableWidget;
 
@@ -23,13 +24,13 @@ struct TraceLook;
 
 /// The poles of the session's model, in the s plane or in the z plane of a loop that samples: they
 /// move with the constants. On request the root locus over one constant lies behind them. A panel
-/// beside the instruments, which the user can take out.
+/// docked beside the instruments, which the user can take out.
 class PolesPanel : public QDockWidget {
   Q_OBJECT
 
  public:
   /// Session and theory must outlive it.
-  PolesPanel(Session& session, LiveTheory& theory, QWidget* parent);
+  PolesPanel(Session& session, LiveTheory& theory, QMainWindow& dock);
   ~PolesPanel() override;
 
   /// Adds what opens it.
@@ -47,16 +48,17 @@ class PolesPanel : public QDockWidget {
   void AddControls();
   void AddExports();
   void FillLoci(QMenu& menu);
+  void Place();
   void TakeModel();
   void Follow();
   void BeginLocus();
   void GoOn();
   void ShowPicture();
   void ShowPoles(const std::vector<Root>& poles);
-  QString VerdictOn(const std::vector<Root>& poles) const;
   void ShowPole(int pole);
   std::string Csv() const;
 
+  QMainWindow& dock_;
   Session& session_;
   LiveTheory& theory_;
   QComboBox* constants_;
