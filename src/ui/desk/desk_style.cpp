@@ -1,6 +1,8 @@
 #include "ui/desk/desk_style.h"
 
+#include <QPainter>
 #include <QStyleOption>
+#include <QWidget>
 
 namespace torvane {
 
@@ -19,6 +21,16 @@ Option WithColour(const Option& option, QPalette::ColorRole role, const QColor& 
   Option changed = option;
   changed.palette.setColor(role, colour);
   return changed;
+}
+
+// The button's icon, all of it in one colour.
+QIcon Painted(const QStyleOptionToolButton& button, const QColor& colour) {
+  QPixmap icon = button.icon.pixmap(button.iconSize);
+  QPainter painter(&icon);
+  painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+  painter.fillRect(icon.rect(), colour);
+  painter.end();
+  return icon;
 }
 
 }  // namespace
@@ -57,8 +69,8 @@ void DeskStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
   QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
-// The base style has black buttons on the title bar of a window that is not active. One that is
-// active in the colour of the ground has bright ones.
+// The base style has black buttons on the title bar of a window that is not active; one that is
+// active in the colour of the ground has bright ones. Those of a panel are black on any ground.
 void DeskStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                    QPainter* painter, const QWidget* widget) const {
   const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
@@ -67,6 +79,13 @@ void DeskStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
       ground.lightness() < Dark) {
     QStyleOptionTitleBar changed = WithColour(*bar, QPalette::Highlight, ground);
     changed.titleBarState |= State_Active;
+    QProxyStyle::drawComplexControl(control, &changed, painter, widget);
+    return;
+  }
+  const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+  if (button && ground.lightness() < Dark && widget && widget->inherits("QDockWidgetTitleButton")) {
+    QStyleOptionToolButton changed = *button;
+    changed.icon = Painted(*button, option->palette.color(QPalette::WindowText));
     QProxyStyle::drawComplexControl(control, &changed, painter, widget);
     return;
   }

@@ -5,7 +5,7 @@
 namespace torvane {
 
 /// The platform's style, in which what is switched on, the frames of what can be switched and the
-/// buttons of a window in the background stay visible on a dark ground too.
+/// buttons of panels and of a window in the background stay visible on a dark ground too.
 class DeskStyle : public QProxyStyle {
  public:
   /// The key Alt alone goes to the menu bar.

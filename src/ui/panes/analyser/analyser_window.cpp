@@ -39,7 +39,7 @@ double Rounded(double seconds) {
 
 constexpr int LowRoom = 460;      // height of a workspace where plots make do with less
 constexpr int LeastHeight = 280;  // of the plots
-constexpr int LeastHeightInLowRoom = 230;
+constexpr int LowHeight = 230;
 
 }  // namespace
 
@@ -59,6 +59,11 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   cursors_ = new ResponseCursors(analyser, names.Cursors, this);
   margins_ = new MarginsWindow(analyser, this);
   dock_ = &MakeDockAround(*ui_->PBPlot);
+  for (const QDockWidget* panel :
+       {static_cast<QDockWidget*>(cursors_), static_cast<QDockWidget*>(margins_)}) {
+    connect(panel, &QDockWidget::dockLocationChanged, this, &AnalyserWindow::FitPlot);
+    connect(panel, &QDockWidget::topLevelChanged, this, &AnalyserWindow::FitPlot);
+  }
   ConnectRun();
   ConnectSignals();
   ConnectTraces();
@@ -181,6 +186,7 @@ void AnalyserWindow::ShowMargins() {
   if (shown) margins_->ReadTrace();
   ui_->PBPlot->SetMarks(shown ? margins_->Marks() : std::vector<ResponseMark>());
   shown ? margins_->OpenIn(*dock_, ComfortablePlot) : margins_->hide();
+  FitPlot();
 }
 
 void AnalyserWindow::Find() {
@@ -251,6 +257,7 @@ void AnalyserWindow::ShowCursors() {
   const bool shown = analyser_.Cursors() != CursorMode::None && isVisible();
   if (shown) cursors_->ShowReading(ui_->PBPlot->PlotWidth());
   shown ? cursors_->OpenIn(*dock_, ComfortablePlot) : cursors_->hide();
+  FitPlot();
 }
 
 void AnalyserWindow::ShowWarnings() {
@@ -339,8 +346,18 @@ void AnalyserWindow::showEvent(QShowEvent* event) {
 }
 
 void AnalyserWindow::SetRoom(const QSize& workspace) {
-  const bool low = workspace.height() < LowRoom;
-  ui_->PBPlot->setMinimumHeight(low ? LeastHeightInLowRoom : LeastHeight);
+  lowRoom_ = workspace.height() < LowRoom;
+  FitPlot();
+}
+
+// Above a panel the plot gives way before the panel's figures are covered.
+void AnalyserWindow::FitPlot() {
+  const auto below = [this](QDockWidget* panel) {
+    return !panel->isHidden() && !panel->isFloating() &&
+           dock_->dockWidgetArea(panel) == Qt::BottomDockWidgetArea;
+  };
+  const bool low = lowRoom_ || below(margins_) || below(cursors_);
+  ui_->PBPlot->setMinimumHeight(low ? LowHeight : LeastHeight);
 }
 
 void AnalyserWindow::resizeEvent(QResizeEvent* event) {

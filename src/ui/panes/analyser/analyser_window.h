@@ -93,6 +93,7 @@ class AnalyserWindow : public InstrumentPane {
   void ShowTrace(int slot, bool shown);
   void ChooseCursorTrace(int slot);
   void ArrangeRows();
+  void FitPlot();
 
   FrequencyAnalyser& analyser_;
   std::unique_ptr<Ui::AnalyserForm> ui_;
@@ -102,6 +103,7 @@ class AnalyserWindow : public InstrumentPane {
   ResponseCursors* cursors_ = nullptr;
   MarginsWindow* margins_ = nullptr;
   QMainWindow* dock_ = nullptr;  // around the plot
+  bool lowRoom_ = false;
   std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};
   std::array<QCheckBox*, FrequencyAnalyser::SlotCount> traces_{};
 };
