@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QMainWindow>
 #include <QSignalBlocker>
 #include <algorithm>
 #include <cmath>
