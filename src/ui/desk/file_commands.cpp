@@ -16,6 +16,7 @@
 #include "loops/loop_file.h"
 #include "plot/qt_text.h"
 #include "ui/desk/report_list.h"
+#include "ui/session/box_queue.h"
 #include "ui/session/last_session.h"
 #include "ui/session/session.h"
 #include "ui/session/user_settings.h"

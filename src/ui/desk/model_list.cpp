@@ -1,6 +1,7 @@
 #include "ui/desk/model_list.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFileInfo>
 #include <algorithm>
 
