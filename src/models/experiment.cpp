@@ -110,6 +110,21 @@ bool ReadKinds(const std::string& text, std::vector<InstrumentKind>& into) {
   return true;
 }
 
+/// The settings in brackets; false when one is none, or a bracket is alone.
+bool ReadTries(const std::string& text, std::vector<ExperimentSetting>& into, std::string& fault) {
+  for (std::size_t at = text.find_first_of("[]"); at != std::string::npos;
+       at = text.find_first_of("[]", at + 1)) {
+    const std::size_t end = text.find(']', at);
+    fault = text.substr(at, end == std::string::npos ? end : end + 1 - at);
+    const auto setting = ReadSetting(fault.substr(1, fault.size() - 2));
+    if (text[at] == ']' || end == std::string::npos || !setting) return false;
+    into.push_back(*setting);
+    at = end;
+  }
+  fault.clear();
+  return true;
+}
+
 /// False when the line means nothing.
 bool ReadLine(const std::string& keyword, const std::string& value, Experiment& into) {
   const std::array<std::pair<const char*, std::string*>, 4> texts{{{"Title", &into.Title},
@@ -144,6 +159,11 @@ std::string ExperimentSetting::Text() const {
   return (Of.empty() ? "" : Of + ": ") + Name + " = " + Value;
 }
 
+std::string ExperimentAnswer::Name() const {
+  if (AtHz) return Reading + " at " + FormatShortest(*AtHz) + " Hz";
+  return Signal.empty() ? Reading : Reading + " of " + Signal;
+}
+
 bool ExperimentAnswer::IsMetBy(double reading) const {
   // The bounds are decimal numbers, which doubles miss by a rounding.
   return std::abs(reading - Value) <= Tolerance * (1.0 + 1e-9);
@@ -151,6 +171,19 @@ bool ExperimentAnswer::IsMetBy(double reading) const {
 
 bool Experiment::Shows(InstrumentKind kind) const {
   return std::find(Shown.begin(), Shown.end(), kind) != Shown.end();
+}
+
+std::vector<ExperimentSetting> Experiment::SettingsAt(std::size_t step) const {
+  std::vector<ExperimentSetting> settings = SetUp;
+  for (std::size_t k = 0; k <= step && k < Steps.size(); ++k) {
+    for (const ExperimentSetting& setting : Steps[k].Settings) {
+      std::erase_if(settings, [&](const ExperimentSetting& earlier) {
+        return earlier.Of == setting.Of && earlier.Name == setting.Name;
+      });
+      settings.push_back(setting);
+    }
+  }
+  return settings;
 }
 
 std::optional<Experiment> ReadExperiment(std::string_view text, std::string& fault) {
@@ -161,6 +194,7 @@ std::optional<Experiment> ReadExperiment(std::string_view text, std::string& fau
     return {};
   }
   experiment.Text = text.substr(body + 7);
+  if (!ReadTries(experiment.Text, experiment.Tries, fault)) return {};
   LineReader lines(text.substr(0, body));
   for (std::string line; lines.Next(line);) {
     const auto sides = Sides(line, ": ");

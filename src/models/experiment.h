@@ -34,6 +34,8 @@ struct ExperimentAnswer {
   double Tolerance = 0.0;
   std::string Unit;
 
+  /// What is read: "Overshoot of vF", "Gain at 45 Hz".
+  std::string Name() const;
   bool IsMetBy(double reading) const;
 };
 
@@ -44,7 +46,8 @@ struct ExperimentStep {
 };
 
 /// One of the things worth trying with a model. It is a file of its own beside the model file that
-/// sets it up, with lines "Keyword: value"; what follows the line "Text:" is its text.
+/// sets it up, with lines "Keyword: value"; what follows the line "Text:" is its text. In that
+/// "[KVP = 3]" is a value to try, "K_T" and "K_{VP}" have an index, "s^2" and "e^{-x}" an exponent.
 struct Experiment {
   std::string Title;
   std::string Model;
@@ -56,8 +59,11 @@ struct Experiment {
   std::vector<ExperimentSetting> SetUp;  ///< what its model file sets beside the first step
   std::vector<ExperimentStep> Steps;     ///< the model file is in the state of the first one
   std::string Text;
+  std::vector<ExperimentSetting> Tries;  ///< what the text proposes in brackets, in its order
 
   bool Shows(InstrumentKind kind) const;
+  /// What is set when a step has been done: by the model file and by this step and those before.
+  std::vector<ExperimentSetting> SettingsAt(std::size_t step) const;
 };
 
 /// Reads an experiment's file. A line that means nothing gives nothing, and is left in `fault`.
@@ -65,5 +71,10 @@ std::optional<Experiment> ReadExperiment(std::string_view text, std::string& fau
 
 /// Sets the value, as one change to undo; false when there is no such setting or it is refused.
 bool Apply(const ExperimentSetting& setting, ZelModel& model);
+/// Whether the model is set so.
+bool IsSet(const ExperimentSetting& setting, const ZelModel& model);
+/// Whether the model differs from former settings of it (SettingsText) only in values that the
+/// experiment proposes, wherever: to set up, in its steps, in its text.
+bool OnlyProposed(const Experiment& experiment, const std::string& former, const ZelModel& model);
 
 }  // namespace torvane

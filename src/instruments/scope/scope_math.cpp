@@ -64,11 +64,8 @@ StepMeasures MeasureStep(const ZelScope& scope, const StepTraces& traces) {
                               {unit * jump.At, unit * jump.Resolution, unit * jump.SolverStep});
 }
 
-}  // namespace
-
-std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
-                                           const ScreenPixels& pixels) {
-  const Range range = MeasuredRange(scope, screen, pixels);
+std::vector<ChannelMeasures> Measure(const ZelScope& scope, const ScopeScreen& screen,
+                                     Range range) {
   const auto& channels = scope.Channels();
   // A screen that has never been copied has not even empty traces.
   if (screen.Values.size() != channels.size()) return {};
@@ -96,6 +93,17 @@ std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScr
     of.Step = MeasureStep(scope, {times, command, values, sameUnit});
   }
   return measures;
+}
+
+}  // namespace
+
+std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
+                                           const ScreenPixels& pixels) {
+  return Measure(scope, screen, MeasuredRange(scope, screen, pixels));
+}
+
+std::vector<ChannelMeasures> MeasureWholeScreen(const ZelScope& scope, const ScopeScreen& screen) {
+  return Measure(scope, screen, {0, screen.Time.size()});
 }
 
 }  // namespace torvane

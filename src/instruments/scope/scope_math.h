@@ -21,5 +21,7 @@ struct ChannelMeasures {
 /// tells when it jumped; else from the middle of the time between the two points.
 std::vector<ChannelMeasures> MeasureScreen(const ZelScope& scope, const ScopeScreen& screen,
                                            const ScreenPixels& pixels);
+/// As MeasureScreen, of the whole screen wherever cursors stand.
+std::vector<ChannelMeasures> MeasureWholeScreen(const ZelScope& scope, const ScopeScreen& screen);
 
 }  // namespace torvane

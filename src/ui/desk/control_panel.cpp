@@ -84,8 +84,8 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_);
   models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
   QMainWindow& dock = MakeDockAround(*ui_->InstrumentArea);
-  experiments_ =
-      new ExperimentsMenu(*ui_->MExperiments, session_, data_, *ui_->InstrumentArea, dock);
+  experiments_ = new ExperimentsMenu(*ui_->MExperiments, session_, *files_, data_,
+                                     *ui_->InstrumentArea, dock);
   connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
@@ -162,6 +162,9 @@ void TZelControlPanelF::ConnectControls() {
   };
   shortcut("Ctrl+R", ui_->SBRun);
   shortcut("Ctrl+.", ui_->SBStop);
+  connect(experiments_, &ExperimentsMenu::RunWanted, this, [this](bool run) {
+    if (run != Running()) ui_->MIRunStop->trigger();
+  });
   connect(ui_->MIRunStop, &QAction::triggered, this,
           [this] { (Running() ? ui_->SBStop : ui_->SBRun)->click(); });
   connect(ui_->CmBPace, &QComboBox::currentIndexChanged, this,
@@ -277,6 +280,7 @@ bool TZelControlPanelF::Running() const {
 
 void TZelControlPanelF::RunToggled(bool down) {
   ui_->MIRunStop->setText(down ? QStringLiteral("Stop") : QStringLiteral("Run"));
+  experiments_->SetRunning(down);
   // Text that can be selected takes long to set, and nobody selects it while it changes.
   ui_->LTime->setTextInteractionFlags(down ? Qt::NoTextInteraction : Qt::TextSelectableByMouse);
   if (!Model()) return;
@@ -305,6 +309,7 @@ void TZelControlPanelF::RefreshTick() {
   ShowTitle();
   Model()->Bench().RefreshInstruments();
   picture_->Diagram().Refresh();
+  experiments_->Refresh();
 }
 
 void TZelControlPanelF::ShowLook() {

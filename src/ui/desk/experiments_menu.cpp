@@ -8,6 +8,7 @@
 
 #include "loops/loop_file.h"
 #include "plot/qt_text.h"
+#include "ui/desk/file_commands.h"
 #include "ui/desk/workspace.h"
 #include "ui/panes/experiment_panel.h"
 #include "ui/session/box_queue.h"
@@ -26,42 +27,78 @@ constexpr int LowPanel = 110;
 constexpr int PanelHeight = 150;
 constexpr int InstrumentsHeight = 420;  // that a panel below leaves
 
+bool CanBegin(const OfferedExperiment& experiment) {
+  return experiment.Fault.isEmpty() && !experiment.File.isEmpty();
+}
+
 }  // namespace
 
-ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, const DataFolder& data,
-                                 Workspace& workspace, QMainWindow& window)
+ExperimentsMenu::ExperimentsMenu(QMenu& menu, Session& session, FileCommands& files,
+                                 const DataFolder& data, Workspace& workspace, QMainWindow& window)
     : QObject(&menu),
       menu_(menu),
       session_(session),
+      files_(files),
       experiments_(data),
       workspace_(workspace),
       window_(window),
       panel_(new ExperimentPanel(&window)) {
   connect(&menu_, &QMenu::aboutToShow, this, &ExperimentsMenu::Fill);
   connect(&session_, &Session::FileLoaded, this, &ExperimentsMenu::ModelShown);
+  connect(&session_, &Session::ModelAboutToChange, panel_, &ExperimentPanel::Forget);
   connect(panel_, &ExperimentPanel::Closed, this, &ExperimentsMenu::Leave);
+  connect(panel_, &ExperimentPanel::StepWanted, this, &ExperimentsMenu::GoOn);
+  connect(panel_, &ExperimentPanel::RunWanted, this, &ExperimentsMenu::RunWanted);
+}
+
+ExperimentsMenu::Offered ExperimentsMenu::OfModel() {
+  const QString loop = session_.Loop() ? QtText(session_.Loop()->Path) : QString();
+  return experiments_.Of(session_.Model()->Name(), loop);
 }
 
 void ExperimentsMenu::Fill() {
   menu_.clear();
-  const QString loop = session_.Loop() ? QtText(session_.Loop()->Path) : QString();
-  int number = 0;
-  for (const OfferedExperiment& experiment : experiments_.Of(session_.Model()->Name(), loop)) {
+  const Offered offered = OfModel();
+  for (std::size_t i = 0; i < offered.size(); ++i) {
+    const OfferedExperiment& experiment = offered[i];
     const bool isWhole = experiment.Fault.isEmpty();
     QString title = isWhole ? QString::fromStdString(experiment.Record.Title) : experiment.Fault;
     title.replace(u'&', QStringLiteral("&&"));
-    QAction* item = menu_.addAction(
-        QStringLiteral("&%1. %2").arg(++number).arg(title), this, [this, experiment] {
-          WhenNothingIsOpen(*this, [this, experiment] { SetUp(experiment); });
-        });
-    item->setEnabled(isWhole && !experiment.File.isEmpty());
+    QAction* item = menu_.addAction(QStringLiteral("&%1. %2").arg(i + 1).arg(title), this,
+                                    [this, offered, i] { Begin(offered, i); });
+    item->setEnabled(CanBegin(experiment));
   }
-  if (number == 0) menu_.addAction(QStringLiteral("None for this model"))->setEnabled(false);
+  if (offered.empty()) menu_.addAction(QStringLiteral("None for this model"))->setEnabled(false);
 }
 
-// The menu is filled anew while the model changes; its item is done by then.
-void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
-  if (!session_.CanRead(experiment.File) || !session_.MayDiscard()) return;
+// The neighbour of the one that is shown.
+void ExperimentsMenu::GoOn(int by) {
+  const Experiment* shown = panel_->Shown();
+  if (!shown) return;
+  const Offered offered = OfModel();
+  for (std::size_t i = 0; i < offered.size(); ++i) {
+    const std::size_t next = i + static_cast<std::size_t>(by);
+    if (offered[i].Record.Number == shown->Number && next < offered.size()) {
+      Begin(offered, next);
+    }
+  }
+}
+
+// The menu is filled anew, and the panel written, while the model changes; what has been clicked is
+// done by then.
+void ExperimentsMenu::Begin(const Offered& offered, std::size_t index) {
+  WhenNothingIsOpen(*this, [this, offered, index] { SetUp(offered, index); });
+}
+
+bool ExperimentsMenu::MayLose() {
+  const Experiment* shown = panel_->Shown();
+  if (shown && OnlyProposed(*shown, session_.SavedSettings(), *session_.Model())) return true;
+  return files_.OfferToSave();
+}
+
+void ExperimentsMenu::SetUp(const Offered& offered, std::size_t index) {
+  const OfferedExperiment& experiment = offered[index];
+  if (!session_.CanRead(experiment.File) || !MayLose()) return;
   if (!own_) {
     emit AboutToBegin();
     own_ = workspace_.Present();
@@ -73,8 +110,19 @@ void ExperimentsMenu::SetUp(const OfferedExperiment& experiment) {
   if (!session_.OpenConfiguration(experiment.File)) return;
   const Experiment& record = experiment.Record;
   Dock(record.Shows(InstrumentKind::FftAnalyser) || record.Shows(InstrumentKind::SweptSine));
-  panel_->ShowExperiment(record);
+  const bool isLast = index + 1 == offered.size();
+  panel_->ShowExperiment(
+      record, *session_.Model(),
+      {index > 0 && CanBegin(offered[index - 1]), !isLast && CanBegin(offered[index + 1])});
   workspace_.ShowOnly([&](InstrumentKind kind) { return record.Shows(kind); });
+}
+
+void ExperimentsMenu::Refresh() {
+  panel_->Refresh();
+}
+
+void ExperimentsMenu::SetRunning(bool running) {
+  panel_->SetRunning(running);
 }
 
 // Below the instruments where these stand side by side and leave none.
@@ -95,6 +143,7 @@ void ExperimentsMenu::ModelShown() {
 void ExperimentsMenu::Leave() {
   if (!own_) return;
   const Workspace::Desk own = *std::exchange(own_, std::nullopt);
+  panel_->Forget();
   panel_->hide();
   workspace_.Restore(own);
 }

@@ -170,6 +170,19 @@ bool FileCommands::SaveAs() {
   return !path.isEmpty() && MayOverwrite(path) && session_.Save(path);
 }
 
+bool FileCommands::OfferToSave() {
+  if (!session_.Changed()) return true;
+  QMessageBox box(QMessageBox::Warning, QStringLiteral("Warning"),
+                  QStringLiteral("Parameter values have changed since the last File Save."),
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, &window_);
+  box.setObjectName(QStringLiteral("UnsavedBox"));
+  box.setInformativeText(QStringLiteral("The experiment sets the model up anew."));
+  box.setDefaultButton(QMessageBox::Save);
+  BoxQueue::OfApplication().Finish();
+  const int answer = box.exec();
+  return answer == QMessageBox::Save ? Save() : answer == QMessageBox::Discard;
+}
+
 bool FileCommands::MayOverwrite(const QString& path) {
   if (!QFileInfo::exists(path)) return true;
   QMessageBox box(QMessageBox::Warning, QStringLiteral("File Exsits"),

@@ -37,6 +37,8 @@ class FileCommands : public QObject {
   /// False when nothing was saved.
   bool Save();
   bool SaveAs();
+  /// Before what is unsaved is lost: offers to save it. False when that is cancelled.
+  bool OfferToSave();
 
  private:
   enum class Recovery { Restore, Discard, NotNow };

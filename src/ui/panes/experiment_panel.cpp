@@ -1,75 +1,202 @@
 #include "ui/panes/experiment_panel.h"
 
+#include <QBoxLayout>
 #include <QCloseEvent>
+#include <QScrollBar>
 #include <QTextBrowser>
+#include <QToolButton>
+#include <QUrl>
+#include <algorithm>
+#include <cmath>
+
+#include "instruments/fft/fft_analyser.h"
+#include "plot/qt_text.h"
+#include "ui/panes/experiment_text.h"
 
 namespace torvane {
 
 namespace {
 
 constexpr QSize Least(180, 80);
+constexpr int Wide = 640;  // from which its text has two columns, pixels of the usual font
+constexpr int Low = 240;   // up to which its buttons stand beside it
+const QString Tick = QStringLiteral("\u2713\u00a0");
+const QString NoTick = QStringLiteral("\u200b");
+const QString Met = QStringLiteral("\u2611");
+const QString NotMet = QStringLiteral("\u2610");
 
-QString Text(const std::string& text) {
-  return QString::fromStdString(text).toHtmlEscaped();
+// One digit behind those of the tolerance would not be read by anybody.
+QString Rounded(double value, const ExperimentAnswer& answer) {
+  constexpr double RoundingError = 1e-9;
+  const double digits = std::ceil(-std::log10(answer.Tolerance) - RoundingError);
+  QString text = QString::number(value, 'f', std::max(0, static_cast<int>(digits)));
+  if (text.startsWith(u'-') && text.toDouble() == 0.0) text.remove(0, 1);
+  return answer.Unit.empty() ? text : text + u' ' + QtText(answer.Unit);
 }
 
-QString Joined(const std::vector<ExperimentSetting>& settings) {
-  QStringList texts;
-  for (const ExperimentSetting& setting : settings) texts << Text(setting.Text());
-  return texts.join(QStringLiteral(", "));
+QString Told(const ExperimentReading& read, const ExperimentAnswer& answer) {
+  if (!read.Value) return QtText(read.Gap);
+  const QString value = Rounded(*read.Value, answer);
+  if (!read.Present) return QStringLiteral("%1 before").arg(value);
+  if (answer.IsMetBy(*read.Value)) return value;
+  return QStringLiteral("%1, not %2").arg(value, Rounded(answer.Value, answer));
 }
 
-// Lines in one paragraph, blank ones between two.
-QString Paragraphs(const std::string& text) {
-  return QStringLiteral("<p>%1</p>")
-      .arg(Text(text).trimmed().replace(QStringLiteral("\n\n"), QStringLiteral("</p><p>")));
-}
-
-QString Html(const Experiment& experiment) {
-  QString html = QStringLiteral("<h3>%1</h3><p><i>%2</i></p><p>")
-                     .arg(Text(experiment.Title), Text(experiment.Question));
-  QStringList watched;
-  for (const std::string& name : experiment.Watched) watched << Text(name);
-  if (!watched.isEmpty()) {
-    html += QStringLiteral("Watch <b>%1</b>").arg(watched.join(QStringLiteral(", ")));
-  }
-  if (!experiment.SetUp.empty()) {
-    html += (watched.isEmpty() ? QStringLiteral("With ") : QStringLiteral(", with ")) +
-            Joined(experiment.SetUp);
-  }
-  html += QStringLiteral("</p><ol>");
-  for (const ExperimentStep& step : experiment.Steps) {
-    html += QStringLiteral("<li><b>%1</b></li>").arg(Joined(step.Settings));
-  }
-  html += QStringLiteral("</ol>") + Paragraphs(experiment.Text);
-  if (!experiment.Cost.empty()) {
-    html += QStringLiteral("<p><b>The price:</b> %1</p>").arg(Text(experiment.Cost));
-  }
-  return html;
+ZelXfer* AnalyserOf(const ZelModel& model) {
+  const auto& analysers = model.Bench().Instruments(InstrumentKind::FftAnalyser);
+  return analysers.empty() ? nullptr : dynamic_cast<ZelXfer*>(analysers.front());
 }
 
 }  // namespace
 
-ExperimentPanel::ExperimentPanel(QWidget* parent) : QDockWidget(parent), text_(new QTextBrowser) {
+/// An experiment that is on.
+struct ExperimentPanel::Trial {
+  Trial(const Experiment& experiment, ZelModel& model)
+      : Record(experiment), Proposed(ProposedBy(experiment)), Model(model), Reader(Record, model) {}
+
+  Experiment Record;
+  std::vector<ExperimentSetting> Proposed;
+  ZelModel& Model;
+  ExperimentReader Reader;
+};
+
+ExperimentPanel::ExperimentPanel(QWidget* parent)
+    : QDockWidget(parent),
+      text_(new QTextBrowser),
+      layout_(new QBoxLayout(QBoxLayout::TopToBottom)),
+      run_(new QToolButton),
+      previous_(new QToolButton),
+      next_(new QToolButton) {
   setObjectName(QStringLiteral("ExperimentPanel"));
   text_->setObjectName(QStringLiteral("MExperiment"));
   text_->setAccessibleName(QStringLiteral("Experiment"));
   text_->setTabChangesFocus(true);
+  text_->setOpenLinks(false);
+  text_->setUndoRedoEnabled(false);
   text_->setMinimumSize(Least);
-  setWidget(text_);
+  connect(text_, &QTextBrowser::anchorClicked, this,
+          [this](const QUrl& link) { SetValue(link.toString()); });
+  auto* body = new QWidget;
+  body->setLayout(layout_);
+  layout_->setContentsMargins(0, 0, 0, 0);
+  layout_->addWidget(text_, 1);
+  AddButtons();
+  setWidget(body);
   hide();
 }
 
-void ExperimentPanel::ShowExperiment(const Experiment& experiment) {
-  setWindowTitle(
-      QStringLiteral("Experiment with \"%1\"").arg(QString::fromStdString(experiment.Model)));
-  text_->setHtml(Html(experiment));
+ExperimentPanel::~ExperimentPanel() = default;
+
+void ExperimentPanel::AddButtons() {
+  auto* buttons = new QBoxLayout(QBoxLayout::LeftToRight);
+  const auto add = [&](QToolButton* button, const char* name, const char* hint) {
+    button->setObjectName(QLatin1String(name));
+    button->setToolTip(QLatin1String(hint));
+    button->setAutoRaise(false);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    buttons->addWidget(button);
+  };
+  add(run_, "SBExperimentRun", "Runs the model, or measures, for what there is to be read");
+  add(previous_, "SBPreviousExperiment", "Sets the experiment before this one up");
+  add(next_, "SBNextExperiment", "Sets the next experiment of this model up");
+  previous_->setText(QStringLiteral("Previous"));
+  next_->setText(QStringLiteral("Next"));
+  layout_->addLayout(buttons);
+  connect(run_, &QAbstractButton::clicked, this, &ExperimentPanel::PressRun);
+  connect(previous_, &QAbstractButton::clicked, this, [this] { emit StepWanted(-1); });
+  connect(next_, &QAbstractButton::clicked, this, [this] { emit StepWanted(1); });
+}
+
+void ExperimentPanel::ShowExperiment(const Experiment& experiment, ZelModel& model,
+                                     const Neighbours& neighbours) {
+  setWindowTitle(QStringLiteral("Experiment with \"%1\"").arg(QtText(experiment.Model)));
+  trial_ = std::make_unique<Trial>(experiment, model);
+  previous_->setEnabled(neighbours.Previous);
+  next_->setEnabled(neighbours.Next);
+  SetRunning(running_);
+  Write();
+  text_->verticalScrollBar()->setValue(0);
   show();
+}
+
+const Experiment* ExperimentPanel::Shown() const {
+  return trial_ ? &trial_->Record : nullptr;
+}
+
+void ExperimentPanel::Forget() {
+  trial_.reset();
+}
+
+// Anew, where it was scrolled to.
+void ExperimentPanel::Write() {
+  if (!trial_) return;
+  const int place = text_->verticalScrollBar()->value();
+  text_->setHtml(ExperimentHtml(trial_->Record, wide_));
+  Refresh();
+  text_->verticalScrollBar()->setValue(place);
+}
+
+void ExperimentPanel::Refresh() {
+  if (!trial_) return;
+  trial_->Reader.Look();
+  QTextDocument& document = *text_->document();
+  for (std::size_t i = 0; i < trial_->Proposed.size(); ++i) {
+    const bool set = IsSet(trial_->Proposed[i], trial_->Model);
+    ShowSpan(document, QStringLiteral("tick%1").arg(i), set ? Tick : NoTick, false);
+  }
+  for (std::size_t k = 0; k < trial_->Record.Steps.size(); ++k) {
+    const auto& answers = trial_->Record.Steps[k].Answers;
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      const ExperimentReading& read = trial_->Reader.Of(k, i);
+      const bool met = read.Value && answers[i].IsMetBy(*read.Value);
+      const QString place = QStringLiteral("%1.%2").arg(k).arg(i);
+      ShowSpan(document, QStringLiteral("met") + place, met ? Met : NotMet, !read.Present);
+      ShowSpan(document, QStringLiteral("read") + place, Told(read, answers[i]), !read.Present);
+    }
+  }
+}
+
+void ExperimentPanel::SetRunning(bool running) {
+  running_ = running;
+  const bool measures = trial_ && trial_->Record.Shows(InstrumentKind::FftAnalyser);
+  run_->setText(measures  ? QStringLiteral("Measure")
+                : running ? QStringLiteral("Stop")
+                          : QStringLiteral("Run"));
+}
+
+void ExperimentPanel::PressRun() {
+  ZelXfer* analyser = trial_ && trial_->Record.Shows(InstrumentKind::FftAnalyser)
+                          ? AnalyserOf(trial_->Model)
+                          : nullptr;
+  if (analyser) analyser->Run();
+  emit RunWanted(analyser || !running_);
+}
+
+void ExperimentPanel::SetValue(const QString& place) {
+  const auto index = place.toUInt();
+  if (!trial_ || index >= trial_->Proposed.size()) return;
+  Apply(trial_->Proposed[index], trial_->Model);
+  Refresh();
 }
 
 void ExperimentPanel::closeEvent(QCloseEvent* event) {
   event->accept();
   emit Closed();
+}
+
+void ExperimentPanel::resizeEvent(QResizeEvent* event) {
+  QDockWidget::resizeEvent(event);
+  layout_->setDirection(height() < Low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  const bool wide = width() >= Wide;
+  if (wide == std::exchange(wide_, wide)) return;
+  Write();
+}
+
+// The colours of links are those of the theme in which they were written.
+void ExperimentPanel::changeEvent(QEvent* event) {
+  QDockWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) Write();
 }
 
 }  // namespace torvane

@@ -1,32 +1,73 @@
 #pragma once
 
 #include <QDockWidget>
+#include <memory>
 
-#include "models/experiment.h"
+#include "models/experiment_reading.h"
 
+class QBoxLayout;
 class QTextBrowser;
+class QToolButton;
 
 namespace torvane {
 
 /// What an experiment asks, what there is to do and to see, and what it costs: a panel beside the
-/// instruments. The user can take it out, as a window of its own.
+/// instruments. A click on a value sets it, as one step to undo; what has been set is ticked, and
+/// what the instruments read of the answers stands beside them, ticked where it is as expected. The
+/// user can take it out, as a window of its own.
 class ExperimentPanel : public QDockWidget {
   Q_OBJECT
 
  public:
   explicit ExperimentPanel(QWidget* parent);
+  ~ExperimentPanel() override;
 
-  void ShowExperiment(const Experiment& experiment);
+  /// Which neighbours it has among those of its model.
+  struct Neighbours {
+    bool Previous = false;
+    bool Next = false;
+  };
+
+  /// The model is set up for it already, and stays until Forget.
+  void ShowExperiment(const Experiment& experiment, ZelModel& model, const Neighbours& neighbours);
+  /// Of the experiment that is shown; nullptr without any.
+  const Experiment* Shown() const;
+  void Forget();
+
+  /// Brings ticks and readings up to date.
+  void Refresh();
+  /// Whether the model runs.
+  void SetRunning(bool running);
 
  signals:
   /// The user has closed it: the experiment is over.
   void Closed();
+  /// The neighbour, -1 or 1, is to take its place.
+  void StepWanted(int by);
+  /// The model is to run, or to be stopped.
+  void RunWanted(bool run);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
+  struct Trial;
+
+  void AddButtons();
+  void Write();
+  void SetValue(const QString& place);
+  void PressRun();
+
   QTextBrowser* text_;
+  QBoxLayout* layout_;
+  QToolButton* run_;
+  QToolButton* previous_;
+  QToolButton* next_;
+  std::unique_ptr<Trial> trial_;  // while an experiment is on
+  bool running_ = false;
+  bool wide_ = false;
 };
 
 }  // namespace torvane

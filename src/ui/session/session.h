@@ -52,6 +52,8 @@ class Session : public QObject {
   /// Values or instruments are others than those last saved or loaded; windows' places do not
   /// count.
   bool Changed() const;
+  /// The settings (SettingsText) as they were last saved or loaded.
+  const std::string& SavedSettings() const { return saved_; }
   /// Before anything that discards the model's values: whether they are unchanged or the user
   /// agrees to lose them. The question ends in what OK does ("continue", "close").
   bool MayDiscard(const std::string& toDo = "continue") const;

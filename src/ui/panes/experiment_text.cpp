@@ -1,0 +1,146 @@
+#include "ui/panes/experiment_text.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QStringList>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include "plot/qt_text.h"
+
+namespace torvane {
+
+namespace {
+
+const QString NotYet = QStringLiteral("\u2610");
+
+/// Writes links and spans, and numbers them.
+class Writer {
+ public:
+  QString Link(const ExperimentSetting& setting) {
+    const QString place = QString::number(places_++);
+    return QStringLiteral("<nobr><a name=\"tick%1\">\u200b</a><a href=\"%1\">%2</a></nobr>")
+        .arg(place, QtText(setting.Text()).toHtmlEscaped());
+  }
+
+  QString Links(const std::vector<ExperimentSetting>& settings) {
+    QStringList links;
+    for (const ExperimentSetting& setting : settings) links << Link(setting);
+    return links.join(QStringLiteral(", "));
+  }
+
+  QString Step(const ExperimentStep& step, std::size_t number) {
+    QString html = QStringLiteral("<li>") + Links(step.Settings);
+    for (std::size_t i = 0; i < step.Answers.size(); ++i) {
+      html += QStringLiteral("<br><a name=\"met%1.%2\">%3</a> %4: <a name=\"read%1.%2\">\u2026</a>")
+                  .arg(number)
+                  .arg(i)
+                  .arg(NotYet, QtText(step.Answers[i].Name()).toHtmlEscaped());
+    }
+    return html + QStringLiteral("</li>");
+  }
+
+  /// Lines in one paragraph, blank ones between two.
+  QString Paragraphs(const Experiment& experiment) {
+    QString html = QStringLiteral("<p>");
+    QString text = QtText(experiment.Text).trimmed();
+    for (const ExperimentSetting& setting : experiment.Tries) {
+      const QString marked = u'[' + QtText(setting.Text()) + u']';
+      const auto at = text.indexOf(marked);
+      html += WithNotation(text.left(at)) + Link(setting);
+      text.remove(0, at + marked.size());
+    }
+    html += WithNotation(text) + QStringLiteral("</p>");
+    return html.replace(QStringLiteral("\n\n"), QStringLiteral("</p><p>"));
+  }
+
+ private:
+  int places_ = 0;
+};
+
+bool BelongsToIndex(QChar character) {
+  return character.isLetterOrNumber() || character == u'\u221e';
+}
+
+QString Named(const char* title, const QString& html) {
+  return QStringLiteral("<p><b>%1</b> %2</p>").arg(QLatin1String(title), html);
+}
+
+}  // namespace
+
+QString WithNotation(const QString& text) {
+  QString html;
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const bool lowered = text[i] == u'_';
+    if ((!lowered && text[i] != u'^') || i + 1 == text.size()) {
+      html += QString(text[i]).toHtmlEscaped();
+      continue;
+    }
+    const bool braced = text[i + 1] == u'{';
+    qsizetype end = i + 1;
+    while (end < text.size() && (braced ? text[end] != u'}' : BelongsToIndex(text[end]))) ++end;
+    const QString inside = text.mid(i + (braced ? 2 : 1), end - i - (braced ? 2 : 1));
+    html += (lowered ? QStringLiteral("<sub>%1</sub>") : QStringLiteral("<sup>%1</sup>"))
+                .arg(WithNotation(inside));
+    i = braced ? end : end - 1;
+  }
+  return html;
+}
+
+std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment) {
+  std::vector<ExperimentSetting> proposed = experiment.SetUp;
+  for (const ExperimentStep& step : experiment.Steps) {
+    proposed.insert(proposed.end(), step.Settings.begin(), step.Settings.end());
+  }
+  proposed.insert(proposed.end(), experiment.Tries.begin(), experiment.Tries.end());
+  return proposed;
+}
+
+QString ExperimentHtml(const Experiment& experiment, bool wide) {
+  Writer writer;
+  const QString title = QStringLiteral("<h3>%1. %2</h3>")
+                            .arg(experiment.Number)
+                            .arg(QtText(experiment.Title).toHtmlEscaped());
+  const QString question =
+      title + Named("What do you expect?", WithNotation(QtText(experiment.Question)));
+  QString steps;
+  if (!experiment.SetUp.empty()) steps += Named("Set up:", writer.Links(experiment.SetUp));
+  QStringList watched;
+  for (const std::string& name : experiment.Watched) watched << QtText(name).toHtmlEscaped();
+  if (!watched.isEmpty()) steps += Named("Watch:", watched.join(QStringLiteral(", ")));
+  steps += Named("What to do:", QString()) + QStringLiteral("<ol>");
+  for (std::size_t k = 0; k < experiment.Steps.size(); ++k) {
+    steps += writer.Step(experiment.Steps[k], k);
+  }
+  steps += QStringLiteral("</ol>");
+  QString shows = Named("What it shows:", QString()) + writer.Paragraphs(experiment);
+  if (!experiment.Cost.empty()) {
+    shows += Named("The price:", WithNotation(QtText(experiment.Cost)));
+  }
+  if (!wide) return question + steps + shows;
+  return QStringLiteral(
+             "<table width=\"100%\"><tr><td width=\"50%\">%1</td><td>%2</td></tr></table>")
+      .arg(question + steps, shows);
+}
+
+void ShowSpan(QTextDocument& document, const QString& name, const QString& text, bool faint) {
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+    for (auto at = block.begin(); !at.atEnd(); ++at) {
+      const QTextFragment fragment = at.fragment();
+      if (!fragment.charFormat().anchorNames().contains(name)) continue;
+      QTextCharFormat format = fragment.charFormat();
+      const QColor colour =
+          QGuiApplication::palette().color(faint ? QPalette::PlaceholderText : QPalette::Text);
+      if (fragment.text() == text && format.foreground().color() == colour) return;
+      format.setForeground(colour);
+      QTextCursor span(&document);
+      span.setPosition(fragment.position());
+      span.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+      span.insertText(text, format);
+      return;
+    }
+  }
+}
+
+}  // namespace torvane
