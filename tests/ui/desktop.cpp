@@ -15,6 +15,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTableWidget>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QWheelEvent>
 #include <algorithm>
@@ -140,6 +141,11 @@ Target Desktop::At(const std::string& name) {
   const QString inside = QString::fromStdString(name).section(u'[', 1).chopped(1);
   if (const auto* diagram = qobject_cast<DiagramView*>(Named(name.substr(0, bracket)))) {
     return {const_cast<DiagramView&>(*diagram), diagram->PlaceOf(inside.toStdString()).center()};
+  }
+  if (auto* text = qobject_cast<QTextBrowser*>(Named(name.substr(0, bracket)))) {
+    const QTextCursor end = text->document()->find(QString(inside).replace(u"="_qs, u" = "_qs));
+    text->setTextCursor(end);
+    return {*text->viewport(), text->cursorRect(end).center() - QPoint(3, 0)};
   }
   const auto& table = Find<QTableWidget>(name.substr(0, bracket));
   const QTableWidgetItem& item = Cell(table, inside);
@@ -427,6 +433,12 @@ std::string Desktop::Missing(const std::string& seen) {
     const QString wanted = QString::fromStdString(seen).section(u' ', 2);
     const bool holds = file.open(QIODevice::ReadOnly) && file.readAll().contains(wanted.toUtf8());
     return holds ? "" : "not so";
+  }
+  if (words.value(1) == "has") {
+    const auto& text = Find<QTextBrowser>(words[0].toStdString());
+    const QString wanted =
+        QString::fromStdString(seen).section(u' ', 2).replace(u"\\n"_qs, u"\n"_qs);
+    return text.toPlainText().contains(wanted) ? "" : text.toPlainText().toStdString();
   }
   const auto equals = seen.find('=');
   if (equals != std::string::npos) {

@@ -54,6 +54,7 @@ struct Target {
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
 ///   NAME.PROPERTY=TEXT; NAME.items, NAME.cells, NAME.header of what is listed; NAME.place
 ///   and NAME.corner of its window; NAME.cursor; NAME.ambiguous: letters in its menus
+///   NAME has TEXT         of a rich text, whose links are NAME[KVP=3]
 ///   NAME on|off|enabled|disabled|shown|hidden|focused|repainted|unchanged
 ///   NAME inside|apart     its window within the workspace; all of them, and none over another
 ///   NAME whole            of its controls none is cut off

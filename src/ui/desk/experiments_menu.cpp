@@ -25,7 +25,7 @@ constexpr int NarrowPanel = 180;
 constexpr int PanelWidth = 270;
 constexpr int LowPanel = 110;
 constexpr int PanelHeight = 150;
-constexpr int InstrumentsHeight = 420;  // that a panel below leaves
+constexpr int InstrumentsHeight = 650;  // that a panel below leaves
 
 bool CanBegin(const OfferedExperiment& experiment) {
   return experiment.Fault.isEmpty() && !experiment.File.isEmpty();

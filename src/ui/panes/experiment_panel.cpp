@@ -18,8 +18,8 @@ namespace torvane {
 namespace {
 
 constexpr QSize Least(180, 80);
-constexpr int Wide = 640;  // from which its text has two columns, pixels of the usual font
-constexpr int Low = 240;   // up to which its buttons stand beside it
+constexpr int Wide = 640;  // from which its text has columns, pixels of the usual font
+constexpr int Low = 240;   // below which its buttons stand beside it
 const QString Tick = QStringLiteral("\u2713\u00a0");
 const QString NoTick = QStringLiteral("\u200b");
 const QString Met = QStringLiteral("\u2611");
@@ -64,6 +64,7 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
     : QDockWidget(parent),
       text_(new QTextBrowser),
       layout_(new QBoxLayout(QBoxLayout::TopToBottom)),
+      buttons_(new QBoxLayout(QBoxLayout::LeftToRight)),
       run_(new QToolButton),
       previous_(new QToolButton),
       next_(new QToolButton) {
@@ -88,21 +89,20 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
 ExperimentPanel::~ExperimentPanel() = default;
 
 void ExperimentPanel::AddButtons() {
-  auto* buttons = new QBoxLayout(QBoxLayout::LeftToRight);
   const auto add = [&](QToolButton* button, const char* name, const char* hint) {
     button->setObjectName(QLatin1String(name));
     button->setToolTip(QLatin1String(hint));
     button->setAutoRaise(false);
     button->setFocusPolicy(Qt::StrongFocus);
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    buttons->addWidget(button);
+    buttons_->addWidget(button);
   };
   add(run_, "SBExperimentRun", "Runs the model, or measures, for what there is to be read");
   add(previous_, "SBPreviousExperiment", "Sets the experiment before this one up");
   add(next_, "SBNextExperiment", "Sets the next experiment of this model up");
   previous_->setText(QStringLiteral("Previous"));
   next_->setText(QStringLiteral("Next"));
-  layout_->addLayout(buttons);
+  layout_->addLayout(buttons_);
   connect(run_, &QAbstractButton::clicked, this, &ExperimentPanel::PressRun);
   connect(previous_, &QAbstractButton::clicked, this, [this] { emit StepWanted(-1); });
   connect(next_, &QAbstractButton::clicked, this, [this] { emit StepWanted(1); });
@@ -158,6 +158,8 @@ void ExperimentPanel::Refresh() {
 }
 
 void ExperimentPanel::SetRunning(bool running) {
+  // What was set before a run is known by its beginning, however short it is.
+  Refresh();
   running_ = running;
   const bool measures = trial_ && trial_->Record.Shows(InstrumentKind::FftAnalyser);
   run_->setText(measures  ? QStringLiteral("Measure")
@@ -187,7 +189,9 @@ void ExperimentPanel::closeEvent(QCloseEvent* event) {
 
 void ExperimentPanel::resizeEvent(QResizeEvent* event) {
   QDockWidget::resizeEvent(event);
-  layout_->setDirection(height() < Low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  const bool low = height() < Low;
+  layout_->setDirection(low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  buttons_->setDirection(low ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
   const bool wide = width() >= Wide;
   if (wide == std::exchange(wide_, wide)) return;
   Write();

@@ -62,6 +62,7 @@ class ExperimentPanel : public QDockWidget {
 
   QTextBrowser* text_;
   QBoxLayout* layout_;
+  QBoxLayout* buttons_;
   QToolButton* run_;
   QToolButton* previous_;
   QToolButton* next_;

@@ -42,8 +42,8 @@ class Writer {
   }
 
   /// Lines in one paragraph, blank ones between two.
-  QString Paragraphs(const Experiment& experiment) {
-    QString html = QStringLiteral("<p>");
+  QString Text(const Experiment& experiment) {
+    QString html;
     QString text = QtText(experiment.Text).trimmed();
     for (const ExperimentSetting& setting : experiment.Tries) {
       const QString marked = u'[' + QtText(setting.Text()) + u']';
@@ -51,7 +51,7 @@ class Writer {
       html += WithNotation(text.left(at)) + Link(setting);
       text.remove(0, at + marked.size());
     }
-    html += WithNotation(text) + QStringLiteral("</p>");
+    html += WithNotation(text);
     return html.replace(QStringLiteral("\n\n"), QStringLiteral("</p><p>"));
   }
 
@@ -64,7 +64,8 @@ bool BelongsToIndex(QChar character) {
 }
 
 QString Named(const char* title, const QString& html) {
-  return QStringLiteral("<p><b>%1</b> %2</p>").arg(QLatin1String(title), html);
+  return QStringLiteral("<p style=\"margin-top:0\"><b>%1</b> %2</p>")
+      .arg(QLatin1String(title), html);
 }
 
 }  // namespace
@@ -99,29 +100,28 @@ std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment) {
 
 QString ExperimentHtml(const Experiment& experiment, bool wide) {
   Writer writer;
-  const QString title = QStringLiteral("<h3>%1. %2</h3>")
-                            .arg(experiment.Number)
-                            .arg(QtText(experiment.Title).toHtmlEscaped());
-  const QString question =
-      title + Named("What do you expect?", WithNotation(QtText(experiment.Question)));
-  QString steps;
-  if (!experiment.SetUp.empty()) steps += Named("Set up:", writer.Links(experiment.SetUp));
+  QString asks = QStringLiteral("<h3 style=\"margin-top:0\">%1. %2</h3>")
+                     .arg(experiment.Number)
+                     .arg(QtText(experiment.Title).toHtmlEscaped());
+  asks += Named("What do you expect?", WithNotation(QtText(experiment.Question)));
+  if (!experiment.SetUp.empty()) asks += Named("Set up:", writer.Links(experiment.SetUp));
   QStringList watched;
   for (const std::string& name : experiment.Watched) watched << QtText(name).toHtmlEscaped();
-  if (!watched.isEmpty()) steps += Named("Watch:", watched.join(QStringLiteral(", ")));
-  steps += Named("What to do:", QString()) + QStringLiteral("<ol>");
+  if (!watched.isEmpty()) asks += Named("Watch:", watched.join(QStringLiteral(", ")));
+  QString steps = Named("What to do:", QString()) + QStringLiteral("<ol>");
   for (std::size_t k = 0; k < experiment.Steps.size(); ++k) {
     steps += writer.Step(experiment.Steps[k], k);
   }
   steps += QStringLiteral("</ol>");
-  QString shows = Named("What it shows:", QString()) + writer.Paragraphs(experiment);
+  QString shows = Named("What it shows:", writer.Text(experiment));
   if (!experiment.Cost.empty()) {
     shows += Named("The price:", WithNotation(QtText(experiment.Cost)));
   }
-  if (!wide) return question + steps + shows;
+  if (!wide) return asks + steps + shows;
   return QStringLiteral(
-             "<table width=\"100%\"><tr><td width=\"50%\">%1</td><td>%2</td></tr></table>")
-      .arg(question + steps, shows);
+             "<table width=\"100%\" cellspacing=\"4\"><tr><td width=\"33%\">%1</td>"
+             "<td width=\"33%\">%2</td><td>%3</td></tr></table>")
+      .arg(asks, steps, shows);
 }
 
 void ShowSpan(QTextDocument& document, const QString& name, const QString& text, bool faint) {

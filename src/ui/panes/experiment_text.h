@@ -9,7 +9,7 @@ class QTextDocument;
 namespace torvane {
 
 /// An experiment as rich text: its question first, then its steps with what they read, what it
-/// shows, and what it costs. Where there is width enough the steps stand beside the rest. Each
+/// shows, and what it costs. Where there is width enough these stand side by side. Each
 /// value that is proposed is a link, whose address is its place in ProposedBy, behind a span
 /// "tick<place>"; each answer has spans "met<step>.<answer>" and "read<step>.<answer>".
 QString ExperimentHtml(const Experiment& experiment, bool wide);

@@ -33,6 +33,17 @@ constexpr Entry Entries[] = {
      "Shows the block diagram of the model: where its signals and constants are in the loop."},
     {"BShowModelTXT",
      "Tells what the model shows, what its constants mean and which experiments to try."},
+    // An experiment.
+    {"MExperiment",
+     "What the experiment asks and what there is to do. A click on a value sets it; what is set "
+     "has "
+     "a tick before it. Behind each answer stands what the instruments read of it, with a tick "
+     "where that is as expected, and fainter when it was read with other values."},
+    {"SBExperimentRun", "Runs the model, or stops it; an experiment with an analyser is measured."},
+    {"SBPreviousExperiment", "Sets up the experiment before this one."},
+    {"SBNextExperiment",
+     "Sets up the model's next experiment, after an offer to save where you have changed what this "
+     "one does not propose."},
     // The scope.
     {"PBScreen",
      "The signals against time, or against another signal. Numbered flags on the left stand at the "
