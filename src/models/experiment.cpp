@@ -146,7 +146,11 @@ bool ReadLine(const std::string& keyword, const std::string& value, Experiment& 
     return true;
   }
   if (keyword == "With") return ReadSettings(value, into.SetUp);
-  if (keyword == "Step") return ReadSettings(value, into.Steps.emplace_back().Settings);
+  if (keyword == "Step" || keyword == "While running") {
+    ExperimentStep& step = into.Steps.emplace_back();
+    step.WhileRunning = keyword != "Step";
+    return ReadSettings(value, step.Settings);
+  }
   if (keyword != "Answer" || into.Steps.empty()) return false;
   const auto answer = ReadAnswer(value);
   if (answer) into.Steps.back().Answers.push_back(*answer);

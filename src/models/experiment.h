@@ -43,6 +43,8 @@ struct ExperimentAnswer {
 struct ExperimentStep {
   std::vector<ExperimentSetting> Settings;
   std::vector<ExperimentAnswer> Answers;
+  /// Something else is read when the model did not run before: "While running" in place of "Step".
+  bool WhileRunning = false;
 };
 
 /// One of the things worth trying with a model. It is a file of its own beside the model file that

@@ -59,8 +59,10 @@ std::vector<double> Rises(const Curve& c, double level) {
   return times;
 }
 
+// Without the marks for links and indices.
 std::string OneSpaced(const std::string& text) {
-  return std::regex_replace(text, std::regex("\\s+"), " ");
+  const std::string plain = std::regex_replace(text, std::regex("[][_{}]"), "");
+  return std::regex_replace(plain, std::regex("\\s+"), " ");
 }
 
 // "hz" is the frequency at which it rises through its mean, "passes L" how far from the first row
@@ -76,6 +78,10 @@ double Figure(const std::string& what, const Curve& c) {
   const double mean =
       std::accumulate(c.Y.begin(), c.Y.end(), 0.0) / static_cast<double>(c.Y.size());
   if (what == "mean") return mean;
+  if (what == "rms") {
+    const double squares = std::inner_product(c.Y.begin(), c.Y.end(), c.Y.begin(), 0.0);
+    return std::sqrt(squares / static_cast<double>(c.Y.size()));
+  }
   const bool passes = what.starts_with("passes");
   const auto rises = Rises(c, passes ? *ParseNumber(what.substr(7)) : mean);
   if (rises.empty()) return NAN;
@@ -101,7 +107,7 @@ class Claims : public testing::TestWithParam<std::filesystem::path> {
     if (first == "text") {
       text_ = OneSpaced(ReadWholeFile(Root + line.substr(5)));
     } else if (first.starts_with('"')) {
-      quote_ = line.substr(1, line.size() - 2);
+      quote_ = OneSpaced(line.substr(1, line.size() - 2));
       EXPECT_NE(text_.find(quote_), std::string::npos);
     } else if (first == "$") {
       const std::vector<std::string> parts = Parts(line.substr(2), " -> ");
@@ -118,7 +124,7 @@ class Claims : public testing::TestWithParam<std::filesystem::path> {
 
   void Check(const std::string& line) {
     static const std::regex form(
-        "(?:((?:where )?(?:max|min)|span|change|mean|hz|passes \\S+) )?(.+?)(?: at (.+?))?"
+        "(?:((?:where )?(?:max|min)|span|change|mean|rms|hz|passes \\S+) )?(.+?)(?: at (.+?))?"
         "(?: from (\\S+))?(?: to (\\S+))? (is|=) (([-+]?\\d[.\\d]*)( [^+]+?)?)(?: \\+- (\\S+))?");
     std::smatch part;
     ASSERT_TRUE(std::regex_match(line, part, form) && !rows_.empty());
@@ -177,11 +183,16 @@ class Answers : public Claims {
   void Check(const Experiment& experiment) {
     std::map<std::string, std::string> options;
     double period = 0.2;  // seconds, where the command has none
-    for (const ExperimentSetting& setting : experiment.SetUp) {
+    const auto take = [&](const ExperimentSetting& setting) {
       if (setting.Name == "Frequency") period = 1.0 / *ParseNumber(setting.Value);
-    }
+    };
+    for (const ExperimentSetting& setting : experiment.SetUp) take(setting);
     for (const ExperimentStep& step : experiment.Steps) {
-      for (const ExperimentSetting& setting : step.Settings) SetOption(setting, options);
+      if (step.WhileRunning) continue;
+      for (const ExperimentSetting& setting : step.Settings) {
+        take(setting);
+        SetOption(setting, options);
+      }
       std::string settings;
       for (const auto& [option, value] : options) settings += " " + option + value;
       for (const ExperimentAnswer& answer : step.Answers) {
@@ -196,10 +207,18 @@ class Answers : public Claims {
  private:
   static void SetOption(const ExperimentSetting& setting,
                         std::map<std::string, std::string>& options) {
-    static const std::map<std::string, std::string> ofAnalyser{{"Output", "--output "},
-                                                               {"Sample Time", "--tsample "}};
+    static const std::map<std::string, std::string> ofAnalyser{
+        {"Output", "--output "}, {"Sample Time", "--tsample "}, {"Amplitude", "--amplitude "}};
+    static const std::map<std::string, std::string> ofGenerator{{"Waveform", "Waveform"},
+                                                                {"Frequency", "FreqHz"},
+                                                                {"Amplitude", "Amplitude"},
+                                                                {"Offset", "Offset"},
+                                                                {"Phase", "PhaseDeg"}};
     if (setting.Of == "Analyser") {
       options[ofAnalyser.at(setting.Name)] = setting.Value;
+    } else if (ofGenerator.contains(setting.Name)) {
+      const std::string of = setting.Of.empty() ? "" : setting.Of + ":";
+      options["--wave \"" + of + ofGenerator.at(setting.Name)] = "=" + setting.Value + "\"";
     } else {
       options["--set \"" + setting.Name] = "=" + setting.Value + "\"";
     }
@@ -228,15 +247,16 @@ class Answers : public Claims {
     }
     if (!Figures().contains(answer.Reading)) return answer.Reading;
     return Figures().at(answer.Reading) + " " + answer.Signal + " from " +
-           FormatShortest(End(period) - period);
+           FormatShortest(answer.Reading == "Frequency" ? 0.25 * End(period)
+                                                        : End(period) - std::max(period, 0.25));
   }
 
   static double End(double period) { return period * std::max(4.0, std::ceil(1.0 / period)); }
 
   static const std::map<std::string, std::string>& Figures() {
     static const std::map<std::string, std::string> figures{
-        {"Mean", "mean"},         {"Minimum", "min"},  {"Maximum", "max"},
-        {"Peak to peak", "span"}, {"Frequency", "hz"},
+        {"Mean", "mean"},   {"RMS", "rms"},           {"Minimum", "min"},
+        {"Maximum", "max"}, {"Peak to peak", "span"}, {"Frequency", "hz"},
     };
     return figures;
   }

@@ -32,6 +32,7 @@ class Writer {
 
   QString Step(const ExperimentStep& step, std::size_t number) {
     QString html = QStringLiteral("<li>") + Links(step.Settings);
+    if (step.WhileRunning) html += QStringLiteral(", while it runs");
     for (std::size_t i = 0; i < step.Answers.size(); ++i) {
       html += QStringLiteral("<br><a name=\"met%1.%2\">%3</a> %4: <a name=\"read%1.%2\">\u2026</a>")
                   .arg(number)
