@@ -101,6 +101,7 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
        [this] {
          for (int i = 0; i < 4; ++i) Trigger("MIAddMeter");
        }},
+      {"guide", [this] { Trigger("MIGuide"); }},
       {"experiment", [this] { Begin(0); }},
       {"experiment with analyser", [this] { Begin(3); }}};
   std::vector<std::string> lines{

@@ -59,7 +59,9 @@ struct Pace {
 };
 constexpr Pace Paces[] = {
     {"Fastest", RunDriver::Unlimited}, {"Real time", 1.0}, {"1/10", 0.1}, {"1/100", 0.01}};
-constexpr QSize CaptureShape(4, 3);  // proportions of what "For Capture" takes
+constexpr int BesideGuide = 860;           // width that the guide leaves the instruments, pixels
+constexpr int BesideGuideAndPanel = 1010;  // that they keep beside the guide and an experiment
+constexpr QSize CaptureShape(4, 3);        // proportions of what "For Capture" takes
 constexpr QSize WidePicture(16, 9);
 
 }  // namespace
@@ -84,9 +86,13 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_);
   models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
   QMainWindow& dock = MakeDockAround(*ui_->InstrumentArea);
-  experiments_ = new ExperimentsMenu(*ui_->MExperiments, session_, *files_, data_,
-                                     *ui_->InstrumentArea, dock);
-  connect(experiments_, &ExperimentsMenu::AboutToBegin, this, &TZelControlPanelF::RememberWindows);
+  experiments_ =
+      new ExperimentsMenu(*ui_->MExperiments, session_, *files_, data_, *ui_->InstrumentArea, dock);
+  connect(experiments_, &ExperimentsMenu::AboutToBegin, this, [this] {
+    RememberWindows();
+    if (guide_ && !guide_->isFloating() && ui_->InstrumentArea->width() < BesideGuideAndPanel)
+      guide_->hide();
+  });
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
@@ -400,10 +406,8 @@ void TZelControlPanelF::RestoreDefaults() {
 }
 
 void TZelControlPanelF::ShowGuide() {
-  if (!guide_) guide_ = new GuideF(data_, this);
-  guide_->show();
-  guide_->raise();
-  guide_->activateWindow();
+  if (!guide_) guide_ = new GuideF(data_, *this);
+  guide_->Open(ui_->InstrumentArea->width() - BesideGuide);
 }
 
 void TZelControlPanelF::ShowAbout() {

@@ -17,16 +17,16 @@ namespace torvane {
 
 namespace {
 
-constexpr QSize Least(180, 80);
-constexpr int Wide = 640;  // from which its text has columns, pixels of the usual font
-constexpr int Low = 240;   // below which its buttons stand beside it
-const QString Tick = QStringLiteral("\u2713\u00a0");
-const QString NoTick = QStringLiteral("\u200b");
-const QString Met = QStringLiteral("\u2611");
-const QString NotMet = QStringLiteral("\u2610");
+constexpr QSize LeastText(180, 80);
+constexpr int ColumnsFrom = 640;   // from which its text has columns, pixels of the usual font
+constexpr int ButtonsBelow = 240;  // below which its buttons stand beside it
+const QString SetMark = QStringLiteral("\u2713\u00a0");
+const QString NoMark = QStringLiteral("\u200b");
+const QString MetMark = QStringLiteral("\u2611");
+const QString UnmetMark = QStringLiteral("\u2610");
 
 // One digit behind those of the tolerance would not be read by anybody.
-QString Rounded(double value, const ExperimentAnswer& answer) {
+QString RoundedFor(double value, const ExperimentAnswer& answer) {
   constexpr double RoundingError = 1e-9;
   const double digits = std::ceil(-std::log10(answer.Tolerance) - RoundingError);
   QString text = QString::number(value, 'f', std::max(0, static_cast<int>(digits)));
@@ -34,12 +34,12 @@ QString Rounded(double value, const ExperimentAnswer& answer) {
   return answer.Unit.empty() ? text : text + u' ' + QtText(answer.Unit);
 }
 
-QString Told(const ExperimentReading& read, const ExperimentAnswer& answer) {
+QString ReadingText(const ExperimentReading& read, const ExperimentAnswer& answer) {
   if (!read.Value) return QtText(read.Gap);
-  const QString value = Rounded(*read.Value, answer);
+  const QString value = RoundedFor(*read.Value, answer);
   if (!read.Present) return QStringLiteral("%1 before").arg(value);
   if (answer.IsMetBy(*read.Value)) return value;
-  return QStringLiteral("%1, not %2").arg(value, Rounded(answer.Value, answer));
+  return QStringLiteral("%1, not %2").arg(value, RoundedFor(answer.Value, answer));
 }
 
 ZelXfer* AnalyserOf(const ZelModel& model) {
@@ -74,7 +74,7 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
   text_->setTabChangesFocus(true);
   text_->setOpenLinks(false);
   text_->setUndoRedoEnabled(false);
-  text_->setMinimumSize(Least);
+  text_->setMinimumSize(LeastText);
   connect(text_, &QTextBrowser::anchorClicked, this,
           [this](const QUrl& link) { SetValue(link.toString()); });
   auto* body = new QWidget;
@@ -83,6 +83,7 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
   layout_->addWidget(text_, 1);
   AddButtons();
   setWidget(body);
+  SetRunning(false);
   hide();
 }
 
@@ -143,7 +144,7 @@ void ExperimentPanel::Refresh() {
   QTextDocument& document = *text_->document();
   for (std::size_t i = 0; i < trial_->Proposed.size(); ++i) {
     const bool set = IsSet(trial_->Proposed[i], trial_->Model);
-    ShowSpan(document, QStringLiteral("tick%1").arg(i), set ? Tick : NoTick, false);
+    ShowSpan(document, QStringLiteral("tick%1").arg(i), set ? SetMark : NoMark, false);
   }
   for (std::size_t k = 0; k < trial_->Record.Steps.size(); ++k) {
     const auto& answers = trial_->Record.Steps[k].Answers;
@@ -151,8 +152,9 @@ void ExperimentPanel::Refresh() {
       const ExperimentReading& read = trial_->Reader.Of(k, i);
       const bool met = read.Value && answers[i].IsMetBy(*read.Value);
       const QString place = QStringLiteral("%1.%2").arg(k).arg(i);
-      ShowSpan(document, QStringLiteral("met") + place, met ? Met : NotMet, !read.Present);
-      ShowSpan(document, QStringLiteral("read") + place, Told(read, answers[i]), !read.Present);
+      ShowSpan(document, QStringLiteral("met") + place, met ? MetMark : UnmetMark, !read.Present);
+      ShowSpan(document, QStringLiteral("read") + place, ReadingText(read, answers[i]),
+               !read.Present);
     }
   }
 }
@@ -189,10 +191,10 @@ void ExperimentPanel::closeEvent(QCloseEvent* event) {
 
 void ExperimentPanel::resizeEvent(QResizeEvent* event) {
   QDockWidget::resizeEvent(event);
-  const bool low = height() < Low;
+  const bool low = height() < ButtonsBelow;
   layout_->setDirection(low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   buttons_->setDirection(low ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
-  const bool wide = width() >= Wide;
+  const bool wide = width() >= ColumnsFrom;
   if (wide == std::exchange(wide_, wide)) return;
   Write();
 }

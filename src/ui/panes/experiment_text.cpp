@@ -13,10 +13,10 @@ namespace torvane {
 
 namespace {
 
-const QString NotYet = QStringLiteral("\u2610");
+const QString UnreadMark = QStringLiteral("\u2610");
 
 /// Writes links and spans, and numbers them.
-class Writer {
+class ExperimentWriter {
  public:
   QString Link(const ExperimentSetting& setting) {
     const QString place = QString::number(places_++);
@@ -37,7 +37,7 @@ class Writer {
       html += QStringLiteral("<br><a name=\"met%1.%2\">%3</a> %4: <a name=\"read%1.%2\">\u2026</a>")
                   .arg(number)
                   .arg(i)
-                  .arg(NotYet, QtText(step.Answers[i].Name()).toHtmlEscaped());
+                  .arg(UnreadMark, QtText(step.Answers[i].Name()).toHtmlEscaped());
     }
     return html + QStringLiteral("</li>");
   }
@@ -64,7 +64,7 @@ bool BelongsToIndex(QChar character) {
   return character.isLetterOrNumber() || character == u'\u221e';
 }
 
-QString Named(const char* title, const QString& html) {
+QString Titled(const char* title, const QString& html) {
   return QStringLiteral("<p style=\"margin-top:0\"><b>%1</b> %2</p>")
       .arg(QLatin1String(title), html);
 }
@@ -100,23 +100,23 @@ std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment) {
 }
 
 QString ExperimentHtml(const Experiment& experiment, bool wide) {
-  Writer writer;
+  ExperimentWriter writer;
   QString asks = QStringLiteral("<h3 style=\"margin-top:0\">%1. %2</h3>")
                      .arg(experiment.Number)
                      .arg(QtText(experiment.Title).toHtmlEscaped());
-  asks += Named("What do you expect?", WithNotation(QtText(experiment.Question)));
-  if (!experiment.SetUp.empty()) asks += Named("Set up:", writer.Links(experiment.SetUp));
+  asks += Titled("What do you expect?", WithNotation(QtText(experiment.Question)));
+  if (!experiment.SetUp.empty()) asks += Titled("Set up:", writer.Links(experiment.SetUp));
   QStringList watched;
   for (const std::string& name : experiment.Watched) watched << QtText(name).toHtmlEscaped();
-  if (!watched.isEmpty()) asks += Named("Watch:", watched.join(QStringLiteral(", ")));
-  QString steps = Named("What to do:", QString()) + QStringLiteral("<ol>");
+  if (!watched.isEmpty()) asks += Titled("Watch:", watched.join(QStringLiteral(", ")));
+  QString steps = Titled("What to do:", QString()) + QStringLiteral("<ol>");
   for (std::size_t k = 0; k < experiment.Steps.size(); ++k) {
     steps += writer.Step(experiment.Steps[k], k);
   }
   steps += QStringLiteral("</ol>");
-  QString shows = Named("What it shows:", writer.Text(experiment));
+  QString shows = Titled("What it shows:", writer.Text(experiment));
   if (!experiment.Cost.empty()) {
-    shows += Named("The price:", WithNotation(QtText(experiment.Cost)));
+    shows += Titled("The price:", WithNotation(QtText(experiment.Cost)));
   }
   if (!wide) return asks + steps + shows;
   return QStringLiteral(

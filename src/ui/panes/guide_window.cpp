@@ -1,9 +1,10 @@
 #include "ui/panes/guide_window.h"
 
-#include <QImage>
+#include <QMainWindow>
 #include <QScreen>
-#include <QTextBrowser>
-#include <QVBoxLayout>
+#include <algorithm>
+
+#include "ui/panes/guide_text.h"
 
 namespace torvane {
 
@@ -11,34 +12,16 @@ namespace {
 
 constexpr QSize GuideWindow(820, 680);
 constexpr double ShareOfScreen = 0.8;  // at most, for the frame has to be in sight, too
-constexpr int RoomBeside = 60;         // of pictures: margins and scroll bar
-
-/// Pictures are as wide as the window at most.
-class GuideText : public QTextBrowser {
- public:
-  using QTextBrowser::QTextBrowser;
-
-  QVariant loadResource(int type, const QUrl& name) override {
-    const QVariant resource = QTextBrowser::loadResource(type, name);
-    if (type != QTextDocument::ImageResource) return resource;
-    QImage picture = QImage::fromData(resource.toByteArray());
-    const double ratio = devicePixelRatioF();
-    const int most = qRound((window()->width() - RoomBeside) * ratio);
-    if (picture.width() > most) picture = picture.scaledToWidth(most, Qt::SmoothTransformation);
-    picture.setDevicePixelRatio(ratio);
-    return picture;
-  }
-};
+constexpr int NarrowGuide = 340;       // at the side
+constexpr int WideGuide = 560;
 
 }  // namespace
 
-GuideF::GuideF(const DataFolder& folder, QWidget* parent)
-    : QDialog(parent, Qt::Tool), text_(new GuideText(this)) {
+GuideF::GuideF(const DataFolder& folder, QMainWindow& window)
+    : QDockWidget(QStringLiteral("Guide"), &window), window_(window), text_(new GuideText(this)) {
   setObjectName(QStringLiteral("GuideF"));
-  setWindowTitle(QStringLiteral("Guide"));
   text_->setObjectName(QStringLiteral("TBGuide"));
   text_->setAccessibleName(QStringLiteral("Guide"));
-  resize(GuideWindow.boundedTo(screen()->availableSize() * ShareOfScreen));
   const QString file = QStringLiteral("guide/guide.md");
   const QString path = folder.Find(file);
   if (path.isEmpty()) {
@@ -46,9 +29,21 @@ GuideF::GuideF(const DataFolder& folder, QWidget* parent)
   } else {
     text_->setSource(QUrl::fromLocalFile(path), QTextDocument::MarkdownResource);
   }
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(6, 6, 6, 6);
-  column->addWidget(text_);
+  setWidget(text_);
+  window_.addDockWidget(Qt::RightDockWidgetArea, this);
+  hide();
+}
+
+void GuideF::Open(int spare) {
+  const bool opens = !isVisible();
+  if (opens) setFloating(spare < NarrowGuide);
+  show();
+  if (opens && isFloating())
+    resize(GuideWindow.boundedTo(screen()->availableSize() * ShareOfScreen));
+  if (opens && !isFloating())
+    window_.resizeDocks({this}, {std::min(spare, WideGuide)}, Qt::Horizontal);
+  raise();
+  activateWindow();
 }
 
 }  // namespace torvane

@@ -1,20 +1,30 @@
 #pragma once
 
-#include <QDialog>
+#include <QDockWidget>
 
 #include "ui/session/data_folder.h"
 
-class QTextBrowser;
+class QMainWindow;
 
 namespace torvane {
 
-/// The guide for new users, as it stands in docs/guide.md. Says so when it is missing.
-class GuideF : public QDialog {
+class GuideText;
+
+/// The guide for new users, as it stands in docs/guide.md: a panel at the side of the instruments
+/// where these keep room enough, else a window of its own. Says so when it is missing.
+class GuideF : public QDockWidget {
+  Q_OBJECT
+
  public:
-  GuideF(const DataFolder& folder, QWidget* parent);
+  /// Of the window, in which it can be docked.
+  GuideF(const DataFolder& folder, QMainWindow& window);
+
+  /// Shows it, at the side when there are pixels enough of width that the instruments can spare.
+  void Open(int spare);
 
  private:
-  QTextBrowser* text_;
+  QMainWindow& window_;
+  GuideText* text_;
 };
 
 }  // namespace torvane
