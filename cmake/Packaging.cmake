@@ -32,7 +32,7 @@ set(CPACK_TORVANE_NEEDED_FILES
   ${plugins}/iconengines/libqsvgicon.so
   ${plugins}/imageformats/libqsvg.so
   /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf)
-set(CPACK_TORVANE_WANTED_FILES ${plugins}/platforms/libqwayland-generic.so)
+set(CPACK_TORVANE_WANTED_FILES ${plugins}/platforms/libqwayland-generic.so /usr/bin/dot)
 set(CPACK_TORVANE_SOURCES ${PROJECT_SOURCE_DIR})
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/package/dependencies.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/package/documents.cmake)

@@ -38,6 +38,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddTuneCommand(app, console);
   AddLinearizeCommand(app, console);
   AddLocusCommand(app, console);
+  AddDiagramCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
 }

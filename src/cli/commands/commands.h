@@ -24,6 +24,7 @@ void AddStudyCommand(CLI::App& app, Console& console);
 void AddLinearizeCommand(CLI::App& app, Console& console);
 void AddLocusCommand(CLI::App& app, Console& console);
 void AddTuneCommand(CLI::App& app, Console& console);
+void AddDiagramCommand(CLI::App& app, Console& console);
 void AddCheckCommand(CLI::App& app, Console& console);
 void AddConvertCommand(CLI::App& app, Console& console);
 

@@ -104,7 +104,7 @@ WaveReading ReadWaveFile(const std::string& path, std::string_view column) {
     return reading;
   }
   std::string name = std::filesystem::path(path).filename().string();
-  if (!column.empty()) name += ":" + std::string(column);
+  if (!column.empty()) name.append(":").append(column);
   reading.Table = std::make_shared<const WaveTable>(std::move(name), std::move(reader.Points));
   return reading;
 }

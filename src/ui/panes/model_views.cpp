@@ -101,10 +101,10 @@ void TZelModelPictureF::ShowPicture(const QString& file, const DataFolder& folde
 void TZelModelPictureF::ShowLoopPicture(const ZelModel& model) {
   const QString path = LoopPicture(model);
   QString words = QStringLiteral(
-                      "The loop \"%1\" has no picture.\n\nA drawing in a file beside the loop's is "
-                      "shown here when the loop's annotation names it:\n"
+                      "The diagram of the loop \"%1\" cannot be drawn: %2.\n\nA drawing in a file "
+                      "beside the loop's is shown here when the loop's annotation names it:\n"
                       "annotation(__Torvane(picture = \"drawing.svg\"))")
-                      .arg(QtText(model.Name()));
+                      .arg(QtText(model.Name()), QtText(diagram_->Fault()));
   if (!path.isEmpty()) {
     words = QFileInfo::exists(path)
                 ? QStringLiteral("Cannot read \"%1\".").arg(path)

@@ -1,7 +1,5 @@
 #include "ui/panes/diagram/diagram_view.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPaintEvent>
@@ -12,17 +10,11 @@
 #include "ui/panes/diagram/loop_picture.h"
 #include "ui/widgets/picture_ground.h"
 
-// Resources of a static library are linked in only when they are asked for, outside any namespace.
-static void InitDiagrams() {
-  Q_INIT_RESOURCE(torvane_diagrams);
-}
-
 namespace torvane {
 
 namespace {
 
 constexpr QSize LeastDiagram(240, 120);
-constexpr qint64 MostDrawing = qint64{4} << 20U;  // bytes of a file
 constexpr double WantedWidth = 1100.0;
 constexpr double LeastScale = 0.55;  // of a drawing that can be read
 constexpr int ValueSize = 17;        // of the font, in units of the drawing
@@ -56,27 +48,16 @@ bool DiagramView::SetModel(ZelModel* model) {
   hovered_.reset();
   current_ = 0;
   model_ = model;
+  drawn_ = model ? LivingDrawing(*model) : DrawnModel();
   const bool drawn = model && LoadDrawing();
   FitDrawing();
   Refresh();
   return drawn;
 }
 
-// The built-in models without a picture have a description.
-QString DiagramView::DrawingFile() const {
-  if (IsOwnLoop(*model_)) return LoopPicture(*model_);
-  const std::string& picture = model_->PictureFile();
-  const std::string& of = picture.empty() ? model_->TextFile() : picture;
-  return QStringLiteral(":/diagrams/%1.svg").arg(QFileInfo(QtText(of)).completeBaseName());
-}
-
 bool DiagramView::LoadDrawing() {
-  InitDiagrams();
-  QFile file(DrawingFile());
-  const bool drawn = file.fileName().endsWith(QStringLiteral(".svg"), Qt::CaseInsensitive);
-  if (!drawn || file.size() > MostDrawing || !file.open(QIODevice::ReadOnly)) return false;
-  diagram_.emplace(file.readAll(),
-                   IsDark(palette()) ? Diagram::Ground::Dark : Diagram::Ground::Light);
+  if (drawn_.Svg.isEmpty()) return false;
+  diagram_.emplace(drawn_.Svg, IsDark(palette()) ? Diagram::Ground::Dark : Diagram::Ground::Light);
   if (!diagram_->IsValid()) diagram_.reset();
   if (!diagram_) return false;
   for (const auto& channel : Scope().Channels()) AddPlace(channel.get(), nullptr);

@@ -11,6 +11,7 @@
 #include "core/model.h"
 #include "instruments/scope/scope.h"
 #include "plot/diagram/diagram.h"
+#include "plot/diagram/loop_diagram.h"
 #include "plot/scope_colours.h"
 
 class QLineEdit;
@@ -33,6 +34,9 @@ class DiagramView : public QWidget {
   /// Shows the model, which must outlive this use of it; false when the program has no drawing of
   /// it. Without a model nothing is shown.
   bool SetModel(ZelModel* model);
+
+  /// Why an own loop could not be drawn from its equations; empty when nothing is in the way.
+  const std::string& Fault() const { return drawn_.Fault; }
 
   /// With title and legend, or the loop alone.
   void SetWhole(bool whole);
@@ -82,7 +86,6 @@ class DiagramView : public QWidget {
     bool Take();
   };
 
-  QString DrawingFile() const;
   bool LoadDrawing();
   void AddPlace(SignalChannel* signal, Constant* constant);
   void FitDrawing();
@@ -104,6 +107,7 @@ class DiagramView : public QWidget {
   ZelScope& Scope() const;
 
   ZelModel* model_ = nullptr;
+  DrawnModel drawn_;
   std::optional<Diagram> diagram_;
   std::vector<Place> places_;
   QPixmap drawing_;  // as large as it is shown

@@ -1,6 +1,7 @@
 #include "ui/panes/diagram/loop_picture.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include "core/files/loop_record.h"
@@ -8,6 +9,8 @@
 #include "plot/qt_text.h"
 
 namespace torvane {
+
+static constexpr qint64 MostDrawing = qint64{4} << 20U;  // bytes of a file
 
 bool IsOwnLoop(const ZelModel& model) {
   return !LoopRecord(model).empty();
@@ -20,6 +23,15 @@ QString LoopPicture(const ZelModel& model) {
     return {};
   }
   return QFileInfo(QtText(model.TextFile())).dir().filePath(name);
+}
+
+DrawnModel LivingDrawing(const ZelModel& model) {
+  if (!IsOwnLoop(model)) return BuiltInDrawing(model);
+  if (model.PictureFile().empty()) return LoopDiagram(model);
+  QFile file(LoopPicture(model));
+  const bool drawing = file.fileName().endsWith(QStringLiteral(".svg"), Qt::CaseInsensitive);
+  if (!drawing || file.size() > MostDrawing || !file.open(QIODevice::ReadOnly)) return {};
+  return {file.readAll(), {}};
 }
 
 }  // namespace torvane

@@ -2,9 +2,9 @@
 
 #include <QString>
 
-namespace torvane {
+#include "plot/diagram/loop_diagram.h"
 
-class ZelModel;
+namespace torvane {
 
 /// Whether a text of the user's own describes the model.
 bool IsOwnLoop(const ZelModel& model);
@@ -12,5 +12,9 @@ bool IsOwnLoop(const ZelModel& model);
 /// The file with an own loop's picture, which stands beside the loop's own or below that folder.
 /// Empty when the loop names none, or one elsewhere.
 QString LoopPicture(const ZelModel& model);
+
+/// The drawing in which values stand: the built-in model's, that in the file which an own loop
+/// names, or what its equations give when it names none.
+DrawnModel LivingDrawing(const ZelModel& model);
 
 }  // namespace torvane

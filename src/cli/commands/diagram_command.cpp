@@ -1,0 +1,45 @@
+#include <CLI/CLI.hpp>
+
+#include "cli/command_error.h"
+#include "cli/commands/commands.h"
+#include "cli/io/diagrams.h"
+#include "cli/io/names.h"
+#include "cli/io/result_file.h"
+#include "cli/model/model_options.h"
+
+namespace torvane::cli {
+namespace {
+
+struct DiagramOptions {
+  std::string Model;
+  std::string Out;
+  std::string Format = "svg";
+};
+
+void Draw(const DiagramOptions& options, Console& console) {
+  const bool dot = options.Format == "dot";
+  if (!dot && options.Format != "svg") throw UnknownName("format", options.Format, {"svg", "dot"});
+  const auto model = OpenModel(options.Model, console);
+  ResultFile output(options.Out);
+  output.Write(dot ? DotOf(*model) : DiagramOf(*model));
+  output.Close();
+}
+
+}  // namespace
+
+void AddDiagramCommand(CLI::App& app, Console& console) {
+  CLI::App* const command = app.add_subcommand("diagram",
+                                               "Write a model's block diagram as SVG; that of a "
+                                               "loop of your own is made from its equations");
+  const auto options = std::make_shared<DiagramOptions>();
+  AddModelName(*command, options->Model);
+  command->add_option("--out", options->Out, "File to write; standard output without it")
+      ->type_name("FILE");
+  command
+      ->add_option("--format", options->Format,
+                   "svg, or dot: the diagram of a loop of your own in Graphviz's language")
+      ->type_name("FORMAT");
+  command->callback([options, &console] { Draw(*options, console); });
+}
+
+}  // namespace torvane::cli
