@@ -10,6 +10,7 @@ namespace torvane {
 
 /// The response of one run of a study, in display units.
 struct StudyTrace {
+  std::size_t Points = 400;  ///< that are taken of the run, about
   std::vector<float> Times;  ///< since just before the step
   std::vector<float> Values;
 };

@@ -41,7 +41,8 @@ TEST_P(Script, GoesAsWritten) {
 INSTANTIATE_TEST_SUITE_P(Files, Script,
                          testing::Values("control_panel", "scope", "trigger", "wave_gen", "meter",
                                          "constants", "input", "adjust", "analyser", "windows",
-                                         "files", "measuring", "diagram", "loops", "experiments"),
+                                         "files", "measuring", "diagram", "tune", "loops",
+                                         "experiments"),
                          [](const auto& script) { return script.param; });
 
 }  // namespace

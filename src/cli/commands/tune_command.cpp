@@ -18,10 +18,13 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "study/setting.h"
+#include "study/study_pictures.h"
 #include "study/tuning.h"
 
 namespace torvane::cli {
 namespace {
+
+constexpr std::size_t TracePoints = 10000;
 
 struct TuneOptions {
   MeasureOptions Measure;
@@ -30,6 +33,8 @@ struct TuneOptions {
   std::string Best;
   std::optional<int> MostRuns;
   std::string Save;
+  bool Progress = false;
+  std::string Trace;
 };
 
 /// A search on a model whose options have been checked.
@@ -58,9 +63,13 @@ class TuneRun {
     search_.Measure = [this](const auto& values) { return Measure(values); };
     search_.GoOn = [this](int runs, const Tuning& best) { return GoOn(runs, best); };
     const InterruptGuard guard;
+    ResultFile output("");
+    if (options_.Progress) output.Write(CsvLine(Captions()));
+    output_ = &output;
     const Tuning best = Tune(search_);
     console_.ShowProgress("");
-    Write(best);
+    if (!options_.Progress) output.Write(CsvLine(Captions()) + CsvLine(Fields(best)));
+    output.Close();
     if (!search_.Goal.Met(best.Readings)) throw StoppedError(WhatIsInTheWay(best));
     if (!options_.Save.empty()) Save(best);
     if (InterruptGuard::Interrupted()) throw StoppedError("interrupted; this is the best so far");
@@ -88,7 +97,7 @@ class TuneRun {
   ModelOptions& Model() { return options_.Measure.Bode.Response.Model; }
 
   void Check() {
-    CheckOutputs(options_.Save, "", NamesModelFile(Model().Model) ? Model().Model : "");
+    CheckOutputs(options_.Save, options_.Trace, NamesModelFile(Model().Model) ? Model().Model : "");
     const auto model = OpenModel(Model(), console_);
     CheckMeasurement(*model, options_.Measure, console_);
     if (options_.Measure.WithTheory) {
@@ -139,9 +148,10 @@ class TuneRun {
   Tuning Measure(const std::vector<std::string>& values) {
     const Quiet quiet;
     Tuning tuning{values, {}};
+    response_ = {TracePoints, {}, {}};
     try {
-      tuning.Readings =
-          ReadRun([&] { return Make(tuning.Values); }, options_.Measure, console_, false);
+      tuning.Readings = ReadRun([&] { return Make(tuning.Values); }, options_.Measure, console_,
+                                false, &response_);
     } catch (const CommandError& error) {
       tuning.Readings.Reasons.emplace_back(error.what());
     }
@@ -149,6 +159,15 @@ class TuneRun {
   }
 
   bool GoOn(int runs, const Tuning& best) {
+    // A better one is the one that was measured last.
+    if (best.Values != best_) WriteResponse();
+    best_ = best.Values;
+    if (options_.Progress) {
+      std::vector<std::string> fields{std::to_string(runs),
+                                      search_.Goal.Met(best.Readings) ? "1" : "0"};
+      Append(fields, Fields(best));
+      output_->Write(CsvLine(fields));
+    }
     if (Console::CanShowProgress(false)) {
       const bool good = search_.Goal.Met(best.Readings);
       console_.ShowProgress("run " + std::to_string(runs) + " of " +
@@ -158,21 +177,33 @@ class TuneRun {
     return !InterruptGuard::Interrupted();
   }
 
-  void Write(const Tuning& best) const {
+  std::vector<std::string> Captions() const {
     std::vector<std::string> captions;
+    if (options_.Progress) captions = {"Runs", "Met"};
     for (const StudyRange& range : search_.Ranges) captions.push_back(range.Name);
-    const MeasureSet set = options_.Measure.Measured();
-    Append(captions, MeasureCaptions(set));
-    std::vector<std::string> fields = best.Values;
-    Append(fields, MeasureFields(MeasureValues(best.Readings, set)));
+    Append(captions, MeasureCaptions(options_.Measure.Measured()));
     captions.emplace_back(ReasonCaption);
+    return captions;
+  }
+
+  std::vector<std::string> Fields(const Tuning& best) const {
+    std::vector<std::string> fields = best.Values;
+    Append(fields, MeasureFields(MeasureValues(best.Readings, options_.Measure.Measured())));
     std::vector<std::string> remarks = best.Readings.Reasons;
     Append(remarks, best.Readings.Warnings);
     fields.push_back(Joined(remarks));
-    ResultFile output("");
-    output.Write(CsvLine(captions));
-    output.Write(CsvLine(fields));
-    output.Close();
+    return fields;
+  }
+
+  void WriteResponse() const {
+    if (options_.Trace.empty() || response_.Times.empty()) return;
+    ResultFile file(options_.Trace);
+    file.Write(CsvLine({"Time", options_.Measure.Bode.Response.Output}));
+    for (std::size_t i = 0; i < response_.Times.size(); ++i) {
+      file.Write(CsvLine(
+          {FormatShortestSingle(response_.Times[i]), FormatShortestSingle(response_.Values[i])}));
+    }
+    file.Close();
   }
 
   std::string WhatIsInTheWay(const Tuning& best) const {
@@ -200,6 +231,9 @@ class TuneRun {
   TuneOptions options_;
   Console& console_;
   TuningSearch search_;
+  ResultFile* output_ = nullptr;  // while it searches
+  StudyTrace response_;           // of the last run
+  std::vector<std::string> best_;
 };
 
 }  // namespace
@@ -229,6 +263,14 @@ void AddTuneCommand(CLI::App& app, Console& console) {
   AddMeasureOptions(*command, options->Measure);
   command->add_option("--out", options->Save, "Model file to write, with the tuning that was found")
       ->type_name("FILE.tvf");
+  command->add_flag("--progress", options->Progress,
+                    "Print a line after each run instead: how many were made, whether the best so "
+                    "far meets all, and the best so far");
+  command
+      ->add_option("--trace", options->Trace,
+                   "Write the response of the best so far to this file, whenever there is a better "
+                   "one")
+      ->type_name("FILE.csv");
   command->callback([options, &console] { TuneRun(*options, console).Run(); });
 }
 

@@ -95,7 +95,7 @@ RunReadings ReadRun(const MakeModel& make, const MeasureOptions& options, Consol
   const ResponseOptions& response = options.Bode.Response;
   RunReadings readings;
   const StepRun step = ReadStep(make, Step(options), console, showProgress, readings);
-  if (trace) *trace = TraceOf(step);
+  if (trace) TakeTrace(step, *trace);
   if (options.WithBode) {
     ReadLoop(make, {options.Bode, options.Loop}, console, showProgress, readings);
   }

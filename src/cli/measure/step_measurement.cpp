@@ -77,15 +77,12 @@ StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& con
   return run;
 }
 
-StudyTrace TraceOf(const StepRun& run) {
-  constexpr std::size_t Points = 400;
-  const std::size_t apart = std::max<std::size_t>(1, run.Times.size() / Points);
-  StudyTrace trace;
+void TakeTrace(const StepRun& run, StudyTrace& trace) {
+  const std::size_t apart = std::max<std::size_t>(1, run.Times.size() / trace.Points);
   for (std::size_t i = 0; i < run.Times.size(); i += apart) {
     trace.Times.push_back(static_cast<float>(run.Times[i] - run.Times.front()));
     trace.Values.push_back(static_cast<float>(run.Response[i]));
   }
-  return trace;
 }
 
 }  // namespace torvane::cli

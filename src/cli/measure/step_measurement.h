@@ -13,6 +13,6 @@ StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& con
                  bool showProgress, RunReadings& readings);
 
 /// The response to the step with as many points as a picture shows.
-StudyTrace TraceOf(const StepRun& run);
+void TakeTrace(const StepRun& run, StudyTrace& trace);
 
 }  // namespace torvane::cli

@@ -55,6 +55,10 @@ void KeptTraces::Keep(ScopeScreen screen) {
   if (unreachable > 0) screens_[static_cast<std::size_t>(unreachable - 1)] = {};
 }
 
+void KeptTraces::Renew(ScopeScreen screen) {
+  if (Shown()) screens_[static_cast<std::size_t>(state_.Shown - 1)] = std::move(screen);
+}
+
 void KeptTraces::Restore(const State& state) {
   const bool known = state.Count >= 0 && state.Count <= static_cast<int>(screens_.size()) &&
                      state.Shown >= 0 && state.Shown <= state.Count;

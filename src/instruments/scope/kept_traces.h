@@ -21,6 +21,8 @@ class KeptTraces {
   /// nullptr when there are none.
   const ScopeScreen* Shown() const;
   void Keep(ScopeScreen screen);
+  /// In place of those that are shown, which no undo brings back then.
+  void Renew(ScopeScreen screen);
   void Clear() { state_.Shown = 0; }
 
   const State& Present() const { return state_; }

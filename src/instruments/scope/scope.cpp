@@ -178,6 +178,11 @@ void ZelScope::KeepTraces(const ScopeScreen& screen) {
   Change(keep, [] { return "Keep Traces"; });
 }
 
+void ZelScope::RenewKeptTraces(const ScopeScreen& screen) {
+  kept_.Renew(screen);
+  needsRedraw_ = true;
+}
+
 void ZelScope::ClearKeptTraces() {
   const auto clear = [&] {
     kept_.Clear();

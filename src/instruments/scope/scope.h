@@ -145,6 +145,10 @@ class ZelScope final : public Instrument {
   const ScopeScreen* Kept() const { return kept_.Shown(); }
   /// Keeps a screen's traces in place of any kept before; one without points is not kept.
   void KeepTraces(const ScopeScreen& screen);
+  /// Which of the screens that were kept is the present one, from 1; 0 for none.
+  int KeptNumber() const { return kept_.Present().Shown; }
+  /// Has other traces in the place of the kept ones: no change of its own to undo.
+  void RenewKeptTraces(const ScopeScreen& screen);
   void ClearKeptTraces();
 
   /// Copies the points of a sweep into a screen, whose storage is used again.

@@ -33,6 +33,7 @@
 #include "ui/panes/model_views.h"
 #include "ui/panes/poles/poles_panel.h"
 #include "ui/panes/read_out_window.h"
+#include "ui/panes/tune/tune_window.h"
 #include "ui/session/box_queue.h"
 #include "ui/session/last_session.h"
 #include "ui/session/live_theory.h"
@@ -225,6 +226,7 @@ void TZelControlPanelF::ConnectControls() {
   QAction* whatsThis = QWhatsThis::createAction(this);
   whatsThis->setObjectName(QStringLiteral("MIWhatsThis"));
   ui_->MHelp->insertAction(ui_->MIAbout, whatsThis);
+  connect(ui_->MITune, &QAction::triggered, this, &TZelControlPanelF::ShowTune);
   connect(ui_->MIGuide, &QAction::triggered, this, &TZelControlPanelF::ShowGuide);
   connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
@@ -403,6 +405,12 @@ void TZelControlPanelF::ResetVariables() {
 
 void TZelControlPanelF::RestoreDefaults() {
   Model()->RestoreDefaults();
+}
+
+void TZelControlPanelF::ShowTune() {
+  const auto askFile = [this](const QString& name) { return files_->AskWhereToSave(name); };
+  if (!tune_) tune_ = new TuneF(session_, askFile, this);
+  tune_->Open();
 }
 
 void TZelControlPanelF::ShowGuide() {

@@ -25,6 +25,7 @@ class PolesPanel;
 class TZelModelPictureF;
 class GuideF;
 class TZelModelTextF;
+class TuneF;
 class ViewMenu;
 
 namespace Ui {
@@ -98,6 +99,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void ResetVariables();
   void RestoreDefaults();
   void ShowGuide();
+  void ShowTune();
   void ShowAbout();
 
   void SetCaption(UndoItem item, const std::string& caption) override;
@@ -119,6 +121,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   TZelModelPictureF* picture_;
   TZelModelTextF* text_;
   GuideF* guide_ = nullptr;  // until it is asked for
+  TuneF* tune_ = nullptr;    // the same
   std::unique_ptr<FileCommands> files_;
   std::unique_ptr<LoopCommands> loops_;
   int frames_ = 0;

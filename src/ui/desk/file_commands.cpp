@@ -156,18 +156,22 @@ QString FileCommands::SaveFolder() const {
 }
 
 bool FileCommands::SaveAs() {
-  const QString folder = SaveFolder();
   const QString name =
       session_.File().isEmpty()
           ? QString::fromStdString(session_.Model()->Name()) + QStringLiteral(".tvf")
           : QFileInfo(session_.File()).fileName();
-  QFileDialog dialog(&window_, QStringLiteral("Save As"), folder, FileTypes);
+  const QString path = AskWhereToSave(name);
+  return !path.isEmpty() && session_.Save(path);
+}
+
+QString FileCommands::AskWhereToSave(const QString& name) {
+  QFileDialog dialog(&window_, QStringLiteral("Save As"), SaveFolder(), FileTypes);
   dialog.setObjectName(QStringLiteral("SaveDialog"));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
   dialog.selectFile(name);
   const QString path = Choose(dialog);
-  return !path.isEmpty() && MayOverwrite(path) && session_.Save(path);
+  return !path.isEmpty() && MayOverwrite(path) ? path : QString();
 }
 
 bool FileCommands::OfferToSave() {

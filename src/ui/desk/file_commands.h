@@ -39,6 +39,9 @@ class FileCommands : public QObject {
   bool SaveAs();
   /// Before what is unsaved is lost: offers to save it. False when that is cancelled.
   bool OfferToSave();
+  /// Asks for a model file to write, for which it proposes the name; empty when there is to be
+  /// none.
+  QString AskWhereToSave(const QString& name);
 
  private:
   enum class Recovery { Restore, Discard, NotNow };

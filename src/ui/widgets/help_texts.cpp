@@ -290,6 +290,30 @@ constexpr Entry Entries[] = {
     {"SGPoles",
      "Each pole, or pair of them, with its natural frequency and its damping; a pole that an "
      "integrator or a delay of a sample makes is called that."},
+    {"MITune",
+     "Looks for the constants with which the loop meets what is required of a step of its command "
+     "and of its margins, and is best in one measure. The model goes on meanwhile."},
+    {"CmBTuneCommand", "The signal that the generator steps, which is to be followed."},
+    {"CmBTuneResponse",
+     "The signal that follows it, of which overshoot, settling and so on are told."},
+    {"SGVary",
+     "The model's constants. Those that are on are varied between the limits beside them; Log "
+     "spreads what is tried evenly over decades. Space switches, typing writes a limit."},
+    {"SGRequire",
+     "What is measured of each tuning, with the bounds that it is to keep: type a number for at "
+     "most, at least or both. Beside them stands what the best tuning so far has."},
+    {"CmBTuneBest",
+     "Of all tunings that keep the bounds the one is wanted that is best in this: the largest "
+     "bandwidth or margin, the smallest of anything else."},
+    {"ETuneUntil",
+     "How long a run may go on after the step; it ends earlier when the response stands."},
+    {"ETuneRuns",
+     "How many tunings are tried at most: half of them all over the limits, the others about the "
+     "best of these. The same search finds the same tuning."},
+    {"BTuneStart", "Begins the search, in a process of its own, with the model as it is now."},
+    {"BTuneStop", "Ends the search after the run in progress. The best so far stays."},
+    {"BTuneApply", "Gives the model the constants of the best tuning. One undo takes them back."},
+    {"BTuneSave", "Saves the model, as it was when the search began, with the best tuning."},
     {"SBMargins",
      "Reads bandwidth and peaking off a closed loop's response, and margins off an open loop's; "
      "the "

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "ui/session/constant_group.h"
+#include "ui/session/tuning_run.h"
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+namespace torvane {
+
+class RequireTable;
+class Session;
+class VaryTable;
+
+/// Looks for the constants with which the session's model does best: which to vary, what is
+/// required and what is to be best; then the best so far in figures and as kept traces on the
+/// scope, while the model itself goes on. It begins anew each time that it is opened, and closing
+/// it ends the search.
+class TuneF : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// Asks for the file to save to, for which it proposes a name; empty for none.
+  using AskFile = std::function<QString(const QString& name)>;
+
+  /// The session must outlive it.
+  TuneF(Session& session, AskFile askFile, QWidget* parent);
+
+  /// For the session's model as it is.
+  void Open();
+
+ protected:
+  void hideEvent(QHideEvent* event) override;
+  bool event(QEvent* event) override;
+
+ private:
+  QWidget* MakeSignals();
+  QWidget* MakeGoal();
+  QWidget* MakeButtons();
+  void ProposeSignals();
+  TuningTask Task() const;
+  void Begin();
+  void ShowProgress(const TuningProgress& progress);
+  void ShowResponse(const QString& file);
+  void ShowEnd(const QString& fault);
+  void ShowButtons();
+  std::map<std::string, double> Found() const;
+  void Apply();
+  void SaveAs();
+
+  Session& session_;
+  AskFile askFile_;
+  ConstantGroup group_;
+  TuningRun run_;
+  QComboBox* command_;
+  QComboBox* response_;
+  VaryTable* vary_;
+  RequireTable* require_;
+  QComboBox* best_;
+  QLineEdit* until_;
+  QLineEdit* runs_;
+  QProgressBar* bar_;
+  QLabel* state_;
+  QPushButton* start_;
+  QPushButton* stop_;
+  QPushButton* apply_;
+  QPushButton* save_;
+  TuningTask task_;  ///< of the search that is on, or was the last
+  std::optional<TuningProgress> progress_;
+  bool stopped_ = false;
+  int kept_ = 0;  ///< which of the scope's kept traces are those of the search
+};
+
+}  // namespace torvane
