@@ -72,8 +72,8 @@ void TuningRun::Start(const TuningTask& task) {
   const QString model = folder_->filePath(QStringLiteral("model.tvf"));
   const QString program = FindProgram();
   if (program.isEmpty()) {
-    emit Ended(QStringLiteral("%1 is missing, which makes the runs: it is neither beside this "
-                              "program nor where the system finds programs")
+    emit Ended(QStringLiteral("the program %1, which makes the runs, is missing: it is neither "
+                              "beside this one nor where the system finds programs")
                    .arg(Program));
     return;
   }

@@ -316,6 +316,8 @@ void TuneF::ShowResponse(const QString& file) {
 void TuneF::ShowEnd(const QString& fault) {
   const bool met = progress_ && progress_->Met;
   const bool cut = stopped_ && !progress_;
+  // It may have found before that there is nothing better.
+  if (met && !stopped_) bar_->setMaximum(progress_->Runs);
   const QString runs = QStringLiteral("%1 runs").arg(progress_ ? progress_->Runs : 0);
   if (met) {
     state_->setText((stopped_ ? QStringLiteral("Stopped after %1: the best so far meets all.")
