@@ -12,8 +12,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int NameWidth = 92;
-constexpr int ColumnWidth = 76;
+constexpr int BesideText = 12;  // in a cell, pixels
 
 using TraceFigure = double (*)(const TraceMeasures&);
 
@@ -83,10 +82,16 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
     }
   }
   if (!otherChannels) return;
+  const auto widthOf = [&](const QString& text) {
+    return Table().fontMetrics().horizontalAdvance(text) + BesideText;
+  };
+  int nameWidth = 0;
+  for (const QStringList& row : rows) nameWidth = std::max(nameWidth, widthOf(row.front()));
   int width = 2 * Table().frameWidth();
   for (int column = 0; column < header.size(); ++column) {
     const int titled = Table().horizontalHeader()->sectionSizeHint(column);
-    Table().setColumnWidth(column, std::max(column == 0 ? NameWidth : ColumnWidth, titled));
+    const int text = column == 0 ? nameWidth : widthOf(Unavailable);
+    Table().setColumnWidth(column, std::max(text, titled));
     width += Table().columnWidth(column);
   }
   Want(width + Table().verticalScrollBar()->sizeHint().width());
