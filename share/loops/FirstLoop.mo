@@ -22,7 +22,8 @@ model FirstLoop "A PI controller on a motor's speed"
 
   // Blocks are declared with their inputs and read as drive.y. The command comes from a generator,
   // in whose place the analysers excite the loop.
-  Torvane.Sources.Command source(waveform = Torvane.Waveform.Square, frequency = 10, amplitude = 20);
+  Torvane.Sources.Command source(waveform = Torvane.Waveform.Square, frequency = 10,
+    amplitude = 20) annotation(__Torvane(name = "Command Source"));
   Torvane.Continuous.LowPass2 drive(u = KP * (Error + KI * integral), f = 300);
 protected
   // What stands behind "protected" is not offered.
@@ -35,6 +36,8 @@ equation
     // The solver's step, seconds.
     experiment(Interval = 1e-5),
     __Torvane(
+      // Seconds a division on the scope.
+      scope(division = 0.02),
       // The analysers' pairs; margins are read of the one whose kind is "open".
       responses(
         Closed(from = Command, to = Speed),

@@ -317,6 +317,8 @@ void Desktop::DoAt(const std::string& verb, const Target& at, const QString& tex
   } else if (verb == "resize") {
     control.resize(text.section(u'x', 0, 0).toInt(), text.section(u'x', 1).toInt());
   } else if (verb == "focus") {
+    control.activateWindow();
+    EXPECT_TRUE(WaitFor([&] { return control.isActiveWindow(); }));
     control.setFocus();
   } else if (verb == "close") {
     (qobject_cast<QMdiSubWindow*>(control.parentWidget()) ? control.parentWidget() : &control)

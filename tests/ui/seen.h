@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QListWidget>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QScreen>
@@ -85,6 +86,8 @@ inline QStringList Texts(QObject& object, const QString& part) {
   if (auto* table = qobject_cast<QTableWidget*>(&object)) return Texts(*table, part);
   if (auto* menu = qobject_cast<QMenu*>(&object)) return Texts(*menu);
   QStringList items;
+  const auto* lines = qobject_cast<QListWidget*>(&object);
+  for (int i = 0; lines && i < lines->count(); ++i) items << lines->item(i)->text();
   const auto* list = qobject_cast<QComboBox*>(&object);
   for (int i = 0; list && i < list->count(); ++i) items << list->itemText(i);
   return items;

@@ -19,6 +19,7 @@
 #include "ui/desk/arrangement.h"
 #include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
+#include "ui/desk/loop_change_bar.h"
 #include "ui/desk/loop_commands.h"
 #include "ui/desk/model_list.h"
 #include "ui/desk/pane_keys.h"
@@ -84,8 +85,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   HelpWithControls(*this, [this] { ShowGuide(); });
   new HeldGestures(this, [this] { return Model() ? &Model()->Bench().History() : nullptr; });
   files_ = std::make_unique<FileCommands>(*this, *ui_->MRecent, session_, data_);
-  loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_);
-  models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
+  AddLoops();
   QMainWindow& dock = MakeDockAround(*ui_->InstrumentArea);
   experiments_ =
       new ExperimentsMenu(*ui_->MExperiments, session_, *files_, data_, *ui_->InstrumentArea, dock);
@@ -130,6 +130,29 @@ void TZelControlPanelF::ConnectSession() {
   connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
   session_.TellPlacedBy(
       [this] { return !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive(); });
+}
+
+void TZelControlPanelF::AddLoops() {
+  loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_, data_);
+  models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
+  files_->AskBeforeSaving([this] { return loops_->MaySaveModel(); });
+  auto* bar = new LoopChangeBar(session_.Draft());
+  ui_->RoomColumn->insertWidget(1, bar);
+  connect(bar, &LoopChangeBar::ReadAgainAsked, loops_.get(), &LoopCommands::ReadAgain);
+  connect(ui_->MINewLoop, &QAction::triggered, loops_.get(), &LoopCommands::New);
+  connect(ui_->MIOpenLoop, &QAction::triggered, loops_.get(), &LoopCommands::Open);
+  connect(ui_->MIEditLoop, &QAction::triggered, loops_.get(), &LoopCommands::Edit);
+  const auto follow = [this] { ui_->MIEditLoop->setEnabled(loops_->CanEdit()); };
+  connect(&session_, &Session::ModelChanged, this, follow);
+  connect(&session_.Draft(), &LoopDraft::FileChanged, this, follow);
+  connect(&session_, &Session::AboutToApply, this, [this] {
+    before_ = {ui_->InstrumentArea->Present(), Running()};
+  });
+  connect(&session_, &Session::Applied, this, [this] {
+    const auto before = std::exchange(before_, std::nullopt);
+    ui_->InstrumentArea->Restore(before->Desk);
+    if (before->Running) Run();
+  });
 }
 
 // What the strip and the scope have as buttons and lists, by menu and key.
@@ -202,7 +225,6 @@ void TZelControlPanelF::ConnectControls() {
   connect(ui_->SBRedo, &QAbstractButton::clicked, this, redo);
   connect(ui_->MILoad, &QAction::triggered, files_.get(), &FileCommands::Load);
   connect(ui_->SpeedButton1, &QAbstractButton::clicked, files_.get(), &FileCommands::Load);
-  connect(ui_->MIOpenLoop, &QAction::triggered, loops_.get(), &LoopCommands::Open);
   connect(ui_->MISave, &QAction::triggered, files_.get(), &FileCommands::Save);
   connect(ui_->SBSave, &QAbstractButton::clicked, files_.get(), &FileCommands::Save);
   connect(ui_->MISaveAs, &QAction::triggered, files_.get(), &FileCommands::SaveAs);

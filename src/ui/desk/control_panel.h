@@ -3,10 +3,12 @@
 #include <QMainWindow>
 #include <QTimer>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "core/model.h"
 #include "ui/desk/run_driver.h"
+#include "ui/desk/workspace.h"
 #include "ui/session/data_folder.h"
 #include "ui/session/loop_shelf.h"
 #include "ui/session/session.h"
@@ -78,6 +80,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
 
  private:
   void ConnectSession();
+  void AddLoops();
   void AddKeyboard();
   void ConnectControls();
   bool RecallGeometry();
@@ -124,6 +127,12 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   TuneF* tune_ = nullptr;    // the same
   std::unique_ptr<FileCommands> files_;
   std::unique_ptr<LoopCommands> loops_;
+  /// What another version of a loop finds as it was.
+  struct Before {
+    Workspace::Desk Desk;
+    bool Running;
+  };
+  std::optional<Before> before_;
   int frames_ = 0;
   bool ending_ = false;  // what there was to ask and to keep is done
 };

@@ -9,6 +9,7 @@
 #include "ui/desk/control_panel.h"
 #include "ui/desk/experiments_menu.h"
 #include "ui/desk/file_commands.h"
+#include "ui/desk/loop_commands.h"
 #include "ui/desk/splash.h"
 #include "ui/session/user_settings.h"
 #include "ui_control_panel.h"
@@ -65,7 +66,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 
 // The end of the program tells everybody that it is to end; by then that is nobody's question.
 void TZelControlPanelF::closeEvent(QCloseEvent* event) {
-  if (!ending_ && !session_.MayDiscard("close")) {
+  if (!ending_ && !(session_.MayDiscard("close") && loops_->MayLeaveText())) {
     event->ignore();
     return;
   }

@@ -135,7 +135,8 @@ void FileCommands::Load() {
 }
 
 bool FileCommands::Save() {
-  return session_.File().isEmpty() ? SaveAs() : session_.Save(session_.File());
+  if (session_.File().isEmpty()) return SaveAs();
+  return maySave_() && session_.Save(session_.File());
 }
 
 // Where the file is that is being saved, or the loop that it is for, else where the user was last;
@@ -156,6 +157,7 @@ QString FileCommands::SaveFolder() const {
 }
 
 bool FileCommands::SaveAs() {
+  if (!maySave_()) return false;
   const QString name =
       session_.File().isEmpty()
           ? QString::fromStdString(session_.Model()->Name()) + QStringLiteral(".tvf")

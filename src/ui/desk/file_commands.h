@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
+#include <utility>
 
 #include "ui/session/collected_reports.h"
 #include "ui/session/data_folder.h"
@@ -32,6 +34,9 @@ class FileCommands : public QObject {
   /// Comes back when the user has read why it cannot be kept.
   void KeepForNextStart();
 
+  /// What is asked before a model file is written; false when it is not to be.
+  void AskBeforeSaving(std::function<bool()> ask) { maySave_ = std::move(ask); }
+
   /// Asks for a file and loads it.
   void Load();
   /// False when nothing was saved.
@@ -59,6 +64,7 @@ class FileCommands : public QObject {
   QMenu& recent_;
   Session& session_;
   const DataFolder& data_;
+  std::function<bool()> maySave_ = [] { return true; };
   bool comesBack_ = false;  // as it was started without a model or file of its own
 };
 

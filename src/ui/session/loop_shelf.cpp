@@ -13,13 +13,13 @@ namespace torvane {
 
 namespace {
 
-const QString Example = QStringLiteral("FirstLoop.mo");
+const QString ExampleLoop = QStringLiteral("FirstLoop.mo");
 constexpr int MostLoops = 200;  // more are no list to choose from
-constexpr qint64 MostRead = 65536;
+constexpr qint64 MostLoopText = 65536;
 
 ShelvedLoop ReadShelved(const QFileInfo& info) {
   QFile file(info.filePath());
-  const QByteArray text = file.open(QIODevice::ReadOnly) ? file.read(MostRead) : QByteArray();
+  const QByteArray text = file.open(QIODevice::ReadOnly) ? file.read(MostLoopText) : QByteArray();
   const std::string name = loops::LoopNameIn(text.toStdString());
   return {name.empty() ? info.fileName() : QString::fromStdString(name), info.absoluteFilePath()};
 }
@@ -42,8 +42,8 @@ bool LoopShelf::MakeFolder() {
     Error("The folder for loops cannot be made: " + Folder().toStdString());
     return false;
   }
-  const QString example = data_.FindFolder(QStringLiteral("loops")) + u'/' + Example;
-  if (QFileInfo(example).isFile()) QFile::copy(example, Folder() + u'/' + Example);
+  const QString example = data_.FindFolder(QStringLiteral("loops")) + u'/' + ExampleLoop;
+  if (QFileInfo(example).isFile()) QFile::copy(example, Folder() + u'/' + ExampleLoop);
   ReadFolder();
   return true;
 }

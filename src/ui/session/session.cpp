@@ -8,6 +8,9 @@
 #include "core/messages.h"
 #include "loops/loop_file.h"
 #include "models/catalogue_host.h"
+#include "plot/qt_text.h"
+#include "ui/session/kept_loop.h"
+#include "ui/session/model_changes.h"
 
 namespace torvane {
 
@@ -76,6 +79,7 @@ class Session::Host final : public CatalogueHost {
 };
 
 Session::Session() : host_(std::make_unique<Host>(*this)) {
+  connect(this, &Session::ModelChanged, this, &Session::FollowLoop);
   connect(&keep_, &QTimer::timeout, this, &Session::Keep);
   keep_.start(KeepMilliseconds);
 }
@@ -110,6 +114,63 @@ bool Session::BuildAnew() {
 
 std::unique_ptr<ZelModel> Session::MakeAnother() const {
   return host_->Loop ? Built(*host_->Loop) : Models().Load(Model()->Name());
+}
+
+// A text that is not saved stays, whatever becomes of the model.
+void Session::FollowLoop() {
+  if (!Loop() || draft_.Unsaved()) return;
+  const QString path = QtText(Loop()->Path);
+  if (draft_.Path() != path || !IsApplied()) draft_.Open(path, LoopDraft::Decoded(Loop()->Text));
+}
+
+bool Session::IsApplied() const {
+  return Loop() && draft_.Path() == QtText(Loop()->Path) &&
+         draft_.Text() == LoopDraft::Decoded(Loop()->Text);
+}
+
+bool Session::Apply(const loops::LoopFile& loop, std::vector<std::string>& notes) {
+  if (Loop() && Loop()->Path == loop.Path) return ReplaceLoop(loop, notes);
+  if (!MayDiscard() || !host_->TakeLoop(std::make_shared<const loops::LoopFile>(loop))) {
+    return false;
+  }
+  emit ModelChanged();
+  emit FileLoaded();
+  return true;
+}
+
+// It stays what the file is that the model belongs to, and whether all of it is saved there.
+bool Session::ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>& notes) {
+  const std::unique_ptr<ZelModel> fresh = MakeAnother();
+  if (!fresh) return false;
+  const ModelChanges changes(*Model(), *fresh);
+  const bool moved = Loop()->Path != loop.Path;
+  const bool changed = Changed();
+  const std::string saved = saved_;
+  const QString file = file_;
+  emit AboutToApply();
+  if (host_->TakeLoop(std::make_shared<const loops::LoopFile>(loop))) {
+    const QScopedValueRollback windows(restoresWindows_, true);
+    notes = changes.GiveTo(*host_);
+    Model()->Bench().History().Clear();
+    saved_ = changed || moved || !notes.empty() ? saved : SettingsText(*Model());
+    SetFile(file);
+    emit ModelChanged();
+    emit FileLoaded();
+  }
+  emit Applied();
+  return true;
+}
+
+bool Session::SaveDraftAs(const QString& path) {
+  const bool present = Loop() && draft_.Path() == QtText(Loop()->Path);
+  const QString absolute = QFileInfo(path).absoluteFilePath();
+  if (!draft_.SaveAs(absolute)) return false;
+  if (!present || absolute == QtText(Loop()->Path)) return true;
+  loops::LoopFile moved = *Loop();
+  moved.Path = absolute.toStdString();
+  std::vector<std::string> notes;
+  ReplaceLoop(moved, notes);
+  return true;
 }
 
 void Session::MakeCurrent(std::unique_ptr<ZelModel> model) {
@@ -205,8 +266,15 @@ bool Session::OpenLoop(const QString& path, Source source) {
 
 // The own loop that a model file is for: the present one, when it is that, as it runs; none for a
 // built-in model's. False when there is no loop to be had, or the present model is not to be left.
-bool Session::FindLoop(const QString& path, const std::string& text,
+bool Session::FindLoop(const QString& path, const std::string& text, Source source,
                        std::shared_ptr<const loops::LoopFile>& found) {
+  const std::string kept = source == Source::Recovery ? KeptLoop::In(text).Text : std::string();
+  if (!kept.empty()) {
+    auto loop = std::make_shared<const loops::LoopFile>(
+        loops::ReadLoopText(LoopFileIn(text), kept, Models().Names()));
+    if (loop->Reading.Plan) found = loop;
+    return loop->Reading.Plan != nullptr;
+  }
   const auto& present = host_->Loop;
   const auto isPresent = [&](const std::string& file) {
     return present && present->Path == file && present->Reading.Plan->Name == ModelNameIn(text);
@@ -240,7 +308,7 @@ bool Session::FindLoop(const QString& path, const std::string& text,
 // model that is half loaded.
 bool Session::Load(const QString& path, const std::string& text, Source source) {
   std::shared_ptr<const loops::LoopFile> loop;
-  if (!FindLoop(path, text, loop)) return false;
+  if (!FindLoop(path, text, source, loop)) return false;
   const std::string name = ModelNameIn(text);
   // Who reads the file tells models by their names alone.
   const bool namesake = Model() && Model()->Name() == name && loop && host_->Loop != loop;
@@ -263,7 +331,10 @@ bool Session::Load(const QString& path, const std::string& text, Source source) 
   }
   if (source == Source::Configuration) MarkSaved();
   const bool restored = source == Source::Recovery && result.AtEnd && result.Recognised;
-  if (restored) saved_.clear();
+  if (restored) {
+    saved_.clear();
+    RestoreDraft(text);
+  }
   if (result.IsModelFile() && (source == Source::File || source == Source::FileAtStart)) {
     MarkSaved();
     SetFile(QFileInfo(path).absoluteFilePath());
@@ -306,9 +377,26 @@ std::string Session::KeptText() const {
   return text;
 }
 
+std::string Session::KeptLoops() const {
+  KeptLoop kept;
+  if (Loop()) kept.Text = Loop()->Text;
+  if (draft_.Unsaved()) {
+    kept.DraftPath = draft_.Path();
+    kept.Draft = draft_.Text();
+  }
+  return kept.Records();
+}
+
+void Session::RestoreDraft(const std::string& text) {
+  const KeptLoop kept = KeptLoop::In(text);
+  if (kept.DraftPath.isEmpty()) return;
+  draft_.Open(kept.DraftPath, kept.Draft);
+  emit DraftRestored();
+}
+
 void Session::Keep() {
-  if (Changed()) {
-    recovery_.Write(KeptText());
+  if (Changed() || draft_.Unsaved()) {
+    recovery_.Write(KeptText() + KeptLoops());
   } else {
     recovery_.Remove();
   }

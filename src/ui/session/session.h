@@ -11,6 +11,7 @@
 
 #include "core/model.h"
 #include "ui/session/collected_reports.h"
+#include "ui/session/loop_draft.h"
 #include "ui/session/recovery_file.h"
 
 namespace torvane {
@@ -37,6 +38,18 @@ class Session : public QObject {
   const Catalogue& Models() const;
   /// The own loop that is current; nullptr when a built-in model is.
   const loops::LoopFile* Loop() const;
+  /// The text of an own loop that is being written; that of the present loop, unless another one is
+  /// not saved yet.
+  LoopDraft& Draft() { return draft_; }
+  /// The present model is what that text says.
+  bool IsApplied() const;
+  /// Makes what has been read of that text the current model. Where the present one is the same
+  /// file's, what the user has changed of it is kept as far as the loop still has a place for it;
+  /// the notes tell of the rest. False when the user keeps the present model.
+  bool Apply(const loops::LoopFile& loop, std::vector<std::string>& notes);
+  /// Saves the text to another file, which the present model is then one of when it was of the
+  /// first.
+  bool SaveDraftAs(const QString& path);
   /// Builds the model of that name and makes it current. False after a report when it cannot be
   /// built; the present one stays then.
   bool Choose(const std::string& name);
@@ -109,6 +122,12 @@ class Session : public QObject {
   void FileLoaded();
   /// The session has another file.
   void FileChanged();
+  /// The present loop makes room for another version of it, and has done so; the model is changed
+  /// between.
+  void AboutToApply();
+  void Applied();
+  /// A session that was kept had a loop's text that was not saved.
+  void DraftRestored();
   /// A loop has been opened, from its own file.
   void LoopOpened(const QString& path);
   /// A loop cannot be taken for what is wrong with its text; the present model goes on.
@@ -121,8 +140,12 @@ class Session : public QObject {
   enum class Source { File, FileAtStart, Configuration, Recovery };
 
   bool OpenLoop(const QString& path, Source source);
-  bool FindLoop(const QString& path, const std::string& text,
+  bool FindLoop(const QString& path, const std::string& text, Source source,
                 std::shared_ptr<const loops::LoopFile>& found);
+  bool ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>& notes);
+  void FollowLoop();
+  std::string KeptLoops() const;
+  void RestoreDraft(const std::string& text);
   bool ReadAndLoad(const QString& path, Source source);
   std::string KeptText() const;
   bool Load(const QString& path, const std::string& text, Source source);
@@ -130,6 +153,7 @@ class Session : public QObject {
   void MarkSaved();
 
   std::unique_ptr<Host> host_;
+  LoopDraft draft_;
   AskForLoop askForLoop_;
   QString file_;
   bool restoresWindows_ = true;

@@ -428,6 +428,24 @@ constexpr Entry Entries[] = {
      "trace, a right click gives it to an analyser or a meter; a click on a constant edits it. "
      "With the keyboard: arrows, Enter and the menu key."},
     {"MText", "The description of the model."},
+    // Own loops.
+    {"MLoop",
+     "The text of the loop. What is wrong with it is marked at its line and told below; "
+     "Ctrl+Return "
+     "makes it the loop that runs, Ctrl+S saves it."},
+    {"SBApplyLoop",
+     "Makes the text the loop that runs. Constants, scope and analysers keep what you have changed "
+     "of them, as far as the loop still has it; with an error in the text the model goes on as it "
+     "is."},
+    {"SBSaveLoop", "Saves the text of the loop to its file."},
+    {"SBSaveLoopAs", "Saves the text of the loop to another file."},
+    {"LBProblems",
+     "What is wrong with the text or doubtful in it, and what was not kept when it was applied. A "
+     "click goes to the place."},
+    {"SBReadAgain", "Takes what the file holds now, and runs it where the loop ran."},
+    {"SBIgnoreFile", "Goes on with the text as it is here; saving it replaces the file."},
+    {"ENewLoop", "The new loop's name, which its file has too."},
+    {"LBTemplates", "The loops whose texts a new one can begin with."},
 };
 
 }  // namespace
