@@ -29,6 +29,7 @@ const QString LoopTypes = QStringLiteral("Loop (*.mo)");
 constexpr int RoomForInstruments = 800;  // width that the pane leaves
 constexpr int NarrowPane = 320;
 constexpr int WidePane = 560;
+constexpr QSize FloatingPane(520, 440);
 
 // All that is wrong with the loop, with its lines.
 QString ProblemTexts(const loops::LoopFile& loop) {
@@ -133,8 +134,14 @@ void LoopCommands::EditText(const QString& path, const QString& text) {
   ShowPane();
 }
 
+// A window of its own where the instruments cannot spare the room.
 void LoopCommands::ShowPane() {
   const bool shown = pane_->isVisible();
+  if (!shown && window_.width() < RoomForInstruments + NarrowPane) {
+    pane_->setFloating(true);
+    pane_->resize(FloatingPane);
+    pane_->move(window_.geometry().center() - pane_->rect().center());
+  }
   pane_->Open();
   if (shown || pane_->isFloating()) return;
   const int width = std::clamp(window_.width() - RoomForInstruments, NarrowPane, WidePane);

@@ -87,6 +87,8 @@ void LoopPane::AddControls() {
   list_->setAccessibleName(QStringLiteral("What is wrong with the text"));
   list_->setToolTip(QStringLiteral("A click goes to the place; Ctrl+C copies all of it"));
   list_->setWordWrap(true);
+  const int sign = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  list_->setIconSize({sign, sign});
   list_->hide();
   auto* copy = new QAction(QStringLiteral("&Copy All"), list_);
   copy->setObjectName(QStringLiteral("MICopyProblems"));
@@ -172,10 +174,9 @@ void LoopPane::ShowProblems(const std::vector<loops::Problem>& problems,
                                        QtText(note).replace(u'\r', u' ')));
   }
   list_->setVisible(list_->count() > 0);
-  int height = 2 * list_->frameWidth() + 2;
-  for (int row = 0; row < std::min(list_->count(), MostProblemRows); ++row) {
-    height += list_->sizeHintForRow(row);
-  }
+  // Two lines for each, as the pane may be narrow.
+  const int rows = std::min(list_->count(), MostProblemRows / 2);
+  const int height = 2 * list_->frameWidth() + (2 * rows + 1) * fontMetrics().lineSpacing();
   list_->setFixedHeight(height);
 }
 
