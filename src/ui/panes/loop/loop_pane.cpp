@@ -106,6 +106,7 @@ void LoopPane::AddControls() {
 void LoopPane::Open() {
   show();
   raise();
+  activateWindow();
   edit_->setFocus();
 }
 
