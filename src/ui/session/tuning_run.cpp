@@ -12,6 +12,7 @@
 
 #include "core/csv_table.h"
 #include "core/files/atomic_save.h"
+#include "core/files/loop_record.h"
 #include "core/text.h"
 
 namespace torvane {
@@ -54,6 +55,18 @@ QStringList ArgumentsOf(const TuningTask& task, const QString& model, const QStr
   return all;
 }
 
+// An own loop's text goes beside the model file, which then names that.
+bool SaveModel(const TuningTask& task, const QTemporaryDir& folder, const QString& model) {
+  std::string text = task.Model;
+  if (!task.LoopText.empty()) {
+    const std::string record = "Loop," + LoopFileIn(text);
+    const std::string loop = folder.filePath(QStringLiteral("loop.mo")).toStdString();
+    text.replace(text.find(record), record.size(), "Loop," + loop);
+    if (!SaveAtomically(loop, task.LoopText)) return false;
+  }
+  return SaveAtomically(model.toStdString(), text);
+}
+
 }  // namespace
 
 TuningRun::TuningRun(QObject* parent) : QObject(parent) {}
@@ -77,7 +90,7 @@ void TuningRun::Start(const TuningTask& task) {
                    .arg(Program));
     return;
   }
-  if (!SaveAtomically(model.toStdString(), task.Model)) {
+  if (!SaveModel(task, *folder_, model)) {
     emit Ended(QStringLiteral("there is no room for the search in %1").arg(folder_->path()));
     return;
   }

@@ -14,7 +14,8 @@ namespace torvane {
 
 /// What a tuning is looked for, as torvane-cli's `tune` takes it.
 struct TuningTask {
-  std::string Model;  ///< a model file's text
+  std::string Model;     ///< a model file's text
+  std::string LoopText;  ///< of an own loop, as it runs; its file may hold another one, or be gone
   std::string Command;
   std::string Response;
   std::vector<StudyRange> Ranges;

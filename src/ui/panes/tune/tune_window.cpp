@@ -23,6 +23,7 @@
 #include "instruments/analyser/analyser.h"
 #include "instruments/scope/scope.h"
 #include "instruments/scope/trace_csv.h"
+#include "loops/own_loop.h"
 #include "ui/panes/tune/tune_tables.h"
 #include "ui/session/session.h"
 #include "ui/widgets/notice.h"
@@ -241,6 +242,8 @@ void TuneF::ProposeSignals() {
 TuningTask TuneF::Task() const {
   TuningTask task;
   task.Model = ModelFileText(*session_.Model());
+  const auto* const own = dynamic_cast<const loops::OwnLoop*>(session_.Model());
+  if (own) task.LoopText = own->Text();
   task.Command = command_->currentText().toStdString();
   task.Response = response_->currentText().toStdString();
   task.Ranges = vary_->Ranges();
