@@ -17,6 +17,7 @@ std::shared_ptr<const LoopPlan> Checker::Check() {
   TakeEquations();
   if (!formFaults) FindMissing();
   TakeAnnotation();
+  ShowFirstSignals();
   if (plan_->Blocks.size() > MaxBlocks) {
     problems_.Error(text_.Where, "the loop has more than " + std::to_string(MaxBlocks) + " blocks");
   }
@@ -38,6 +39,16 @@ std::shared_ptr<const LoopPlan> Checker::Check() {
     return nullptr;
   }
   return plan_;
+}
+
+// Where the text chooses none: an empty scope tells nothing.
+void Checker::ShowFirstSignals() {
+  auto& signals = plan_->Signals;
+  if (std::ranges::any_of(signals, [](const auto& signal) { return signal.Display.Shown; })) return;
+  int left = 2;
+  for (LoopPlan::Signal& signal : signals) {
+    signal.Display.Shown = signal.Offered && left-- > 0;
+  }
 }
 
 // Files and instruments know constants, signals and sources by names that the annotation may give.

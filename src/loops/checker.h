@@ -135,6 +135,7 @@ class Checker {
   void Keep(Assignment assignment, int clock);
   void FindMissing();
 
+  void ShowFirstSignals();
   void FindDoubleNames();
 
   // The model's annotation.
