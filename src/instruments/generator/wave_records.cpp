@@ -1,7 +1,6 @@
 // A waveform generator's part of a model file.
 
 #include <algorithm>
-#include <span>
 #include <sstream>
 #include <utility>
 
@@ -20,21 +19,8 @@ bool HasOneValue(const Record& record) {
   return false;
 }
 
-constexpr std::size_t PointsInARecord = 100;
 constexpr const char* WaveformKeyword = "Waveform";
 constexpr const char* PlayedState = "Played";
-
-std::string PointsText(std::span<const WaveTable::Point> points) {
-  std::string text;
-  for (const WaveTable::Point& point : points) {
-    text += FormatShortest(point.Time);
-    text += ' ';
-    text += FormatShortest(point.Value);
-    text += ' ';
-  }
-  text.pop_back();
-  return text;
-}
 
 }  // namespace
 
@@ -45,11 +31,7 @@ void ZelWave::SaveRecords(RecordWriter& writer) const {
     writer.Write("File", {played_->Name(), FormatShortest(unplayed_.Amplitude),
                           FormatShortest(unplayed_.FreqHz), FormatShortest(unplayed_.Offset),
                           FormatShortest(unplayed_.PhaseDeg)});
-    const std::span<const WaveTable::Point> points = played_->Points();
-    for (std::size_t i = 0; i < points.size(); i += PointsInARecord) {
-      writer.Write("Points",
-                   {PointsText(points.subspan(i, std::min(PointsInARecord, points.size() - i)))});
-    }
+    for (const std::string& text : played_->RecordTexts()) writer.Write("Points", {text});
   }
   SaveNumbers(writer);
 }

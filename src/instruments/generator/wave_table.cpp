@@ -4,10 +4,27 @@
 #include <cmath>
 #include <utility>
 
+#include "core/text.h"
+
 namespace torvane {
 
+namespace {
+
+constexpr std::size_t PointsInARecord = 100;
+
+}  // namespace
+
 WaveTable::WaveTable(std::string name, std::vector<Point> points)
-    : name_(std::move(name)), points_(std::move(points)) {}
+    : name_(std::move(name)), points_(std::move(points)) {
+  for (std::size_t i = 0; i < points_.size(); ++i) {
+    if (i % PointsInARecord == 0) recordTexts_.emplace_back();
+    std::string& text = recordTexts_.back();
+    if (!text.empty()) text += ' ';
+    text += FormatShortest(points_[i].Time);
+    text += ' ';
+    text += FormatShortest(points_[i].Value);
+  }
+}
 
 std::string WaveTable::Fault(const std::vector<Point>& points) {
   if (points.empty()) return "it has no points";

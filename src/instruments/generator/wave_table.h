@@ -29,6 +29,9 @@ class WaveTable {
 
   const std::string& Name() const { return name_; }
   const std::vector<Point>& Points() const { return points_; }
+  /// The points as a file's records have them, times and values between blanks. A table never
+  /// changes, so neither do they.
+  const std::vector<std::string>& RecordTexts() const { return recordTexts_; }
 
   double At(double t) const;
   /// The one time after `from` and up to `to` at which it jumps; nothing when there is none, or
@@ -38,6 +41,7 @@ class WaveTable {
  private:
   std::string name_;
   std::vector<Point> points_;
+  std::vector<std::string> recordTexts_;
 };
 
 /// A table that was read, or in one line why not.
