@@ -25,8 +25,9 @@ std::string ConstantsOf(const ZelBenchTop& bench) {
 std::string GeneratorsOf(const ZelBenchTop& bench) {
   std::string text;
   for (const Instrument* instrument : bench.Instruments(InstrumentKind::WaveGenerator)) {
-    const WaveSettings& settings = dynamic_cast<const ZelWave&>(*instrument).Settings();
-    text += std::to_string(settings.Index) + ',';
+    const auto& wave = dynamic_cast<const ZelWave&>(*instrument);
+    const WaveSettings& settings = wave.Settings();
+    text += wave.WaveformText() + ',';
     for (const WaveNumber& number : ZelWave::Numbers()) {
       text += FormatShortest(settings.*number.Value) + ',';
     }

@@ -63,10 +63,7 @@ bool Has(const Constant& constant, const std::string& value) {
 }
 
 bool Has(const ZelWave& wave, const ExperimentSetting& setting) {
-  if (setting.Name == "Waveform") {
-    const auto index = static_cast<std::size_t>(wave.Settings().Index);
-    return ZelWave::WaveformNames().at(index) == setting.Value;
-  }
+  if (setting.Name == "Waveform") return !wave.Played() && wave.WaveformText() == setting.Value;
   const auto& numbers = ZelWave::Numbers();
   return std::any_of(numbers.begin(), numbers.end(), [&](const WaveNumber& number) {
     return setting.Name == number.Caption &&

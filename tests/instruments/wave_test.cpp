@@ -210,8 +210,18 @@ TEST(Wave, PlaysATableUntilAWaveformIsChosen) {
   other.FinishLoading([](int) {});
   other.AtTime(0.75);
   EXPECT_NEAR(other.Computed(), -15.0, 1e-12);
-  other.SetWaveform(1);
+  other.SetDutyCycle(30.0);
+  other.SetWaveform(4);
   EXPECT_EQ(other.Settings().FreqHz, 5.0);
+  EXPECT_EQ(other.Settings().DutyCycle, 30.0);
+  test::Recorder reports;
+  for (const char* line : {"File,back,2,-7,1,0", "Points,1 0 0 0", "Amplitude,1", "FreqHz,0"}) {
+    other.LoadRecord(ParseRecord("WaveGen,Other," + std::string(line), 1));
+  }
+  other.FinishLoading([](int) {});
+  EXPECT_EQ(reports.Take().size(), 1U);
+  EXPECT_EQ(other.Settings().FreqHz, 7.0);
+  EXPECT_EQ(other.Settings().Amplitude, 2.0);
 
   while (history.CanUndo()) history.Undo();
   EXPECT_FALSE(wave.Played());

@@ -167,7 +167,7 @@ void ZelWave::SetNumber(double WaveSettings::*number, double value) {
 void ZelWave::SetWaveform(int index) {
   Change(
       [&] {
-        if (played_) settings_ = unplayed_;
+        if (played_) EndPlaying();
         settings_.Index = LimitedIndex(index);
         Take(nullptr);
       },
@@ -185,6 +185,23 @@ void ZelWave::Play(std::shared_ptr<const WaveTable> table) {
         Take(std::move(table));
       },
       [&] { return WaveformCaption(); });
+}
+
+// The waveform and the duty cycle, which no table needs, stay as they are.
+void ZelWave::EndPlaying() {
+  unplayed_.Index = settings_.Index;
+  unplayed_.DutyCycle = settings_.DutyCycle;
+  settings_ = unplayed_;
+  Take(nullptr);
+}
+
+std::ptrdiff_t ZelWave::PlayedPlace() const {
+  return played_ ? std::find(tables_.begin(), tables_.end(), played_) - tables_.begin() : -1;
+}
+
+std::string ZelWave::WaveformText() const {
+  return played_ ? played_->Name() + " (" + std::to_string(PlayedPlace() + 1) + ")"
+                 : WaveformNames()[static_cast<std::size_t>(settings_.Index)];
 }
 
 void ZelWave::Take(std::shared_ptr<const WaveTable> table) {

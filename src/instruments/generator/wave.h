@@ -95,6 +95,8 @@ class ZelWave final : public TimeDriven, public Instrument {
   void Play(std::shared_ptr<const WaveTable> table);
   /// What is played; nullptr of a waveform.
   const WaveTable* Played() const { return played_.get(); }
+  /// The waveform's name, or that of what is played with its number among all that were.
+  std::string WaveformText() const;
 
   /// The one time after `from` and up to `to` at which the output jumps; nothing when there is
   /// none, more than one, or the settings of then are no longer known. An instrument that samples a
@@ -135,6 +137,9 @@ class ZelWave final : public TimeDriven, public Instrument {
   double PlayedAt(double x, double t) const;
   void Take(std::shared_ptr<const WaveTable> table);
   void SaveNumbers(RecordWriter& writer) const;
+  std::ptrdiff_t PlayedPlace() const;
+  void EndPlaying();
+  void LoadUnplayed(const Record& record);
   void LoadPoints(const Record& record);
   void SetNumber(double WaveSettings::*number, double value);
   std::string Caption(const std::string& setting, const std::string& value) const;

@@ -1,6 +1,7 @@
 // A waveform generator's part of a model file.
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <utility>
 
@@ -40,8 +41,9 @@ void ZelWave::SaveRecords(RecordWriter& writer) const {
 void ZelWave::SaveState(RecordWriter& writer) const {
   SaveDisplay(writer, Placement);
   writer.Write(WaveformKeyword, {std::to_string(settings_.Index)});
-  const auto place = std::find(tables_.begin(), tables_.end(), played_) - tables_.begin();
-  writer.Write(PlayedState, {std::to_string(played_ ? place : -1)});
+  writer.Write(PlayedState, {std::to_string(PlayedPlace()), FormatShortest(unplayed_.Amplitude),
+                             FormatShortest(unplayed_.FreqHz), FormatShortest(unplayed_.Offset),
+                             FormatShortest(unplayed_.PhaseDeg)});
   SaveNumbers(writer);
 }
 
@@ -58,6 +60,7 @@ void ZelWave::LoadState(const Record& record) {
   Change(
       [&] {
         if (waveform) settings_.Index = LimitedIndex(*number);
+        if (!waveform) LoadUnplayed(record);
         Take(waveform ? played_ : table < tables_.size() ? tables_[table] : nullptr);
       },
       [&] { return WaveformCaption(); });
@@ -97,11 +100,7 @@ void ZelWave::LoadPoints(const Record& record) {
   if (record.Keyword() == "File") {
     loading_ = Loading{record.Field(3), {}, record.Number};
     unplayed_ = settings_;
-    std::size_t field = 4;
-    for (double WaveSettings::*const number : {&WaveSettings::Amplitude, &WaveSettings::FreqHz,
-                                               &WaveSettings::Offset, &WaveSettings::PhaseDeg}) {
-      if (const auto value = ParseNumber(record.Field(field++))) unplayed_.*number = *value;
-    }
+    LoadUnplayed(record);
     return;
   }
   if (!loading_ || !HasOneValue(record)) return;
@@ -114,6 +113,16 @@ void ZelWave::LoadPoints(const Record& record) {
   }
 }
 
+// What the generator had before the table stands behind its name or number.
+void ZelWave::LoadUnplayed(const Record& record) {
+  std::size_t field = 4;
+  for (double WaveSettings::*const number : {&WaveSettings::Amplitude, &WaveSettings::FreqHz,
+                                             &WaveSettings::Offset, &WaveSettings::PhaseDeg}) {
+    if (const auto value = ParseNumber(record.Field(field++))) unplayed_.*number = *value;
+  }
+  unplayed_.FreqHz = std::abs(unplayed_.FreqHz);
+}
+
 void ZelWave::FinishLoading(const std::function<void(int line)>& atLine) {
   if (const auto loaded = std::exchange(loading_, {})) {
     const std::string fault = WaveTable::Fault(loaded->Points);
@@ -121,6 +130,8 @@ void ZelWave::FinishLoading(const std::function<void(int line)>& atLine) {
       Change([&] { Take(std::make_shared<const WaveTable>(loaded->Name, loaded->Points)); },
              [&] { return WaveformCaption(); });
     } else {
+      // Numbers for a table would make something else of a waveform.
+      EndPlaying();
       atLine(loaded->Line);
       Error(Name() + " does not play \"" + loaded->Name + "\": " + fault);
     }
