@@ -134,8 +134,12 @@ class Linearization {
       const VectorXd rest = drift();
       if (!rest.allFinite()) break;
       if (Small(rest, numbers)) return;
-      const MatrixXd change = SlopesWith(numbers, drift, slopes);
+      MatrixXd change = SlopesWith(numbers, drift, slopes);
       if (Small(change * rest, numbers)) return;
+      // What nothing moves, a generator's value, is not the point's to choose.
+      for (Index i = 0; i < numbers; ++i) {
+        if (change.row(i).isZero(0.0)) change.col(i).setZero();
+      }
       const VectorXd by = change.completeOrthogonalDecomposition().solve(-rest);
       probe_.GoBack(mark_);
       VectorXd point = probe_.Numbers();
@@ -156,6 +160,8 @@ class Linearization {
   }
 
   LinearModel Continuous() {
+    // A generator's value reaches the loop through two steps.
+    probe_.Go(2);
     mark_ = probe_.Here();
     const Index n = probe_.StateCount();
     const auto slopes = [this]() -> VectorXd {

@@ -430,7 +430,9 @@ void TZelControlPanelF::RestoreDefaults() {
 }
 
 void TZelControlPanelF::ShowTune() {
-  const auto askFile = [this](const QString& name) { return files_->AskWhereToSave(name); };
+  const auto askFile = [this](const QString& name) {
+    return loops_->MaySaveModel() ? files_->AskWhereToSave(name) : QString();
+  };
   if (!tune_) tune_ = new TuneF(session_, askFile, this);
   tune_->Open();
 }

@@ -29,7 +29,8 @@ constexpr int MostRecent = 8;
 const QString RecentKey = QStringLiteral("recentFiles");
 const QString LastFolderKey = QStringLiteral("lastFolder");
 const QString Configuration = QStringLiteral("init.tvf");
-const QString FileTypes = QStringLiteral("Torvane File (*.[tT][vV][fF])");
+// The dialog gives a name the ending of the first.
+const QString FileTypes = QStringLiteral("Torvane File (*.tvf *.TVF)");
 
 QString ConfigurationFile() {
   const QString folders[] = {

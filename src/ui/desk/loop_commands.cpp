@@ -107,9 +107,9 @@ void LoopCommands::ShowRefused(const loops::LoopFile& loop) {
 }
 
 void LoopCommands::New() {
-  if (!shelf_.MakeFolder() || !MayLeaveText()) return;
+  if (!shelf_.MakeFolder()) return;
   NewLoopDialog dialog(data_.FindFolder(QStringLiteral("loops")), LoopShelf::Folder(), &window_);
-  if (dialog.exec() != QDialog::Accepted || !session_.MayDiscard()) return;
+  if (dialog.exec() != QDialog::Accepted || !MayLeaveText() || !session_.MayDiscard()) return;
   const std::string path = dialog.Path().toStdString();
   if (!SaveAtomically(path, dialog.Text().toStdString())) return;
   if (session_.OpenAtStart(dialog.Path())) ShowPane();

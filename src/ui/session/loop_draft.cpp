@@ -77,10 +77,14 @@ void LoopDraft::Watch() {
   if (QFileInfo::exists(path_)) watcher_.addPath(path_);
 }
 
-// One that is gone may be on its way back.
+// Of a file that is gone the text stands nowhere else, until it comes back.
 void LoopDraft::Look() {
   const std::optional<QString> now = InFile();
-  if (!now) return;
+  if (!now) {
+    saved_ = QString();
+    emit FileChanged();
+    return;
+  }
   if (!watcher_.files().contains(path_)) watcher_.addPath(path_);
   const bool wasElsewhere = std::exchange(elsewhere_, std::nullopt).has_value();
   if (*now == text_) {

@@ -360,7 +360,7 @@ void Session::SetFile(const QString& path) {
 
 void Session::MarkSaved() {
   saved_ = SettingsText(*Model());
-  recovery_.Remove();
+  Keep();
 }
 
 // Of windows that stand as the program has put them there are no places.

@@ -226,6 +226,7 @@ void TuneF::ProposeSignals() {
   for (QComboBox* list : {command_, response_}) {
     list->clear();
     for (const Variable* signal : bench.Variables()) {
+      if (signal->Internal()) continue;
       list->addItem(QString::fromStdString(signal->Name()));
     }
   }
