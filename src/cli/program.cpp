@@ -6,6 +6,8 @@
 #include "cli/io/console.h"
 #include "cli/io/names.h"
 #include "cli/io/result_file.h"
+#include "cli/model/loop_loading.h"
+#include "cli/model/settings.h"
 #include "core/version.h"
 #include "study/study_fault.h"
 
@@ -15,6 +17,30 @@ namespace {
 constexpr const char* Footer =
     "Exit codes: 0 done; 1 the run was stopped by an error; 2 wrong usage;\n"
     "3 a file could not be read or written. Messages go to standard error.";
+
+}  // namespace
+
+namespace {
+
+// A user's loop, or what a generator plays, must not go under a result.
+void KeepWhatIsRead(const CLI::App& command) {
+  const auto given = [&](const char* name) {
+    const CLI::Option* const option = command.get_option_no_throw(name);
+    return option ? option->results() : std::vector<std::string>();
+  };
+  for (const char* const name : {"--out", "--picture", "--trace", "OUT"}) {
+    for (const std::string& output : given(name)) {
+      if (NamesLoop(output)) {
+        throw UsageError("\"" + output + "\" is for a loop's text, and no result is written there");
+      }
+      for (const std::string& wave : given("--wave")) {
+        const std::string played = PlayedFile(wave);
+        if (played.empty() || !SameFile(output, played)) continue;
+        throw UsageError("\"" + played + "\" is read; it cannot be written as well");
+      }
+    }
+  }
+}
 
 }  // namespace
 
@@ -41,6 +67,9 @@ void AddCommands(CLI::App& app, Console& console) {
   AddDiagramCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
+  app.parse_complete_callback([&app] {
+    for (const CLI::App* command : app.get_subcommands()) KeepWhatIsRead(*command);
+  });
 }
 
 namespace {

@@ -25,7 +25,8 @@ int OpenStream(const std::string& path, bool streamed) {
   return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, NewFileMode);
 }
 
-// Whether or not there are such files yet.
+}  // namespace
+
 bool SameFile(const std::string& a, const std::string& b) {
   std::error_code failure;
   if (std::filesystem::equivalent(a, b, failure)) return true;
@@ -35,6 +36,8 @@ bool SameFile(const std::string& a, const std::string& b) {
   };
   return place(a) == place(b);
 }
+
+namespace {
 
 void CheckWritable(const std::string& path) {
   const std::string fault = path.empty() ? "" : WhyNotWritable(path);

@@ -55,6 +55,9 @@ class ResultFile {
   std::chrono::steady_clock::time_point passedOn_;
 };
 
+/// Whether the paths are those of one file, whether or not there is one yet.
+bool SameFile(const std::string& a, const std::string& b);
+
 /// Whether what stands at the path is replaced when a result is whole: a plain file, or none yet.
 /// Standard output, a pipe or a device is written in place.
 bool IsReplaced(const std::string& path);

@@ -78,7 +78,8 @@ StepRun ReadStep(const MakeModel& make, const StepOptions& options, Console& con
 }
 
 void TakeTrace(const StepRun& run, StudyTrace& trace) {
-  const std::size_t apart = std::max<std::size_t>(1, run.Times.size() / trace.Points);
+  const std::size_t apart =
+      std::max<std::size_t>(1, (run.Times.size() + trace.Points - 1) / trace.Points);
   for (std::size_t i = 0; i < run.Times.size(); i += apart) {
     trace.Times.push_back(static_cast<float>(run.Times[i] - run.Times.front()));
     trace.Values.push_back(static_cast<float>(run.Response[i]));

@@ -178,9 +178,13 @@ StepMeasures Measured(const StepRun& run) {
 StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Console& console,
                    bool showProgress) {
   const auto model = MakeFirst(make);
-  const std::size_t count = model->Bench().Instruments(InstrumentKind::WaveGenerator).size();
-  StepRun without = WithoutStep(Reason(StepGap::NoStep));
-  for (std::size_t k = 0; k < count; ++k) {
+  const auto& generators = model->Bench().Instruments(InstrumentKind::WaveGenerator);
+  const bool plays = std::ranges::any_of(generators, [](const Instrument* generator) {
+    return dynamic_cast<const ZelWave&>(*generator).Played() != nullptr;
+  });
+  StepRun without = WithoutStep(plays ? "a generator plays a file; a step is measured of a waveform"
+                                      : Reason(StepGap::NoStep));
+  for (std::size_t k = 0; k < generators.size(); ++k) {
     auto run = OneStep(make, k, options, console, showProgress).Run();
     if (!run) continue;
     if (run->Reason.empty()) return std::move(*run);

@@ -11,6 +11,11 @@ namespace {
 
 constexpr const char* FileKey = "File";
 
+Assignment SplitWave(const std::string& text) {
+  const bool named = text.find('=') != std::string::npos;
+  return named ? SplitAssignment("--wave", text) : Assignment{FileKey, text};
+}
+
 void Apply(ModelSetting setting, const Assignment& assignment) {
   setting.Set(assignment.Value);
   const std::string remark = setting.Remark();
@@ -24,9 +29,14 @@ void ApplySetting(ZelBenchTop& bench, const std::string& text) {
   Apply(ModelSetting::OfConstant(bench, assignment.Name), assignment);
 }
 
+std::string PlayedFile(const std::string& assignment) {
+  const Assignment wave = SplitWave(assignment);
+  const std::string key = wave.Name.substr(wave.Name.rfind(':') + 1);
+  return key == FileKey ? WaveFiles::Split(wave.Value).first : std::string();
+}
+
 void ApplyWave(ZelBenchTop& bench, const std::string& text, WaveFiles& files) {
-  const bool named = text.find('=') != std::string::npos;
-  const Assignment assignment = named ? SplitAssignment("--wave", text) : Assignment{FileKey, text};
+  const Assignment assignment = SplitWave(text);
   std::string key = assignment.Name;
   ZelWave& generator = AddressedGenerator(bench, key);
   if (key == FileKey) {

@@ -19,4 +19,7 @@ void ApplySetting(ZelBenchTop& bench, const std::string& assignment);
 /// "GENERATOR:KEY=VALUE", as ApplySetting. The key File, or a text without "=", plays a file.
 void ApplyWave(ZelBenchTop& bench, const std::string& assignment, WaveFiles& files);
 
+/// The file that such an assignment has played, without its column; empty when it plays none.
+std::string PlayedFile(const std::string& assignment);
+
 }  // namespace torvane::cli

@@ -5,22 +5,20 @@
 #include "cli/command_error.h"
 
 namespace torvane::cli {
-namespace {
-
-WaveReading Read(const std::string& name) {
+std::pair<std::string, std::string> WaveFiles::Split(const std::string& name) {
   std::error_code failure;
   const auto colon = name.rfind(':');
   const bool whole = colon == std::string::npos || std::filesystem::exists(name, failure) ||
                      !std::filesystem::exists(name.substr(0, colon), failure);
-  return whole ? ReadWaveFile(name) : ReadWaveFile(name.substr(0, colon), name.substr(colon + 1));
+  return whole ? std::pair{name, std::string()}
+               : std::pair{name.substr(0, colon), name.substr(colon + 1)};
 }
-
-}  // namespace
 
 std::shared_ptr<const WaveTable> WaveFiles::Table(const std::string& name) {
   const auto known = tables_.find(name);
   if (known != tables_.end()) return known->second;
-  WaveReading reading = Read(name);
+  const auto [file, column] = Split(name);
+  WaveReading reading = ReadWaveFile(file, column);
   if (!reading.Table) throw CommandError(ExitCode::File, reading.Fault);
   return tables_[name] = std::move(reading.Table);
 }

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "instruments/generator/wave_table.h"
 
@@ -14,6 +15,9 @@ class WaveFiles {
   /// "FILE" or, of one with several columns of values, "FILE:COLUMN". What cannot be read or played
   /// is a CommandError of ExitCode::File.
   std::shared_ptr<const WaveTable> Table(const std::string& name);
+
+  /// The file of such a name, and its column, empty when it names none.
+  static std::pair<std::string, std::string> Split(const std::string& name);
 
  private:
   std::map<std::string, std::shared_ptr<const WaveTable>> tables_;
