@@ -146,11 +146,13 @@ void TZelControlPanelF::AddLoops() {
   connect(&session_, &Session::ModelChanged, this, follow);
   connect(&session_.Draft(), &LoopDraft::FileChanged, this, follow);
   connect(&session_, &Session::AboutToApply, this, [this] {
-    before_ = {ui_->InstrumentArea->Present(), Running()};
+    before_ = {{}, Running()};
+    // An experiment ends here, and brings the user's own desk back by itself.
+    if (!experiments_->IsActive()) before_->Desk = ui_->InstrumentArea->Present();
   });
   connect(&session_, &Session::Applied, this, [this] {
     const auto before = std::exchange(before_, std::nullopt);
-    ui_->InstrumentArea->Restore(before->Desk);
+    if (before->Desk) ui_->InstrumentArea->Restore(*before->Desk);
     if (before->Running) Run();
   });
 }

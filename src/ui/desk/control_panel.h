@@ -129,7 +129,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   std::unique_ptr<LoopCommands> loops_;
   /// What another version of a loop finds as it was.
   struct Before {
-    Workspace::Desk Desk;
+    std::optional<Workspace::Desk> Desk;
     bool Running;
   };
   std::optional<Before> before_;

@@ -11,6 +11,7 @@
 #include <QStackedWidget>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "core/model.h"
 #include "plot/qt_text.h"
@@ -63,18 +64,30 @@ TZelModelPictureF::TZelModelPictureF(QMainWindow& window)
 }
 
 void TZelModelPictureF::SetModel(ZelModel* model, const DataFolder& folder) {
-  const bool live = diagram_->SetModel(model);
   const bool own = model && IsOwnLoop(*model);
+  // A layout takes its time, which a loop is not to wait for that nobody looks at.
+  const bool waits = own && model->PictureFile().empty() && (isFloating() || !isVisible());
+  waiting_ = waits ? model : nullptr;
+  const bool live = diagram_->SetModel(waits ? nullptr : model);
   hasDiagram_ = live || own || (model && !model->PictureFile().empty());
   pages_->setCurrentIndex(live ? 0 : 1);
   if (isFloating() || (model && !hasDiagram_)) hide();
   if (!model) return;
   setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(QtText(model->Name())));
-  if (live || !hasDiagram_) return;
+  if (live || waits || !hasDiagram_) return;
   own ? ShowLoopPicture(*model) : ShowPicture(QtText(model->PictureFile()), folder);
 }
 
+void TZelModelPictureF::DrawWaiting() {
+  ZelModel* const model = std::exchange(waiting_, nullptr);
+  if (!model) return;
+  const bool live = diagram_->SetModel(model);
+  pages_->setCurrentIndex(live ? 0 : 1);
+  if (!live) ShowLoopPicture(*model);
+}
+
 void TZelModelPictureF::OpenWindow() {
+  DrawWaiting();
   if (!isVisible()) {
     setFloating(true);
     const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
@@ -144,6 +157,7 @@ void TZelModelPictureF::resizeEvent(QResizeEvent* event) {
 
 void TZelModelPictureF::showEvent(QShowEvent* event) {
   QDockWidget::showEvent(event);
+  DrawWaiting();
   diagram_->Refresh();
 }
 

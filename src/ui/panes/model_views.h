@@ -40,6 +40,7 @@ class TZelModelPictureF : public QDockWidget {
   void ShowLoopPicture(const ZelModel& model);
   void ShowPictureFile(const QString& path, const QString& words);
   void Fit();
+  void DrawWaiting();
 
   QMainWindow& window_;
   QStackedWidget* pages_;
@@ -47,6 +48,7 @@ class TZelModelPictureF : public QDockWidget {
   QLabel* picture_;
   QPixmap original_;
   bool hasDiagram_ = false;
+  ZelModel* waiting_ = nullptr;  ///< to be drawn when this is shown
 };
 
 /// Shows a model's description. Says so when the text file is missing.

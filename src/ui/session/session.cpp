@@ -148,7 +148,8 @@ bool Session::ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>&
   const std::string saved = saved_;
   const QString file = file_;
   emit AboutToApply();
-  if (host_->TakeLoop(std::make_shared<const loops::LoopFile>(loop))) {
+  const bool taken = host_->TakeLoop(std::make_shared<const loops::LoopFile>(loop));
+  if (taken) {
     const QScopedValueRollback windows(restoresWindows_, true);
     notes = changes.GiveTo(*host_);
     Model()->Bench().History().Clear();
@@ -158,7 +159,7 @@ bool Session::ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>&
     emit FileLoaded();
   }
   emit Applied();
-  return true;
+  return taken;
 }
 
 bool Session::SaveDraftAs(const QString& path) {

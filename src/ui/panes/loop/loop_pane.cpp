@@ -110,11 +110,16 @@ void LoopPane::Open() {
   edit_->setFocus();
 }
 
+// What a plain text is made of is not to change: a blank that does not break is no blank.
+static QString WrittenIn(const QPlainTextEdit& edit) {
+  return edit.document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+}
+
 // What the text of another file was is nothing to go back to.
 void LoopPane::TakeText() {
   if (std::exchange(path_, draft_.Path()) != draft_.Path()) {
     edit_->setPlainText(draft_.Text());
-  } else if (edit_->toPlainText() != draft_.Text()) {
+  } else if (WrittenIn(*edit_) != draft_.Text()) {
     edit_->Replace(draft_.Text());
   }
   notes_.clear();
@@ -122,7 +127,7 @@ void LoopPane::TakeText() {
 }
 
 void LoopPane::TextWritten() {
-  const QString text = edit_->toPlainText();
+  const QString text = WrittenIn(*edit_);
   if (text == draft_.Text()) return;
   draft_.SetText(text);
   notes_.clear();
