@@ -63,7 +63,8 @@ Outcome Process::Wait() const {
 }
 
 Outcome Shell(const std::string& line) {
-  return Process(line).Wait();
+  // Where the user's numbers have a decimal comma, awk would take 0.5 for 0.
+  return Process("awk() { LC_ALL=C command awk \"$@\"; }; " + line).Wait();
 }
 
 std::string ReadWholeFile(const std::string& path) {

@@ -8,6 +8,7 @@
 #include "core/files/model_file_lines.h"
 #include "core/files/record.h"
 #include "support/bare_model.h"
+#include "support/recorder.h"
 
 namespace torvane {
 namespace {
