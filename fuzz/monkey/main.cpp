@@ -96,11 +96,11 @@ int main(int argc, char** argv) {
                                files, record);
   // Who ends the program starts it again.
   while (!monkey.Over()) {
-    torvane::TZelControlPanelF panel(torvane::DataFolder(home + QStringLiteral("/bin")), {},
-                                     torvane::TZelControlPanelF::Windows::AsLeft);
+    torvane::ControlPanel panel(torvane::DataFolder(home + QStringLiteral("/bin")), {},
+                                torvane::ControlPanel::Windows::AsLeft);
     const torvane::EndRequests requests;
     QObject::connect(&requests, &torvane::EndRequests::EndAsked, &panel,
-                     &torvane::TZelControlPanelF::EndUnasked);
+                     &torvane::ControlPanel::EndUnasked);
     panel.ShowAtStart(true);
     QTimer::singleShot(0, &panel, [&] {
       monkey.Begin();

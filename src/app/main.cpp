@@ -35,7 +35,7 @@ void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& context, const 
 }
 
 // Presses Run, and prints how far the model got in that wall time.
-void StartSpeedTest(torvane::TZelControlPanelF& panel, double seconds) {
+void StartSpeedTest(torvane::ControlPanel& panel, double seconds) {
   const double start = panel.Model()->Time();
   const int framesBefore = panel.Frames();
   QElapsedTimer wall;
@@ -64,16 +64,16 @@ void ChooseMessageLoop() {
 int RunWindow(const torvane::CommandLine& command, const torvane::EndRequests& requests) {
   const bool speedTest = command.What == torvane::CommandLine::Action::SpeedTest;
   if (!speedTest) torvane::ApplyTheme(torvane::RememberedTheme());
-  using Windows = torvane::TZelControlPanelF::Windows;
-  torvane::TZelControlPanelF panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
-                                   command.Model, speedTest ? Windows::AsBuilt : Windows::AsLeft);
+  using Windows = torvane::ControlPanel::Windows;
+  torvane::ControlPanel panel(torvane::DataFolder(QCoreApplication::applicationDirPath()),
+                              command.Model, speedTest ? Windows::AsBuilt : Windows::AsLeft);
   if (!panel.Model()) {
     QApplication::exec();  // which shows why
     return 1;
   }
   QApplication::setWindowIcon(panel.windowIcon());
   QObject::connect(&requests, &torvane::EndRequests::EndAsked, &panel,
-                   &torvane::TZelControlPanelF::EndUnasked);
+                   &torvane::ControlPanel::EndUnasked);
   QObject::connect(&requests, &torvane::EndRequests::KeepAsked, &panel.Work(),
                    &torvane::Session::Keep);
   panel.ShowAtStart(!speedTest);

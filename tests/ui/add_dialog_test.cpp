@@ -35,7 +35,7 @@ class AddDialogTest : public testing::Test {
   }
 
   std::string Orders;
-  TZelAddDialogF Dialog{Items(), nullptr};
+  AddDialog Dialog{Items(), nullptr};
 };
 
 TEST_F(AddDialogTest, MovesNamesAndTellsTheItemsOnOkayOnly) {

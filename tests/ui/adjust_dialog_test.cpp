@@ -15,18 +15,18 @@ namespace {
 class AdjustDialogTest : public test::Desktop {
  protected:
   /// By a double click on the constant's value.
-  TZelAdjustF& Open(const std::string& name) {
+  AdjustDialog& Open(const std::string& name) {
     Play("click SGConsts[" + name + "]; double SGConsts[" + name + "] ->");
-    for (auto* dialog : Panel->findChildren<TZelAdjustF*>()) {
+    for (auto* dialog : Panel->findChildren<AdjustDialog*>()) {
       if (dialog->isVisible() && dialog->windowTitle().toStdString() == name) return *dialog;
     }
     throw std::runtime_error("the dialog did not open");
   }
   template <typename Control = QAbstractButton>
-  static Control& In(TZelAdjustF& dialog, const char* name) {
+  static Control& In(AdjustDialog& dialog, const char* name) {
     return *dialog.findChild<Control*>(name);
   }
-  static void Press(TZelAdjustF& dialog, const char* button) {
+  static void Press(AdjustDialog& dialog, const char* button) {
     QTest::mouseClick(&In(dialog, button), Qt::LeftButton);
     QCoreApplication::processEvents();
   }
@@ -40,7 +40,7 @@ class AdjustDialogTest : public test::Desktop {
 TEST_F(AdjustDialogTest, AHeldButtonAndADragAreOneChangeEach) {
   Constant& gain = Const("KVP");
   const double before = gain.Value();
-  TZelAdjustF& dialog = Open("KVP");
+  AdjustDialog& dialog = Open("KVP");
   QAbstractButton& up = In(dialog, "BBDinkyNudgeUp");
   up.setAutoRepeatDelay(10);
   up.setAutoRepeatInterval(10);

@@ -53,7 +53,7 @@ TEST_F(ConstantsGridTest, InputAfterATextThatIsNoNumberFindsTheEditorClosed) {
          " -> box=Message Box|Cannot convert \"abc\" to a Number|; SGConsts[KVP]=0.72");
     Play("click SBStop -> SBStop on");
     if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) box->accept();
-    for (auto* dialog : Panel->findChildren<TZelAdjustF*>()) dialog->hide();
+    for (auto* dialog : Panel->findChildren<AdjustDialog*>()) dialog->hide();
     Panel->activateWindow();
     ASSERT_TRUE(WaitFor([&] { return Panel->isActiveWindow(); }));
   }

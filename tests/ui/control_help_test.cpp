@@ -25,8 +25,8 @@ class ControlHelpTest : public test::Desktop {};
 
 TEST_F(ControlHelpTest, EveryControlHasToolTipNameSentenceAndKey) {
   Trigger("MIAddMeter");
-  TZelAdjustF adjust(Const("KVP"), Panel.get());
-  TZelAddDialogF add({}, Panel.get());
+  AdjustDialog adjust(Const("KVP"), Panel.get());
+  AddDialog add({}, Panel.get());
   int controls = 0;
   for (QWidget* widget : Panel->findChildren<QWidget*>()) {
     if (!IsControl(*widget)) continue;

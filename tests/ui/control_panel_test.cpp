@@ -95,7 +95,7 @@ TEST_F(ControlPanelTest, AModelThatCannotBeBuiltIsReported) {
   Play(R"(model 17-1 Perpetual Motion -> report Error: Could not find model 17-1 Perpetual Motion
           -> ModelCmB=2-1 PI+ Controller)");
   // The first one ends the program.
-  Panel = std::make_unique<TZelControlPanelF>(Data, "17-1 Perpetual Motion");
+  Panel = std::make_unique<ControlPanel>(Data, "17-1 Perpetual Motion");
   EXPECT_EQ(Reports.Take(), (Messages{"Fatal Error: Fault in LoadModel",
                                       "Fatal Error: Fault in TZelControlPanelF :: FormCreate"}));
   EXPECT_TRUE(Reports.Ended);

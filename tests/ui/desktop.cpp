@@ -228,7 +228,7 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
         .setGeometry(place[0], place[1], place[2], place[3]);
   } else if (verb == "start") {
     Panel->close();
-    Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
+    Panel = std::make_unique<ControlPanel>(Data, "", ControlPanel::Windows::AsLeft);
     Panel->ShowAtStart(false);
     Panel->Files().Start({}, true);
   } else if (verb == "end") {

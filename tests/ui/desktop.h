@@ -111,7 +111,7 @@ class Desktop : public testing::Test {
 
   Recorder Reports;
   DataFolder Data{QCoreApplication::applicationDirPath()};
-  std::unique_ptr<TZelControlPanelF> Panel = std::make_unique<TZelControlPanelF>(Data);
+  std::unique_ptr<ControlPanel> Panel = std::make_unique<ControlPanel>(Data);
 
  private:
   static void LetEnd();

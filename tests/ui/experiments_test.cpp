@@ -73,7 +73,7 @@ TEST_F(ExperimentsTest, AFileThatIsGoneCostsNothingAndNoFolderIsNotThePresentOne
   for (const QString& name : {file, QString(file).replace(".tvf", ".experiment")}) {
     ASSERT_TRUE(QFile::copy(name, examples + QFileInfo(name).fileName()));
   }
-  Panel = std::make_unique<TZelControlPanelF>(DataFolder(folder.path()));
+  Panel = std::make_unique<ControlPanel>(DataFolder(folder.path()));
   Panel->show();
   Play("set KVP 1.5 ->");
   emit Find<QMenu>("MExperiments").aboutToShow();

@@ -25,7 +25,7 @@ class FileCommandsTest : public Desktop {
   FileCommandsTest() {
     qputenv("XDG_STATE_HOME", Folder.filePath("state").toUtf8());
     // The main window made by the base has read the folders of the user's own.
-    Panel = std::make_unique<TZelControlPanelF>(Data);
+    Panel = std::make_unique<ControlPanel>(Data);
     Panel->show();
   }
 
@@ -52,13 +52,13 @@ TEST_F(FileCommandsTest, ABoxWhileLoadingShowsNothingHalfLoaded) {
   Click("SBRun");
   ASSERT_TRUE(WaitFor([&] { return Panel->Frames() >= 3; }));
   struct Painter : test::Recorder {
-    explicit Painter(TZelControlPanelF& painted) : panel(painted) {}
+    explicit Painter(ControlPanel& painted) : panel(painted) {}
     void Show(MessageKind kind, const std::string& text) override {
       panel.Model()->Bench().RefreshInstruments();
       panel.grab();
       Recorder::Show(kind, text);
     }
-    TZelControlPanelF& panel;
+    ControlPanel& panel;
   } painter(*Panel);
   QByteArray records;
   for (const Variable* variable : Bench().Variables()) {
@@ -81,7 +81,7 @@ TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedUntilItIsAnswered) {
       }
       if (!button) QTest::keyClick(&box, Qt::Key_Escape);
     });
-    Panel = std::make_unique<TZelControlPanelF>(Data);
+    Panel = std::make_unique<ControlPanel>(Data);
     Panel->Files().Start({}, false);
     return Panel->Model()->Name();
   };
@@ -105,9 +105,8 @@ TEST_F(FileCommandsTest, ASessionThatEndedBadlyIsOfferedUntilItIsAnswered) {
 TEST_F(FileCommandsTest, AnAnsweredCloseLeavesTheLastSessionAloneOrSaysWhyNot) {
   const EndRequests requests;
   const auto end = [&] {
-    Panel = std::make_unique<TZelControlPanelF>(Data);
-    QObject::connect(&requests, &EndRequests::EndAsked, Panel.get(),
-                     &TZelControlPanelF::EndUnasked);
+    Panel = std::make_unique<ControlPanel>(Data);
+    QObject::connect(&requests, &EndRequests::EndAsked, Panel.get(), &ControlPanel::EndUnasked);
     Panel->show();
     Panel->Files().Start({}, true);
     Const("KVP").Set(1.25);

@@ -10,7 +10,7 @@ class MeterWindowTest : public test::Desktop {
  protected:
   const std::vector<Instrument*>& Meters() { return Bench().Instruments(InstrumentKind::Meter); }
   ZelMeter& Meter() { return First<ZelMeter>(InstrumentKind::Meter); }
-  QList<TZelMeterF*> Windows() { return Panel->findChildren<TZelMeterF*>(); }
+  QList<MeterWindow*> Windows() { return Panel->findChildren<MeterWindow*>(); }
 };
 
 TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
@@ -28,7 +28,7 @@ TEST_F(MeterWindowTest, TheMenuAddsFifteenMetersAndEachLeavesWithItsWindow) {
   // Those that are changed and closed leave file, bench and history.
   Meter().SetLpf(5.0);
   EXPECT_TRUE(Bench().History().CanUndo());
-  for (TZelMeterF* window : Windows()) window->parentWidget()->close();
+  for (MeterWindow* window : Windows()) window->parentWidget()->close();
   EXPECT_TRUE(WaitFor([&] { return Windows().isEmpty(); }));
   EXPECT_TRUE(Meters().empty());
   Play("-> undo=; panel.windowTitle=2-1 PI+ Controller - Torvane--Melkorin, 2nd Edition");

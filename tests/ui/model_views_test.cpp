@@ -16,7 +16,7 @@ namespace {
 class ModelViewsTest : public test::Desktop {
  protected:
   ModelViewsTest() {
-    Panel = std::make_unique<TZelControlPanelF>(DataFolder(folder_.path()));
+    Panel = std::make_unique<ControlPanel>(DataFolder(folder_.path()));
     Panel->show();
   }
   void Write(const char* name, const QByteArray& bytes) {

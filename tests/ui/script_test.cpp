@@ -22,7 +22,7 @@ TEST_P(Script, GoesAsWritten) {
     if (script.empty()) return;
     Panel.reset();
     UserSettings().clear();
-    Panel = std::make_unique<TZelControlPanelF>(Data);
+    Panel = std::make_unique<ControlPanel>(Data);
     Panel->resize(Small);
     Panel->show();
     Panel->activateWindow();

@@ -108,7 +108,7 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
       "# The main window's size and what is open => the scope's graph, without its labels"};
   for (const QSize size : {QSize(800, 600), Small, QSize(1366, 768), QSize(1920, 1080)}) {
     for (const auto& [name, open] : states) {
-      Panel = std::make_unique<TZelControlPanelF>(Data, "3-1 PI Controller");
+      Panel = std::make_unique<ControlPanel>(Data, "3-1 PI Controller");
       Panel->resize(size);
       Panel->show();
       QCoreApplication::processEvents();
@@ -193,7 +193,7 @@ TEST_F(WorkspaceTest, AnArrangementIsRemembered) {
   const QRect place(40, 30, 640, 420);
   const auto start = [this](QSize size) {
     Panel.reset();
-    Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
+    Panel = std::make_unique<ControlPanel>(Data, "", ControlPanel::Windows::AsLeft);
     Panel->ShowAtStart(false);
     Panel->resize(size);
     QCoreApplication::processEvents();
@@ -239,7 +239,7 @@ TEST_F(WorkspaceTest, TheMainWindowComesBackOnADisplayThatHasBecomeSmaller) {
   QWidget larger;
   larger.setGeometry(3000, 2000, 4000, 3000);
   UserSettings().setValue("windowGeometry", larger.saveGeometry());
-  Panel = std::make_unique<TZelControlPanelF>(Data, "", TZelControlPanelF::Windows::AsLeft);
+  Panel = std::make_unique<ControlPanel>(Data, "", ControlPanel::Windows::AsLeft);
   Panel->ShowAtStart(false);
   const QRect room = Panel->screen()->geometry();
   EXPECT_TRUE(room.contains(Panel->pos()));

@@ -68,16 +68,15 @@ constexpr QSize WidePicture(16, 9);
 
 }  // namespace
 
-TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& startModel,
-                                     Windows windows)
-    : ui_(std::make_unique<Ui::TZelControlPanelF>()),
+ControlPanel::ControlPanel(DataFolder folder, const std::string& startModel, Windows windows)
+    : ui_(std::make_unique<Ui::ControlPanel>()),
       data_(std::move(folder)),
       shelf_(data_),
       theory_(std::make_unique<LiveTheory>(session_)),
       driver_(this),
       windows_(windows),
-      picture_(new TZelModelPictureF(*this)),
-      text_(new TZelModelTextF(this)) {
+      picture_(new ModelPictureWindow(*this)),
+      text_(new ModelTextWindow(this)) {
   InitIcons();
   ui_->setupUi(this);
   setAcceptDrops(true);
@@ -97,7 +96,7 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   new WindowMenu(*ui_->MWindow, *ui_->InstrumentArea);
   view_ = new ViewMenu(
       *ui_->MView, windows_ == Windows::AsLeft ? ViewMenu::Memory::Kept : ViewMenu::Memory::None);
-  connect(view_, &ViewMenu::LookChanged, this, &TZelControlPanelF::ShowLook);
+  connect(view_, &ViewMenu::LookChanged, this, &ControlPanel::ShowLook);
   AddKeyboard();
   poles_ = new PolesPanel(session_, *theory_, dock);
   poles_->AddTo(*ui_->MView);
@@ -112,27 +111,27 @@ TZelControlPanelF::TZelControlPanelF(DataFolder folder, const std::string& start
   if (!session_.Choose(startModel.empty() ? first : startModel))
     FatalError("Fault in TZelControlPanelF :: FormCreate");
   refreshTimer_.setObjectName(QStringLiteral("Timer1"));
-  connect(&refreshTimer_, &QTimer::timeout, this, &TZelControlPanelF::RefreshTick);
+  connect(&refreshTimer_, &QTimer::timeout, this, &ControlPanel::RefreshTick);
   refreshTimer_.start(RefreshMilliseconds);
 }
 
-TZelControlPanelF::~TZelControlPanelF() {
+ControlPanel::~ControlPanel() {
   LeaveModel();
 }
 
-void TZelControlPanelF::ConnectSession() {
+void ControlPanel::ConnectSession() {
   connect(&session_, &Session::ModelAboutToChange, this, [this] {
     RememberWindows();
     LeaveModel();
   });
-  connect(&session_, &Session::ModelChanged, this, &TZelControlPanelF::ShowModel);
-  connect(&session_, &Session::FileLoaded, this, &TZelControlPanelF::ShowLoaded);
-  connect(&session_, &Session::FileChanged, this, &TZelControlPanelF::ShowTitle);
+  connect(&session_, &Session::ModelChanged, this, &ControlPanel::ShowModel);
+  connect(&session_, &Session::FileLoaded, this, &ControlPanel::ShowLoaded);
+  connect(&session_, &Session::FileChanged, this, &ControlPanel::ShowTitle);
   session_.TellPlacedBy(
       [this] { return !ui_->InstrumentArea->IsFilled() && !experiments_->IsActive(); });
 }
 
-void TZelControlPanelF::AddLoops() {
+void ControlPanel::AddLoops() {
   loops_ = std::make_unique<LoopCommands>(*this, session_, shelf_, data_);
   models_ = new ModelList(*ui_->ModelCmB, session_, shelf_);
   files_->AskBeforeSaving([this] { return loops_->MaySaveModel(); });
@@ -158,7 +157,7 @@ void TZelControlPanelF::AddLoops() {
 }
 
 // What the strip and the scope have as buttons and lists, by menu and key.
-void TZelControlPanelF::AddKeyboard() {
+void ControlPanel::AddKeyboard() {
   new PaneKeys(*this, *ui_->SBRun->parentWidget(), *ui_->InstrumentArea);
   ui_->MRun->addSeparator();
   AddListMenu(*ui_->MRun, QStringLiteral("&Model"), "MModel", *ui_->ModelCmB);
@@ -182,8 +181,8 @@ void TZelControlPanelF::AddKeyboard() {
   }
 }
 
-void TZelControlPanelF::ConnectControls() {
-  connect(ui_->SBRun, &QAbstractButton::toggled, this, &TZelControlPanelF::RunToggled);
+void ControlPanel::ConnectControls() {
+  connect(ui_->SBRun, &QAbstractButton::toggled, this, &ControlPanel::RunToggled);
   connect(ui_->SBRun, &QAbstractButton::clicked, this, [this] {
     if (Model()) Model()->Bench().StartScopes();
   });
@@ -201,14 +200,15 @@ void TZelControlPanelF::ConnectControls() {
           [this] { (Running() ? ui_->SBStop : ui_->SBRun)->click(); });
   connect(ui_->CmBPace, &QComboBox::currentIndexChanged, this,
           [this](int index) { driver_.SetPace(Paces[index].Simulated); });
-  connect(&driver_, &RunDriver::Frame, this, &TZelControlPanelF::ShowFrame);
-  connect(&driver_, &RunDriver::Ended, this, &TZelControlPanelF::Stop);
-  connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, picture_, &TZelModelPictureF::OpenWindow);
+  connect(&driver_, &RunDriver::Frame, this, &ControlPanel::ShowFrame);
+  connect(&driver_, &RunDriver::Ended, this, &ControlPanel::Stop);
+  connect(ui_->SBShowModelBMP, &QAbstractButton::clicked, picture_,
+          &ModelPictureWindow::OpenWindow);
   connect(ui_->MIDiagramPane, &QAction::triggered, picture_,
           [this](bool on) { on ? picture_->OpenPane() : picture_->hide(); });
   connect(picture_, &QDockWidget::visibilityChanged, ui_->MIDiagramPane,
           [this] { ui_->MIDiagramPane->setChecked(!picture_->isHidden()); });
-  connect(&picture_->Diagram(), &DiagramView::MeterWanted, this, &TZelControlPanelF::AddMeterOf);
+  connect(&picture_->Diagram(), &DiagramView::MeterWanted, this, &ControlPanel::AddMeterOf);
   connect(&picture_->Diagram(), &DiagramView::Given, ui_->InstrumentArea,
           [this](const Instrument& to) { ui_->InstrumentArea->SetShown(to, true); });
   connect(ui_->BShowModelTXT, &QAbstractButton::clicked, this, [this] {
@@ -234,10 +234,10 @@ void TZelControlPanelF::ConnectControls() {
           [this](bool on) { session_.SetRestoresWindows(on); });
   ui_->MIComeBack->setChecked(last_session::IsOn());
   connect(ui_->MIComeBack, &QAction::toggled, this, &last_session::SetOn);
-  connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &TZelControlPanelF::RestoreDefaults);
-  connect(ui_->MIResetVariables, &QAction::triggered, this, &TZelControlPanelF::ResetVariables);
+  connect(ui_->MIRestoreDefaults, &QAction::triggered, this, &ControlPanel::RestoreDefaults);
+  connect(ui_->MIResetVariables, &QAction::triggered, this, &ControlPanel::ResetVariables);
   connect(ui_->MIExit, &QAction::triggered, this, &QWidget::close);
-  connect(ui_->MIAddMeter, &QAction::triggered, this, &TZelControlPanelF::AddMeter);
+  connect(ui_->MIAddMeter, &QAction::triggered, this, &ControlPanel::AddMeter);
   connect(ui_->MIFillScreen, &QAction::triggered, ui_->InstrumentArea, &Workspace::FillScreen);
   connect(ui_->MICapture, &QAction::triggered, this, [this] {
     Model()->PrepareCapture();
@@ -250,13 +250,13 @@ void TZelControlPanelF::ConnectControls() {
   QAction* whatsThis = QWhatsThis::createAction(this);
   whatsThis->setObjectName(QStringLiteral("MIWhatsThis"));
   ui_->MHelp->insertAction(ui_->MIAbout, whatsThis);
-  connect(ui_->MITune, &QAction::triggered, this, &TZelControlPanelF::ShowTune);
-  connect(ui_->MIGuide, &QAction::triggered, this, &TZelControlPanelF::ShowGuide);
-  connect(ui_->MIAbout, &QAction::triggered, this, &TZelControlPanelF::ShowAbout);
+  connect(ui_->MITune, &QAction::triggered, this, &ControlPanel::ShowTune);
+  connect(ui_->MIGuide, &QAction::triggered, this, &ControlPanel::ShowGuide);
+  connect(ui_->MIAbout, &QAction::triggered, this, &ControlPanel::ShowAbout);
   ui_->ModelCmB->installEventFilter(this);
 }
 
-void TZelControlPanelF::LeaveModel() {
+void ControlPanel::LeaveModel() {
   Stop();
   driver_.Leave();
   picture_->SetModel(nullptr, data_);
@@ -264,7 +264,7 @@ void TZelControlPanelF::LeaveModel() {
   if (Model()) Model()->Bench().History().Attach(nullptr);
 }
 
-void TZelControlPanelF::ShowModel() {
+void ControlPanel::ShowModel() {
   ZelModel& model = *Model();
   if (windows_ == Windows::AsLeft) arrangement::RecallPlaces(model.Bench());
   auto panes = MakeInstrumentPanes(model.Bench());
@@ -293,24 +293,24 @@ void TZelControlPanelF::ShowModel() {
   experiments_->ModelShown();
 }
 
-void TZelControlPanelF::ShowTitle() {
+void ControlPanel::ShowTitle() {
   const QString title = session_.Title();
   if (windowTitle() != title) setWindowTitle(title);
 }
 
-void TZelControlPanelF::Run() {
+void ControlPanel::Run() {
   if (!Running()) ui_->SBRun->click();
 }
 
-void TZelControlPanelF::Stop() {
+void ControlPanel::Stop() {
   ui_->SBStop->setChecked(true);
 }
 
-bool TZelControlPanelF::Running() const {
+bool ControlPanel::Running() const {
   return ui_->SBRun->isChecked();
 }
 
-void TZelControlPanelF::RunToggled(bool down) {
+void ControlPanel::RunToggled(bool down) {
   ui_->MIRunStop->setText(down ? QStringLiteral("Stop") : QStringLiteral("Run"));
   experiments_->SetRunning(down);
   // Text that can be selected takes long to set, and nobody selects it while it changes.
@@ -324,18 +324,18 @@ void TZelControlPanelF::RunToggled(bool down) {
   }
 }
 
-void TZelControlPanelF::ShowFrame() {
+void ControlPanel::ShowFrame() {
   ++frames_;
   ShowTime();
   for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) frame->Pane().ShowFrame();
 }
 
-void TZelControlPanelF::ShowTime() {
+void ControlPanel::ShowTime() {
   const QString time = QString::fromStdString(FormatGeneral(Model()->Time(), 6, 2));
   if (ui_->LTime->text() != time) ui_->LTime->setText(time);
 }
 
-void TZelControlPanelF::RefreshTick() {
+void ControlPanel::RefreshTick() {
   if (!Model()) return;
   models_->ShowPresent();
   ShowTitle();
@@ -344,7 +344,7 @@ void TZelControlPanelF::RefreshTick() {
   experiments_->Refresh();
 }
 
-void TZelControlPanelF::ShowLook() {
+void ControlPanel::ShowLook() {
   for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) {
     frame->Pane().SetLook(view_->Look());
   }
@@ -352,12 +352,12 @@ void TZelControlPanelF::ShowLook() {
   poles_->SetLook(view_->Look());
 }
 
-void TZelControlPanelF::AddMeter() {
+void ControlPanel::AddMeter() {
   AddMeterOf({});
 }
 
 // Without a signal, of the first one.
-void TZelControlPanelF::AddMeterOf(const QString& signal) {
+void ControlPanel::AddMeterOf(const QString& signal) {
   const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
   ZelMeter* meter = torvane::AddMeter(*Model(), "Meter from Main Menu " + now.toStdString());
   if (!meter) return;
@@ -365,7 +365,7 @@ void TZelControlPanelF::AddMeterOf(const QString& signal) {
   ShowNewMeters();
 }
 
-void TZelControlPanelF::ShowNewMeters() {
+void ControlPanel::ShowNewMeters() {
   ZelBenchTop& bench = Model()->Bench();
   for (Instrument* meter : bench.Instruments(InstrumentKind::Meter)) {
     if (meter->View()) continue;
@@ -376,11 +376,11 @@ void TZelControlPanelF::ShowNewMeters() {
 }
 
 // The window has to be through with its event before it goes.
-void TZelControlPanelF::WatchMeter(InstrumentPane& pane) {
-  auto* window = qobject_cast<TZelMeterF*>(&pane);
+void ControlPanel::WatchMeter(InstrumentPane& pane) {
+  auto* window = qobject_cast<MeterWindow*>(&pane);
   if (!window) return;
-  const QPointer<TZelMeterF> watched(window);
-  connect(window, &TZelMeterF::Closed, this, [this, watched] {
+  const QPointer<MeterWindow> watched(window);
+  connect(window, &MeterWindow::Closed, this, [this, watched] {
     WhenNothingIsOpen(*this, [this, watched] {
       if (!watched) return;
       const ZelMeter& meter = watched->Meter();
@@ -389,20 +389,20 @@ void TZelControlPanelF::WatchMeter(InstrumentPane& pane) {
     });
   });
   connect(
-      window, &TZelMeterF::HeightChanged, this,
+      window, &MeterWindow::HeightChanged, this,
       [this, watched] {
         if (watched) ui_->InstrumentArea->FitHeight(watched->Meter());
       },
       Qt::QueuedConnection);
 }
 
-void TZelControlPanelF::ShowLoaded() {
+void ControlPanel::ShowLoaded() {
   ShowNewMeters();
   ui_->InstrumentArea->RestorePlacements();
   for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) frame->Pane().FileLoaded();
 }
 
-void TZelControlPanelF::CopyCapture(const QSize& proportions) {
+void ControlPanel::CopyCapture(const QSize& proportions) {
   const QImage picture = ui_->InstrumentArea->Capture(proportions);
   QGuiApplication::clipboard()->setImage(picture);
   ShowNotice(*ui_->SBRun, QStringLiteral("A picture of the instruments is on the clipboard: "
@@ -411,40 +411,40 @@ void TZelControlPanelF::CopyCapture(const QSize& proportions) {
                               .arg(picture.height()));
 }
 
-void TZelControlPanelF::dragEnterEvent(QDragEnterEvent* event) {
+void ControlPanel::dragEnterEvent(QDragEnterEvent* event) {
   const QList<QUrl> urls = event->mimeData()->urls();
   if (urls.size() == 1 && urls.first().isLocalFile()) event->acceptProposedAction();
 }
 
 // Loading may ask a question, and the source of the drag waits for the end of the drop.
-void TZelControlPanelF::dropEvent(QDropEvent* event) {
+void ControlPanel::dropEvent(QDropEvent* event) {
   const QString path = event->mimeData()->urls().value(0).toLocalFile();
   event->acceptProposedAction();
   WhenNothingIsOpen(*this, [this, path] { session_.Open(path); });
 }
 
-void TZelControlPanelF::ResetVariables() {
+void ControlPanel::ResetVariables() {
   Model()->Reset();
 }
 
-void TZelControlPanelF::RestoreDefaults() {
+void ControlPanel::RestoreDefaults() {
   Model()->RestoreDefaults();
 }
 
-void TZelControlPanelF::ShowTune() {
+void ControlPanel::ShowTune() {
   const auto askFile = [this](const QString& name) {
     return loops_->MaySaveModel() ? files_->AskWhereToSave(name) : QString();
   };
-  if (!tune_) tune_ = new TuneF(session_, askFile, this);
+  if (!tune_) tune_ = new TuneWindow(session_, askFile, this);
   tune_->Open();
 }
 
-void TZelControlPanelF::ShowGuide() {
-  if (!guide_) guide_ = new GuideF(data_, *this);
+void ControlPanel::ShowGuide() {
+  if (!guide_) guide_ = new GuideWindow(data_, *this);
   guide_->Open(ui_->InstrumentArea->width() - BesideGuide);
 }
 
-void TZelControlPanelF::ShowAbout() {
+void ControlPanel::ShowAbout() {
   QMessageBox box(this);
   box.setObjectName(QStringLiteral("AboutBox"));
   box.setWindowTitle(QStringLiteral("About Torvane"));
@@ -459,26 +459,26 @@ void TZelControlPanelF::ShowAbout() {
 }
 
 // The simulation stands still while a box is open, whatever opened it.
-bool TZelControlPanelF::event(QEvent* event) {
+bool ControlPanel::event(QEvent* event) {
   if (event->type() == QEvent::WindowBlocked) driver_.Pause();
   if (event->type() == QEvent::WindowUnblocked) driver_.Resume();
   return QMainWindow::event(event);
 }
 
 // A wheel turned over the model selector must not throw the running model away.
-bool TZelControlPanelF::eventFilter(QObject* watched, QEvent* event) {
+bool ControlPanel::eventFilter(QObject* watched, QEvent* event) {
   if (watched == ui_->ModelCmB && event->type() == QEvent::Wheel) return true;
   return QMainWindow::eventFilter(watched, event);
 }
 
-void TZelControlPanelF::SetCaption(UndoItem item, const std::string& caption) {
+void ControlPanel::SetCaption(UndoItem item, const std::string& caption) {
   QString text = QString::fromStdString(caption);
   text.replace(u'&', QStringLiteral("&&"));
   if (item == UndoItem::UndoMenu) ui_->MIUndo->setText(text);
   if (item == UndoItem::RedoMenu) ui_->MIRedo->setText(text);
 }
 
-void TZelControlPanelF::SetEnabled(UndoItem item, bool enabled) {
+void ControlPanel::SetEnabled(UndoItem item, bool enabled) {
   switch (item) {
     case UndoItem::UndoMenu:
       ui_->MIUndo->setEnabled(enabled);

@@ -24,19 +24,19 @@ class LiveTheory;
 class LoopCommands;
 class ModelList;
 class PolesPanel;
-class TZelModelPictureF;
-class GuideF;
-class TZelModelTextF;
-class TuneF;
+class ModelPictureWindow;
+class GuideWindow;
+class ModelTextWindow;
+class TuneWindow;
 class ViewMenu;
 
 namespace Ui {
-class TZelControlPanelF;
+class ControlPanel;
 }
 
 /// The main window: run controls, simulated time, model selector and commands above the workspace
 /// of the instruments. Shows a session and runs its model.
-class TZelControlPanelF : public QMainWindow, private UndoItems {
+class ControlPanel : public QMainWindow, private UndoItems {
   Q_OBJECT
 
  public:
@@ -45,9 +45,9 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
 
   /// Starts with the model of that name, or with the first of the catalogue, stopped. One that
   /// cannot be built is a fatal error, and there is no model then.
-  explicit TZelControlPanelF(DataFolder folder, const std::string& startModel = {},
-                             Windows windows = Windows::AsBuilt);
-  ~TZelControlPanelF() override;
+  explicit ControlPanel(DataFolder folder, const std::string& startModel = {},
+                        Windows windows = Windows::AsBuilt);
+  ~ControlPanel() override;
 
   Session& Work() { return session_; }
   ZelModel* Model() const { return session_.Model(); }
@@ -108,7 +108,7 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   void SetCaption(UndoItem item, const std::string& caption) override;
   void SetEnabled(UndoItem item, bool enabled) override;
 
-  std::unique_ptr<Ui::TZelControlPanelF> ui_;
+  std::unique_ptr<Ui::ControlPanel> ui_;
   DataFolder data_;
   Session session_;
   LoopShelf shelf_;
@@ -121,10 +121,10 @@ class TZelControlPanelF : public QMainWindow, private UndoItems {
   PolesPanel* poles_;
   ExperimentsMenu* experiments_ = nullptr;
   ModelList* models_;
-  TZelModelPictureF* picture_;
-  TZelModelTextF* text_;
-  GuideF* guide_ = nullptr;  // until it is asked for
-  TuneF* tune_ = nullptr;    // the same
+  ModelPictureWindow* picture_;
+  ModelTextWindow* text_;
+  GuideWindow* guide_ = nullptr;  // until it is asked for
+  TuneWindow* tune_ = nullptr;    // the same
   std::unique_ptr<FileCommands> files_;
   std::unique_ptr<LoopCommands> loops_;
   /// What another version of a loop finds as it was.

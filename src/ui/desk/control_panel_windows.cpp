@@ -26,7 +26,7 @@ const QString GeometryKey = QStringLiteral("windowGeometry");
 }  // namespace
 
 // The display may have become smaller since.
-bool TZelControlPanelF::RecallGeometry() {
+bool ControlPanel::RecallGeometry() {
   if (windows_ == Windows::AsBuilt ||
       !restoreGeometry(UserSettings().value(GeometryKey).toByteArray())) {
     return false;
@@ -43,7 +43,7 @@ bool TZelControlPanelF::RecallGeometry() {
   return true;
 }
 
-void TZelControlPanelF::ShowAtStart(bool withSplash) {
+void ControlPanel::ShowAtStart(bool withSplash) {
   const QSize available = screen()->availableSize();
   if (RecallGeometry()) {
     show();
@@ -54,7 +54,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
     show();
   }
   if (!withSplash) return;
-  auto* splash = new SplashF;
+  auto* splash = new SplashScreen;
   splash->setAttribute(Qt::WA_DeleteOnClose);
   splash->show();
   splashTimer_.setObjectName(QStringLiteral("TSplash"));
@@ -65,7 +65,7 @@ void TZelControlPanelF::ShowAtStart(bool withSplash) {
 }
 
 // The end of the program tells everybody that it is to end; by then that is nobody's question.
-void TZelControlPanelF::closeEvent(QCloseEvent* event) {
+void ControlPanel::closeEvent(QCloseEvent* event) {
   if (!ending_ && !(session_.MayDiscard("close") && loops_->MayLeaveText())) {
     event->ignore();
     return;
@@ -80,7 +80,7 @@ void TZelControlPanelF::closeEvent(QCloseEvent* event) {
 }
 
 // Dialogs that are open, with message loops of their own, end too.
-void TZelControlPanelF::EndUnasked() {
+void ControlPanel::EndUnasked() {
   if (ending_ || !isVisible()) return;
   session_.LeaveForNextStart();
   ending_ = true;
@@ -88,7 +88,7 @@ void TZelControlPanelF::EndUnasked() {
   QCoreApplication::exit();
 }
 
-void TZelControlPanelF::RememberWindows() {
+void ControlPanel::RememberWindows() {
   if (windows_ == Windows::AsLeft && !experiments_->IsActive())
     arrangement::Remember(*ui_->InstrumentArea);
 }

@@ -41,7 +41,7 @@ QPixmap SplashPicture() {
 
 }  // namespace
 
-SplashF::SplashF() : QSplashScreen(SplashPicture()) {
+SplashScreen::SplashScreen() : QSplashScreen(SplashPicture()) {
   setObjectName(QStringLiteral("SplashF"));
   // Keys belong to the main window from the start.
   setAttribute(Qt::WA_ShowWithoutActivating);

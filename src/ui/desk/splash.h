@@ -5,9 +5,9 @@
 namespace torvane {
 
 /// The picture shown while the program begins; a click closes it.
-class SplashF : public QSplashScreen {
+class SplashScreen : public QSplashScreen {
  public:
-  SplashF();
+  SplashScreen();
 };
 
 }  // namespace torvane

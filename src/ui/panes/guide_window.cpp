@@ -10,14 +10,14 @@ namespace torvane {
 
 namespace {
 
-constexpr QSize GuideWindow(820, 680);
+constexpr QSize WindowSize(820, 680);
 constexpr double ShareOfScreen = 0.8;  // at most, for the frame has to be in sight, too
 constexpr int NarrowGuide = 340;       // at the side
 constexpr int WideGuide = 560;
 
 }  // namespace
 
-GuideF::GuideF(const DataFolder& folder, QMainWindow& window)
+GuideWindow::GuideWindow(const DataFolder& folder, QMainWindow& window)
     : QDockWidget(QStringLiteral("Guide"), &window), window_(window), text_(new GuideText(this)) {
   setObjectName(QStringLiteral("GuideF"));
   text_->setObjectName(QStringLiteral("TBGuide"));
@@ -34,12 +34,12 @@ GuideF::GuideF(const DataFolder& folder, QMainWindow& window)
   hide();
 }
 
-void GuideF::Open(int spare) {
+void GuideWindow::Open(int spare) {
   const bool opens = !isVisible();
   if (opens) setFloating(spare < NarrowGuide);
   show();
   if (opens && isFloating())
-    resize(GuideWindow.boundedTo(screen()->availableSize() * ShareOfScreen));
+    resize(WindowSize.boundedTo(screen()->availableSize() * ShareOfScreen));
   if (opens && !isFloating())
     window_.resizeDocks({this}, {std::min(spare, WideGuide)}, Qt::Horizontal);
   raise();

@@ -13,15 +13,15 @@ namespace torvane {
 std::unique_ptr<InstrumentPane> MakeInstrumentPane(Instrument& instrument, ZelBenchTop& bench) {
   switch (instrument.Kind()) {
     case InstrumentKind::Scope:
-      return std::make_unique<TZelScopeF>(static_cast<ZelScope&>(instrument), bench);
+      return std::make_unique<ScopeWindow>(static_cast<ZelScope&>(instrument), bench);
     case InstrumentKind::WaveGenerator:
-      return std::make_unique<TZelWaveGenF>(static_cast<ZelWave&>(instrument));
+      return std::make_unique<WaveGenWindow>(static_cast<ZelWave&>(instrument));
     case InstrumentKind::Meter:
-      return std::make_unique<TZelMeterF>(static_cast<ZelMeter&>(instrument), bench);
+      return std::make_unique<MeterWindow>(static_cast<ZelMeter&>(instrument), bench);
     case InstrumentKind::FftAnalyser:
-      return std::make_unique<TZelXferF>(static_cast<ZelXfer&>(instrument), bench);
+      return std::make_unique<XferWindow>(static_cast<ZelXfer&>(instrument), bench);
     case InstrumentKind::SweptSine:
-      return std::make_unique<TZelSweptDSAF>(static_cast<ZelSweptDSA&>(instrument), bench);
+      return std::make_unique<SweptWindow>(static_cast<ZelSweptDSA&>(instrument), bench);
   }
   return nullptr;
 }

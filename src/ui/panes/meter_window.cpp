@@ -59,8 +59,8 @@ void ShowChoice(QComboBox& list, const Variable* chosen) {
 
 }  // namespace
 
-TZelMeterF::TZelMeterF(ZelMeter& meter, const ZelBenchTop& bench)
-    : InstrumentPane(meter), meter_(meter), ui_(std::make_unique<Ui::TZelMeterF>()) {
+MeterWindow::MeterWindow(ZelMeter& meter, const ZelBenchTop& bench)
+    : InstrumentPane(meter), meter_(meter), ui_(std::make_unique<Ui::MeterWindow>()) {
   ui_->setupUi(this);
   setWindowIcon(QIcon(QStringLiteral(":/icons/meter.svg")));
   QFont reading = ui_->EValue->font();
@@ -87,12 +87,12 @@ TZelMeterF::TZelMeterF(ZelMeter& meter, const ZelBenchTop& bench)
   BindSwitch(*ui_->CBHarmonicXfer, &ZelMeter::SetHarmonicXfer);
   BindSwitch(*ui_->CBUseDB, &ZelMeter::SetUseDb);
   BindSwitch(*ui_->CBUseExcitation, &ZelMeter::SetUseExcitation);
-  TZelMeterF::SettingsChanged();
+  MeterWindow::SettingsChanged();
 }
 
-TZelMeterF::~TZelMeterF() = default;
+MeterWindow::~MeterWindow() = default;
 
-void TZelMeterF::FillList(QComboBox& list, const ZelBenchTop& bench, NameSetter choose) {
+void MeterWindow::FillList(QComboBox& list, const ZelBenchTop& bench, NameSetter choose) {
   for (const Variable* variable : bench.Variables()) {
     if (variable->Internal()) continue;
     list.addItem(QtText(variable->Name()));
@@ -103,7 +103,7 @@ void TZelMeterF::FillList(QComboBox& list, const ZelBenchTop& bench, NameSetter 
 }
 
 // What a setter refuses it reports itself; nothing is limited.
-void TZelMeterF::BindNumbers() {
+void MeterWindow::BindNumbers() {
   const auto nothing = [](double, double) { return std::string(); };
   for (const MeterNumber& number : Numbers) {
     auto* edit = findChild<QLineEdit*>(QLatin1String(number.Edit));
@@ -113,16 +113,16 @@ void TZelMeterF::BindNumbers() {
   }
 }
 
-void TZelMeterF::BindSwitch(QAbstractButton& button, Switch set) {
+void MeterWindow::BindSwitch(QAbstractButton& button, Switch set) {
   connect(&button, &QAbstractButton::toggled, this, [this, set](bool on) { (meter_.*set)(on); });
 }
 
 // In the order of MeterKind.
-std::array<QAbstractButton*, MeterKinds.size()> TZelMeterF::KindButtons() const {
+std::array<QAbstractButton*, MeterKinds.size()> MeterWindow::KindButtons() const {
   return {ui_->RBRMS, ui_->RBAverage, ui_->RBHarmonic, ui_->RBCorr};
 }
 
-void TZelMeterF::BindKinds() {
+void MeterWindow::BindKinds() {
   int kind = 0;
   for (QAbstractButton* button : KindButtons()) {
     connect(button, &QAbstractButton::clicked, this,
@@ -131,7 +131,7 @@ void TZelMeterF::BindKinds() {
   }
 }
 
-void TZelMeterF::BindSteps() {
+void MeterWindow::BindSteps() {
   const auto bind = [this](QAbstractButton& button, auto stepped) {
     connect(&button, &QAbstractButton::clicked, this,
             [this, stepped] { meter_.SetHarmonicFreq(stepped(meter_.HarmonicFreq())); });
@@ -145,14 +145,14 @@ void TZelMeterF::BindSteps() {
 }
 
 // A reading that changes with every frame could not be read: it is shown at the refresh.
-void TZelMeterF::Redraw() {
+void MeterWindow::Redraw() {
   ShowText(*ui_->EValue, QtText(meter_.ValueText()));
   ShowSettling();
   if (meter_.Measurement() != MeterKind::Harmonic) return;
   ShowText(*ui_->EHarmonicAngle, QString::number(meter_.AngleDeg(), 'f', 2));
 }
 
-void TZelMeterF::SettingsChanged() {
+void MeterWindow::SettingsChanged() {
   for (EditBinding* edit : edits_) edit->Show();
   ShowChoice(*ui_->CmBVariable, meter_.Measured());
   ShowChoice(*ui_->CmBCorrVar, meter_.CorrVar());
@@ -171,7 +171,7 @@ void TZelMeterF::SettingsChanged() {
   Redraw();
 }
 
-void TZelMeterF::ShowKind() {
+void MeterWindow::ShowKind() {
   const MeterKind kind = meter_.Measurement();
   Check(*KindButtons()[static_cast<std::size_t>(kind)], true);
   ui_->CmBCorrVar->setEnabled(kind == MeterKind::Correlation);
@@ -180,7 +180,7 @@ void TZelMeterF::ShowKind() {
   ui_->LDeg->setVisible(kind == MeterKind::Harmonic);
 }
 
-void TZelMeterF::ShowSettling() {
+void MeterWindow::ShowSettling() {
   const bool settled = meter_.IsSettled();
   QString text = KindText();
   if (!settled) {
@@ -195,7 +195,7 @@ void TZelMeterF::ShowSettling() {
                     "far as it stands: a lower Low-Pass Filter, in the set-up, holds it still"));
 }
 
-QString TZelMeterF::KindText() const {
+QString MeterWindow::KindText() const {
   const auto name = [](const Variable* variable) {
     return variable ? QtText(variable->Name()) : QString();
   };
@@ -211,14 +211,14 @@ QString TZelMeterF::KindText() const {
   return text + coupling;
 }
 
-void TZelMeterF::ShowSetup() {
+void MeterWindow::ShowSetup() {
   Check(*ui_->SBShowSetup, meter_.ShowSetup());
   if (ui_->PCSetup->isVisibleTo(this) == meter_.ShowSetup()) return;
   ui_->PCSetup->setVisible(meter_.ShowSetup());
   emit HeightChanged();
 }
 
-void TZelMeterF::closeEvent(QCloseEvent* event) {
+void MeterWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   emit Closed();
 }

@@ -16,18 +16,18 @@ namespace torvane {
 class EditBinding;
 
 namespace Ui {
-class TZelMeterF;
+class MeterWindow;
 }
 
 /// The window of a meter: its reading, and a set-up that opens and closes below it. Closing the
 /// window asks for the meter to go.
-class TZelMeterF : public InstrumentPane {
+class MeterWindow : public InstrumentPane {
   Q_OBJECT
 
  public:
   /// Meter and bench must outlive the window.
-  TZelMeterF(ZelMeter& meter, const ZelBenchTop& bench);
-  ~TZelMeterF() override;
+  MeterWindow(ZelMeter& meter, const ZelBenchTop& bench);
+  ~MeterWindow() override;
 
   ZelMeter& Meter() const { return meter_; }
 
@@ -58,7 +58,7 @@ class TZelMeterF : public InstrumentPane {
   QString KindText() const;
 
   ZelMeter& meter_;
-  std::unique_ptr<Ui::TZelMeterF> ui_;
+  std::unique_ptr<Ui::MeterWindow> ui_;
   std::vector<EditBinding*> edits_;
 };
 

@@ -36,7 +36,7 @@ void ShowAbove(QDialog& window) {
 
 }  // namespace
 
-TZelModelPictureF::TZelModelPictureF(QMainWindow& window)
+ModelPictureWindow::ModelPictureWindow(QMainWindow& window)
     : QDockWidget(&window),
       window_(window),
       pages_(new QStackedWidget(this)),
@@ -63,7 +63,7 @@ TZelModelPictureF::TZelModelPictureF(QMainWindow& window)
   setFloating(true);
 }
 
-void TZelModelPictureF::SetModel(ZelModel* model, const DataFolder& folder) {
+void ModelPictureWindow::SetModel(ZelModel* model, const DataFolder& folder) {
   const bool own = model && IsOwnLoop(*model);
   // A layout takes its time, which a loop is not to wait for that nobody looks at.
   const bool waits = own && model->PictureFile().empty() && (isFloating() || !isVisible());
@@ -78,7 +78,7 @@ void TZelModelPictureF::SetModel(ZelModel* model, const DataFolder& folder) {
   own ? ShowLoopPicture(*model) : ShowPicture(QtText(model->PictureFile()), folder);
 }
 
-void TZelModelPictureF::DrawWaiting() {
+void ModelPictureWindow::DrawWaiting() {
   ZelModel* const model = std::exchange(waiting_, nullptr);
   if (!model) return;
   const bool live = diagram_->SetModel(model);
@@ -86,7 +86,7 @@ void TZelModelPictureF::DrawWaiting() {
   if (!live) ShowLoopPicture(*model);
 }
 
-void TZelModelPictureF::OpenWindow() {
+void ModelPictureWindow::OpenWindow() {
   DrawWaiting();
   if (!isVisible()) {
     setFloating(true);
@@ -99,19 +99,19 @@ void TZelModelPictureF::OpenWindow() {
   activateWindow();
 }
 
-void TZelModelPictureF::OpenPane() {
+void ModelPictureWindow::OpenPane() {
   setFloating(false);
   show();
   window_.resizeDocks({this}, {window_.height() * 2 / 5}, Qt::Vertical);
 }
 
-void TZelModelPictureF::ShowPicture(const QString& file, const DataFolder& folder) {
+void ModelPictureWindow::ShowPicture(const QString& file, const DataFolder& folder) {
   const QString path = folder.Find(file);
   ShowPictureFile(path, path.isEmpty() ? folder.MissingText(file)
                                        : QStringLiteral("Cannot read \"%1\".").arg(path));
 }
 
-void TZelModelPictureF::ShowLoopPicture(const ZelModel& model) {
+void ModelPictureWindow::ShowLoopPicture(const ZelModel& model) {
   const QString path = LoopPicture(model);
   QString words = QStringLiteral(
                       "The diagram of the loop \"%1\" cannot be drawn: %2.\n\nA drawing in a file "
@@ -132,13 +132,13 @@ void TZelModelPictureF::ShowLoopPicture(const ZelModel& model) {
 }
 
 // In its place the words, when it cannot be read.
-void TZelModelPictureF::ShowPictureFile(const QString& path, const QString& words) {
+void ModelPictureWindow::ShowPictureFile(const QString& path, const QString& words) {
   original_ = path.isEmpty() ? QPixmap() : QPixmap(path);
   picture_->setText(words);
   Fit();
 }
 
-void TZelModelPictureF::Fit() {
+void ModelPictureWindow::Fit() {
   if (original_.isNull()) return;
   const double ratio = devicePixelRatioF();
   const QSize room = (QSizeF(picture_->size()) * ratio).toSize();
@@ -150,18 +150,18 @@ void TZelModelPictureF::Fit() {
   picture_->setPixmap(fitted);
 }
 
-void TZelModelPictureF::resizeEvent(QResizeEvent* event) {
+void ModelPictureWindow::resizeEvent(QResizeEvent* event) {
   QDockWidget::resizeEvent(event);
   Fit();
 }
 
-void TZelModelPictureF::showEvent(QShowEvent* event) {
+void ModelPictureWindow::showEvent(QShowEvent* event) {
   QDockWidget::showEvent(event);
   DrawWaiting();
   diagram_->Refresh();
 }
 
-TZelModelTextF::TZelModelTextF(QWidget* parent)
+ModelTextWindow::ModelTextWindow(QWidget* parent)
     : QDialog(parent, Qt::Tool), text_(new QPlainTextEdit(this)) {
   setObjectName(QStringLiteral("ModelTextF"));
   text_->setObjectName(QStringLiteral("MText"));
@@ -178,8 +178,8 @@ TZelModelTextF::TZelModelTextF(QWidget* parent)
   resize(TextWindow.boundedTo(screen()->availableSize() * 0.9));
 }
 
-void TZelModelTextF::ShowModel(const QString& modelName, const QString& file,
-                               const DataFolder& folder) {
+void ModelTextWindow::ShowModel(const QString& modelName, const QString& file,
+                                const DataFolder& folder) {
   const QString path = folder.Find(file);
   QFile source(path);
   QString text;
@@ -194,7 +194,7 @@ void TZelModelTextF::ShowModel(const QString& modelName, const QString& file,
 }
 
 // A short text leaves sight of the instruments, in the corner where there are fewest.
-void TZelModelTextF::ShowText(const QString& modelName, const QString& text) {
+void ModelTextWindow::ShowText(const QString& modelName, const QString& text) {
   setWindowTitle(QStringLiteral("More about Model \"%1\"").arg(modelName));
   text_->setPlainText(text);
   const int lines = static_cast<int>(text.count(u'\n')) + 4;

@@ -18,9 +18,9 @@ class ZelModel;
 
 /// Shows a model's block diagram, live where the program has its drawing, else as the picture file
 /// is, or says that it is missing. Opens as a window of its own, or as a pane that is docked.
-class TZelModelPictureF : public QDockWidget {
+class ModelPictureWindow : public QDockWidget {
  public:
-  explicit TZelModelPictureF(QMainWindow& window);
+  explicit ModelPictureWindow(QMainWindow& window);
 
   /// The model whose diagram is shown from now on; without one there is none. The window is hidden
   /// when the model changes, a docked pane goes on with the next that has a diagram.
@@ -52,9 +52,9 @@ class TZelModelPictureF : public QDockWidget {
 };
 
 /// Shows a model's description. Says so when the text file is missing.
-class TZelModelTextF : public QDialog {
+class ModelTextWindow : public QDialog {
  public:
-  explicit TZelModelTextF(QWidget* parent);
+  explicit ModelTextWindow(QWidget* parent);
   void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
   /// Shows a text about a model.
   void ShowText(const QString& modelName, const QString& text);

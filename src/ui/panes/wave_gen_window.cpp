@@ -32,8 +32,8 @@ void ShowWaveform(QComboBox& list, const ZelWave& wave) {
 
 }  // namespace
 
-TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
-    : InstrumentPane(wave), wave_(wave), ui_(std::make_unique<Ui::TZelWaveGenF>()) {
+WaveGenWindow::WaveGenWindow(ZelWave& wave) try
+    : InstrumentPane(wave), wave_(wave), ui_(std::make_unique<Ui::WaveGenWindow>()) {
   ui_->setupUi(this);
   setWindowIcon(QIcon(QStringLiteral(":/icons/generator.svg")));
   if (wave.Name() != "MainWaveGen") setWindowTitle(QString::fromStdString(wave.Name()));
@@ -58,10 +58,10 @@ TZelWaveGenF::TZelWaveGenF(ZelWave& wave) try
   Error("Fault in TZelWaveGenF :: TZelWaveGenF");
 }
 
-TZelWaveGenF::~TZelWaveGenF() = default;
+WaveGenWindow::~WaveGenWindow() = default;
 
 // A number's edit is called after it.
-void TZelWaveGenF::Bind(const WaveNumber& number) {
+void WaveGenWindow::Bind(const WaveNumber& number) {
   auto* edit = findChild<QLineEdit*>(QLatin1Char('E') + QLatin1String(number.Name));
   edits_.push_back(BindNumber(
       *edit, [this, number](double value) { (wave_.*number.Set)(value); },
@@ -69,7 +69,7 @@ void TZelWaveGenF::Bind(const WaveNumber& number) {
 }
 
 // What the button asks for goes beyond a limit at most.
-void TZelWaveGenF::BindButton(QAbstractButton* button, Number number, Change change) {
+void WaveGenWindow::BindButton(QAbstractButton* button, Number number, Change change) {
   const auto& numbers = ZelWave::Numbers();
   const auto found = std::find_if(numbers.begin(), numbers.end(),
                                   [&](const WaveNumber& n) { return n.Value == number; });
@@ -82,7 +82,7 @@ void TZelWaveGenF::BindButton(QAbstractButton* button, Number number, Change cha
   });
 }
 
-void TZelWaveGenF::ConnectButtons() {
+void WaveGenWindow::ConnectButtons() {
   using S = const WaveSettings&;
   const Number frequency = &WaveSettings::FreqHz;
   const Number amplitude = &WaveSettings::Amplitude;
@@ -108,23 +108,23 @@ void TZelWaveGenF::ConnectButtons() {
   BindButton(ui_->SBDutyCycleUp, duty, [](S s) { return s.DutyCycle + DutyStep; });
 }
 
-void TZelWaveGenF::SettingsChanged() {
+void WaveGenWindow::SettingsChanged() {
   const QSignalBlocker blocker(ui_->CmBWaveform);
   ShowWaveform(*ui_->CmBWaveform, wave_);
   for (EditBinding* edit : edits_) edit->Show();
 }
 
 // Of a window with all in one column.
-QSize TZelWaveGenF::NeededFlat() const {
+QSize WaveGenWindow::NeededFlat() const {
   const int fields = ui_->Fields->sizeHint().height() + ui_->Fields->verticalSpacing();
   return {2 * least_.width() + ColumnsGap, wanted_.height() - fields / 2};
 }
 
-QSize TZelWaveGenF::minimumSizeHint() const {
+QSize WaveGenWindow::minimumSizeHint() const {
   return flat_ ? QSize(least_.width(), FlatSize().height()) : least_;
 }
 
-void TZelWaveGenF::SetFlat(bool flat) {
+void WaveGenWindow::SetFlat(bool flat) {
   if (flat_ == flat) return;
   flat_ = flat;
   QGridLayout& fields = *ui_->Fields;
@@ -152,12 +152,12 @@ void TZelWaveGenF::SetFlat(bool flat) {
   }
 }
 
-void TZelWaveGenF::resizeEvent(QResizeEvent* event) {
+void WaveGenWindow::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
   SetFlat(width() >= FlatSize().width());
 }
 
-void TZelWaveGenF::closeEvent(QCloseEvent* event) {
+void WaveGenWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   Note("Waveform Generator cannot be closed.");
 }

@@ -13,18 +13,18 @@ namespace torvane {
 class EditBinding;
 
 namespace Ui {
-class TZelWaveGenF;
+class WaveGenWindow;
 }
 
 /// The window of a waveform generator: its numbers one below the other or, where the window is wide
 /// enough, in two columns.
-class TZelWaveGenF : public InstrumentPane {
+class WaveGenWindow : public InstrumentPane {
   Q_OBJECT
 
  public:
   /// The generator must outlive the window.
-  explicit TZelWaveGenF(ZelWave& wave);
-  ~TZelWaveGenF() override;
+  explicit WaveGenWindow(ZelWave& wave);
+  ~WaveGenWindow() override;
 
   void Redraw() override {}
   void SettingsChanged() override;
@@ -47,7 +47,7 @@ class TZelWaveGenF : public InstrumentPane {
   QSize NeededFlat() const;
 
   ZelWave& wave_;
-  std::unique_ptr<Ui::TZelWaveGenF> ui_;
+  std::unique_ptr<Ui::WaveGenWindow> ui_;
   std::vector<EditBinding*> edits_;
   bool flat_ = false;
   QSize wanted_;  // with all in one column

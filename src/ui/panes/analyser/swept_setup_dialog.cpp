@@ -8,10 +8,10 @@
 
 namespace torvane {
 
-TZelSweptDSASetupF::TZelSweptDSASetupF(ZelSweptDSA& analyser, QWidget* parent)
+SweptSetupDialog::SweptSetupDialog(ZelSweptDSA& analyser, QWidget* parent)
     : QDialog(parent),
       analyser_(analyser),
-      ui_(std::make_unique<Ui::TZelSweptDSASetupF>()),
+      ui_(std::make_unique<Ui::SweptSetupDialog>()),
       fields_(new SetupFields(*this, [this] { ShowExpected(); })) {
   ui_->setupUi(this);
   const SweepSetup setup = analyser.Setup();
@@ -31,9 +31,9 @@ TZelSweptDSASetupF::TZelSweptDSASetupF(ZelSweptDSA& analyser, QWidget* parent)
   ShowExpected();
 }
 
-TZelSweptDSASetupF::~TZelSweptDSASetupF() = default;
+SweptSetupDialog::~SweptSetupDialog() = default;
 
-std::optional<SweepSetup> TZelSweptDSASetupF::Typed(bool reporting) const {
+std::optional<SweepSetup> SweptSetupDialog::Typed(bool reporting) const {
   const auto values = fields_->Values(reporting);
   if (!values) return std::nullopt;
   const std::vector<double>& v = *values;
@@ -43,7 +43,7 @@ std::optional<SweepSetup> TZelSweptDSASetupF::Typed(bool reporting) const {
   return SweepSetup{v[0], v[1], v[2], *steps, v[4], v[5], v[6], v[7], *averages};
 }
 
-void TZelSweptDSASetupF::ShowExpected() {
+void SweptSetupDialog::ShowExpected() {
   const auto setup = Typed(false);
   const bool good = setup && analyser_.Check(*setup).What != SetupFinding::Kind::Refusal;
   if (!good) {
@@ -56,7 +56,7 @@ void TZelSweptDSASetupF::ShowExpected() {
                               .arg(QString::fromStdString(FormatGeneral(plan.Seconds, 3, 1))));
 }
 
-void TZelSweptDSASetupF::accept() {
+void SweptSetupDialog::accept() {
   if (TakeSetup(analyser_, Typed(true))) QDialog::accept();
 }
 

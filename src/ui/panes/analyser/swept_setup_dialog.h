@@ -10,18 +10,18 @@ namespace torvane {
 class SetupFields;
 
 namespace Ui {
-class TZelSweptDSASetupF;
+class SweptSetupDialog;
 }
 
 /// The set-up of the swept-sine analyser. OK puts all of it in force at once, the plot's frequency
 /// axis included, unless it is refused.
-class TZelSweptDSASetupF : public QDialog {
+class SweptSetupDialog : public QDialog {
   Q_OBJECT
 
  public:
   /// The analyser must outlive the dialog.
-  TZelSweptDSASetupF(ZelSweptDSA& analyser, QWidget* parent);
-  ~TZelSweptDSASetupF() override;
+  SweptSetupDialog(ZelSweptDSA& analyser, QWidget* parent);
+  ~SweptSetupDialog() override;
 
   /// Checks what is typed and says what there is to say of it, then takes it.
   void accept() override;
@@ -31,7 +31,7 @@ class TZelSweptDSASetupF : public QDialog {
   void ShowExpected();
 
   ZelSweptDSA& analyser_;
-  std::unique_ptr<Ui::TZelSweptDSASetupF> ui_;
+  std::unique_ptr<Ui::SweptSetupDialog> ui_;
   SetupFields* fields_;
 };
 

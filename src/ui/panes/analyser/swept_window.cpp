@@ -5,7 +5,7 @@
 
 namespace torvane {
 
-TZelSweptDSAF::TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench)
+SweptWindow::SweptWindow(ZelSweptDSA& analyser, ZelBenchTop& bench)
     : AnalyserWindow(
           analyser, bench,
           {"TZelSweptDSAF", "TZelSweptDSACursorF", "MainSweptDSA", "Swept-Sine Analyzer", "sweep"}),
@@ -15,17 +15,17 @@ TZelSweptDSAF::TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench)
   SettingsChanged();
 }
 
-void TZelSweptDSAF::AutoRange() {
+void SweptWindow::AutoRange() {
   swept_.ApplySweepRange();
 }
 
-QString TZelSweptDSAF::ProgressText() const {
+QString SweptWindow::ProgressText() const {
   if (swept_.PointsExpected() == 0) return AnalyserWindow::ProgressText();
   return QStringLiteral("%1 of %2").arg(swept_.PointCount()).arg(swept_.PointsExpected());
 }
 
-QDialog* TZelSweptDSAF::MakeSetup() {
-  return new TZelSweptDSASetupF(swept_, this);
+QDialog* SweptWindow::MakeSetup() {
+  return new SweptSetupDialog(swept_, this);
 }
 
 }  // namespace torvane

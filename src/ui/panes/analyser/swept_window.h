@@ -6,12 +6,12 @@
 namespace torvane {
 
 /// The window of the swept-sine analyser. Points are drawn as they are measured.
-class TZelSweptDSAF : public AnalyserWindow {
+class SweptWindow : public AnalyserWindow {
   Q_OBJECT
 
  public:
   /// Analyser and bench must outlive the window.
-  TZelSweptDSAF(ZelSweptDSA& analyser, ZelBenchTop& bench);
+  SweptWindow(ZelSweptDSA& analyser, ZelBenchTop& bench);
 
   AtFirst ShownAtFirst() const override { return AtFirst::Hidden; }
 

@@ -7,10 +7,10 @@
 
 namespace torvane {
 
-TZelXferSetupF::TZelXferSetupF(ZelXfer& analyser, QWidget* parent)
+XferSetupDialog::XferSetupDialog(ZelXfer& analyser, QWidget* parent)
     : QDialog(parent),
       analyser_(analyser),
-      ui_(std::make_unique<Ui::TZelXferSetupF>()),
+      ui_(std::make_unique<Ui::XferSetupDialog>()),
       fields_(new SetupFields(*this, [this] { ShowActiveTime(); })) {
   ui_->setupUi(this);
   const FftSetup setup = analyser.Setup();
@@ -29,9 +29,9 @@ TZelXferSetupF::TZelXferSetupF(ZelXfer& analyser, QWidget* parent)
   ShowActiveTime();
 }
 
-TZelXferSetupF::~TZelXferSetupF() = default;
+XferSetupDialog::~XferSetupDialog() = default;
 
-std::optional<FftSetup> TZelXferSetupF::Typed(bool reporting) const {
+std::optional<FftSetup> XferSetupDialog::Typed(bool reporting) const {
   const auto values = fields_->Values(reporting);
   if (!values) return std::nullopt;
   const std::vector<double>& v = *values;
@@ -41,7 +41,7 @@ std::optional<FftSetup> TZelXferSetupF::Typed(bool reporting) const {
   return FftSetup{v[0], *order, v[2], v[3], v[4], v[5], *averages};
 }
 
-void TZelXferSetupF::ShowActiveTime() {
+void XferSetupDialog::ShowActiveTime() {
   const auto setup = Typed(false);
   const bool known = setup && setup->TSample > 0.0 && setup->Order >= ZelXfer::MinOrder &&
                      setup->Order <= analyser_.MaxOrder();
@@ -50,7 +50,7 @@ void TZelXferSetupF::ShowActiveTime() {
   ui_->LActiveSampleTime->setText(QStringLiteral("(Active Sample Time = %1)").arg(share));
 }
 
-void TZelXferSetupF::accept() {
+void XferSetupDialog::accept() {
   if (TakeSetup(analyser_, Typed(true))) QDialog::accept();
 }
 

@@ -10,18 +10,18 @@ namespace torvane {
 class SetupFields;
 
 namespace Ui {
-class TZelXferSetupF;
+class XferSetupDialog;
 }
 
 /// The set-up of the FFT analyser's record. OK puts all of it in force at once, unless it is
 /// refused.
-class TZelXferSetupF : public QDialog {
+class XferSetupDialog : public QDialog {
   Q_OBJECT
 
  public:
   /// The analyser must outlive the dialog.
-  TZelXferSetupF(ZelXfer& analyser, QWidget* parent);
-  ~TZelXferSetupF() override;
+  XferSetupDialog(ZelXfer& analyser, QWidget* parent);
+  ~XferSetupDialog() override;
 
   /// Checks what is typed and says what there is to say of it, then takes it.
   void accept() override;
@@ -31,7 +31,7 @@ class TZelXferSetupF : public QDialog {
   void ShowActiveTime();
 
   ZelXfer& analyser_;
-  std::unique_ptr<Ui::TZelXferSetupF> ui_;
+  std::unique_ptr<Ui::XferSetupDialog> ui_;
   SetupFields* fields_;
 };
 

@@ -8,7 +8,7 @@
 
 namespace torvane {
 
-TZelXferF::TZelXferF(ZelXfer& analyser, ZelBenchTop& bench)
+XferWindow::XferWindow(ZelXfer& analyser, ZelBenchTop& bench)
     : AnalyserWindow(
           analyser, bench,
           {"TZelXferF", "TZelXferCursorF", "MainXFer", "Dynamic Signal Analyzer", "response"}),
@@ -22,7 +22,7 @@ TZelXferF::TZelXferF(ZelXfer& analyser, ZelBenchTop& bench)
   SettingsChanged();
 }
 
-void TZelXferF::SettingsChanged() {
+void XferWindow::SettingsChanged() {
   AnalyserWindow::SettingsChanged();
   Ui::AnalyserForm& ui = Form();
   const std::pair<QAbstractButton*, bool> boxes[] = {{ui.CBSpectrum, xfer_.Spectrum()},
@@ -31,12 +31,12 @@ void TZelXferF::SettingsChanged() {
   for (const auto& [box, on] : boxes) Check(*box, on);
 }
 
-void TZelXferF::AutoRange() {
+void XferWindow::AutoRange() {
   xfer_.AutoRange();
 }
 
-QDialog* TZelXferF::MakeSetup() {
-  return new TZelXferSetupF(xfer_, this);
+QDialog* XferWindow::MakeSetup() {
+  return new XferSetupDialog(xfer_, this);
 }
 
 }  // namespace torvane

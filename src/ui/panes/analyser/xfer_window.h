@@ -6,12 +6,12 @@
 namespace torvane {
 
 /// The window of the FFT analyser.
-class TZelXferF : public AnalyserWindow {
+class XferWindow : public AnalyserWindow {
   Q_OBJECT
 
  public:
   /// Analyser and bench must outlive the window.
-  TZelXferF(ZelXfer& analyser, ZelBenchTop& bench);
+  XferWindow(ZelXfer& analyser, ZelBenchTop& bench);
 
   void SettingsChanged() override;
   AtFirst ShownAtFirst() const override { return AtFirst::ShownWithRoom; }

@@ -28,8 +28,8 @@ QString PlaceKey(const Constant& constant) {
 
 }  // namespace
 
-TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
-    : QDialog(parent, Qt::Tool), constant_(constant), ui_(std::make_unique<Ui::TZelAdjustF>()) {
+AdjustDialog::AdjustDialog(Constant& constant, QWidget* parent)
+    : QDialog(parent, Qt::Tool), constant_(constant), ui_(std::make_unique<Ui::AdjustDialog>()) {
   ui_->setupUi(this);
   const QString name = QString::fromStdString(constant.Name());
   setWindowTitle(name);
@@ -60,12 +60,12 @@ TZelAdjustF::TZelAdjustF(Constant& constant, QWidget* parent)
   ShowValue();
 }
 
-TZelAdjustF::~TZelAdjustF() {
+AdjustDialog::~AdjustDialog() {
   if (isVisible()) RememberPlace();
   constant_.Unobserve(*this);
 }
 
-void TZelAdjustF::ConnectButtons() {
+void AdjustDialog::ConnectButtons() {
   const std::array steps = {std::pair{ui_->BBDown, ConstantStep::Down},
                             std::pair{ui_->BBNudgeDown, ConstantStep::NudgeDown},
                             std::pair{ui_->BBDinkyNudgeDown, ConstantStep::DinkyNudgeDown},
@@ -84,7 +84,7 @@ void TZelAdjustF::ConnectButtons() {
   connect(ui_->BBCancel, &QAbstractButton::clicked, this, &QDialog::reject);
 }
 
-void TZelAdjustF::OpenBeside(const QRect& area) {
+void AdjustDialog::OpenBeside(const QRect& area) {
   if (!isVisible()) KeepValue();
   adjustSize();
   const QPoint beside(area.left() - width() - BesideGap, area.top());
@@ -95,12 +95,12 @@ void TZelAdjustF::OpenBeside(const QRect& area) {
   FocusValue();
 }
 
-void TZelAdjustF::KeepValue() {
+void AdjustDialog::KeepValue() {
   opened_ = constant_.FileText();
   value_->Show();
 }
 
-void TZelAdjustF::FocusValue() {
+void AdjustDialog::FocusValue() {
   if (!isVisible()) return;
   activateWindow();
   ui_->EValue->setFocus();
@@ -108,26 +108,26 @@ void TZelAdjustF::FocusValue() {
 }
 
 // Hiding takes the focus away, which commits what is typed.
-void TZelAdjustF::accept() {
+void AdjustDialog::accept() {
   hide();
 }
 
-void TZelAdjustF::reject() {
+void AdjustDialog::reject() {
   value_->Show();
   constant_.SetFromText(opened_);
   hide();
 }
 
-void TZelAdjustF::hideEvent(QHideEvent* event) {
+void AdjustDialog::hideEvent(QHideEvent* event) {
   QDialog::hideEvent(event);
   if (!event->spontaneous()) RememberPlace();
 }
 
-void TZelAdjustF::RememberPlace() {
+void AdjustDialog::RememberPlace() {
   UserSettings().setValue(PlaceKey(constant_), pos());
 }
 
-bool TZelAdjustF::eventFilter(QObject* watched, QEvent* event) {
+bool AdjustDialog::eventFilter(QObject* watched, QEvent* event) {
   if (watched == ui_->LUnits && event->type() == QEvent::MouseButtonDblClick) {
     constant_.SetToZero();
     return true;
@@ -135,11 +135,11 @@ bool TZelAdjustF::eventFilter(QObject* watched, QEvent* event) {
   return QDialog::eventFilter(watched, event);
 }
 
-void TZelAdjustF::ConstantChanged(const Constant& /*constant*/) {
+void AdjustDialog::ConstantChanged(const Constant& /*constant*/) {
   ShowValue();
 }
 
-void TZelAdjustF::ShowValue() {
+void AdjustDialog::ShowValue() {
   value_->Show();
   for (QWidget* up : {ui_->BBUp, ui_->BBNudgeUp, ui_->BBDinkyNudgeUp}) {
     up->setEnabled(constant_.CanStepUp());

@@ -11,18 +11,18 @@ namespace torvane {
 class EditBinding;
 
 namespace Ui {
-class TZelAdjustF;
+class AdjustDialog;
 }
 
 /// A small window above the main one that edits one constant while the model runs: by typing, by
 /// steps up and down, or by a slider. Every change counts at once; Cancel takes them back.
-class TZelAdjustF : public QDialog, private ConstantObserver {
+class AdjustDialog : public QDialog, private ConstantObserver {
   Q_OBJECT
 
  public:
   /// The constant must outlive the window.
-  TZelAdjustF(Constant& constant, QWidget* parent);
-  ~TZelAdjustF() override;
+  AdjustDialog(Constant& constant, QWidget* parent);
+  ~AdjustDialog() override;
 
   /// Opens it where it was left, by this program or an earlier run of it, or else beside an area of
   /// the display; always wholly on a display. The value of this moment is the one that Cancel
@@ -49,7 +49,7 @@ class TZelAdjustF : public QDialog, private ConstantObserver {
   void RememberPlace();
 
   Constant& constant_;
-  std::unique_ptr<Ui::TZelAdjustF> ui_;
+  std::unique_ptr<Ui::AdjustDialog> ui_;
   EditBinding* value_;
   std::string opened_;  // the value of the opening, with all of its digits
 };

@@ -164,9 +164,9 @@ bool ConstantsGrid::eventFilter(QObject* watched, QEvent* event) {
 void ConstantsGrid::Adjust(int row) try {
   const auto index = static_cast<std::size_t>(row);
   dialogs_.resize(bench_.Constants().size());
-  std::unique_ptr<TZelAdjustF>& dialog = dialogs_[index];
+  std::unique_ptr<AdjustDialog>& dialog = dialogs_[index];
   if (!dialog) {
-    dialog = std::make_unique<TZelAdjustF>(*bench_.Constants()[index], table_.window());
+    dialog = std::make_unique<AdjustDialog>(*bench_.Constants()[index], table_.window());
   }
   const QRect cell = table_.visualItemRect(table_.item(row, NameColumn));
   dialog->OpenBeside({table_.viewport()->mapToGlobal(cell.topLeft()), cell.size()});

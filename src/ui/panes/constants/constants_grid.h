@@ -10,7 +10,7 @@
 
 namespace torvane {
 
-class TZelAdjustF;
+class AdjustDialog;
 
 /// Lets a table show and edit a model's constants: one row a constant with its name, value and
 /// unit, in the order of registration. An edited value goes to the constant, which limits or
@@ -46,9 +46,9 @@ class ConstantsGrid : public QObject, private ConstantObserver {
   QTableWidget& table_;
   QWidget& viewport_;  // sends events still when the table is no more than its parts
   ZelBenchTop& bench_;
-  std::vector<std::unique_ptr<TZelAdjustF>> dialogs_;  // by row, made when first asked for
-  int values_ = 0;                                     // width of the values' column, pixels
-  int units_ = 0;                                      // and of the units'
+  std::vector<std::unique_ptr<AdjustDialog>> dialogs_;  // by row, made when first asked for
+  int values_ = 0;                                      // width of the values' column, pixels
+  int units_ = 0;                                       // and of the units'
   int fitting_ = 0;
   bool showing_ = false;  // cells are being written from the constants
 };

@@ -22,8 +22,8 @@ void Move(QListWidget& from, QListWidget& to, bool selectedOnly) {
 
 }  // namespace
 
-TZelAddDialogF::TZelAddDialogF(std::vector<ShownItem> items, QWidget* parent)
-    : QDialog(parent), items_(std::move(items)), ui_(std::make_unique<Ui::TZelAddDialogF>()) {
+AddDialog::AddDialog(std::vector<ShownItem> items, QWidget* parent)
+    : QDialog(parent), items_(std::move(items)), ui_(std::make_unique<Ui::AddDialog>()) {
   ui_->setupUi(this);
   QListWidget& showing = *ui_->LBShowing;
   QListWidget& notShowing = *ui_->LBNotShowing;
@@ -45,9 +45,9 @@ TZelAddDialogF::TZelAddDialogF(std::vector<ShownItem> items, QWidget* parent)
   connect(ui_->BCancel, &QAbstractButton::clicked, this, &QDialog::reject);
 }
 
-TZelAddDialogF::~TZelAddDialogF() = default;
+AddDialog::~AddDialog() = default;
 
-void TZelAddDialogF::Apply() {
+void AddDialog::Apply() {
   const auto listed = [](const QListWidget& list, const ShownItem& item) {
     return !list.findItems(QString::fromStdString(item.Name), Qt::MatchExactly).isEmpty();
   };

@@ -11,7 +11,7 @@ class QListWidget;
 namespace torvane {
 
 namespace Ui {
-class TZelAddDialogF;
+class AddDialog;
 }
 
 /// One thing that may be shown, by the name of its signal.
@@ -23,19 +23,19 @@ struct ShownItem {
 
 /// Lets the user choose which items are shown: moves their names between two lists, and tells the
 /// items by Apply. Items of one name go together.
-class TZelAddDialogF : public QDialog {
+class AddDialog : public QDialog {
   Q_OBJECT
 
  public:
-  TZelAddDialogF(std::vector<ShownItem> items, QWidget* parent);
-  ~TZelAddDialogF() override;
+  AddDialog(std::vector<ShownItem> items, QWidget* parent);
+  ~AddDialog() override;
 
   /// Tells every item by which list it stands in; for when Okay has been pressed.
   void Apply();
 
  private:
   std::vector<ShownItem> items_;
-  std::unique_ptr<Ui::TZelAddDialogF> ui_;
+  std::unique_ptr<Ui::AddDialog> ui_;
 };
 
 }  // namespace torvane

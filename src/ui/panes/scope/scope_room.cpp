@@ -45,7 +45,7 @@ void Arrange(QBoxLayout& page, int room) {
 
 }  // namespace
 
-void TZelScopeF::ConnectPages() {
+void ScopeWindow::ConnectPages() {
   const std::pair<QAbstractButton*, QWidget*> pages[] = {{ui_->PageScales, ui_->ScalesPage},
                                                          {ui_->PageTrigger, ui_->TriggerPage},
                                                          {ui_->PageMeasure, ui_->MeasurePage}};
@@ -66,7 +66,7 @@ void TZelScopeF::ConnectPages() {
 }
 
 // What is docked below the constants makes their side wider.
-void TZelScopeF::FitSide() {
+void ScopeWindow::FitSide() {
   int least = 0;
   for (const ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
     if (!panel->isHidden() && !panel->isFloating())
@@ -75,20 +75,20 @@ void TZelScopeF::FitSide() {
   splitter_->SetLeast(least);
 }
 
-void TZelScopeF::SetRoom(const QSize& workspace) {
+void ScopeWindow::SetRoom(const QSize& workspace) {
   const bool ample = workspace.width() >= RoomForLeastGraph.width() &&
                      workspace.height() >= RoomForLeastGraph.height();
   ui_->PBScreen->SetLeastGraph(ample ? LeastGraph : SmallGraph);
   leastScreen_ = ui_->PBScreen->minimumHeight();
 }
 
-void TZelScopeF::resizeEvent(QResizeEvent* event) {
+void ScopeWindow::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
   ArrangePages();
   FoldPages();
 }
 
-void TZelScopeF::ArrangePages() {
+void ScopeWindow::ArrangePages() {
   const QMargins margins = ui_->Column->contentsMargins();
   const int room = width() - margins.left() - margins.right();
   Arrange(*ui_->ScalesPagePanels, room);
@@ -96,7 +96,7 @@ void TZelScopeF::ArrangePages() {
 }
 
 // Controls are given their sizes by their style, after the window has its own.
-bool TZelScopeF::event(QEvent* event) {
+bool ScopeWindow::event(QEvent* event) {
   const bool known = InstrumentPane::event(event);
   if (event->type() == QEvent::LayoutRequest) {
     ArrangePages();
@@ -106,13 +106,13 @@ bool TZelScopeF::event(QEvent* event) {
 }
 
 // The height of all but the page, with the least graph.
-int TZelScopeF::HeightWithout() const {
+int ScopeWindow::HeightWithout() const {
   const QMargins margins = ui_->Column->contentsMargins();
   return margins.top() + leastScreen_ + ui_->Column->spacing() + ui_->Bar->minimumSize().height() +
          margins.bottom();
 }
 
-void TZelScopeF::FoldPages() {
+void ScopeWindow::FoldPages() {
   const int page = ui_->Pages->minimumSizeHint().height() + ui_->Column->spacing();
   const bool room = height() >= HeightWithout() + page;
   if (folding_ == Folding::Opened && room) folding_ = Folding::AsRoomAllows;
@@ -123,7 +123,7 @@ void TZelScopeF::FoldPages() {
   ui_->Pages->setVisible(!fold);
 }
 
-QSize TZelScopeF::minimumSizeHint() const {
+QSize ScopeWindow::minimumSizeHint() const {
   return {InstrumentPane::minimumSizeHint().width(), HeightWithout()};
 }
 

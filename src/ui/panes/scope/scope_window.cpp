@@ -64,8 +64,8 @@ std::string ScaleNotice(double typed, double stored) {
 
 }  // namespace
 
-TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
-    : InstrumentPane(scope), scope_(scope), ui_(std::make_unique<Ui::TZelScopeF>()) {
+ScopeWindow::ScopeWindow(ZelScope& scope, ZelBenchTop& bench)
+    : InstrumentPane(scope), scope_(scope), ui_(std::make_unique<Ui::ScopeWindow>()) {
   ui_->setupUi(this);
   setWindowIcon(QIcon(QStringLiteral(":/icons/scope.svg")));
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
@@ -79,7 +79,7 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   for (ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
     side_->addDockWidget(Qt::BottomDockWidgetArea, panel);
     panel->hide();
-    connect(panel, &QDockWidget::topLevelChanged, this, &TZelScopeF::FitSide);
+    connect(panel, &QDockWidget::topLevelChanged, this, &ScopeWindow::FitSide);
   }
   FillChannelLists();
   ConnectVertical();
@@ -100,9 +100,9 @@ TZelScopeF::TZelScopeF(ZelScope& scope, ZelBenchTop& bench)
   SettingsChanged();
 }
 
-TZelScopeF::~TZelScopeF() = default;
+ScopeWindow::~ScopeWindow() = default;
 
-void TZelScopeF::ConnectVertical() {
+void ScopeWindow::ConnectVertical() {
   const auto channel = [this]() -> SignalChannel& { return VerticalChannel(); };
   const auto clicked = [this](QAbstractButton* button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
@@ -129,12 +129,12 @@ void TZelScopeF::ConnectVertical() {
   clicked(ui_->BVertZero, step([](A a) { return A{a.Scale, 0.0}; }));
   clicked(ui_->BVertAuto, [=, this] { scope_.AutoVertical(channel(), ui_->PBScreen->Shown()); });
   clicked(ui_->BVertFill, [=, this] { scope_.FillVertical(channel(), ui_->PBScreen->Shown()); });
-  connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &TZelScopeF::ShowVertical);
+  connect(ui_->CmBVertChan, &QComboBox::currentIndexChanged, this, &ScopeWindow::ShowVertical);
   new DoubleClick(*ui_->CmBVertChan, [this] { SetShown(!VerticalChannel().Displayed()); });
-  connect(ui_->CBVertShow, &QCheckBox::toggled, this, &TZelScopeF::SetShown);
+  connect(ui_->CBVertShow, &QCheckBox::toggled, this, &ScopeWindow::SetShown);
 }
 
-void TZelScopeF::ConnectHorizontal() {
+void ScopeWindow::ConnectHorizontal() {
   const auto clicked = [this](QAbstractButton* button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };
@@ -166,14 +166,14 @@ void TZelScopeF::ConnectHorizontal() {
   });
 }
 
-void TZelScopeF::ConnectTriggerSource() {
+void ScopeWindow::ConnectTriggerSource() {
   connect(ui_->CmBTrigSource, &QComboBox::currentIndexChanged, this, [this](int) {
     const std::size_t index = ui_->CmBTrigSource->currentData().toUInt();
     scope_.Trigger().SetSource(*scope_.Channels()[index]);
   });
 }
 
-void TZelScopeF::ConnectCursors(ZelUndo& history) {
+void ScopeWindow::ConnectCursors(ZelUndo& history) {
   const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
   for (int mode = 0; QAbstractButton * button : modes) {
     connect(button, &QAbstractButton::clicked, this, [this, mode] {
@@ -184,14 +184,14 @@ void TZelScopeF::ConnectCursors(ZelUndo& history) {
   }
   connect(ui_->PBScreen, &ScopePaintBox::GestureBegun, this, [&] { history.BeginGesture(); });
   connect(ui_->PBScreen, &ScopePaintBox::GestureEnded, this, [&] { history.EndGesture(); });
-  connect(ui_->PBScreen, &ScopePaintBox::ColoursChanged, this, &TZelScopeF::FillChannelLists);
+  connect(ui_->PBScreen, &ScopePaintBox::ColoursChanged, this, &ScopeWindow::FillChannelLists);
   connect(ui_->PBScreen, &ScopePaintBox::ChannelChosen, this, [this](std::size_t index) {
     ui_->CmBVertChan->setCurrentIndex(ui_->CmBVertChan->findData(static_cast<int>(index)));
   });
 }
 
-void TZelScopeF::ConnectMath() {
-  connect(ui_->SBMath, &QAbstractButton::toggled, this, &TZelScopeF::ShowMath);
+void ScopeWindow::ConnectMath() {
+  connect(ui_->SBMath, &QAbstractButton::toggled, this, &ScopeWindow::ShowMath);
   connect(ui_->BKeep, &QAbstractButton::clicked, this, [this] {
     const ScopeScreen& screen = ui_->PBScreen->Screen();
     if (screen.PointCount() == 0) ShowNotice(*ui_->BKeep, QStringLiteral("No traces yet"));
@@ -206,7 +206,7 @@ void TZelScopeF::ConnectMath() {
   connect(math_, &MathWindow::Closed, this, [this] { ui_->SBMath->setChecked(false); });
 }
 
-void TZelScopeF::ConnectExport(const ZelBenchTop& bench) {
+void ScopeWindow::ConnectExport(const ZelBenchTop& bench) {
   const auto heading = QStringLiteral("%1 - %2");
   const QString model = QString::fromStdString(bench.ModelName());
   const auto picture = [this] {
@@ -219,13 +219,13 @@ void TZelScopeF::ConnectExport(const ZelBenchTop& bench) {
   connect(ui_->PrintB, &QAbstractButton::clicked, menu, &ExportMenu::Print);
 }
 
-void TZelScopeF::ScaleX() {
+void ScopeWindow::ScaleX() {
   const auto index = static_cast<std::size_t>(ui_->CmBHorizChan->currentData().toInt());
   scope_.AutoHorizontal(*scope_.Channels()[index], ui_->PBScreen->Shown());
 }
 
 // The next scale of 1, 2, 5, 10 that shows two periods of the command.
-void TZelScopeF::ShowTwoPeriods(const ZelBenchTop& bench) {
+void ScopeWindow::ShowTwoPeriods(const ZelBenchTop& bench) {
   const auto& generators = bench.Instruments(InstrumentKind::WaveGenerator);
   const auto* command =
       generators.empty() ? nullptr : dynamic_cast<const ZelWave*>(generators.front());
@@ -240,7 +240,7 @@ void TZelScopeF::ShowTwoPeriods(const ZelBenchTop& bench) {
 }
 
 // Lists name each displayed channel with its colour, so they change with the set of traces.
-void TZelScopeF::FillChannelLists() {
+void ScopeWindow::FillChannelLists() {
   const auto selected = [](const QComboBox& list) {
     return list.count() > 0 ? list.currentData().toInt() : 0;
   };
@@ -257,7 +257,7 @@ void TZelScopeF::FillChannelLists() {
   ui_->CmBHorizChan->setCurrentIndex(ui_->CmBHorizChan->findData(horizontal));
 }
 
-void TZelScopeF::FillList(QComboBox& list, int selected) {
+void ScopeWindow::FillList(QComboBox& list, int selected) {
   const QSignalBlocker blocker(&list);
   list.clear();
   const ScopeColours colours = ui_->PBScreen->Colours();
@@ -268,7 +268,7 @@ void TZelScopeF::FillList(QComboBox& list, int selected) {
   list.setCurrentIndex(list.findData(selected));
 }
 
-void TZelScopeF::ShowVertical() {
+void ScopeWindow::ShowVertical() {
   vertScale_->Show();
   vertOffset_->Show();
   {
@@ -278,7 +278,7 @@ void TZelScopeF::ShowVertical() {
   ui_->PBScreen->SetReference(&VerticalChannel());
 }
 
-void TZelScopeF::ShowHorizontal() {
+void ScopeWindow::ShowHorizontal() {
   horizScale_->Show();
   horizOffset_->Show();
   // Without a time axis there is no moment of the screen to tie an event to.
@@ -302,7 +302,7 @@ void TZelScopeF::ShowHorizontal() {
   ui_->PBScreen->Refresh();
 }
 
-void TZelScopeF::ShowCursors() {
+void ScopeWindow::ShowCursors() {
   const std::array modes = {ui_->SBNoCursors, ui_->SBOneCursor, ui_->SBTwoCursors};
   modes[static_cast<std::size_t>(scope_.Cursors().Mode)]->setChecked(true);
   ui_->PBScreen->update();
@@ -312,7 +312,7 @@ void TZelScopeF::ShowCursors() {
   FitSide();
 }
 
-void TZelScopeF::ShowMath() {
+void ScopeWindow::ShowMath() {
   const bool shown = ui_->SBMath->isChecked() && isVisible();
   if (shown) {
     const ScopeScreen& live = ui_->PBScreen->Screen();
@@ -329,38 +329,38 @@ void TZelScopeF::ShowMath() {
   FitSide();
 }
 
-void TZelScopeF::ShowReading() {
+void ScopeWindow::ShowReading() {
   if (scope_.Cursors().Mode == 0) return;
   cursors_->ShowReading(ReadCursors(scope_, ui_->PBScreen->Screen(), ui_->PBScreen->Pixels()));
 }
 
-void TZelScopeF::SetVertical(double scale, double offset) {
+void ScopeWindow::SetVertical(double scale, double offset) {
   ZelChannel& channel = VerticalChannel();
   if (scale != channel.Vertical().Scale) scope_.SetVerticalScale(channel, scale);
   if (offset != channel.Vertical().Offset) scope_.SetVerticalOffset(channel, offset);
   ShowVertical();
 }
 
-void TZelScopeF::SetHorizontal(double scale, double offset) {
+void ScopeWindow::SetHorizontal(double scale, double offset) {
   ZelChannel& channel = XChannel();
   if (scale != channel.Horizontal().Scale) scope_.SetHorizontalScale(channel, scale);
   if (offset != channel.Horizontal().Offset) scope_.SetHorizontalOffset(channel, offset);
   ShowHorizontal();
 }
 
-void TZelScopeF::SetShown(bool shown) {
+void ScopeWindow::SetShown(bool shown) {
   scope_.SetDisplayed(VerticalChannel(), shown);
   SettingsChanged();  // a ninth trace was refused
 }
 
 // Whatever is chosen is one change.
-void TZelScopeF::ChooseChannels(ZelUndo& history) try {
+void ScopeWindow::ChooseChannels(ZelUndo& history) try {
   std::vector<ShownItem> items;
   for (const auto& channel : scope_.Channels()) {
     items.push_back({channel->Name(), channel->Displayed(),
                      [this, &channel](bool show) { scope_.SetDisplayed(*channel, show); }});
   }
-  TZelAddDialogF dialog(std::move(items), this);
+  AddDialog dialog(std::move(items), this);
   connect(&dialog, &QDialog::accepted, this, [&] {
     history.BeginGesture();
     dialog.Apply();
@@ -372,16 +372,16 @@ void TZelScopeF::ChooseChannels(ZelUndo& history) try {
   Error("Fault in TZelScopeF :: BVertAddClick");
 }
 
-SignalChannel& TZelScopeF::VerticalChannel() const {
+SignalChannel& ScopeWindow::VerticalChannel() const {
   return *scope_.Channels()[static_cast<std::size_t>(ui_->CmBVertChan->currentData().toInt())];
 }
 
-ZelChannel& TZelScopeF::XChannel() const {
+ZelChannel& ScopeWindow::XChannel() const {
   ZelChannel* horizontal = scope_.HorizontalChannel();
   return horizontal ? *horizontal : static_cast<ZelChannel&>(scope_.TimeChannel());
 }
 
-int TZelScopeF::IndexOf(const ZelChannel& channel) const {
+int ScopeWindow::IndexOf(const ZelChannel& channel) const {
   const auto& channels = scope_.Channels();
   for (std::size_t index = 0; index < channels.size(); ++index) {
     if (channels[index].get() == &channel) return static_cast<int>(index);
@@ -389,11 +389,11 @@ int TZelScopeF::IndexOf(const ZelChannel& channel) const {
   return 0;
 }
 
-void TZelScopeF::ShowFrame() {
+void ScopeWindow::ShowFrame() {
   ui_->PBScreen->Refresh();
 }
 
-void TZelScopeF::Redraw() {
+void ScopeWindow::Redraw() {
   ui_->PBScreen->Refresh();
   ShowLamp();
   triggerWord_->Show();
@@ -401,11 +401,11 @@ void TZelScopeF::Redraw() {
   ShowMath();
 }
 
-void TZelScopeF::SetLook(const TraceLook& look) {
+void ScopeWindow::SetLook(const TraceLook& look) {
   ui_->PBScreen->SetLook(look);
 }
 
-void TZelScopeF::ShowLamp() {
+void ScopeWindow::ShowLamp() {
   if (lampShown_ == scope_.TriggerLit()) return;
   lampShown_ = scope_.TriggerLit();
   QPalette colours = ui_->TriggeredP->palette();
@@ -416,7 +416,7 @@ void TZelScopeF::ShowLamp() {
   ui_->TriggeredP->setPalette(colours);
 }
 
-void TZelScopeF::SettingsChanged() {
+void ScopeWindow::SettingsChanged() {
   FillChannelLists();
   ShowVertical();
   ShowHorizontal();
@@ -428,7 +428,7 @@ void TZelScopeF::SettingsChanged() {
 }
 
 // The signal whose scale is edited is one that is seen.
-void TZelScopeF::FileLoaded() {
+void ScopeWindow::FileLoaded() {
   if (!VerticalChannel().Displayed()) {
     ui_->CmBVertChan->setCurrentIndex(
         ui_->CmBVertChan->findData(IndexOf(scope_.FirstDisplayedChannel())));
@@ -436,12 +436,12 @@ void TZelScopeF::FileLoaded() {
   constants_->FileLoaded();
 }
 
-void TZelScopeF::closeEvent(QCloseEvent* event) {
+void ScopeWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   Note("Scope cannot be closed.");
 }
 
-void TZelScopeF::hideEvent(QHideEvent* event) {
+void ScopeWindow::hideEvent(QHideEvent* event) {
   InstrumentPane::hideEvent(event);
   if (event->spontaneous()) return;
   constants_->HideDialogs();
@@ -449,7 +449,7 @@ void TZelScopeF::hideEvent(QHideEvent* event) {
   math_->hide();
 }
 
-void TZelScopeF::showEvent(QShowEvent* event) {
+void ScopeWindow::showEvent(QShowEvent* event) {
   InstrumentPane::showEvent(event);
   // The window opens with the constants, not with a page's button.
   if (!opened_) ui_->SGConsts->setFocus();

@@ -21,18 +21,18 @@ class CursorsWindow;
 class MathWindow;
 
 namespace Ui {
-class TZelScopeF;
+class ScopeWindow;
 }
 
 /// The window of a scope: its screen, the scales of its channels, its trigger, and the model's
 /// constants.
-class TZelScopeF : public InstrumentPane {
+class ScopeWindow : public InstrumentPane {
   Q_OBJECT
 
  public:
   /// Scope and bench must outlive the window.
-  TZelScopeF(ZelScope& scope, ZelBenchTop& bench);
-  ~TZelScopeF() override;
+  ScopeWindow(ZelScope& scope, ZelBenchTop& bench);
+  ~ScopeWindow() override;
 
   void ShowFrame() override;
   void SetLook(const TraceLook& look) override;
@@ -83,7 +83,7 @@ class TZelScopeF : public InstrumentPane {
   int IndexOf(const ZelChannel& channel) const;
 
   ZelScope& scope_;
-  std::unique_ptr<Ui::TZelScopeF> ui_;
+  std::unique_ptr<Ui::ScopeWindow> ui_;
   bool lampShown_ = true;  // differs from the lamp at first, so that it is painted
   ConstantsGrid* constants_ = nullptr;
   EditBinding* vertScale_ = nullptr;

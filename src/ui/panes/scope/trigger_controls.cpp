@@ -21,7 +21,7 @@ std::int32_t LimitedCount(double count) {
 
 }  // namespace
 
-TriggerControls::TriggerControls(Ui::TZelScopeF& ui, ZelScope& scope, QObject* parent)
+TriggerControls::TriggerControls(Ui::ScopeWindow& ui, ZelScope& scope, QObject* parent)
     : QObject(parent), ui_(ui), scope_(scope) {
   BindNumbers();
   ConnectSwitches();

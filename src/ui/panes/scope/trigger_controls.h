@@ -10,7 +10,7 @@ namespace torvane {
 class EditBinding;
 
 namespace Ui {
-class TZelScopeF;
+class ScopeWindow;
 }
 
 /// Ties the trigger's controls in a scope's window, all but the list of sources, to the trigger:
@@ -18,7 +18,7 @@ class TZelScopeF;
 class TriggerControls : public QObject {
  public:
   /// Controls and scope must outlive it.
-  TriggerControls(Ui::TZelScopeF& ui, ZelScope& scope, QObject* parent);
+  TriggerControls(Ui::ScopeWindow& ui, ZelScope& scope, QObject* parent);
 
   /// Shows the settings as they are.
   void Show();
@@ -27,7 +27,7 @@ class TriggerControls : public QObject {
   void ConnectSwitches();
   void BindNumbers();
 
-  Ui::TZelScopeF& ui_;
+  Ui::ScopeWindow& ui_;
   ZelScope& scope_;
   std::vector<EditBinding*> edits_;
 };

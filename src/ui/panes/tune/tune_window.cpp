@@ -81,7 +81,7 @@ QComboBox* MakeList(const char* name, const QString& title, const QString& hint)
 
 }  // namespace
 
-TuneF::TuneF(Session& session, AskFile askFile, QWidget* parent)
+TuneWindow::TuneWindow(Session& session, AskFile askFile, QWidget* parent)
     : QDialog(parent, Qt::Tool),
       session_(session),
       askFile_(std::move(askFile)),
@@ -108,13 +108,13 @@ TuneF::TuneF(Session& session, AskFile askFile, QWidget* parent)
   column->addWidget(bar_);
   column->addWidget(state_);
   column->addWidget(MakeButtons());
-  connect(&run_, &TuningRun::Progress, this, &TuneF::ShowProgress);
-  connect(&run_, &TuningRun::ResponseFound, this, &TuneF::ShowResponse);
-  connect(&run_, &TuningRun::Ended, this, &TuneF::ShowEnd);
+  connect(&run_, &TuningRun::Progress, this, &TuneWindow::ShowProgress);
+  connect(&run_, &TuningRun::ResponseFound, this, &TuneWindow::ShowResponse);
+  connect(&run_, &TuningRun::Ended, this, &TuneWindow::ShowEnd);
   connect(&session, &Session::ModelAboutToChange, this, &QWidget::close);
 }
 
-QWidget* TuneF::MakeSignals() {
+QWidget* TuneWindow::MakeSignals() {
   auto* row = new QWidget;
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins({});
@@ -133,7 +133,7 @@ QWidget* TuneF::MakeSignals() {
   return row;
 }
 
-QWidget* TuneF::MakeGoal() {
+QWidget* TuneWindow::MakeGoal() {
   auto* row = new QWidget;
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins({});
@@ -162,7 +162,7 @@ QWidget* TuneF::MakeGoal() {
   return row;
 }
 
-QWidget* TuneF::MakeButtons() {
+QWidget* TuneWindow::MakeButtons() {
   auto* row = new QWidget;
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins({});
@@ -175,9 +175,9 @@ QWidget* TuneF::MakeButtons() {
     line->addWidget(button);
     return button;
   };
-  start_ =
-      add("BTuneStart", QStringLiteral("&Start"),
-          QStringLiteral("Looks for the best tuning; the model goes on meanwhile"), &TuneF::Begin);
+  start_ = add("BTuneStart", QStringLiteral("&Start"),
+               QStringLiteral("Looks for the best tuning; the model goes on meanwhile"),
+               &TuneWindow::Begin);
   stop_ = add("BTuneStop", QStringLiteral("S&top"),
               QStringLiteral("Ends the search and keeps the best so far"), [this] {
                 stopped_ = true;
@@ -188,15 +188,15 @@ QWidget* TuneF::MakeButtons() {
   apply_ =
       add("BTuneApply", QStringLiteral("&Apply"),
           QStringLiteral("Gives the model the best constants so far; one undo takes them back"),
-          &TuneF::Apply);
+          &TuneWindow::Apply);
   save_ = add("BTuneSave", QStringLiteral("Sa&ve As..."),
               QStringLiteral("Saves the model with the best constants so far in a file"),
-              &TuneF::SaveAs);
+              &TuneWindow::SaveAs);
   add("BTuneClose", QStringLiteral("&Close"), QStringLiteral("Ends the search"), &QWidget::close);
   return row;
 }
 
-void TuneF::Open() {
+void TuneWindow::Open() {
   if (!isVisible()) {
     const QSize room = screen()->availableSize();
     resize(WindowSize.boundedTo({room.width(), static_cast<int>(room.height() * MostHeight)}));
@@ -221,7 +221,7 @@ void TuneF::Open() {
 }
 
 // Those of the first analyser's closed loop.
-void TuneF::ProposeSignals() {
+void TuneWindow::ProposeSignals() {
   const ZelBenchTop& bench = session_.Model()->Bench();
   for (QComboBox* list : {command_, response_}) {
     list->clear();
@@ -240,7 +240,7 @@ void TuneF::ProposeSignals() {
   response_->setCurrentText(QString::fromStdString(closed->Output));
 }
 
-TuningTask TuneF::Task() const {
+TuningTask TuneWindow::Task() const {
   TuningTask task;
   task.Model = ModelFileText(*session_.Model());
   const auto* const own = dynamic_cast<const loops::OwnLoop*>(session_.Model());
@@ -265,7 +265,7 @@ TuningTask TuneF::Task() const {
 }
 
 // What is being typed counts, by whichever key or mouse the search is begun.
-void TuneF::Begin() {
+void TuneWindow::Begin() {
   start_->setFocus();
   try {
     task_ = Task();
@@ -289,7 +289,7 @@ void TuneF::Begin() {
   ShowButtons();
 }
 
-void TuneF::ShowProgress(const TuningProgress& progress) {
+void TuneWindow::ShowProgress(const TuningProgress& progress) {
   progress_ = progress;
   bar_->setValue(progress.Runs);
   state_->setText(QStringLiteral("Run %1 of %2: %3")
@@ -303,7 +303,7 @@ void TuneF::ShowProgress(const TuningProgress& progress) {
 }
 
 // Only the first one is a change to undo; the others take its place.
-void TuneF::ShowResponse(const QString& file) {
+void TuneWindow::ShowResponse(const QString& file) {
   const auto scopes = session_.Model()->Bench().Instruments(InstrumentKind::Scope);
   if (scopes.empty()) return;
   auto& scope = dynamic_cast<ZelScope&>(*scopes.front());
@@ -317,7 +317,7 @@ void TuneF::ShowResponse(const QString& file) {
   }
 }
 
-void TuneF::ShowEnd(const QString& fault) {
+void TuneWindow::ShowEnd(const QString& fault) {
   const bool met = progress_ && progress_->Met;
   const bool cut = stopped_ && !progress_;
   // It may have found before that there is nothing better.
@@ -334,7 +334,7 @@ void TuneF::ShowEnd(const QString& fault) {
   ShowButtons();
 }
 
-void TuneF::ShowButtons() {
+void TuneWindow::ShowButtons() {
   const bool running = run_.IsRunning();
   start_->setEnabled(!running);
   stop_->setEnabled(running && !stopped_);
@@ -349,7 +349,7 @@ void TuneF::ShowButtons() {
   require_->SetEditable(!running);
 }
 
-std::map<std::string, double> TuneF::Found() const {
+std::map<std::string, double> TuneWindow::Found() const {
   std::map<std::string, double> values;
   for (const StudyRange& range : task_.Ranges) {
     const auto found = progress_->Values.find(range.Name);
@@ -359,7 +359,7 @@ std::map<std::string, double> TuneF::Found() const {
   return values;
 }
 
-void TuneF::Apply() {
+void TuneWindow::Apply() {
   const auto values = Found();
   std::string caption;
   for (const auto& [name, value] : values) {
@@ -370,19 +370,19 @@ void TuneF::Apply() {
 }
 
 // The model as the search began with it.
-void TuneF::SaveAs() {
+void TuneWindow::SaveAs() {
   const QString path =
       askFile_(QString::fromStdString(session_.Model()->Name()) + QStringLiteral(" tuned.tvf"));
   if (!path.isEmpty()) SaveAtomically(path.toStdString(), WithValues(task_.Model, Found()));
 }
 
-void TuneF::hideEvent(QHideEvent* event) {
+void TuneWindow::hideEvent(QHideEvent* event) {
   QDialog::hideEvent(event);
   if (!event->spontaneous()) run_.Abandon();
 }
 
 // Other windows set constants, too.
-bool TuneF::event(QEvent* event) {
+bool TuneWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowActivate && session_.Model())
     vary_->ShowPresent(session_.Model()->Bench());
   return QDialog::event(event);

@@ -24,7 +24,7 @@ class VaryTable;
 /// required and what is to be best; then the best so far in figures and as kept traces on the
 /// scope, while the model itself goes on. It begins anew each time that it is opened, and closing
 /// it ends the search.
-class TuneF : public QDialog {
+class TuneWindow : public QDialog {
   Q_OBJECT
 
  public:
@@ -32,7 +32,7 @@ class TuneF : public QDialog {
   using AskFile = std::function<QString(const QString& name)>;
 
   /// The session must outlive it.
-  TuneF(Session& session, AskFile askFile, QWidget* parent);
+  TuneWindow(Session& session, AskFile askFile, QWidget* parent);
 
   /// For the session's model as it is.
   void Open();
