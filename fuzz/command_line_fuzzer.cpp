@@ -1,17 +1,18 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "cli/command_error.h"
+#include "cli/exit_code.h"
 #include "cli/io/number_options.h"
-#include "cli/model/model_options.h"
-#include "cli/model/settings.h"
-#include "cli/model/wave_files.h"
 #include "cli/program.h"
-#include "cli/study/study_set_up.h"
 #include "fuzzing.h"
 #include "pooled_host.h"
 #include "study/study_fault.h"
 #include "support/model_limits.h"
+#include "workbench/model/model_options.h"
+#include "workbench/model/settings.h"
+#include "workbench/model/wave_files.h"
+#include "workbench/study/study_set_up.h"
+#include "workbench/work_fault.h"
 
 // Feeds the command line: each line of the input is an argument. Whatever they say, the program
 // refuses them or explains itself, and a model that options were applied to has settings within
@@ -49,26 +50,26 @@ template <class Function>
 void Try(const Function& apply) {
   try {
     apply();
-  } catch (const cli::CommandError& error) {
-    const bool noFile = error.Code() == cli::ExitCode::File;
-    Require(noFile || error.Code() == cli::ExitCode::Usage, error.what());
+  } catch (const WorkFault& error) {
+    const bool noFile = error.What() == WorkFault::Kind::File;
+    Require(noFile || error.What() == WorkFault::Kind::Usage, error.what());
   } catch (const StudyFault& fault) {
     Require(fault.What() == StudyFault::Kind::Asked, fault.what());
   }
 }
 
 void Apply(const std::vector<std::string>& arguments, ZelModel& model) {
-  cli::WaveFiles files;
+  WaveFiles files;
   for (const std::string& text : arguments) {
-    Try([&] { cli::ApplySetting(model.Bench(), text); });
-    Try([&] { cli::ApplyWave(model.Bench(), text, files); });
-    Try([&] { cli::NamedSignal(model.Bench(), text); });
+    Try([&] { ApplySetting(model.Bench(), text); });
+    Try([&] { ApplyWave(model.Bench(), text, files); });
+    Try([&] { NamedSignal(model.Bench(), text); });
     Try([&] { cli::ParseOption("--option", text, cli::NumberRange::Positive); });
-    using enum cli::VaryValues;
+    using enum VaryValues;
     for (const auto values : {OfGrid, Listed, Sampled, Searched}) {
-      Try([&] { cli::ParseVaryRange(text, values); });
+      Try([&] { ParseVaryRange(text, values); });
     }
-    Try([&] { cli::RunsOfShare(text, 3); });
+    Try([&] { RunsOfShare(text, 3); });
   }
   const std::string found = test::LimitCheck::Run(model);
   Require(found.empty(), found);

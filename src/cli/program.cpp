@@ -3,13 +3,14 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
+#include "cli/exit_code.h"
 #include "cli/io/console.h"
-#include "cli/io/names.h"
 #include "cli/io/result_file.h"
-#include "cli/model/loop_loading.h"
-#include "cli/model/settings.h"
 #include "core/version.h"
 #include "study/study_fault.h"
+#include "workbench/model/loop_loading.h"
+#include "workbench/model/settings.h"
+#include "workbench/unknown_name.h"
 
 namespace torvane::cli {
 namespace {
@@ -83,7 +84,7 @@ std::vector<std::string> LongOptions(const CLI::App& command) {
 }
 
 // What is left on the command line explains a failure better than what is missing because of it.
-CommandError ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
+WorkFault ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
   const auto commands = app.get_subcommands();
   const CLI::App& command = commands.empty() ? app : *commands.front();
   if (leftOver.starts_with("-")) {
@@ -97,7 +98,7 @@ CommandError ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
   return UnknownName("command", leftOver, names);
 }
 
-CommandError ExplainParseError(const CLI::App& app, const CLI::ParseError& error) {
+WorkFault ExplainParseError(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> leftOver = app.remaining(true);
   if (!leftOver.empty()) return ExplainLeftOver(app, leftOver.front());
   if (app.get_subcommands().empty()) {
@@ -145,9 +146,9 @@ int RunProgram(int argc, const char* const* argv) {
     AddCommands(app, console);
     ParseAndRun(app, argc, argv);
     return static_cast<int>(console.Ended() ? ExitCode::Stopped : ExitCode::Done);
-  } catch (const CommandError& error) {
+  } catch (const WorkFault& error) {
     if (*error.what()) console.Report("Error", error.what());
-    return static_cast<int>(error.Code());
+    return static_cast<int>(CodeOf(error));
   } catch (const StudyFault& fault) {
     console.Report("Error", fault.what());
     return static_cast<int>(CodeOf(fault));

@@ -1,15 +1,18 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 
+#include "cli/arguments/response_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
-#include "cli/response/bode_measurement.h"
 #include "cli/response/response_output.h"
-#include "cli/response/theory_overlay.h"
 #include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
+#include "workbench/response/bode_measurement.h"
+#include "workbench/response/theory_overlay.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -31,30 +34,40 @@ void WriteBins(const ZelXfer& xfer, ResultFile& file) {
   file.Close();
 }
 
-void MeasureBode(const BodeOptions& options, Console& console) {
+struct BodeCommand {
+  BodeOptions Bode;
+  ResponseOutput Output;
+};
+
+void MeasureBode(const BodeCommand& command, Console& console) {
+  const BodeOptions& options = command.Bode;
+  const ResponseOutput& output = command.Output;
   CheckChannels(options.Response);
   const auto model = OpenModel(options.Response.Model, console);
   auto& xfer = dynamic_cast<ZelXfer&>(
-      ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response));
+      ChooseAnalyser(model->Bench(), InstrumentKind::FftAnalyser, options.Response, output));
   xfer.SetAtOnce(options.StartDelay && !options.BetweenSamples);
+  if (output.Margins && options.Spectrum.value_or(xfer.Spectrum())) {
+    throw UsageError("--margins needs a response; --no-spectrum measures one");
+  }
   console.ApplySettings([&] { SetUp(xfer, options); });
   const auto warning = LoopSampleWarning(xfer);
-  if (warning && options.Response.Margins) Warning(*warning);
-  if (options.Response.Theory) {
+  if (warning && output.Margins) Warning(*warning);
+  if (output.Theory) {
     const double half = 0.5 / xfer.TSample();
     LayTheory(xfer, options.Response, std::ldexp(half, 1 - xfer.Order()), half, xfer.TSample(),
               console);
   }
-  ResultFile file(options.Response.Out);
-  MeasureResponse(*model, xfer, console, Console::CanShowProgress(false));
+  ResultFile file(output.Out);
+  console.ShowRuns();
+  MeasureResponse(*model, xfer, console);
   TellDoubts(xfer, file);
-  if (WritesPoints(options.Response)) WriteBins(xfer, file);
-  if (options.Response.Margins)
-    PrintMargins(xfer, static_cast<ReadAs>(options.Response.MarginsAs.value_or(0)));
-  if (options.Response.Picture.empty()) return;
+  if (WritesPoints(output)) WriteBins(xfer, file);
+  if (output.Margins) PrintMargins(xfer, static_cast<ReadAs>(output.MarginsAs.value_or(0)));
+  if (output.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.
   if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();
-  WritePicture(xfer, options.Response.Picture);
+  WritePicture(xfer, output.Picture);
 }
 
 }  // namespace
@@ -62,13 +75,14 @@ void MeasureBode(const BodeOptions& options, Console& console) {
 void AddBodeCommand(CLI::App& app, Console& console) {
   CLI::App* const command =
       app.add_subcommand("bode", "Measure a frequency response with the FFT analyser, as CSV");
-  const auto options = std::make_shared<BodeOptions>();
-  AddResponseOptions(*command, options->Response);
-  AddRecordOptions(*command, *options);
+  const auto options = std::make_shared<BodeCommand>();
+  AddResponseOptions(*command, options->Bode.Response, options->Output);
+  AddRecordOptions(*command, options->Bode);
   command->add_flag_function(
-      "--spectrum,!--no-spectrum", [options](std::int64_t count) { options->Spectrum = count > 0; },
+      "--spectrum,!--no-spectrum",
+      [options](std::int64_t count) { options->Bode.Spectrum = count > 0; },
       "Give the output's spectrum alone, under a triangular window, or the response");
-  command->add_flag("--between-samples", options->BetweenSamples,
+  command->add_flag("--between-samples", options->Bode.BetweenSamples,
                     "Begin between two samples of the model's loop with a start delay, too");
   command->callback([options, &console] { MeasureBode(*options, console); });
 }

@@ -9,7 +9,7 @@ namespace torvane::cli {
 class Console;
 
 // Each adds one command to the program. The command runs when the command line has been read, and
-// throws CommandError when it cannot be carried out.
+// throws WorkFault when it cannot be carried out.
 void AddModelsCommand(CLI::App& app);
 void AddConstantsCommand(CLI::App& app, Console& console);
 void AddSignalsCommand(CLI::App& app, Console& console);

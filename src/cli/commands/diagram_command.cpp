@@ -1,11 +1,13 @@
 #include <CLI/CLI.hpp>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/diagrams.h"
-#include "cli/io/names.h"
 #include "cli/io/result_file.h"
-#include "cli/model/model_options.h"
+#include "workbench/model/model_options.h"
+#include "workbench/unknown_name.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

@@ -2,20 +2,22 @@
 #include <cmath>
 #include <set>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/number_options.h"
-#include "cli/io/quiet.h"
 #include "cli/io/result_file.h"
-#include "cli/model/model_options.h"
 #include "cli/response/response_output.h"
-#include "cli/study/study_set_up.h"
 #include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "linear/linear_fault.h"
 #include "linear/linearize.h"
 #include "linear/theory.h"
+#include "workbench/model/model_options.h"
+#include "workbench/quiet.h"
+#include "workbench/study/study_set_up.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

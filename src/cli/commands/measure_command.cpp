@@ -1,12 +1,15 @@
 #include <CLI/CLI.hpp>
 
+#include "cli/arguments/measure_arguments.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
-#include "cli/io/quiet.h"
+#include "cli/io/console.h"
 #include "cli/io/result_file.h"
-#include "cli/measure/measurement.h"
 #include "core/csv.h"
 #include "core/messages.h"
 #include "study/row.h"
+#include "workbench/measure/measurement.h"
+#include "workbench/quiet.h"
 
 namespace torvane::cli {
 namespace {
@@ -16,10 +19,11 @@ void Measure(const MeasureOptions& options, Console& console) {
   CheckMeasurement(*model, options, console);
   ResultFile output("");
   const MakeModel make = [&] { return OpenModel(options.Bode.Response.Model, console); };
+  console.ShowRuns();
   const RunReadings readings = [&] {
     // Building the model once has said all that there is to say about the options.
     const Quiet quiet;
-    return ReadRun(make, options, console, Console::CanShowProgress(false));
+    return ReadRun(make, options, console);
   }();
   for (const std::string& warning : readings.Warnings) Warning(warning);
   std::vector<std::string> captions = MeasureCaptions(options.Measured());

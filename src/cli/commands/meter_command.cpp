@@ -1,32 +1,18 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
-#include "cli/model/long_run.h"
-#include "cli/model/model_options.h"
 #include "core/text.h"
-#include "instruments/meter/meter.h"
+#include "workbench/meter_reading.h"
+#include "workbench/model/model_options.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
-
-struct MeterOptions {
-  ModelOptions Model;
-  std::string Variable;
-  std::optional<int> Kind;  ///< a MeterKind
-  double Until = 0.0;
-  std::string With;
-  std::optional<double> Harmonic;
-  std::optional<double> Window;
-  std::optional<double> Lpf;
-  std::optional<double> Hpf;
-  std::optional<double> TSample;
-  std::optional<bool> Ac;
-  std::optional<bool> Db;
-};
 
 // In the order of MeterKind.
 std::vector<std::string> KindNames() {
@@ -35,93 +21,16 @@ std::vector<std::string> KindNames() {
   return names;
 }
 
-void SetSecondSignal(ZelMeter& meter, const ZelBenchTop& bench, const std::string& name) {
-  const std::string& known = NamedSignal(bench, name).Name();
-  switch (meter.Measurement()) {
-    case MeterKind::Correlation:
-      meter.SetCorrVar(known);
-      break;
-    case MeterKind::Harmonic:
-      meter.SetHarmonicXferVar(known);
-      meter.SetHarmonicXfer(true);
-      break;
-    default:
-      throw UsageError("--with goes with the kinds harmonic and correlation only");
-  }
-}
-
-void SetUp(ZelMeter& meter, const MeterOptions& options) {
-  if (options.TSample) meter.SetTSample(*options.TSample);
-  if (options.Lpf) meter.SetLpf(*options.Lpf);
-  if (options.Hpf) meter.SetAcHpf(*options.Hpf);
-  if (options.Harmonic) meter.SetHarmonicFreq(*options.Harmonic);
-  if (options.Window) meter.SetTWindow(*options.Window);
-  if (options.Ac) meter.SetAcCoupled(*options.Ac);
-  if (options.Db) meter.SetUseDb(*options.Db);
-}
-
-// What the meter would pass over.
-void CheckOptionsOfKind(const ZelMeter& meter, const MeterOptions& options) {
-  const bool harmonic = meter.Measurement() == MeterKind::Harmonic;
-  if (!harmonic && (options.Harmonic || options.Window)) {
-    throw UsageError("--harmonic and --window go with the kind harmonic only");
-  }
-  if (harmonic && options.Lpf) throw UsageError("--lpf does not go with the kind harmonic");
-  if (options.Db && !(harmonic && meter.HarmonicXfer())) {
-    throw UsageError("--db goes with a ratio only, the kind harmonic and --with");
-  }
-  if (options.Hpf && !meter.AcCoupled()) throw UsageError("--hpf needs --ac");
-}
-
-// A harmonic is read from whole windows; before the first one ends there is nothing to read.
-void CheckWindowFits(const ZelMeter& meter, double until) {
-  if (meter.Measurement() != MeterKind::Harmonic) return;
-  const double window = meter.WindowLength();
-  if (until > window) return;
-  throw UsageError("--until must be above the harmonic's window of " + FormatShortest(window) +
-                   " s");
-}
-
-// The meter alone asks for times.
-void Measure(ZelModel& model, ZelMeter& meter, double until, Console& console) {
-  LongRun run(model, console, until, Console::CanShowProgress(false));
-  while (run.Time() < until) {
-    run.StepTo(std::min(meter.NextTime(), until));
-    run.Service(meter);
-  }
-}
-
-// The first meter that the model's file has set up, else a new one, of which the options must say
-// what it measures.
-ZelMeter& ChooseMeter(ZelModel& model, const MeterOptions& options) {
-  const auto& meters = model.Bench().Instruments(InstrumentKind::Meter);
-  if (!meters.empty()) return dynamic_cast<ZelMeter&>(*meters.front());
-  if (options.Variable.empty()) throw UsageError("--variable is required");
-  if (!options.Kind) throw UsageError("--kind is required");
-  if (options.With.empty() && static_cast<MeterKind>(*options.Kind) == MeterKind::Correlation) {
-    throw UsageError("--with names the signal to correlate with; it is needed");
-  }
-  ZelMeter* const meter = AddMeter(model, "Meter");
-  if (!meter) throw UsageError("");
-  return *meter;
-}
-
 void ReadMeter(const MeterOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
-  ZelMeter* const meter = &ChooseMeter(*model, options);
-  if (!options.Variable.empty()) {
-    meter->SetVariable(NamedSignal(model->Bench(), options.Variable).Name());
-  }
-  if (options.Kind) meter->SetKind(static_cast<MeterKind>(*options.Kind));
-  if (!options.With.empty()) SetSecondSignal(*meter, model->Bench(), options.With);
-  console.ApplySettings([&] { SetUp(*meter, options); });
-  CheckOptionsOfKind(*meter, options);
-  CheckWindowFits(*meter, options.Until);
+  ZelMeter& meter = SetUpMeter(*model, options, console);
   ResultFile output("");
-  Measure(*model, *meter, options.Until, console);
-  std::string reading = FormatShortest(meter->Value());
-  if (meter->Measurement() == MeterKind::Harmonic)
-    reading += " " + FormatShortest(meter->AngleDeg());
+  console.ShowRuns();
+  Measure(*model, meter, options.Until, console);
+  std::string reading = FormatShortest(meter.Value());
+  if (meter.Measurement() == MeterKind::Harmonic) {
+    reading += " " + FormatShortest(meter.AngleDeg());
+  }
   output.Write(reading + "\n");
   output.Close();
 }

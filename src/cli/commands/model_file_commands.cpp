@@ -1,12 +1,15 @@
 #include <CLI/CLI.hpp>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
+#include "cli/arguments/scope_arguments.h"
 #include "cli/commands/commands.h"
-#include "cli/model/loop_loading.h"
-#include "cli/model/model_file_loading.h"
-#include "cli/model/model_options.h"
-#include "cli/model/scope_settings.h"
+#include "cli/io/console.h"
 #include "core/files/model_file.h"
+#include "workbench/model/loop_loading.h"
+#include "workbench/model/model_file_loading.h"
+#include "workbench/model/model_options.h"
+#include "workbench/model/scope_settings.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

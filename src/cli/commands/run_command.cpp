@@ -1,15 +1,16 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
-#include "cli/model/long_run.h"
-#include "cli/model/model_options.h"
 #include "core/csv.h"
 #include "core/text.h"
-#include "instruments/step_clock.h"
+#include "workbench/model/model_options.h"
+#include "workbench/recording.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -22,21 +23,11 @@ struct RunOptions {
   std::string Out;
 };
 
-std::vector<Variable*> RecordedSignals(const ZelBenchTop& bench, const std::string& list) {
-  if (list.empty()) return OfferedSignals(bench);
-  std::vector<Variable*> signals;
-  std::istringstream names(list + ",");
-  for (std::string name; std::getline(names, name, ',');) {
-    signals.push_back(&NamedSignal(bench, std::string(Trimmed(name, " "))));
-  }
-  return signals;
-}
-
 class Recording {
  public:
   Recording(const ZelBenchTop& bench, const RunOptions& options)
       : bench_(bench),
-        signals_(RecordedSignals(bench, options.Record)),
+        signals_(ListedSignals(bench, options.Record)),
         file_(options.Out, Delivery::Streamed) {
     std::vector<std::string> header{"Time"};
     for (const Variable* signal : signals_) header.push_back(signal->Name());
@@ -60,29 +51,19 @@ class Recording {
   std::vector<double> row_;
 };
 
-// A row goes to the step nearest to its multiple, and none comes twice.
 void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
-  LongRun run(model, console, options.Until,
-              Console::CanShowProgress(recording.File().IsStandardOutput()));
-  StepClock clock(StepClock::Nearest);
-  clock.Start(run.Time(), model.Solver().Step());
-  while (true) {
-    if (clock.TakeDue(run.Time(), options.Every)) recording.WriteRow();
-    if (clock.Reached(options.Until)) break;
-    run.StepTo(std::min(clock.Request(), clock.RequestAt(options.Until)));
-  }
+  console.ShowRuns(recording.File().IsStandardOutput());
+  RecordRows(model, options.Until, options.Every, console, [&] { recording.WriteRow(); });
   recording.File().Close();
 }
 
-// No instrument is asked or serviced: the rows alone decide where the solver pauses, and pausing
-// leaves the trajectory alone.
 void Run(const RunOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
   Recording recording(model->Bench(), options);
   try {
     Record(*model, options, recording, console);
-  } catch (const CommandError& error) {
-    throw CommandError(error.Code(), error.what() + recording.File().KeepRows());
+  } catch (const WorkFault& error) {
+    throw WorkFault(error.What(), error.what() + recording.File().KeepRows());
   }
 }
 

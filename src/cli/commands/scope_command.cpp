@@ -1,16 +1,19 @@
 #include <CLI/CLI.hpp>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
+#include "cli/arguments/scope_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
-#include "cli/model/model_options.h"
-#include "cli/model/scope_run.h"
-#include "cli/model/scope_settings.h"
 #include "core/messages.h"
 #include "instruments/scope/scope_csv.h"
 #include "instruments/scope/trace_csv.h"
+#include "workbench/model/model_options.h"
+#include "workbench/model/scope_run.h"
+#include "workbench/model/scope_settings.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -39,8 +42,8 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   Apply(model->Bench(), options.Scope);
   if (!options.Overlay.empty()) KeepOverlay(scope, options.Overlay);
   ResultFile file(options.Out);
-  const ScopeScreen screen =
-      LastCompleteScreen(*model, scope, options.Until, console, Console::CanShowProgress(false));
+  console.ShowRuns();
+  const ScopeScreen screen = LastCompleteScreen(*model, scope, options.Until, console);
   file.Write(ScreenCsv(scope, screen));
   file.Close();
   if (options.Picture.empty()) return;

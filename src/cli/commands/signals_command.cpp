@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
 
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/result_file.h"
-#include "cli/model/model_options.h"
 #include "core/csv.h"
+#include "workbench/model/model_options.h"
 
 namespace torvane::cli {
 namespace {

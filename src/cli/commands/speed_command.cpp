@@ -2,14 +2,16 @@
 #include <chrono>
 #include <functional>
 
-#include "cli/command_error.h"
+#include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/interrupt.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
-#include "cli/model/model_options.h"
 #include "core/run_loop.h"
 #include "core/text.h"
+#include "workbench/model/model_options.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

@@ -1,10 +1,12 @@
 #include <CLI/CLI.hpp>
 #include <set>
 
-#include "cli/command_error.h"
+#include "cli/arguments/measure_arguments.h"
 #include "cli/commands/commands.h"
+#include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/study/study.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -22,7 +24,7 @@ void CheckMergeOptions(const CLI::App& command) {
 }
 
 // All but what says where the runs are done, and what is made of them.
-void TakeGivenOptions(const CLI::App& command, StudyOptions& options) {
+void TakeGivenOptions(const CLI::App& command, StudyCommand& options) {
   const std::set<std::string> elsewhere{"--jobs", "--shard", "--out",    "--picture",  "--chosen",
                                         "--map",  "--axes",  "--limits", "--contours", "--best"};
   for (const CLI::Option* option : command.get_options()) {
@@ -32,7 +34,7 @@ void TakeGivenOptions(const CLI::App& command, StudyOptions& options) {
     for (const std::string& value : option->results()) {
       values += (values.empty() ? "" : " ") + value;
     }
-    options.Given.emplace_back(option->get_name(), values);
+    options.Study.Given.emplace_back(option->get_name(), values);
   }
 }
 
@@ -41,39 +43,41 @@ void TakeGivenOptions(const CLI::App& command, StudyOptions& options) {
 void AddStudyCommand(CLI::App& app, Console& console) {
   CLI::App* const command = app.add_subcommand(
       "study", "Measure many runs of a model with other settings each, a line of CSV a run");
-  const auto options = std::make_shared<StudyOptions>();
+  const auto options = std::make_shared<StudyCommand>();
   command
       ->add_option(
-          "[STUDY.csv] MODEL", options->Files,
+          "[STUDY.csv] MODEL", options->Study.Files,
           "A table with a column for each constant or generator setting and a row for each "
           "run; a model or model file")
       ->type_name("");
   CLI::Option* const vary =
       command
-          ->add_option("--vary", options->Vary,
+          ->add_option("--vary", options->Study.Vary,
                        "Vary a constant or generator setting, without a table; several make a "
                        "grid. Repeatable")
           ->allow_extra_args(false)
           ->type_name("NAME=FROM:TO:COUNT[:log]");
   CLI::Option* const sample =
-      AddInteger(*command, "--sample", options->Sample,
+      AddInteger(*command, "--sample", options->Study.Sample,
                  "Take so many samples of the ranges, a Latin hypercube, in place of the grid")
           ->needs(vary);
-  AddInteger(*command, "--seed", options->Seed, "Which samples (1 without it)")->needs(sample);
-  AddMeasureOptions(*command, options->Measure);
+  AddInteger(*command, "--seed", options->Study.Seed, "Which samples (1 without it)")
+      ->needs(sample);
+  AddMeasureOptions(*command, options->Study.Measure);
   command
-      ->add_option("--require", options->Require,
+      ->add_option("--require", options->Study.Require,
                    "What a run has to reach, as Overshoot<10 or GainMargin>=6: a column says "
                    "whether it meets all. Repeatable")
       ->allow_extra_args(false)
       ->type_name("MEASURE<NUMBER");
   command
-      ->add_option("--best", options->Best,
+      ->add_option("--best", options->Study.Best,
                    "Say which of the runs that meet what is required has the best of this measure")
       ->type_name("MEASURE");
-  AddInteger(*command, "--jobs", options->Jobs,
+  AddInteger(*command, "--jobs", options->Study.Jobs,
              "Processes at a time; one a processor without it. The result is the same");
-  command->add_option("--shard", options->Shard, "Do the share K of N alone")->type_name("K/N");
+  command->add_option("--shard", options->Study.Shard, "Do the share K of N alone")
+      ->type_name("K/N");
   command->add_flag("--merge", options->Merge,
                     "Put the results of all shares, which stand in place of the model, together");
   command

@@ -2,9 +2,13 @@
 
 #include <unistd.h>
 
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 
-#include "cli/command_error.h"
+#include "cli/io/interrupt.h"
+#include "core/text.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -39,16 +43,45 @@ std::string OneLine(std::string_view text) {
   return line;
 }
 
-const char* Label(MessageKind kind) {
-  switch (kind) {
-    case MessageKind::Note:
-      return "Note";
-    case MessageKind::Warning:
-      return "Warning";
-    default:
-      return "Error";
+constexpr std::chrono::milliseconds ProgressPeriod(200);
+
+/// Ends a run that is interrupted, and shows how far it is.
+class ConsoleWatch final : public RunWatch {
+ public:
+  ConsoleWatch(Console& console, double until, bool showsProgress)
+      : console_(console),
+        until_(until),
+        showsProgress_(showsProgress),
+        // Short runs come and go without a progress line.
+        nextProgress_(std::chrono::steady_clock::now() + 2 * ProgressPeriod) {}
+  ~ConsoleWatch() override { console_.ShowProgress(""); }
+  ConsoleWatch(const ConsoleWatch&) = delete;
+  ConsoleWatch& operator=(const ConsoleWatch&) = delete;
+
+  void CheckIn(double time) override {
+    if (InterruptGuard::Interrupted()) {
+      throw StoppedError("interrupted at " + FormatShortest(time) + " s");
+    }
+    if (console_.Ended()) throw StoppedError("stopped at " + FormatShortest(time) + " s");
+    if (showsProgress_) ShowProgress(time);
   }
-}
+
+ private:
+  void ShowProgress(double time) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now < nextProgress_) return;
+    nextProgress_ = now + ProgressPeriod;
+    const double percent = std::floor(time / until_ * 1000.0) / 10.0;
+    console_.ShowProgress(FormatGeneral(percent, 4, 2) + " % (" + FormatGeneral(time, 6, 2) +
+                          " of " + FormatGeneral(until_, 6, 2) + " s)");
+  }
+
+  Console& console_;
+  double until_;
+  bool showsProgress_;
+  InterruptGuard guard_;
+  std::chrono::steady_clock::time_point nextProgress_;
+};
 
 }  // namespace
 
@@ -59,16 +92,12 @@ Console::~Console() {
   InstallMessageSink(previous_);
 }
 
-void Console::Show(MessageKind kind, const std::string& text) {
-  ++reports_;
-  if (kind != MessageKind::Note && kind != MessageKind::Warning) ++errors_;
-  Report(Label(kind), place_ + text);
+std::unique_ptr<RunWatch> Console::WatchRun(const ZelModel& /*model*/, double until) {
+  return std::make_unique<ConsoleWatch>(*this, until, showsRuns_);
 }
 
-bool Console::Ask(MessageKind kind, const std::string& text) {
-  ++reports_;
-  Report(Label(kind), place_ + text + (answerOk_ ? " (OK)" : " (Cancel; --yes answers OK)"));
-  return answerOk_;
+bool Console::Interrupted() const {
+  return InterruptGuard::Interrupted();
 }
 
 void Console::Report(std::string_view label, std::string_view text) {
@@ -79,12 +108,6 @@ void Console::Report(std::string_view label, std::string_view text) {
 
 void Console::Print(std::string_view lines) {
   std::fputs((std::string(lines) + "\n").c_str(), stderr);
-}
-
-void Console::ApplySettings(const std::function<void()>& apply) {
-  const int before = errors_;
-  apply();
-  if (errors_ > before) throw UsageError("");
 }
 
 bool Console::CanShowProgress(bool resultOnStandardOutput) {

@@ -1,59 +1,41 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
-#include "core/messages.h"
+#include "workbench/supervisor.h"
 
 namespace torvane::cli {
 
 /// Standard error: reports, one line each, and the progress of a long run. It is the sink of all
-/// reports for as long as it lives.
-class Console final : public MessageSink {
+/// reports for as long as it lives. An interrupt ends the run that it watches.
+class Console final : public Supervisor {
  public:
   Console();
   ~Console() override;
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  void Show(MessageKind kind, const std::string& text) override;
-  bool Ask(MessageKind kind, const std::string& text) override;
-  void EndApplication() override { ended_ = true; }
+  std::unique_ptr<RunWatch> WatchRun(const ZelModel& model, double until) override;
+
+  bool Interrupted() const override;
 
   /// Prints label + ": " + text, line ends turned into blanks.
-  void Report(std::string_view label, std::string_view text);
-
-  /// Prints lines as they stand, a part of the report before them.
-  void Print(std::string_view lines);
-
-  /// What every question is answered with: OK, or Cancel unless the user asked for OK.
-  void SetAnswerOk(bool answerOk) { answerOk_ = answerOk; }
-
-  /// Changes settings whose setters report what they refuse; a report is wrong usage.
-  void ApplySettings(const std::function<void()>& apply);
-
-  /// What reports are about from now on, a file's line say; it begins each. Empty for nothing.
-  void SetPlace(const std::string& place) { place_ = place; }
-
-  /// Reports and questions so far.
-  int Reports() const { return reports_; }
-
-  /// A fatal error was reported.
-  bool Ended() const { return ended_; }
+  void Report(std::string_view label, std::string_view text) override;
+  void Print(std::string_view lines) override;
 
   /// Whether somebody can watch the progress: a terminal that the result does not go to.
   static bool CanShowProgress(bool resultOnStandardOutput);
+  /// Runs are to show how far they are, where somebody can watch it.
+  void ShowRuns(bool resultOnStandardOutput = false) {
+    showsRuns_ = CanShowProgress(resultOnStandardOutput);
+  }
   /// Rewrites the progress line; the next report, or an empty text, wipes it.
   void ShowProgress(const std::string& text);
 
  private:
   MessageSink* previous_;
-  std::string place_;
-  int errors_ = 0;
-  int reports_ = 0;
-  bool ended_ = false;
-  bool answerOk_ = false;
+  bool showsRuns_ = false;
   bool progressShown_ = false;
 };
 

@@ -1,8 +1,8 @@
 #include "cli/io/diagrams.h"
 
-#include "cli/command_error.h"
 #include "drawing/loop_drawing.h"
 #include "loops/own_loop.h"
+#include "workbench/work_fault.h"
 
 #ifdef TORVANE_PICTURES
 #include "plot/diagram/loop_diagram.h"

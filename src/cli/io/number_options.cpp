@@ -2,9 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/command_error.h"
-#include "cli/io/names.h"
 #include "core/text.h"
+#include "workbench/unknown_name.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "cli/command_error.h"
-#include "cli/io/names.h"
+#include "workbench/unknown_name.h"
+#include "workbench/work_fault.h"
 
 #ifdef TORVANE_PICTURES
 #include "plot/picture_export.h"

@@ -8,9 +8,9 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/command_error.h"
 #include "core/files/atomic_save.h"
 #include "core/files/file_fault.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {

@@ -18,7 +18,7 @@ enum class Delivery {
 
 /// Where a command's result goes: a file, or standard output, which is always streamed. The old
 /// file stays until the new one is whole; a pipe or a device is written in place. Only whole lines
-/// reach it, however the command ends. Failures are CommandErrors that name the file and the
+/// reach it, however the command ends. Failures are WorkFaults that name the file and the
 /// reason.
 class ResultFile {
  public:

@@ -8,6 +8,7 @@
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/margins.h"
+#include "workbench/measure/loop_findings.h"
 
 namespace torvane::cli {
 namespace {
@@ -98,13 +99,8 @@ std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index
   return fields;
 }
 
-bool WritesPoints(const ResponseOptions& options) {
+bool WritesPoints(const ResponseOutput& options) {
   return !options.Margins || !options.Out.empty();
-}
-
-std::string SampleTimeWarning(double accurateUpTo) {
-  return "The sample time is short enough for what is read up to " + Number(accurateUpTo) +
-         " Hz.  Choose a shorter one (--tsample) for what is read above.";
 }
 
 void PrintMarginLines(const std::string& response, const Margins& margins, ResultFile& file) {

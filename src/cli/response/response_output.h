@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/arguments/response_arguments.h"
 #include "cli/io/result_file.h"
-#include "cli/response/response_options.h"
 #include "instruments/analyser/margins.h"
 #include "instruments/analyser/read_as.h"
 
@@ -20,7 +20,7 @@ std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser);
 std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index, double hz);
 
 /// Whether the points are written: to --out, or to standard output unless the margins go there.
-bool WritesPoints(const ResponseOptions& options);
+bool WritesPoints(const ResponseOutput& options);
 
 /// Prints what is read off the measured response, and off the overlay, to standard output; notes
 /// why nothing is.
@@ -28,8 +28,5 @@ void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as);
 
 /// Writes what was read off a response that goes by this name, under a line of captions.
 void PrintMarginLines(const std::string& response, const Margins& margins, ResultFile& file);
-
-/// That figures above the frequency, Hz, are not trustworthy.
-std::string SampleTimeWarning(double accurateUpTo);
 
 }  // namespace torvane::cli

@@ -1,24 +1,16 @@
 #include "cli/study/study.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 
-#include "cli/command_error.h"
 #include "cli/io/interrupt.h"
 #include "cli/io/pictures.h"
-#include "cli/io/quiet.h"
-#include "cli/model/model_file_loading.h"
 #include "cli/study/study_result.h"
-#include "cli/study/study_set_up.h"
 #include "core/messages.h"
 #include "core/text.h"
-#include "study/requirement.h"
-#include "study/row.h"
-#include "study/run.h"
 #include "study/shares.h"
 #include "study/study_fault.h"
-#include "study/workers.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
@@ -59,162 +51,85 @@ class Progress {
   std::chrono::steady_clock::time_point next_ = start_ + std::chrono::milliseconds(400);
 };
 
-/// A study that has been checked and can be run.
-class Study {
- public:
-  Study(StudyOptions options, Console& console);
-  void Run();
+bool Traced(const StudyCommand& command) {
+  return !command.Picture.empty() && command.Map.Measure.empty();
+}
 
- private:
-  bool Traced() const { return !options_.Picture.empty() && options_.Map.Measure.empty(); }
-  MeasureSet Set() const;
-  std::string Head() const;
-  /// Head and rows as they will be, but for the measures.
-  std::string TableToCome() const;
-  /// Nothing after an interrupt.
-  std::optional<RunResult> Measure(std::size_t run) const;
-
-  StudyOptions options_;
-  Console& console_;
-  StudyDesign design_;
-  std::vector<std::size_t> share_;
-  int processes_ = 1;
-  std::unique_ptr<ZelModel> first_;
-  StudyIdentity identity_;
-  std::vector<Requirement> requirements_;
-};
-
-Study::Study(StudyOptions options, Console& console)
-    : options_(std::move(options)), console_(console), design_(MakeDesign(options_)) {
-  CheckPictureFile(options_.Picture);
-  CheckOutputs(options_.Out, options_.Picture, options_.Vary.empty() ? options_.Files[0] : "");
-  share_ = RunsOfShare(options_.Shard, design_.Runs.size());
-  processes_ = Processes(options_);
-  ModelOptions& model = options_.Measure.Bode.Response.Model;
-  model.Model = options_.Files.back();
-  if (NamesModelFile(model.Model)) model.FileText = ReadModelFile(model.Model);
-  first_ = OpenModel(model, console_);
-  CheckMeasurement(*first_, options_.Measure, console_);
-  for (const std::string& text : options_.Require) {
-    requirements_.emplace_back(text);
-    CheckAskedFor("--require", requirements_.back().Of(), Set());
+void CheckPicture(const StudyCommand& command, Study& study) {
+  if (!command.Map.Measure.empty()) {
+    CheckMeasured("--map", NamedMeasure(command.Map.Measure), study.Measures());
   }
-  CheckStudyBest(options_, Set());
-  const std::string& mapped = options_.Map.Measure;
-  if (!mapped.empty()) CheckMeasured("--map", NamedMeasure(mapped), Set());
-  identity_ = IdentityOf(options_, design_, *first_);
-  CheckDesign(design_, *first_);
-  CheckStudyPicture(options_, TableToCome());
-}
-
-MeasureSet Study::Set() const {
-  MeasureSet set = options_.Measure.Measured();
-  set.Requirements = !options_.Require.empty();
-  return set;
-}
-
-std::string Study::Head() const {
-  return HeadLine(design_.Names, MeasureCaptions(Set()));
-}
-
-std::string Study::TableToCome() const {
-  std::string table = Head();
-  if (options_.Picture.empty()) return table;
-  StudyRow row;
-  row.Measures.resize(MeasureCaptions(Set()).size());
-  for (const std::size_t run : share_) {
-    row.Run = run;
-    row.Settings = ApplyRun(first_->Bench(), design_, run).Settings;
-    table += RowLine(row);
-  }
-  return table;
-}
-
-std::optional<RunResult> Study::Measure(std::size_t run) const {
-  const Quiet quiet;
-  const MakeModel make = [&] { return OpenModel(options_.Measure.Bode.Response.Model, console_); };
-  const MeasureModel measure = [&](const MakeModel& ofRun, StudyTrace* trace) {
-    RunReadings readings = ReadRun(ofRun, options_.Measure, console_, false, trace);
-    if (!requirements_.empty()) readings.Meets = MeetsAll(requirements_, readings);
-    return readings;
-  };
-  RunResult result = RunOfStudy(design_, run, make, measure, Set(), Traced());
-  if (InterruptGuard::Interrupted()) return {};
-  return result;
-}
-
-void Study::Run() {
-  StudyResult result(options_.Out, identity_, Head());
-  const std::size_t before = result.RowCount();
-  if (before > 0) Note(Count(before, share_.size()) + " stand already");
-  // Responses are not kept: a picture of them takes all runs again.
-  std::vector<std::size_t> jobs;
-  for (const std::size_t run : share_) {
-    if (Traced() || !result.Has(run)) jobs.push_back(run);
-  }
-  std::size_t done = share_.size() - jobs.size();
-  StudyResponses responses;
-  std::size_t failed = 0;
-  const auto measure = [&](std::size_t run) -> std::optional<std::string> {
-    const std::optional<RunResult> measured = Measure(run);
-    if (!measured) return {};
-    return measured->Packed();
-  };
-  const auto take = [&](std::size_t run, const std::string& packed) {
-    RunResult measured = RunResult::Unpacked(packed);
-    ++done;
-    if (!result.Has(run)) result.Append(measured.Row);
-    if (!measured.Row.HasMeasures()) ++failed;
-    if (Traced()) responses.Runs.push_back(std::move(measured.Trace));
-  };
-  try {
-    const InterruptGuard guard;
-    Progress progress(console_, share_.size(), done,
-                      Console::CanShowProgress(options_.Out.empty()));
-    DoInWorkers(jobs, processes_, measure, take, [&] {
-      progress.Show(done);
-      result.FlushNowAndThen();
-      return !InterruptGuard::Interrupted();
-    });
-  } catch (const StudyFault& fault) {
-    throw StudyFault(fault.What(),
-                     fault.what() + (" after " + Count(done, share_.size())) + result.HowToGoOn());
-  }
-  if (failed > 0) Note(Count(failed, jobs.size()) + " have no measures; their rows say why");
-  const std::string table = result.Table();
-  result.Close();
-  TellStudyBest(options_, table);
-  if (options_.Picture.empty()) return;
-  responses.Signal = options_.Measure.Bode.Response.Output;
-  responses.TimeUnit = first_->Bench().TimeVar()->Unit();
-  WriteStudyPicture(options_, table, std::move(responses));
+  if (!command.Picture.empty()) CheckStudyPicture(command, study.TableToCome());
 }
 
 }  // namespace
 
-void RunStudy(StudyOptions options, Console& console) {
-  Study(std::move(options), console).Run();
+void RunStudy(const StudyCommand& command, Console& console) {
+  CheckPictureFile(command.Picture);
+  const StudyOptions& options = command.Study;
+  const bool table = options.Vary.empty() && !options.Files.empty();
+  CheckOutputs(command.Out, command.Picture, table ? options.Files[0] : "");
+  Study study(options, console);
+  CheckPicture(command, study);
+  StudyResult result(command.Out, study.Identity(), study.Head());
+  const std::size_t all = study.RunCount();
+  if (result.RowCount() > 0) Note(Count(result.RowCount(), all) + " stand already");
+  StudyCourse course;
+  // Responses are not kept: a picture of them takes all runs again.
+  if (!Traced(command)) course.Has = [&](std::size_t run) { return result.Has(run); };
+  StudyResponses responses;
+  std::size_t done = Traced(command) ? 0 : result.RowCount();
+  std::size_t failed = 0;
+  const std::size_t measured = all - done;
+  course.Take = [&](RunResult run) {
+    ++done;
+    if (!result.Has(run.Row.Run)) result.Append(run.Row);
+    if (!run.Row.HasMeasures()) ++failed;
+    if (Traced(command)) responses.Runs.push_back(std::move(run.Trace));
+  };
+  try {
+    const InterruptGuard guard;
+    Progress progress(console, all, done, Console::CanShowProgress(command.Out.empty()));
+    course.GoOn = [&] {
+      progress.Show(done);
+      result.FlushNowAndThen();
+      return !InterruptGuard::Interrupted();
+    };
+    study.Run(course, Traced(command));
+  } catch (const StudyFault& fault) {
+    throw StudyFault(fault.What(),
+                     fault.what() + (" after " + Count(done, all)) + result.HowToGoOn());
+  }
+  if (failed > 0) Note(Count(failed, measured) + " have no measures; their rows say why");
+  const std::string rows = result.Table();
+  result.Close();
+  TellStudyBest(command, rows);
+  if (command.Picture.empty()) return;
+  responses.Signal = options.Measure.Bode.Response.Output;
+  responses.TimeUnit = study.First().Bench().TimeVar()->Unit();
+  WriteStudyPicture(command, rows, std::move(responses));
 }
 
-void MergeStudies(const StudyOptions& options) {
-  if (options.Files.empty()) throw UsageError("--merge needs the results of shares");
-  CheckStudyBest(options, {true, true, true, true});
-  CheckPictureFile(options.Picture);
-  for (const std::string& path : options.Files) {
-    CheckOutputs(options.Out, options.Picture, path);
+void MergeStudies(const StudyCommand& command) {
+  const std::vector<std::string>& files = command.Study.Files;
+  if (files.empty()) throw UsageError("--merge needs the results of shares");
+  CheckStudyBest(command.Study, {true, true, true, true});
+  CheckPictureFile(command.Picture);
+  for (const std::string& path : files) {
+    CheckOutputs(command.Out, command.Picture, path);
   }
   Shares shares;
-  for (const std::string& path : options.Files) shares.Add(path);
+  for (const std::string& path : files) shares.Add(path);
   const std::string table = shares.Table();
-  if (options.Map.Measure.empty() && !options.Picture.empty()) {
+  if (command.Map.Measure.empty() && !command.Picture.empty()) {
     throw UsageError("--merge draws a map alone; --map names its measure");
   }
-  CheckStudyPicture(options, table);
-  ResultFile file(options.Out);
+  CheckStudyPicture(command, table);
+  ResultFile file(command.Out);
   file.Write(table);
   file.Close();
-  TellStudyBest(options, table);
-  if (!options.Picture.empty()) WriteStudyPicture(options, table, {});
+  TellStudyBest(command, table);
+  if (!command.Picture.empty()) WriteStudyPicture(command, table, {});
 }
 
 }  // namespace torvane::cli

@@ -1,21 +1,21 @@
-#include "cli/command_error.h"
 #include "cli/io/pictures.h"
 #include "cli/study/study.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "study/requirement.h"
 #include "study/result_table.h"
+#include "workbench/work_fault.h"
 
 namespace torvane::cli {
 namespace {
 
-std::optional<std::size_t> BestRow(const StudyOptions& options, const ResultTable& table) {
-  if (options.Best.empty()) return {};
-  return table.BestRow(NamedMeasure(options.Best));
+std::optional<std::size_t> BestRow(const StudyCommand& options, const ResultTable& table) {
+  if (options.Study.Best.empty()) return {};
+  return table.BestRow(NamedMeasure(options.Study.Best));
 }
 
 // The run that was asked for, or else the best one.
-std::optional<std::size_t> ChosenRow(const StudyOptions& options, const ResultTable& table) {
+std::optional<std::size_t> ChosenRow(const StudyCommand& options, const ResultTable& table) {
   if (options.Chosen) return table.RowOf(*options.Chosen);
   return BestRow(options, table);
 }
@@ -30,7 +30,7 @@ std::pair<std::string, std::string> TwoParts(const std::string& text, char at, c
           std::string(Trimmed(std::string_view(text).substr(split + 1)))};
 }
 
-StudyMap MapOf(const StudyOptions& options, const ResultTable& table) {
+StudyMap MapOf(const StudyCommand& options, const ResultTable& table) {
   const StudyMapChoice& choice = options.Map;
   std::optional<std::pair<std::string, std::string>> axes;
   if (!choice.Axes.empty()) axes = TwoParts(choice.Axes, ',', "--axes needs X,Y");
@@ -52,30 +52,26 @@ StudyMap MapOf(const StudyOptions& options, const ResultTable& table) {
 
 }  // namespace
 
-void CheckStudyBest(const StudyOptions& options, const MeasureSet& set) {
-  if (!options.Best.empty()) CheckAskedFor("--best", NamedMeasure(options.Best), set);
-}
-
-void TellStudyBest(const StudyOptions& options, const std::string& table) {
-  if (options.Best.empty()) return;
+void TellStudyBest(const StudyCommand& options, const std::string& table) {
+  if (options.Study.Best.empty()) return;
   const ResultTable result(table);
   const auto best = BestRow(options, result);
   if (!best) {
     Note("no run is the best: none that meets what is required has a " +
-         std::string(NamedMeasure(options.Best).Caption));
+         std::string(NamedMeasure(options.Study.Best).Caption));
     return;
   }
   Note("the best: " + result.Described(*best));
 }
 
-void CheckStudyPicture(const StudyOptions& options, const std::string& table) {
+void CheckStudyPicture(const StudyCommand& options, const std::string& table) {
   if (options.Picture.empty()) return;
   const ResultTable result(table);
   ChosenRow(options, result);
   if (!options.Map.Measure.empty()) MapOf(options, result);
 }
 
-void WriteStudyPicture(const StudyOptions& options, const std::string& table,
+void WriteStudyPicture(const StudyCommand& options, const std::string& table,
                        StudyResponses responses) {
   if (options.Picture.empty()) return;
   const ResultTable result(table);

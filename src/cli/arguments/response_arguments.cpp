@@ -1,0 +1,114 @@
+#include "cli/arguments/response_arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <utility>
+
+#include "cli/arguments/model_arguments.h"
+#include "cli/io/number_options.h"
+#include "cli/io/pictures.h"
+#include "cli/io/result_file.h"
+#include "core/messages.h"
+#include "instruments/analyser/read_as.h"
+#include "instruments/analyser/response_csv.h"
+#include "workbench/work_fault.h"
+
+namespace torvane::cli {
+namespace {
+
+ResponseHints Hints(const ResponseOutput& options) {
+  const auto hints = ParseResponseHints(options.OverlayColumns, options.OverlayUnits);
+  if (hints) return *hints;
+  throw UsageError(
+      "--overlay-columns needs three captions or numbers, --overlay-units three units "
+      "(Hz, kHz, MHz or rad/s, dB or abs, deg or rad)");
+}
+
+void LoadOverlay(FrequencyAnalyser& analyser, const ResponseOutput& options) {
+  ResponseText text = ReadResponseFile(options.Overlay, Hints(options));
+  if (!text.Fault.empty()) {
+    const char* const help = text.UnitsMissing ? "; --overlay-units tells, as in Hz,dB,deg" : "";
+    throw FileError("--overlay " + text.Fault + help);
+  }
+  if (!text.Note.empty()) Note("--overlay \"" + options.Overlay + "\": " + text.Note);
+  if (text.Responses.size() > 1) {
+    Note("--overlay \"" + options.Overlay + "\": the first of " +
+         std::to_string(text.Responses.size()) + " responses is taken; --overlay-columns chooses");
+  }
+  analyser.LoadMemory(OverlaySlot, std::move(text.Responses.front().Curve), options.Overlay);
+}
+
+}  // namespace
+
+void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output) {
+  AddModelOptions(command, options.Model);
+  command
+      .add_option("--input", options.Input,
+                  "Signal that the response is measured against; needed unless MODEL is a file")
+      ->type_name("A");
+  command
+      .add_option("--output", options.Output,
+                  "Signal whose response is measured; needed unless MODEL is a file")
+      ->type_name("B");
+  AddExcitationOptions(command, options);
+  command.add_option("--out", output.Out, "File to write; standard output without it")
+      ->type_name("FILE");
+  command.add_option("--picture", output.Picture, "Draw gain and phase into this file as well")
+      ->type_name("FILE.png|svg|pdf");
+  CLI::Option* const margins =
+      command.add_flag("--margins", output.Margins,
+                       "Print bandwidth, peaking, gain and phase margins; the points then go to "
+                       "--out only");
+  AddChoice(command, "--read-as", output.MarginsAs, {ReadAsNames.begin(), ReadAsNames.end()},
+            "What --margins takes the response for: an open loop, a closed one, a closed one whose "
+            "feedback is its output (margins are then computed), or what it looks like")
+      ->needs(margins);
+  CLI::Option* const overlay =
+      command
+          .add_option("--overlay", output.Overlay,
+                      "Lay the response of this file, from a bench or --out, over the measured one")
+          ->type_name("FILE.csv");
+  command
+      .add_flag("--theory", output.Theory,
+                "Lay what the model's linearised equations say over the measured response instead")
+      ->excludes(overlay);
+  command
+      .add_option("--overlay-columns", output.OverlayColumns,
+                  "Which of its columns are frequency, gain and phase, by caption or number")
+      ->type_name("F,G,P")
+      ->needs(overlay);
+  command
+      .add_option("--overlay-units", output.OverlayUnits,
+                  "Their units where the file does not say them: Hz, kHz, MHz or rad/s, dB or abs, "
+                  "deg or rad")
+      ->type_name("U,U,U")
+      ->needs(overlay);
+}
+
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options) {
+  AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
+            "The analyser's sample time, seconds");
+  AddNumber(command, "--amplitude", options.Amplitude, NumberRange::NotNegative,
+            "Amplitude of the excitation, in the command's units");
+  AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
+  AddInteger(command, "--average", options.Average,
+             "Measurements to average, with the coherence; one without it");
+}
+
+void AddRecordOptions(CLI::App& command, BodeOptions& options) {
+  AddInteger(command, "--order", options.Order, "Samples of the record, as a power of two");
+  AddNumber(command, "--start-delay", options.StartDelay, NumberRange::NotNegative,
+            "Time before the first sample, seconds");
+  AddNumber(command, "--end-delay", options.EndDelay, NumberRange::NotNegative,
+            "Last part of the record without excitation, seconds");
+}
+
+FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
+                                  const ResponseOptions& options, const ResponseOutput& output) {
+  CheckPictureFile(output.Picture);
+  CheckOutputs(output.Out, output.Picture, output.Overlay);
+  FrequencyAnalyser& analyser = ChooseAnalyser(bench, kind, options);
+  if (!output.Overlay.empty()) LoadOverlay(analyser, output);
+  return analyser;
+}
+
+}  // namespace torvane::cli

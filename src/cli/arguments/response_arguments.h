@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "workbench/response/bode_measurement.h"
+
+namespace CLI {
+class App;
+}
+
+namespace torvane::cli {
+
+/// What is made of a measured response.
+struct ResponseOutput {
+  std::string Out;
+  std::string Picture;
+  bool Margins = false;
+  std::optional<int> MarginsAs;  ///< a ReadAs
+  std::string Overlay;
+  std::string OverlayColumns;
+  std::string OverlayUnits;
+  bool Theory = false;  ///< is the overlay
+};
+
+void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output);
+
+/// How the model is excited and how often that is measured.
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options);
+
+/// Those of the record that is taken.
+void AddRecordOptions(CLI::App& command, BodeOptions& options);
+
+/// The analyser, with the overlay in its memory. Refuses before that what cannot be written.
+FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
+                                  const ResponseOptions& options, const ResponseOutput& output);
+
+}  // namespace torvane::cli

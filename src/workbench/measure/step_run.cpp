@@ -1,0 +1,195 @@
+#include "workbench/measure/step_run.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <span>
+
+#include "core/text.h"
+#include "instruments/generator/wave.h"
+#include "workbench/model/long_run.h"
+#include "workbench/model/model_options.h"
+
+namespace torvane {
+namespace {
+
+constexpr double LongestWait = 10.0;    // for a response to stand, seconds
+constexpr double FirstLook = 0.01;      // at whether it stands, seconds after it was set off
+constexpr double LatestEdge = 100.0;    // of the generator, seconds from then
+constexpr double LatestJump = 0.1;      // of a command that is sampled, seconds
+constexpr double LookLater = 1.25;      // times as late each time
+constexpr double MostDrift = 0.0001;    // of all that it moves, in a response that stands
+constexpr double MostRipple = 0.02;     // the same of how far it is from its mean
+constexpr double BesideEdge = 1e-6;     // of a cycle
+constexpr double StepsAround = 4.0;     // of the edge, in which the generator runs
+constexpr double MostAround = 0.05;     // the same in cycles
+constexpr std::size_t StepsApart = 16;  // of the rows before the step, where shape does not matter
+
+struct Part {
+  explicit Part(std::span<const double> values)
+      : Mean(std::accumulate(values.begin(), values.end(), 0.0) /
+             static_cast<double>(values.size())) {
+    for (const double value : values) Farthest = std::max(Farthest, std::abs(value - Mean));
+  }
+
+  double Mean;
+  double Farthest = 0.0;
+};
+
+/// Whether the last two quarters of a trace show the same rest. What has not moved at all may still
+/// have it to come.
+bool Stands(std::span<const double> values) {
+  const auto [least, most] = std::minmax_element(values.begin(), values.end());
+  const double range = *most - *least;
+  const std::size_t quarter = values.size() / 4;
+  const Part before(values.last(2 * quarter).first(quarter));
+  const Part last(values.last(quarter));
+  return range > 0.0 && std::abs(last.Mean - before.Mean) <= MostDrift * range &&
+         before.Farthest <= MostRipple * range && last.Farthest <= MostRipple * range;
+}
+
+StepRun WithoutStep(const std::string& reason) {
+  StepRun run;
+  run.Reason = reason;
+  return run;
+}
+
+/// A model whose command makes one step, by one of its generators.
+class OneStep {
+ public:
+  OneStep(const MakeModel& make, std::size_t generator, const StepOptions& options,
+          Supervisor& supervisor)
+      : options_(options),
+        model_(MakeFirst(make)),
+        command_(NamedSignal(model_->Bench(), options.Command)),
+        response_(NamedSignal(model_->Bench(), options.Response)),
+        watched_(options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak)),
+        wave_(dynamic_cast<ZelWave&>(
+            *model_->Bench().Instruments(InstrumentKind::WaveGenerator).at(generator))),
+        run_(*model_, supervisor, LongestWait) {}
+
+  /// Nothing where the generator does not move the command.
+  std::optional<StepRun> Run() {
+    const WaveSettings settings = wave_.Settings();
+    const auto edge = wave_.RisingEdge();
+    if (!edge || !(settings.FreqHz > 0.0)) return {};
+    const auto hold = [&](double cycle) { wave_.SetPhaseDeg(360.0 * cycle); };
+    wave_.SetFreqHz(0.0);
+    hold(*edge - BesideEdge);
+    if (!Rest()) return WithoutStep("the response does not come to rest before the step");
+
+    const double start = *edge - settings.PhaseDeg / 360.0;
+    const double soonest = run_.Time() + 2.0 * StepsAround * Step();
+    const double jump = (std::ceil(soonest * settings.FreqHz - start) + start) / settings.FreqHz;
+    if (jump > run_.Time() + LatestEdge) {
+      return WithoutStep("the command makes no step within " + FormatShortest(LatestEdge) + " s");
+    }
+    // Around its edge the generator runs as ever, so that the step meets the loop's samples as any
+    // other one does.
+    const double around = std::min(StepsAround * Step(), MostAround / settings.FreqHz);
+    run_.StepTo(jump - around);
+    wave_.SetFreqHz(settings.FreqHz);
+    wave_.SetPhaseDeg(settings.PhaseDeg);
+    rows_.SolverStep = Step();
+    rows_.SameUnit = command_.Unit() == response_.Unit();
+    Row();
+    Record(jump + around);
+    wave_.SetFreqHz(0.0);
+    hold(*edge + BesideEdge);
+    Respond(jump);
+    if (!rows_.Before()) return {};
+    return std::move(rows_);
+  }
+
+ private:
+  double Step() const { return model_->Solver().Step(); }
+
+  // What stands still has come to rest as well.
+  bool Rest() {
+    std::vector<double> values{response_.DisplayValue()};
+    for (double look = FirstLook; run_.Time() < LongestWait; look *= LookLater) {
+      while (run_.Time() < std::min(look, LongestWait)) {
+        run_.StepTo(run_.Time() + (StepsApart - 0.5) * Step());
+        values.push_back(response_.DisplayValue());
+      }
+      const bool still = std::ranges::all_of(values, [&](double v) { return v == values.front(); });
+      if (still || Stands(values)) return true;
+    }
+    return false;
+  }
+
+  void Record(double until) {
+    while (run_.Time() < until) {
+      run_.StepTo(run_.Time() + 0.5 * Step());
+      Row();
+    }
+  }
+
+  void Respond(double edge) {
+    const auto before = rows_.Before();
+    const double jump = before ? rows_.Times[*before + 1] : edge;
+    const double longest = options_.Window.value_or(options_.Until.value_or(LongestWait));
+    for (double look = options_.Window.value_or(FirstLook);; look *= LookLater) {
+      Record(jump + std::min(look, longest) - 0.5 * Step());
+      if (look >= longest || HasSettled()) break;
+      // Another generator's signal.
+      if (look > LatestJump && !rows_.Before()) break;
+    }
+  }
+
+  // What stands is measured again until its drift makes no difference.
+  bool HasSettled() const {
+    return Stands(rows_.Response) &&
+           (!rows_.Before() || Measured(rows_).Gap() != StepGap::NotSettled);
+  }
+
+  void Row() {
+    rows_.Times.push_back(run_.Time());
+    rows_.Command.push_back(command_.DisplayValue());
+    rows_.Response.push_back(response_.DisplayValue());
+    if (watched_) {
+      rows_.Peak = std::max(rows_.Peak.value_or(0.0), std::abs(watched_->DisplayValue()));
+    }
+  }
+
+  const StepOptions& options_;
+  std::unique_ptr<ZelModel> model_;
+  const Variable& command_;
+  const Variable& response_;
+  const Variable* watched_;
+  ZelWave& wave_;
+  LongRun run_;
+  StepRun rows_;
+};
+
+}  // namespace
+
+std::optional<std::size_t> StepRun::Before() const {
+  const auto step = FindStep(Command);
+  return step ? std::optional(step->Before) : std::nullopt;
+}
+
+StepMeasures Measured(const StepRun& run) {
+  const std::size_t before = *run.Before();
+  return MeasureStep({run.Times, run.Command, run.Response, run.SameUnit},
+                     {before, run.Times.size()}, {run.Times[before + 1], 0.0, run.SolverStep});
+}
+
+StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Supervisor& supervisor) {
+  const auto model = MakeFirst(make);
+  const auto& generators = model->Bench().Instruments(InstrumentKind::WaveGenerator);
+  const bool plays = std::ranges::any_of(generators, [](const Instrument* generator) {
+    return dynamic_cast<const ZelWave&>(*generator).Played() != nullptr;
+  });
+  StepRun without = WithoutStep(plays ? "a generator plays a file; a step is measured of a waveform"
+                                      : Reason(StepGap::NoStep));
+  for (std::size_t k = 0; k < generators.size(); ++k) {
+    auto run = OneStep(make, k, options, supervisor).Run();
+    if (!run) continue;
+    if (run->Reason.empty()) return std::move(*run);
+    without = std::move(*run);
+  }
+  return without;
+}
+
+}  // namespace torvane

@@ -1,0 +1,60 @@
+#include "workbench/model/loop_loading.h"
+
+#include <utility>
+
+#include "core/files/loop_record.h"
+#include "loops/loop_file.h"
+#include "models/catalogue.h"
+#include "workbench/work_fault.h"
+
+namespace torvane {
+namespace {
+
+enum class Doubts { Passed, Printed };
+
+// Prints what is wrong with the loop's text, which ends the command when it is no doubt.
+void Tell(const std::string& path, const loops::LoopFile& file, Supervisor& supervisor,
+          Doubts doubts) {
+  if (!file.Fault.empty()) throw FileError(file.Fault);
+  for (const loops::Problem& problem : file.Reading.Problems) {
+    if (problem.Warning && doubts == Doubts::Passed) continue;
+    supervisor.Report(loops::PlaceText(path, problem.Where),
+                      (problem.Warning ? "warning: " : "") + problem.Text);
+    supervisor.Print(loops::MarkedLine(file.Text, problem.Where));
+  }
+  if (!file.Reading.Plan) throw FileError("");
+}
+
+loops::LoopFile Read(const std::string& path, Supervisor& supervisor, Doubts doubts) {
+  loops::LoopFile file = loops::ReadLoopFile(path, ModelNames());
+  Tell(path, file, supervisor, doubts);
+  return file;
+}
+
+}  // namespace
+
+bool NamesLoop(const std::string& text) {
+  return text.ends_with(LoopEnding);
+}
+
+std::unique_ptr<ZelModel> OpenLoop(const std::string& path, Supervisor& supervisor) {
+  return loops::MakeLoop(Read(path, supervisor, Doubts::Passed));
+}
+
+void CheckLoop(const std::string& path, Supervisor& supervisor) {
+  Read(path, supervisor, Doubts::Printed);
+}
+
+void AddLoopOf(const std::string& modelFile, const std::string& text, Catalogue& catalogue,
+               Supervisor& supervisor) {
+  loops::WantedLoop wanted = loops::FindWantedLoop(modelFile, text, ModelNames());
+  if (wanted.WasAt.empty()) return;
+  if (!wanted.Fault.empty()) throw FileError(wanted.Fault);
+  const std::string path = wanted.File.Path;
+  Tell(path, wanted.File, supervisor, Doubts::Passed);
+  catalogue.Add({wanted.Name, path, [file = std::move(wanted.File)](const std::string& /*name*/) {
+                   return loops::MakeLoop(file);
+                 }});
+}
+
+}  // namespace torvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/bench.h"
+
+namespace torvane {
+
+/// What may be set on the model's first scope; the rest is as the model or its file has it.
+struct ScopeSettings {
+  std::optional<double> TimeBase;
+  std::string Show;
+  std::string TrigMode;
+  std::string TrigSource;
+  std::string TrigSlope;
+  std::optional<double> TrigLevel;
+  std::optional<double> TrigPosition;
+};
+
+/// A setting without a scope, an unknown name or more traces than a scope shows are wrong usage; a
+/// limited value is noted.
+void Apply(const ZelBenchTop& bench, const ScopeSettings& settings);
+
+}  // namespace torvane
