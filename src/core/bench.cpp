@@ -152,6 +152,12 @@ void ZelBenchTop::RestartInstruments() {
   }
 }
 
+void ZelBenchTop::KeepOwnMemory() {
+  for (const InstrumentKind kind : ServicedKinds) {
+    for (Instrument* instrument : Instruments(kind)) instrument->KeepOwnMemory();
+  }
+}
+
 void ZelBenchTop::RefreshInstruments() {
   for (const InstrumentKind kind : ServicedKinds) {
     for (Instrument* instrument : Instruments(kind)) instrument->Refresh();

@@ -84,6 +84,7 @@ class ZelBenchTop {
 
   /// No instrument goes on from what it measured before.
   void RestartInstruments();
+  void KeepOwnMemory();  ///< of each instrument
 
   void RefreshInstruments();
   void StartScopes();

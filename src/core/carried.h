@@ -44,8 +44,6 @@ class Carrier {
 
   /// Lists all of that.
   virtual void Carry(Carried& carried) = 0;
-  /// The part that its class keeps from one model to the next.
-  virtual void CarryClassMemory(Carried& /*carried*/) {}
 
   /// A state was moved from outside: outputs that mirror states follow them.
   virtual void FollowStates() {}

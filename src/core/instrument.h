@@ -66,6 +66,10 @@ class Instrument : public Undoable {
   /// The model starts anew after an overflow: nothing that was measured before goes on.
   virtual void Restart() {}
 
+  /// What instruments of this kind share in a thread is the instrument's own from now on, beginning
+  /// with nothing.
+  virtual void KeepOwnMemory() {}
+
   /// The 100 ms display refresh.
   virtual void Refresh();
 

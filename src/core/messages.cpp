@@ -5,8 +5,9 @@
 namespace torvane {
 namespace {
 
-// One sink for the whole program: reports come from blocks that know neither window nor program.
-MessageSink* installedSink = nullptr;
+// One sink for all that runs in a thread: reports come from blocks that know neither window nor
+// program.
+constinit thread_local MessageSink* installedSink = nullptr;
 
 void Show(MessageKind kind, const std::string& text) {
   if (installedSink) installedSink->Show(kind, text);

@@ -26,8 +26,8 @@ class MessageSink {
   virtual void EndApplication() = 0;
 };
 
-/// Installs the sink of all reports and returns the one before. Without a sink reports are dropped
-/// and questions are answered with Cancel.
+/// Installs the sink of all reports of this thread and returns the one before. Without a sink
+/// reports are dropped and questions are answered with Cancel.
 MessageSink* InstallMessageSink(MessageSink* sink);
 
 void Note(const std::string& text);

@@ -60,10 +60,15 @@ class ZelModel {
   /// either: from now on the model runs as one that was built when its class had seen none.
   void ResetEverything();
 
-  /// Drops what the class keeps from one model to the next, and through a reset. A model that was
-  /// just built then runs as the first one of its program; while models run, only an overflow asks
-  /// for it.
+  /// Drops what the class keeps in this thread from one model to the next, and through a reset. A
+  /// model that was just built then runs as the first one of its program; while models run, only an
+  /// overflow asks for it.
   virtual void DropClassMemory() {}
+
+  /// From now on the model and its instruments keep to themselves what models and instruments of
+  /// their kinds otherwise share in a thread, beginning with nothing: a model that was just built
+  /// runs as the first one of its program, whatever else runs and whichever threads run it.
+  virtual void KeepOwnMemory() { bench_.KeepOwnMemory(); }
 
   /// Every constant back to its default.
   void RestoreDefaults();

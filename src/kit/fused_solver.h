@@ -33,6 +33,8 @@ namespace torvane {
 ///   - loop_, the one that its signals, blocks and clock on the bench refer to;
 ///   - HandOnChanges(), if any: passes changed constants on to the blocks, once a run;
 ///   - Equations(Loop& s, double t): reads and writes the signals of s;
+///   - TakeMemory() and GiveMemory(): called around all use of the equations, for what the model's
+///     class remembers;
 ///   - Parts(Loop& s): its states and what time drives, the latter in the order of registration,
 ///     and its command sources. What does not agree with the bench ends the program.
 template <class Model>
@@ -63,7 +65,9 @@ class FusedSolver final : public ZelSolver {
     const auto parts = model.Parts(model.loop_);
     BeginRun(model, parts);
     ForEach(parts, [this](auto& part) { BeginStep(part, bench_.Time()); });
+    model.TakeMemory();
     model.Equations(model.loop_, t);
+    model.GiveMemory();
   }
 
  private:
@@ -75,12 +79,14 @@ class FusedSolver final : public ZelSolver {
     Model& model = TheModel();
     const double h = h_;
     BeginRun(model, model.Parts(model.loop_));
+    model.TakeMemory();
     auto loop = model.loop_;
     static_assert(std::is_trivially_copyable_v<decltype(loop)>);
     double t = bench_.Time();
     // Whatever is not an ordinary step's end is EndStep's to judge.
     while (Step(model, loop, t, h) <= Huge && t + h < tEnd && !OverflowRaised()) t += h;
     model.loop_ = loop;
+    model.GiveMemory();
     bench_.SetTime(t);
     EndStep(t);
   }

@@ -80,8 +80,8 @@ inline void TurnInertia(double torque, double inertia, State& velocity, State& p
 }
 
 // Class memory: what a model remembers of its last sample (PreviousSample, the instant of the last
-// output and the like) is kept in variables of its file, once for the class and for the life of the
-// program, on purpose. A new model or a reset goes on from what was seen last.
+// output and the like) is kept once for the class in each thread and for the life of that, on
+// purpose. A new model or a reset goes on from what was seen last.
 
 /// A value and the one of the sample before it.
 class PreviousSample {

@@ -77,26 +77,14 @@ class LoopProbe::Injection final : public Instrument {
   ZelBenchTop& bench_;
 };
 
-LoopProbe::ClassMemory::ClassMemory(ZelModel& model) {
-  auto* const carrier = dynamic_cast<Carrier*>(&model);
-  if (!carrier) {
+LoopProbe::LoopProbe(ZelModel& model)
+    : model_(model), stateCount_(static_cast<Eigen::Index>(model.Solver().States().size())) {
+  if (!dynamic_cast<Carrier*>(&model_)) {
     throw LinearFault(
         "the model does not say what it carries from step to step: it has no linear "
         "model");
   }
-  carrier->CarryClassMemory(kept_);
-  before_ = Copied(kept_, 0.0);
-}
-
-LoopProbe::ClassMemory::~ClassMemory() {
-  PutBack(kept_, before_);
-}
-
-LoopProbe::LoopProbe(ZelModel& model)
-    : model_(model),
-      classMemory_(model),
-      stateCount_(static_cast<Eigen::Index>(model.Solver().States().size())) {
-  model_.DropClassMemory();
+  model_.KeepOwnMemory();
   model_.Reset();  // and constants are handed on to blocks and clocks
   injection_ = std::make_unique<Injection>(model_.Bench());
   CarryModel(model_, carried_);

@@ -11,8 +11,7 @@
 namespace torvane {
 
 /// A model of one's own that is put back to the same point again and again, each time with a number
-/// of what it carries moved a little, to see how it goes on. Its class's memory is as a first model
-/// finds it meanwhile, and what it was afterwards.
+/// of what it carries moved a little, to see how it goes on. It keeps its own memory from then on.
 class LoopProbe {
  public:
   /// Everything that the model carried at one time.
@@ -54,23 +53,9 @@ class LoopProbe {
 
  private:
   class Injection;
-  /// What the model's class remembers, as it was before.
-  class ClassMemory {
-   public:
-    explicit ClassMemory(ZelModel& model);
-    ClassMemory(const ClassMemory&) = delete;
-    ClassMemory& operator=(const ClassMemory&) = delete;
-    ~ClassMemory();
-
-   private:
-    Carried kept_;
-    Mark before_;
-  };
-
   void FollowStates();
 
   ZelModel& model_;
-  ClassMemory classMemory_;
   std::unique_ptr<Injection> injection_;
   Carried carried_;
   std::vector<double*> numbers_;

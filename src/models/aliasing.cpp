@@ -9,15 +9,20 @@ namespace torvane {
 
 namespace {
 
+struct MAliasingMemory {
+  double NextSample = 0.0;
+
+  void Carry(Carried& carried) { carried.Keep(NextSample); }
+};
+
 /// A bare sample-and-hold: shows the alias of a signal that is sampled too slowly.
 ///
 ///     vC -> sample and hold -> vSample
-class MAliasing final : public FusedModel<MAliasing> {
+class MAliasing final : public FusedModel<MAliasing, MAliasingMemory> {
  public:
   explicit MAliasing(const std::string& name);
-  void DropClassMemory() override { nextSample = Bench().Time(); }
-  void CarryClassMemory(Carried& carried) override {
-    carried.Keep(nextSample);
+  void Carry(Carried& carried) override {
+    FusedModel::Carry(carried);
     carried.Period(tSample_.Value());
   }
 
@@ -30,11 +35,10 @@ class MAliasing final : public FusedModel<MAliasing> {
   auto Parts(Loop& /*s*/) { return std::tie(generator_); }
 
  private:
+  MAliasingMemory FirstMemory() const override { return {Bench().Time()}; }
+
   Constant tSample_{Bench(), "TSample", "Sec", Adjustable(0.001, 0.0001, 100),
                     "Time between two samples"};
-
-  // Class memory.
-  inline static double nextSample = 0.0;
 
   Signals signals_{Bench(),
                    {{loop_.vC, "vC", "volts", Shown(1, 2), "The signal before it is sampled"},
@@ -55,9 +59,9 @@ MAliasing::MAliasing(const std::string& name) : FusedModel(name, 1e-5) {
 
 void MAliasing::Equations(Loop& s, double t) {
   s.vC = generator_.Output();
-  if (t > nextSample) {
+  if (t > memory_.NextSample) {
     s.vSample = s.vC;
-    nextSample += tSample_.Value();
+    memory_.NextSample += tSample_.Value();
   }
 }
 

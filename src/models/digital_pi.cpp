@@ -9,23 +9,25 @@ namespace torvane {
 
 namespace {
 
+struct MDigitalPIMemory {
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PI velocity loop with encoder feedback and a choice of how velocity is estimated from
 /// position.
 ///
 ///     vC -> PI -> iC, late by TCalc -> current loop -> iF
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back, or vM itself as from a tachometer
-class MDigitalPI final : public FusedModel<MDigitalPI> {
+class MDigitalPI final : public FusedModel<MDigitalPI, MDigitalPIMemory> {
  public:
   explicit MDigitalPI(const std::string& name);
-  void DropClassMemory() override {
-    previousPF = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   using Loop = VelocityLoop;
   Loop loop_;
@@ -36,10 +38,6 @@ class MDigitalPI final : public FusedModel<MDigitalPI> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};
@@ -81,14 +79,14 @@ MDigitalPI::MDigitalPI(const std::string& name) : FusedModel(name, 1e-5) {
 
 void MDigitalPI::Sample(Loop& s, double t) {
   s.pF = EncoderPosition(s.pM, useRes_, res_);
-  const double difference = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  const double difference = memory_.PreviousPF.Difference(s.pF) / drive_.tSample.Value();
   if (feedback_.Choice() == Encoder) {
     s.vF = difference + inverseTrapezoid_.Value() * (difference - s.vF);
   } else {
     s.vF = s.vM;
   }
   s.iC = controller_.Update(s.vC, s.vF, 0.0);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -99,7 +97,7 @@ void MDigitalPI::HandOnChanges() {
 void MDigitalPI::Equations(Loop& s, double t) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  RunMotor(s, t, outputInstant, motor_);
+  RunMotor(s, t, memory_.OutputInstant, motor_);
 }
 
 }  // namespace

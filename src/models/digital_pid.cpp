@@ -9,22 +9,24 @@ namespace torvane {
 
 namespace {
 
+struct MDigitalPIDMemory {
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PID velocity loop: the pattern of the other sampled velocity loops.
 ///
 ///     vC -> PID -> iC, late by TCalc -> current loop -> iF
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back, or vM itself as from a tachometer
-class MDigitalPID final : public FusedModel<MDigitalPID> {
+class MDigitalPID final : public FusedModel<MDigitalPID, MDigitalPIDMemory> {
  public:
   explicit MDigitalPID(const std::string& name);
-  void DropClassMemory() override {
-    previousPF = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   using Loop = VelocityLoop;
   Loop loop_;
@@ -35,10 +37,6 @@ class MDigitalPID final : public FusedModel<MDigitalPID> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};
@@ -87,10 +85,10 @@ MDigitalPID::MDigitalPID(const std::string& name) : FusedModel(name, 1e-5) {
 
 void MDigitalPID::Sample(Loop& s, double t) {
   s.pF = EncoderPosition(s.pM, useRes_, res_);
-  const double difference = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  const double difference = memory_.PreviousPF.Difference(s.pF) / drive_.tSample.Value();
   s.vF = feedback_.Choice() == Encoder ? difference : s.vM;
   s.iC = controller_.Update(s.vC, s.vF, 0.0);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -101,7 +99,7 @@ void MDigitalPID::HandOnChanges() {
 void MDigitalPID::Equations(Loop& s, double t) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  RunMotor(s, t, outputInstant, motor_);
+  RunMotor(s, t, memory_.OutputInstant, motor_);
 }
 
 }  // namespace

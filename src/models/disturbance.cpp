@@ -10,6 +10,16 @@ namespace torvane {
 
 namespace {
 
+struct MDisturbanceMemory {
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PI velocity loop with a disturbance torque, and a feed-forward that decouples the loop
 /// from the filtered disturbance.
 ///
@@ -17,17 +27,9 @@ namespace {
 ///     tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back
 ///     tD -> low-pass -> -KDD/KT-Est -> +
-class MDisturbance final : public FusedModel<MDisturbance> {
+class MDisturbance final : public FusedModel<MDisturbance, MDisturbanceMemory> {
  public:
   explicit MDisturbance(const std::string& name);
-  void DropClassMemory() override {
-    previousPF = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   enum BodeType { Command, Disturbance };
 
@@ -48,10 +50,6 @@ class MDisturbance final : public FusedModel<MDisturbance> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};
@@ -120,10 +118,10 @@ MDisturbance::MDisturbance(const std::string& name) : FusedModel(name, 1e-5) {
 
 void MDisturbance::Sample(Loop& s, double t) {
   s.pF = EncoderPosition(s.pM, useRes_, res_);
-  s.vF = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  s.vF = memory_.PreviousPF.Difference(s.pF) / drive_.tSample.Value();
   const double decoupling = -kdd_.Value() * decouplingFilter_.Step(s.tD) / ktEst_.Value();
   s.iC = controller_.Update(s.vC, s.vF, decoupling);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -137,7 +135,7 @@ void MDisturbance::Equations(Loop& s, double t) {
   s.vC = (exciteDisturbance ? commandGenerator_.Output() : command_.Value()) * RpmToRad;
   s.tD = exciteDisturbance ? disturbance_.Value() : disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
-  s.iF = FollowCurrent(s.currentLoop, s.iC, t, outputInstant);
+  s.iF = FollowCurrent(s.currentLoop, s.iC, t, memory_.OutputInstant);
   s.tE = s.iF * motor_.kt.Value();
   s.tM = s.tE + s.tD;
   TurnInertia(s.tM, motor_.j.Value(), s.vM, s.pM);

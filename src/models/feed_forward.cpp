@@ -10,6 +10,18 @@ namespace torvane {
 
 namespace {
 
+struct MFeedForwardMemory {
+  PreviousSample PreviousPF;
+  PreviousSample PreviousVC;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPF.Carry(carried);
+    PreviousVC.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PI velocity loop with acceleration feed-forward, with or without the inverse of the
 /// power converter in its path. The estimates scale the feed-forward only; the plant has its own
 /// constants.
@@ -18,19 +30,9 @@ namespace {
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> pM
 ///     vC -> change per sample -> inverse of the power converter -> KVF J-Est/KT-Est -> +
 ///     pM -> change per sample -> vF, fed back, or vM itself as from a tachometer
-class MFeedForward final : public FusedModel<MFeedForward> {
+class MFeedForward final : public FusedModel<MFeedForward, MFeedForwardMemory> {
  public:
   explicit MFeedForward(const std::string& name);
-  void DropClassMemory() override {
-    previousPF = {};
-    previousVC = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPF.Carry(carried);
-    previousVC.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   using Loop = VelocityLoop;
   Loop loop_;
@@ -41,11 +43,6 @@ class MFeedForward final : public FusedModel<MFeedForward> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPF;
-  inline static PreviousSample previousVC;
-  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};
@@ -96,14 +93,14 @@ MFeedForward::MFeedForward(const std::string& name) : FusedModel(name, 1e-5) {
 
 void MFeedForward::Sample(Loop& s, double t) {
   s.pF = s.pM;
-  const double difference = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  const double difference = memory_.PreviousPF.Difference(s.pF) / drive_.tSample.Value();
   s.vF = feedback_.Choice() == Encoder ? difference : s.vM;
-  const double acceleration = previousVC.Difference(s.vC) / drive_.tSample.Value();
+  const double acceleration = memory_.PreviousVC.Difference(s.vC) / drive_.tSample.Value();
   const double inverse = inversePowerConverter_.Step(acceleration);
   s.iC = controller_.Update(s.vC, s.vF, 0.0);
   const double fed = useInversePC_.Choice() == Yes ? inverse : acceleration;
   s.iC += 0.01 * kvf_.Value() * fed * jEst_.Value() / ktEst_.Value();
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -115,7 +112,7 @@ void MFeedForward::HandOnChanges() {
 void MFeedForward::Equations(Loop& s, double t) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  RunMotor(s, t, outputInstant, motor_);
+  RunMotor(s, t, memory_.OutputInstant, motor_);
 }
 
 }  // namespace

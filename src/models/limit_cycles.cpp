@@ -11,29 +11,27 @@ namespace torvane {
 
 namespace {
 
-// Class memory: the three previous outputs and the sign of the dither.
-struct Memory {
-  double Y1 = 0.0;
+struct MLimitCyclesMemory {
+  double Y1 = 0.0;  ///< the three previous outputs
   double Y2 = 0.0;
   double Y3 = 0.0;
-  double Sign = 1.0;
+  double Sign = 1.0;  ///< of the dither
+
+  void Carry(Carried& carried) {
+    carried.Number(Y1);
+    carried.Number(Y2);
+    carried.Number(Y3);
+    carried.Keep(Sign);
+  }
 };
-Memory memory;
 
 /// Sampled low-pass with a triple pole and quantised arithmetic: shows limit cycles, and how dither
 /// breaks them.
 ///
 ///     Input -> (1 - p)^3 / (1 - p/z)^3, each product in whole counts -> + dither -> Output
-class MLimitCycles final : public FusedModel<MLimitCycles> {
+class MLimitCycles final : public FusedModel<MLimitCycles, MLimitCyclesMemory> {
  public:
   explicit MLimitCycles(const std::string& name);
-  void DropClassMemory() override { memory = {}; }
-  void CarryClassMemory(Carried& carried) override {
-    carried.Number(memory.Y1);
-    carried.Number(memory.Y2);
-    carried.Number(memory.Y3);
-    carried.Keep(memory.Sign);
-  }
 
   enum Quantising { Float, Round, Truncate };
 
@@ -86,26 +84,26 @@ MLimitCycles::MLimitCycles(const std::string& name) : FusedModel(name, 1e-5) {
 double MLimitCycles::Filtered(double x) const {
   const double p = pole_.Value();
   const double in = (1.0 - p) * (1.0 - p) * (1.0 - p) * x;
-  const double back1 = 3.0 * p * memory.Y1;
-  const double back2 = 3.0 * p * p * memory.Y2;
-  const double back3 = p * p * p * memory.Y3;
+  const double back1 = 3.0 * p * memory_.Y1;
+  const double back2 = 3.0 * p * p * memory_.Y2;
+  const double back3 = p * p * p * memory_.Y3;
   if (quantize_.Choice() == Float) return in + back1 - back2 + back3;
 
   // The input term is truncated in both quantised forms.
   const double res = res_.Value();
   const auto quantise = quantize_.Choice() == Round ? RoundToStep : FloorToStep;
   return FloorToStep(in, res) + quantise(back1, res) - quantise(back2, res) + quantise(back3, res) +
-         dither_.Value() * res * memory.Sign;
+         dither_.Value() * res * memory_.Sign;
 }
 
 void MLimitCycles::Sample(Loop& s) {
   s.input = generator_.Output();
   s.output = Filtered(s.input);
-  memory.Y3 = memory.Y2;
-  memory.Y2 = memory.Y1;
+  memory_.Y3 = memory_.Y2;
+  memory_.Y2 = memory_.Y1;
   // A run that overflowed must not carry on into the next one.
-  memory.Y1 = std::isfinite(s.output) ? s.output : 0.0;
-  memory.Sign = -memory.Sign;
+  memory_.Y1 = std::isfinite(s.output) ? s.output : 0.0;
+  memory_.Sign = -memory_.Sign;
 }
 
 void MLimitCycles::HandOnChanges() {

@@ -14,6 +14,16 @@ namespace {
 
 constexpr double ArcMinute = 1.0 / (60.0 * RadToDeg);  // radians
 
+struct MMotorFeedbackMemory {
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PI velocity loop on a position sensor of coarse resolution and cyclic error, with two
 /// low-pass filters for the velocity estimate.
 ///
@@ -21,17 +31,9 @@ constexpr double ArcMinute = 1.0 / (60.0 * RadToDeg);  // radians
 ///     iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM + pE -> counts -> pF -> change per sample -> vF, fed back as it is or filtered
 ///     vF -> LPF1 -> LPF2 -> vF-Filt
-class MMotorFeedback final : public FusedModel<MMotorFeedback> {
+class MMotorFeedback final : public FusedModel<MMotorFeedback, MMotorFeedbackMemory> {
  public:
   explicit MMotorFeedback(const std::string& name);
-  void DropClassMemory() override {
-    previousPF = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   struct Loop {
     double vC = 0, vE = 0, vF = 0, vFFilt = 0, pF = 0, pE = 0, pC = 0, iC = 0, iF = 0, tM = 0;
@@ -47,10 +49,6 @@ class MMotorFeedback final : public FusedModel<MMotorFeedback> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
 
   Constant res_{Bench(), "Res", "Counts/rev", Adjustable(4000, 100, 1e10),
                 "Resolution of the position sensor"};
@@ -125,7 +123,7 @@ void MMotorFeedback::Sample(Loop& s, double t) {
   s.pC += s.vC * drive_.tSample.Value();
   s.pE = posErr_.Value() * ArcMinute * std::sin(errHarm_.Value() * s.pM);
   s.pF = FloorToStep(s.pM + s.pE, 1.0 / (res_.Value() * RadToRevs));
-  s.vF = previousPF.Difference(s.pF) / drive_.tSample.Value();
+  s.vF = memory_.PreviousPF.Difference(s.pF) / drive_.tSample.Value();
   // Both filters run all the time, so that switching one in does not start it from rest.
   const double once = filter1_.Step(s.vF);
   s.vFFilt = useLpf1_.Choice() == Yes ? once : s.vF;
@@ -133,7 +131,7 @@ void MMotorFeedback::Sample(Loop& s, double t) {
   if (useLpf2_.Choice() == Yes) s.vFFilt = twice;
   const double feedback = useFbFilt_.Choice() == Yes ? s.vFFilt : s.vF;
   s.iC = controller_.Update(s.vC, feedback, 0.0);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -146,7 +144,7 @@ void MMotorFeedback::HandOnChanges() {
 void MMotorFeedback::Equations(Loop& s, double t) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  s.iF = FollowCurrent(s.currentLoop, s.iC, t, outputInstant);
+  s.iF = FollowCurrent(s.currentLoop, s.iC, t, memory_.OutputInstant);
   s.tM = s.iF * motor_.kt.Value();
   TurnInertia(s.tM, motor_.j.Value(), s.vM, s.pM);
 }

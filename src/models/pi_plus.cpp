@@ -9,16 +9,20 @@ namespace torvane {
 
 namespace {
 
+struct MPiPlusMemory {
+  PreviousSample PreviousPM;
+
+  void Carry(Carried& carried) { PreviousPM.Carry(carried); }
+};
+
 /// The smallest sampled velocity loop: a PI+ controller around a current loop and an inertia, with
 /// neither calculation delay nor encoder resolution.
 ///
 ///     vC -> PI+ -> iC -> current loop -> iF -> KT -> tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> change per sample -> vF, fed back
-class MPiPlus final : public FusedModel<MPiPlus> {
+class MPiPlus final : public FusedModel<MPiPlus, MPiPlusMemory> {
  public:
   explicit MPiPlus(const std::string& name);
-  void DropClassMemory() override { previousPM = {}; }
-  void CarryClassMemory(Carried& carried) override { previousPM.Carry(carried); }
 
   struct Loop {
     double vC = 0, vE = 0, vF = 0, pF = 0, iC = 0, iF = 0, tM = 0;
@@ -43,9 +47,6 @@ class MPiPlus final : public FusedModel<MPiPlus> {
   Constant j_{Bench(), "J", "kg-m^2", Adjustable(0.002, 0.0001, 0.01), "Inertia of motor and load"};
   Constant tSample_{Bench(), "TSample", "sec", Adjustable(0.00025, 1e-5, 0.01),
                     "Time between two samples"};
-
-  // Class memory.
-  inline static PreviousSample previousPM;
 
   Signals signals_{
       Bench(),
@@ -85,7 +86,7 @@ void MPiPlus::HandOnChanges() {
 void MPiPlus::Equations(Loop& s, double /*t*/) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) [[unlikely]] {
-    s.vF = previousPM.Difference(s.pM) / tSample_.Value();
+    s.vF = memory_.PreviousPM.Difference(s.pM) / tSample_.Value();
     s.iC = controller_.Update(s.vC, s.vF, 0.0);
     s.currentLoop.SetInput(s.iC);
   }

@@ -9,6 +9,18 @@ namespace torvane {
 
 namespace {
 
+struct MPosLoopCascadeMemory {
+  PreviousSample PreviousVPC;
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousVPC.Carry(carried);
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Proportional position loop around a sampled PI+ velocity loop, with velocity and acceleration
 /// feed-forward.
 ///
@@ -16,19 +28,9 @@ namespace {
 ///     vPC -> KFV, change per sample -> KFA J/(KT KVP) -> +
 ///     iF -> KT -> tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF, fed back
-class MPosLoopCascade final : public FusedModel<MPosLoopCascade> {
+class MPosLoopCascade final : public FusedModel<MPosLoopCascade, MPosLoopCascadeMemory> {
  public:
   explicit MPosLoopCascade(const std::string& name);
-  void DropClassMemory() override {
-    previousVPC = {};
-    previousPF = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousVPC.Carry(carried);
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   struct Loop : PositionLoop {
     double vC = 0;
@@ -44,11 +46,6 @@ class MPosLoopCascade final : public FusedModel<MPosLoopCascade> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousVPC;
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
 
   Constant kp_{Bench(), "KP", "mps/m", Adjustable(250, 0, 1000),
                "Gain of the position loop: velocity command per position error"};
@@ -101,8 +98,8 @@ MPosLoopCascade::MPosLoopCascade(const std::string& name) : FusedModel(name, 1e-
 
 void MPosLoopCascade::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  const double acceleration = previousVPC.Difference(s.vPC) / period;
-  SampleMotion(s, period, res_.Value(), previousPF);
+  const double acceleration = memory_.PreviousVPC.Difference(s.vPC) / period;
+  SampleMotion(s, period, res_.Value(), memory_.PreviousPF);
   s.vC = s.pE * kp_.Value() + kfv_.Value() * s.vPC * 0.01;
   // Without proportional velocity gain no velocity command could make the acceleration.
   if (kvp_.Value() != 0.0) {
@@ -110,7 +107,7 @@ void MPosLoopCascade::Sample(Loop& s, double t) {
         0.01 * kfa_.Value() * acceleration * motor_.j.Value() / (motor_.kt.Value() * kvp_.Value());
   }
   s.iC = controller_.Update(s.vC, s.vF, 0.0);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
   s.vE = controller_.Error();
 }
 
@@ -122,7 +119,7 @@ void MPosLoopCascade::Equations(Loop& s, double t) {
   s.vPC = command_.Value() * RpmToRad;
   s.tD = disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
-  RunMotor(s, t, outputInstant, motor_);
+  RunMotor(s, t, memory_.OutputInstant, motor_);
 }
 
 }  // namespace

@@ -10,29 +10,31 @@ namespace torvane {
 
 namespace {
 
+struct MPosLoopPIDMemory {
+  PreviousSample PreviousVPC;
+  PreviousSample PreviousPF;
+  double OutputInstant = 0.0;
+  double Integral = 0.0;
+  bool ErrorWasPositive = false;
+
+  void Carry(Carried& carried) {
+    PreviousVPC.Carry(carried);
+    PreviousPF.Carry(carried);
+    carried.Keep(OutputInstant);
+    carried.Number(Integral);
+    carried.Keep(ErrorWasPositive);
+  }
+};
+
 /// Sampled PID position controller that commands current directly.
 ///
 ///     KPP pE + KPI sum of pE + KPD (vPC - vF) + feed-forward -> limit -> iC, late by TCalc
 ///     iC -> current loop -> iF -> KT -> tE + tD = tM -> 1/(J s) -> vM -> 1/s -> pM
 ///     pM -> encoder -> pF -> change per sample -> vF
 ///     vPC -> sum -> pC - pF = pE
-class MPosLoopPID final : public FusedModel<MPosLoopPID> {
+class MPosLoopPID final : public FusedModel<MPosLoopPID, MPosLoopPIDMemory> {
  public:
   explicit MPosLoopPID(const std::string& name);
-  void DropClassMemory() override {
-    previousVPC = {};
-    previousPF = {};
-    outputInstant = 0.0;
-    integral = 0.0;
-    errorWasPositive = false;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousVPC.Carry(carried);
-    previousPF.Carry(carried);
-    carried.Keep(outputInstant);
-    carried.Number(integral);
-    carried.Keep(errorWasPositive);
-  }
 
   using Loop = PositionLoop;
   Loop loop_;
@@ -47,13 +49,6 @@ class MPosLoopPID final : public FusedModel<MPosLoopPID> {
  private:
   void Sample(Loop& s, double t);
   void Integrate(const Loop& s);
-
-  // Class memory.
-  inline static PreviousSample previousVPC;
-  inline static PreviousSample previousPF;
-  inline static double outputInstant = 0.0;
-  inline static double integral = 0.0;
-  inline static bool errorWasPositive = false;
 
   Constant kpd_{Bench(), "KPD", "", Adjustable(1.1, 0, 1000),
                 "Derivative gain of the position loop (Amps per rad/s)"};
@@ -110,6 +105,7 @@ void MPosLoopPID::Integrate(const Loop& s) {
   const double error = s.pE;
   const double ki = kpi_.Value();
   const double limit = ikpiSat_.Value();
+  double& integral = memory_.Integral;
   integral += error;
   if (integral * ki > limit) integral = limit / ki;
   if (-limit > integral * ki) integral = -limit / ki;
@@ -117,22 +113,24 @@ void MPosLoopPID::Integrate(const Loop& s) {
   // The list has no third choice, so the integral is never emptied on a reversal: kept as it is.
   constexpr int EmptyOnReversal = 2;
   const bool positive = error > 0.0;
-  if (zeroOnRev_.Choice() == EmptyOnReversal && positive != errorWasPositive) integral = 0.0;
-  errorWasPositive = positive;
+  if (zeroOnRev_.Choice() == EmptyOnReversal && positive != memory_.ErrorWasPositive) {
+    integral = 0.0;
+  }
+  memory_.ErrorWasPositive = positive;
   // A run that overflowed must not carry on into the next one.
   if (!std::isfinite(integral)) integral = 0.0;
 }
 
 void MPosLoopPID::Sample(Loop& s, double t) {
   const double period = drive_.tSample.Value();
-  const double acceleration = previousVPC.Difference(s.vPC) / period;
-  SampleMotion(s, period, res_.Value(), previousPF);
+  const double acceleration = memory_.PreviousVPC.Difference(s.vPC) / period;
+  SampleMotion(s, period, res_.Value(), memory_.PreviousPF);
   Integrate(s);
   const double current = kpd_.Value() * (s.vPC - s.vF) + kpp_.Value() * s.pE +
-                         kpi_.Value() * integral + kfv_.Value() * s.vPC * 0.01 +
+                         kpi_.Value() * memory_.Integral + kfv_.Value() * s.vPC * 0.01 +
                          0.01 * kfa_.Value() * acceleration * motor_.j.Value() / motor_.kt.Value();
   s.iC = std::clamp(current, -CurrentLimit, CurrentLimit);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
 }
 
 void MPosLoopPID::HandOnChanges() {
@@ -143,7 +141,7 @@ void MPosLoopPID::Equations(Loop& s, double t) {
   s.vPC = command_.Value() * RpmToRad;
   s.tD = disturbanceGenerator_.Output();
   if (s.clock.SampleDue()) Sample(s, t);
-  RunMotor(s, t, outputInstant, motor_);
+  RunMotor(s, t, memory_.OutputInstant, motor_);
 }
 
 }  // namespace

@@ -12,25 +12,27 @@ namespace torvane {
 
 namespace {
 
+struct MResonanceMemory {
+  PreviousSample PreviousPM;
+  PreviousSample PreviousPL;
+  double OutputInstant = 0.0;
+
+  void Carry(Carried& carried) {
+    PreviousPM.Carry(carried);
+    PreviousPL.Carry(carried);
+    carried.Keep(OutputInstant);
+  }
+};
+
 /// Sampled PI+ velocity loop around two inertias on a compliant shaft, fed back with a mix of motor
 /// and load velocity. The coefficients of its sampled filters follow their own constants only.
 ///
 ///     vC -> PI+ -> - KCVA (vMF - vLF) -> LPF -> notch -> iC, late by TCalc -> current loop -> iF
 ///     iF -> KT -> mechanism -> vM, pM and vL, pL
 ///     pM, pL -> change per sample -> vMF, vLF -> VMix vMF + (1 - VMix) vLF = vF, fed back
-class MResonance final : public FusedModel<MResonance> {
+class MResonance final : public FusedModel<MResonance, MResonanceMemory> {
  public:
   explicit MResonance(const std::string& name);
-  void DropClassMemory() override {
-    previousPM = {};
-    previousPL = {};
-    outputInstant = 0.0;
-  }
-  void CarryClassMemory(Carried& carried) override {
-    previousPM.Carry(carried);
-    previousPL.Carry(carried);
-    carried.Keep(outputInstant);
-  }
 
   struct Loop {
     double vC = 0, vM = 0, vE = 0, vMF = 0, vF = 0, pM = 0, vL = 0, vLF = 0, pL = 0, iC = 0, iF = 0;
@@ -48,11 +50,6 @@ class MResonance final : public FusedModel<MResonance> {
 
  private:
   void Sample(Loop& s, double t);
-
-  // Class memory.
-  inline static PreviousSample previousPM;
-  inline static PreviousSample previousPL;
-  inline static double outputInstant = 0.0;
 
   Constant kvp_{Bench(), "KVP", "", Adjustable(0.72, 0, 1000),
                 "Proportional gain of the velocity loop (Amps per rad/s)"};
@@ -117,15 +114,15 @@ MResonance::MResonance(const std::string& name) : FusedModel(name, 5e-5) {
 
 void MResonance::Sample(Loop& s, double t) {
   // Both velocities are always estimated from position.
-  s.vMF = previousPM.Difference(s.pM) / drive_.tSample.Value();
-  s.vLF = previousPL.Difference(s.pL) / drive_.tSample.Value();
+  s.vMF = memory_.PreviousPM.Difference(s.pM) / drive_.tSample.Value();
+  s.vLF = memory_.PreviousPL.Difference(s.pL) / drive_.tSample.Value();
   s.vF = vMix_.Value() * s.vMF + (1.0 - vMix_.Value()) * s.vLF;
   s.iC = controller_.Update(s.vC, s.vF, 0.0);
   s.vE = controller_.Error();
   s.iC -= (s.vMF - s.vLF) * kcva_.Value();
   s.iC = filter_.Step(s.iC);
   if (useNotch_.Choice() == Yes) s.iC = notchFilter_.Step(s.iC);
-  outputInstant = drive_.OutputInstant(t);
+  memory_.OutputInstant = drive_.OutputInstant(t);
 }
 
 void MResonance::HandOnChanges() {
@@ -141,7 +138,7 @@ void MResonance::HandOnChanges() {
 void MResonance::Equations(Loop& s, double t) {
   s.vC = command_.Value() * RpmToRad;
   if (s.clock.SampleDue()) Sample(s, t);
-  s.iF = FollowCurrent(s.currentLoop, s.iC, t, outputInstant);
+  s.iF = FollowCurrent(s.currentLoop, s.iC, t, memory_.OutputInstant);
   s.mechanism.SetMotorTorque(kt_.Value() * s.iF);
   s.vM = s.mechanism.Motor().Velocity;
   s.pM = s.mechanism.Motor().Position;

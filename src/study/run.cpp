@@ -6,7 +6,7 @@ namespace torvane {
 
 std::unique_ptr<ZelModel> MakeFirst(const MakeModel& make) {
   std::unique_ptr<ZelModel> model = make();
-  model->DropClassMemory();
+  model->KeepOwnMemory();
   return model;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -13,7 +14,7 @@
 
 // Every allocation of this program is counted, and one of them can be made to fail.
 namespace {
-long allocations = 0;
+std::atomic<long> allocations = 0;
 long failingAllocation = -1;
 }  // namespace
 

@@ -4,8 +4,8 @@
 
 namespace torvane {
 
-/// A scope's trigger lamp: an event lights it for five display refreshes. All lamps of the program
-/// share one counter, so an event of one scope lengthens the light of another that is lit.
+/// A scope's trigger lamp: an event lights it for five display refreshes. All lamps of a
+/// thread share one counter, so an event of one scope lengthens the light of another that is lit.
 class TriggerLamp {
  public:
   /// One display refresh; takes the trigger's fired flag.
@@ -25,7 +25,7 @@ class TriggerLamp {
 
  private:
   static constexpr int RefreshesLit = 5;
-  inline static int counter_ = 0;
+  inline static constinit thread_local int counter_ = 0;
   bool lit_ = false;
 };
 

@@ -30,7 +30,7 @@ std::string PointsOf(int some, int all) {
 
 }  // namespace
 
-double ZelSweptDSA::phase_ = 0.0;
+constinit thread_local double ZelSweptDSA::sharedPhase_ = 0.0;
 
 ZelSweptDSA::ZelSweptDSA(ZelBenchTop& bench, std::string name)
     : FrequencyAnalyser(InstrumentKind::SweptSine, std::move(name), bench, "SweptDSA", false),
@@ -95,7 +95,7 @@ bool ZelSweptDSA::Service(double t) {
     StepFrequency(t);
     BeginPoint();
   }
-  excitation_ = std::sin(TwoPi * f_ * t + phase_) * amplitude_ + offset_;
+  excitation_ = std::sin(TwoPi * f_ * t + Phase()) * amplitude_ + offset_;
   watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
     for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
@@ -115,9 +115,10 @@ void ZelSweptDSA::BeginSweep() {
 
 void ZelSweptDSA::StepFrequency(double t) {
   ++pointIndex_;
-  phase_ += TwoPi * f_ * t;
+  double& phase = Phase();
+  phase += TwoPi * f_ * t;
   f_ = NextSweepFrequency(Setup(), f_);
-  phase_ -= TwoPi * f_ * t;
+  phase -= TwoPi * f_ * t;
 }
 
 void ZelSweptDSA::BeginPoint() {

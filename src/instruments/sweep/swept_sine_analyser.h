@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double NextTime() const override;
   bool Service(double t) override;
   void Restart() override;
+  void KeepOwnMemory() override { ownPhase_ = 0.0; }
 
   /// What the model adds to its command; 0 unless a sweep is in progress.
   double Excitation(double /*now*/) const override { return excitation_; }
@@ -108,6 +110,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
  private:
   SweepSetup PlottedSetup() const;
   bool InProgress() const;
+  double& Phase() { return ownPhase_ ? *ownPhase_ : sharedPhase_; }
   void BeginSweep();
   void BeginPoint();
   void StepFrequency(double t);
@@ -136,8 +139,9 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double excitation_ = 0.0;
 
   /// Keeps the sine continuous when the frequency changes. One value serves every analyser of the
-  /// program, on purpose: a new model's sweep goes on from the phase of the last.
-  static double phase_;
+  /// thread, on purpose: a new model's sweep goes on from the phase of the last.
+  static thread_local double sharedPhase_;
+  std::optional<double> ownPhase_;  ///< that of an analyser that keeps its own
 
   std::vector<ZelSweptDSAChannel*> points_;  ///< the channels, as what they are
   RecordWatch watch_;
