@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "core/files/model_file_lines.h"
@@ -47,6 +48,10 @@ std::optional<std::pair<std::string, std::string>> Sides(const std::string& text
   const std::size_t at = text.find(separator);
   if (at == std::string::npos) return {};
   return std::pair(text.substr(0, at), text.substr(at + separator.size()));
+}
+
+bool AreOfOne(const ExperimentSetting& one, const ExperimentSetting& other) {
+  return one.Of == other.Of && one.Name == other.Name;
 }
 
 std::optional<ExperimentSetting> ReadSetting(const std::string& text) {
@@ -181,13 +186,25 @@ std::vector<ExperimentSetting> Experiment::SettingsAt(std::size_t step) const {
   std::vector<ExperimentSetting> settings = SetUp;
   for (std::size_t k = 0; k <= step && k < Steps.size(); ++k) {
     for (const ExperimentSetting& setting : Steps[k].Settings) {
-      std::erase_if(settings, [&](const ExperimentSetting& earlier) {
-        return earlier.Of == setting.Of && earlier.Name == setting.Name;
-      });
+      std::erase_if(settings, [&](const auto& earlier) { return AreOfOne(earlier, setting); });
       settings.push_back(setting);
     }
   }
   return settings;
+}
+
+std::vector<ExperimentSetting> Experiment::FirstSetAfter(std::size_t step) const {
+  const std::vector<ExperimentSetting> spoken = SettingsAt(step);
+  std::vector<ExperimentSetting> first;
+  for (std::size_t k = step + 1; k < Steps.size(); ++k) {
+    std::copy_if(Steps[k].Settings.begin(), Steps[k].Settings.end(), std::back_inserter(first),
+                 [&](const ExperimentSetting& setting) {
+                   return std::none_of(spoken.begin(), spoken.end(), [&](const auto& earlier) {
+                     return AreOfOne(earlier, setting);
+                   });
+                 });
+  }
+  return first;
 }
 
 std::optional<Experiment> ReadExperiment(std::string_view text, std::string& fault) {

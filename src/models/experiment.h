@@ -66,6 +66,8 @@ struct Experiment {
   bool Shows(InstrumentKind kind) const;
   /// What is set when a step has been done: by the model file and by this step and those before.
   std::vector<ExperimentSetting> SettingsAt(std::size_t step) const;
+  /// What steps after this one set that neither the model file nor a step up to it speaks of.
+  std::vector<ExperimentSetting> FirstSetAfter(std::size_t step) const;
 };
 
 /// Reads an experiment's file. A line that means nothing gives nothing, and is left in `fault`.

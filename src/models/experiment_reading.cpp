@@ -101,6 +101,9 @@ ExperimentReader::ExperimentReader(const Experiment& experiment, const ZelModel&
       generatorChange_(model.Time()) {
   for (const ExperimentStep& step : experiment_.Steps) {
     readings_.emplace_back(step.Answers.size());
+    beyond_.push_back(experiment_.FirstSetAfter(beyond_.size()));
+    // A later step may set back what the experiment begins with.
+    std::erase_if(beyond_.back(), [&](const auto& setting) { return IsSet(setting, model_); });
   }
   Look();
 }
@@ -112,7 +115,11 @@ std::string ExperimentReader::MissingFor(std::size_t step) const {
   if (std::any_of(own.begin(), own.end(), isMissing)) return "not set yet";
   const auto all = experiment_.SettingsAt(step);
   const auto other = std::find_if(all.begin(), all.end(), isMissing);
-  return other == all.end() ? "" : "set " + other->Text();
+  if (other != all.end()) return "set " + other->Text();
+  const auto& beyond = beyond_[step];
+  const auto done = std::find_if(beyond.begin(), beyond.end(),
+                                 [&](const auto& setting) { return IsSet(setting, model_); });
+  return done == beyond.end() ? "" : "not with " + done->Text();
 }
 
 void ExperimentReader::Look() {

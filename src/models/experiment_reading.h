@@ -20,10 +20,11 @@ struct ExperimentReading {
 /// Reads an experiment's answers off the instruments while its steps are done: from the last whole
 /// screen of the first scope, for a step's figures as a response to the trigger's source, and from
 /// the FFT analyser's current measurement. An answer is read while all that its step and those
-/// before have set is in force, and of nothing that was recorded before that.
+/// before have set is in force, without what a later step sets for the first time, and of nothing
+/// that was recorded before that.
 class ExperimentReader {
  public:
-  /// The model must outlive it.
+  /// The model, in the experiment's first step, must outlive it.
   ExperimentReader(const Experiment& experiment, const ZelModel& model);
 
   /// Looks at the instruments; to be called several times a second while the model runs or is set.
@@ -42,6 +43,7 @@ class ExperimentReader {
   Experiment experiment_;
   const ZelModel& model_;
   std::vector<std::vector<ExperimentReading>> readings_;  // by step and answer
+  std::vector<std::vector<ExperimentSetting>> beyond_;    // by step, what is not to be set yet
   // What was last set, and the simulated time of its last change.
   std::string constants_;
   std::string generators_;

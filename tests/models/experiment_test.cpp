@@ -84,6 +84,11 @@ TEST_P(Experiments, BeginInTheirFirstStepAndReadWhatTheySay) {
           << step.Settings.front().Text();
     }
   }
+  for (std::size_t k = 0; k < experiment->Steps.size(); ++k) {
+    for (std::size_t i = 0; i < experiment->Steps[k].Answers.size(); ++i) {
+      EXPECT_TRUE(experiment->Steps[k].Answers[i].IsMetBy(*reader.Of(k, i).Value)) << "lost " << k;
+    }
+  }
   for (const ExperimentSetting& setting : experiment->Tries) {
     EXPECT_TRUE(Apply(setting, model) && IsSet(setting, model)) << setting.Text();
   }

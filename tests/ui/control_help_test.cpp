@@ -1,6 +1,9 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QScrollBar>
+#include <QSignalSpy>
 #include <QSlider>
+#include <QTextBrowser>
 #include <QWhatsThis>
 
 #include "desktop.h"
@@ -55,6 +58,15 @@ TEST_F(ControlHelpTest, F1ShowsTheSentenceOfTheControlInTheFocus) {
   };
   EXPECT_TRUE(QTest::qWaitFor(shown));
   QWhatsThis::hideText();
+}
+
+TEST_F(ControlHelpTest, TheGuideOpensAtItsBeginningAndIsAsWideAsItsPane) {
+  Trigger("MIGuide");
+  auto& text = Find<QTextBrowser>("TBGuide");
+  QSignalSpy fitted(&text, &QTextBrowser::sourceChanged);
+  ASSERT_TRUE(WaitFor([&] { return fitted.count() > 0; }));
+  EXPECT_EQ(text.verticalScrollBar()->value(), 0);
+  EXPECT_EQ(text.horizontalScrollBar()->maximum(), 0);
 }
 
 }  // namespace

@@ -21,7 +21,9 @@ constexpr QSize LeastText(180, 80);
 constexpr int ColumnsFrom = 640;   // from which its text has columns, pixels of the usual font
 constexpr int ButtonsBelow = 240;  // below which its buttons stand beside it
 const QString SetMark = QStringLiteral("\u2713\u00a0");
-const QString NoMark = QStringLiteral("\u200b");
+// As wide as the mark, so that no line breaks elsewhere and no link moves when it is set.
+const QString NoMark = QStringLiteral("\u2002\u2004\u00a0");
+const QString NoMarkInText = QStringLiteral("\u200b");
 const QString MetMark = QStringLiteral("\u2611");
 const QString UnmetMark = QStringLiteral("\u2610");
 
@@ -142,9 +144,12 @@ void ExperimentPanel::Refresh() {
   if (!trial_) return;
   trial_->Reader.Look();
   QTextDocument& document = *text_->document();
+  const std::size_t inText = trial_->Proposed.size() - trial_->Record.Tries.size();
   for (std::size_t i = 0; i < trial_->Proposed.size(); ++i) {
-    const bool set = IsSet(trial_->Proposed[i], trial_->Model);
-    ShowSpan(document, QStringLiteral("tick%1").arg(i), set ? SetMark : NoMark, false);
+    const QString& mark = IsSet(trial_->Proposed[i], trial_->Model) ? SetMark
+                          : i < inText                              ? NoMark
+                                                                    : NoMarkInText;
+    ShowSpan(document, QStringLiteral("tick%1").arg(i), mark, false);
   }
   for (std::size_t k = 0; k < trial_->Record.Steps.size(); ++k) {
     const auto& answers = trial_->Record.Steps[k].Answers;

@@ -15,13 +15,22 @@ namespace {
 
 const QString UnreadMark = QStringLiteral("\u2610");
 
+/// A line breaks behind a generator's name only: within a link with no-break signs.
+QString LinkText(const ExperimentSetting& setting) {
+  const auto unbroken = [](const std::string& part) {
+    return QtText(part).replace(u' ', u'\u00a0').replace(u'-', u'\u2011').toHtmlEscaped();
+  };
+  const QString text = unbroken(setting.Name + " = " + setting.Value);
+  return setting.Of.empty() ? text : unbroken(setting.Of) + QStringLiteral(": ") + text;
+}
+
 /// Writes links and spans, and numbers them.
 class ExperimentWriter {
  public:
   QString Link(const ExperimentSetting& setting) {
     const QString place = QString::number(places_++);
-    return QStringLiteral("<nobr><a name=\"tick%1\">\u200b</a><a href=\"%1\">%2</a></nobr>")
-        .arg(place, QtText(setting.Text()).toHtmlEscaped());
+    return QStringLiteral("<a name=\"tick%1\">\u200b</a><a href=\"%1\">%2</a>")
+        .arg(place, LinkText(setting));
   }
 
   QString Links(const std::vector<ExperimentSetting>& settings) {

@@ -49,11 +49,24 @@ void GuideText::resizeEvent(QResizeEvent* event) {
   if (width() != fitted_) fit_.start();
 }
 
-// The text before the first line in sight stays there.
+void GuideText::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
+  QTextBrowser::doSetSource(name, type);
+  // Lines of code too long for the pane go on in the next one: all else would move aside with them.
+  QTextBlockFormat breakable;
+  breakable.setNonBreakableLines(false);
+  QTextCursor all(document());
+  all.select(QTextCursor::Document);
+  all.mergeBlockFormat(breakable);
+}
+
+// The text before the first line in sight stays there. What is not laid out yet lies at the top
+// left, so the beginning is not asked what stands there.
 void GuideText::FitPictures() {
   if (std::exchange(fitted_, width()) == width() || source().isEmpty()) return;
-  const int place = cursorForPosition({0, 0}).position();
+  const bool atTop = verticalScrollBar()->value() == 0;
+  const int place = atTop ? 0 : cursorForPosition({0, 0}).position();
   reload();
+  if (atTop) return verticalScrollBar()->setValue(0);
   QTextCursor top(document());
   top.setPosition(place);
   verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(top).top());

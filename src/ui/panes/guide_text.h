@@ -5,8 +5,8 @@
 
 namespace torvane {
 
-/// Shows a text in Markdown with its pictures, which are as wide as the view at most. A link to one
-/// of its headings ("#first-run") goes there.
+/// Shows a text in Markdown with its pictures and its code, which are as wide as the view at most.
+/// A link to one of its headings ("#first-run") goes there.
 class GuideText : public QTextBrowser {
   Q_OBJECT
 
@@ -16,6 +16,7 @@ class GuideText : public QTextBrowser {
   QVariant loadResource(int type, const QUrl& name) override;
 
  protected:
+  void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
