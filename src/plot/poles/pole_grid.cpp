@@ -29,7 +29,7 @@ std::vector<PoleGridLine> DampingLines(double ts, double reach) {
     // In the z plane no further than half the sample frequency, where it meets its image.
     const double half = std::numbers::pi / (ts * std::sqrt(1.0 - zeta * zeta));
     const double end = ts > 0.0 ? std::min(half, reach) : reach;
-    PoleGridLine line{{}, FormatGeneral(zeta, 2, 1)};
+    PoleGridLine line{{}, "ζ " + FormatGeneral(zeta, 2, 1)};
     for (int i = 0; i <= Pieces; ++i) line.Points.push_back(PlaceOf(end * i / Pieces, zeta, ts));
     lines.push_back(std::move(line));
   }

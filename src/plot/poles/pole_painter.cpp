@@ -169,7 +169,7 @@ void PolePainter::PaintAxes(QPainter& painter, const ScopeColours& colours) cons
                    Qt::AlignCenter, QStringLiteral("Real") + unit);
 }
 
-// Where another one stands already, or close beside it, there is none.
+// Where a pole or another label stands already, or close beside it, there is none.
 void PolePainter::PaintLabel(QPainter& painter, const QPointF& at, const std::string& text,
                              std::vector<QRectF>& taken) const {
   const QFontMetrics metrics(numberFont_);
@@ -212,6 +212,10 @@ void PolePainter::PaintGrid(QPainter& painter, const ScopeColours& colours) cons
   painter.setFont(numberFont_);
   painter.setPen(colours.Text);
   std::vector<QRectF> taken;
+  const QPointF arm = QPointF(CrossSize, CrossSize) * ratio_;
+  for (const std::complex<double> pole : map_.Poles) {
+    taken.emplace_back(PlaceOf(pole) - arm, PlaceOf(pole) + arm);
+  }
   for (const auto& [at, text] : labels) PaintLabel(painter, at, text, taken);
 }
 
