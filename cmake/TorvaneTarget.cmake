@@ -13,8 +13,8 @@ function(torvane_library folder)
     list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${file})
   endforeach()
   add_library(${target} STATIC ${sources})
-  target_include_directories(${target} PUBLIC ${root})
-  target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE torvane_warnings)
+  target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${root}>)
+  target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE $<BUILD_INTERFACE:torvane_warnings>)
 endfunction()
 
 # One GoogleTest program a folder of tests/. Each case runs in a process of its own, so the memory

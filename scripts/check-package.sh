@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
-# Makes the package, lets Debian's checkers read it, and tries it as a user would: installs it in a
-# root that has Debian's essential packages and those that it asks for and nothing else, starts both
-# programs there, removes it and looks for what it left. The root is made of this machine's own
-# packages, so that it needs no network. Needs root's rights, by itself or through sudo.
+# Makes the packages, lets Debian's checkers read them, and tries each as a user would: installs it in
+# a root that has Debian's essential packages and those that it asks for and nothing else, starts its
+# programs there, or builds one with its libraries, removes it and looks for what it left. The root is
+# made of this machine's own packages, so that it needs no network. Needs root's rights, by itself or
+# through sudo.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/package.sh
-scripts/install-packages.sh package-check
+scripts/install-packages.sh build package-check
 
 as_root=()
 [[ $(id -u) -eq 0 ]] || as_root=(sudo)
-package=$(echo build/package/torvane_*.deb)
 files=build/package/files
 root=build/package/root
 example=/usr/share/torvane/examples/4-1-encoder-resolution.tvf
@@ -19,9 +19,11 @@ example=/usr/share/torvane/examples/4-1-encoder-resolution.tvf
 # An array and no function, so that what is started in the background has the number of the program.
 inside=("${as_root[@]}" chroot "$root" env -i PATH=/usr/bin:/bin HOME=/root LANG=C.UTF-8)
 
+package_file() { echo "build/package/$1"_*.deb; }
+
 check_files() {
-  dpkg-deb --extract "$package" "$files"
-  lintian --allow-root --fail-on error,warning "$package"
+  dpkg-deb --extract "$(package_file torvane)" "$files"
+  lintian --allow-root --fail-on error,warning build/package/*.deb
   desktop-file-validate "$files"/usr/share/applications/*.desktop
   appstreamcli validate --no-net "$files"/usr/share/metainfo/*.xml
 }
@@ -43,19 +45,20 @@ check_options() {
   done
 }
 
-# The essential packages and those that the package needs, with all that they need in turn.
+# The essential packages, those that the package needs and further ones, with all that they need in
+# turn.
 needed_packages() {
   local asked
-  asked=$(dpkg-deb --field "$package" Depends | tr ',|' '\n' | sed 's/(.*//')
+  asked=$(dpkg-deb --field "$(package_file "$1")" Depends | tr ',|' '\n' | sed 's/(.*//')
   # shellcheck disable=SC2046,SC2086
   apt-cache depends --recurse --installed --important \
-    $(dpkg-query -W -f '${Essential} ${Package}\n' | sed -n 's/^yes //p') $asked | sort -u |
+    $(dpkg-query -W -f '${Essential} ${Package}\n' | sed -n 's/^yes //p') $asked "${@:2}" | sort -u |
     comm -12 - <(dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p' | sort -u)
 }
 
 make_root() {
   local names name
-  mapfile -t names < <(needed_packages)
+  mapfile -t names < <(needed_packages "$@")
   "${as_root[@]}" rm -rf "$root"
   mkdir -p "$root"/{dev,root,tmp,etc,usr/{bin,sbin,lib,lib32,lib64,libx32},var/lib/dpkg/{info,updates}}
   # Documents are left out, for time.
@@ -74,6 +77,36 @@ make_root() {
 check_command_line() {
   "${inside[@]}" torvane-cli run 1 --until 0.1 --every 0.001 >build/package/run.csv
   build/unity/bin/torvane-cli run 1 --until 0.1 --every 0.001 | cmp - build/package/run.csv
+}
+
+# The program without pictures, which loads no graphical library.
+check_plain_command_line() {
+  check_command_line
+  "${inside[@]}" torvane-cli scope "$example" --until 0.5 --out /tmp/screen.csv
+  if "${inside[@]}" ldd /usr/bin/torvane-cli | grep -E 'libQt|libX' ||
+    "${inside[@]}" torvane-cli scope "$example" --until 0.5 --out /tmp/no.csv --picture /tmp/no.png; then
+    echo "torvane-cli has or pretends to have what draws pictures." >&2
+    return 1
+  fi
+}
+
+# The programs of examples/embed, built with the installed libraries and nothing of this tree.
+check_libraries() {
+  "${as_root[@]}" cp -r examples/embed "$root/tmp/embed"
+  "${inside[@]}" cmake -S /tmp/embed -B /tmp/embed/build -DCMAKE_BUILD_TYPE=Release -G Ninja \
+    -DCMAKE_CXX_FLAGS='-Wall -Wextra -Wconversion -Wno-sign-conversion -Wshadow -Werror'
+  "${inside[@]}" cmake --build /tmp/embed/build
+  "${inside[@]}" /tmp/embed/build/own_loop
+  "${inside[@]}" /tmp/embed/build/two_threads
+  "${inside[@]}" /tmp/embed/build/built_in_loop >build/package/embedded
+  # What the command line says of the same loop, to the bit.
+  {
+    build/unity/bin/torvane-cli run "3-1 PI Controller" --set KP=1.2 --until 0.04 --every 0.001 \
+      --record Command,Response
+  } | diff - <(grep -v margin build/package/embedded)
+}
+
+check_screen() {
   "${inside[@]}" QT_QPA_PLATFORM=offscreen torvane-cli scope "$example" --until 0.5 \
     --out /tmp/screen.csv --picture /tmp/screen.png
   [[ $(wc -c <"$root/tmp/screen.png") -gt 10000 ]]
@@ -128,18 +161,27 @@ contents() {
 started=()
 trap end_started EXIT
 
+# Installs a package in a root of its own, tries it and removes it.
+# usage: try PACKAGE 'FURTHER PACKAGES' CHECK...
+try() {
+  local package=$1 check
+  # shellcheck disable=SC2086
+  make_root "$package" $2
+  contents >build/package/before
+  "${as_root[@]}" dpkg --root="$root" --install "$(package_file "$package")"
+  for check in "${@:3}"; do "$check"; done
+  end_started
+  "${as_root[@]}" dpkg --root="$root" --purge "$package"
+  contents | diff build/package/before -
+  "${as_root[@]}" rm -rf "$root"
+}
+
 check_files
 check_options torvane ""
 mapfile -t commands < <("$files/usr/bin/torvane-cli" --help |
   sed -n '/^Subcommands/,/^$/s/^  \([a-z]\+\) .*/\1/p')
 check_options torvane-cli "" "${commands[@]}"
-make_root
-contents >build/package/before
-"${as_root[@]}" dpkg --root="$root" --install "$package"
-check_command_line
-check_desktop
-end_started
-"${as_root[@]}" dpkg --root="$root" --purge torvane
-contents | diff build/package/before -
-"${as_root[@]}" rm -rf "$root"
-echo "The package installs, runs and leaves nothing behind."
+try torvane "" check_command_line check_screen check_desktop
+try torvane-cli "" check_plain_command_line
+try libtorvane-dev "g++ cmake ninja-build" check_libraries
+echo "The packages install, run and leave nothing behind."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes what is handed to others, in build/package: a package for Debian 12 and an archive of the
-# sources, of what git tracks. The same sources give the same bytes, wherever and whenever:
+# Makes what is handed to others, in build/package: packages for Debian 12 (the desktop program, the
+# command line alone, the libraries) and an archive of the sources, of what git tracks. The same sources give the same bytes, wherever and whenever:
 # SOURCE_DATE_EPOCH, or else the time of the last commit, stands for the time in all that is made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -19,7 +19,8 @@ out=$PWD/build/package
 rm -rf "$out"
 mkdir -p "$out"
 
-cmake --preset unity -DTORVANE_TESTS=OFF
+cmake --preset unity -DTORVANE_TESTS=OFF -DTORVANE_PACKAGES=ON \
+  "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
 cmake --build --preset unity
 (cd build/unity && cpack -B "$out/work")
 mv "$out"/work/*.deb "$out"

@@ -12,5 +12,5 @@ function(torvane_packages_of result)
   set(${result} ${packages} PARENT_SCOPE)
 endfunction()
 
-torvane_packages_of(CPACK_DEBIAN_PACKAGE_DEPENDS ${CPACK_TORVANE_NEEDED_FILES})
-torvane_packages_of(CPACK_DEBIAN_PACKAGE_RECOMMENDS ${CPACK_TORVANE_WANTED_FILES})
+torvane_packages_of(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS ${CPACK_TORVANE_NEEDED_FILES})
+torvane_packages_of(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS ${CPACK_TORVANE_WANTED_FILES})

@@ -1,7 +1,5 @@
-# Run by CPack between installing into its staging folder and packing it: adds what Debian wants of a
-# package's documents, and gives all files one time.
-set(root ${CPACK_TEMPORARY_DIRECTORY}/usr)
-set(doc ${root}/share/doc/${CPACK_PACKAGE_NAME})
+# Run by CPack between installing into its staging folders, one a component, and packing them: adds
+# what Debian wants of a package's documents, and gives all files one time.
 
 # The licence in the form of Debian's copyright files: an empty line is a dot.
 file(READ ${CPACK_TORVANE_SOURCES}/LICENSE license)
@@ -11,7 +9,7 @@ string(REGEX REPLACE "^.*Copyright[^\n]*\n+" "" license "${license}")
 string(STRIP "${license}" license)
 string(REPLACE "\n\n" "\n.\n" license "${license}")
 string(REPLACE "\n" "\n " license "${license}")
-file(WRITE ${doc}/copyright
+string(CONCAT copyright
   "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/\n"
   "Upstream-Name: Torvane\n\n"
   "Files: *\nCopyright: ${holders}\nLicense: Expat\n ${license}\n")
@@ -22,10 +20,17 @@ execute_process(
   COMMAND awk -v "version=${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}" -v "date=${date}"
     -v "maintainer=${CPACK_PACKAGE_CONTACT}" -f ${CMAKE_CURRENT_LIST_DIR}/changelog.awk
     ${CPACK_TORVANE_SOURCES}/CHANGELOG.md
-  OUTPUT_FILE ${doc}/changelog.Debian COMMAND_ERROR_IS_FATAL ANY)
+  OUTPUT_VARIABLE changelog COMMAND_ERROR_IS_FATAL ANY)
 
-file(GLOB compressed ${root}/share/man/man1/*.1 ${doc}/changelog*)
-execute_process(COMMAND gzip -9 --no-name ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} name)
+  set(root ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr)
+  set(doc ${root}/share/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME})
+  file(WRITE ${doc}/copyright "${copyright}")
+  file(WRITE ${doc}/changelog.Debian "${changelog}")
+  file(GLOB compressed ${root}/share/man/man1/*.1 ${doc}/changelog*)
+  execute_process(COMMAND gzip -9 --no-name ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
 
 string(TIMESTAMP time "%s" UTC)
 execute_process(COMMAND find ${CPACK_TEMPORARY_DIRECTORY} -exec touch --no-dereference --date=@${time} {} +
