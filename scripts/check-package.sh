@@ -100,10 +100,8 @@ check_libraries() {
   "${inside[@]}" /tmp/embed/build/two_threads
   "${inside[@]}" /tmp/embed/build/built_in_loop >build/package/embedded
   # What the command line says of the same loop, to the bit.
-  {
-    build/unity/bin/torvane-cli run "3-1 PI Controller" --set KP=1.2 --until 0.04 --every 0.001 \
-      --record Command,Response
-  } | diff - <(grep -v margin build/package/embedded)
+  build/unity/bin/torvane-cli run "3-1 PI Controller" --set KP=1.2 --until 0.04 --every 0.001 \
+    --record Command,Response | diff - <(grep -v margin build/package/embedded)
 }
 
 check_screen() {

@@ -4,9 +4,11 @@
 #include <torvane/core/text.h>
 #include <torvane/models/catalogue.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -14,12 +16,12 @@
 
 namespace {
 
-/// Every signal of the loop after ten simulated seconds.
-std::vector<double> RunTenSeconds() {
+/// Every signal of the loop after twenty simulated seconds.
+std::vector<double> Run() {
   const Reports reports;  // of this thread
   const auto model = torvane::Catalogue().Load("6-1 PID Controller");
   model->KeepOwnMemory();
-  model->Solver().RunUntil(10.0);
+  model->Solver().RunUntil(20.0);
   std::vector<double> values;
   for (const torvane::Variable* signal : model->Bench().Variables()) {
     values.push_back(signal->Value);
@@ -37,18 +39,27 @@ double SecondsOf(const Work& work) {
 }  // namespace
 
 int main() {
-  std::vector<double> first, second, here, there;
-  const double after = SecondsOf([&] {
-    first = RunTenSeconds();
-    second = RunTenSeconds();
-  });
-  const double atOnce = SecondsOf([&] {
-    std::thread other([&] { there = RunTenSeconds(); });
-    here = RunTenSeconds();
-    other.join();
-  });
+  constexpr int Rounds = 5;  // of which the quickest counts: others may be at work on the machine
+  const std::vector<double> expected = Run();
+  bool same = true;
+  const auto run = [&] { same = Run() == expected && same; };
+  double after = std::numeric_limits<double>::infinity();
+  double atOnce = after;
+  for (int round = 0; round < Rounds; ++round) {
+    after = std::min(after, SecondsOf([&] {
+                       run();
+                       run();
+                     }));
+    std::vector<double> there;
+    atOnce = std::min(atOnce, SecondsOf([&] {
+                        std::thread other([&] { there = Run(); });
+                        run();
+                        other.join();
+                      }));
+    same = there == expected && same;
+  }
   std::cout << "One after the other " << torvane::FormatShortest(after) << " s, at once "
             << torvane::FormatShortest(atOnce) << " s: " << torvane::FormatShortest(atOnce / after)
             << " times\n";
-  return first == second && first == here && first == there ? EXIT_SUCCESS : EXIT_FAILURE;
+  return same ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -30,10 +30,16 @@ class MessageSink {
 /// reports are dropped and questions are answered with Cancel.
 MessageSink* InstallMessageSink(MessageSink* sink);
 
+/// A report under the caption of its kind.
 void Note(const std::string& text);
+/// As Note.
 void Warning(const std::string& text);
-bool WarningQuestion(const std::string& text);
+/// As Note.
 void Error(const std::string& text);
+
+/// A question under the caption of its kind; true for OK.
+bool WarningQuestion(const std::string& text);
+/// As WarningQuestion.
 bool ErrorQuestion(const std::string& text);
 
 /// Shows the report and tells the application to end; returns to its caller all the same.

@@ -2,6 +2,7 @@
 
 namespace torvane {
 
+/// How a window stands.
 enum class WindowState { Normal, Minimised, Maximised };
 
 /// Where an instrument's window stands in the workspace, in pixels. Sizes of 0 mean that the

@@ -12,6 +12,7 @@ class ZelModel;
 /// Chunks in one pass of the run loop: after them control goes back to the message loop.
 inline constexpr int ChunksPerPass = 25;
 
+/// How a pass has ended.
 enum class PassResult {
   Running,  ///< all chunks ran or the time was up; more may follow
   Paused,   ///< a scope is busy; try again when it is free

@@ -20,8 +20,9 @@ double NextLowestThisArray(double x, Ladder ladder);
 /// The next value up of the ladder 1, 2, ... 10.
 double NextHighest10(double x);
 
-/// The next value up or down of 1, 2, 5, 10; the sign is kept and 0 stays 0.
+/// The next value up of 1, 2, 5, 10; the sign is kept and 0 stays 0.
 double NextHighest125(double x);
+/// The next one down.
 double NextLowest125(double x);
 
 }  // namespace torvane

@@ -27,8 +27,9 @@ TableFields SplitTableLine(std::string_view line, char separator, std::size_t mo
 /// The number in a field; a comma that divides no fields may be the decimal one.
 std::optional<double> TableNumber(std::string_view field, char separator);
 
-/// Of a column's caption "vF (V)" the "vF", and the "V", which is empty where no brackets follow.
+/// Of a column's caption "vF (V)" the "vF".
 std::string_view TableTitle(std::string_view caption);
+/// And the "V"; empty where no brackets follow.
 std::string_view TableUnit(std::string_view caption);
 /// Seconds in the unit of a caption of time: s, which need not be said, ms or us; nothing for
 /// another one.

@@ -13,11 +13,13 @@ std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t")
 /// The number that the whole text stands for, surrounding blanks apart; nothing when the text is
 /// anything else or not finite. Independent of the locale.
 std::optional<double> ParseNumber(std::string_view text);
+/// As ParseNumber, of a whole number.
 std::optional<int> ParseInteger(std::string_view text);
 
-/// As ParseNumber and ParseInteger, with a report when the text cannot be converted. Callers keep
-/// their value then. `where` ends the report.
+/// As ParseNumber, with a report when the text cannot be converted. Callers keep their value then.
+/// `where` ends the report.
 std::optional<double> ToNumber(std::string_view text, const std::string& where = {});
+/// As ToNumber, of a whole number.
 std::optional<int> ToInteger(std::string_view text);
 
 /// Shortest text that reads back as the same number.

@@ -51,6 +51,7 @@ struct UndoEntry {
 /// The user-interface items that a history drives.
 enum class UndoItem { UndoMenu, RedoMenu, UndoButton, RedoButton };
 
+/// Where a history shows what can be undone and redone.
 class UndoItems {
  public:
   virtual ~UndoItems() = default;

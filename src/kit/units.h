@@ -11,11 +11,11 @@ inline constexpr double RadToRpm = 60.0 / TwoPi;  ///< RPM per rad/s
 inline constexpr double RadToRevs = 1.0 / TwoPi;
 inline constexpr double RadToDeg = 360.0 / TwoPi;
 
-/// Display defaults of a signal that a new scope shows or does not show; scale and offset are in
-/// the shown unit.
+/// Display defaults of a signal that a new scope shows; scale and offset are in the shown unit.
 constexpr DisplayDefaults Shown(double scale, double offset = 0.0, double multiplier = 1.0) {
   return {scale, offset, multiplier, true};
 }
+/// As Shown, of a signal that a new scope does not show.
 constexpr DisplayDefaults Hidden(double scale, double multiplier = 1.0) {
   return {scale, 0.0, multiplier, false};
 }

@@ -9,8 +9,9 @@
 
 namespace torvane {
 
-// Positions in the lists that loops share.
+/// Positions in the list "Feedback".
 enum FeedbackChoice { Tach, Encoder };
+/// Positions in lists that say no or yes.
 enum YesNoChoice { No, Yes };
 
 /// What moves in a sampled velocity loop: velocities in rad/s, positions in radians, currents and

@@ -27,6 +27,7 @@ class ZelDPiBase : public ZelDLibraryClass {
   double Error() const { return error_; }
 
  protected:
+  /// What a command passes first.
   enum class Shaping { None, CommandFilter };
 
   ZelDPiBase(const ZelDController* clock, Constant* kVI, Constant* kVP, Constant* kVFR,

@@ -8,6 +8,7 @@ namespace torvane {
 
 /// Whether small changes of a loop die away.
 struct Stability {
+  /// What becomes of small changes.
   enum class Verdict {
     NoPoles,   ///< there is nothing that could
     Stable,    ///< all do

@@ -56,6 +56,7 @@ struct AppliedRun {
   std::vector<std::string> Settings;  ///< as they were given unless limited
   std::vector<std::string> Remarks;   ///< of those that were limited
 };
+/// Sets the model's constants and waves to those of a run of the study.
 AppliedRun ApplyRun(const ZelBenchTop& bench, const StudyDesign& design, std::size_t run);
 
 /// Says before the first run what is wrong with the last one: a StudyFault with its place, and a

@@ -62,8 +62,9 @@ struct MeasureSet {
 /// All measures, in the order of a table's columns.
 std::span<const RunMeasure> Measures();
 
-/// Captions and values of those that are measured.
+/// Captions of those that are measured.
 std::vector<std::string> MeasureCaptions(const MeasureSet& set);
+/// Their values, in the same order; nothing where one could not be measured.
 std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
                                                  const MeasureSet& set);
 

@@ -8,6 +8,7 @@ namespace torvane {
 /// A study that cannot be made or cannot go on; the text is one line for the user.
 class StudyFault : public std::runtime_error {
  public:
+  /// Where the fault lies.
   enum class Kind {
     Asked,    ///< what was asked for makes no study
     File,     ///< a file could not be read or written, or is not the study's

@@ -26,6 +26,7 @@ struct StudyResponses {
 
 /// One measure of a study's runs over two of its constants, a slice for each value of the others.
 struct StudyMap {
+  /// A run at its place on the map.
   struct Run {
     double X = 0.0;
     double Y = 0.0;
@@ -33,6 +34,7 @@ struct StudyMap {
     std::size_t Row = 0;          ///< in the table
     bool Meets = true;            ///< what is required
   };
+  /// The runs that have the same values of the other constants.
   struct Slice {
     std::string Text;  ///< the others' values; empty of a map without slices
     std::vector<Run> Runs;

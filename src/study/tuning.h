@@ -27,6 +27,7 @@ struct Tuning {
   RunReadings Readings;
 };
 
+/// What is searched, for what, and how a tuning is measured.
 struct TuningSearch {
   std::vector<StudyRange> Ranges;
   TuningGoal Goal;

@@ -10,6 +10,7 @@ namespace torvane {
 /// ("--time-base").
 class WorkFault : public std::runtime_error {
  public:
+  /// Where the fault lies.
   enum class Kind {
     Stopped,  ///< the run was stopped by an error, or by somebody
     Usage,    ///< what was asked for makes no sense
@@ -23,12 +24,15 @@ class WorkFault : public std::runtime_error {
   Kind kind_;
 };
 
+/// A fault of Kind::Stopped.
 inline WorkFault StoppedError(const std::string& text) {
   return {WorkFault::Kind::Stopped, text};
 }
+/// A fault of Kind::Usage.
 inline WorkFault UsageError(const std::string& text) {
   return {WorkFault::Kind::Usage, text};
 }
+/// A fault of Kind::File.
 inline WorkFault FileError(const std::string& text) {
   return {WorkFault::Kind::File, text};
 }

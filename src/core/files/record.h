@@ -25,6 +25,7 @@ struct Record {
   const std::string& Keyword() const { return Field(2); }
 };
 
+/// Divides a line, the number-th of its file, into its fields.
 Record ParseRecord(std::string_view line, int number);
 
 /// Writes the records of one instrument: each begins with the kind's keyword and the name.
@@ -49,6 +50,7 @@ void AppendRecord(std::string& text, std::string_view keyword,
 
 /// "1" or "0"; anything but "1" reads as off.
 std::string FlagText(bool on);
+/// Whether a flag's field says on.
 inline bool IsOn(const std::string& field) {
   return field == "1";
 }
@@ -66,6 +68,7 @@ std::string StorableField(const std::string& text);
 /// The record "Display": window state, height, left, top, width.
 void SaveDisplay(RecordWriter& writer, const WindowPlacement& placement);
 
+/// What is wrong with a "Display" record.
 enum class DisplayFault { None, EntryCount, WindowState };
 
 /// Reads a "Display" record; on a fault, or after the report of an entry that is no whole number,

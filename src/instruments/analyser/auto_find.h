@@ -9,6 +9,7 @@ class FrequencyAnalyser;
 
 /// What an automatic search looks for.
 struct FindTarget {
+  /// A level that the trace crosses, or an extreme.
   enum class Kind { GainLevel, PhaseLevel, GainMax, GainMin };
   Kind What = Kind::GainLevel;
   double Level = 0.0;  ///< dB or degrees

@@ -32,6 +32,7 @@ struct Level {
   double MostScatter = 0.0;  ///< standard deviation above which nothing can be read
 };
 
+/// A frequency at which a response crosses a level, and what is read there.
 struct LevelCrossing {
   double Hz = 0.0;
   double Value = 0.0;

@@ -18,6 +18,7 @@ class RecordWriter;
 /// automatic search.
 class ResponseAxes {
  public:
+  /// How many cursors there are.
   enum class CursorMode { None, One, Two };
   /// Rightmost pixel that a cursor can be put on.
   static constexpr int LargestPixel = 32767;

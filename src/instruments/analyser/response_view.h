@@ -4,6 +4,7 @@
 
 namespace torvane {
 
+/// What is drawn against what.
 enum class ResponsePlot {
   Bode,     ///< gain and phase against frequency
   Nyquist,  ///< imaginary against real part

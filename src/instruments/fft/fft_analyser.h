@@ -29,6 +29,7 @@ namespace torvane {
 class ZelXfer final : public FrequencyAnalyser {
  public:
   static constexpr int MinOrder = 3;
+  /// How far a measurement is; it is under way while sampling.
   enum class State { Armed, Sampling, Complete, Halted };
 
   /// Records of up to 2^maxOrder samples.

@@ -16,6 +16,7 @@
 
 namespace torvane {
 
+/// What a generator puts out.
 enum class Waveform {
   Sine,
   Square,

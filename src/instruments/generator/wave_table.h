@@ -14,6 +14,7 @@ namespace torvane {
 /// time are a jump.
 class WaveTable {
  public:
+  /// A value at a time.
   struct Point {
     double Time;  ///< seconds
     double Value;

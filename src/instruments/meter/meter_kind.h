@@ -5,6 +5,7 @@
 
 namespace torvane {
 
+/// What a meter measures.
 enum class MeterKind { Rms, Average, Harmonic, Correlation };
 
 /// What a kind of measurement is called in model files, for the user and on the command line.
@@ -22,6 +23,7 @@ inline constexpr std::array<MeterKindNames, 4> MeterKinds{{
     {"Corr", "Correlation", "correlation"},
 }};
 
+/// The names of a kind.
 constexpr const MeterKindNames& NamesOf(MeterKind kind) {
   return MeterKinds[static_cast<std::size_t>(kind)];
 }

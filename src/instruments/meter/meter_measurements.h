@@ -48,6 +48,7 @@ class CorrelationMeasurement {
 /// of whole periods.
 class HarmonicMeasurement {
  public:
+  /// What is told: of x alone, or its ratio to y, plain or in dB.
   enum class Shown { Amplitude, Ratio, RatioDb };
 
   /// Whether a window is under way; a sample counts only within one.

@@ -45,6 +45,7 @@ class ZelScope final : public Instrument {
  public:
   static constexpr int HorizontalDivisions = 10;
   static constexpr int VerticalDivisions = 8;
+  /// What is done with samples: none are taken, a screen fills, or its event is awaited.
   enum class Capture { Stopped, Filling, Waiting };
 
   /// Adds itself to the bench. Makes its own trigger, on the first displayed channel, unless it is

@@ -108,6 +108,7 @@ struct TraceColour {
   unsigned Rgb;
 };
 inline constexpr int TraceColourCount = 8;
+/// Of the index-th displayed channel, from 0 to TraceColourCount - 1.
 const TraceColour& TraceColourAt(int index);
 
 }  // namespace torvane

@@ -9,6 +9,7 @@
 
 namespace torvane {
 
+/// When a screen starts: at once, at an event or after a while, at an event alone.
 enum class SweepMode { Cont, Auto, Normal };
 
 /// Decides when a scope starts a new screen: watches a source against a level, with slope, initial
@@ -17,6 +18,7 @@ enum class SweepMode { Cont, Auto, Normal };
 /// level after one at or below it; a negative-slope event the reverse.
 class ZelTrigger {
  public:
+  /// How far the detection of an event is.
   enum class Detection { InitialDelay, Arming, Armed, DelayAfter, Unused, Idle };
 
   /// Level 0, positive slope, armed, automatic, without delays or event count.

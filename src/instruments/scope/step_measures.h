@@ -20,8 +20,9 @@ enum class StepGap {
   Coarse       ///< it moves too fast between two points
 };
 
-/// The reason in a word or two, for a table's cell, and as a clause.
+/// The reason in a word or two, for a table's cell.
 const char* ShortReason(StepGap gap);
+/// The reason as a clause.
 const char* Reason(StepGap gap);
 
 /// One measure: its value, and to what it is known, both in one unit; or why there is none.

@@ -28,6 +28,7 @@ struct SweepPlan {
   double Seconds = 0.0;
   double LastHz = 0.0;
 };
+/// What a sweep of that set-up takes.
 SweepPlan PlanSweep(const SweepSetup& setup, int most);
 
 /// Why the range and the sample time of the set-up make no sweep, if they do not: more points than

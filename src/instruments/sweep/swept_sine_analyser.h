@@ -23,6 +23,7 @@ namespace torvane {
 /// less.
 class ZelSweptDSA final : public FrequencyAnalyser {
  public:
+  /// How far a sweep is.
   enum class State { Idle, Start, Measuring, Advance, Done };
   /// Points of one sweep.
   static constexpr int Capacity = 2048;
