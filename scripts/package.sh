@@ -19,7 +19,7 @@ out=$PWD/build/package
 rm -rf "$out"
 mkdir -p "$out"
 
-cmake --preset unity -DTORVANE_TESTS=OFF -DTORVANE_PACKAGES=ON \
+cmake --preset unity -DTORVANE_TESTS=OFF -DTORVANE_PYTHON=OFF -DTORVANE_PACKAGES=ON \
   "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
 cmake --build --preset unity
 (cd build/unity && cpack -B "$out/work")

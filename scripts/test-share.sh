@@ -7,12 +7,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../tests/data"
 
-sources() { find "$1" -name '*.cpp' -o -name '*.h' | xargs cat | grep -cvE '^\s*(//.*)?$'; }
+sources() { find "$@" -name '*.cpp' -o -name '*.h' -o -name '*.py' | xargs cat | grep -cvE '^\s*(//.*)?$'; }
 rows() { cat -- "$@" | grep -acvE '^\s*(#.*)?$' || true; }
 percent() { printf '%d.%d %%' $((100 * $1 / code)) $((1000 * $1 / code % 10)); }
 entry() { printf '%-13s %6d lines  %s\n' "$1" "$2" "$(percent "$2")"; }
 
-code=$(sources ../../src)
+code=$(sources ../../src ../../python)
 tests=$(sources ..)
 scripts=$(($(rows ui/*.txt scope_sweeps.txt) - $(rows ui/tilings.txt)))
 claims=$(rows claims/*.txt)

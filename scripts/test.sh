@@ -4,9 +4,10 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install-packages.sh build desktop test
+scripts/install-packages.sh build desktop test python
 
-cmake --preset unity -DTORVANE_TESTS=ON
+# The module is for the system's Python, whatever other one comes first on the path.
+cmake --preset unity -DTORVANE_TESTS=ON -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3
 cmake --build --preset unity
 
 # The tests drive real windows, which stay in memory whatever display there is.

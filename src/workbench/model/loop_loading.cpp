@@ -31,6 +31,15 @@ loops::LoopFile Read(const std::string& path, Supervisor& supervisor, Doubts dou
   return file;
 }
 
+void Add(const std::string& name, loops::LoopFile loop, Catalogue& catalogue,
+         Supervisor& supervisor) {
+  const std::string path = loop.Path;
+  Tell(path, loop, supervisor, Doubts::Passed);
+  catalogue.Add({name, path, [file = std::move(loop)](const std::string& /*name*/) {
+                   return loops::MakeLoop(file);
+                 }});
+}
+
 }  // namespace
 
 bool NamesLoop(const std::string& text) {
@@ -50,11 +59,12 @@ void AddLoopOf(const std::string& modelFile, const std::string& text, Catalogue&
   loops::WantedLoop wanted = loops::FindWantedLoop(modelFile, text, ModelNames());
   if (wanted.WasAt.empty()) return;
   if (!wanted.Fault.empty()) throw FileError(wanted.Fault);
-  const std::string path = wanted.File.Path;
-  Tell(path, wanted.File, supervisor, Doubts::Passed);
-  catalogue.Add({wanted.Name, path, [file = std::move(wanted.File)](const std::string& /*name*/) {
-                   return loops::MakeLoop(file);
-                 }});
+  Add(wanted.Name, std::move(wanted.File), catalogue, supervisor);
+}
+
+void AddLoop(const std::string& name, const std::string& path, const std::string& text,
+             Catalogue& catalogue, Supervisor& supervisor) {
+  Add(name, loops::ReadLoopText(path, text, ModelNames()), catalogue, supervisor);
 }
 
 }  // namespace torvane

@@ -23,4 +23,8 @@ void CheckLoop(const std::string& path, Supervisor& supervisor);
 void AddLoopOf(const std::string& modelFile, const std::string& text, Catalogue& catalogue,
                Supervisor& supervisor);
 
+/// Adds the loop in the text, whose file was at the path, to the catalogue under that name.
+void AddLoop(const std::string& name, const std::string& path, const std::string& text,
+             Catalogue& catalogue, Supervisor& supervisor);
+
 }  // namespace torvane

@@ -13,11 +13,11 @@ namespace torvane {
 namespace {
 
 /// Says in every report which line it is about, and keeps which lines have one.
-class ConsoleHost final : public CatalogueHost {
+class SupervisorHost final : public CatalogueHost {
  public:
-  ConsoleHost(std::string path, Supervisor& supervisor)
+  SupervisorHost(std::string path, Supervisor& supervisor)
       : path_(std::move(path)), supervisor_(supervisor) {}
-  ~ConsoleHost() override { supervisor_.SetPlace(""); }
+  ~SupervisorHost() override { supervisor_.SetPlace(""); }
 
   void AtLine(int number) override {
     if (supervisor_.Reports() > reports_) reported_.insert(line_);
@@ -36,9 +36,13 @@ class ConsoleHost final : public CatalogueHost {
   std::set<int> reported_;
 };
 
-void Load(const std::string& path, ConsoleHost& host, const std::string& text,
-          Supervisor& supervisor) {
-  AddLoopOf(path, text, host.Models, supervisor);
+void Load(const std::string& path, SupervisorHost& host, const std::string& text,
+          Supervisor& supervisor, const std::optional<LoopSource>& loop = {}) {
+  if (loop) {
+    AddLoop(ModelNameIn(text), loop->Path, loop->Text, host.Models, supervisor);
+  } else {
+    AddLoopOf(path, text, host.Models, supervisor);
+  }
   // Records may stand before the line that names their model.
   const std::string name = ModelNameIn(text);
   if (host.InCatalogue(name)) host.ChangeModel(name);
@@ -55,9 +59,10 @@ std::string ReadModelFile(const std::string& path) {
 }
 
 std::unique_ptr<ZelModel> OpenModelText(const std::string& path, const std::string& text,
-                                        Supervisor& supervisor) {
-  ConsoleHost host(path, supervisor);
-  Load(path, host, text, supervisor);
+                                        Supervisor& supervisor,
+                                        const std::optional<LoopSource>& loop) {
+  SupervisorHost host(path, supervisor);
+  Load(path, host, text, supervisor, loop);
   return std::move(host.Model);
 }
 
@@ -66,7 +71,7 @@ std::unique_ptr<ZelModel> OpenModelFile(const std::string& path, Supervisor& sup
 }
 
 void CheckModelFile(const std::string& path, Supervisor& supervisor) {
-  ConsoleHost host(path, supervisor);
+  SupervisorHost host(path, supervisor);
   const std::string text = ReadModelFile(path);
   Load(path, host, text, supervisor);
   RemarkOnLines(text, *host.Model, host.Reported(), [&](int line, const std::string& remark) {

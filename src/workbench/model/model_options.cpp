@@ -53,7 +53,7 @@ std::unique_ptr<ZelModel> OpenModel(const std::string& text, Supervisor& supervi
 std::unique_ptr<ZelModel> OpenModel(const ModelOptions& options, Supervisor& supervisor) {
   supervisor.SetAnswerOk(options.AnswerOk);
   std::unique_ptr<ZelModel> model =
-      options.FileText ? OpenModelText(options.Model, *options.FileText, supervisor)
+      options.FileText ? OpenModelText(options.Model, *options.FileText, supervisor, options.Loop)
                        : OpenModel(options.Model, supervisor);
   for (const std::string& setting : options.Settings) ApplySetting(model->Bench(), setting);
   for (const std::string& wave : options.Waves) {

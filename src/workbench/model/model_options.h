@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/model.h"
+#include "workbench/model/model_file_loading.h"
 #include "workbench/model/wave_files.h"
 #include "workbench/supervisor.h"
 
@@ -16,6 +17,8 @@ struct ModelOptions {
   std::string Model;
   /// Of the file that MODEL is, when it has been read already.
   std::optional<std::string> FileText;
+  /// The loop that the file is for, wherever that is now.
+  std::optional<LoopSource> Loop;
   std::vector<std::string> Settings;
   std::vector<std::string> Waves;
   /// Of the Waves; all models that the options make share them.

@@ -16,6 +16,11 @@ class WaveFiles {
   /// is a WorkFault of WorkFault::Kind::File.
   std::shared_ptr<const WaveTable> Table(const std::string& name);
 
+  /// From now on that name stands for the table.
+  void Keep(const std::string& name, std::shared_ptr<const WaveTable> table) {
+    tables_[name] = std::move(table);
+  }
+
   /// The file of such a name, and its column, empty when it names none.
   static std::pair<std::string, std::string> Split(const std::string& name);
 

@@ -18,8 +18,9 @@ namespace torvane {
 
 /// Which runs of a model a study makes, and what it measures of each.
 struct StudyOptions {
-  std::vector<std::string> Files;  ///< [STUDY.csv] MODEL
-  std::vector<std::string> Vary;   ///< NAME=FROM:TO:COUNT[:log]
+  std::vector<std::string> Files;     ///< [STUDY.csv] MODEL
+  std::optional<StudyDesign> Design;  ///< the runs, in place of a table and of Vary
+  std::vector<std::string> Vary;      ///< NAME=FROM:TO:COUNT[:log]
   std::optional<int> Sample;
   std::optional<int> Seed;
   std::optional<int> Jobs;

@@ -78,6 +78,7 @@ StudyRange ParseVaryRange(const std::string& text, VaryValues values) {
 }
 
 StudyDesign MakeDesign(const StudyOptions& options) {
+  if (options.Design) return *options.Design;
   if (options.Vary.empty()) {
     if (options.Files.size() != 2) {
       throw UsageError("a study needs a table and a model, or a model and --vary");

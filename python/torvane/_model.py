@@ -1,0 +1,405 @@
+"""Models, and what is measured of them."""
+
+from __future__ import annotations
+
+import itertools
+import os
+import tempfile
+from pathlib import Path
+from typing import (Any, Callable, Dict, Iterable, List, Mapping, NamedTuple, Optional, Sequence,
+                    Tuple, Union)
+
+import numpy as np
+
+from . import _engine, _pictures
+from ._results import (Array, Columns, Linear, Margins, Measures, Reading, Response, Run, Screen,
+                       Study, Theory, measures_of, study_of)
+
+Progress = Optional[Callable[[float, float], Any]]
+Value = Union[float, str]
+
+
+class Constant(NamedTuple):
+    """A constant as it stands: its value is a number, of a list the index of a choice."""
+
+    name: str
+    unit: str
+    value: float
+    default: float
+    lower: float
+    upper: float
+    choices: List[str]
+    description: str
+
+
+class Signal(NamedTuple):
+    """A signal that instruments are offered; ``state`` says that it is integrated."""
+
+    name: str
+    unit: str
+    state: bool
+    description: str
+
+
+class Meter(NamedTuple):
+    """What a meter reads; the angle, degrees, is of a harmonic alone."""
+
+    value: float
+    angle_deg: Optional[float]
+
+
+def _setting(key: str, what: str) -> Any:
+    def get(self: "Generator") -> Any:
+        return self._engine.generator_setting(f"{self.name}:{key}")
+
+    def put(self: "Generator", value: Value) -> None:
+        self._engine.set_generator(f"{self.name}:{key}", _text(value))
+
+    return property(get, put, doc=what)
+
+
+class Generator:
+    """A waveform generator of a model: its settings are read and set as attributes."""
+
+    def __init__(self, engine: Any, name: str) -> None:
+        self._engine = engine
+        self.name = name
+
+    waveform = _setting("Waveform", "the waveform's name; set by name or index")
+    frequency = _setting("FreqHz", "Hz; stored without its sign")
+    amplitude = _setting("Amplitude", "in the command's unit")
+    offset = _setting("Offset", "in the command's unit")
+    phase = _setting("PhaseDeg", "degrees")
+    duty_cycle = _setting("DutyCycle", "per cent, 0 to 100")
+
+    def play(self, time: Sequence[float], value: Sequence[float], name: str = "array") -> None:
+        """Plays values at times, seconds, joined by straight lines: arrays of shape (points,)."""
+        plain = name.replace("=", " ").replace(":", " ")
+        self._engine.play(self.name, time, value, f"{plain} {id(self):x}-{next(_played)}")
+
+    def __repr__(self) -> str:
+        return f"<Generator {self.name!r}: {self.waveform}, {self.frequency} Hz>"
+
+
+_played = itertools.count(1)
+
+
+class Model:
+    """A simulated control loop.
+
+    ``name`` is a model's name, a beginning that only one has ("3-1"), its index, or a model file
+    (.tvf) or a loop of your own (.mo). ``model["KP"]`` is a constant, or the present value of a
+    signal; ``model["KP"] = 1.2`` sets a constant, beyond its limits a ValueError.
+
+    Every measurement is of a model of its own with these settings, from time 0: none depends on
+    what was done before. ``run`` starts from time 0 too, unless it is to resume.
+
+    One thread at a time may use a model; models in several threads run side by side.
+    """
+
+    def __init__(self, name: Union[str, int, "os.PathLike[str]"], yes: bool = False) -> None:
+        self._source = os.fspath(name) if isinstance(name, os.PathLike) else str(name)
+        self._engine = _engine.Model(self._source, yes)
+
+    @property
+    def name(self) -> str:
+        """The model's name in the catalogue."""
+        return self._engine.name
+
+    @property
+    def time(self) -> float:
+        """The simulated time, seconds."""
+        return self._engine.time
+
+    @property
+    def step(self) -> float:
+        """The solver's step, seconds."""
+        return self._engine.step
+
+    @property
+    def constants(self) -> Dict[str, Constant]:
+        """All constants by name."""
+        return {one[0]: Constant(*one) for one in self._engine.constants()}
+
+    @property
+    def signals(self) -> Dict[str, Signal]:
+        """All signals that instruments are offered, by name."""
+        return {one[0]: Signal(*one) for one in self._engine.signals()}
+
+    def __getitem__(self, name: str) -> Value:
+        value = self._engine.value(name)
+        if value is None:
+            raise KeyError(f"{self.name} has no constant or signal {name!r}")
+        return value
+
+    def __setitem__(self, name: str, value: Value) -> None:
+        if name not in self.constants:
+            raise KeyError(f"{self.name} has no constant {name!r}")
+        self._engine.set_constant(name, _text(value))
+
+    @property
+    def pairs(self) -> Dict[str, Tuple[str, str]]:
+        """The pairs of signals that the model offers its analysers, input and output by name."""
+        return {name: (input, output) for name, input, output in self._engine.pairs()}
+
+    @property
+    def generators(self) -> List[str]:
+        """The names of the waveform generators."""
+        return self._engine.generators()
+
+    def generator(self, name: Optional[str] = None) -> Generator:
+        """A waveform generator, the model's first one without a name."""
+        names = self.generators
+        if name is None and names:
+            return Generator(self._engine, names[0])
+        if name not in names:
+            raise KeyError(f"{self.name} has no generator {name!r}")
+        return Generator(self._engine, str(name))
+
+    def run(self, until: float, every: Optional[float] = None,
+            record: Union[str, Iterable[str], None] = None, resume: bool = False,
+            on_progress: Progress = None) -> Optional[Run]:
+        """Simulates from time 0, or on from the present time, up to the time ``until``, seconds.
+
+        With ``every`` a row is recorded every so many seconds, at the nearest step, of all signals
+        or those of ``record``; without it nothing is, and None is returned. ``on_progress`` is
+        called with the time and ``until`` ten times a second; an exception ends the run.
+        """
+        _above_zero(until=until, every=every)
+        listed = record if isinstance(record, str) else ",".join(record or ())
+        rows = self._engine.run(until, every, listed, resume, on_progress)
+        return None if rows is None else Run(*rows)
+
+    def restart(self) -> None:
+        """Goes back to time 0."""
+        self._engine.restart()
+
+    def step_measures(self, command: str, response: str, *, until: Optional[float] = None,
+                      window: Optional[float] = None, time_base: Optional[float] = None,
+                      peak: Optional[str] = None, bode: bool = False, theory: bool = False,
+                      loop: Optional[Tuple[str, str]] = None, order: Optional[int] = None,
+                      start_delay: Optional[float] = None, end_delay: Optional[float] = None,
+                      tsample: Optional[float] = None, amplitude: Optional[float] = None,
+                      offset: Optional[float] = None, average: Optional[int] = None,
+                      on_progress: Progress = None) -> Measures:
+        """Measures how a signal follows a step of another one: overshoot (per cent), rise,
+        settling and delay (seconds), errors; with ``bode`` or ``theory`` bandwidth (Hz), peaking
+        and margins (dB, degrees) too. The options are those of ``torvane-cli measure``."""
+        given = _given(locals(), "self", "on_progress")
+        return measures_of(self._engine.step_measures(given, on_progress))
+
+    def bode(self, input: Optional[str] = None, output: Optional[str] = None, *,
+             average: Optional[int] = None, tsample: Optional[float] = None,
+             amplitude: Optional[float] = None, offset: Optional[float] = None,
+             order: Optional[int] = None, start_delay: Optional[float] = None,
+             end_delay: Optional[float] = None, spectrum: Optional[bool] = None,
+             between_samples: bool = False, on_progress: Progress = None) -> Response:
+        """Measures a frequency response with the FFT analyser: a record of 2**order samples,
+        ``tsample`` seconds apart, ``average`` records. What is not given is the analyser's own."""
+        given = _given(locals(), "self", "on_progress")
+        return Response(self._engine.bode(given, on_progress), self._draws("bode", given))
+
+    def sweep(self, input: Optional[str] = None, output: Optional[str] = None, *,
+              from_: Optional[float] = None, to: Optional[float] = None,
+              per_decade: Optional[int] = None, settle: Optional[float] = None,
+              measure: Optional[float] = None, average: Optional[int] = None,
+              tsample: Optional[float] = None, amplitude: Optional[float] = None,
+              offset: Optional[float] = None, on_progress: Progress = None) -> Response:
+        """Measures a frequency response with the swept-sine analyser, point by point between two
+        frequencies, Hz. What is not given is the analyser's own."""
+        given = _given(locals(), "self", "on_progress")
+        return Response(self._engine.sweep(given, on_progress), self._draws("sweep", given))
+
+    def meter(self, variable: Optional[str] = None, kind: Optional[str] = None, *, until: float,
+              with_: Optional[str] = None, harmonic: Optional[float] = None,
+              window: Optional[float] = None, lpf: Optional[float] = None,
+              hpf: Optional[float] = None, tsample: Optional[float] = None,
+              ac: Optional[bool] = None, db: Optional[bool] = None,
+              on_progress: Progress = None) -> Meter:
+        """Reads a meter at the time ``until``, seconds: kind "rms", "average", "harmonic" (of
+        ``harmonic`` Hz) or "correlation" (``with_`` another signal)."""
+        given = _given(locals(), "self", "on_progress")
+        return Meter(*self._engine.meter(given, on_progress))
+
+    def scope(self, until: float, *, time_base: Optional[float] = None,
+              show: Union[str, Iterable[str], None] = None, trig_mode: Optional[str] = None,
+              trig_source: Optional[str] = None, trig_slope: Optional[str] = None,
+              trig_level: Optional[float] = None, trig_position: Optional[float] = None,
+              on_progress: Progress = None) -> Screen:
+        """Runs the model with its scope to the time ``until``, seconds, and gives the last
+        complete screen: ten divisions of ``time_base`` seconds."""
+        _above_zero(until=until)
+        if show is not None and not isinstance(show, str):
+            show = ",".join(show)
+        given = _given(locals(), "self", "on_progress")
+        draw = self._draws("scope", given)
+        given.pop("until")
+        return Screen(*self._engine.scope(until, given, on_progress), draw)
+
+    def linearize(self, input: str, output: str) -> Linear:
+        """The linear model from one signal to another, its poles and zeros."""
+        A, B, C, D, Ts, poles, zeros, notes, stability = self._engine.linearize(input, output)
+        return Linear(A, B, C, D, Ts, np.array(poles), np.array(zeros), notes, stability)
+
+    def theory(self, input: str, output: str, frequency: Sequence[float],
+               tsample: Optional[float] = None) -> Theory:
+        """What the linearised equations say of a response at frequencies, Hz, of shape (points,);
+        of a sampled loop as an analyser sees it whose samples are ``tsample`` seconds apart."""
+        hz = [float(one) for one in np.asarray(frequency, dtype=float).ravel()]
+        return Theory(*self._engine.theory(input, output, hz, tsample))
+
+    def poles(self) -> Array:
+        """The poles of everything that the command moves, complex, 1/s or in the z plane."""
+        return np.array(self._engine.poles())
+
+    def locus(self, constant: str, values: Iterable[Value]) -> List[Array]:
+        """The poles for each value of a constant; the model stays as it is."""
+        other = self.copy()
+        ways = []
+        for value in values:
+            other[constant] = value
+            ways.append(other.poles())
+        return ways
+
+    def loop_margins(self) -> Dict[str, Any]:
+        """From theory: phase and gain margin and sensitivity peak of the model's own loop, each
+        a ``Reading`` or None."""
+        told = self._engine.loop_margins()
+        for name in ("phase_margin", "gain_margin", "sensitivity"):
+            told[name] = told[name] and Reading(*told[name])
+        return told
+
+    def tune(self, vary: Mapping[str, Any], *, command: str, response: str,
+             require: Sequence[str] = (), best: Optional[str] = None,
+             runs: Optional[int] = None, on_progress: Progress = None,
+             **measure: Any) -> Dict[str, Union[float, str, None]]:
+        """Looks for the constants with which the model meets requirements ("Overshoot<10").
+
+        ``vary`` has a range for each: (from, to) or (from, to, "log"). The model stays as it is;
+        what was found is given by captions, the values first. StoppedError when nothing does.
+        """
+        ranges = [f"{name}={_range(of)}" for name, of in vary.items()]
+        given = _given({**measure, "command": command, "response": response, "vary": ranges,
+                        "require": list(require), "best": best, "runs": runs})
+        captions, fields = self._engine.tune(given, on_progress)
+        return dict(zip(captions, map(_told, captions, fields)))
+
+    def study(self, vary: Optional[Mapping[str, Any]] = None, **options: Any) -> Study:
+        """As ``torvane.study`` of this model."""
+        return study(self, vary, **options)
+
+    def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
+        """Writes the model's set-up as a model file."""
+        self._engine.save(os.fspath(path))
+
+    def copy(self) -> "Model":
+        """Another model with the same settings, at time 0."""
+        other = Model.__new__(Model)
+        other.__setstate__(self.__getstate__())
+        return other
+
+    def diagram(self) -> Optional[str]:
+        """The block diagram as SVG, drawn by torvane-cli; None where that cannot be had."""
+        source = self._source if self._source.endswith(".mo") else self.name
+        return _pictures.svg([source], "diagram", [])
+
+    def _repr_svg_(self) -> Optional[str]:
+        return self.diagram()
+
+    def _draws(self, command: str, given: Mapping[str, Any]) -> Callable[[], Optional[str]]:
+        frozen = self.__getstate__()
+        options = _pictures.options_of(given)
+
+        def draw() -> Optional[str]:
+            model = Model.__new__(Model)
+            model.__setstate__(frozen)
+            with tempfile.TemporaryDirectory() as folder:
+                file = str(Path(folder) / "model.tvf")
+                model.save(file)
+                return _pictures.svg([file], command, options)
+
+        return draw
+
+    def __getstate__(self) -> Tuple[str, Any]:
+        return self._source, self._engine.freeze()
+
+    def __setstate__(self, state: Tuple[str, Any]) -> None:
+        self._source, frozen = state
+        self._engine = _engine.thaw(*frozen)
+
+    def __repr__(self) -> str:
+        return f"<Model {self.name!r}>"
+
+
+def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = None, *,
+          command: str, response: str, table: Optional[str] = None,
+          sample: Optional[int] = None, seed: Optional[int] = None, jobs: Optional[int] = None,
+          require: Sequence[str] = (), best: Optional[str] = None, on_progress: Progress = None,
+          **measure: Any) -> Study:
+    """Measures many runs of a model, in processes of their own, a row each.
+
+    ``vary`` has values for each constant or generator setting, an array or a list, and the runs
+    are all combinations, those of the last in turn first; with ``sample`` it has ranges, (from,
+    to) or (from, to, "log"), of which so many samples are taken. ``table`` is a CSV file with a
+    row for each run instead. ``measure``: as ``step_measures``. Values have twelve digits.
+    """
+    model = model if isinstance(model, Model) else Model(model)
+    names: List[str] = []
+    runs: List[Tuple[str, ...]] = []
+    given = _given({**measure, "command": command, "response": response, "table": table,
+                    "sample": sample, "seed": seed, "jobs": jobs, "require": list(require),
+                    "best": best})
+    if (vary is None) == (table is None):
+        raise ValueError("a study needs vary, or a table")
+    if vary is not None and sample is not None:
+        given["vary"] = [f"{name}={_range(of)}" for name, of in vary.items()]
+    elif vary is not None:
+        names = list(vary)
+        columns = [[_design(one) for one in np.atleast_1d(np.asarray(values, dtype=object))]
+                   for values in vary.values()]
+        runs = list(itertools.product(*columns))
+        if not runs:
+            raise ValueError("a study needs a value of each constant that it varies")
+    return study_of(*model._engine.study(names, runs, given, on_progress))
+
+
+def _text(value: Value) -> str:
+    return value if isinstance(value, str) else repr(float(value))
+
+
+def _design(value: Value) -> str:
+    return value if isinstance(value, str) else _engine.Model.design_text(float(value))
+
+
+def _range(of: Any) -> str:
+    return ":".join(_text(one) for one in of)
+
+
+def _told(caption: str, field: str) -> Union[float, str, None]:
+    if caption == "Reason":
+        return field
+    return float(field) if field else None
+
+
+def _above_zero(**numbers: Optional[float]) -> None:
+    for name, value in numbers.items():
+        if value is not None and not 0 < value < float("inf"):
+            raise ValueError(f"{name} must be above 0, not {value}")
+
+
+_MEASURE = frozenset(
+    "until window time_base peak bode theory loop order start_delay end_delay tsample amplitude "
+    "offset average command response table sample seed jobs require best runs vary".split())
+
+
+def _given(values: Mapping[str, Any], *without: str) -> Dict[str, Any]:
+    """Keyword arguments that were given, under the engine's names."""
+    if not without:
+        for name in values:
+            if name not in _MEASURE:
+                raise TypeError(f"unexpected keyword argument {name!r}")
+    given = {name.rstrip("_"): value for name, value in values.items()
+             if name not in without and value is not None}
+    if isinstance(given.get("loop"), tuple):
+        given["loop"] = ":".join(given["loop"])
+    return given

@@ -1,0 +1,275 @@
+"""What runs and measurements give."""
+
+from __future__ import annotations
+
+import csv
+import io
+from pathlib import Path
+from typing import Any, Callable, Dict, Iterator, List, Mapping, NamedTuple, Optional, Tuple, Union
+
+import numpy as np
+
+Array = np.ndarray
+
+
+class Columns(Mapping[str, Array]):
+    """Signals over time, each a float64 array of shape (rows,) in the unit of its display.
+
+    ``time`` is in seconds; ``columns["Response"]`` is a signal, ``units`` has their units.
+    """
+
+    def __init__(self, names: List[str], units: List[str], arrays: List[Array]) -> None:
+        self.time: Array = arrays[0]
+        self.units: Dict[str, str] = dict(zip(names[1:], units[1:]))
+        self._columns = dict(zip(names[1:], arrays[1:]))
+
+    def __getitem__(self, name: str) -> Array:
+        if name == "Time":
+            return self.time
+        return self._columns[name]
+
+    def __iter__(self) -> Iterator[str]:
+        return iter(self._columns)
+
+    def __len__(self) -> int:
+        return len(self._columns)
+
+    def __repr__(self) -> str:
+        return f"<{type(self).__name__}: {len(self.time)} rows of {', '.join(self)}>"
+
+    def to_pandas(self) -> Any:
+        """A ``pandas.DataFrame`` with the time as index; ImportError where pandas is missing."""
+        pandas = _needed("pandas", "to_pandas()")
+        return pandas.DataFrame(self._columns, index=pandas.Index(self.time, name="Time"))
+
+
+class Run(Columns):
+    """What a run recorded: a row at the time 0 and then every so many seconds."""
+
+
+class Screen(Columns):
+    """The last complete screen of a scope, whose samples are single-precision numbers."""
+
+    def __init__(self, names: List[str], units: List[str], arrays: List[Array],
+                 draw: Callable[[], Optional[str]]) -> None:
+        super().__init__(names, units, arrays)
+        self._draw = draw
+
+    def _repr_svg_(self) -> Optional[str]:
+        return self._draw()
+
+
+class Reading(NamedTuple):
+    """A value, and the frequency at which it was read."""
+
+    frequency: float  #: Hz
+    value: float  #: dB or degrees
+
+
+class Margins(NamedTuple):
+    """What is read off a response; what is not there is None, and ``missing`` says why."""
+
+    bandwidth: Optional[float]  #: where the gain first falls through -3 dB, Hz
+    phase_bandwidth: Optional[float]  #: where the phase first falls through -90 degrees, Hz
+    peaking: Optional[Reading]  #: the greatest gain, dB
+    phase_margins: List[Reading]  #: degrees, at each crossing of 0 dB
+    gain_margins: List[Reading]  #: dB, at each crossing of an odd number of half turns
+    sensitivity: Optional[Reading]  #: the greatest of 1 / abs(1 + open loop)
+    missing: List[str]
+    accurate_up_to: float  #: what the sample time is short enough for, Hz
+
+    @property
+    def phase_margin(self) -> Optional[Reading]:
+        """The phase margin nearest to 0."""
+        return min(self.phase_margins, key=lambda one: abs(one.value), default=None)
+
+    @property
+    def gain_margin(self) -> Optional[Reading]:
+        """The gain margin nearest to 0."""
+        return min(self.gain_margins, key=lambda one: abs(one.value), default=None)
+
+
+class Response:
+    """A frequency response; all arrays are float64 of shape (points,).
+
+    ``frequency`` is in Hz, ``gain_db`` in dB, ``phase_deg`` in degrees, wrapped to (-270, 90];
+    ``excited`` (bool) says where the excitation had power, elsewhere the rest is noise;
+    ``coherence`` is None unless several measurements were averaged.
+    """
+
+    def __init__(self, measured: Any, draw: Callable[[], Optional[str]]) -> None:
+        hz, gain, phase, excited, coherence = measured.columns()
+        self.frequency: Array = hz
+        self.gain_db: Array = gain
+        self.phase_deg: Array = phase
+        self.excited: Array = excited.view(bool)
+        self.coherence: Optional[Array] = coherence
+        self.input: str = measured.input
+        self.output: str = measured.output
+        self.doubts: List[str] = measured.doubts()
+        self._measured = measured
+        self._draw = draw
+
+    @property
+    def complex(self) -> Array:
+        """Output over input as complex128 numbers, shape (points,)."""
+        return 10.0 ** (self.gain_db / 20.0) * np.exp(1j * np.deg2rad(self.phase_deg))
+
+    def margins(self, read_as: str = "auto") -> Margins:
+        """Reads bandwidth, peaking and margins off the response.
+
+        ``read_as``: "open" loop, "closed" loop, "unity" (closed, its output fed back), or "auto".
+        """
+        read = self._measured.margins(read_as)
+        for name in ("peaking", "sensitivity"):
+            read[name] = read[name] and Reading(*read[name])
+        for name in ("phase_margins", "gain_margins"):
+            read[name] = [Reading(*one) for one in read[name]]
+        return Margins(**read)
+
+    def to_control(self) -> Any:
+        """An ``FRD`` of python-control, of the excited points; ImportError where it is missing."""
+        control = _needed("control", "to_control()")
+        points = self.excited & (self.frequency > 0)
+        return control.FRD(self.complex[points], 2 * np.pi * self.frequency[points])
+
+    def __len__(self) -> int:
+        return len(self.frequency)
+
+    def __repr__(self) -> str:
+        return f"<Response: {self.output} to {self.input}, {len(self)} points>"
+
+    def _repr_svg_(self) -> Optional[str]:
+        return self._draw()
+
+
+class Measures(Mapping[str, Optional[float]]):
+    """Figures under their captions, "Overshoot"; None where one cannot be told.
+
+    Each is an attribute too: ``measures.rms_error``. ``reasons`` says why some are missing,
+    ``warnings`` what makes some less trustworthy.
+    """
+
+    def __init__(self, names: List[str], values: List[Optional[float]], reasons: List[str],
+                 warnings: List[str]) -> None:
+        self._values = dict(zip(names, values))
+        self.reasons = reasons
+        self.warnings = warnings
+
+    def __getitem__(self, name: str) -> Optional[float]:
+        return self._values[name]
+
+    def __getattr__(self, name: str) -> Optional[float]:
+        if not name.startswith("_"):
+            for caption, value in self._values.items():
+                if caption.lower().replace(" ", "_") == name:
+                    return value
+        raise AttributeError(name)
+
+    def __iter__(self) -> Iterator[str]:
+        return iter(self._values)
+
+    def __len__(self) -> int:
+        return len(self._values)
+
+    def __repr__(self) -> str:
+        return f"Measures({self._values})"
+
+
+class Linear(NamedTuple):
+    """A linear model from one signal to another about the point at which the loop stands.
+
+    ``A`` (n, n), ``B`` (n,), ``C`` (1, n), ``D`` (1,); ``Ts`` seconds, 0 of a continuous one;
+    poles and zeros complex, in 1/s or in the z plane.
+    """
+
+    A: Array
+    B: Array
+    C: Array
+    D: Array
+    Ts: float
+    poles: Array
+    zeros: Array
+    notes: List[str]
+    stability: str
+
+
+class Theory(NamedTuple):
+    """What theory says of a response: float64 arrays of shape (points,)."""
+
+    frequency: Array  #: Hz
+    gain_db: Array
+    phase_deg: Array
+
+    @property
+    def complex(self) -> Array:
+        """Output over input as complex128 numbers."""
+        return 10.0 ** (self.gain_db / 20.0) * np.exp(1j * np.deg2rad(self.phase_deg))
+
+
+class Study(np.ndarray):
+    """The rows of a study: a structured array with a field for each column.
+
+    ``Run`` and ``Measures`` are integers, settings float64 (or texts, of choices), measures
+    float64 with NaN for what a run has none of, ``Reason`` text. ``csv`` is the table as
+    torvane-cli writes it, ``best`` the position of the best row, if one was asked for.
+    """
+
+    csv: bytes = b""
+    best: Optional[int] = None
+
+    def __array_finalize__(self, other: Any) -> None:
+        self.csv = getattr(other, "csv", b"")
+        self.best = getattr(other, "best", None)
+
+    def write(self, path: Union[str, Path]) -> None:
+        """Writes the whole table as torvane-cli does, byte for byte."""
+        Path(path).write_bytes(self.csv)
+
+
+def study_of(table: bytes, best: Optional[int]) -> Study:
+    """The structured array of a table."""
+    captions, *rows = csv.reader(io.StringIO(table.decode("utf-8"), newline=""))
+    mark = len(captions) - 1 - captions[::-1].index("Measures")
+    fields = []
+    for place, caption in enumerate(captions):
+        values = [row[place] for row in rows]
+        fields.append((caption, _type_of(place, mark, caption, values)))
+    array = np.empty(len(rows), dtype=fields).view(Study)
+    for place, (caption, kind) in enumerate(fields):
+        array[caption] = [_number(row[place]) if kind == "f8" else row[place] for row in rows]
+    array.csv, array.best = table, best
+    return array
+
+
+def _type_of(place: int, mark: int, caption: str, values: List[str]) -> Any:
+    if place in (0, mark):
+        return "i8"
+    if caption == "Reason":
+        return object
+    numbers = all(_is_number(value) for value in values if value or place < mark)
+    return "f8" if numbers else object
+
+
+def _is_number(text: str) -> bool:
+    try:
+        float(text)
+    except ValueError:
+        return False
+    return True
+
+
+def _number(text: str) -> float:
+    return float(text) if text else float("nan")
+
+
+def measures_of(told: Tuple[List[str], List[Optional[float]], List[str], List[str]]) -> Measures:
+    """The figures that were told."""
+    return Measures(*told)
+
+
+def _needed(module: str, what: str) -> Any:
+    try:
+        return __import__(module)
+    except ImportError as missing:
+        raise ImportError(f"{what} needs the package {module}, which is not installed") from missing

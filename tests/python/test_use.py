@@ -1,0 +1,146 @@
+"""Limits, misuse, and what ends a run."""
+
+import gc
+import os
+import signal
+import threading
+import time
+
+import numpy as np
+import pytest
+import torvane as tv
+
+REFUSED = [
+    (ValueError, "KP is limited to", lambda m: m.__setitem__("KP", 1e12)),
+    (ValueError, "KP needs a number", lambda m: m.__setitem__("KP", "much")),
+    (KeyError, "no constant 'KPX'", lambda m: m.__setitem__("KPX", 1)),
+    (KeyError, "no constant or signal", lambda m: m["Nothing"]),
+    (ValueError, "model", lambda m: tv.Model("33-3")),
+    (OSError, "nowhere.tvf", lambda m: tv.Model("nowhere.tvf")),
+    (ValueError, "until must be above 0", lambda m: m.run(until=-1)),
+    (ValueError, "signal", lambda m: m.run(until=1, every=0.1, record=["Commnd"])),
+    (ValueError, "input is required", lambda m: m.bode()),
+    (ValueError, "Maximum Order = 13", lambda m: m.bode("Command", "Response", order=99)),
+    (ValueError, "tsample must be above 0",
+     lambda m: m.bode("Command", "Response", tsample=0)),
+    (TypeError, "integer", lambda m: m.bode("Command", "Response", average=1.5)),
+    (ValueError, "with names the signal", lambda m: m.meter("Response", "correlation", until=1)),
+    (ValueError, "one of them",
+     lambda m: m.step_measures("Command", "Response", window=1, time_base=1)),
+    (TypeError, "unexpected keyword",
+     lambda m: tv.study(m, {"KP": [1]}, command="Command", response="Response", windw=1)),
+    (ValueError, "Settling", lambda m: m.tune({"KP": (1, 2)}, command="Command",
+                                            response="Response", best="Setling")),
+    (tv.StoppedError, "meets", lambda m: m.tune({"KP": (1, 2)}, command="Command", runs=2,
+                                                response="Response", require=["Rise<1e-9"])),
+    (ValueError, "two arrays of one length", lambda m: m.generator().play([0, 1], [0])),
+    (ValueError, "", lambda m: m.generator().play([1, 0], [0, 1])),
+]
+
+
+@pytest.mark.parametrize("kind,text,wrong", REFUSED)
+def test_what_is_wrong_is_said_and_changes_nothing(kind, text, wrong):
+    m = tv.Model("3-1")
+    before = m.run(until=0.01, every=1e-4)
+    with pytest.raises(kind) as told:
+        wrong(m)
+    assert text in str(told.value) and "--" not in str(told.value)
+    after = m.run(until=0.01, every=1e-4)
+    assert all(np.array_equal(before[one], after[one]) for one in before)
+
+
+def test_an_overflow_ends_a_run_and_the_next_begins_anew():
+    m = tv.Model("3-1")
+    good = m.run(until=0.01, every=1e-4)["Response"]
+    m.generator().amplitude = 1e308
+    with pytest.raises(tv.StoppedError, match="verflow"):
+        m.run(until=1000)
+    m.generator().amplitude = 10
+    assert np.array_equal(m.run(until=0.01, every=1e-4)["Response"], good)
+
+
+def test_resuming_goes_on_where_it_was():
+    m = tv.Model("3-1")
+    whole = m.run(until=0.02, every=1e-4)["Response"]
+    m.run(until=0.01)
+    rest = m.run(until=0.02, every=1e-4, resume=True)["Response"]
+    assert np.array_equal(rest, whole[-len(rest):])
+    m.restart()
+    assert m.time == 0
+
+
+def test_arrays_outlive_their_model():
+    r = tv.Model("3-1").run(until=0.01, every=1e-5)
+    kept = r["Response"].copy()
+    response = r["Response"]
+    del r
+    gc.collect()
+    assert response.dtype == np.float64 and np.array_equal(response, kept)
+
+
+def test_one_thread_at_a_time():
+    m = tv.Model("3-1")
+    begun, told = threading.Event(), []
+    go_on = threading.Event()
+
+    def end():
+        if go_on.is_set():
+            raise KeyError("enough")
+
+    def run():
+        with pytest.raises(KeyError, match="enough"):
+            m.run(until=1e9, on_progress=lambda *_: begun.set() or end())
+        told.append("ended")
+
+    other = threading.Thread(target=run)
+    other.start()
+    assert begun.wait(60)
+    for use in (lambda: m.run(until=1), lambda: m["KP"], lambda: m.copy()):
+        with pytest.raises(RuntimeError, match="running"):
+            use()
+    child = os.fork()
+    if child == 0:  # a copy of the process begins anew
+        os._exit(0 if m["KP"] == tv.Model("3-1")["KP"] and m.time == 0 else 1)
+    assert os.waitpid(child, 0)[1] == 0
+    go_on.set()
+    other.join()
+    assert told == ["ended"] and m.run(until=0.01) is None
+
+
+@pytest.mark.parametrize("work", [
+    lambda: tv.Model("3-1").run(until=1e9),
+    lambda: tv.study("6-1", {"KVP": np.linspace(0.4, 1, 100000)}, command="vC", response="vF"),
+])
+def test_an_interrupt_ends_it(work):
+    threading.Timer(0.3, lambda: os.kill(os.getpid(), signal.SIGINT)).start()
+    begun = time.monotonic()
+    with pytest.raises(KeyboardInterrupt):
+        work()
+    assert time.monotonic() - begun < 60
+
+
+@pytest.mark.parametrize("package,ask", [
+    ("pandas", lambda m: m.run(until=0.01, every=0.001).to_pandas()),
+    ("control", lambda m: m.bode("Command", "Response", order=9).to_control()),
+])
+def test_what_is_not_installed_is_said(package, ask, monkeypatch):
+    import sys
+    monkeypatch.setitem(sys.modules, package, None)
+    with pytest.raises(ImportError, match=package):
+        ask(tv.Model("3-1"))
+
+
+def test_doubts_are_warnings():
+    with pytest.warns(tv.TorvaneWarning):
+        tv.Model("13-1").bode("vC", "vF", order=9)
+
+
+def test_pictures_where_torvane_cli_draws_them():
+    m = tv.Model("3-1")
+    drawn = m._repr_svg_()
+    if drawn is None:
+        pytest.skip("torvane-cli draws no pictures here")
+    pictures = [drawn, m.bode("Command", "Response", order=9)._repr_svg_(),
+                m.sweep("Command", "Response", from_=50, to=100)._repr_svg_(),
+                m.scope(0.1)._repr_svg_()]
+    assert all("<svg" in picture for picture in pictures)
