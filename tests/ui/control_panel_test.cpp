@@ -1,5 +1,6 @@
 #include "ui/desk/control_panel.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMenu>
@@ -9,6 +10,7 @@
 
 #include "desktop.h"
 #include "support/one_state_model.h"
+#include "ui/session/loop_shelf.h"
 
 namespace torvane {
 namespace {
@@ -28,6 +30,27 @@ class ControlPanelTest : public test::Desktop {
     return current;
   }
 };
+
+// Where editors go to the end of a line with Ctrl+E, say.
+TEST_F(ControlPanelTest, AKeyOfTheWindowIsNoneOfAnEdits) {
+  Find<QAction>("MIPoles").setShortcut(QKeySequence::SelectAll);
+  Play("click SGConsts[KVP]; key SGConsts F2; key focus Ctrl+A -> PolesPanel shown");
+  Play(
+      "click SGConsts[KVP]; keys focus 7; key focus Ctrl+A -> PolesPanel hidden; "
+      "saved Constant,KVP,7");
+}
+
+TEST_F(ControlPanelTest, AListThatIsOpenStaysWhereItIsWhenALoopComes) {
+  auto& list = Find<QComboBox>("ModelCmB");
+  Play("box FirstLoop.mo; click MIOpenLoop -> ModelCmB=FirstLoop");
+  list.showPopup();
+  list.view()->setCurrentIndex(list.model()->index(7, 0));
+  const int before = list.count();
+  Play("put " + LoopShelf::Folder().toStdString() + "/aaa.mo model Aaa\\nend Aaa;");
+  EXPECT_TRUE(WaitFor([&] { return list.count() > before; }));
+  EXPECT_EQ(list.view()->currentIndex().row(), 7);
+  QFile::remove(LoopShelf::Folder() + "/aaa.mo");
+}
 
 // It shows where it stopped, six digits of it, and paints at most thirty frames a second and one.
 TEST_F(ControlPanelTest, TheTimeIsShownAtMostOnceAFrame) {

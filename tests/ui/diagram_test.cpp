@@ -10,6 +10,7 @@
 #include "loops/own_loop.h"
 #include "models/catalogue.h"
 #include "plot/diagram/loop_diagram.h"
+#include "plot/diagram/loop_layout.h"
 
 namespace torvane {
 namespace {

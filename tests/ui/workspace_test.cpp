@@ -101,6 +101,11 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
        [this] {
          for (int i = 0; i < 4; ++i) Trigger("MIAddMeter");
        }},
+      {"poles beside the analyser",
+       [this] {
+         Area().Toggle(InstrumentKind::FftAnalyser);
+         Trigger("MIPoles");
+       }},
       {"guide", [this] { Trigger("MIGuide"); }},
       {"experiment", [this] { Begin(0); }},
       {"experiment with analyser", [this] { Begin(3); }}};
@@ -117,6 +122,7 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
       const ScreenPixels graph = Find<ScopePaintBox>("PBScreen").Pixels();
       EXPECT_GE(graph.Width(), size.width() >= 1280 ? 400 : 300) << size.width() << name;
       EXPECT_GE(graph.Height(), size.width() >= 1280 ? 250 : 180) << size.width() << name;
+      EXPECT_TRUE(size.width() < Small.width() || Cover().first) << size.width() << name;
       const auto text = [](int a, int b) { return std::to_string(a) + "x" + std::to_string(b); };
       lines.push_back(text(size.width(), size.height()) + " " + name + " => " +
                       text(graph.Width(), graph.Height()));

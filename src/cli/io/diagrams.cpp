@@ -6,6 +6,7 @@
 
 #ifdef TORVANE_PICTURES
 #include "plot/diagram/loop_diagram.h"
+#include "plot/diagram/loop_layout.h"
 #endif
 
 namespace torvane::cli {

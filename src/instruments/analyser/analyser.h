@@ -125,6 +125,8 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// Puts a response that was measured elsewhere into memory 1 to 4 and shows it, whatever channels
   /// are chosen. The name says where it comes from.
   void LoadMemory(int slot, ResponseCurve curve, std::string name);
+  /// Puts one there of which more is known: what it is of, its doubts, and when it was taken.
+  void LoadMemory(int slot, Response response, TraceOrigin origin);
   /// Does so with the current measurement of another analyser, under its title and channels and
   /// with all that is known of it; false after a note when it has none, or a spectrum.
   bool CopyFrom(const FrequencyAnalyser& other, int slot, const std::string& title);

@@ -18,6 +18,10 @@ void FrequencyAnalyser::LoadMemory(int slot, ResponseCurve curve, std::string na
   Hold(slot, {ResponseSource::Loaded, std::move(name), std::move(curve), hasCoherence}, {});
 }
 
+void FrequencyAnalyser::LoadMemory(int slot, Response response, TraceOrigin origin) {
+  if (slot > 0 && slot < SlotCount) Hold(slot, std::move(response), std::move(origin));
+}
+
 void FrequencyAnalyser::Hold(int slot, Response response, TraceOrigin origin) {
   ResponseSlot held;
   held.Enabled = held.Shown = true;
@@ -36,11 +40,7 @@ bool FrequencyAnalyser::CopyFrom(const FrequencyAnalyser& other, int slot,
   }
   const Response& from = other.ResponseAt(0);
   const ResponseSubject& of = from.Subject();
-  Response copy(ResponseSource::Loaded, title + " " + of.Output + " / " + of.Input,
-                {from.Curve().begin(), from.Curve().end()}, from.HasCoherence());
-  copy.SetSubject(of);
-  copy.Doubt(from.Doubts());
-  Hold(slot, std::move(copy), other.Origin(0));
+  LoadMemory(slot, from.Loaded(title + " " + of.Output + " / " + of.Input), other.Origin(0));
   return true;
 }
 

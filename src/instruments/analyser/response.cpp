@@ -79,6 +79,15 @@ std::optional<double> Response::Read(ResponseQuantity quantity, double hz) const
   return (1.0 - share) * *value + share * *next;
 }
 
+Response Response::Loaded(std::string name) const {
+  const std::span<const ResponsePoint> points = Curve();
+  Response loaded(ResponseSource::Loaded, std::move(name), {points.begin(), points.end()},
+                  hasCoherence_);
+  loaded.subject_ = subject_;
+  loaded.doubts_ = doubts_;
+  return loaded;
+}
+
 Response Response::Seen(const ResponseView& view) const {
   Response seen = *this;
   if (view.OpenLoop) OpenFromClosed(seen.Curve());

@@ -81,6 +81,10 @@ class Response {
   /// points on either side of a wrap.
   std::optional<double> Read(ResponseQuantity quantity, double hz) const;
 
+  /// The same as one from elsewhere, whose name says where from: its points, what it is of and what
+  /// makes it doubtful.
+  Response Loaded(std::string name) const;
+
   /// What a view shows of it: of the open loop, unwrapped, with its group delay.
   Response Seen(const ResponseView& view) const;
 

@@ -55,6 +55,7 @@ namespace torvane {
 namespace {
 
 constexpr int RefreshMilliseconds = 100;
+constexpr int TitleTicks = 20;
 struct Pace {
   const char* Label;
   double Simulated;  // seconds for each real one
@@ -145,13 +146,14 @@ void ControlPanel::AddLoops() {
   connect(&session_, &Session::ModelChanged, this, follow);
   connect(&session_.Draft(), &LoopDraft::FileChanged, this, follow);
   connect(&session_, &Session::AboutToApply, this, [this] {
-    before_ = {{}, Running()};
+    before_ = {{}, Running(), focusWidget()};
     // An experiment ends here, and brings the user's own desk back by itself.
     if (!experiments_->IsActive()) before_->Desk = ui_->InstrumentArea->Present();
   });
   connect(&session_, &Session::Applied, this, [this] {
     const auto before = std::exchange(before_, std::nullopt);
     if (before->Desk) ui_->InstrumentArea->Restore(*before->Desk);
+    if (before->Focus) before->Focus->setFocus();
     if (before->Running) Run();
   });
 }
@@ -259,7 +261,7 @@ void ControlPanel::ConnectControls() {
 void ControlPanel::LeaveModel() {
   Stop();
   driver_.Leave();
-  picture_->SetModel(nullptr, data_);
+  picture_->SetModel(nullptr, data_, session_.IsApplying());
   ui_->InstrumentArea->CloseAll();
   if (Model()) Model()->Bench().History().Attach(nullptr);
 }
@@ -284,16 +286,23 @@ void ControlPanel::ShowModel() {
   model.PrepareCapture();
   ui_->BShowModelTXT->setVisible(!model.TextFile().empty());
   model.Bench().History().Attach(this);
-  picture_->SetModel(&model, data_);
+  picture_->SetModel(&model, data_, session_.IsApplying());
   ui_->MIDiagramPane->setEnabled(picture_->HasDiagram());
   ui_->SBShowModelBMP->setEnabled(session_.Loop() || !model.PictureFile().empty());
-  text_->hide();
+  if (session_.IsApplying()) {
+    text_->Renew(QtText(session_.Loop()->Text));
+  } else {
+    text_->hide();
+  }
   models_->ShowPresent();
   ShowTime();
   experiments_->ModelShown();
 }
 
+// Whether something is unsaved takes a model file's text to tell: at once when a change tells of
+// itself, now and then for what does not.
 void ControlPanel::ShowTitle() {
+  titleTicks_ = 0;
   const QString title = session_.Title();
   if (windowTitle() != title) setWindowTitle(title);
 }
@@ -338,7 +347,7 @@ void ControlPanel::ShowTime() {
 void ControlPanel::RefreshTick() {
   if (!Model()) return;
   models_->ShowPresent();
-  ShowTitle();
+  if (++titleTicks_ >= TitleTicks) ShowTitle();
   Model()->Bench().RefreshInstruments();
   picture_->Diagram().Refresh();
   experiments_->Refresh();
@@ -432,9 +441,7 @@ void ControlPanel::RestoreDefaults() {
 }
 
 void ControlPanel::ShowTune() {
-  const auto askFile = [this](const QString& name) {
-    return loops_->MaySaveModel() ? files_->AskWhereToSave(name) : QString();
-  };
+  const auto askFile = [this](const QString& name) { return files_->AskWhereToSave(name); };
   if (!tune_) tune_ = new TuneWindow(session_, askFile, this);
   tune_->Open();
 }
@@ -472,6 +479,7 @@ bool ControlPanel::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ControlPanel::SetCaption(UndoItem item, const std::string& caption) {
+  titleTicks_ = TitleTicks;
   QString text = QString::fromStdString(caption);
   text.replace(u'&', QStringLiteral("&&"));
   if (item == UndoItem::UndoMenu) ui_->MIUndo->setText(text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 #include <memory>
 #include <optional>
@@ -131,9 +132,11 @@ class ControlPanel : public QMainWindow, private UndoItems {
   struct Before {
     std::optional<Workspace::Desk> Desk;
     bool Running;
+    QPointer<QWidget> Focus;
   };
   std::optional<Before> before_;
   int frames_ = 0;
+  int titleTicks_ = 0;   // since the title was looked at
   bool ending_ = false;  // what there was to ask and to keep is done
 };
 

@@ -71,17 +71,13 @@ void ExperimentsMenu::Fill() {
   if (offered.empty()) menu_.addAction(QStringLiteral("None for this model"))->setEnabled(false);
 }
 
-// The neighbour of the one that is shown.
+// The neighbour of the one that is shown; numbers may be alike.
 void ExperimentsMenu::GoOn(int by) {
-  const Experiment* shown = panel_->Shown();
-  if (!shown) return;
+  if (!panel_->Shown()) return;
   const Offered offered = OfModel();
-  for (std::size_t i = 0; i < offered.size(); ++i) {
-    const std::size_t next = i + static_cast<std::size_t>(by);
-    if (offered[i].Record.Number == shown->Number && next < offered.size()) {
-      Begin(offered, next);
-    }
-  }
+  const auto shown = std::ranges::find(offered, file_, &OfferedExperiment::File);
+  const auto next = static_cast<std::size_t>(shown - offered.begin() + by);
+  if (shown != offered.end() && next < offered.size()) Begin(offered, next);
 }
 
 // The menu is filled anew, and the panel written, while the model changes; what has been clicked is
@@ -99,15 +95,20 @@ bool ExperimentsMenu::MayLose() {
 void ExperimentsMenu::SetUp(const Offered& offered, std::size_t index) {
   const OfferedExperiment& experiment = offered[index];
   if (!session_.CanRead(experiment.File) || !MayLose()) return;
-  if (!own_) {
+  const bool begins = !own_;
+  if (begins) {
     emit AboutToBegin();
     own_ = workspace_.Present();
   }
   const QScopedValueRollback settingUp(settingUp_, true);
-  if (!session_.BuildAnew()) return;
+  if (!session_.BuildAnew()) {
+    if (begins) own_.reset();
+    return;
+  }
   // What its class remembers of the run before would kick the loop, or keep its sampler waiting.
   session_.Model()->DropClassMemory();
-  if (!session_.OpenConfiguration(experiment.File)) return;
+  if (!session_.OpenConfiguration(experiment.File)) return Leave();
+  file_ = experiment.File;
   const Experiment& record = experiment.Record;
   Dock(record.Shows(InstrumentKind::FftAnalyser) || record.Shows(InstrumentKind::SweptSine));
   const bool isLast = index + 1 == offered.size();

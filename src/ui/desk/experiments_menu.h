@@ -63,6 +63,7 @@ class ExperimentsMenu : public QObject {
   QMainWindow& window_;
   ExperimentPanel* panel_;
   std::optional<Workspace::Desk> own_;  // while an experiment is on
+  QString file_;                        // of the one that is on
   bool settingUp_ = false;
 };
 

@@ -158,7 +158,6 @@ QString FileCommands::SaveFolder() const {
 }
 
 bool FileCommands::SaveAs() {
-  if (!maySave_()) return false;
   const QString name =
       session_.File().isEmpty()
           ? QString::fromStdString(session_.Model()->Name()) + QStringLiteral(".tvf")
@@ -174,7 +173,7 @@ QString FileCommands::AskWhereToSave(const QString& name) {
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
   dialog.selectFile(name);
   const QString path = Choose(dialog);
-  return !path.isEmpty() && MayOverwrite(path) ? path : QString();
+  return !path.isEmpty() && MayOverwrite(path) && maySave_() ? path : QString();
 }
 
 bool FileCommands::OfferToSave() {

@@ -34,7 +34,8 @@ class FileCommands : public QObject {
   /// Comes back when the user has read why it cannot be kept.
   void KeepForNextStart();
 
-  /// What is asked before a model file is written; false when it is not to be.
+  /// What is asked before a model file is written, once its path is known; false when it is not to
+  /// be.
   void AskBeforeSaving(std::function<bool()> ask) { maySave_ = std::move(ask); }
 
   /// Asks for a file and loads it.

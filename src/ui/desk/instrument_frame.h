@@ -29,6 +29,8 @@ class InstrumentFrame : public QMdiSubWindow {
   /// Whether the user wants to see it; it has not come to the screen before its workspace has.
   bool IsShown() const { return shown_; }
   void SetShown(bool shown);
+  /// Is not on the screen from the start. Its pane is not told: the user has put nothing away.
+  void BeginHidden() { Put(false); }
   /// Shown or hidden because the user said so.
   bool IsChosen() const { return chosen_; }
   void SetChosen(bool chosen) { chosen_ = chosen; }

@@ -170,21 +170,19 @@ bool LoopCommands::MayLeaveText() {
 }
 
 bool LoopCommands::MaySaveModel() {
-  LoopDraft& draft = session_.Draft();
-  if (!draft.Unsaved() || !session_.Loop() || draft.Path() != QtText(session_.Loop()->Path)) {
-    return true;
-  }
-  QMessageBox box(QMessageBox::Warning, QStringLiteral("Warning"),
-                  QStringLiteral("A model file names the loop's file, and the text of the loop "
-                                 "\"%1\" has not been saved.")
-                      .arg(QFileInfo(draft.Path()).fileName()),
-                  QMessageBox::Cancel, &window_);
+  if (session_.IsLoopInItsFile()) return true;
+  QMessageBox box(
+      QMessageBox::Warning, QStringLiteral("Warning"),
+      QStringLiteral("A model file names the loop's file, and the text that runs is not that in "
+                     "\"%1\".")
+          .arg(QFileInfo(QtText(session_.Loop()->Path)).fileName()),
+      QMessageBox::Cancel, &window_);
   box.setObjectName(QStringLiteral("UnsavedLoopBox"));
   box.setTextFormat(Qt::PlainText);
   auto* const both = box.addButton(QStringLiteral("Save &Both"), QMessageBox::AcceptRole);
   box.setDefaultButton(both);
   box.exec();
-  return box.clickedButton() == both && draft.Save();
+  return box.clickedButton() == both && session_.SaveLoop();
 }
 
 void LoopCommands::SaveText() {

@@ -37,8 +37,8 @@ class LoopCommands : public QObject {
   bool CanEdit() const;
   /// Before the text goes: whether it is saved, or saved now, or the user gives it up.
   bool MayLeaveText();
-  /// Before a model file is written: whether the file that it names holds the loop that runs, or
-  /// has been given it now.
+  /// Before a model file is written, when all else is settled: whether the file that it names holds
+  /// the loop that runs, or has been given it now.
   bool MaySaveModel();
   /// Takes what another program has written into the loop's file; the model follows when it is that
   /// loop.

@@ -25,21 +25,42 @@ ModelList::ModelList(QComboBox& list, Session& session, LoopShelf& shelf)
   });
 }
 
-// Loops of one name are told apart by their files.
-void ModelList::Fill() {
-  list_.clear();
-  for (const std::string& name : session_.Models().Names()) list_.addItem(QtText(name));
+// A line of dashes where there are loops below it. Loops of one name are told apart by their files.
+std::vector<ModelList::Item> ModelList::Offered() const {
+  std::vector<Item> items;
+  for (const std::string& name : session_.Models().Names()) items.push_back({QtText(name), {}});
   const auto& loops = shelf_.Loops();
-  if (!loops.empty()) list_.insertSeparator(list_.count());
+  if (!loops.empty()) items.emplace_back();
   for (const ShelvedLoop& loop : loops) {
     const bool alone = std::ranges::count(loops, loop.Name, &ShelvedLoop::Name) == 1;
     const QFileInfo file(loop.Path);
-    list_.addItem(
-        alone ? loop.Name
-              : QStringLiteral("%1 (%2/%3)").arg(loop.Name, file.dir().dirName(), file.fileName()),
-        loop.Path);
-    list_.setItemData(list_.count() - 1, loop.Path, Qt::ToolTipRole);
+    items.push_back(
+        {alone ? loop.Name
+               : QStringLiteral("%1 (%2/%3)").arg(loop.Name, file.dir().dirName(), file.fileName()),
+         loop.Path});
   }
+  return items;
+}
+
+// What stays keeps its place in a list that is open.
+void ModelList::Fill() {
+  const std::vector<Item> offered = Offered();
+  const auto at = [this](int row) {
+    return Item{list_.itemText(row), list_.itemData(row).toString()};
+  };
+  int row = 0;
+  for (const Item& item : offered) {
+    while (row < list_.count() && std::ranges::find(offered, at(row)) == offered.end()) {
+      list_.removeItem(row);
+    }
+    if (row == list_.count() || at(row) != item) {
+      item.Text.isEmpty() ? list_.insertSeparator(row)
+                          : list_.insertItem(row, item.Text, item.Path);
+      if (!item.Path.isEmpty()) list_.setItemData(row, item.Path, Qt::ToolTipRole);
+    }
+    ++row;
+  }
+  while (list_.count() > row) list_.removeItem(row);
   if (session_.Model()) ShowPresent();
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
+#include <vector>
 
 class QComboBox;
 
@@ -21,6 +23,13 @@ class ModelList : public QObject {
   void ShowPresent();
 
  private:
+  struct Item {
+    QString Text;  // empty: a line
+    QString Path;  // of a loop
+    bool operator==(const Item&) const = default;
+  };
+
+  std::vector<Item> Offered() const;
   void Fill();
   void Choose(int index);
   int IndexOfPresent() const;

@@ -100,7 +100,7 @@ InstrumentFrame* Workspace::AddFrame(std::unique_ptr<InstrumentPane> pane) {
   addSubWindow(frame);
   frames_.push_back(frame);
   frame->Pane().SetRoom(size());
-  if (frame->Pane().ShownAtFirst() != InstrumentPane::AtFirst::Shown) frame->SetShown(false);
+  if (frame->Pane().ShownAtFirst() != InstrumentPane::AtFirst::Shown) frame->BeginHidden();
   connect(frame, &InstrumentFrame::PlacementChanged, this, [this] {
     if (!arranging_) filling_ = false;
   });
@@ -195,7 +195,7 @@ void Workspace::SetShown(const Instrument& instrument, bool shown) {
   if (!changes) return;
   if (filling_) {
     if (shown) MakeRoomFor(*frame);
-    BringBack();
+    BringBack(!shown && frame->Role() == TileRole::Analyser);
     FillScreen();
   } else if (shown) {
     PlaceAsAsked(*frame);
@@ -234,29 +234,35 @@ bool Workspace::IsCovered(const InstrumentFrame& frame) const {
 
 Workspace::Desk Workspace::Present() const {
   Desk desk{filling_, {}};
-  for (const InstrumentFrame* frame : frames_) {
+  for (const QMdiSubWindow* window : subWindowList(QMdiArea::StackingOrder)) {
+    const auto* frame = static_cast<const InstrumentFrame*>(window);
     const Instrument& instrument = frame->Pane().Engine();
     desk.Windows.push_back({instrument.Kind(), instrument.Name(), frame->IsShown(),
-                            frame->IsChosen(), instrument.Placement});
+                            frame->HasYielded(), frame->IsChosen(), window == activeSubWindow(),
+                            instrument.Placement});
   }
   return desk;
 }
 
 void Workspace::Restore(const Desk& desk) {
   const QScopedValueRollback arranging(arranging_, true);
-  for (InstrumentFrame* frame : frames_) {
-    Instrument& instrument = frame->Pane().Engine();
-    const auto before =
-        std::find_if(desk.Windows.begin(), desk.Windows.end(), [&](const Desk::Window& window) {
-          return window.Kind == instrument.Kind() && window.Name == instrument.Name();
-        });
-    if (before == desk.Windows.end()) continue;
-    frame->SetShown(before->Shown);
-    frame->SetChosen(before->Chosen);
-    if (desk.Filling || !before->Shown) continue;
-    instrument.Placement = before->Place;
+  InstrumentFrame* active = nullptr;
+  for (const Desk::Window& before : desk.Windows) {
+    const auto found = std::ranges::find_if(frames_, [&](const InstrumentFrame* frame) {
+      const Instrument& instrument = frame->Pane().Engine();
+      return instrument.Kind() == before.Kind && instrument.Name() == before.Name;
+    });
+    if (found == frames_.end()) continue;
+    InstrumentFrame* const frame = *found;
+    before.Yielded ? frame->Yield() : frame->SetShown(before.Shown);
+    frame->SetChosen(before.Chosen);
+    frame->raise();
+    if (before.Active && before.Shown) active = frame;
+    if (desk.Filling || !before.Shown) continue;
+    frame->Pane().Engine().Placement = before.Place;
     frame->ApplyPlacement();
   }
+  if (active) setActiveSubWindow(active);
   if (desk.Filling) FillScreen();
   filling_ = desk.Filling;
 }
@@ -321,12 +327,20 @@ void Workspace::ShowWhatFits() {
   }
 }
 
-void Workspace::BringBack() {
+bool Workspace::HaveRoom() const {
+  std::vector<Tile> tiles;
+  for (const InstrumentFrame* shown : ShownFrames()) {
+    if (!IsMeter(*shown)) tiles.push_back(shown->Sizes());
+  }
+  return AreApart(TileArea(tiles, size()), size());
+}
+
+void Workspace::BringBack(bool inPlace) {
   for (InstrumentFrame* frame : frames_) {
     if (!frame->HasYielded()) continue;
     std::vector<Tile> tiles = Tiles();
     tiles.push_back(frame->Sizes());
-    const bool isAlone = frame->Role() == TileRole::Analyser && !FrontAnalyser();
+    const bool isAlone = inPlace && frame->Role() == TileRole::Analyser && !FrontAnalyser();
     if (isAlone || AreApart(TileArea(tiles, size()), size())) frame->SetShown(true);
   }
 }
@@ -345,11 +359,7 @@ void Workspace::MakeRoomFor(const InstrumentFrame& wanted) {
   if (wanted.Role() != TileRole::Analyser) return;
   for (InstrumentFrame* frame : frames_) {
     if (frame == &wanted || !frame->IsShown() || frame->Role() != TileRole::Analyser) continue;
-    std::vector<Tile> tiles;
-    for (const InstrumentFrame* shown : ShownFrames()) {
-      if (!IsMeter(*shown)) tiles.push_back(shown->Sizes());
-    }
-    if (!AreApart(TileArea(tiles, size()), size())) frame->Yield();
+    if (!HaveRoom()) frame->Yield();
   }
 }
 
@@ -371,6 +381,16 @@ void Workspace::MakeRoomForMeters() {
       !AreApart(TileArea(without, size()), size()))
     return;
   for (InstrumentFrame* frame : generators) frame->Yield();
+}
+
+// Analysers first, then generators that the user has not asked for.
+void Workspace::MakeRoomForScope() {
+  for (const TileRole role : {TileRole::Analyser, TileRole::Small}) {
+    for (InstrumentFrame* frame : frames_) {
+      const bool asked = role == TileRole::Small && (IsMeter(*frame) || frame->IsChosen());
+      if (frame->IsShown() && frame->Role() == role && !asked && !HaveRoom()) frame->Yield();
+    }
+  }
 }
 
 void Workspace::TileOver(const QSize& area) {
@@ -420,6 +440,7 @@ void Workspace::FillScreen() {
   MakeRoomForMeters();
   TileOver(size());
   filling_ = true;
+  apart_ = HaveRoom();
 }
 
 // A window of another width lays out its rows when events come that wait, and may need other sizes
@@ -475,6 +496,7 @@ void Workspace::Arrange() {
   for (InstrumentFrame* frame : frames_) frame->Pane().SetRoom(size());
   if (filling_) {
     if (const InstrumentFrame* front = FrontAnalyser()) MakeRoomFor(*front);
+    if (apart_) MakeRoomForScope();
     ShowWhatFits();
     FillScreen();
   } else if (isVisible()) {

@@ -15,7 +15,9 @@ namespace torvane {
 /// has not moved one, the sub-windows fill it and follow its size; after that each stands where it
 /// was put, as far as the area has room. A pane that waits for room comes to the screen when the
 /// area has enough of it, unless the user has hidden it. An analyser that is asked for takes the
-/// place of another where both have no room.
+/// place of another where both have no room. When a panel beside the area takes the room, an
+/// analyser or generator that stood beside the scope goes until there is some again: the scope is
+/// not to be covered.
 class Workspace : public QMdiArea {
   Q_OBJECT
 
@@ -42,13 +44,16 @@ class Workspace : public QMdiArea {
   /// Brings the instrument's window to where it can be seen; one that nothing covers is hidden.
   void Call(const Instrument& instrument);
 
-  /// How all windows stand. An instrument is known by its kind and name, in whatever model.
+  /// How all windows stand, the one in front last. An instrument is known by its kind and name, in
+  /// whatever model.
   struct Desk {
     struct Window {
       InstrumentKind Kind;
       std::string Name;
       bool Shown;
+      bool Yielded;
       bool Chosen;
+      bool Active;
       WindowPlacement Place;
     };
     bool Filling;
@@ -91,16 +96,21 @@ class Workspace : public QMdiArea {
   void TileOver(const QSize& area);
   QSize TileOverArea(const QSize& proportions);
   void ShowWhatFits();
-  void BringBack();
+  /// Whether the windows that are shown find room beside each other; meters have places over them.
+  bool HaveRoom() const;
+  /// What has yielded comes back where there is room for it, in place of another one anyway.
+  void BringBack(bool inPlace = false);
   const InstrumentFrame* FrontAnalyser() const;
   bool IsCovered(const InstrumentFrame& frame) const;
   void MakeRoomFor(const InstrumentFrame& wanted);
   void MakeRoomForMeters();
+  void MakeRoomForScope();
   void PlaceAsAsked(InstrumentFrame& frame);
   QRect FreePlace(const InstrumentFrame& frame) const;
 
   std::vector<InstrumentFrame*> frames_;
   bool filling_ = true;     // sub-windows follow the area's size
+  bool apart_ = false;      // none of them has covered another
   bool arranging_ = false;  // sub-windows are being moved by this class, not by the user
 };
 

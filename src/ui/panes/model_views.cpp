@@ -63,40 +63,57 @@ ModelPictureWindow::ModelPictureWindow(QMainWindow& window)
   setFloating(true);
 }
 
-void ModelPictureWindow::SetModel(ZelModel* model, const DataFolder& folder) {
+void ModelPictureWindow::SetModel(ZelModel* model, const DataFolder& folder, bool stays) {
+  layout_.Abandon();
   const bool own = model && IsOwnLoop(*model);
-  // A layout takes its time, which a loop is not to wait for that nobody looks at.
-  const bool waits = own && model->PictureFile().empty() && (isFloating() || !isVisible());
-  waiting_ = waits ? model : nullptr;
-  const bool live = diagram_->SetModel(waits ? nullptr : model);
+  waiting_ = model && IsLaidOut(*model) ? model : nullptr;
+  const bool drawnNow = model && !waiting_;
+  const bool live = diagram_->SetModel(drawnNow ? model : nullptr,
+                                       drawnNow ? LivingDrawing(*model) : DrawnModel());
   hasDiagram_ = live || own || (model && !model->PictureFile().empty());
   pages_->setCurrentIndex(live ? 0 : 1);
-  if (isFloating() || (model && !hasDiagram_)) hide();
+  if ((isFloating() && !stays) || (model && !hasDiagram_)) hide();
   if (!model) return;
   setWindowTitle(QStringLiteral("Model for  \"%1\"").arg(QtText(model->Name())));
-  if (live || waits || !hasDiagram_) return;
+  if (waiting_ && isVisible()) DrawWaiting();
+  if (live || !drawnNow || !hasDiagram_) return;
   own ? ShowLoopPicture(*model) : ShowPicture(QtText(model->PictureFile()), folder);
 }
 
+// A layout takes its time, which a loop that nobody looks at is not given.
 void ModelPictureWindow::DrawWaiting() {
   ZelModel* const model = std::exchange(waiting_, nullptr);
   if (!model) return;
-  const bool live = diagram_->SetModel(model);
+  ShowPictureFile({}, QStringLiteral("Graphviz lays the diagram out..."));
+  layout_.Start(*model, [this, model](const DrawnModel& drawn) { ShowDrawn(*model, drawn); });
+}
+
+void ModelPictureWindow::ShowDrawn(ZelModel& model, const DrawnModel& drawn) {
+  const bool live = diagram_->SetModel(&model, drawn);
   pages_->setCurrentIndex(live ? 0 : 1);
-  if (!live) ShowLoopPicture(*model);
+  if (!live) ShowLoopPicture(model);
+  if (std::exchange(fits_, false) && isFloating()) FitWindow();
 }
 
 void ModelPictureWindow::OpenWindow() {
-  DrawWaiting();
   if (!isVisible()) {
     setFloating(true);
-    const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
-    resize((diagram_->sizeHint() + frame).boundedTo(screen()->availableSize() * 0.9));
-    move(OnDisplay(window_.geometry().bottomLeft(), *this));
+    FitWindow();
   }
+  const bool waits = waiting_ != nullptr;
   show();
+  fits_ = waits && layout_.IsRunning();
   raise();
   activateWindow();
+}
+
+void ModelPictureWindow::FitWindow() {
+  const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
+  const QSize room = screen()->availableSize() - frame;
+  const QSize wanted = diagram_->sizeHint();
+  const bool fits = wanted.boundedTo(room) == wanted;
+  resize((fits ? wanted : wanted.scaled(room, Qt::KeepAspectRatio)) + frame);
+  move(OnDisplay(window_.geometry().bottomLeft(), *this));
 }
 
 void ModelPictureWindow::OpenPane() {

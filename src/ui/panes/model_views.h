@@ -3,12 +3,13 @@
 #include <QDialog>
 #include <QDockWidget>
 #include <QPixmap>
+#include <QPlainTextEdit>
 
+#include "plot/diagram/loop_layout.h"
 #include "ui/session/data_folder.h"
 
 class QLabel;
 class QMainWindow;
-class QPlainTextEdit;
 class QStackedWidget;
 
 namespace torvane {
@@ -22,9 +23,9 @@ class ModelPictureWindow : public QDockWidget {
  public:
   explicit ModelPictureWindow(QMainWindow& window);
 
-  /// The model whose diagram is shown from now on; without one there is none. The window is hidden
-  /// when the model changes, a docked pane goes on with the next that has a diagram.
-  void SetModel(ZelModel* model, const DataFolder& folder);
+  /// The model whose diagram is shown from now on; without one there is none. A window is hidden
+  /// then unless it stays, a docked pane goes on with the next that has a diagram.
+  void SetModel(ZelModel* model, const DataFolder& folder, bool stays);
   bool HasDiagram() const { return hasDiagram_; }
   DiagramView& Diagram() { return *diagram_; }
 
@@ -40,7 +41,9 @@ class ModelPictureWindow : public QDockWidget {
   void ShowLoopPicture(const ZelModel& model);
   void ShowPictureFile(const QString& path, const QString& words);
   void Fit();
+  void FitWindow();
   void DrawWaiting();
+  void ShowDrawn(ZelModel& model, const DrawnModel& drawn);
 
   QMainWindow& window_;
   QStackedWidget* pages_;
@@ -49,6 +52,8 @@ class ModelPictureWindow : public QDockWidget {
   QPixmap original_;
   bool hasDiagram_ = false;
   ZelModel* waiting_ = nullptr;  ///< to be drawn when this is shown
+  LoopLayout layout_;
+  bool fits_ = false;  ///< a window is to be as large as the drawing that is being made
 };
 
 /// Shows a model's description. Says so when the text file is missing.
@@ -58,6 +63,8 @@ class ModelTextWindow : public QDialog {
   void ShowModel(const QString& modelName, const QString& file, const DataFolder& folder);
   /// Shows a text about a model.
   void ShowText(const QString& modelName, const QString& text);
+  /// Another text of the same model.
+  void Renew(const QString& text) { text_->setPlainText(text); }
 
  private:
   QPlainTextEdit* text_;

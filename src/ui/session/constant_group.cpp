@@ -26,10 +26,11 @@ void ConstantGroup::Set(const std::map<std::string, double>& values, const std::
   const ZelBenchTop& bench = session_.Model()->Bench();
   RecordsChange change;
   for (const auto& [name, value] : values) {
-    Constant& constant = *bench.FindConst(name);
-    const double limited = std::clamp(value, constant.Lower(), constant.Upper());
-    if (limited == constant.Value()) continue;
-    AppendRecord(change.Before, Keyword, {name, FormatShortest(constant.Value())});
+    const Constant* const constant = bench.FindConst(name);
+    if (!constant) continue;
+    const double limited = std::clamp(value, constant->Lower(), constant->Upper());
+    if (limited == constant->Value()) continue;
+    AppendRecord(change.Before, Keyword, {name, FormatShortest(constant->Value())});
     AppendRecord(change.After, Keyword, {name, FormatShortest(limited)});
   }
   if (change.After.empty()) return;

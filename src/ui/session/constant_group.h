@@ -16,8 +16,8 @@ class ConstantGroup : public Undoable {
   /// Both the session and this must live as long as the model's history.
   explicit ConstantGroup(const Session& session) : session_(session) {}
 
-  /// Sets the constants of those names, within their limits. The caption is that of the undo;
-  /// nothing is recorded where no value changes.
+  /// Sets the constants of those names that there are, within their limits. The caption is that of
+  /// the undo; nothing is recorded where no value changes.
   void Set(const std::map<std::string, double>& values, const std::string& caption);
 
   void Undo(const UndoEntry& entry) override;

@@ -32,16 +32,16 @@ QString LoopDraft::Decoded(const std::string& bytes) {
   return text.remove(u'\r');
 }
 
-std::optional<QString> LoopDraft::InFile() const {
-  QFile file(path_);
-  if (!QFileInfo(path_).isFile() || !file.open(QIODevice::ReadOnly)) return {};
+std::optional<QString> LoopDraft::InFile(const QString& path) {
+  QFile file(path);
+  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) return {};
   return Decoded(file.read(MostDraft).toStdString());
 }
 
 void LoopDraft::Open(const QString& path, const QString& text) {
   path_ = path;
   text_ = text;
-  saved_ = InFile().value_or(QString());
+  saved_ = InFile(path).value_or(QString());
   QFile file(path);
   endsInCrLf_ = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) &&
                 file.readLine(MostDraft).endsWith("\r\n");
@@ -52,11 +52,17 @@ void LoopDraft::Open(const QString& path, const QString& text) {
 }
 
 bool LoopDraft::SaveAs(const QString& path) {
-  QString text = text_;
-  if (endsInCrLf_) text.replace(u'\n', QStringLiteral("\r\n"));
-  if (!SaveAtomically(path.toStdString(), text.toStdString())) return false;
-  path_ = path;
-  saved_ = text_;
+  const QString before = std::exchange(path_, path);
+  const bool saved = Write(text_);
+  if (!saved) path_ = before;
+  return saved;
+}
+
+bool LoopDraft::Write(const QString& text) {
+  QString lines = text;
+  if (endsInCrLf_) lines.replace(u'\n', QStringLiteral("\r\n"));
+  if (!SaveAtomically(path_.toStdString(), lines.toStdString())) return false;
+  saved_ = text;
   elsewhere_.reset();
   Watch();
   emit FileChanged();
@@ -79,7 +85,7 @@ void LoopDraft::Watch() {
 
 // Of a file that is gone the text stands nowhere else, until it comes back.
 void LoopDraft::Look() {
-  const std::optional<QString> now = InFile();
+  const std::optional<QString> now = InFile(path_);
   if (!now) {
     saved_ = QString();
     emit FileChanged();

@@ -21,6 +21,9 @@ class LoopDraft : public QObject {
   /// A file's bytes as text; what is no UTF-8 is read as Latin-1.
   static QString Decoded(const std::string& bytes);
 
+  /// What a file holds; nothing when there is none.
+  static std::optional<QString> InFile(const QString& path);
+
   /// Takes a text in place of the one before, as the file's own or as an unsaved one of it.
   void Open(const QString& path, const QString& text);
   bool IsEmpty() const { return path_.isEmpty(); }
@@ -35,6 +38,8 @@ class LoopDraft : public QObject {
   /// report when that cannot be written.
   bool Save() { return SaveAs(path_); }
   bool SaveAs(const QString& path);
+  /// Writes a text to its file; another than this one, which is unsaved then, too.
+  bool Write(const QString& text);
 
   /// Goes back to what the file holds.
   void Discard();
@@ -53,7 +58,6 @@ class LoopDraft : public QObject {
   void FileChanged();
 
  private:
-  std::optional<QString> InFile() const;
   void Watch();
   void Look();
 

@@ -4,6 +4,7 @@
 #include <QScopedValueRollback>
 #include <utility>
 
+#include "core/files/atomic_save.h"
 #include "core/files/loop_record.h"
 #include "core/messages.h"
 #include "loops/loop_file.h"
@@ -148,6 +149,7 @@ bool Session::ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>&
   const std::string saved = saved_;
   const QString file = file_;
   emit AboutToApply();
+  applying_ = true;
   const bool taken = host_->TakeLoop(std::make_shared<const loops::LoopFile>(loop));
   if (taken) {
     const QScopedValueRollback windows(restoresWindows_, true);
@@ -158,8 +160,20 @@ bool Session::ReplaceLoop(const loops::LoopFile& loop, std::vector<std::string>&
     emit ModelChanged();
     emit FileLoaded();
   }
+  applying_ = false;
   emit Applied();
   return taken;
+}
+
+bool Session::IsLoopInItsFile() const {
+  return !Loop() || LoopDraft::InFile(QtText(Loop()->Path)) == LoopDraft::Decoded(Loop()->Text);
+}
+
+// Of that file the text that is being written may be further on, or of another one.
+bool Session::SaveLoop() {
+  const bool written = draft_.Path() == QtText(Loop()->Path);
+  return written ? draft_.Write(LoopDraft::Decoded(Loop()->Text))
+                 : SaveAtomically(Loop()->Path, Loop()->Text);
 }
 
 bool Session::SaveDraftAs(const QString& path) {

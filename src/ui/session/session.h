@@ -47,6 +47,14 @@ class Session : public QObject {
   /// file's, what the user has changed of it is kept as far as the loop still has a place for it;
   /// the notes tell of the rest. False when the user keeps the present model.
   bool Apply(const loops::LoopFile& loop, std::vector<std::string>& notes);
+  /// While it is made so from another text of the same loop, between AboutToApply and Applied: what
+  /// the user has opened and chosen for the loop before holds for the one that comes.
+  bool IsApplying() const { return applying_; }
+  /// The file of the present loop holds the text that runs, which is what a model file takes it to
+  /// do. True for a built-in model.
+  bool IsLoopInItsFile() const;
+  /// Writes it there. False after a report.
+  bool SaveLoop();
   /// Saves the text to another file, which the present model is then one of when it was of the
   /// first.
   bool SaveDraftAs(const QString& path);
@@ -159,7 +167,8 @@ class Session : public QObject {
   bool restoresWindows_ = true;
   std::function<bool()> placed_;
   bool modelReplaced_ = false;  // while a file loads
-  std::string saved_;           // the settings as they were last loaded or saved
+  bool applying_ = false;
+  std::string saved_;  // the settings as they were last loaded or saved
   RecoveryFile recovery_;
   QTimer keep_;
 };

@@ -1,7 +1,9 @@
 #include "ui/widgets/edit_shortcuts.h"
 
+#include <QAction>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <algorithm>
 
 namespace torvane {
 
@@ -19,20 +21,33 @@ bool MayBeShortcut(const QKeyEvent& key) {
                            key.modifiers().testFlag(Qt::AltModifier));
 }
 
+// Whether a command of the window has the key, be it one of an edit's own: Ctrl+E goes to the end
+// of a line where editors do.
+bool IsOfWindow(const QKeyEvent& key, const QWidget& edit) {
+  const QKeySequence keys(key.keyCombination());
+  return std::ranges::any_of(edit.window()->findChildren<QAction*>(), [&](const QAction* action) {
+    return action->isEnabled() && action->shortcutContext() == Qt::WindowShortcut &&
+           action->shortcuts().contains(keys);
+  });
+}
+
 }  // namespace
 
 bool SettleShortcut(QLineEdit& edit, QEvent& event, bool pending,
                     const std::function<void()>& commit) {
   if (event.type() != QEvent::ShortcutOverride) return false;
   const auto& key = static_cast<const QKeyEvent&>(event);
-  if (!pending) {
-    if (!IsUndoOrRedo(key)) return false;
-    event.ignore();
+  if (!MayBeShortcut(key)) return false;
+  const bool undo = IsUndoOrRedo(key);
+  const bool ofWindow = !undo && IsOfWindow(key, edit);
+  if (pending && !ofWindow) {
+    edit.event(&event);
+    if (!event.isAccepted()) commit();
     return true;
   }
-  if (!MayBeShortcut(key)) return false;
-  edit.event(&event);
-  if (!event.isAccepted()) commit();
+  if (!undo && !ofWindow) return false;
+  event.ignore();
+  if (pending) commit();
   return true;
 }
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "plot/qt_text.h"
-#include "ui/panes/diagram/loop_picture.h"
 #include "ui/widgets/picture_ground.h"
 
 namespace torvane {
@@ -16,8 +15,8 @@ namespace {
 
 constexpr QSize LeastDiagram(240, 120);
 constexpr double WantedWidth = 1100.0;
-constexpr double LeastScale = 0.55;  // of a drawing that can be read
-constexpr int ValueSize = 17;        // of the font, in units of the drawing
+constexpr double LeastScale = 0.5;  // of a drawing that can be read
+constexpr int ValueSize = 17;       // of the font, in units of the drawing
 constexpr double ValueRounding = 4.0;
 constexpr int ValueEdge = 2;  // pixels around a value that belong to it
 
@@ -39,7 +38,7 @@ QSize DiagramView::sizeHint() const {
   return diagram_ ? (Part().size() * (WantedWidth / Part().width())).toSize() : LeastDiagram;
 }
 
-bool DiagramView::SetModel(ZelModel* model) {
+bool DiagramView::SetModel(ZelModel* model, DrawnModel drawing) {
   if (editor_) editor_->blockSignals(true);
   CloseEditor();
   menu_->close();
@@ -48,7 +47,7 @@ bool DiagramView::SetModel(ZelModel* model) {
   hovered_.reset();
   current_ = 0;
   model_ = model;
-  drawn_ = model ? LivingDrawing(*model) : DrawnModel();
+  drawn_ = std::move(drawing);
   const bool drawn = model && LoadDrawing();
   FitDrawing();
   Refresh();

@@ -31,9 +31,9 @@ class DiagramView : public QWidget {
  public:
   explicit DiagramView(QWidget* parent);
 
-  /// Shows the model, which must outlive this use of it; false when the program has no drawing of
-  /// it. Without a model nothing is shown.
-  bool SetModel(ZelModel* model);
+  /// Shows the model, which must outlive this use of it, in its drawing; false when that is none.
+  /// Without a model nothing is shown.
+  bool SetModel(ZelModel* model, DrawnModel drawing);
 
   /// Why an own loop could not be drawn from its equations; empty when nothing is in the way.
   const std::string& Fault() const { return drawn_.Fault; }

@@ -16,6 +16,10 @@ bool IsOwnLoop(const ZelModel& model) {
   return !LoopRecord(model).empty();
 }
 
+bool IsLaidOut(const ZelModel& model) {
+  return IsOwnLoop(model) && model.PictureFile().empty();
+}
+
 // A loop may come from a stranger, who is not to choose among the user's files.
 QString LoopPicture(const ZelModel& model) {
   const QString name = QDir::cleanPath(QtText(model.PictureFile()));
@@ -27,7 +31,6 @@ QString LoopPicture(const ZelModel& model) {
 
 DrawnModel LivingDrawing(const ZelModel& model) {
   if (!IsOwnLoop(model)) return BuiltInDrawing(model);
-  if (model.PictureFile().empty()) return LoopDiagram(model);
   QFile file(LoopPicture(model));
   const bool drawing = file.fileName().endsWith(QStringLiteral(".svg"), Qt::CaseInsensitive);
   if (!drawing || file.size() > MostDrawing || !file.open(QIODevice::ReadOnly)) return {};

@@ -13,8 +13,11 @@ bool IsOwnLoop(const ZelModel& model);
 /// Empty when the loop names none, or one elsewhere.
 QString LoopPicture(const ZelModel& model);
 
-/// The drawing in which values stand: the built-in model's, that in the file which an own loop
-/// names, or what its equations give when it names none.
+/// Whether the model's drawing is made from its equations: an own loop's that names no picture.
+bool IsLaidOut(const ZelModel& model);
+
+/// The drawing in which values stand, of another model: the built-in one's, or that in the file
+/// which an own loop names.
 DrawnModel LivingDrawing(const ZelModel& model);
 
 }  // namespace torvane

@@ -189,7 +189,9 @@ void PolesPanel::hideEvent(QHideEvent* event) {
   theory_.SetWanted(false);
 }
 
+// The constant that a loop's locus is over is that of its next text, too.
 void PolesPanel::TakeModel() {
+  const QString before = session_.IsApplying() ? constants_->currentText() : NoLocus;
   constants_->clear();
   constants_->addItem(NoLocus);
   for (const Constant* constant : session_.Model()->Bench().Constants()) {
@@ -197,6 +199,7 @@ void PolesPanel::TakeModel() {
       constants_->addItem(QString::fromStdString(constant->Name()));
     }
   }
+  constants_->setCurrentIndex(std::max(constants_->findText(before), 0));
 }
 
 // The locus is over one constant: where another one has moved it is another.

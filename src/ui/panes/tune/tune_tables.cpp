@@ -17,7 +17,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int LeastRows = 5;
+constexpr int LeastRows = 3;
 constexpr std::size_t LongestUnit = 4;  // beside its measure
 constexpr int LeastWidth = 300;
 constexpr double Decade = 10.0;
@@ -155,6 +155,28 @@ void VaryTable::ShowConstants(const ZelBenchTop& bench) {
     AddCell(row, Found, {}, false);
   }
   if (rowCount() > 0) setCurrentCell(0, 0);
+  filling_ = false;
+}
+
+void VaryTable::FollowText(const ZelBenchTop& bench) {
+  std::map<std::string, std::vector<QTableWidgetItem>> before;
+  for (int row = 0; row < rowCount(); ++row) {
+    std::vector<QTableWidgetItem>& cells = before[Text(row, Name)];
+    for (int column = 0; column < columnCount(); ++column) cells.push_back(*item(row, column));
+  }
+  ShowConstants(bench);
+  filling_ = true;
+  for (int row = 0; row < rowCount(); ++row) {
+    const auto found = before.find(Text(row, Name));
+    if (found == before.end()) continue;
+    const auto& cells = found->second;
+    item(row, Found)->setText(cells[Found].text());
+    if (cells[Name].checkState() != Qt::Checked) continue;
+    for (const int column : {From, To})
+      item(row, column)->setText(cells[static_cast<std::size_t>(column)].text());
+    for (const int column : {Name, Log})
+      item(row, column)->setCheckState(cells[static_cast<std::size_t>(column)].checkState());
+  }
   filling_ = false;
 }
 

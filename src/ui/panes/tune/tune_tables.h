@@ -52,6 +52,9 @@ class VaryTable : public TuneTable {
   VaryTable();
 
   void ShowConstants(const ZelBenchTop& bench);
+  /// Those of another text of the loop: what is switched on stays so, with its limits, and what has
+  /// been found stays.
+  void FollowText(const ZelBenchTop& bench);
   /// The present values once more.
   void ShowPresent(const ZelBenchTop& bench);
   void ShowBest(const std::map<std::string, std::string>& values);

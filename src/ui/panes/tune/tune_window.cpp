@@ -35,7 +35,8 @@ namespace torvane {
 namespace {
 
 constexpr QSize WindowSize(860, 560);
-constexpr double MostHeight = 0.58;  // of the display, so that the scope is seen above
+constexpr int Edge = 6;
+constexpr double MostHeight = 0.42;  // of the display, so that the scope is seen above
 constexpr int MostTunings = 100000;
 const QString NoMeasure = QStringLiteral("Nothing more");
 
@@ -67,7 +68,7 @@ QLineEdit* MakeField(const char* name, const QString& title, const QString& hint
   field->setAccessibleName(title);
   field->setToolTip(hint);
   field->setAlignment(Qt::AlignRight);
-  field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 12);
+  field->setFixedWidth(field->fontMetrics().averageCharWidth() * 9);
   return field;
 }
 
@@ -102,16 +103,26 @@ TuneWindow::TuneWindow(Session& session, AskFile askFile, QWidget* parent)
   state_->setObjectName(QStringLiteral("LTune"));
   state_->setWordWrap(true);
   auto* column = new QVBoxLayout(this);
-  column->addWidget(MakeSignals());
+  column->setContentsMargins(Edge, Edge, Edge, Edge);
+  column->setSpacing(Edge);
+  auto* task = new QHBoxLayout;
+  task->addWidget(MakeSignals(), 1);
+  task->addWidget(MakeGoal());
+  column->addLayout(task);
   column->addLayout(tables, 1);
-  column->addWidget(MakeGoal());
-  column->addWidget(bar_);
   column->addWidget(state_);
   column->addWidget(MakeButtons());
   connect(&run_, &TuningRun::Progress, this, &TuneWindow::ShowProgress);
   connect(&run_, &TuningRun::ResponseFound, this, &TuneWindow::ShowResponse);
   connect(&run_, &TuningRun::Ended, this, &TuneWindow::ShowEnd);
-  connect(&session, &Session::ModelAboutToChange, this, &QWidget::close);
+  connect(&session, &Session::ModelAboutToChange, this, [this] {
+    if (!session_.IsApplying()) close();
+  });
+  connect(&session, &Session::AboutToApply, this, [this] {
+    const ZelScope* const scope = Scope();
+    isKept_ = scope && kept_ > 0 && scope->KeptNumber() == kept_;
+  });
+  connect(&session, &Session::Applied, this, &TuneWindow::FollowText);
 }
 
 QWidget* TuneWindow::MakeSignals() {
@@ -158,7 +169,6 @@ QWidget* TuneWindow::MakeGoal() {
     line->addWidget(caption);
     line->addWidget(field);
   }
-  line->addStretch(1);
   return row;
 }
 
@@ -184,7 +194,7 @@ QWidget* TuneWindow::MakeButtons() {
                 stop_->setEnabled(false);
                 run_.Stop();
               });
-  line->addStretch(1);
+  line->addWidget(bar_, 1);
   apply_ =
       add("BTuneApply", QStringLiteral("&Apply"),
           QStringLiteral("Gives the model the best constants so far; one undo takes them back"),
@@ -211,6 +221,7 @@ void TuneWindow::Open() {
     require_->Clear();
     bar_->setRange(0, TuningTask().MostRuns);
     bar_->setValue(0);
+    told_.clear();
     state_->setText(QStringLiteral(
         "Switch on constants to vary, type bounds, choose what is to be best, and press Start."));
     ShowButtons();
@@ -238,6 +249,31 @@ void TuneWindow::ProposeSignals() {
   if (closed == setups.end()) return;
   command_->setCurrentText(QString::fromStdString(closed->Input));
   response_->setCurrentText(QString::fromStdString(closed->Output));
+}
+
+// What was typed of what the loop still has stays, and the search goes on with the text that it was
+// begun with.
+void TuneWindow::FollowText() {
+  kept_ = isKept_ && Scope() ? Scope()->KeptNumber() : 0;
+  if (!isVisible()) return;
+  vary_->FollowText(session_.Model()->Bench());
+  const QString chosen[] = {command_->currentText(), response_->currentText()};
+  ProposeSignals();
+  command_->setCurrentText(chosen[0]);
+  response_->setCurrentText(chosen[1]);
+  if (!told_.isEmpty()) Tell(told_);
+}
+
+ZelScope* TuneWindow::Scope() const {
+  const auto& scopes = session_.Model()->Bench().Instruments(InstrumentKind::Scope);
+  return scopes.empty() ? nullptr : dynamic_cast<ZelScope*>(scopes.front());
+}
+
+void TuneWindow::Tell(const QString& state) {
+  told_ = state;
+  const auto* const own = dynamic_cast<const loops::OwnLoop*>(session_.Model());
+  const bool former = own && own->Text() != task_.LoopText;
+  state_->setText(former ? QStringLiteral("With the text before Apply: ") + state : state);
 }
 
 TuningTask TuneWindow::Task() const {
@@ -284,7 +320,7 @@ void TuneWindow::Begin() {
   require_->ShowBest({});
   bar_->setRange(0, task_.MostRuns);
   bar_->setValue(0);
-  state_->setText(QStringLiteral("The first run goes on."));
+  Tell(QStringLiteral("The first run goes on."));
   run_.Start(task_);
   ShowButtons();
 }
@@ -292,11 +328,11 @@ void TuneWindow::Begin() {
 void TuneWindow::ShowProgress(const TuningProgress& progress) {
   progress_ = progress;
   bar_->setValue(progress.Runs);
-  state_->setText(QStringLiteral("Run %1 of %2: %3")
-                      .arg(progress.Runs)
-                      .arg(task_.MostRuns)
-                      .arg(progress.Met ? QStringLiteral("the best so far meets all.")
-                                        : QStringLiteral("none meets all yet.")));
+  Tell(QStringLiteral("Run %1 of %2: %3")
+           .arg(progress.Runs)
+           .arg(task_.MostRuns)
+           .arg(progress.Met ? QStringLiteral("the best so far meets all.")
+                             : QStringLiteral("none meets all yet.")));
   vary_->ShowBest(progress.Values);
   require_->ShowBest(progress.Measures);
   ShowButtons();
@@ -304,16 +340,15 @@ void TuneWindow::ShowProgress(const TuningProgress& progress) {
 
 // Only the first one is a change to undo; the others take its place.
 void TuneWindow::ShowResponse(const QString& file) {
-  const auto scopes = session_.Model()->Bench().Instruments(InstrumentKind::Scope);
-  if (scopes.empty()) return;
-  auto& scope = dynamic_cast<ZelScope&>(*scopes.front());
-  const TraceText traces = ReadTraceFile(file.toStdString(), scope);
+  ZelScope* const scope = Scope();
+  if (!scope) return;
+  const TraceText traces = ReadTraceFile(file.toStdString(), *scope);
   if (!traces.Fault.empty()) return;
-  if (kept_ > 0 && scope.KeptNumber() == kept_) {
-    scope.RenewKeptTraces(traces.Screen);
+  if (kept_ > 0 && scope->KeptNumber() == kept_) {
+    scope->RenewKeptTraces(traces.Screen);
   } else {
-    scope.KeepTraces(traces.Screen);
-    kept_ = scope.KeptNumber();
+    scope->KeepTraces(traces.Screen);
+    kept_ = scope->KeptNumber();
   }
 }
 
@@ -324,12 +359,12 @@ void TuneWindow::ShowEnd(const QString& fault) {
   if (met && !stopped_) bar_->setMaximum(progress_->Runs);
   const QString runs = QStringLiteral("%1 runs").arg(progress_ ? progress_->Runs : 0);
   if (met) {
-    state_->setText((stopped_ ? QStringLiteral("Stopped after %1: the best so far meets all.")
-                              : QStringLiteral("Done after %1: the best meets all."))
-                        .arg(runs));
+    Tell((stopped_ ? QStringLiteral("Stopped after %1: the best so far meets all.")
+                   : QStringLiteral("Done after %1: the best meets all."))
+             .arg(runs));
   } else {
-    state_->setText(fault.isEmpty() || cut ? QStringLiteral("Stopped after %1.").arg(runs)
-                                           : fault.left(1).toUpper() + fault.mid(1));
+    Tell(fault.isEmpty() || cut ? QStringLiteral("Stopped after %1.").arg(runs)
+                                : fault.left(1).toUpper() + fault.mid(1));
   }
   ShowButtons();
 }

@@ -19,11 +19,12 @@ namespace torvane {
 class RequireTable;
 class Session;
 class VaryTable;
+class ZelScope;
 
 /// Looks for the constants with which the session's model does best: which to vary, what is
 /// required and what is to be best; then the best so far in figures and as kept traces on the
 /// scope, while the model itself goes on. It begins anew each time that it is opened, and closing
-/// it ends the search.
+/// it ends the search; another model closes it, another text of the same loop does not.
 class TuneWindow : public QDialog {
   Q_OBJECT
 
@@ -46,6 +47,10 @@ class TuneWindow : public QDialog {
   QWidget* MakeGoal();
   QWidget* MakeButtons();
   void ProposeSignals();
+  void FollowText();
+  /// Says how far the search has come.
+  void Tell(const QString& state);
+  ZelScope* Scope() const;
   TuningTask Task() const;
   void Begin();
   void ShowProgress(const TuningProgress& progress);
@@ -75,8 +80,10 @@ class TuneWindow : public QDialog {
   QPushButton* save_;
   TuningTask task_;  ///< of the search that is on, or was the last
   std::optional<TuningProgress> progress_;
+  QString told_;  ///< of the search, empty before the first
   bool stopped_ = false;
-  int kept_ = 0;  ///< which of the scope's kept traces are those of the search
+  int kept_ = 0;         ///< which of the scope's kept traces are those of the search
+  bool isKept_ = false;  ///< these are the present ones, while a loop is given another text
 };
 
 }  // namespace torvane
