@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/bench.h"
+#include "core/carried.h"
 #include "core/messages.h"
 #include "core/text.h"
 
@@ -93,6 +94,10 @@ void Constant::Store(double value) {
   // What an observer does may end another one's interest, or its own.
   const std::vector<ConstantObserver*> observers = observers_;
   for (ConstantObserver* observer : observers) observer->ConstantChanged(*this);
+}
+
+void Constant::CarryChanged(Carried& carried) {
+  carried.Keep(changed_);
 }
 
 }  // namespace torvane

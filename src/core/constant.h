@@ -9,6 +9,7 @@
 namespace torvane {
 
 class Constant;
+class Carried;
 class ZelBenchTop;
 
 /// The adjust buttons, downwards from the largest step and upwards to it. A dinky nudge is about
@@ -75,6 +76,8 @@ class Constant : public Undoable {
     changed_ = false;
     return true;
   }
+  /// What a step may take is a part of what it carries on.
+  void CarryChanged(Carried& carried);
 
   /// Limits the value (a list constant: to a choice) and stores it. A change is recorded for undo
   /// and marks the bench's constants as changed. Not-a-number is ignored.

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/bench.h"
+#include "core/combine.h"
 #include "core/messages.h"
 #include "core/model.h"
 #include "core/text.h"
@@ -82,6 +83,7 @@ void ZelSolver::Integrate(double t, Evaluate evaluate) {
   const auto count = static_cast<std::size_t>(count_);
   const double h = h_;
   const double half = 0.5 * h;
+  const Combine combine(h);
 
   for (std::size_t i = 0; i < count; ++i) start[i] = states[i]->Value;
 
@@ -110,7 +112,7 @@ void ZelSolver::Integrate(double t, Evaluate evaluate) {
   for (std::size_t i = 0; i < count; ++i) {
     State& state = *states[i];
     sum[i] += state.Derivative;
-    state.Value = static_cast<double>(Combine(start[i], sum[i], h));
+    state.Value = combine(start[i], sum[i]);
     state.TakePending();
   }
 }

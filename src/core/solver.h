@@ -41,12 +41,6 @@ class ZelSolver {
   }
 
  protected:
-  /// The combine of a step, in extended precision; the state takes it as a double.
-  static long double Combine(double start, double slopeSum, double h) {
-    return static_cast<long double>(start) +
-           static_cast<long double>(slopeSum) * static_cast<long double>(h) * (1.0L / 6.0L);
-  }
-
   /// From states whose magnitudes add up to less than this no step of a model reaches the largest
   /// number: what overflows from there has its cause outside the states.
   static constexpr double Huge = 1e100;

@@ -62,6 +62,8 @@ class FusedModel : public ZelModel, public Carrier {
   Memory memory_;
 
  private:
+  friend class FusedSolver<Model>;
+
   inline static constinit thread_local Memory ofClass_{};
 
   bool shared_ = true;

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -12,8 +14,11 @@
 #include <vector>
 
 #include "core/bench.h"
+#include "core/carried.h"
+#include "core/combine.h"
 #include "core/messages.h"
 #include "core/model.h"
+#include "core/number_faults.h"
 #include "core/overflow.h"
 #include "core/solver.h"
 #include "core/time_driven.h"
@@ -50,10 +55,10 @@ class FusedSolver final : public ZelSolver {
     if (!checked_) CheckRegistration();
     ClearOverflowFlag();
     while (bench_.Time() < tEnd) {
-      if (NearOverflow()) [[unlikely]] {
+      if (NearOverflow() || AnyPending(TheModel().Parts(TheModel().loop_))) [[unlikely]] {
         WatchedStep(bench_.Time());
       } else {
-        Run(tEnd);
+        Run(tEnd, bench_.Time() < oneByOneUntil_ ? 1 : MostSteps);
       }
     }
   }
@@ -71,30 +76,55 @@ class FusedSolver final : public ZelSolver {
   }
 
  private:
+  static constexpr int MostSteps = 1000;  // between two looks for an overflow
+
   Model& TheModel() { return static_cast<Model&>(model_); }
 
+  // Takes steps from the present time on, at most that many, up to the first boundary at or after
+  // tEnd. To look for an overflow after each of them would cost a third of a small loop's time: it
+  // is looked for at the end, and where something was raised the steps are undone, to be taken
+  // again one by one. A single one is EndStep's to judge.
+  //
   // flatten: without it the equations are called four times a step rather than inlined, and the
   // copy would have to lie in memory for them.
-  [[gnu::flatten]] void Run(double tEnd) {
+  [[gnu::flatten]] void Run(double tEnd, int most) {
     Model& model = TheModel();
     const double h = h_;
-    BeginRun(model, model.Parts(model.loop_));
+    const Combine combine(h);
+    const auto parts = model.Parts(model.loop_);
+    BeginRun(model, parts);
     model.TakeMemory();
+    auto moved = std::tuple_cat(std::tie(model.memory_), Moved(parts));
+    const auto before = std::apply([](const auto&... what) { return std::tuple(what...); }, moved);
+    for (Past& past : past_) past.Note();
     auto loop = model.loop_;
     static_assert(std::is_trivially_copyable_v<decltype(loop)>);
+    // Said once more for the compiler, which then sees which states the equations never set.
+    ForEach(model.Parts(loop), [](auto& part) {
+      ForEach(IntegratedStates(part), [](State& state) { state.PendingSet = false; });
+    });
     double t = bench_.Time();
-    // Whatever is not an ordinary step's end is EndStep's to judge.
-    while (Step(model, loop, t, h) <= Huge && t + h < tEnd && !OverflowRaised()) t += h;
+    ClearNumberFaults();
+    const double end = std::min(tEnd, t + most * h);
+    Step(model, loop, t, h, combine);
+    while (t + h < end) {
+      t += h;
+      Step(model, loop, t, h, combine);
+    }
+    if (most > 1 && (NumberFaultRaisedAnywhere() || !AllFinite(model.Parts(loop)))) [[unlikely]] {
+      moved = before;
+      for (Past& past : past_) past.Restore();
+      oneByOneUntil_ = t + h;
+      return;
+    }
     model.loop_ = loop;
     model.GiveMemory();
     bench_.SetTime(t);
     EndStep(t);
   }
 
-  // One step from t; returns how large the states have become: the sum of their magnitudes, taken
-  // while the combine has them in the registers of extended precision, which costs next to nothing.
   template <class Loop>
-  static long double Step(Model& model, Loop& loop, double t, double h) {
+  static void Step(Model& model, Loop& loop, double t, double h, const Combine& combine) {
     const auto parts = model.Parts(loop);
     const auto states =
         std::apply([](auto&... part) { return std::tuple_cat(IntegratedStates(part)...); }, parts);
@@ -131,19 +161,52 @@ class FusedSolver final : public ZelSolver {
       state.Value = from + h * state.Derivative;
     });
     evaluate(t + h);
-    long double size = 0.0L;
-    forEachState([h, &size](State& state, double from, double& slopes) {
-      slopes += state.Derivative;
-      const long double combined = Combine(from, slopes, h);
-      state.Value = static_cast<double>(combined);
-      size += std::abs(combined);
+    forEachState([](const State& state, double, double& slopes) { slopes += state.Derivative; });
+    combine.All(start, sum);
+    forEachState([](State& state, double combined, double&) {
+      state.Value = combined;
       if (state.PendingSet) [[unlikely]] {
         state.TakePending();
-        size += std::abs(state.Value);
       }
     });
-    ForEach(parts, [t, h, &size](auto& part) { AtEndOfStep(part, t + h, size); });
-    return size;
+    ForEach(parts, [t, h](auto& part) {
+      if constexpr (requires { part.AtEndOfStep(t); }) part.AtEndOfStep(t + h);
+    });
+  }
+
+  template <class Parts>
+  static bool AnyPending(const Parts& parts) {
+    bool pending = false;
+    ForEach(parts, [&pending](auto& part) {
+      ForEach(IntegratedStates(part), [&](const State& state) { pending |= state.PendingSet; });
+    });
+    return pending;
+  }
+
+  template <class Parts>
+  static bool AllFinite(const Parts& parts) {
+    bool finite = true;
+    const auto look = [&finite](const State& state) { finite &= std::isfinite(state.Value); };
+    ForEach(parts, [&look](auto& part) {
+      ForEach(IntegratedStates(part), look);
+      ForEach(HeldStates(part), look);
+    });
+    return finite;
+  }
+
+  // What steps move outside the loop that they work on.
+  template <class Parts>
+  static auto Moved(const Parts& parts) {
+    return std::apply([](auto&... part) { return std::tuple_cat(MovedOf(part)...); }, parts);
+  }
+
+  template <class Part>
+  static auto MovedOf(Part& part) {
+    if constexpr (requires { part.Moved(); }) {
+      return part.Moved();
+    } else {
+      return std::tuple<>();
+    }
   }
 
   template <class Parts, class Use>
@@ -170,14 +233,6 @@ class FusedSolver final : public ZelSolver {
   static void AtTime(Part& part, double t) {
     if constexpr (requires { part.Evaluate(); }) part.Evaluate();
     if constexpr (requires { part.Tick(t); }) part.Tick(t);
-  }
-
-  template <class Part>
-  static void AtEndOfStep(Part& part, double t, long double& size) {
-    if constexpr (requires { part.AtEndOfStep(t); }) {
-      part.AtEndOfStep(t);
-      size += std::abs(static_cast<long double>(part.Output()));
-    }
   }
 
   template <class Part>
@@ -213,6 +268,19 @@ class FusedSolver final : public ZelSolver {
     }
   }
 
+  // What sampled blocks remember, which lies outside the loop.
+  void FindPast() {
+    Carried carried;
+    for (TimeDriven* object : bench_.TimeDrivenObjects()) {
+      if (auto* const carrier = dynamic_cast<Carrier*>(object)) carrier->Carry(carried);
+    }
+    const auto loop = std::as_bytes(std::span(&TheModel().loop_, 1));
+    for (const std::span<std::byte> what : carried.Kept()) {
+      if (&loop.front() <= &what.front() && &what.front() <= &loop.back()) continue;
+      past_.push_back({what, {}});
+    }
+  }
+
   void CheckRegistration() {
     std::vector<const State*> states;
     std::vector<const void*> driven;
@@ -240,10 +308,32 @@ class FusedSolver final : public ZelSolver {
       FatalError(text);
       throw std::logic_error(text);
     }
+    FindPast();
     checked_ = true;
   }
 
+  // Something that sampled blocks remember, and as it was before a run.
+  struct Past {
+    std::span<std::byte> What;
+    std::array<std::byte, sizeof(double)> Before;
+
+    void Note() { Copy(Before.data(), What.data()); }
+    void Restore() { Copy(What.data(), Before.data()); }
+
+   private:
+    // A number as a rule, and a flag else.
+    void Copy(std::byte* to, const std::byte* from) const {
+      if (What.size() == sizeof(double)) {
+        std::memcpy(to, from, sizeof(double));
+      } else {
+        *to = *from;
+      }
+    }
+  };
+
   bool checked_ = false;
+  std::vector<Past> past_;
+  double oneByOneUntil_ = 0.0;  // what was raised lies before that time
 };
 
 }  // namespace torvane

@@ -31,7 +31,7 @@ class ZelDLibraryClass {
   virtual void Reset(ResetKind kind);
 
   /// Lists the past values.
-  void Carry(Carried& carried);
+  virtual void Carry(Carried& carried);
 
  protected:
   /// All that it remembers from one sample to the next.

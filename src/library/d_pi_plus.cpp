@@ -18,6 +18,12 @@ ZelDPiBase::ZelDPiBase(const ZelDController* clock, Constant* kVI, Constant* kVP
   RequireGain(kVP, "kVP", Family);
 }
 
+// A change that the next sample is to see would else be seen once only.
+void ZelDPiBase::Carry(Carried& carried) {
+  ZelDLibraryClass::Carry(carried);
+  if (kVI_) kVI_->CarryChanged(carried);
+}
+
 double ZelDPiBase::Update(double command, double feedback, double feedForward) {
   if (!HasClock()) return 0.0;
   const double kVI = GainValue(kVI_);

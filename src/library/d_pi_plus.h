@@ -23,6 +23,8 @@ class ZelDPiBase : public ZelDLibraryClass {
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);
 
+  void Carry(Carried& carried) override;
+
   /// e of the last update.
   double Error() const { return error_; }
 

@@ -26,6 +26,12 @@ ZelDPid::ZelDPid(const ZelDController* clock, Constant* kVI, Constant* kVP, Cons
   if (!clock) torvane::Error("DController in ZelPI_Plus not initialized.");
 }
 
+// A change that the next sample is to see would else be seen once only.
+void ZelDPid::Carry(Carried& carried) {
+  ZelDLibraryClass::Carry(carried);
+  if (kVI_) kVI_->CarryChanged(carried);
+}
+
 double ZelDPid::Update(double command, double feedback, double feedForward) {
   if (!HasClock()) return 0.0;
   const double kVI = GainValue(kVI_);

@@ -31,6 +31,8 @@ class ZelDPid final : public ZelDLibraryClass {
   /// The limited output for this sample; 0 without a clock.
   double Update(double command, double feedback, double feedForward);
 
+  void Carry(Carried& carried) override;
+
   /// e of the last update.
   double Error() const { return error_; }
 

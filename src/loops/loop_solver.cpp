@@ -4,9 +4,10 @@
 #include <cmath>
 
 #include "core/bench.h"
+#include "core/combine.h"
+#include "core/number_faults.h"
 #include "core/overflow.h"
 #include "core/text.h"
-#include "loops/number_faults.h"
 #include "loops/own_loop.h"
 
 namespace torvane::loops {
@@ -119,11 +120,11 @@ long double LoopSolver::CombineStates() {
   const double* const slopes = machine_.Slopes();
   const double* const start = start_.data();
   const double* const sum = sum_.data();
-  const double h = h_;
+  const Combine combine(h_);
   long double size = 0.0L;
   for (std::size_t i = 0; i < count; ++i) {
-    const long double combined = Combine(start[i], sum[i] + slopes[i], h);
-    values[i] = static_cast<double>(combined);
+    const double combined = combine(start[i], sum[i] + slopes[i]);
+    values[i] = combined;
     size += std::abs(combined);
   }
   return machine_.TakePending() ? TakePending(size) : size;

@@ -37,10 +37,17 @@ class Overflow : public testing::TestWithParam<std::string> {
     }
   }
 
+  enum class Steps { Serviced, InOneRun, OneByOne };
+
   /// What the run says of the overflow that ends it; empty when none does.
-  static std::string Run(ZelModel& model, double duration, bool serviced = true) {
+  static std::string Run(ZelModel& model, double duration, Steps steps = Steps::Serviced) {
     const double end = model.Time() + duration;
+    const bool serviced = steps == Steps::Serviced;
+    const double half = 0.5 * model.Solver().Step();
     try {
+      while (model.Time() < end && steps == Steps::OneByOne) {
+        model.Solver().RunUntil(model.Time() + half);
+      }
       while (model.Time() < end && serviced) model.RunChunk();
       model.Solver().RunUntil(end);
     } catch (const SolverOverflow& overflow) {
@@ -51,9 +58,8 @@ class Overflow : public testing::TestWithParam<std::string> {
 
   /// Drives the loop, with any constants, to where it overflows; at last no number is left for the
   /// sources' values.
-  static std::string Diverge(ZelModel& model, Random& random) {
-    const bool serviced = random() % 2 == 0;  // instruments hold less than a number
-    Run(model, Between(random, 0.0, 0.002));
+  static std::string Diverge(ZelModel& model, Random& random, Steps steps) {
+    Run(model, Between(random, 0.0, 0.002), steps);
     for (Constant* constant : model.Bench().Constants()) {
       // The sampled filters keep the coefficients of the period that they were set up with.
       if (constant->Name() == "TSample" || random() % 2 == 0) continue;
@@ -61,11 +67,11 @@ class Overflow : public testing::TestWithParam<std::string> {
     }
     Generate(model, static_cast<Waveform>(random() % ZelWave::WaveformCount),
              std::pow(10.0, Between(random, 250.0, 308.0)), random() % 4 == 0 ? 1e308 : 20.0);
-    const std::string said = Run(model, 0.02, serviced);
+    const std::string said = Run(model, 0.02, steps);
     if (!said.empty()) return said;
     Generate(model, Waveform::Dc, 0.0, 1.7e308);
     model.Bench().AdvanceTime(2.0);
-    return Run(model, 0.001);
+    return Run(model, 0.001, steps);
   }
 
   /// Constants with which what the classes remember shows.
@@ -112,7 +118,9 @@ TEST_P(Overflow, SaysWhatWentFirstAndRunsAgainLikeAFreshStart) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const auto model = LoadModel(FindModel(GetParam()));
-    const std::string said = Diverge(*model, random);
+    // Instruments hold less than a number.
+    const std::string said =
+        Diverge(*model, random, seed % 2 == 0 ? Steps::Serviced : Steps::InOneRun);
     ASSERT_NE(said, "");
     ExpectTrue(*model, said);
 
@@ -133,10 +141,33 @@ TEST_P(Overflow, SaysWhatWentFirstAndRunsAgainLikeAFreshStart) {
   }
 }
 
+// A run looks for an overflow once in many steps; wherever in them it lies, nothing shows of that.
+TEST_P(Overflow, OfManyStepsIsThatOfTheFirstOneThatOverflows) {
+  for (unsigned seed = 0; seed < 12; ++seed) {
+    SCOPED_TRACE(seed);
+    std::string said[2];
+    std::vector<double> values[2];
+    for (const Steps steps : {Steps::InOneRun, Steps::OneByOne}) {
+      const auto model = LoadModel(FindModel(GetParam()));
+      model->KeepOwnMemory();
+      Random random(seed);
+      const int at = steps == Steps::OneByOne;
+      said[at] = Diverge(*model, random, steps);
+      // What was remembered shows in what follows.
+      Generate(*model, Waveform::Square, 10.0, 100.0);
+      said[at] += Run(*model, 0.001, steps);
+      values[at] = test::Values(*model);
+    }
+    EXPECT_EQ(said[0], said[1]);
+    EXPECT_EQ(std::memcmp(values[0].data(), values[1].data(), values[0].size() * sizeof(double)),
+              0);
+  }
+}
+
 TEST_P(Overflow, KeepsEverythingOnCancel) {
   const auto model = LoadModel(FindModel(GetParam()));
   Random random(1);
-  const std::string said = Diverge(*model, random);
+  const std::string said = Diverge(*model, random, Steps::Serviced);
   const auto kept = test::Values(*model);
   messages_.Answer = false;
   OfferResetAfterOverflow(*model, SolverOverflow(said));
@@ -146,7 +177,7 @@ TEST_P(Overflow, KeepsEverythingOnCancel) {
   Run(*model, 0.001);
   Settle(*model);
   model->Reset();
-  EXPECT_EQ(Run(*model, 0.001, false), "");
+  EXPECT_EQ(Run(*model, 0.001, Steps::InOneRun), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, Overflow, testing::ValuesIn(ModelNames()));

@@ -89,6 +89,9 @@ class ZelWave final : public TimeDriven, public Instrument {
   /// The states, which nothing integrates.
   auto HeldStates() { return std::tie(next_, delayed_); }
 
+  /// The numbers that a step moves.
+  auto Moved() { return std::tie(computed_, fraction_, computedAt_, next_.Value, delayed_.Value); }
+
   bool OverflowsAt(double t) const override;
 
   /// Plays the table as it stands: once, at amplitude 1 and offset 0. The next choice of a waveform
