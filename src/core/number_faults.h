@@ -26,6 +26,7 @@ inline bool NumberFaultRaisedAnywhere() {
   return std::fetestexcept(NumberFaults) != 0;
 }
 
+/// Forgets what was raised, which takes longer than to look.
 inline void ClearNumberFaults() {
   if (NumberFaultRaisedAnywhere()) std::feclearexcept(NumberFaults);
 }
