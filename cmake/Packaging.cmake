@@ -58,15 +58,19 @@ Torvane's engines as static libraries with their headers, for programs that
 simulate feedback control loops: the loops and what they are built with, the
 solver, scope, analysers and meters, linear models, and studies of many runs.")
 
+# The module is packed from a build of its own, as its engines are position independent.
 if(TORVANE_PYTHON)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_COMPONENTS_ALL python)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-torvane)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
   # An extension is for the Python that it was built with.
   math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3-numpy, python3 (>= 3.${Python3_VERSION_MINOR}), \
 python3 (<< 3.${next_minor})")
+  # They compile its modules for that, and remove what comes of it.
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/package/python/postinst ${PROJECT_SOURCE_DIR}/cmake/package/python/prerm)
   set(CPACK_DEBIAN_PYTHON_DESCRIPTION
 "${PROJECT_DESCRIPTION}, for Python
 The module torvane simulates feedback control loops from Python: it runs the

@@ -104,6 +104,25 @@ check_libraries() {
     --record Command,Response | diff - <(grep -v margin build/package/embedded)
 }
 
+# The module gives the numbers of the command line, to the bit. NumPy's own libraries are found by links
+# that Debian makes when it is installed, and the root has none of those, nor what NumPy has compiled (-B).
+check_module() {
+  local libraries
+  libraries=/usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)
+  "${inside[@]}" "LD_LIBRARY_PATH=$libraries/blas:$libraries/lapack" python3 -B -c "
+import torvane
+model = torvane.Model('3-1')
+model['KP'] = 1.2
+run = model.run(until=0.04, every=0.001)
+for row in zip(run.time, run['Command'], run['Response']):
+    print(*map(float.hex, map(float, row)))" >build/package/module
+  build/unity/bin/torvane-cli run 3-1 --set KP=1.2 --until 0.04 --every 0.001 \
+    --record Command,Response | python3 -c "
+import sys
+for row in list(sys.stdin)[1:]:
+    print(*(float.hex(float(number)) for number in row.split(',')))" | diff - build/package/module
+}
+
 check_screen() {
   "${inside[@]}" QT_QPA_PLATFORM=offscreen torvane-cli scope "$example" --until 0.5 \
     --out /tmp/screen.csv --picture /tmp/screen.png
@@ -181,5 +200,6 @@ mapfile -t commands < <("$files/usr/bin/torvane-cli" --help |
 check_options torvane-cli "" "${commands[@]}"
 try torvane "" check_command_line check_screen check_desktop
 try torvane-cli "" check_plain_command_line
+try python3-torvane "" check_module
 try libtorvane-dev "g++ cmake ninja-build" check_libraries
 echo "The packages install, run and leave nothing behind."

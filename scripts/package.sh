@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Makes what is handed to others, in build/package: packages for Debian 12 (the desktop program, the
-# command line alone, the libraries) and an archive of the sources, of what git tracks. The same sources give the same bytes, wherever and whenever:
-# SOURCE_DATE_EPOCH, or else the time of the last commit, stands for the time in all that is made.
+# command line alone, the libraries, the Python module) and an archive of the sources, of what git
+# tracks. The same sources give the same bytes, wherever and whenever: SOURCE_DATE_EPOCH, or else the
+# time of the last commit, stands for the time in all that is made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install-packages.sh build desktop package
+scripts/install-packages.sh build desktop python package
 
 tracked() { git rev-parse --show-prefix 2>/dev/null | grep -qx ''; }
 
@@ -19,11 +20,18 @@ out=$PWD/build/package
 rm -rf "$out"
 mkdir -p "$out"
 
-cmake --preset unity -DTORVANE_TESTS=OFF -DTORVANE_PYTHON=OFF -DTORVANE_PACKAGES=ON \
+# Of what a folder's build is to pack.
+pack() {
+  local folder=$1
+  shift
+  cmake --preset unity -B "$folder" -DTORVANE_TESTS=OFF -DTORVANE_PACKAGES=ON "$@"
+  cmake --build "$folder"
+  (cd "$folder" && cpack -B "$out/work")
+  mv "$out"/work/*.deb "$out"
+}
+pack build/unity -DTORVANE_PYTHON=OFF \
   "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
-cmake --build --preset unity
-(cd build/unity && cpack -B "$out/work")
-mv "$out"/work/*.deb "$out"
+pack build/module -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 -DTORVANE_DESKTOP=OFF
 rm -rf "$out/work"
 
 if tracked; then
