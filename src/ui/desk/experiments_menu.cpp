@@ -71,13 +71,15 @@ void ExperimentsMenu::Fill() {
   if (offered.empty()) menu_.addAction(QStringLiteral("None for this model"))->setEnabled(false);
 }
 
-// The neighbour of the one that is shown; numbers may be alike.
+// The neighbour of the one that is shown once all earlier clicks are done; numbers may be alike.
 void ExperimentsMenu::GoOn(int by) {
-  if (!panel_->Shown()) return;
-  const Offered offered = OfModel();
-  const auto shown = std::ranges::find(offered, file_, &OfferedExperiment::File);
-  const auto next = static_cast<std::size_t>(shown - offered.begin() + by);
-  if (shown != offered.end() && next < offered.size()) Begin(offered, next);
+  WhenNothingIsOpen(*this, [this, by] {
+    if (!panel_->Shown()) return;
+    const Offered offered = OfModel();
+    const auto shown = std::ranges::find(offered, file_, &OfferedExperiment::File);
+    const auto next = static_cast<std::size_t>(shown - offered.begin() + by);
+    if (shown != offered.end() && next < offered.size()) SetUp(offered, next);
+  });
 }
 
 // The menu is filled anew, and the panel written, while the model changes; what has been clicked is
