@@ -64,9 +64,9 @@ while read -r figure twin bound; do
   read -r instructions _ <<<"$(count engine "$figure")"
   compare "$figure as a text, instructions" "$own_instructions" "$instructions" "$bound"
 done <<'TWINS'
-2-1 PIPlus 2.8
-3-1 AnalogPI 3
-6-1 DigitalPID 2.85
-15-1 Resonance 2.75
+2-1 PIPlus 2.6
+3-1 AnalogPI 2.95
+6-1 DigitalPID 2.55
+15-1 Resonance 2.55
 TWINS
 exit "$failed"

@@ -19,9 +19,13 @@ class Combine {
       : h_(h), sixth_(static_cast<double>(static_cast<long double>(h) * (1.0L / 6.0L))) {}
 
   double operator()(double start, double slopeSum) const {
-    return static_cast<double>(static_cast<long double>(start) +
-                               static_cast<long double>(slopeSum) * static_cast<long double>(h_) *
-                                   (1.0L / 6.0L));
+    return static_cast<double>(Extended(start, slopeSum));
+  }
+
+  /// Before the state takes it.
+  long double Extended(double start, double slopeSum) const {
+    return static_cast<long double>(start) +
+           static_cast<long double>(slopeSum) * static_cast<long double>(h_) * (1.0L / 6.0L);
   }
 
   /// The same of several states at once, to the bit: the sums take the place of the starts.

@@ -25,14 +25,14 @@ LoopSolver::LoopSolver(ZelBenchTop& bench, double h, OwnLoop& loop, LoopMachine&
       machine_(machine),
       start_(machine.StateCount()),
       sum_(machine.StateCount()),
-      step_(StepFor(machine.StateCount(), std::make_index_sequence<MostUnrolled + 1>())) {}
+      steps_(StepsFor(machine.StateCount(), std::make_index_sequence<MostUnrolled + 1>())) {}
 
 // Of a few states the sums of a stage are written out, which spares a quarter of a small loop's
 // instructions; 0 stands for any number of them.
 template <std::size_t... Counts>
-LoopSolver::StepOf LoopSolver::StepFor(std::size_t states,
-                                       std::index_sequence<Counts...> /*known*/) {
-  static constexpr std::array<StepOf, sizeof...(Counts)> steps{&LoopSolver::Step<Counts>...};
+LoopSolver::StepsOf LoopSolver::StepsFor(std::size_t states,
+                                         std::index_sequence<Counts...> /*known*/) {
+  static constexpr std::array<StepsOf, sizeof...(Counts)> steps{&LoopSolver::Steps<Counts>...};
   return steps.at(states < steps.size() ? states : 0);
 }
 
@@ -63,8 +63,7 @@ void LoopSolver::Run(double tEnd) {
   double t = bench_.Time();
   // What may come to no number without a flag is looked at step by step.
   if (machine_.Doubtful()) tEnd = t;
-  // Whatever is not an ordinary step's end is EndStep's to judge.
-  while ((this->*step_)(t) <= Huge && t + h_ < tEnd && !NumberFaultRaised()) t += h_;
+  t = (this->*steps_)(t, tEnd);
   machine_.LeaveStates();
   bench_.SetTime(t);
   EndStep(t);
@@ -94,9 +93,17 @@ namespace {
 
 }  // namespace
 
+// From the one at t to the last before tEnd, whose time it returns, or to one that may not be
+// ordinary, whose end is EndStep's to judge.
+template <std::size_t Count>
+double LoopSolver::Steps(double t, double tEnd) {
+  while (Step<Count>(t) <= Huge && t + h_ < tEnd && !NumberFaultRaised()) t += h_;
+  return t;
+}
+
 // Returns how large the states and the sources have become.
 template <std::size_t Count>
-long double LoopSolver::Step(double t) {
+[[gnu::always_inline]] inline long double LoopSolver::Step(double t) {
   const std::size_t count = Count > 0 ? Count : start_.size();
   const double half = 0.5 * h_;
   double* const values = machine_.Values();
@@ -123,8 +130,8 @@ long double LoopSolver::CombineStates() {
   const Combine combine(h_);
   long double size = 0.0L;
   for (std::size_t i = 0; i < count; ++i) {
-    const double combined = combine(start[i], sum[i] + slopes[i]);
-    values[i] = combined;
+    const long double combined = combine.Extended(start[i], sum[i] + slopes[i]);
+    values[i] = static_cast<double>(combined);
     size += std::abs(combined);
   }
   return machine_.TakePending() ? TakePending(size) : size;

@@ -25,20 +25,22 @@ class LoopSolver final : public ZelSolver {
   void Run(double tEnd);
   void CheckNumbers() const;
   template <std::size_t Count>
+  double Steps(double t, double tEnd);
+  template <std::size_t Count>
   long double Step(double t);
   template <std::size_t Count>
   long double CombineStates();
   long double TakePending(long double size);
 
-  using StepOf = long double (LoopSolver::*)(double);
+  using StepsOf = double (LoopSolver::*)(double, double);
   template <std::size_t... Counts>
-  static StepOf StepFor(std::size_t states, std::index_sequence<Counts...> known);
+  static StepsOf StepsFor(std::size_t states, std::index_sequence<Counts...> known);
 
   OwnLoop& loop_;
   LoopMachine& machine_;
   std::vector<double> start_;
   std::vector<double> sum_;
-  StepOf step_;
+  StepsOf steps_;
 };
 
 }  // namespace torvane::loops
