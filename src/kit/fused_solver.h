@@ -277,6 +277,8 @@ class FusedSolver final : public ZelSolver {
     const auto loop = std::as_bytes(std::span(&TheModel().loop_, 1));
     for (const std::span<std::byte> what : carried.Kept()) {
       if (&loop.front() <= &what.front() && &what.front() <= &loop.back()) continue;
+      if (what.size() > sizeof(double))
+        throw std::logic_error("a block remembers more than numbers");
       past_.push_back({what, {}});
     }
   }
@@ -315,18 +317,17 @@ class FusedSolver final : public ZelSolver {
   // Something that sampled blocks remember, and as it was before a run.
   struct Past {
     std::span<std::byte> What;
-    std::array<std::byte, sizeof(double)> Before;
+    std::array<std::byte, sizeof(double)> Before{};
 
     void Note() { Copy(Before.data(), What.data()); }
     void Restore() { Copy(What.data(), Before.data()); }
 
    private:
-    // A number as a rule, and a flag else.
     void Copy(std::byte* to, const std::byte* from) const {
-      if (What.size() == sizeof(double)) {
+      if (What.size() == sizeof(double)) [[likely]] {
         std::memcpy(to, from, sizeof(double));
       } else {
-        *to = *from;
+        std::memcpy(to, from, What.size());
       }
     }
   };
