@@ -171,9 +171,9 @@ void ModelChanges::Give(const Traces& traces, ZelScope& scope, std::vector<std::
   screen.Values.assign(scope.Channels().size(), {});
   bool any = false;
   for (std::size_t i = 0; i < traces.Signals.size(); ++i) {
-    const auto& [name, unit] = traces.Signals[i];
+    const auto& signal = traces.Signals[i];
     const auto found = std::ranges::find_if(scope.Channels(), [&](const auto& channel) {
-      return channel->Name() == name && channel->Signal().Unit() == unit;
+      return std::pair(channel->Name(), channel->Signal().Unit()) == signal;
     });
     if (found == scope.Channels().end() || traces.Screen.Values[i].empty()) continue;
     screen.Values[static_cast<std::size_t>(found - scope.Channels().begin())] =
