@@ -3,9 +3,11 @@
 #include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QMimeData>
+#include <QPointer>
 #include <utility>
 
 #include "core/files/atomic_save.h"
@@ -62,15 +64,20 @@ void ExportMenu::SaveData() {
 
 void ExportMenu::Save(const QString& ending, const Write& write) {
   const QString folder = UserSettings().value(ExportFolderKey, QDir::homePath()).toString();
-  QFileDialog dialog(plot_.window(), QStringLiteral("Save %1").arg(ending.toUpper()), folder,
-                     QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending));
-  dialog.setObjectName(QStringLiteral("ExportDialog"));
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(ending);
-  dialog.selectFile(source_.FileName + u'.' + ending);
-  if (dialog.exec() != QDialog::Accepted) return;
-  const QString path = dialog.selectedFiles().value(0);
-  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
+  const QPointer<QWidget> shown(&plot_);
+  const QPointer<QFileDialog> dialog(
+      new QFileDialog(plot_.window(), QStringLiteral("Save %1").arg(ending.toUpper()), folder,
+                      QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending)));
+  dialog->setObjectName(QStringLiteral("ExportDialog"));
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setDefaultSuffix(ending);
+  dialog->selectFile(source_.FileName + u'.' + ending);
+  const bool accepted = dialog->exec() == QDialog::Accepted;
+  const QString path = dialog ? dialog->selectedFiles().value(0) : QString();
+  delete dialog;
+  // Another model may have come before this goes on: plot and picture went with the one before.
+  if (!accepted || !shown) return;
+  UserSettings().setValue(ExportFolderKey, QFileInfo(path).absolutePath());
   const std::string fault = write(path.toStdString());
   if (fault.empty()) {
     ShowNotice(plot_, QStringLiteral("Saved as %1").arg(path));

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QPdfWriter>
+#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
 
@@ -41,10 +42,14 @@ void PrintPicture(QWidget& plot, const PicturePage& page) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(page.Heading);
   printer.setPageOrientation(QPageLayout::Landscape);
-  QPrintDialog dialog(&printer, plot.window());
-  dialog.setObjectName(QStringLiteral("PrintDialog"));
-  dialog.setWindowTitle(QStringLiteral("Print"));
-  if (dialog.exec() != QDialog::Accepted) return;
+  const QPointer<QWidget> shown(&plot);
+  const QPointer<QPrintDialog> dialog(new QPrintDialog(&printer, plot.window()));
+  dialog->setObjectName(QStringLiteral("PrintDialog"));
+  dialog->setWindowTitle(QStringLiteral("Print"));
+  const bool accepted = dialog->exec() == QDialog::Accepted;
+  delete dialog;
+  // Another model may have come before this goes on: plot and picture went with the one before.
+  if (!accepted || !shown) return;
   const QString file = printer.outputFileName();
   const std::string fault =
       file.isEmpty() ? PrintOnPaper(printer, page) : PrintToFile(printer, page);
