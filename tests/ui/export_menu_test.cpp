@@ -8,9 +8,12 @@
 #include <QFileDialog>
 #include <QImage>
 #include <QMimeData>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <string_view>
 
+#include "core/files/atomic_save.h"
 #include "desktop.h"
 #include "ui/panes/scope/scope_paint_box.h"
 
@@ -86,23 +89,38 @@ TEST_F(ExportMenuTest, WhatCannotBeWrittenIsToldWithFileAndReason) {
 }
 
 TEST_F(ExportMenuTest, TheButtonPrintsAPageToAFile) {
-  const auto print = [this](const char* name, bool replaced) {
-    Answer([this, replaced, path = Path(name)](QDialog& dialog) {
-      EXPECT_EQ(dialog.objectName(), QStringLiteral("PrintDialog"));
-      auto* printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
-      printers->setCurrentIndex(printers->count() - 1);  // the one that prints to a file
-      dialog.findChild<QLineEdit*>(QStringLiteral("filename"))->setText(path);
-      dialog.accept();
-      if (replaced) Panel->Work().Choose("3-1 PI Controller");
-    });
-    Find<QAbstractButton>("PrintB").click();
-  };
-  print("page.pdf", false);
+  Answer([path = Path("page.pdf")](QDialog& dialog) {
+    EXPECT_EQ(dialog.objectName(), QStringLiteral("PrintDialog"));
+    auto* printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
+    printers->setCurrentIndex(printers->count() - 1);  // the one that prints to a file
+    dialog.findChild<QLineEdit*>(QStringLiteral("filename"))->setText(path);
+    dialog.accept();
+  });
+  Click("PrintB");
   const QByteArray page = Read("page.pdf");
   EXPECT_TRUE(page.startsWith("%PDF-") && page.trimmed().endsWith("%%EOF"));
-  // A click that was under way when the dialog closed: what was to be printed goes with its model.
-  print("late.pdf", true);
-  EXPECT_TRUE(Read("late.pdf").isEmpty());
+  EXPECT_TRUE(Reports.Take().empty());
+}
+
+// A click that was under way when a dialog closed brings another model: what the dialog was for
+// goes with the one before.
+TEST_F(ExportMenuTest, AModelThatComesWhileADialogClosesTakesItAlong) {
+  ASSERT_EQ(ReplaceFile(Path("a.csv").toStdString(), "t,x,y\n0,1,2\n1,2,3\n"), "");
+  const char* models[] = {"3-1 PI Controller", "6-1 PID Controller"};
+  std::size_t turn = 0;
+  for (const char* asked : {"PrintB", "MIExportPng", "BVertAdd", "MILoadTraces", "MILoadMemory1"}) {
+    const bool saves = asked == std::string_view("MIExportPng");
+    Answer([&, file = saves ? Path("late.png") : Path("a.csv")](QDialog& dialog) {
+      auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+      if (edit) edit->setText(file);
+      dialog.accept();
+      Panel->Work().Choose(models[turn++ % 2]);
+    });
+    const QPointer<QWidget> scope(&Find<QWidget>("TZelScopeF"));
+    Click(asked);
+    EXPECT_FALSE(scope) << asked;
+  }
+  EXPECT_FALSE(QFile::exists(Path("late.png")));
   EXPECT_TRUE(Reports.Take().empty());
 }
 

@@ -1,12 +1,11 @@
 #include "ui/panes/play_file.h"
 
-#include <QDir>
-#include <QFileDialog>
 #include <QInputDialog>
+#include <memory>
 
 #include "core/messages.h"
 #include "instruments/generator/wave.h"
-#include "ui/session/user_settings.h"
+#include "ui/widgets/pane_dialog.h"
 
 namespace torvane {
 
@@ -15,25 +14,25 @@ namespace {
 QString AskForColumn(const std::vector<std::string>& columns, QWidget& window) {
   QStringList names;
   for (const std::string& column : columns) names << QString::fromStdString(column);
-  QInputDialog dialog(&window);
-  dialog.setObjectName(QStringLiteral("PlayColumnDialog"));
-  dialog.setWindowTitle(QStringLiteral("Play File"));
-  dialog.setLabelText(QStringLiteral("Play the column"));
-  dialog.setComboBoxItems(names);
-  return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
+  auto dialog = std::make_unique<QInputDialog>(&window);
+  dialog->setObjectName(QStringLiteral("PlayColumnDialog"));
+  dialog->setWindowTitle(QStringLiteral("Play File"));
+  dialog->setLabelText(QStringLiteral("Play the column"));
+  dialog->setComboBoxItems(names);
+  QString column;
+  const QInputDialog& chosen = *dialog;
+  AskOver(window, std::move(dialog), [&] { column = chosen.textValue(); });
+  return column;
 }
 
 }  // namespace
 
 void PlayFile(ZelWave& wave, QWidget& window) {
-  QFileDialog dialog(&window, QStringLiteral("Play File"),
-                     UserSettings().value(ExportFolderKey, QDir::homePath()).toString(),
-                     QStringLiteral("Time and values (*.csv *.txt);;All files (*)"));
-  dialog.setObjectName(QStringLiteral("PlayFileDialog"));
-  dialog.setFileMode(QFileDialog::ExistingFile);
-  if (dialog.exec() != QDialog::Accepted) return;
-  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
-  const std::string file = dialog.selectedFiles().value(0).toStdString();
+  const QString path =
+      AskForFile(window, {QStringLiteral("PlayFileDialog"), QStringLiteral("Play File"),
+                          QStringLiteral("Time and values (*.csv *.txt);;All files (*)")});
+  if (path.isEmpty()) return;
+  const std::string file = path.toStdString();
   WaveReading reading = ReadWaveFile(file);
   if (!reading.Table && reading.Columns.size() > 1) {
     const QString column = AskForColumn(reading.Columns, window);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
 #include <cstdlib>
 #include <memory>
@@ -56,9 +57,14 @@ void MessageBoxes::Show(MessageKind kind, const std::string& text) {
 
 bool MessageBoxes::Ask(MessageKind kind, const std::string& text) {
   BoxQueue::OfApplication().Finish();
-  return MakeBox(kind, QString::fromStdString(text), QMessageBox::Ok | QMessageBox::Cancel,
-                 QApplication::activeWindow())
-             ->exec() == QMessageBox::Ok;
+  // The window below may go while the box closes, and takes it along.
+  const QPointer<QMessageBox> box(MakeBox(kind, QString::fromStdString(text),
+                                          QMessageBox::Ok | QMessageBox::Cancel,
+                                          QApplication::activeWindow())
+                                      .release());
+  const bool yes = box->exec() == QMessageBox::Ok;
+  delete box;
+  return yes;
 }
 
 // The box may be the last window, whose end is a success elsewhere.

@@ -1,20 +1,17 @@
 #include "ui/widgets/export_menu.h"
 
 #include <QClipboard>
-#include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QMimeData>
-#include <QPointer>
+#include <memory>
 #include <utility>
 
 #include "core/files/atomic_save.h"
 #include "core/messages.h"
 #include "plot/picture_export.h"
-#include "ui/session/user_settings.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/pane_dialog.h"
 #include "ui/widgets/picture_printing.h"
 
 namespace torvane {
@@ -63,21 +60,11 @@ void ExportMenu::SaveData() {
 }
 
 void ExportMenu::Save(const QString& ending, const Write& write) {
-  const QString folder = UserSettings().value(ExportFolderKey, QDir::homePath()).toString();
-  const QPointer<QWidget> shown(&plot_);
-  const QPointer<QFileDialog> dialog(
-      new QFileDialog(plot_.window(), QStringLiteral("Save %1").arg(ending.toUpper()), folder,
-                      QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending)));
-  dialog->setObjectName(QStringLiteral("ExportDialog"));
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setDefaultSuffix(ending);
-  dialog->selectFile(source_.FileName + u'.' + ending);
-  const bool accepted = dialog->exec() == QDialog::Accepted;
-  const QString path = dialog ? dialog->selectedFiles().value(0) : QString();
-  delete dialog;
-  // Another model may have come before this goes on: plot and picture went with the one before.
-  if (!accepted || !shown) return;
-  UserSettings().setValue(ExportFolderKey, QFileInfo(path).absolutePath());
+  const QString path = AskForFile(
+      plot_, {QStringLiteral("ExportDialog"), QStringLiteral("Save %1").arg(ending.toUpper()),
+              QStringLiteral("%1 (*.%2)").arg(ending.toUpper(), ending),
+              source_.FileName + u'.' + ending});
+  if (path.isEmpty()) return;
   const std::string fault = write(path.toStdString());
   if (fault.empty()) {
     ShowNotice(plot_, QStringLiteral("Saved as %1").arg(path));

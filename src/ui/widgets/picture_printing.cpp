@@ -2,13 +2,14 @@
 
 #include <QBuffer>
 #include <QPdfWriter>
-#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <memory>
 
 #include "core/files/atomic_save.h"
 #include "core/messages.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/pane_dialog.h"
 
 namespace torvane {
 
@@ -42,14 +43,10 @@ void PrintPicture(QWidget& plot, const PicturePage& page) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(page.Heading);
   printer.setPageOrientation(QPageLayout::Landscape);
-  const QPointer<QWidget> shown(&plot);
-  const QPointer<QPrintDialog> dialog(new QPrintDialog(&printer, plot.window()));
+  auto dialog = std::make_unique<QPrintDialog>(&printer, plot.window());
   dialog->setObjectName(QStringLiteral("PrintDialog"));
   dialog->setWindowTitle(QStringLiteral("Print"));
-  const bool accepted = dialog->exec() == QDialog::Accepted;
-  delete dialog;
-  // Another model may have come before this goes on: plot and picture went with the one before.
-  if (!accepted || !shown) return;
+  if (!AskOver(plot, std::move(dialog))) return;
   const QString file = printer.outputFileName();
   const std::string fault =
       file.isEmpty() ? PrintOnPaper(printer, page) : PrintToFile(printer, page);

@@ -1,16 +1,17 @@
 #include "ui/panes/analyser/response_menu.h"
 
 #include <QActionGroup>
-#include <QDir>
-#include <QFileDialog>
+#include <QFileInfo>
+#include <QPointer>
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 
 #include "core/messages.h"
 #include "instruments/analyser/response_csv.h"
 #include "ui/panes/analyser/response_units_dialog.h"
-#include "ui/session/user_settings.h"
+#include "ui/widgets/pane_dialog.h"
 
 namespace torvane {
 
@@ -55,29 +56,24 @@ void ResponseMenu::AddLoad() {
 
 // What a bench or torvane-cli has measured lies over what is measured here.
 void ResponseMenu::Load(int slot) {
-  QFileDialog dialog(window_, QStringLiteral("Load a Response"),
-                     UserSettings().value(ExportFolderKey, QDir::homePath()).toString(),
-                     QStringLiteral("Frequency, gain and phase (*.csv *.txt);;All files (*)"));
-  dialog.setObjectName(QStringLiteral("LoadResponseDialog"));
-  dialog.setFileMode(QFileDialog::ExistingFile);
-  if (dialog.exec() != QDialog::Accepted) return;
-  const QString path = dialog.selectedFiles().value(0);
-  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
+  const QString path = AskForFile(
+      *window_, {QStringLiteral("LoadResponseDialog"), QStringLiteral("Load a Response"),
+                 QStringLiteral("Frequency, gain and phase (*.csv *.txt);;All files (*)")});
+  if (path.isEmpty()) return;
   ResponseText text = ReadResponseFile(path.toStdString());
   if (text.UnitsMissing) {
-    ResponseUnitsDialog units(text, window_);
-    while (!text.Fault.empty()) {
-      units.SetFault(text.Fault);
-      if (units.exec() != QDialog::Accepted) return;
-      text = ReadResponseFile(path.toStdString(), units.Hints());
-    }
+    auto dialog = std::make_unique<ResponseUnitsDialog>(path.toStdString(), text, window_);
+    const ResponseUnitsDialog& units = *dialog;
+    if (!AskOver(*window_, std::move(dialog), [&] { text = units.Text(); })) return;
   }
   if (!text.Fault.empty()) {
     Error(text.Fault);
     return;
   }
   const std::string file = QFileInfo(path).fileName().toStdString();
+  const QPointer<ResponseMenu> asking(this);
   const std::size_t count = MemoriesFor(slot, text.Responses.size(), file);
+  if (!asking) return;  // another model came while that was asked
   for (std::size_t i = 0; i < count; ++i) {
     NamedResponse& response = text.Responses[i];
     const std::string name = response.Name.empty() ? file : file + " " + response.Name;

@@ -3,8 +3,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
-
-#include "instruments/analyser/response_csv.h"
+#include <utility>
 
 namespace torvane {
 
@@ -18,8 +17,8 @@ struct UnitRow {
 
 }  // namespace
 
-ResponseUnitsDialog::ResponseUnitsDialog(const ResponseText& text, QWidget* parent)
-    : QDialog(parent), question_(new QLabel) {
+ResponseUnitsDialog::ResponseUnitsDialog(std::string file, ResponseText text, QWidget* parent)
+    : QDialog(parent), file_(std::move(file)), text_(std::move(text)), question_(new QLabel) {
   setObjectName(QStringLiteral("ResponseUnitsDialog"));
   setWindowTitle(QStringLiteral("Units of the Response"));
   auto* form = new QFormLayout(this);
@@ -27,7 +26,7 @@ ResponseUnitsDialog::ResponseUnitsDialog(const ResponseText& text, QWidget* pare
   // Its title bar has buttons beside the title.
   question_->setMinimumWidth(2 * fontMetrics().horizontalAdvance(windowTitle()));
   form->addRow(question_);
-  SetFault(text.Fault);
+  Ask();
   const std::array<UnitRow, 3> rows{
       UnitRow{"&Frequency",
               "CmBFrequencyUnit",
@@ -41,16 +40,26 @@ ResponseUnitsDialog::ResponseUnitsDialog(const ResponseText& text, QWidget* pare
     form->addRow(QLatin1String(rows[i].Label), units_[i]);
   }
   // What is asked for has an answer; a ratio and degrees are what calculators write.
-  if (text.GainUnitMissing) units_[1]->setCurrentIndex(2);
-  if (text.PhaseUnitMissing) units_[2]->setCurrentIndex(1);
+  if (text_.GainUnitMissing) units_[1]->setCurrentIndex(2);
+  if (text_.PhaseUnitMissing) units_[2]->setCurrentIndex(1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::accepted, this, &ResponseUnitsDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   form->addRow(buttons);
 }
 
-void ResponseUnitsDialog::SetFault(const std::string& fault) {
-  question_->setText(QString::fromStdString(fault) + QStringLiteral(".\nIn which units is it?"));
+void ResponseUnitsDialog::accept() {
+  text_ = ReadResponseFile(file_, Hints());
+  if (text_.Fault.empty()) {
+    QDialog::accept();
+  } else {
+    Ask();
+  }
+}
+
+void ResponseUnitsDialog::Ask() {
+  question_->setText(QString::fromStdString(text_.Fault) +
+                     QStringLiteral(".\nIn which units is it?"));
 }
 
 ResponseHints ResponseUnitsDialog::Hints() const {

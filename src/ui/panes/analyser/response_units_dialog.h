@@ -5,29 +5,33 @@
 #include <array>
 #include <string>
 
-#include "instruments/analyser/response_columns.h"
+#include "instruments/analyser/response_csv.h"
 
 class QLabel;
 
 namespace torvane {
 
-struct ResponseText;
-
-/// Asks for the units of a response's file that does not say them; what it says stays so unless the
-/// user chooses otherwise.
+/// Asks for the units of a response's file that does not say them, until it can be read with them;
+/// what it says stays so unless the user chooses otherwise.
 class ResponseUnitsDialog : public QDialog {
   Q_OBJECT
 
  public:
-  /// For a text whose units are missing.
-  explicit ResponseUnitsDialog(const ResponseText& text, QWidget* parent = nullptr);
+  /// For a file that was read as `text`, without units.
+  ResponseUnitsDialog(std::string file, ResponseText text, QWidget* parent);
 
-  /// Says what is missing, or what is wrong with the units that were chosen.
-  void SetFault(const std::string& fault);
+  /// Reads the file with the units that were chosen; stays open when that cannot be.
+  void accept() override;
 
-  ResponseHints Hints() const;
+  /// What was read last.
+  const ResponseText& Text() const { return text_; }
 
  private:
+  void Ask();
+  ResponseHints Hints() const;
+
+  std::string file_;
+  ResponseText text_;
   QLabel* question_;
   std::array<QComboBox*, 3> units_{};  // of frequency, gain and phase
 };

@@ -1,23 +1,17 @@
 #include "ui/panes/scope/load_traces.h"
 
-#include <QDir>
-#include <QFileDialog>
-
 #include "core/messages.h"
 #include "instruments/scope/trace_csv.h"
-#include "ui/session/user_settings.h"
+#include "ui/widgets/pane_dialog.h"
 
 namespace torvane {
 
 void LoadTraces(ZelScope& scope, QWidget& window) {
-  QFileDialog dialog(&window, QStringLiteral("Load Traces"),
-                     UserSettings().value(ExportFolderKey, QDir::homePath()).toString(),
-                     QStringLiteral("Time and signals (*.csv *.txt);;All files (*)"));
-  dialog.setObjectName(QStringLiteral("LoadTracesDialog"));
-  dialog.setFileMode(QFileDialog::ExistingFile);
-  if (dialog.exec() != QDialog::Accepted) return;
-  UserSettings().setValue(ExportFolderKey, dialog.directory().absolutePath());
-  const TraceText traces = ReadTraceFile(dialog.selectedFiles().value(0).toStdString(), scope);
+  const QString path =
+      AskForFile(window, {QStringLiteral("LoadTracesDialog"), QStringLiteral("Load Traces"),
+                          QStringLiteral("Time and signals (*.csv *.txt);;All files (*)")});
+  if (path.isEmpty()) return;
+  const TraceText traces = ReadTraceFile(path.toStdString(), scope);
   if (!traces.Fault.empty()) return Error(traces.Fault);
   scope.KeepTraces(traces.Screen);
   if (!traces.Note.empty()) Note(traces.Note);

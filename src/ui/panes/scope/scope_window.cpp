@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "core/messages.h"
 #include "core/scale_steps.h"
@@ -23,6 +24,7 @@
 #include "ui/widgets/edit_binding.h"
 #include "ui/widgets/export_menu.h"
 #include "ui/widgets/notice.h"
+#include "ui/widgets/pane_dialog.h"
 #include "ui/widgets/swatch.h"
 #include "ui/widgets/window_place.h"
 #include "ui_scope.h"
@@ -360,14 +362,14 @@ void ScopeWindow::ChooseChannels(ZelUndo& history) try {
     items.push_back({channel->Name(), channel->Displayed(),
                      [this, &channel](bool show) { scope_.SetDisplayed(*channel, show); }});
   }
-  AddDialog dialog(std::move(items), this);
-  connect(&dialog, &QDialog::accepted, this, [&] {
+  auto dialog = std::make_unique<AddDialog>(std::move(items), this);
+  AddDialog& chosen = *dialog;
+  AskOver(*this, std::move(dialog), [&] {
     history.BeginGesture();
-    dialog.Apply();
+    chosen.Apply();
     history.EndGesture();
     SettingsChanged();
   });
-  dialog.exec();
 } catch (const std::exception&) {
   Error("Fault in TZelScopeF :: BVertAddClick");
 }
