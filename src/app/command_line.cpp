@@ -52,6 +52,8 @@ std::optional<CommandLine> ReadCommandLine(const std::vector<std::string>& argum
       }
       command.What = CommandLine::Action::SpeedTest;
       command.SpeedSeconds = *seconds;
+    } else if (argument == "-session" && i + 1 < arguments.size()) {
+      ++i;  // how a session manager starts the program again; the toolkit takes it
     } else if (argument.starts_with("-")) {
       error = "Unknown option " + argument + " (see --help)";
       return {};

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
@@ -87,7 +88,8 @@ void FileCommands::KeepForNextStart() {
 
 bool FileCommands::OfferRecovery() {
   for (KeptSession& kept : Session::LeftBehind()) {
-    switch (AskAboutRecovery(kept)) {
+    // What a session manager ended and starts again goes on as it was.
+    switch (qGuiApp->isSessionRestored() ? Recovery::Restore : AskAboutRecovery(kept)) {
       case Recovery::Restore:
         if (session_.Restore(std::move(kept))) return true;
         break;
