@@ -157,6 +157,7 @@ class Arranger {
 
   // Walks back from what closes a circle, as long as all goes back.
   void FindBackwards() {
+    FindKept();
     std::deque<std::size_t> candidates;
     for (std::size_t to = 0; to < size_; ++to) {
       for (const std::size_t from : into_[to]) {
@@ -171,6 +172,17 @@ class Arranger {
       for (const std::size_t k : turned) {
         candidates.insert(candidates.end(), into_[k].begin(), into_[k].end());
       }
+    }
+  }
+
+  // Of a loop without a plant the last block looks forward, and with it all before it.
+  void FindKept() {
+    const auto& nodes = graph_.Nodes;
+    if (std::any_of(nodes.begin(), nodes.end(), [](const Node& n) { return n.IsPlant; })) return;
+    for (std::size_t k = 0; k < size_; ++k) {
+      const bool block = nodes[k].What >= Node::Sign::Box && nodes[k].What < Node::Sign::Label;
+      if (!block || into_[k].empty() || outOf_[k].empty()) continue;
+      if (!kept_ || made_.Order[k] > made_.Order[*kept_]) kept_ = k;
     }
   }
 
@@ -198,8 +210,8 @@ class Arranger {
       return true;
     }
     const Node& what = graph_.Nodes[node];
-    if (what.What == Node::Sign::Source || what.IsPlant || what.Outputs.size() != 1 ||
-        turned.size() == MostTurned) {
+    if (what.What == Node::Sign::Source || what.IsPlant || node == kept_ ||
+        what.Outputs.size() != 1 || turned.size() == MostTurned) {
       return false;
     }
     turned.push_back(node);
@@ -288,6 +300,7 @@ class Arranger {
   std::vector<std::vector<std::size_t>> into_;   ///< of each node those that feed it
   std::vector<std::vector<std::size_t>> outOf_;  ///< and those that it feeds
   std::set<std::pair<std::size_t, std::size_t>> likelyBack_;
+  std::optional<std::size_t> kept_;  ///< never turned
   Arrangement made_;
 };
 

@@ -2,153 +2,46 @@
 
 #include <algorithm>
 
-#include "drawing/gap.h"
+#include "drawing/rows.h"
+#include "drawing/straighten.h"
 
 namespace torvane::drawing {
 
 namespace {
 
-constexpr int BeforeTracks = 14;  // from a column's edge to the first track
-constexpr int BehindTracks = 26;  // from the last one on, where arrows have their heads
-constexpr int BetweenTracks = 14;
-constexpr int Clear = 8;         // between a line and what it passes
-constexpr int HeadRoom = 14;     // for an arrow's head
-constexpr int StraightGap = 28;  // without a track
+constexpr int HeadRoom = 14;  // for an arrow's head
 
 class Placer {
  public:
   Placer(const BlockGraph& graph, const Arrangement& arrangement, const std::vector<Shape>& shapes,
-         const std::vector<Net>& nets, Heights heights)
-      : graph_(graph),
-        arrangement_(arrangement),
-        shapes_(shapes),
-        nets_(nets),  // a copy
-        heights_(std::move(heights)) {}
+         const std::vector<Net>& nets)
+      : graph_(graph), arrangement_(arrangement), shapes_(shapes), nets_(nets) {}  // a copy
 
-  Placing Make() {
-    MoveToTop();
-    for (std::size_t k = 0; k < nets_.size(); ++k) Straighten(k);
-    CollectGaps();
-    PlaceColumns();
+  Placing Make(Heights heights) {
+    MoveToTop(heights);
+    Straighten(arrangement_, shapes_, heights, nets_);
+    rows_ = PlaceInRows(arrangement_, shapes_, nets_, std::move(heights));
+    placing_.Width = rows_.Width;
     for (std::size_t k = 0; k < shapes_.size(); ++k) {
       const auto column = At(arrangement_.Columns[k]);
-      const int x = columnAt_[column] + (columnWidth_[column] - shapes_[k].Width) / 2;
-      placing_.Nodes.push_back({x, heights_.Nodes[k]});
-      placing_.Height = std::max(placing_.Height, heights_.Nodes[k] + shapes_[k].Height);
+      const int x = rows_.ColumnAt[column] + (rows_.ColumnWidth[column] - shapes_[k].Width) / 2;
+      const int y = rows_.At.Nodes[k];
+      placing_.Nodes.push_back({x, y});
+      placing_.Height = std::max(placing_.Height, y + shapes_[k].Height);
     }
+    for (const int y : rows_.At.Crossings) placing_.Height = std::max(placing_.Height, y + Clear);
     for (std::size_t k = 0; k < nets_.size(); ++k) AddRoute(static_cast<int>(k));
     return std::move(placing_);
   }
 
  private:
-  void MoveToTop() {
-    if (heights_.Nodes.empty()) return;
-    int top = *std::min_element(heights_.Nodes.begin(), heights_.Nodes.end());
-    for (const int y : heights_.Crossings) top = std::min(top, y);
-    for (int& y : heights_.Nodes) y -= top;
-    for (int& y : heights_.Crossings) {
-      y -= top;
-      placing_.Height = std::max(placing_.Height, y + 8);
-    }
+  static void MoveToTop(Heights& heights) {
+    if (heights.Nodes.empty()) return;
+    int top = *std::min_element(heights.Nodes.begin(), heights.Nodes.end());
+    for (const int y : heights.Crossings) top = std::min(top, y);
+    for (int& y : heights.Nodes) y -= top;
+    for (int& y : heights.Crossings) y -= top;
   }
-
-  int HeightOf(const Pin& pin) const { return heights_.Nodes[At(pin.Node)] + pin.Y; }
-
-  // A line that comes from below or above goes as far as below or above the sign on its own height,
-  // where nothing stands in its way.
-  void Straighten(std::size_t index) {
-    Net& net = nets_[index];
-    firstCrossing_.push_back(crossings_);
-    for (Pin& pin : net.Pins) {
-      if (pin.How == Pin::Way::Straight) continue;
-      const auto height = OnlyOtherEnd(net, pin);
-      const int own = HeightOf(pin);
-      if (!height || (*height > own) != (pin.How == Pin::Way::FromBelow)) continue;
-      if (IsFree(pin, std::min(own, *height), std::max(own, *height))) pin.Y += *height - own;
-    }
-    crossings_ += At(net.LastGap - net.FirstGap);
-  }
-
-  // Height of what the pin is joined to in its gap, when that is one end at the gap's other edge.
-  std::optional<int> OnlyOtherEnd(const Net& net, const Pin& pin) const {
-    const int gap = Net::GapOf(pin, arrangement_);
-    std::optional<int> height;
-    const auto add = [&](bool atLeft, int y) {
-      if (atLeft == pin.AtRight || height) return false;
-      height = y;
-      return true;
-    };
-    const std::size_t before = firstCrossing_.back() + At(gap - net.FirstGap);
-    if (gap > net.FirstGap && !add(true, heights_.Crossings[before - 1])) return {};
-    if (gap < net.LastGap && !add(false, heights_.Crossings[before])) return {};
-    for (const Pin& other : net.Pins) {
-      if (&other == &pin || Net::GapOf(other, arrangement_) != gap) continue;
-      if (!add(other.AtRight, HeightOf(other))) return {};
-    }
-    return height;
-  }
-
-  bool IsFree(const Pin& pin, int top, int bottom) const {
-    const int column = arrangement_.Columns[At(pin.Node)];
-    for (std::size_t k = 0; k < shapes_.size(); ++k) {
-      if (static_cast<int>(k) == pin.Node || arrangement_.Columns[k] != column) continue;
-      const int y = heights_.Nodes[k];
-      if (y < bottom + Clear && y + shapes_[k].Height > top - Clear) return false;
-    }
-    const Shape& own = shapes_[At(pin.Node)];
-    return std::none_of(own.Pins.begin(), own.Pins.end(), [&](const Pin& other) {
-      const int y = HeightOf(other);
-      return other.Y != pin.Y && y > top - Clear && y < bottom + Clear;
-    });
-  }
-
-  void CollectGaps() {
-    int columns = 0;
-    for (const int column : arrangement_.Columns) columns = std::max(columns, column + 1);
-    columnWidth_.resize(At(columns));
-    for (std::size_t k = 0; k < shapes_.size(); ++k) {
-      int& width = columnWidth_[At(arrangement_.Columns[k])];
-      width = std::max(width, shapes_[k].Width);
-    }
-    gaps_.resize(At(columns + 1));  // the first one lies before the first column
-    std::size_t crossing = 0;
-    for (std::size_t k = 0; k < nets_.size(); ++k) {
-      const Net& net = nets_[k];
-      for (int gap = net.FirstGap; gap <= net.LastGap; ++gap) {
-        GapNet ends;
-        ends.Net = static_cast<int>(k);
-        const auto within = At(gap - net.FirstGap);
-        if (gap > net.FirstGap) ends.Left.push_back(heights_.Crossings[crossing + within - 1]);
-        if (gap < net.LastGap) ends.Right.push_back(heights_.Crossings[crossing + within]);
-        for (const Pin& pin : net.Pins) {
-          if (Net::GapOf(pin, arrangement_) != gap) continue;
-          (pin.AtRight ? ends.Left : ends.Right).push_back(HeightOf(pin));
-        }
-        gaps_[At(gap + 1)].push_back(std::move(ends));
-      }
-      crossing += At(net.LastGap - net.FirstGap);
-    }
-  }
-
-  void PlaceColumns() {
-    int x = 0;
-    for (std::size_t gap = 0; gap < gaps_.size(); ++gap) {
-      const int tracks = GiveTracks(gaps_[gap]);
-      gapAt_.push_back(x);
-      const bool outermost = gap == 0 || gap + 1 == gaps_.size();
-      if (tracks > 0) {
-        x += BeforeTracks + (tracks - 1) * BetweenTracks + BehindTracks;
-      } else if (!outermost) {
-        x += StraightGap;
-      }
-      if (gap + 1 == gaps_.size()) break;
-      columnAt_.push_back(x);
-      x += columnWidth_[gap];
-    }
-    placing_.Width = x;
-  }
-
-  int LeftEdge(const Pin& pin) const { return placing_.Nodes[At(pin.Node)].X; }
 
   void AddRoute(int index) {
     const Net& net = nets_[At(index)];
@@ -157,30 +50,51 @@ class Placer {
     for (int gap = net.FirstGap; gap <= net.LastGap; ++gap) AddGap(net, gap, route);
     for (const Pin& pin : net.Pins) AddEnd(pin, route);
     for (int column = net.FirstGap + 1; column <= net.LastGap; ++column) {
-      const int y = heights_.Crossings[firstCrossing_[At(index)] + At(column - net.FirstGap - 1)];
-      const int x = columnAt_[At(column)];
-      route.Segments.push_back({{x, y}, {x + columnWidth_[At(column)], y}});
+      const int y = rows_.At.Crossings[crossings_++];
+      const int x = rows_.ColumnAt[At(column)];
+      route.Segments.push_back({{x, y}, {x + rows_.ColumnWidth[At(column)], y}});
     }
     placing_.Routes.push_back(std::move(route));
   }
 
   void AddGap(const Net& net, int gap, Route& route) const {
-    const auto& nets = gaps_[At(gap + 1)];
-    const auto ends = std::find_if(nets.begin(), nets.end(), [&](const GapNet& other) {
-      return &nets_[At(other.Net)] == &net;
-    });
-    const int left = gapAt_[At(gap + 1)];
-    const int right = At(gap + 1) < columnAt_.size() ? columnAt_[At(gap + 1)] : placing_.Width;
+    const std::size_t strip = At(gap + 1);
+    AddStrip(rows_.Before[strip], route);
+    AddStrip(rows_.Behind[strip], route);
+    for (const WayRound& way : rows_.Round[strip]) {
+      if (way.Net != route.Net) continue;
+      const int from = Net::GapOf(net.Pins[0], arrangement_);
+      const bool forward = from < gap || (from == gap && net.Pins[0].AtRight);
+      route.Segments.push_back({{rows_.Before[strip].Right, way.Exit}, {way.Out, way.Exit}});
+      route.Segments.push_back({{way.In, way.Entry}, {rows_.Behind[strip].Left, way.Entry}});
+      AddWayRound(way, forward, route);
+    }
+  }
+
+  // Half-way an arrow tells the direction.
+  static void AddWayRound(const WayRound& way, bool forward, Route& route) {
+    const Point out{way.Out, way.Channel};
+    const Point in{way.In, way.Channel};
+    const Point middle{(way.Out + way.In) / 2, way.Channel};
+    route.Segments.push_back({{way.Out, way.Exit}, out});
+    route.Segments.push_back({middle, forward ? in : out});
+    route.Arrows.push_back({forward ? out : in, middle});
+    route.Segments.push_back({in, {way.In, way.Entry}});
+  }
+
+  static void AddStrip(const Strip& strip, Route& route) {
+    const GapNet* const ends = strip.Of(route.Net);
+    if (!ends) return;
     if (ends->Track < 0) {
       if (!ends->Left.empty() && !ends->Right.empty()) {
-        route.Segments.push_back({{left, ends->Top()}, {right, ends->Top()}});
+        route.Segments.push_back({{strip.Left, ends->Top()}, {strip.Right, ends->Top()}});
       }
       return;
     }
-    const int x = left + BeforeTracks + ends->Track * BetweenTracks;
+    const int x = strip.TrackAt(ends->Track);
     route.Segments.push_back({{x, ends->Top()}, {x, ends->Bottom()}});
-    for (const int y : ends->Left) route.Segments.push_back({{left, y}, {x, y}});
-    for (const int y : ends->Right) route.Segments.push_back({{x, y}, {right, y}});
+    for (const int y : ends->Left) route.Segments.push_back({{strip.Left, y}, {x, y}});
+    for (const int y : ends->Right) route.Segments.push_back({{x, y}, {strip.Right, y}});
     AddDots(*ends, x, route);
   }
 
@@ -203,7 +117,7 @@ class Placer {
     const Point frame = placing_.Nodes[At(pin.Node)];
     const int y = frame.Y + pin.Y;
     const auto column = At(arrangement_.Columns[At(pin.Node)]);
-    const int edge = columnAt_[column] + (pin.AtRight ? columnWidth_[column] : 0);
+    const int edge = rows_.ColumnAt[column] + (pin.AtRight ? rows_.ColumnWidth[column] : 0);
     const bool circle = IsCircle(pin.Node);
     const int inset = circle ? shape.Width / 2 - SumRadius : 0;
     const int sign = pin.AtRight ? frame.X + shape.Width - inset : frame.X + inset;
@@ -230,13 +144,8 @@ class Placer {
   const Arrangement& arrangement_;
   const std::vector<Shape>& shapes_;
   std::vector<Net> nets_;
-  Heights heights_;
-  std::vector<std::size_t> firstCrossing_;  ///< of each net
-  std::size_t crossings_ = 0;
-  std::vector<std::vector<GapNet>> gaps_;  ///< gap g at g + 1
-  std::vector<int> gapAt_;
-  std::vector<int> columnAt_;
-  std::vector<int> columnWidth_;
+  Rows rows_;
+  std::size_t crossings_ = 0;  ///< of the routes that have been added
   Placing placing_;
 };
 
@@ -244,7 +153,7 @@ class Placer {
 
 Placing Place(const BlockGraph& graph, const Arrangement& arrangement,
               const std::vector<Shape>& shapes, const std::vector<Net>& nets, Heights heights) {
-  return Placer(graph, arrangement, shapes, nets, std::move(heights)).Make();
+  return Placer(graph, arrangement, shapes, nets).Make(std::move(heights));
 }
 
 }  // namespace torvane::drawing

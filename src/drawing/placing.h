@@ -8,6 +8,8 @@
 
 namespace torvane::drawing {
 
+inline constexpr int Clear = 8;  ///< between a line and what it passes
+
 /// Heights that a layout gives, in units of the drawing from its top.
 struct Heights {
   std::vector<int> Nodes;      ///< of their frames' tops

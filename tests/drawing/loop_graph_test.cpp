@@ -152,17 +152,36 @@ int Pieces(const std::vector<Segment>& lines) {
   return static_cast<int>(std::set<std::size_t>(piece.begin(), piece.end()).size());
 }
 
+// Blocks in a row, none of them a plant.
+std::string Chain() {
+  std::string text = "model Chain\n  Torvane.Sources.Command s;\n  Real b0 = s.y - 0.1 * b20.y;\n";
+  std::string before = "b0";
+  for (int k = 1; k <= 20; ++k) {
+    const std::string name = "b" + std::to_string(k);
+    text.append("  Torvane.Continuous.LowPass1 ").append(name);
+    text.append("(u = ").append(before).append(", f = 9);\n");
+    before = name + ".y";
+  }
+  return text + "end Chain;";
+}
+
 TEST(PlacingTest, LinesJoinWhatTheyShallAndPassAllElse) {
   for (const char* const name :
-       {"AnalogFilters", "AnalogPI", "CascadeNotch", "CascadePosition", "DigitalPI", "OwnPID",
-        "Resonance", "StateFeedback", "TemperatureLoop"}) {
+       {"AnalogFilters", "AnalogPI", "CascadeNotch", "CascadePosition", "Chain", "DigitalPI",
+        "OwnPID", "Resonance", "StateFeedback", "TemperatureLoop"}) {
     SCOPED_TRACE(name);
-    const BlockGraph graph = Drawn(loops::ShippedText(name));
+    const bool chain = name == std::string("Chain");
+    const BlockGraph graph = Drawn(chain ? Chain() : loops::ShippedText(name));
     const Arrangement arrangement = Arrange(graph);
+    const auto& back = arrangement.Backwards;
+    if (chain) {
+      EXPECT_LE(std::count(back.begin(), back.end(), true), 1);
+    }
     const std::vector<Shape> shapes = Shapes(graph, arrangement);
     const std::vector<Net> nets = Nets(graph, arrangement, shapes);
     const Placing placing = Place(graph, arrangement, shapes, nets,
                                   Stacked(graph, arrangement, shapes, Crossings(nets)));
+    EXPECT_LE(placing.Width, 2250) << "rows are to be readable";
     std::vector<std::vector<Segment>> lines;
     for (const Route& route : placing.Routes) {
       lines.push_back(route.Segments);
