@@ -6,18 +6,22 @@
 namespace torvane {
 namespace {
 
-// Characters to insert, remove or replace (Levenshtein), by rows of the distance table.
-std::size_t EditDistance(const std::string& a, const std::string& b) {
+// Characters to insert, remove or replace (Levenshtein), by rows of the distance table; from the
+// limit on any number that is no less.
+std::size_t EditDistance(const std::string& a, const std::string& b, std::size_t limit) {
   std::vector<std::size_t> row(b.size() + 1);
   for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= a.size(); ++i) {
     std::size_t diagonal = row[0];
     row[0] = i;
+    std::size_t least = i;
     for (std::size_t j = 1; j <= b.size(); ++j) {
       const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
       diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+      row[j] = std::min(replaced, std::min(row[j], row[j - 1]) + 1);
+      least = std::min(least, row[j]);
     }
+    if (least >= limit) return least;
   }
   return row.back();
 }
@@ -52,7 +56,9 @@ std::string NearestName(const std::string& text, const std::vector<std::string>&
     const std::size_t fewest =
         std::max(name.size(), wanted.size()) - std::min(name.size(), wanted.size());
     if (nearest && Rank{form, fewest} >= best) continue;
-    const Rank rank{form, EditDistance(wanted, name)};
+    const std::size_t limit =
+        nearest && form == std::get<0>(best) ? std::get<1>(best) : std::string::npos;
+    const Rank rank{form, EditDistance(wanted, name, limit)};
     if (nearest && rank >= best) continue;
     nearest = &candidate;
     best = rank;

@@ -71,6 +71,8 @@ bool IsKeyword(std::string_view word) {
   constexpr auto last = Refused.end() - 3;
   static_assert(std::is_sorted(Words.begin(), Words.end()) &&
                 std::is_sorted(Refused.begin(), last));
+  // Most names are none at a glance.
+  if (word.size() < 2 || word.front() < 'a' || word.front() > 'z') return false;
   if (std::binary_search(Words.begin(), Words.end(), word)) return true;
   const auto* const found =
       std::lower_bound(Refused.begin(), last, word,

@@ -31,9 +31,8 @@ class Lexer {
     constexpr std::size_t UsualLength = 5;  // of a token and the blanks behind it
     tokens_.reserve(text_.size() / UsualLength + 1);
     while (SkipBlanks()) ReadToken();
-    Token end;
-    end.Where = end.After = place_;
-    tokens_.push_back(end);
+    start_ = place_;
+    Add(TokenKind::End, {});
     return std::move(tokens_);
   }
 
@@ -42,7 +41,7 @@ class Lexer {
   char Peek(std::size_t ahead = 0) const {
     return position_ + ahead < text_.size() ? text_[position_ + ahead] : '\0';
   }
-  bool Sees(std::string_view what) const { return text_.substr(position_).starts_with(what); }
+  bool Sees(std::string_view pair) const { return Peek() == pair[0] && Peek(1) == pair[1]; }
 
   char Take() {
     const char c = text_[position_++];
@@ -195,12 +194,11 @@ class Lexer {
   }
 
   void Add(TokenKind kind, std::string text) {
-    Token token;
+    Token& token = tokens_.emplace_back();
     token.Kind = kind;
     token.Text = std::move(text);
     token.Where = start_;
     token.After = place_;
-    tokens_.push_back(std::move(token));
   }
 
   std::string_view text_;
