@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include "desktop.h"
@@ -61,6 +62,52 @@ TEST_F(ModelViewsTest, SayWhatIsMissing) {
   Write("own.bmp", "no picture at all");
   Panel->MakeCurrent(std::make_unique<OwnModel>());
   EXPECT_TRUE(Find<QLabel>("IPicture").text().startsWith("Cannot read "));
+}
+
+/// Graphviz answers only when there is a file "go".
+class SlowLayoutTest : public ModelViewsTest {
+ protected:
+  SlowLayoutTest() : path_(qgetenv("PATH")) {
+    const QString dot = QStandardPaths::findExecutable("dot");
+    const QString go = folder_.filePath("go");
+    Write("dot",
+          QStringLiteral("#!/bin/sh\nwhile [ ! -e %1 ]; do sleep 0.01; done\nexec %2 \"$@\"\n")
+              .arg(go, dot)
+              .toUtf8());
+    QFile(folder_.filePath("dot"))
+        .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("PATH", folder_.path().toUtf8() + ':' + path_);
+    Play("put ~/own.mo " + Loop("K") + "\ndrop ~/own.mo; key panel F4 -> IPicture=" + Waits);
+  }
+  ~SlowLayoutTest() override { qputenv("PATH", path_); }
+
+  static std::string Loop(const std::string& constant) {
+    return "model Own\\n  parameter Real " + constant +
+           " = 2;\\n  Real x;\\nequation\\n  der(x) = -" + constant + " * x;\\nend Own;";
+  }
+
+  const std::string Waits = "Graphviz lays the diagram out...";
+  QByteArray path_;
+};
+
+TEST_F(SlowLayoutTest, ANewerTextIsDrawnAndUndoWorksMeanwhile) {
+  Play("set K 3; click MIUndo; put ~/own.mo " + Loop("L") +
+       "\n-> LoopChangeBar shown\nclick SBReadAgain -> SGConsts[L]=2; IPicture=" + Waits);
+  Play("set L 4; click MIUndo -> SGConsts[L]=2; IPicture shown");
+  Write("go", "");
+  Play("-> IDiagram shown\nclick IDiagram[L] -> EDiagramValue=2");
+}
+
+TEST_F(SlowLayoutTest, TheClosedPaneHasTheDrawingLater) {
+  Play("key panel F4 -> ModelPictureF hidden");
+  Write("go", "");
+  Play("key panel F4 -> IDiagram shown\nclick IDiagram[K] -> EDiagramValue=2");
+}
+
+TEST_F(SlowLayoutTest, WhatComesLateForAnotherModelIsDropped) {
+  Play("model 3-1 PI Controller -> IDiagram shown");
+  Write("go", "");
+  Play("run 0.1; look IDiagram; set KP 1 -> IDiagram repainted");
 }
 
 TEST(DataFolderTest, TheProgramsOwnFolderComesFirst) {
