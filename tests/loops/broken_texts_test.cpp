@@ -35,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(Loops, BrokenTextTest,
                          testing::Values("PIPlus", "AnalogPI", "DigitalPI", "DigitalPID",
                                          "AnalogFilters", "Resonance", "CascadePosition",
                                          "DeadTimePlant", "OwnPID", "StateFeedback",
-                                         "TemperatureLoop", "CascadeNotch"),
+                                         "TemperatureLoop", "CascadeNotch", "FirstLoop"),
                          [](const auto& name) { return name.param; });
 
 }  // namespace
