@@ -51,6 +51,13 @@ void LoopDraft::Open(const QString& path, const QString& text) {
   emit FileChanged();
 }
 
+void LoopDraft::Restore(const QString& path, const QString& text,
+                        const std::optional<QString>& held) {
+  Open(path, text);
+  if (held) saved_ = *held;
+  Look();
+}
+
 bool LoopDraft::SaveAs(const QString& path) {
   const QString before = std::exchange(path_, path);
   const bool saved = Write(text_);

@@ -26,11 +26,16 @@ class LoopDraft : public QObject {
 
   /// Takes a text in place of the one before, as the file's own or as an unsaved one of it.
   void Open(const QString& path, const QString& text);
+  /// Goes on with an unsaved text as it was left, when its file held that: what another program has
+  /// made of the file since then is offered.
+  void Restore(const QString& path, const QString& text, const std::optional<QString>& held);
   bool IsEmpty() const { return path_.isEmpty(); }
   const QString& Path() const { return path_; }
   const QString& Text() const { return text_; }
   /// The user has written it.
   void SetText(const QString& text) { text_ = text; }
+  /// What the file held when it was read or written last.
+  const QString& Saved() const { return saved_; }
   /// The file holds something else, as far as is known.
   bool Unsaved() const { return !IsEmpty() && text_ != saved_; }
 
@@ -63,7 +68,7 @@ class LoopDraft : public QObject {
 
   QString path_;
   QString text_;
-  QString saved_;  ///< what the file held when it was read or written last
+  QString saved_;
   bool endsInCrLf_ = false;
   std::optional<QString> elsewhere_;
   QFileSystemWatcher watcher_;

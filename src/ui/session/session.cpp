@@ -398,6 +398,7 @@ std::string Session::KeptLoops() const {
   if (draft_.Unsaved()) {
     kept.DraftPath = draft_.Path();
     kept.Draft = draft_.Text();
+    kept.DraftFile = draft_.Saved();
   }
   return kept.Records();
 }
@@ -405,7 +406,7 @@ std::string Session::KeptLoops() const {
 void Session::RestoreDraft(const std::string& text) {
   const KeptLoop kept = KeptLoop::In(text);
   if (kept.DraftPath.isEmpty()) return;
-  draft_.Open(kept.DraftPath, kept.Draft);
+  draft_.Restore(kept.DraftPath, kept.Draft, kept.DraftFile);
   emit DraftRestored();
 }
 
