@@ -175,9 +175,11 @@ Checker::SignalDraft* Checker::Target(const Expression& left, bool& slope) {
   slope = der;
   const Expression& name = der ? left.Parts.front() : left;
   if (!name.IsName()) {
-    problems_.Error(left.Where,
-                    "the left side of an equation is a signal alone, or der(signal): solve it for "
-                    "the signal");
+    const bool second = der && name.What == Kind::Call && name.Text == "der";
+    problems_.Error(left.Where, second ? "the slope of a slope needs a signal between: der(x) = v; "
+                                         "der(v) = ..."
+                                       : "the left side of an equation is a signal alone, or "
+                                         "der(signal): solve it for the signal");
     return nullptr;
   }
   const auto found = symbols_.find(name.Text);

@@ -117,7 +117,7 @@ Term Checker::Signal(const SignalDraft& signal) const {
 }
 
 std::vector<std::string> Checker::KnownNames() const {
-  std::vector<std::string> names{"time", "Modelica.Constants.pi"};
+  std::vector<std::string> names{"time"};
   for (const auto& [name, symbol] : symbols_) {
     if (symbol.What == Symbol::Kind::Block) {
       for (const auto output : blocks_[symbol.Index].Type->Outputs) {
@@ -154,7 +154,15 @@ Term Checker::ResolveName(const Expression& expression, const Context& context) 
   const std::size_t dot = name.find('.');
   const auto found = symbols_.find(std::string_view(name).substr(0, dot));
   const auto unknown = [&] {
-    problems_.Unknown(expression.Where, "name", name, [this] { return KnownNames(); });
+    if (name == "pi" || name.starts_with("Modelica.")) {
+      problems_.Error(expression.Where, "unknown name " + Quoted(name) +
+                                            "; of Modelica's constants there is "
+                                            "Modelica.Constants.pi");
+    } else if (name.starts_with("Torvane.Waveform.")) {
+      problems_.Error(expression.Where, "a waveform can be a source's parameter only");
+    } else {
+      problems_.Unknown(expression.Where, "name", name, [this] { return KnownNames(); });
+    }
     return Term();
   };
   if (found == symbols_.end()) return unknown();

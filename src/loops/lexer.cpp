@@ -23,6 +23,24 @@ bool IsContinuation(char c) {
   return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }
 
+// What to write for a sign of other languages.
+std::string InsteadOf(char sign) {
+  switch (sign) {
+    case '&':
+      return "; write \"and\"";
+    case '|':
+      return "; write \"or\"";
+    case '!':
+      return "; write \"not\", or \"<>\" for unequal";
+    case '%':
+      return "; write mod(a, b), or // before a remark";
+    case '?':
+      return "; write \"if ... then ... else ...\"";
+    default:
+      return "";
+  }
+}
+
 class Lexer {
  public:
   Lexer(std::string_view text, ProblemList& problems) : text_(text), problems_(problems) {}
@@ -189,8 +207,8 @@ class Lexer {
     }
     lastBad_ = start_;
     const bool shown = c > ' ' && c < '\x7f';
-    problems_.Error(start_, shown ? std::string("\"") + c + "\" has no meaning here"
-                                  : "this character has no meaning here");
+    problems_.Error(start_, (shown ? Quoted({&c, 1}) : "this character") + " has no meaning here" +
+                                InsteadOf(c));
   }
 
   void Add(TokenKind kind, std::string text) {

@@ -34,6 +34,10 @@ std::vector<Problem> ProblemList::Sorted() const {
 }
 
 void ProblemList::Add(const Problem& problem) {
+  const bool told = std::any_of(problems_.begin(), problems_.end(), [&](const Problem& other) {
+    return other.Where == problem.Where && other.Text == problem.Text;
+  });
+  if (told) return;
   if (!problem.Warning) ++errors_;
   if (problems_.size() < Most) problems_.push_back(problem);
 }

@@ -42,6 +42,7 @@ class ProblemList {
   /// for only while the search among them takes a moment altogether.
   void Unknown(Place where, const std::string& what, const std::string& text,
                const std::function<std::vector<std::string>()>& names, bool warning = false);
+  /// What has been said of a place is not said twice.
   void Add(const Problem& problem);
   bool HasErrors() const { return errors_ > 0; }
   /// In the order of their places.

@@ -62,7 +62,8 @@ const Token& TokenReader::NeedName(std::string_view what) {
     if (!advice.empty()) {
       Refuse(Here().Where, Quoted(Here().Text) + " is not in the language of loops: " + advice);
     }
-    Refuse(std::string(what) + "; " + Quoted(Here().Text) + " is a word of the language");
+    Refuse(Here().Where, "here should be " + std::string(what) + "; " + Quoted(Here().Text) +
+                             " is a word of the language");
   }
   return Take();
 }
