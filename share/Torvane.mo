@@ -5,6 +5,33 @@ package Torvane "The blocks that own loops are made of, for other tools that rea
   type Waveform = enumeration(Sine, Square, Triangle, Sawtooth, Pulse, BipolarPulse, Trapezoid,
       SCurve, DC);
 
+  function Matched "Coefficients of 1/z and 1/z^2 that match s^2 + 2 zeta w s + w^2"
+    input Real wT "w times the sample period";
+    input Real zeta;
+    output Real c[2];
+  algorithm
+    c := {-2 * exp(-zeta * wT) * (if zeta <= 1 then cos(wT * sqrt(max(0, 1 - zeta ^ 2)))
+      else cosh(wT * sqrt(max(0, zeta ^ 2 - 1)))), exp(-2 * zeta * wT)};
+  end Matched;
+
+  function Polynomial "Coefficients in descending powers, of the one with these roots"
+    input Real roots[:, 2] "Rows {real, imaginary}, with conjugates";
+    output Real c[size(roots, 1) + 1];
+  protected
+    Real im[size(roots, 1) + 1] "Of the products so far";
+    Real re;
+  algorithm
+    c := cat(1, {1}, zeros(size(roots, 1)));
+    im := zeros(size(roots, 1) + 1);
+    for k in 1:size(roots, 1) loop
+      for j in k + 1:-1:2 loop
+        re := c[j] - roots[k, 1] * c[j - 1] + roots[k, 2] * im[j - 1];
+        im[j] := im[j] - roots[k, 1] * im[j - 1] - roots[k, 2] * c[j - 1];
+        c[j] := re;
+      end for;
+    end for;
+  end Polynomial;
+
   package Sources
     block Generator "Sine and square; a tool without the others gives the offset"
       parameter Waveform waveform = Waveform.Sine;
@@ -99,6 +126,17 @@ package Torvane "The blocks that own loops are made of, for other tools that rea
       der(x) = A * x + B * u;
       y = C * x + D * u;
     end StateSpace;
+
+    block ZerosAndPoles "k (s - z1)(s - z2).../((s - p1)(s - p2)...): rows {real, imaginary}"
+      extends Filter;
+      parameter Real zeros[:, 2] = fill(0, 0, 2);
+      parameter Real poles[:, 2];
+      parameter Real k = 1;
+    protected
+      TransferFunction same(u = u, b = k * Polynomial(zeros), a = Polynomial(poles));
+    equation
+      y = same.y;
+    end ZerosAndPoles;
 
     block DeadTime "u of T ago"
       extends Filter;
@@ -200,7 +238,99 @@ package Torvane "The blocks that own loops are made of, for other tools that rea
       end when;
     end LowPass1;
 
-    block PI "kVP (e + integral of kVI e), limited with anti-wind-up"
+    block TwoPoleTwoZero "Poles and zeros matched, 1 at z = 1"
+      extends Sampled;
+      parameter Real fPole(unit = "Hz");
+      parameter Real zetaPole;
+      parameter Real fZero(unit = "Hz");
+      parameter Real zetaZero;
+      parameter Real coefficientPeriod(unit = "s") = samplePeriod;
+    protected
+      parameter Real p[2] = Matched(2 * Modelica.Constants.pi * fPole * coefficientPeriod, zetaPole);
+      parameter Real z[2] = Matched(2 * Modelica.Constants.pi * fZero * coefficientPeriod, zetaZero);
+      discrete Real u1(start = 0, fixed = true), u2(start = 0, fixed = true);
+      discrete Real y1(start = 0, fixed = true), y2(start = 0, fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        y = (1 + p[1] + p[2]) / (1 + z[1] + z[2]) * (u + z[1] * pre(u1) + z[2] * pre(u2))
+          - p[1] * pre(y1) - p[2] * pre(y2);
+        u1 = u;
+        u2 = pre(u1);
+        y1 = y;
+        y2 = pre(y1);
+      end when;
+    end TwoPoleTwoZero;
+
+    block Notch "Poles and zeros matched"
+      parameter Real f(unit = "Hz");
+      parameter Real zeta = 0.707;
+      extends TwoPoleTwoZero(fPole = f, zetaPole = zeta, fZero = f, zetaZero = 0);
+    end Notch;
+
+    block LowPass2 "Pole-matched"
+      extends Sampled;
+      parameter Real f(unit = "Hz");
+      parameter Real zeta = 0.707;
+      parameter Real coefficientPeriod(unit = "s") = samplePeriod;
+    protected
+      parameter Real p[2] = Matched(2 * Modelica.Constants.pi * f * coefficientPeriod, zeta);
+      discrete Real y1(start = 0, fixed = true), y2(start = 0, fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        y = (1 + p[1] + p[2]) * u - p[1] * pre(y1) - p[2] * pre(y2);
+        y1 = y;
+        y2 = pre(y1);
+      end when;
+    end LowPass2;
+
+    block StateSpace "x(k+1) = A x + B u, y = C x + D u"
+      extends Sampled;
+      parameter Real A[:, :];
+      parameter Real B[:];
+      parameter Real C[:];
+      parameter Real D = 0;
+    protected
+      discrete Real x[size(B, 1)](each start = 0, each fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        x = A * pre(x) + B * u;
+        y = C * pre(x) + D * u;
+      end when;
+    end StateSpace;
+
+    block TransferFunction "b/a in descending powers of z"
+      extends Sampled;
+      parameter Real b[:];
+      parameter Real a[:];
+    protected
+      parameter Integer n = size(a, 1) - 1;
+      parameter Real bs[n + 1] = cat(1, zeros(n + 1 - size(b, 1)), b) / a[1];
+      parameter Real as[n + 1] = a / a[1];
+      discrete Real us[n](each start = 0, each fixed = true) "Of the samples before, the last first";
+      discrete Real ys[n](each start = 0, each fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        y = bs[1] * u + bs[2:end] * pre(us) - as[2:end] * pre(ys);
+        for i in 1:n loop
+          us[i] = if i == 1 then u else pre(us[max(i - 1, 1)]);
+          ys[i] = if i == 1 then y else pre(ys[max(i - 1, 1)]);
+        end for;
+      end when;
+    end TransferFunction;
+
+    block ZerosAndPoles "k (z - z1)(z - z2).../((z - p1)(z - p2)...): rows {real, imaginary}"
+      extends Sampled;
+      parameter Real zeros[:, 2] = fill(0, 0, 2);
+      parameter Real poles[:, 2];
+      parameter Real k = 1;
+    protected
+      TransferFunction same(u = u, samplePeriod = samplePeriod, b = k * Polynomial(zeros),
+        a = Polynomial(poles));
+    equation
+      y = same.y;
+    end ZerosAndPoles;
+
+    partial block Controller "The output limited, the integral with anti-wind-up"
       extends Sampled;
       input Real u_m;
       input Real feedForward = 0;
@@ -215,14 +345,57 @@ package Torvane "The blocks that own loops are made of, for other tools that rea
       discrete Real unlimited;
     equation
       when sample(0, samplePeriod) then
-        e = u - u_m;
         summed = pre(integral) + e * samplePeriod * kVI;
-        unlimited = (e + summed) * kVP + feedForward;
-        integral = if unlimited > yMax * windUp then yMax * windUp / kVP - e
+        integral = if kVI == 0 then 0 elseif kVP == 0 then summed
+          elseif unlimited > yMax * windUp then yMax * windUp / kVP - e
           elseif unlimited < -yMax * windUp then -yMax * windUp / kVP - e else summed;
         y = max(-yMax, min(yMax, unlimited));
       end when;
+    end Controller;
+
+    block PI "kVP (e + integral of kVI e)"
+      extends Controller;
+    equation
+      when sample(0, samplePeriod) then
+        e = u - u_m;
+        unlimited = (e + summed) * kVP + feedForward;
+      end when;
     end PI;
+
+    block PIPlus "A PI whose command goes through (kVFR/100 s + kVI)/(s + kVI)"
+      extends Controller;
+      parameter Real kVFR = 100;
+    protected
+      discrete Real command(start = 0, fixed = true);
+      discrete Real filtered(start = 0, fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        command = u;
+        filtered = if kVI == 0 then 0.01 * kVFR * u else ((0.01 * kVFR + kVI * samplePeriod) * u
+          + pre(filtered) - 0.01 * kVFR * pre(command)) / (kVI * samplePeriod + 1);
+        e = filtered - u_m;
+        unlimited = (e + summed) * kVP + feedForward;
+      end when;
+    end PIPlus;
+
+    block PID "A PI with a filtered derivative and command"
+      extends Controller;
+      parameter Real kVD(unit = "s") = 0;
+      parameter Real kVFR = 1;
+      parameter Real fD(unit = "Hz") = 2000;
+    protected
+      parameter Real a = exp(-kVI * samplePeriod);
+      parameter Real b = exp(-2 * Modelica.Constants.pi * fD * samplePeriod);
+      discrete Real filtered(start = 0, fixed = true);
+      discrete Real derivative(start = 0, fixed = true);
+    equation
+      when sample(0, samplePeriod) then
+        filtered = (1 - a) * u + a * pre(filtered);
+        e = kVFR * u + (1 - kVFR) * filtered - u_m;
+        derivative = (1 - b) * (e - pre(e)) * kVD / samplePeriod + b * pre(derivative);
+        unlimited = (e + summed + derivative) * kVP + feedForward;
+      end when;
+    end PID;
   end Discrete;
 
   package Mechanics
