@@ -193,9 +193,11 @@ class Model:
              amplitude: Optional[float] = None, offset: Optional[float] = None,
              order: Optional[int] = None, start_delay: Optional[float] = None,
              end_delay: Optional[float] = None, spectrum: Optional[bool] = None,
-             between_samples: bool = False, on_progress: Progress = None) -> Response:
+             between_samples: bool = False, setup: Optional[str] = None,
+             on_progress: Progress = None) -> Response:
         """Measures a frequency response with the FFT analyser: a record of 2**order samples,
-        ``tsample`` seconds apart, ``average`` records. What is not given is the analyser's own."""
+        ``tsample`` seconds apart, ``average`` records. ``setup`` names one of ``pairs`` in place
+        of input and output. What is not given is the analyser's own."""
         given = _given(locals(), "self", "on_progress")
         return Response(self._engine.bode(given, on_progress), self._draws("bode", given))
 
@@ -204,9 +206,11 @@ class Model:
               per_decade: Optional[int] = None, settle: Optional[float] = None,
               measure: Optional[float] = None, average: Optional[int] = None,
               tsample: Optional[float] = None, amplitude: Optional[float] = None,
-              offset: Optional[float] = None, on_progress: Progress = None) -> Response:
+              offset: Optional[float] = None, setup: Optional[str] = None,
+              on_progress: Progress = None) -> Response:
         """Measures a frequency response with the swept-sine analyser, point by point between two
-        frequencies, Hz. What is not given is the analyser's own."""
+        frequencies, Hz. ``setup`` names one of ``pairs`` in place of input and output. What is
+        not given is the analyser's own."""
         given = _given(locals(), "self", "on_progress")
         return Response(self._engine.sweep(given, on_progress), self._draws("sweep", given))
 
@@ -225,12 +229,16 @@ class Model:
               show: Union[str, Iterable[str], None] = None, trig_mode: Optional[str] = None,
               trig_source: Optional[str] = None, trig_slope: Optional[str] = None,
               trig_level: Optional[float] = None, trig_position: Optional[float] = None,
+              scale: Optional[Mapping[str, float]] = None,
+              shift: Optional[Mapping[str, float]] = None,
               on_progress: Progress = None) -> Screen:
         """Runs the model with its scope to the time ``until``, seconds, and gives the last
-        complete screen: ten divisions of ``time_base`` seconds."""
+        complete screen: ten divisions of ``time_base`` seconds. ``scale`` has the units a
+        division of signals' traces, ``shift`` by how many units they are moved up."""
         _above_zero(until=until)
         if show is not None and not isinstance(show, str):
             show = ",".join(show)
+        scale, shift = _each(scale), _each(shift)
         given = _given(locals(), "self", "on_progress")
         draw = self._draws("scope", given)
         given.pop("until")
@@ -334,7 +342,8 @@ class Model:
 def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = None, *,
           command: str, response: str, table: Optional[str] = None,
           sample: Optional[int] = None, seed: Optional[int] = None, jobs: Optional[int] = None,
-          require: Sequence[str] = (), best: Optional[str] = None, on_progress: Progress = None,
+          require: Sequence[str] = (), best: Optional[str] = None,
+          shard: Optional[Tuple[int, int]] = None, on_progress: Progress = None,
           **measure: Any) -> Study:
     """Measures many runs of a model, in processes of their own, a row each.
 
@@ -342,13 +351,15 @@ def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = Non
     are all combinations, those of the last in turn first; with ``sample`` it has ranges, (from,
     to) or (from, to, "log"), of which so many samples are taken. ``table`` is a CSV file with a
     row for each run instead. ``measure``: as ``step_measures``. Values have twelve digits.
+    ``shard``, as (3, 8), does each eighth run from the third on; ``write`` then writes what
+    ``merge`` puts together.
     """
     model = model if isinstance(model, Model) else Model(model)
     names: List[str] = []
     runs: List[Tuple[str, ...]] = []
     given = _given({**measure, "command": command, "response": response, "table": table,
                     "sample": sample, "seed": seed, "jobs": jobs, "require": list(require),
-                    "best": best})
+                    "best": best, "shard": "{}/{}".format(*shard) if shard else None})
     if (vary is None) == (table is None):
         raise ValueError("a study needs vary, or a table")
     if vary is not None and sample is not None:
@@ -361,6 +372,19 @@ def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = Non
         if not runs:
             raise ValueError("a study needs a value of each constant that it varies")
     return study_of(*model._engine.study(names, runs, given, on_progress))
+
+
+def merge(paths: Iterable[Union[str, "os.PathLike[str]"]], best: Optional[str] = None) -> Study:
+    """Puts the files of all shares of a study together, or reads the file of a whole one.
+
+    Files of different studies, damaged rows and runs that are missing or there twice are a
+    ValueError that names them.
+    """
+    return study_of(*_engine.merge([os.fspath(path) for path in paths], best or ""))
+
+
+def _each(numbers: Any) -> Any:
+    return numbers and [f"{name}={float(number)!r}" for name, number in numbers.items()]
 
 
 def _text(value: Value) -> str:
@@ -389,7 +413,7 @@ def _above_zero(**numbers: Optional[float]) -> None:
 
 _MEASURE = frozenset(
     "until window time_base peak bode theory loop order start_delay end_delay tsample amplitude "
-    "offset average command response table sample seed jobs require best runs vary".split())
+    "offset average command response table sample seed jobs require best runs vary shard".split())
 
 
 def _given(values: Mapping[str, Any], *without: str) -> Dict[str, Any]:

@@ -5,9 +5,12 @@ from __future__ import annotations
 import csv
 import io
 from pathlib import Path
-from typing import Any, Callable, Dict, Iterator, List, Mapping, NamedTuple, Optional, Tuple, Union
+from typing import (Any, Callable, Dict, Iterator, List, Mapping, NamedTuple, Optional, Sequence,
+                    Tuple, Union)
 
 import numpy as np
+
+from ._pictures import Picture, drawing_of_study, options_of
 
 Array = np.ndarray
 
@@ -81,12 +84,16 @@ class Margins(NamedTuple):
     @property
     def phase_margin(self) -> Optional[Reading]:
         """The phase margin nearest to 0."""
-        return min(self.phase_margins, key=lambda one: abs(one.value), default=None)
+        return _nearest_to_0(self.phase_margins)
 
     @property
     def gain_margin(self) -> Optional[Reading]:
         """The gain margin nearest to 0."""
-        return min(self.gain_margins, key=lambda one: abs(one.value), default=None)
+        return _nearest_to_0(self.gain_margins)
+
+
+def _nearest_to_0(readings: List[Reading]) -> Optional[Reading]:
+    return min(readings, key=lambda one: abs(one.value)) if readings else None
 
 
 class Response:
@@ -212,22 +219,37 @@ class Study(np.ndarray):
 
     ``Run`` and ``Measures`` are integers, settings float64 (or texts, of choices), measures
     float64 with NaN for what a run has none of, ``Reason`` text. ``csv`` is the table as
-    torvane-cli writes it, ``best`` the position of the best row, if one was asked for.
+    torvane-cli writes it, ``best`` the position of the best row, if one was asked for, and
+    ``file`` what ``write`` writes: the table, or of a share its sealed rows.
     """
 
     csv: bytes = b""
     best: Optional[int] = None
+    file: bytes = b""
 
     def __array_finalize__(self, other: Any) -> None:
         self.csv = getattr(other, "csv", b"")
         self.best = getattr(other, "best", None)
+        self.file = getattr(other, "file", b"")
 
     def write(self, path: Union[str, Path]) -> None:
-        """Writes the whole table as torvane-cli does, byte for byte."""
-        Path(path).write_bytes(self.csv)
+        """Writes the whole table, or the share, as torvane-cli does, byte for byte."""
+        Path(path).write_bytes(self.file)
+
+    def map(self, measure: str, *, axes: Optional[Tuple[str, str]] = None,
+            limits: Optional[Tuple[float, float]] = None, contours: bool = False,
+            levels: Optional[Sequence[float]] = None, best: Optional[str] = None) -> Picture:
+        """A measure over two settings as a picture, which torvane-cli draws: a map for each
+        value of the other settings. ``limits`` are the values at the ends of the colours,
+        ``levels`` those of the contours; ``best`` sets off the run with the best of a measure."""
+        told = {"map": measure, "axes": axes and ",".join(axes), "contours": contours,
+                "limits": limits and ":".join(repr(float(one)) for one in limits),
+                "levels": levels and ",".join(repr(float(one)) for one in levels),
+                "best": best}
+        return Picture(drawing_of_study(self.csv, options_of(told)))
 
 
-def study_of(table: bytes, best: Optional[int]) -> Study:
+def study_of(table: bytes, best: Optional[int], file: bytes) -> Study:
     """The structured array of a table."""
     captions, *rows = csv.reader(io.StringIO(table.decode("utf-8"), newline=""))
     mark = len(captions) - 1 - captions[::-1].index("Measures")
@@ -238,7 +260,7 @@ def study_of(table: bytes, best: Optional[int]) -> Study:
     array = np.empty(len(rows), dtype=fields).view(Study)
     for place, (caption, kind) in enumerate(fields):
         array[caption] = [_number(row[place]) if kind == "f8" else row[place] for row in rows]
-    array.csv, array.best = table, best
+    array.csv, array.best, array.file = table, best, file
     return array
 
 

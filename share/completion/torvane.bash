@@ -26,18 +26,57 @@ _torvane_offer_models() {
   _torvane_offer_files -d -- "$1"
 }
 
-# "--out=name" comes as three words.
+# The words of the line, rejoined where bash parts them at "=", ":", "<" or ">": all of them, what is
+# typed of the current one, the option before it, and how much of it bash keeps as it stands.
 _torvane_words() {
-  current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-  if [[ $current == = ]]; then
-    current=
-  elif [[ $before == = ]]; then
-    before=${COMP_WORDS[COMP_CWORD - 2]}
-  fi
+  local line=$COMP_LINE last=${COMP_WORDS[COMP_CWORD]} word i
+  words=()
+  for ((i = 0; i <= COMP_CWORD; i++)); do
+    word=${COMP_WORDS[i]}
+    if [[ $i -gt 0 && -n $line && $line != [[:space:]]* ]]; then
+      words[-1]+=$word
+    else
+      line=${line#"${line%%[![:space:]]*}"}
+      words+=("$word")
+    fi
+    line=${line#"$word"}
+  done
+  current=${words[-1]} before=${words[-2]-}
+  kept=${current%"$last"}
+  [[ $last == *[!=:\<\>]* ]] || kept=$current
+  [[ $current == --*=* ]] || return
+  before=${current%%=*} current=${current#*=} kept=${kept#*=}
+}
+
+# The model that the line names, a table of a study before it passed over.
+_torvane_model() {
+  local word i
+  model=
+  for ((i = 2; i < ${#words[@]} - 1; i++)); do
+    word=${words[i]}
+    if [[ $word == -* ]]; then
+      [[ $word == *=* || " $values" != *" $word="* ]] || ((++i))
+    elif [[ -z $model || $model == *.csv ]]; then
+      model=${word//\\/} model=${model#[\"\']} model=${model%[\"\']}
+    fi
+  done
+}
+
+# Offers words of a kind that torvane-cli knows of the model: each whole, and quoted if it has to be.
+_torvane_offer_values() {
+  local word model typed=${current//\\/}
+  typed=${typed#[\"\']}
+  _torvane_model
+  while IFS= read -r word; do
+    [[ $word != *[=:,\<\>] ]] || compopt -o nospace
+    word=${word#"${kept//\\/}"}
+    if [[ $current != [\"\']* && $word == *[!A-Za-z0-9_=:,./+-]* ]]; then printf -v word %q "$word"; fi
+    COMPREPLY+=("$word")
+  done < <(torvane-cli complete "$1" "$model" "$typed" 2>/dev/null)
 }
 
 _torvane_cli() {
-  local current before options='' values='' value='' pair
+  local current before kept words options='' values='' value='' pair
   _torvane_words
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -51,9 +90,14 @@ _torvane_cli() {
     [[ $pair != "$before="* ]] || value=${pair#*=}
   done
   case $value in
-    FILE*) _torvane_offer_files -f -- "$current" ;;
+    file) _torvane_offer_files -f -- "$current" ;;
+    none) ;;
     *'|'*) mapfile -t COMPREPLY < <(compgen -W "${value//|/ }" -- "$current") ;;
-    ?*) ;;
+    wave)
+      _torvane_offer_values wave
+      mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -X '!*.[cC][sS][vV]' -- "$current")
+      ;;
+    ?*) _torvane_offer_values "$value" ;;
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
@@ -65,7 +109,7 @@ _torvane_cli() {
 }
 
 _torvane() {
-  local current before
+  local current before kept words
   _torvane_words
   COMPREPLY=()
   if [[ $current == -* ]]; then

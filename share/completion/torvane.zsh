@@ -8,6 +8,26 @@ _torvane_models() {
   _alternative "models:model:compadd -a names" 'files:model file or loop:_files -g "*.((#i)tvf|mo)"'
 }
 
+# Words of a kind that torvane-cli knows of the model that the line names, a table of a study before
+# it passed over.
+_torvane_values() {
+  local model= word i
+  for ((i = 2; i < CURRENT; i++)); do
+    word=${(Q)words[i]}
+    if [[ $word == -* ]]; then
+      [[ $word == *=* || " $values" != *" $word="* ]] || ((++i))
+    elif [[ -z $model || $model == *.csv ]]; then
+      model=$word
+    fi
+  done
+  local -a found=(${(f)"$(torvane-cli complete $1 "$model" "${(Q)PREFIX}" 2>/dev/null)"})
+  local -a ends=(${(M)found:#*[=:,<>]})
+  found=(${found:#*[=:,<>]})
+  compadd -S '' -a ends
+  compadd -a found
+  [[ $1 != wave ]] || _files -g '*.(#i)csv'
+}
+
 _torvane_cli() {
   local -a commands=(
 @ZSH_DESCRIPTIONS@
@@ -17,7 +37,7 @@ _torvane_cli() {
     _arguments '--help[Print a help and exit]' '--version[Print the version and exit]'
     return
   fi
-  local command=$words[2]
+  local command=$words[2] values=
   shift words
   ((CURRENT--))
   case $command in

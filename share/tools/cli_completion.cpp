@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <map>
 
 #include "cli_texts.h"
 
@@ -22,13 +23,47 @@ std::string Escaped(const std::string& text) {
   return escaped;
 }
 
-// How zsh completes a value, by the name that stands for it.
+// What a value is, by the name that stands for it: "file", what "torvane-cli complete" knows, the
+// choices with "|" between them, or "none" of these.
+std::string KindOf(const std::string& value) {
+  static const std::map<std::string, std::string> kinds{{"SIGNAL", "signal"},
+                                                        {"A,B,...", "signals"},
+                                                        {"IN:OUT", "signal-pair"},
+                                                        {"SIGNAL=NUMBER", "signal-number"},
+                                                        {"NAME=VALUE", "constant"},
+                                                        {"KEY=VALUE|FILE", "wave"},
+                                                        {"NAME=FROM:TO:COUNT[:log]", "range"},
+                                                        {"NAME=FROM:TO[:log]", "range"},
+                                                        {"MEASURE", "measure"},
+                                                        {"MEASURE<NUMBER", "requirement"},
+                                                        {"X,Y", "axes"},
+                                                        {"PAIR", "pair"}};
+  const auto known = kinds.find(value);
+  if (known != kinds.end()) return known->second;
+  if (value.starts_with("FILE")) return "file";
+  return value.find('|') == std::string::npos ? "none" : value;
+}
+
+// How zsh completes it. Behind a blank the function gets no argument but its own.
 std::string Action(const std::string& value) {
-  if (value.starts_with("FILE")) return "_files";
-  if (value.find('|') == std::string::npos) return " ";
-  std::string choices = value;
+  const std::string kind = KindOf(value);
+  if (kind == "file") return "_files";
+  if (kind == "none") return " ";
+  if (kind.find('|') == std::string::npos) return " _torvane_values " + kind;
+  std::string choices = kind;
   for (char& c : choices) c = c == '|' ? ' ' : c;
   return "(" + choices + ")";
+}
+
+// The options that have a value, as OPTION=KIND.
+std::string Values(const CLI::App& command) {
+  std::string values;
+  for (const CLI::Option* option : command.get_options()) {
+    const std::string value = ValueName(*option);
+    if (value.empty()) continue;
+    for (const std::string& name : Names(*option)) values += name + "=" + KindOf(value) + " ";
+  }
+  return values;
 }
 
 // An option under one of its names, as _arguments takes it.
@@ -54,16 +89,11 @@ std::string BashCommands(const CLI::App& app) {
   std::string text;
   for (const CLI::App* command : Commands(app)) {
     std::string options;
-    std::string values;
     for (const CLI::Option* option : command->get_options()) {
-      const std::string value = ValueName(*option);
-      for (const std::string& name : Names(*option)) {
-        options += name + " ";
-        if (!value.empty()) values += name + "=" + value + " ";
-      }
+      for (const std::string& name : Names(*option)) options += name + " ";
     }
     text += "    " + command->get_name() + ") options=" + Quoted(options) +
-            " values=" + Quoted(values) + " ;;\n";
+            " values=" + Quoted(Values(*command)) + " ;;\n";
   }
   return text;
 }
@@ -79,7 +109,8 @@ std::string ZshDescriptions(const CLI::App& app) {
 std::string ZshCommands(const CLI::App& app) {
   std::string text;
   for (const CLI::App* command : Commands(app)) {
-    text += "    " + command->get_name() + ")\n      _arguments";
+    text += "    " + command->get_name() + ")\n      values=" + Quoted(Values(*command)) +
+            "\n      _arguments";
     for (const CLI::Option* option : command->get_options()) {
       if (IsPositional(*option)) {
         const std::string name = option->get_name(true);

@@ -14,7 +14,8 @@
 namespace torvane::tools {
 
 std::vector<const CLI::App*> Commands(const CLI::App& app) {
-  return app.get_subcommands([](const CLI::App*) { return true; });
+  // One without a group is for the completion itself.
+  return app.get_subcommands([](const CLI::App* command) { return !command->get_group().empty(); });
 }
 
 std::vector<std::string> Names(const CLI::Option& option) {

@@ -26,7 +26,7 @@ std::string ManualOptions(const CLI::App& app);
 /// The names of the commands, as words of a shell.
 std::string CommandWords(const CLI::App& app);
 
-/// A line a command of a `case` in bash, which sets `options` and, as OPTION=VALUENAME, `values`.
+/// A line a command of a `case` in bash, which sets `options` and, as OPTION=KIND, `values`.
 std::string BashCommands(const CLI::App& app);
 
 /// The commands for `_describe` and for `_arguments` of zsh.

@@ -54,6 +54,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddModelsCommand(app);
   AddConstantsCommand(app, console);
   AddSignalsCommand(app, console);
+  AddPairsCommand(app, console);
   AddRunCommand(app, console);
   AddScopeCommand(app, console);
   AddSpeedCommand(app, console);
@@ -68,6 +69,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddDiagramCommand(app, console);
   AddCheckCommand(app, console);
   AddConvertCommand(app, console);
+  AddCompleteCommand(app, console);
   app.parse_complete_callback([&app] {
     for (const CLI::App* command : app.get_subcommands()) KeepWhatIsRead(*command);
   });

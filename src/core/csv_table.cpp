@@ -24,7 +24,9 @@ bool CsvReader::Next(CsvRow& row) {
   bool ended = false;
   std::size_t i = 0;
   for (; i < rest_.size() && !ended && row_.Whole; ++i) {
-    const char c = rest_[i];
+    // A CR that no LF follows ends a line too.
+    const bool alone = rest_[i] == '\r' && !rest_.substr(i + 1).starts_with('\n');
+    const char c = alone && !inQuotes_ ? '\n' : rest_[i];
     if (c == '\n') ++line_;
     if (inQuotes_) {
       i += TakeQuoted(c, rest_.substr(i + 1).starts_with('"'));

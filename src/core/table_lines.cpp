@@ -11,24 +11,49 @@ std::string_view TrimmedField(std::string_view text) {
   return Trimmed(text, " \t\"");
 }
 
-std::string_view WithoutByteOrderMark(std::string_view text) {
+std::string TableText(std::string_view from) {
   constexpr std::string_view mark = "\xEF\xBB\xBF";
-  if (text.starts_with(mark)) text.remove_prefix(mark.size());
+  if (from.starts_with(mark)) from.remove_prefix(mark.size());
+  std::string text(from);
+  if (text.find('\n') == std::string::npos) std::replace(text.begin(), text.end(), '\r', '\n');
   return text;
 }
 
 char TableSeparator(std::string_view line) {
+  const bool paired = std::count(line.begin(), line.end(), '"') % 2 == 0;
   for (const char separator : {';', '\t', ','}) {
-    if (line.find(separator) != std::string_view::npos) return separator;
+    bool quoted = false;
+    for (const char c : line) {
+      if (c == '"') quoted = paired && !quoted;
+      if (c == separator && !quoted) return separator;
+    }
   }
   return ' ';
 }
 
+namespace {
+
+// Where the field that the line begins with ends: at a separator, behind the quotes that it is in.
+std::size_t FieldEnd(std::string_view line, char separator) {
+  const std::size_t begin = line.find_first_not_of(' ');
+  if (begin == std::string_view::npos || line[begin] != '"') return line.find(separator);
+  std::size_t close = line.find('"', begin + 1);
+  for (; close != std::string_view::npos; close = line.find('"', close + 1)) {
+    const std::size_t next = line.find_first_not_of(' ', close + 1);
+    if (next == std::string_view::npos) return separator == ' ' ? line.find(' ', close) : next;
+    if (separator == ' ' && next > close + 1) return close + 1;
+    if (separator != ' ' && line[next] == separator) return next;
+  }
+  return line.find(separator);  // quotes that do not end
+}
+
+}  // namespace
+
 TableFields SplitTableLine(std::string_view line, char separator, std::size_t most) {
   TableFields fields;
-  if (separator == ' ') line = TrimmedField(line);
+  if (separator == ' ') line = Trimmed(line);
   while (fields.size() < most) {
-    const std::size_t end = line.find(separator);
+    const std::size_t end = FieldEnd(line, separator);
     fields.push_back(TrimmedField(line.substr(0, end)));
     if (end == std::string_view::npos) break;
     line.remove_prefix(separator == ' ' ? std::min(line.find_first_not_of(' ', end), line.size())

@@ -15,13 +15,15 @@ using TableFields = std::vector<std::string_view>;
 /// The text without blanks and quotes around it.
 std::string_view TrimmedField(std::string_view text);
 
-/// The text without the byte order mark that some programs begin a file with.
-std::string_view WithoutByteOrderMark(std::string_view text);
+/// The text without the byte order mark that some programs begin a file with; where CR alone ends
+/// lines, LF does so.
+std::string TableText(std::string_view text);
 
-/// What divides a line's fields: the first of semicolon, tab and comma that it holds, else a blank.
+/// What divides a line's fields: the first of semicolon, tab and comma that it holds outside of
+/// quotes, else a blank.
 char TableSeparator(std::string_view line);
 
-/// At most so many fields. Several blanks that divide fields count as one.
+/// At most so many fields, those in quotes whole. Several blanks that divide fields count as one.
 TableFields SplitTableLine(std::string_view line, char separator, std::size_t most);
 
 /// The number in a field; a comma that divides no fields may be the decimal one.

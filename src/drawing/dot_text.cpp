@@ -192,8 +192,11 @@ class DotWriter {
 
 std::string DotText(const BlockGraph& graph, const Arrangement& arrangement,
                     const std::vector<Shape>& shapes, const std::vector<Net>& nets, bool texts) {
-  if (graph.Nodes.size() + Crossings(nets).size() > MostPlaces) {
-    throw DrawingFault("the loop has too many blocks and lines for a drawing");
+  const std::size_t places = graph.Nodes.size() + Crossings(nets).size();
+  if (places > MostPlaces) {
+    throw DrawingFault(
+        "the loop has too many blocks and lines for a drawing: " + std::to_string(places) +
+        " places, of which it has at most " + std::to_string(MostPlaces));
   }
   return DotWriter(graph, arrangement, shapes, nets).Write(texts);
 }

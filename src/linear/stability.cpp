@@ -24,6 +24,20 @@ bool Grows(const Root& pole) {
   return !Lasts(pole) && pole.Damping < 0.0;
 }
 
+// Whether two poles that lie close together are two. `kept` has no more than what they last in, in
+// which `off`, the system less one of them, is a matrix of two by two: how far apart they are is
+// its discriminant, in which rounding is far smaller than in poles that were found one by one.
+bool AreDistinct(const MatrixXcd& off, const MatrixXcd& kept) {
+  const Eigen::ColPivHouseholderQR<MatrixXcd> parts(kept);
+  const MatrixXcd q = MatrixXcd(parts.householderQ()).leftCols(2);
+  const MatrixXcd both = q.adjoint() * off * q;
+  const std::complex<double> half = 0.5 * (both(0, 0) - both(1, 1));
+  const double apart = std::abs(half * half + both(0, 1) * both(1, 0));
+  const double rounding = 100.0 * static_cast<double>(off.rows()) *
+                          std::numeric_limits<double>::epsilon() * off.norm() * both.norm();
+  return apart > rounding;
+}
+
 // Whether what lasts at that pole grows with time. (I - h (A - p I))^-1 has what decays vanish when
 // h is long, and keeps what lasts; to double its power then doubles what a chain adds up, and
 // nothing else. In a sampled system A / p - I has the part of A - p I.
@@ -50,6 +64,8 @@ bool IsChained(const LinearSystem& system, const Root& pole, const std::vector<R
   const double h = std::isfinite(slowest) ? Long / slowest : 1.0;
   MatrixXcd power = (unit - h * off).inverse();
   for (int i = 0; i < 3; ++i) power = (power * power).eval();
+  const auto fourth = [](const MatrixXcd& m) -> MatrixXcd { return m * m * (m * m); };
+  if (alike == 2 && AreDistinct(off, fourth(power))) return false;  // they beat, slowly
   const MatrixXd before = power.cwiseAbs();
   const MatrixXd after = (power * power).cwiseAbs();
   return (after.array() > Doubled * before.array() &&

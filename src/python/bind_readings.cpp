@@ -80,6 +80,8 @@ py::tuple Scope(ScriptModel& model, double until, const py::dict& given,
   ScopeSettings settings;
   keywords.Take("time_base", settings.TimeBase, Accepts::Positive);
   keywords.Take("show", settings.Show);
+  keywords.Take("scale", settings.Scales);
+  keywords.Take("shift", settings.Shifts);
   keywords.Take("trig_mode", settings.TrigMode);
   keywords.Take("trig_source", settings.TrigSource);
   keywords.Take("trig_slope", settings.TrigSlope);

@@ -6,6 +6,7 @@
 #include "instruments/analyser/margins.h"
 #include "python/arrays.h"
 #include "python/bindings.h"
+#include "workbench/measure/loop_findings.h"
 #include "workbench/response/bode_measurement.h"
 #include "workbench/response/sweep_measurement.h"
 
@@ -53,12 +54,14 @@ class MeasuredResponse {
     Keywords(py::dict(py::arg("read_as") = as))
         .TakeChoice("read_as", choice, {ReadAsNames.begin(), ReadAsNames.end()});
     MarginReader reader;
+    const Margins margins = reader.Read(analyser_, 0, static_cast<ReadAs>(choice.value_or(0)));
     Do(py::none(), [&](PythonSupervisor&) {
+      const double accurate = analyser_.ResponseAt(0).Subject().AccurateUpTo;
+      if (margins.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
       const auto* const xfer = dynamic_cast<const ZelXfer*>(&analyser_);
       const auto warning = xfer ? LoopSampleWarning(*xfer) : std::nullopt;
       if (warning) Warning(*warning);
     });
-    const Margins margins = reader.Read(analyser_, 0, static_cast<ReadAs>(choice.value_or(0)));
     const auto optional = [](const std::optional<Margins::Reading>& one) {
       return one ? py::object(py::make_tuple(one->Hz, one->Value)) : py::object(py::none());
     };
@@ -94,12 +97,16 @@ class MeasuredResponse {
 ResponseOptions OptionsOf(const ScriptModel& model, Keywords& keywords) {
   ResponseOptions options;
   options.Model = model.Options();
+  keywords.Take("setup", options.Setup);
   keywords.Take("input", options.Input);
   keywords.Take("output", options.Output);
   keywords.Take("tsample", options.TSample, Accepts::Positive);
   keywords.Take("amplitude", options.Amplitude, Accepts::NotNegative);
   keywords.Take("offset", options.Offset, Accepts::Any);
   keywords.Take("average", options.Average);
+  if (!options.Setup.empty() && !(options.Input.empty() && options.Output.empty())) {
+    throw py::value_error("setup stands in place of input and output");
+  }
   return options;
 }
 

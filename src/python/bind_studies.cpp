@@ -1,8 +1,13 @@
 #include <pybind11/stl.h>
 
+#include <algorithm>
+#include <set>
+
 #include "core/text.h"
 #include "python/bindings.h"
 #include "study/result_table.h"
+#include "study/sealed_rows.h"
+#include "study/shares.h"
 #include "workbench/study/study.h"
 #include "workbench/study/tuning_run.h"
 
@@ -26,32 +31,81 @@ StudyOptions StudyOptionsOf(const ScriptModel& model, const std::vector<std::str
   keywords.Take("jobs", options.Jobs);
   keywords.Take("require", options.Require);
   keywords.Take("best", options.Best);
+  keywords.Take("shard", options.Shard);
   return options;
 }
 
-// The table as text, and which of its rows is the best, if that was asked for.
+std::optional<std::size_t> BestRow(const std::string& table, const std::string& best) {
+  if (best.empty()) return {};
+  return ResultTable(table).BestRow(NamedMeasure(best));
+}
+
+// What decides what comes of a run, as the command line has it: shares are told apart by it.
+void TakeGiven(const py::dict& given, StudyOptions& options) {
+  static const std::set<std::string> elsewhere{"jobs", "shard", "best"};
+  for (const auto& [key, value] : given) {
+    std::string name = py::str(key);
+    if (elsewhere.contains(name)) continue;
+    std::replace(name.begin(), name.end(), '_', '-');
+    std::string text;
+    if (py::isinstance<py::bool_>(value)) {
+      if (!py::cast<bool>(value)) continue;
+      text = "true";
+    } else if (py::isinstance<py::float_>(value)) {
+      text = FormatShortest(py::cast<double>(value));
+    } else if (py::isinstance<py::list>(value)) {
+      for (const auto& one : value) text += (text.empty() ? "" : " ") + std::string(py::str(one));
+      if (text.empty()) continue;
+    } else {
+      text = py::str(value);
+    }
+    options.Given.emplace_back("--" + name, text);
+  }
+}
+
+// The table as text, which of its rows is the best, if that was asked for, and what a file of it
+// has: of a share with what --merge tells it by.
 py::tuple RunStudy(ScriptModel& model, const std::vector<std::string>& names, const Runs& runs,
                    const py::dict& given, const py::object& onProgress) {
   const ScriptModel::Use use(model);
   Keywords keywords(given);
-  const StudyOptions options = StudyOptionsOf(model, names, runs, keywords);
+  StudyOptions options = StudyOptionsOf(model, names, runs, keywords);
+  TakeGiven(given, options);
   std::string table;
+  std::string file;
   Do(onProgress, [&](PythonSupervisor& supervisor) {
     Study study(options, supervisor);
     table = study.Head();
+    const bool share = !options.Shard.empty();
+    const SealedRows seals(study.Identity(), table);
+    if (share) file = seals.Begin();
     double done = 0.0;
     StudyCourse course;
     course.Take = [&](const RunResult& result) {
-      table += RowLine(result.Row);
+      const std::string row = RowLine(result.Row);
+      table += row;
+      if (share) file += seals.Sealed(row);
       ++done;
     };
     course.GoOn = [&] { return supervisor.GoOn(done, static_cast<double>(study.RunCount())); };
     supervisor.LeaveRunsAlone();
     study.Run(course, false);
   });
-  std::optional<std::size_t> best;
-  if (!options.Best.empty()) best = ResultTable(table).BestRow(NamedMeasure(options.Best));
-  return py::make_tuple(py::bytes(table), best);
+  return py::make_tuple(py::bytes(table), BestRow(table, options.Best),
+                        py::bytes(options.Shard.empty() ? table : file));
+}
+
+// The same of the files of shares, or of a whole result.
+py::tuple Merge(const std::vector<std::string>& paths, const std::string& best) {
+  std::string table;
+  std::optional<std::size_t> row;
+  Do(py::none(), [&](PythonSupervisor&) {
+    Shares shares;
+    for (const std::string& path : paths) shares.Add(path);
+    table = shares.Table();
+    row = BestRow(table, best);
+  });
+  return py::make_tuple(py::bytes(table), row, py::bytes(table));
 }
 
 // Captions and fields of the best that was found, and what is in its way, if anything is.
@@ -80,7 +134,8 @@ py::tuple RunTuning(ScriptModel& model, const py::dict& given, const py::object&
 
 }  // namespace
 
-void BindStudies(py::class_<ScriptModel>& model) {
+void BindStudies(py::module_& module, py::class_<ScriptModel>& model) {
+  module.def("merge", &Merge);
   model.def("study", &RunStudy).def("tune", &RunTuning);
   // Values of a study have as many digits as those of a range.
   model.def_static("design_text", [](double value) { return FormatGeneral(value, 12, 2); });

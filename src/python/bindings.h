@@ -14,7 +14,7 @@ void BindModel(py::module_& module, py::class_<ScriptModel>& model);
 void BindResponses(py::module_& module, py::class_<ScriptModel>& model);
 void BindReadings(py::class_<ScriptModel>& model);
 void BindLinear(py::class_<ScriptModel>& model);
-void BindStudies(py::class_<ScriptModel>& model);
+void BindStudies(py::module_& module, py::class_<ScriptModel>& model);
 
 /// What measure, study and tune have in common, of the model as it stands.
 MeasureOptions MeasureOptionsOf(const ScriptModel& model, Keywords& keywords);

@@ -36,5 +36,5 @@ PYBIND11_MODULE(_engine, module) {
   BindResponses(module, model);
   BindReadings(model);
   BindLinear(model);
-  BindStudies(model);
+  BindStudies(module, model);
 }

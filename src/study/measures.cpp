@@ -1,6 +1,7 @@
 #include "study/measures.h"
 
 #include <array>
+#include <string_view>
 
 namespace torvane {
 
@@ -55,6 +56,26 @@ std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
     if (set.Has(measure.Needs)) values.push_back(readings.*measure.Value);
   }
   return values;
+}
+
+std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& commandUnit,
+                                      const std::string& peakUnit) {
+  std::vector<std::string> units;
+  for (const RunMeasure& measure : Measures()) {
+    if (!set.Has(measure.Needs)) continue;
+    std::string unit = measure.Unit;
+    const auto say = [&unit](std::string_view words, const std::string& by) {
+      if (!unit.starts_with(words)) return;
+      const std::string more = unit.substr(words.size());
+      const bool quotient = !more.empty() && by.find('/') != std::string::npos;
+      unit = quotient ? "(" + by + ")" + more : by + more;
+      if (by.empty() && !more.empty()) unit = "s";
+    };
+    say("the command's unit", commandUnit);
+    say("the signal's unit", peakUnit);
+    units.push_back(unit);
+  }
+  return units;
 }
 
 std::string MeasureUnit(const std::string& caption) {

@@ -68,6 +68,10 @@ std::vector<std::string> MeasureCaptions(const MeasureSet& set);
 std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
                                                  const MeasureSet& set);
 
+/// The units of those that are measured, of a command and a signal with a peak that have these.
+std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& commandUnit,
+                                      const std::string& peakUnit);
+
 /// The unit of the measure of that caption; empty of none.
 std::string MeasureUnit(const std::string& caption);
 

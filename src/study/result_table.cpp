@@ -12,6 +12,15 @@
 #include "study/study_fault.h"
 
 namespace torvane {
+namespace {
+
+// Of "Gain (dB)" the "Gain".
+std::string WithoutUnit(const std::string& caption) {
+  const auto unit = caption.rfind(" (");
+  return unit != std::string::npos && caption.ends_with(")") ? caption.substr(0, unit) : caption;
+}
+
+}  // namespace
 
 ResultTable::ResultTable(std::string_view table) : rows_(ParseCsv(table)) {
   if (rows_.empty()) throw StudyFault("no result of a study");
@@ -23,6 +32,12 @@ ResultTable::ResultTable(std::string_view table) : rows_(ParseCsv(table)) {
   });
   if (mark == captions_.rend() || !whole) throw StudyFault("no result of a study");
   mark_ = static_cast<std::size_t>(captions_.rend() - mark) - 1;
+  for (std::size_t column = mark_ + 1; column < captions_.size(); ++column) {
+    const std::string name = WithoutUnit(captions_[column]);
+    const bool known = std::ranges::any_of(
+        Measures(), [&](const RunMeasure& measure) { return name == measure.Caption; });
+    if (known) captions_[column] = name;
+  }
 }
 
 double ResultTable::Number(std::size_t row, std::size_t column) const {
@@ -92,8 +107,12 @@ std::vector<std::size_t> ResultTable::MapSettings(
     if (settings.size() < 2) throw StudyFault("--map needs two settings that vary");
     return settings;
   }
-  const std::vector<std::string> names(captions_.begin() + 1,
-                                       captions_.begin() + static_cast<std::ptrdiff_t>(mark_));
+  std::vector<std::string> names;
+  for (std::size_t column = 1; column < mark_; ++column) {
+    const std::string& caption = captions_[column];
+    const bool whole = caption == axes->first || caption == axes->second;
+    names.push_back(whole ? caption : WithoutUnit(caption));
+  }
   auto place = settings.begin();
   for (const std::string& name : {axes->first, axes->second}) {
     const int found = IndexOfName(name, names);

@@ -125,6 +125,14 @@ std::string ModelSetting::Text() const {
   return choices_.empty() ? FormatShortest(value) : choices_[static_cast<std::size_t>(value)];
 }
 
+std::string ModelSetting::Unit() const {
+  if (constant_) return constant_->Unit();
+  if (!number_) return {};
+  if (number_->Value == &WaveSettings::FreqHz) return "Hz";
+  if (number_->Value == &WaveSettings::PhaseDeg) return "deg";
+  return number_->Value == &WaveSettings::DutyCycle ? "%" : "";
+}
+
 std::string ModelSetting::Remark() const {
   if (Value() == wanted_) return {};
   const std::string choice = choices_.empty() ? "" : FormatShortest(Value()) + " (" + Text() + ")";

@@ -27,6 +27,8 @@ class ModelSetting {
   /// It takes one of some texts.
   bool IsChoice() const { return !choices_.empty(); }
 
+  /// Of a constant its unit, of a generator's frequency, phase or duty cycle theirs; else empty.
+  std::string Unit() const;
   /// The value that it has, as Set would take it.
   std::string Text() const;
   /// "NAME is limited to VALUE" when it does not have the value that was set last; else empty.

@@ -46,6 +46,7 @@ struct StudyMap {
   std::optional<std::size_t> Chosen;  ///< row of the table
   std::optional<std::pair<double, double>> Limits;
   bool Contours = false;
+  std::vector<double> Levels{};  ///< of the contours, rising; chosen for the range when empty
 };
 
 }  // namespace torvane

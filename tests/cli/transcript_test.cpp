@@ -41,8 +41,8 @@ TEST_P(Transcript, GoesAsWritten) {
 }
 
 std::vector<std::string> Transcripts() {
-  std::vector<std::string> names{"usage",   "run",    "model_files", "responses",
-                                 "studies", "theory", "loops"};
+  std::vector<std::string> names{"usage",     "run",     "tables", "model_files",
+                                 "responses", "studies", "theory", "loops"};
 #ifdef TORVANE_PICTURES
   names.push_back("pictures");
 #endif

@@ -125,6 +125,7 @@ TEST(Margins, SayWhatAResponseIsTakenForAndWhyNothingIsRead) {
   for (const double gain : {0.55, 0.7, 1.5, 1.9}) EXPECT_FALSE(lag(gain, false).Closed) << gain;
   EXPECT_EQ(lag(0.55, false).Missing,
             (std::vector<std::string>{
+                "no sensitivity: it has no greatest value within the response",
                 "no phase margin: the gain does not cross 0 dB from 0.5 to 49.5 Hz",
                 "no gain margin: the phase does not cross -180 degrees from 0.5 to 49.5 Hz"}));
   EXPECT_EQ(Read({}).Missing.size(), 1U);

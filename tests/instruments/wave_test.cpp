@@ -188,7 +188,11 @@ TEST(Wave, PlaysATableUntilAWaveformIsChosen) {
   EXPECT_EQ(wave.JumpIn(1.5, 2.5), 2.0);
   EXPECT_FALSE(wave.JumpIn(2.0, 9.0));
   wave.SetFreqHz(0.4);  // anew each 2.5 s, from the phase on
-  EXPECT_FALSE(wave.JumpIn(4.2, 4.8));
+  EXPECT_NEAR(wave.JumpIn(11.5, 12.2).value_or(0.0), 12.0, 1e-12);  // 2 s into the fifth period
+  EXPECT_NEAR(wave.JumpIn(12.2, 12.6).value_or(0.0), 12.5, 1e-12);  // where it begins anew
+  EXPECT_FALSE(wave.JumpIn(12.6, 14.4));
+  const WaveTable still("still", {{0, 1}, {1, 1}, {1, 1}, {2, 3}, {2, 9}, {2, 3}});
+  EXPECT_FALSE(still.JumpIn(0.5, 3.0));  // points at one time, but no other value
   wave.SetAmplitude(-2.0);
   wave.SetOffset(1.0);
   EXPECT_EQ(at(4.5), -15.0);

@@ -12,6 +12,8 @@ TEST(StabilityOf, TellsIntegratorsInAChainFromThoseBesideEachOther) {
   twice << 0, 3, 0, 0, -3, 0, 0, 0, 0, 0, 0, 3, 0, 0, -3, 0;
   Eigen::Matrix4d driven = twice;
   driven(3, 0) = 1e-3;
+  Eigen::Matrix4d near = driven;
+  near(2, 3) = 3.00001;
   const struct {
     const char* Loop;
     Eigen::MatrixXd A;
@@ -27,6 +29,7 @@ TEST(StabilityOf, TellsIntegratorsInAChainFromThoseBesideEachOther) {
       {"through s/(s + 5)", Eigen::Matrix3d{{0, 0, 0}, {1, -5, 0}, {1, -5, 0}}, 0.0, Limit},
       {"two undamped pairs", twice, 0.0, Limit},
       {"one drives the other", driven, 0.0, Unstable},
+      {"one drives one that beats with it", near, 0.0, Limit},
       {"a pair that grows", Eigen::Matrix2d{{0.1, 3}, {-3, 0.1}}, 0.0, Unstable},
       {"sampled, both held", Eigen::Matrix2d{{1, 0}, {0, 1}}, 1e-3, Limit},
       {"sampled, summed up", Eigen::Matrix2d{{1, 0}, {1e-3, 1}}, 1e-3, Unstable},

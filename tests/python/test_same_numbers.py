@@ -31,6 +31,9 @@ def test_every_measurement_of_every_model(name, tools):
         excited = f.excited.astype(float)
         assert same([row[1:] for row in rows], f.frequency, f.gain_db, f.phase_deg, excited,
                     f.coherence)
+        by_name = m.bode(setup=next(iter(m.pairs)), order=9, average=2, end_delay=0.02)
+        assert (by_name.input, by_name.output) == (a, b)
+        assert np.array_equal(by_name.gain_db, f.gain_db)
 
         _, rows = cli("sweep", name, *pair, "--from", 50, "--to", 200, "--per-decade", 3, "--settle",
                       0.02, "--measure", 1)
@@ -70,6 +73,23 @@ def test_a_study_has_the_bytes_of_the_commands(tools, tmp_path):
     assert (tmp_path / "module.csv").read_bytes() == file.read_bytes()
     assert len(table) == 14 and table.best is not None
     assert np.isnan(table["Overshoot"][table["Measures"] == 0]).all()
+
+
+def test_shares_make_the_whole_and_differ_where_studies_do(tools, tmp_path):
+    def share(k, until=0.05):
+        path = tmp_path / f"{k}.{until}"
+        tv.study("6-1", vary={"KVP": np.linspace(0.4, 1.4, 5)}, command="vC", response="vF",
+                 until=until, shard=(k, 2)).write(path)
+        return path
+
+    whole = tv.merge([share(2), share(1)], best="Rise")
+    alone = tv.study("6-1", vary={"KVP": np.linspace(0.4, 1.4, 5)}, command="vC", response="vF",
+                     until=0.05)
+    assert whole.csv == alone.csv and whole.best == np.nanargmin(whole["Rise"])
+    captions, rows = tools[0]("study", "--merge", share(1), share(2))
+    assert captions == list(whole.dtype.names) and len(rows) == 5
+    with pytest.raises(ValueError, match="another study.*until"):
+        tv.merge([share(1), share(2, 0.06)])
 
 
 def test_generators_files_and_loops(tools, tmp_path):

@@ -135,6 +135,18 @@ def test_doubts_are_warnings():
         tv.Model("13-1").bode("vC", "vF", order=9)
 
 
+def test_margins_beyond_what_the_sample_time_is_short_enough_for_are_warned_of():
+    response = tv.Model("3-1").bode(setup="Open", tsample=0.001)
+    with pytest.warns(tv.TorvaneWarning, match="short enough for what is read up to 125 Hz"):
+        assert response.margins("open").gain_margin.frequency > 125
+
+
+def test_its_types_agree_with_its_stubs():
+    api = pytest.importorskip("mypy.api")
+    told, wrong, status = api.run([os.path.dirname(tv.__file__), "--cache-dir", os.devnull])
+    assert status == 0, told + wrong
+
+
 def test_pictures_where_torvane_cli_draws_them():
     m = tv.Model("3-1")
     drawn = m._repr_svg_()
@@ -143,4 +155,9 @@ def test_pictures_where_torvane_cli_draws_them():
     pictures = [drawn, m.bode("Command", "Response", order=9)._repr_svg_(),
                 m.sweep("Command", "Response", from_=50, to=100)._repr_svg_(),
                 m.scope(0.1)._repr_svg_()]
+    table = tv.study(m, {"KP": [0.5, 1], "KI": [50, 100]}, command="Command",
+                     response="Response")
+    pictures.append(table.map("Overshoot", levels=[20, 30])._repr_svg_())
     assert all("<svg" in picture for picture in pictures)
+    with pytest.raises(ValueError, match="unknown measure"):
+        table.map("Overshot")

@@ -41,14 +41,22 @@ void LoadOverlay(FrequencyAnalyser& analyser, const ResponseOutput& options) {
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output) {
   AddModelOptions(command, options.Model);
+  CLI::Option* const input =
+      command
+          .add_option("--input", options.Input,
+                      "Signal that the response is measured against; needed unless MODEL is a file")
+          ->type_name("SIGNAL");
+  CLI::Option* const out =
+      command
+          .add_option("--output", options.Output,
+                      "Signal whose response is measured; needed unless MODEL is a file")
+          ->type_name("SIGNAL");
   command
-      .add_option("--input", options.Input,
-                  "Signal that the response is measured against; needed unless MODEL is a file")
-      ->type_name("A");
-  command
-      .add_option("--output", options.Output,
-                  "Signal whose response is measured; needed unless MODEL is a file")
-      ->type_name("B");
+      .add_option("--setup", options.Setup,
+                  "Both, by the name of a pair that the model offers; \"pairs\" lists them")
+      ->type_name("PAIR")
+      ->excludes(input)
+      ->excludes(out);
   AddExcitationOptions(command, options);
   command.add_option("--out", output.Out, "File to write; standard output without it")
       ->type_name("FILE");
@@ -82,6 +90,7 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOut
                   "deg or rad")
       ->type_name("U,U,U")
       ->needs(overlay);
+  AddTableForm(command, output.Form);
 }
 
 void AddExcitationOptions(CLI::App& command, ResponseOptions& options) {

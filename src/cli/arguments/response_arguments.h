@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/io/table.h"
 #include "workbench/response/bode_measurement.h"
 
 namespace CLI {
@@ -21,6 +22,7 @@ struct ResponseOutput {
   std::string OverlayColumns;
   std::string OverlayUnits;
   bool Theory = false;  ///< is the overlay
+  TableForm Form;
 };
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output);

@@ -6,6 +6,7 @@
 #include "cli/io/console.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "cli/response/response_output.h"
 #include "core/csv.h"
 #include "core/messages.h"
@@ -17,20 +18,22 @@
 namespace torvane::cli {
 namespace {
 
-void WriteBins(const ZelXfer& xfer, ResultFile& file) {
+void WriteBins(const ZelXfer& xfer, const TableForm& form, ResultFile& file) {
   const bool averaged = xfer.HasCoherence(0);
-  std::vector<std::string> line{"Bin", "Frequency", "Gain", "Phase"};
-  if (averaged) line.emplace_back("Excited");
-  Append(line, MoreCaptions(xfer));
-  file.Write(CsvLine(line));
+  std::vector<Column> columns{{"Bin", ""}, {"Frequency", "Hz"}, {"Gain", "dB"}, {"Phase", "deg"}};
+  if (averaged) columns.push_back({"Excited", ""});
+  AddMoreColumns(xfer, columns);
+  TableWriter table(columns, form, file);
   for (int bin = 0; bin <= xfer.Length() / 2; ++bin) {
     const double hz = xfer.BinFrequency(bin);
-    line = {std::to_string(bin), FormatShortest(hz), FormatShortest(xfer.ResponseGain(0, bin)),
-            FormatShortest(xfer.ResponsePhase(0, bin))};
+    std::vector<std::string> line{std::to_string(bin), FormatShortest(hz),
+                                  FormatShortest(xfer.ResponseGain(0, bin)),
+                                  FormatShortest(xfer.ResponsePhase(0, bin))};
     if (averaged) line.emplace_back(xfer.ResponseAt(0).At(bin)->Excited ? "1" : "0");
     Append(line, MoreFields(xfer, bin, hz));
-    file.Write(CsvLine(line));
+    table.Write(line);
   }
+  table.End();
   file.Close();
 }
 
@@ -61,9 +64,9 @@ void MeasureBode(const BodeCommand& command, Console& console) {
   ResultFile file(output.Out);
   console.ShowRuns();
   MeasureResponse(*model, xfer, console);
-  TellDoubts(xfer, file);
-  if (WritesPoints(output)) WriteBins(xfer, file);
-  if (output.Margins) PrintMargins(xfer, static_cast<ReadAs>(output.MarginsAs.value_or(0)));
+  TellDoubts(xfer, output.Form, file);
+  if (WritesPoints(output)) WriteBins(xfer, output.Form, file);
+  if (output.Margins) PrintMargins(xfer, output);
   if (output.Picture.empty()) return;
   // A file's range of frequencies is part of its set-up.
   if (!NamesModelFile(options.Response.Model.Model)) xfer.AutoRange();

@@ -13,6 +13,7 @@ class Console;
 void AddModelsCommand(CLI::App& app);
 void AddConstantsCommand(CLI::App& app, Console& console);
 void AddSignalsCommand(CLI::App& app, Console& console);
+void AddPairsCommand(CLI::App& app, Console& console);
 void AddRunCommand(CLI::App& app, Console& console);
 void AddScopeCommand(CLI::App& app, Console& console);
 void AddSpeedCommand(CLI::App& app, Console& console);
@@ -27,5 +28,6 @@ void AddTuneCommand(CLI::App& app, Console& console);
 void AddDiagramCommand(CLI::App& app, Console& console);
 void AddCheckCommand(CLI::App& app, Console& console);
 void AddConvertCommand(CLI::App& app, Console& console);
+void AddCompleteCommand(CLI::App& app, Console& console);
 
 }  // namespace torvane::cli

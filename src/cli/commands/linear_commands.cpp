@@ -5,10 +5,12 @@
 #include "cli/arguments/model_arguments.h"
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
+#include "cli/io/json.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "cli/response/response_output.h"
-#include "core/csv.h"
+#include "cli/study/study_columns.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "linear/linear_fault.h"
@@ -26,7 +28,7 @@ struct LinearizeOptions {
   ModelOptions Model;
   std::string Input;
   std::string Output;
-  std::optional<int> Format;
+  TableForm Form;
   bool Margins = false;
   std::string Out;
 };
@@ -40,11 +42,22 @@ void TellNotes(const std::vector<std::string>& notes) {
   for (const std::string& note : notes) Note(note);
 }
 
-void WriteRoots(const char* kind, const std::vector<Root>& roots, ResultFile& file) {
+// In 1/s of a continuous system; those of a sampled one have no unit.
+std::vector<Column> RootColumns(const std::string& first, const std::string& firstUnit,
+                                bool sampled) {
+  const char* const unit = sampled ? "" : "1/s";
+  return {{first, firstUnit},
+          {"Real", unit},
+          {"Imaginary", unit},
+          {"Frequency", "Hz"},
+          {"Damping", ""}};
+}
+
+void WriteRoots(const std::string& kind, const std::vector<Root>& roots, TableWriter& table) {
   for (const Root& root : roots) {
     std::vector<std::string> line{kind};
     for (std::string& field : RootFields(root)) line.push_back(std::move(field));
-    file.Write(CsvLine(line));
+    table.Write(line);
   }
 }
 
@@ -53,20 +66,13 @@ class Json {
  public:
   explicit Json(ResultFile& file) : file_(file) { file_.Write("{\n"); }
 
-  void Text(const std::string& key, const std::string& text) {
-    std::string escaped;
-    for (const char c : text) {
-      if (c == '"' || c == '\\') escaped += '\\';
-      escaped += c;
-    }
-    Entry(key, '"' + escaped + '"');
-  }
-  void Number(const std::string& key, double value) { Entry(key, NumberText(value)); }
+  void Text(const std::string& key, const std::string& text) { Entry(key, JsonText(text)); }
+  void Number(const std::string& key, double value) { Entry(key, JsonNumber(value)); }
   void Matrix(const std::string& key, const Eigen::MatrixXd& matrix) {
     std::vector<std::string> rows;
     for (Eigen::Index i = 0; i < matrix.rows(); ++i) {
       std::vector<std::string> row;
-      for (Eigen::Index k = 0; k < matrix.cols(); ++k) row.push_back(NumberText(matrix(i, k)));
+      for (Eigen::Index k = 0; k < matrix.cols(); ++k) row.push_back(JsonNumber(matrix(i, k)));
       rows.push_back(List(row));
     }
     Entry(key, List(rows));
@@ -74,18 +80,15 @@ class Json {
   void Roots(const std::string& key, const std::vector<Root>& roots) {
     std::vector<std::string> list;
     for (const Root& root : roots) {
-      list.push_back("{\"real\": " + NumberText(root.Value.real()) + ", \"imaginary\": " +
-                     NumberText(root.Value.imag()) + ", \"frequency\": " + NumberText(root.Hz) +
-                     ", \"damping\": " + NumberText(root.Damping) + "}");
+      list.push_back("{\"real\": " + JsonNumber(root.Value.real()) + ", \"imaginary\": " +
+                     JsonNumber(root.Value.imag()) + ", \"frequency\": " + JsonNumber(root.Hz) +
+                     ", \"damping\": " + JsonNumber(root.Damping) + "}");
     }
     Entry(key, List(list));
   }
   void Close() { file_.Write("\n}\n"); }
 
  private:
-  static std::string NumberText(double value) {
-    return std::isfinite(value) ? FormatShortest(value) : "null";
-  }
   static std::string List(const std::vector<std::string>& items) {
     std::string list;
     for (const std::string& item : items) list += (list.empty() ? "" : ", ") + item;
@@ -106,10 +109,10 @@ void WriteLinear(const LinearizeOptions& options, const std::string& model,
   std::vector<Root> poles = Poles(system);
   std::vector<Root> zeros = Zeros(system, 0);
   Cancel(poles, zeros);
-  if (options.Format.value_or(0) == 0) {
-    file.Write(CsvLine({"Kind", "Real", "Imaginary", "Frequency", "Damping"}));
-    WriteRoots("Pole", poles, file);
-    WriteRoots("Zero", zeros, file);
+  if (!options.Form.IsJson()) {
+    TableWriter table(RootColumns("Kind", "", system.Ts > 0.0), options.Form, file);
+    WriteRoots("Pole", poles, table);
+    WriteRoots("Zero", zeros, table);
     return;
   }
   Json json(file);
@@ -126,12 +129,8 @@ void WriteLinear(const LinearizeOptions& options, const std::string& model,
   json.Close();
 }
 
-void WriteMargins(const LoopTheory& theory, ResultFile& file) {
-  PrintMarginLines("Theory", theory.Read, file);
-  if (const auto& peak = theory.Read.Sensitivity) {
-    file.Write(CsvLine({"Theory", "Sensitivity", FormatGeneral(peak->Hz, 6, 2),
-                        FormatGeneral(peak->Value, 6, 2), ""}));
-  }
+void WriteMargins(const LoopTheory& theory, const TableForm& form, ResultFile& file) {
+  PrintMarginLines("Theory", theory.Read, form, file);
   TellNotes(theory.Read.Missing);
 }
 
@@ -157,7 +156,7 @@ void LinearizeModel(const LinearizeOptions& options, Console& console) {
     if (options.Margins) {
       const LoopTheory theory = TheoryOfLoop(*model);
       TellNotes(theory.Notes);
-      WriteMargins(theory, file);
+      WriteMargins(theory, options.Form, file);
     } else {
       const LinearModel linear = Linearize(*model);
       TellNotes(linear.Notes);
@@ -174,11 +173,13 @@ struct LocusOptions {
   ModelOptions Model;
   std::string Vary;
   std::string Out;
+  TableForm Form;
 };
 
 /// The poles at one value, as the model took it.
 struct LocusPoint {
   std::string Value;
+  bool Sampled = false;
   std::vector<Root> Poles;
   std::vector<std::string> Notes;
 };
@@ -190,15 +191,17 @@ LocusPoint PointOf(const LocusOptions& options, const StudyDesign& design, std::
   const auto model = OpenModel(options.Model, console);
   const std::string value = ApplyRun(model->Bench(), design, run).Settings.front();
   const LinearModel linear = Linearize(*model);
-  return {value, linear.Poles(), linear.Notes};
+  return {value, linear.Sampled(), linear.Poles(), linear.Notes};
 }
 
 void DrawLocus(const LocusOptions& options, Console& console) {
   const StudyRange range = ParseVaryRange(options.Vary, VaryValues::Listed);
   const StudyDesign design = MakeGrid({range});
-  CheckDesign(design, *OpenModel(options.Model, console));
+  const auto first = OpenModel(options.Model, console);
+  CheckDesign(design, *first);
+  const std::string unit = SettingColumns(*first, design.Names).front().Unit;
   ResultFile file(options.Out);
-  file.Write(CsvLine({range.Name, "Real", "Imaginary", "Frequency", "Damping"}));
+  std::optional<TableWriter> table;  // the first value tells whether the model is sampled
   std::set<std::string> told;
   for (std::size_t run = 0; run < design.Runs.size(); ++run) {
     const std::string at = range.Name + " = " + design.Runs[run].front() + ": ";
@@ -207,11 +210,13 @@ void DrawLocus(const LocusOptions& options, Console& console) {
       for (const std::string& note : point.Notes) {
         if (told.insert(note).second) Note(at + note);
       }
-      WriteRoots(point.Value.c_str(), point.Poles, file);
+      if (!table) table.emplace(RootColumns(range.Name, unit, point.Sampled), options.Form, file);
+      WriteRoots(point.Value, point.Poles, *table);
     } catch (const LinearFault& fault) {
       throw StoppedError(at + fault.what());
     }
   }
+  if (table) table->End();
   file.Close();
 }
 
@@ -228,12 +233,17 @@ void AddLinearizeCommand(CLI::App& app, Console& console) {
       command->add_flag("--margins", options->Margins,
                         "Print margins and sensitivity peak of the model's own loop instead");
   command->add_option("--input", options->Input, "Signal that leads to the output")
+      ->type_name("SIGNAL")
       ->excludes(margins);
-  command->add_option("--output", options->Output, "Signal that follows")->excludes(margins);
-  AddChoice(*command, "--format", options->Format, {"csv", "json"},
-            "csv: poles and zeros; json: A, B, C, D and the sample time Ts as well")
+  command->add_option("--output", options->Output, "Signal that follows")
+      ->type_name("SIGNAL")
       ->excludes(margins);
-  command->add_option("--out", options->Out, "File to write; standard output without it");
+  AddChoice(*command, "--format", options->Form.Format, {"csv", "json"},
+            "csv: poles and zeros; json: A, B, C, D and the sample time Ts as well. Of margins a "
+            "table either way");
+  AddUnits(*command, options->Form);
+  command->add_option("--out", options->Out, "File to write; standard output without it")
+      ->type_name("FILE");
   command->callback([options, &console] { LinearizeModel(*options, console); });
 }
 
@@ -246,8 +256,11 @@ void AddLocusCommand(CLI::App& app, Console& console) {
       ->add_option("--vary", options->Vary,
                    "The constant and its values: NAME=FROM:TO:COUNT, with :log evenly spaced on "
                    "their logarithm")
+      ->type_name("NAME=FROM:TO:COUNT[:log]")
       ->required();
-  command->add_option("--out", options->Out, "File to write; standard output without it");
+  command->add_option("--out", options->Out, "File to write; standard output without it")
+      ->type_name("FILE");
+  AddTableForm(*command, options->Form);
   command->callback([options, &console] { DrawLocus(*options, console); });
 }
 

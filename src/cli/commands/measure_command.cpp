@@ -5,7 +5,8 @@
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
 #include "cli/io/result_file.h"
-#include "core/csv.h"
+#include "cli/io/table.h"
+#include "cli/study/study_columns.h"
 #include "core/messages.h"
 #include "study/row.h"
 #include "workbench/measure/measurement.h"
@@ -14,7 +15,7 @@
 namespace torvane::cli {
 namespace {
 
-void Measure(const MeasureOptions& options, Console& console) {
+void Measure(const MeasureOptions& options, const TableForm& form, Console& console) {
   auto model = OpenModel(options.Bode.Response.Model, console);
   CheckMeasurement(*model, options, console);
   ResultFile output("");
@@ -26,12 +27,11 @@ void Measure(const MeasureOptions& options, Console& console) {
     return ReadRun(make, options, console);
   }();
   for (const std::string& warning : readings.Warnings) Warning(warning);
-  std::vector<std::string> captions = MeasureCaptions(options.Measured());
   std::vector<std::string> fields = MeasureFields(MeasureValues(readings, options.Measured()));
-  captions.emplace_back(ReasonCaption);
   fields.push_back(Joined(readings.Reasons));
-  output.Write(CsvLine(captions));
-  output.Write(CsvLine(fields));
+  TableWriter table(MeasureColumns(*model, options, options.Measured()), form, output);
+  table.Write(fields);
+  table.End();
   output.Close();
 }
 
@@ -43,7 +43,9 @@ void AddMeasureCommand(CLI::App& app, Console& console) {
   const auto options = std::make_shared<MeasureOptions>();
   AddModelName(*command, options->Bode.Response.Model.Model);
   AddMeasureOptions(*command, *options);
-  command->callback([options, &console] { Measure(*options, console); });
+  const auto form = std::make_shared<TableForm>();
+  AddTableForm(*command, *form);
+  command->callback([options, form, &console] { Measure(*options, *form, console); });
 }
 
 }  // namespace torvane::cli

@@ -6,6 +6,7 @@
 #include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "core/text.h"
 #include "workbench/meter_reading.h"
 #include "workbench/model/model_options.h"
@@ -21,17 +22,28 @@ std::vector<std::string> KindNames() {
   return names;
 }
 
-void ReadMeter(const MeterOptions& options, Console& console) {
+// As one reads it: the value and, of a harmonic, its angle.
+void WriteReading(const ZelMeter& meter, const TableForm& form, ResultFile& output) {
+  std::vector<std::string> fields{FormatShortest(meter.Value())};
+  if (meter.Measurement() == MeterKind::Harmonic)
+    fields.push_back(FormatShortest(meter.AngleDeg()));
+  if (form.Format) {
+    std::vector<std::string> captions{"Value", "Angle"};
+    captions.resize(fields.size());
+    TableWriter table(Columns(captions), form, output);
+    table.Write(fields);
+  } else {
+    output.Write(fields.front() + (fields.size() > 1 ? " " + fields.back() : "") + "\n");
+  }
+}
+
+void ReadMeter(const MeterOptions& options, const TableForm& form, Console& console) {
   const auto model = OpenModel(options.Model, console);
   ZelMeter& meter = SetUpMeter(*model, options, console);
   ResultFile output("");
   console.ShowRuns();
   Measure(*model, meter, options.Until, console);
-  std::string reading = FormatShortest(meter.Value());
-  if (meter.Measurement() == MeterKind::Harmonic) {
-    reading += " " + FormatShortest(meter.AngleDeg());
-  }
-  output.Write(reading + "\n");
+  WriteReading(meter, form, output);
   output.Close();
 }
 
@@ -45,14 +57,14 @@ void AddMeterCommand(CLI::App& app, Console& console) {
   command
       ->add_option("--variable", options->Variable,
                    "Signal to measure; needed unless MODEL is a file with a meter")
-      ->type_name("V");
+      ->type_name("SIGNAL");
   AddChoice(*command, "--kind", options->Kind, KindNames(),
             "What to measure; needed unless MODEL is a file with a meter");
   AddNumber(*command, "--until", options->Until, NumberRange::Positive,
             "Simulated time at which to read the meter, seconds")
       ->required();
   command->add_option("--with", options->With, "Second signal, of a correlation or harmonic ratio")
-      ->type_name("V2");
+      ->type_name("SIGNAL");
   AddNumber(*command, "--harmonic", options->Harmonic, NumberRange::Positive,
             "Frequency of the harmonic, Hz");
   AddNumber(*command, "--window", options->Window, NumberRange::NotNegative,
@@ -72,7 +84,9 @@ void AddMeterCommand(CLI::App& app, Console& console) {
       "Give a harmonic ratio in dB, or as it is");
   AddNumber(*command, "--tsample", options->TSample, NumberRange::Positive,
             "The meter's sample time, seconds");
-  command->callback([options, &console] { ReadMeter(*options, console); });
+  const auto form = std::make_shared<TableForm>();
+  AddFormat(*command, *form);
+  command->callback([options, form, &console] { ReadMeter(*options, *form, console); });
 }
 
 }  // namespace torvane::cli

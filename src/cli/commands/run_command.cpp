@@ -6,7 +6,7 @@
 #include "cli/io/console.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
-#include "core/csv.h"
+#include "cli/io/table.h"
 #include "core/text.h"
 #include "workbench/model/model_options.h"
 #include "workbench/recording.h"
@@ -21,40 +21,54 @@ struct RunOptions {
   double Every = 0.0;
   std::string Record;
   std::string Out;
+  TableForm Form;
 };
+
+std::vector<Column> ColumnsOf(const ZelBenchTop& bench, const std::vector<Variable*>& signals) {
+  std::vector<Column> columns{{"Time", bench.TimeVar()->Unit()}};
+  for (const Variable* signal : signals) columns.push_back({signal->Name(), signal->Unit()});
+  return columns;
+}
 
 class Recording {
  public:
   Recording(const ZelBenchTop& bench, const RunOptions& options)
       : bench_(bench),
         signals_(ListedSignals(bench, options.Record)),
-        file_(options.Out, Delivery::Streamed) {
-    std::vector<std::string> header{"Time"};
-    for (const Variable* signal : signals_) header.push_back(signal->Name());
-    row_.resize(header.size());
-    file_.Write(CsvLine(header));
-  }
+        file_(options.Out, Delivery::Streamed),
+        table_(ColumnsOf(bench, signals_), options.Form, file_),
+        row_(signals_.size() + 1) {}
 
   void WriteRow() {
     row_.front() = bench_.Time();
     std::transform(signals_.begin(), signals_.end(), row_.begin() + 1,
                    [](const Variable* signal) { return signal->DisplayValue(); });
-    file_.Write(CsvLine(row_));
+    table_.Write(row_);
   }
 
-  ResultFile& File() { return file_; }
+  bool IsStandardOutput() const { return file_.IsStandardOutput(); }
+  void Close() {
+    table_.End();
+    file_.Close();
+  }
+  /// Of an end before time: what a message about it ends with.
+  std::string KeepRows() {
+    table_.End();
+    return file_.KeepRows();
+  }
 
  private:
   const ZelBenchTop& bench_;
   std::vector<Variable*> signals_;
   ResultFile file_;
+  TableWriter table_;
   std::vector<double> row_;
 };
 
 void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
-  console.ShowRuns(recording.File().IsStandardOutput());
+  console.ShowRuns(recording.IsStandardOutput());
   RecordRows(model, options.Until, options.Every, console, [&] { recording.WriteRow(); });
-  recording.File().Close();
+  recording.Close();
 }
 
 void Run(const RunOptions& options, Console& console) {
@@ -63,7 +77,7 @@ void Run(const RunOptions& options, Console& console) {
   try {
     Record(*model, options, recording, console);
   } catch (const WorkFault& error) {
-    throw WorkFault(error.What(), error.what() + recording.File().KeepRows());
+    throw WorkFault(error.What(), error.what() + recording.KeepRows());
   }
 }
 
@@ -87,6 +101,7 @@ void AddRunCommand(CLI::App& app, Console& console) {
                    "File to write; standard output without it. Until the end its rows stand in "
                    "FILE.part, and stay there after an end before time")
       ->type_name("FILE");
+  AddTableForm(*command, options->Form);
   command->callback([options, &console] { Run(*options, console); });
 }
 

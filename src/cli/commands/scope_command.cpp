@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <sstream>
 
 #include "cli/arguments/model_arguments.h"
 #include "cli/arguments/scope_arguments.h"
@@ -7,6 +8,7 @@
 #include "cli/io/number_options.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "core/messages.h"
 #include "instruments/scope/scope_csv.h"
 #include "instruments/scope/trace_csv.h"
@@ -25,7 +27,22 @@ struct ScopeOptions {
   std::string Out;
   std::string Picture;
   std::string Overlay;
+  TableForm Form;
 };
+
+void WriteScreen(const ZelScope& scope, const ScopeScreen& screen, const TableForm& form,
+                 ResultFile& file) {
+  std::vector<Column> columns{{"Time", scope.TimeChannel().Signal().Unit()}};
+  for (const std::size_t i : scope.DisplayedChannels()) {
+    const ZelChannel& channel = *scope.Channels()[i];
+    columns.push_back({channel.Name(), channel.Signal().Unit()});
+  }
+  TableWriter table(columns, form, file);
+  const std::string text = ScreenCsv(scope, screen);
+  std::istringstream lines(text.substr(text.find('\n') + 1));
+  for (std::string line; std::getline(lines, line);) table.WriteLine(line + '\n');
+  table.End();
+}
 
 void KeepOverlay(ZelScope& scope, const std::string& path) {
   const TraceText traces = ReadTraceFile(path, scope);
@@ -44,7 +61,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   ResultFile file(options.Out);
   console.ShowRuns();
   const ScopeScreen screen = LastCompleteScreen(*model, scope, options.Until, console);
-  file.Write(ScreenCsv(scope, screen));
+  WriteScreen(scope, screen, options.Form, file);
   file.Close();
   if (options.Picture.empty()) return;
   WritePicture(scope, screen, options.Picture);
@@ -72,6 +89,7 @@ void AddScopeCommand(CLI::App& app, Console& console) {
           "Lay the traces of this file, from a bench or --out, behind those of the picture")
       ->type_name("FILE.csv")
       ->needs(picture);
+  AddTableForm(*command, options->Form);
   command->callback([options, &console] { ShowScope(*options, console); });
 }
 

@@ -4,20 +4,23 @@
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
 #include "cli/io/result_file.h"
-#include "core/csv.h"
+#include "cli/io/table.h"
 #include "workbench/model/model_options.h"
 
 namespace torvane::cli {
 namespace {
 
-void ListSignals(const std::string& modelName, Console& console) {
+void ListSignals(const std::string& modelName, const TableForm& form, Console& console) {
   const auto model = OpenModel(modelName, console);
   ResultFile output("");
-  output.Write(CsvLine({"Name", "Unit", "State", "Description"}));
+  TableWriter table(
+      {{"Name", "", true}, {"Unit", "", true}, {"State", ""}, {"Description", "", true}}, form,
+      output);
   for (const Variable* signal : OfferedSignals(model->Bench())) {
-    output.Write(CsvLine(
-        {signal->Name(), signal->Unit(), signal->IsState() ? "1" : "0", signal->Description()}));
+    table.Write(
+        {signal->Name(), signal->Unit(), signal->IsState() ? "1" : "0", signal->Description()});
   }
+  table.End();
   output.Close();
 }
 
@@ -28,8 +31,10 @@ void AddSignalsCommand(CLI::App& app, Console& console) {
       "signals",
       "List the signals that a model offers to instruments as CSV; State 1 is integrated");
   const auto model = std::make_shared<std::string>();
+  const auto form = std::make_shared<TableForm>();
   AddModelName(*command, *model);
-  command->callback([model, &console] { ListSignals(*model, console); });
+  AddFormat(*command, *form);
+  command->callback([model, form, &console] { ListSignals(*model, *form, console); });
 }
 
 }  // namespace torvane::cli

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "cli/arguments/model_arguments.h"
+#include "cli/arguments/scope_arguments.h"
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
 #include "cli/io/interrupt.h"
@@ -18,6 +19,7 @@ namespace {
 
 struct SpeedOptions {
   ModelOptions Model;
+  ScopeSettings Scope;
   double Seconds = 3.0;
   bool NoInstruments = false;
 };
@@ -48,6 +50,7 @@ std::string Figures(const ZelModel& model, double step, double wall) {
 
 void MeasureSpeed(const SpeedOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
+  Apply(model->Bench(), options.Scope);
   model->Bench().StartScopes();
   ResultFile output("");
   const InterruptGuard guard;
@@ -77,6 +80,7 @@ void AddSpeedCommand(CLI::App& app, Console& console) {
       "speed", "Measure how fast a model runs: the desktop's run loop without a display");
   const auto options = std::make_shared<SpeedOptions>();
   AddModelOptions(*command, options->Model);
+  AddScopeSettings(*command, options->Scope);
   AddNumber(*command, "--for", options->Seconds, NumberRange::Positive,
             "Wall time to run, seconds (3 without it)");
   command->add_flag("--no-instruments", options->NoInstruments, "Leave only solver and model");

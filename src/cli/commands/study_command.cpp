@@ -14,8 +14,9 @@ namespace {
 // Results were made with all other options already. Were they told apart by the parser, each would
 // say so in the help.
 void CheckMergeOptions(const CLI::App& command) {
-  const std::set<std::string> fitting{"--merge", "--out",    "--picture",  "--chosen", "--map",
-                                      "--axes",  "--limits", "--contours", "--best"};
+  const std::set<std::string> fitting{"--merge",  "--out",    "--picture", "--chosen",
+                                      "--map",    "--axes",   "--limits",  "--contours",
+                                      "--levels", "--format", "--units",   "--best"};
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional() || option->count() == 0) continue;
     if (fitting.contains(option->get_name())) continue;
@@ -25,8 +26,9 @@ void CheckMergeOptions(const CLI::App& command) {
 
 // All but what says where the runs are done, and what is made of them.
 void TakeGivenOptions(const CLI::App& command, StudyCommand& options) {
-  const std::set<std::string> elsewhere{"--jobs", "--shard", "--out",    "--picture",  "--chosen",
-                                        "--map",  "--axes",  "--limits", "--contours", "--best"};
+  const std::set<std::string> elsewhere{"--jobs",   "--shard", "--out",    "--picture",  "--chosen",
+                                        "--map",    "--axes",  "--limits", "--contours", "--levels",
+                                        "--format", "--units", "--best"};
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional() || option->count() == 0) continue;
     if (elsewhere.contains(option->get_name())) continue;
@@ -110,6 +112,12 @@ void AddStudyCommand(CLI::App& app, Console& console) {
       ->needs(map);
   command->add_flag("--contours", options->Map.Contours, "Draw lines of equal values into the map")
       ->needs(map);
+  command
+      ->add_option("--levels", options->Map.Levels,
+                   "Draw such lines at these values of the measure")
+      ->type_name("NUMBER,...")
+      ->needs(map);
+  AddTableForm(*command, options->Form);
   command->callback([options, command, &console] {
     if (options->Merge) {
       CheckMergeOptions(*command);

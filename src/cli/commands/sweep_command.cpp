@@ -7,6 +7,7 @@
 #include "cli/io/number_options.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "cli/response/response_output.h"
 #include "core/csv.h"
 #include "core/text.h"
@@ -22,17 +23,19 @@ struct SweepCommand {
   ResponseOutput Output;
 };
 
-void WritePoints(const ZelSweptDSA& analyser, ResultFile& file) {
-  std::vector<std::string> line{"Frequency", "Gain", "Phase"};
-  Append(line, MoreCaptions(analyser));
-  file.Write(CsvLine(line));
+void WritePoints(const ZelSweptDSA& analyser, const TableForm& form, ResultFile& file) {
+  std::vector<Column> columns{{"Frequency", "Hz"}, {"Gain", "dB"}, {"Phase", "deg"}};
+  AddMoreColumns(analyser, columns);
+  TableWriter table(columns, form, file);
   for (int point = 0; point < analyser.PointCount(); ++point) {
     const double hz = analyser.PointFrequency(0, point);
-    line = {FormatShortest(hz), FormatShortest(analyser.ResponseGain(0, point)),
-            FormatShortest(analyser.ResponsePhase(0, point))};
+    std::vector<std::string> line{FormatShortest(hz),
+                                  FormatShortest(analyser.ResponseGain(0, point)),
+                                  FormatShortest(analyser.ResponsePhase(0, point))};
     Append(line, MoreFields(analyser, point, hz));
-    file.Write(CsvLine(line));
+    table.Write(line);
   }
+  table.End();
   file.Close();
 }
 
@@ -52,9 +55,9 @@ void MeasureSweep(const SweepCommand& command, Console& console) {
   ResultFile file(output.Out);
   console.ShowRuns();
   MeasureResponse(*model, analyser, console);
-  TellDoubts(analyser, file);
-  if (WritesPoints(output)) WritePoints(analyser, file);
-  if (output.Margins) PrintMargins(analyser, static_cast<ReadAs>(output.MarginsAs.value_or(0)));
+  TellDoubts(analyser, output.Form, file);
+  if (WritesPoints(output)) WritePoints(analyser, output.Form, file);
+  if (output.Margins) PrintMargins(analyser, output);
   if (!output.Picture.empty()) WritePicture(analyser, output.Picture);
 }
 

@@ -7,8 +7,10 @@
 #include "cli/io/interrupt.h"
 #include "cli/io/number_options.h"
 #include "cli/io/result_file.h"
+#include "cli/io/table.h"
 #include "core/csv.h"
 #include "core/text.h"
+#include "study/row.h"
 #include "workbench/study/tuning_run.h"
 #include "workbench/work_fault.h"
 
@@ -20,6 +22,7 @@ struct TuneCommand {
   std::string Save;
   bool Progress = false;
   std::string Trace;
+  TableForm Form;
 };
 
 /// A search whose course is told.
@@ -28,17 +31,26 @@ class TuneAndTell {
   TuneAndTell(const TuneCommand& options, Console& console)
       : options_(options), console_(console), search_(options.Tune, console, [&] {
           const std::string& model = options.Tune.Measure.Bode.Response.Model.Model;
+          if (!options.Save.empty() && !options.Trace.empty() &&
+              SameFile(options.Save, options.Trace)) {
+            throw UsageError("--out and --trace name one file, \"" + options.Trace + "\"");
+          }
           CheckOutputs(options.Save, options.Trace, NamesModelFile(model) ? model : "");
         }) {}
 
   void Run() {
     const InterruptGuard guard;
     ResultFile output("");
-    if (options_.Progress) output.Write(CsvLine(Captions()));
-    output_ = &output;
+    std::optional<TableWriter> table;
+    if (options_.Progress) table.emplace(TuneColumns(), options_.Form, output);
+    table_ = table ? &*table : nullptr;
     const Tuning best = search_.Run([this](int runs, const Tuning& so) { return GoOn(runs, so); });
     console_.ShowProgress("");
-    if (!options_.Progress) output.Write(CsvLine(Captions()) + CsvLine(search_.Fields(best)));
+    if (!options_.Progress) {
+      table.emplace(TuneColumns(), options_.Form, output);
+      table->Write(search_.Fields(best));
+    }
+    table->End();
     output.Close();
     search_.CheckMet(best);
     if (!options_.Save.empty()) search_.Save(best, options_.Save);
@@ -54,7 +66,7 @@ class TuneAndTell {
     if (options_.Progress) {
       std::vector<std::string> fields{std::to_string(runs), good ? "1" : "0"};
       Append(fields, search_.Fields(best));
-      output_->Write(CsvLine(fields));
+      table_->Write(fields);
     }
     if (Console::CanShowProgress(false)) {
       console_.ShowProgress("run " + std::to_string(runs) + " of " +
@@ -64,11 +76,15 @@ class TuneAndTell {
     return !InterruptGuard::Interrupted();
   }
 
-  std::vector<std::string> Captions() const {
-    std::vector<std::string> captions;
-    if (options_.Progress) captions = {"Runs", "Met"};
-    Append(captions, search_.Captions());
-    return captions;
+  std::vector<Column> TuneColumns() const {
+    const std::vector<std::string> captions = search_.Captions();
+    const std::vector<std::string> units = search_.Units();
+    std::vector<Column> columns;
+    if (options_.Progress) columns = Columns({"Runs", "Met"});
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+      columns.push_back({captions[i], units[i], captions[i] == ReasonCaption});
+    }
+    return columns;
   }
 
   void WriteResponse() const {
@@ -86,7 +102,7 @@ class TuneAndTell {
   const TuneCommand& options_;
   Console& console_;
   TuningRun search_;
-  ResultFile* output_ = nullptr;  // while it searches
+  TableWriter* table_ = nullptr;  // of a search whose course is printed
   std::vector<std::string> best_;
 };
 
@@ -126,6 +142,7 @@ void AddTuneCommand(CLI::App& app, Console& console) {
                    "Write the response of the best so far to this file, whenever there is a better "
                    "one")
       ->type_name("FILE.csv");
+  AddTableForm(*command, options->Form);
   command->callback([options, &console] { TuneAndTell(*options, console).Run(); });
 }
 

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -17,7 +19,8 @@ namespace {
 
 constexpr std::size_t PieceSize = 65536;
 constexpr std::chrono::milliseconds LongestDelay(500);
-constexpr std::string_view RunBegin = "Time,";  // of the captions
+// Of a run: its captions, with units or without, or its first row in JSON.
+constexpr std::array<std::string_view, 3> RunBegins{"Time,", "Time ", "[\n{\"T"};
 
 int OpenStream(const std::string& path, bool streamed) {
   if (!streamed) return -1;
@@ -66,8 +69,8 @@ void ResultFile::BeginGrowing() {
   growing_.emplace(path_);
   const std::string fault = growing_->Open();
   if (!fault.empty()) throw FileError(fault);
-  const std::string begin = growing_->Read(RunBegin.size());
-  if (!begin.empty() && begin != RunBegin) {
+  const std::string begin = growing_->Read(RunBegins.front().size());
+  if (!begin.empty() && std::ranges::find(RunBegins, begin) == RunBegins.end()) {
     throw FileError(growing_->Name() + " has no rows of a run; remove it or choose another --out");
   }
   if (!growing_->Clear()) throw FileError(CannotWrite(growing_->Name(), errno));

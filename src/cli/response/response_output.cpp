@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "cli/io/result_file.h"
-#include "core/csv.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "instruments/analyser/margins.h"
@@ -30,11 +29,8 @@ bool HasOverlay(const FrequencyAnalyser& analyser) {
 /// The lines of one response.
 class MarginLines {
  public:
-  MarginLines(std::string response, ResultFile& file)
-      : response_(std::move(response)), file_(file) {}
-
-  /// The highest frequency at which something was read.
-  double HighestHz() const { return highest_; }
+  MarginLines(std::string response, TableWriter& table)
+      : response_(std::move(response)), table_(table) {}
 
   void Write(const Margins& margins) {
     if (margins.GainBandwidth) {
@@ -52,40 +48,40 @@ class MarginLines {
     if (const auto* least = margins.SmallestGainMargin()) {
       Line("Smallest gain margin", *least, "dB");
     }
+    if (margins.Sensitivity) Line("Sensitivity", *margins.Sensitivity, "");
   }
 
  private:
   void Line(const char* what, const Margins::Reading& reading, const char* unit) {
-    highest_ = std::max(highest_, reading.Hz);
-    file_.Write(CsvLine({response_, what, Number(reading.Hz), Number(reading.Value), unit}));
+    table_.Write({response_, what, Number(reading.Hz), Number(reading.Value), unit});
   }
 
   std::string response_;
-  ResultFile& file_;
-  double highest_ = 0.0;
+  TableWriter& table_;
 };
 
-void WriteMarginCaptions(ResultFile& file) {
-  file.Write(CsvLine({"Response", "Measure", "Frequency", "Value", "Unit"}));
+std::vector<Column> MarginColumns() {
+  return {{"Response", "", true},
+          {"Measure", "", true},
+          {"Frequency", "Hz"},
+          {"Value", ""},
+          {"Unit", "", true}};
 }
 
 }  // namespace
 
-void TellDoubts(const FrequencyAnalyser& analyser, ResultFile& file) {
+void TellDoubts(const FrequencyAnalyser& analyser, const TableForm& form, ResultFile& file) {
   for (const std::string& doubt : analyser.ResponseAt(0).Doubts()) {
     Warning(doubt);
-    if (!file.IsStandardOutput()) file.Write("# " + doubt + "\n");
+    if (!file.IsStandardOutput() && !form.IsJson()) file.Write("# " + doubt + "\n");
   }
 }
 
-std::vector<std::string> MoreCaptions(const FrequencyAnalyser& analyser) {
-  std::vector<std::string> captions;
-  if (analyser.HasCoherence(0)) captions.emplace_back("Coherence");
-  if (HasOverlay(analyser)) {
-    captions.emplace_back("Overlay Gain");
-    captions.emplace_back("Overlay Phase");
-  }
-  return captions;
+void AddMoreColumns(const FrequencyAnalyser& analyser, std::vector<Column>& columns) {
+  if (analyser.HasCoherence(0)) columns.push_back({"Coherence", ""});
+  if (!HasOverlay(analyser)) return;
+  columns.push_back({"Overlay Gain", "dB"});
+  columns.push_back({"Overlay Phase", "deg"});
 }
 
 std::vector<std::string> MoreFields(const FrequencyAnalyser& analyser, int index, double hz) {
@@ -103,27 +99,28 @@ bool WritesPoints(const ResponseOutput& options) {
   return !options.Margins || !options.Out.empty();
 }
 
-void PrintMarginLines(const std::string& response, const Margins& margins, ResultFile& file) {
-  WriteMarginCaptions(file);
-  MarginLines(response, file).Write(margins);
+void PrintMarginLines(const std::string& response, const Margins& margins, const TableForm& form,
+                      ResultFile& file) {
+  TableWriter table(MarginColumns(), form, file);
+  MarginLines(response, table).Write(margins);
+  table.End();
 }
 
-void PrintMargins(const FrequencyAnalyser& analyser, ReadAs as) {
+void PrintMargins(const FrequencyAnalyser& analyser, const ResponseOutput& options) {
+  const auto as = static_cast<ReadAs>(options.MarginsAs.value_or(0));
   ResultFile output("");
-  WriteMarginCaptions(output);
+  TableWriter table(MarginColumns(), options.Form, output);
   MarginReader reader;
   for (const int slot : {0, OverlaySlot}) {
     if (!analyser.HasData(slot)) continue;
     const std::string response = slot == 0 ? "Measured" : "Overlay";
-    MarginLines lines(response, output);
     const Margins& margins = reader.Read(analyser, slot, as);
-    lines.Write(margins);
-    if (margins.Empty()) {
-      for (const std::string& why : margins.Missing) Note(response + ": " + why);
-    }
+    MarginLines(response, table).Write(margins);
+    for (const std::string& why : margins.Missing) Note(response + ": " + why);
     const double accurate = analyser.ResponseAt(slot).Subject().AccurateUpTo;
-    if (lines.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
+    if (margins.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
   }
+  table.End();
   output.Close();
 }
 

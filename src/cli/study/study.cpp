@@ -5,7 +5,9 @@
 
 #include "cli/io/interrupt.h"
 #include "cli/io/pictures.h"
+#include "cli/study/study_columns.h"
 #include "cli/study/study_result.h"
+#include "core/csv_table.h"
 #include "core/messages.h"
 #include "core/text.h"
 #include "study/shares.h"
@@ -67,11 +69,15 @@ void CheckPicture(const StudyCommand& command, Study& study) {
 void RunStudy(const StudyCommand& command, Console& console) {
   CheckPictureFile(command.Picture);
   const StudyOptions& options = command.Study;
+  if (!options.Shard.empty() && !command.Form.IsPlain()) {
+    throw UsageError("--shard writes what --merge reads; --format and --units go with --merge");
+  }
   const bool table = options.Vary.empty() && !options.Files.empty();
   CheckOutputs(command.Out, command.Picture, table ? options.Files[0] : "");
   Study study(options, console);
   CheckPicture(command, study);
-  StudyResult result(command.Out, study.Identity(), study.Head());
+  StudyResult result(command.Out, study.Identity(), study.Head(), StudyColumns(study),
+                     command.Form);
   const std::size_t all = study.RunCount();
   if (result.RowCount() > 0) Note(Count(result.RowCount(), all) + " stand already");
   StudyCourse course;
@@ -110,6 +116,24 @@ void RunStudy(const StudyCommand& command, Console& console) {
   WriteStudyPicture(command, rows, std::move(responses));
 }
 
+namespace {
+
+void WriteTable(const std::string& text, const TableForm& form, ResultFile& file) {
+  if (form.IsPlain()) {
+    file.Write(text);
+  } else {
+    CsvReader rows(text);
+    CsvRow row;
+    rows.Next(row);
+    TableWriter table(TableColumns(text), form, file);
+    while (rows.Next(row)) table.Write(row.Fields);
+    table.End();
+  }
+  file.Close();
+}
+
+}  // namespace
+
 void MergeStudies(const StudyCommand& command) {
   const std::vector<std::string>& files = command.Study.Files;
   if (files.empty()) throw UsageError("--merge needs the results of shares");
@@ -126,8 +150,7 @@ void MergeStudies(const StudyCommand& command) {
   }
   CheckStudyPicture(command, table);
   ResultFile file(command.Out);
-  file.Write(table);
-  file.Close();
+  WriteTable(table, command.Form, file);
   TellStudyBest(command, table);
   if (!command.Picture.empty()) WriteStudyPicture(command, table, {});
 }

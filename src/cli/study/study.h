@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/io/console.h"
+#include "cli/io/table.h"
 #include "study/study_pictures.h"
 #include "workbench/study/study.h"
 
@@ -15,6 +16,7 @@ struct StudyMapChoice {
   std::string Axes;     ///< "X,Y"
   std::string Limits;   ///< "LOW:HIGH", of the colours
   bool Contours = false;
+  std::string Levels;  ///< "A,B,...", of the contours
 };
 
 /// What the command "study" is told.
@@ -25,6 +27,7 @@ struct StudyCommand {
   std::string Picture;
   std::optional<int> Chosen;
   StudyMapChoice Map;
+  TableForm Form;
 };
 
 /// Measures every run of a study, or of a share of it.

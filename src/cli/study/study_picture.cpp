@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <sstream>
+
 #include "cli/io/pictures.h"
 #include "cli/study/study.h"
 #include "core/messages.h"
@@ -30,6 +33,18 @@ std::pair<std::string, std::string> TwoParts(const std::string& text, char at, c
           std::string(Trimmed(std::string_view(text).substr(split + 1)))};
 }
 
+std::vector<double> LevelsOf(const std::string& text) {
+  std::vector<double> levels;
+  std::istringstream list(text);
+  for (std::string level; std::getline(list, level, ',');) {
+    const auto number = ParseNumber(std::string(Trimmed(level)));
+    if (!number) throw UsageError("--levels needs numbers, not \"" + level + "\"");
+    levels.push_back(*number);
+  }
+  std::sort(levels.begin(), levels.end());
+  return levels;
+}
+
 StudyMap MapOf(const StudyCommand& options, const ResultTable& table) {
   const StudyMapChoice& choice = options.Map;
   std::optional<std::pair<std::string, std::string>> axes;
@@ -37,6 +52,8 @@ StudyMap MapOf(const StudyCommand& options, const ResultTable& table) {
   StudyMap map = table.MapOf(NamedMeasure(choice.Measure).Caption, axes);
   map.Chosen = ChosenRow(options, table);
   map.Contours = choice.Contours;
+  if (!choice.Levels.empty()) map.Levels = LevelsOf(choice.Levels);
+  map.Contours = map.Contours || !map.Levels.empty();
   if (!choice.Limits.empty()) {
     const char* const form = "--limits needs LOW:HIGH";
     const auto [low, high] = TwoParts(choice.Limits, ':', form);

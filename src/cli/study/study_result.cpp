@@ -1,5 +1,7 @@
 #include "cli/study/study_result.h"
 
+#include <utility>
+
 #include "core/files/atomic_save.h"
 #include "core/messages.h"
 
@@ -11,13 +13,16 @@ constexpr std::chrono::seconds FlushPeriod(1);
 }  // namespace
 
 StudyResult::StudyResult(const std::string& out, const StudyIdentity& identity,
-                         const std::string& head)
+                         const std::string& head, std::vector<Column> columns,
+                         const TableForm& form)
     : file_(out, IsReplaced(out) ? Delivery::Whole : Delivery::Streamed),
       head_(head),
+      columns_(std::move(columns)),
+      form_(form),
       share_(!identity.Value(SharePart).empty()),
       seals_(identity, head) {
   if (!IsReplaced(out)) {
-    file_.Write(share_ ? seals_.Begin() : head_);
+    BeginTable();
     return;
   }
   part_.emplace(out, identity, head);
@@ -34,13 +39,29 @@ std::string StudyResult::Table() const {
   return table;
 }
 
+void StudyResult::BeginTable() {
+  if (share_) {
+    file_.Write(seals_.Begin());
+  } else {
+    table_.emplace(columns_, form_, file_);
+  }
+}
+
+void StudyResult::WriteRow(const std::string& row) {
+  if (share_) {
+    file_.Write(seals_.Sealed(row));
+  } else {
+    table_->WriteLine(row);
+  }
+}
+
 void StudyResult::Append(const StudyRow& row) {
   const std::string line = RowLine(row);
   rows_.emplace(row.Run, line);
   if (part_) {
     part_->Append(line);
   } else {
-    file_.Write(Line(line));
+    WriteRow(line);
   }
 }
 
@@ -53,9 +74,10 @@ void StudyResult::FlushNowAndThen() {
 
 void StudyResult::Close() {
   if (part_) {
-    file_.Write(share_ ? seals_.Begin() : head_);
-    for (const auto& row : rows_) file_.Write(Line(row.second));
+    BeginTable();
+    for (const auto& row : rows_) WriteRow(row.second);
   }
+  if (table_) table_->End();
   file_.Close();
   if (part_) part_->Remove();
 }

@@ -135,7 +135,7 @@ LevelCrossings::LevelCrossings(std::span<const LogPoint> points, const Level& le
 }
 
 void LevelCrossings::Cross(std::size_t below, double level) {
-  const std::optional<double> scatter = ScatterAt(below);
+  const std::optional<double> scatter = ScatterAt(points_, below, level_.Crosses);
   mostScatter_ = std::max(mostScatter_, scatter.value_or(0.0));
   if (scatter > level_.MostScatter) return;
   if (!Returns(below, level, scatter)) Close();
@@ -170,18 +170,18 @@ void LevelCrossings::Close() {
   cluster_ = {};
 }
 
-// The standard deviation, from the median of the fourth differences: few steps or peaks among the
-// points do not count. Nothing where points are too few to tell.
-std::optional<double> LevelCrossings::ScatterAt(std::size_t index) const {
+// By the median of the fourth differences: few steps or peaks among the points do not count.
+std::optional<double> ScatterAt(std::span<const LogPoint> points, std::size_t index,
+                                double LogPoint::*quantity) {
   constexpr std::size_t Around = 12;
   constexpr std::size_t Fewest = 16;
   constexpr double OfDifferences = 1.4826 / 8.3666;  // 1 / 0.6745 and 1 / sqrt(1+16+36+16+1)
   const std::size_t first = index < Around ? 0 : index - Around;
-  const std::size_t end = std::min(points_.size(), index + 2 + Around);
+  const std::size_t end = std::min(points.size(), index + 2 + Around);
   if (end - first < Fewest) return std::nullopt;
   std::array<double, 2 * Around + 2> differences{};
   std::size_t count = 0;
-  const auto value = [&](std::size_t i) { return points_[i].*level_.Crosses; };
+  const auto value = [&](std::size_t i) { return points[i].*quantity; };
   for (std::size_t i = first; i + 4 < end; ++i) {
     differences[count++] = std::abs(value(i) - 4.0 * value(i + 1) + 6.0 * value(i + 2) -
                                     4.0 * value(i + 3) + value(i + 4));

@@ -19,6 +19,11 @@ struct LogPoint {
 /// between neighbours which agree, as a bin does in which the excitation was weak.
 void TakeLogPoints(std::span<const ResponsePoint> unwrapped, std::vector<LogPoint>& points);
 
+/// The standard deviation with which a quantity scatters around a point, from the fourth
+/// differences of the points there; nothing where they are too few to tell.
+std::optional<double> ScatterAt(std::span<const LogPoint> points, std::size_t index,
+                                double LogPoint::*quantity);
+
 /// A level of gain or phase.
 struct Level {
   double LogPoint::*Crosses = nullptr;
@@ -72,7 +77,6 @@ class LevelCrossings {
   void Cross(std::size_t below, double level);
   void Close();
   bool Returns(std::size_t below, double level, std::optional<double> scatter) const;
-  std::optional<double> ScatterAt(std::size_t index) const;
 
   std::span<const LogPoint> points_;
   Level level_;

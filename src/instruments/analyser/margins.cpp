@@ -106,7 +106,8 @@ void ReadBandwidths(std::span<const LogPoint> points, Margins& margins) {
 
 // A loop that ends far below unity gain has its sensitivity go to 1 there.
 void ReadSensitivity(std::span<const LogPoint> points, Margins& margins) {
-  constexpr double FarBelow = -40.0;  // dB
+  constexpr double FarBelow = -40.0;    // dB
+  constexpr double MostScatter = 0.25;  // dB; the greatest of points that scatter is too great
   std::vector<LogPoint> sensitivity;
   for (const LogPoint& point : points) {
     const auto open = std::polar(std::pow(10.0, point.Gain / 20.0), point.Phase / DegreesPerRadian);
@@ -114,7 +115,14 @@ void ReadSensitivity(std::span<const LogPoint> points, Margins& margins) {
   }
   const std::size_t highest = Highest(sensitivity);
   const bool last = highest + 1 == sensitivity.size();
-  if (highest == 0 || (last && points.back().Gain > FarBelow)) return;
+  if (highest == 0 || (last && points.back().Gain > FarBelow)) {
+    margins.Missing.emplace_back("no sensitivity: it has no greatest value within the response");
+    return;
+  }
+  if (ScatterAt(sensitivity, highest, &LogPoint::Gain) > MostScatter) {
+    margins.Missing.emplace_back("no sensitivity: the response scatters too much at its peak");
+    return;
+  }
   const LogPoint& at = sensitivity[highest];
   const Margins::Reading top = last ? Margins::Reading{std::exp(at.LogHz), at.Gain}
                                     : Top(sensitivity[highest - 1], at, sensitivity[highest + 1]);
@@ -220,6 +228,15 @@ const Margins::Reading* Margins::SmallestPhaseMargin() const {
 
 const Margins::Reading* Margins::SmallestGainMargin() const {
   return Smallest(GainMargins);
+}
+
+double Margins::HighestHz() const {
+  double highest = std::max(GainBandwidth.value_or(0.0), PhaseBandwidth.value_or(0.0));
+  for (const auto* readings : {&PhaseMargins, &GainMargins}) {
+    for (const Reading& one : *readings) highest = std::max(highest, one.Hz);
+  }
+  for (const auto& one : {Peaking, Sensitivity}) highest = std::max(highest, one ? one->Hz : 0.0);
+  return highest;
 }
 
 Margins FindMargins(std::span<const ResponsePoint> unwrapped, ReadAs as) {

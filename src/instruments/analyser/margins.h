@@ -45,7 +45,7 @@ struct Margins {
   bool NeverTurns = false;  ///< of an open response: its phase crosses no odd number of half turns
   /// Of an open response the sensitivity peak: the greatest of 1 / |1 + response|, the reciprocal
   /// of the least distance from -1. None when that lies at an end, where it may not be the
-  /// greatest.
+  /// greatest, or the response scatters there.
   std::optional<Reading> Sensitivity;
   /// How much the response scatters where it is read, of what is borne at most; above 1 something
   /// is missing for it.
@@ -60,6 +60,8 @@ struct Margins {
   /// The margin nearest to 0 of all crossings; nullptr when there is none.
   const Reading* SmallestPhaseMargin() const;
   const Reading* SmallestGainMargin() const;
+  /// The highest frequency at which something was read, Hz; 0 when nothing was.
+  double HighestHz() const;
 };
 
 /// Reads an unwrapped curve, which ReadAs::Unity has opened already.

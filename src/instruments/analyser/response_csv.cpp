@@ -321,7 +321,8 @@ class ResponseReader {
 
 ResponseText ParseResponse(std::string_view text, const ResponseHints& hints) {
   ResponseReader reader(hints);
-  LineReader lines(WithoutByteOrderMark(text));
+  const std::string plain = TableText(text);
+  LineReader lines(plain);
   for (std::string line; lines.Next(line);) {
     ResponseText faulty;
     faulty.Fault = reader.Take(line, lines.Number());

@@ -93,7 +93,8 @@ WaveReading ReadWaveFile(const std::string& path, std::string_view column) {
   reading.Fault = ReadTextFile(path, MaxBenchTable, text, BenchPatience);
   if (!reading.Fault.empty()) return reading;
   WaveReader reader(column);
-  LineReader lines(WithoutByteOrderMark(text));
+  const std::string plain = TableText(text);
+  LineReader lines(plain);
   for (std::string line; reading.Fault.empty() && lines.Next(line);) {
     reading.Fault = reader.Take(line, lines.Number());
   }

@@ -32,10 +32,10 @@ std::vector<double> Edges(const WaveSettings& settings) {
 
 std::optional<double> ZelWave::JumpIn(double from, double to) const {
   if (from < changedAt_) return std::nullopt;
-  if (played_) return settings_.FreqHz > 0.0 ? std::nullopt : played_->JumpIn(from, to);
+  if (played_ && !(settings_.FreqHz > 0.0)) return played_->JumpIn(from, to);
   if (!(settings_.FreqHz > 0.0)) return std::nullopt;
   std::optional<double> found;
-  for (const double edge : Edges(settings_)) {
+  for (const double edge : played_ ? played_->EdgesIn(1.0 / settings_.FreqHz) : Edges(settings_)) {
     const double start = edge - settings_.PhaseDeg * CyclesPerDegree;
     const double cycle = std::floor(from * settings_.FreqHz - start) + 1.0;
     for (const double next : {cycle, cycle + 1.0}) {

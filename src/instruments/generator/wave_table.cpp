@@ -51,13 +51,30 @@ double WaveTable::At(double t) const {
   return last.Value + (t - last.Time) / (next->Time - last.Time) * (next->Value - last.Value);
 }
 
+std::vector<double> WaveTable::EdgesIn(double period) const {
+  std::vector<double> edges;
+  if (At(0.0) != At(std::nextafter(period, 0.0))) edges.push_back(0.0);
+  double from = 0.0;
+  for (const Point& point : points_) {
+    if (!(point.Time > from) || point.Time >= period) continue;
+    if (JumpIn(from, point.Time)) edges.push_back(point.Time / period);
+    from = point.Time;
+  }
+  return edges;
+}
+
 std::optional<double> WaveTable::JumpIn(double from, double to) const {
   std::optional<double> found;
   auto point = std::upper_bound(points_.begin(), points_.end(), from,
                                 [](double time, const Point& p) { return time < p.Time; });
   for (; point != points_.end() && point->Time <= to; ++point) {
-    if (point == points_.begin() || (point - 1)->Time != point->Time) continue;
-    if (found && *found != point->Time) return {};
+    const bool last = point + 1 == points_.end() || (point + 1)->Time != point->Time;
+    if (point == points_.begin() || (point - 1)->Time != point->Time || !last) continue;
+    // From the first of the points there, in which a ramp ends.
+    const auto first = std::lower_bound(points_.begin(), point, point->Time,
+                                        [](const Point& p, double time) { return p.Time < time; });
+    if (first->Value == point->Value) continue;
+    if (found) return {};
     found = point->Time;
   }
   return found;

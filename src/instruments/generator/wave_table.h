@@ -38,6 +38,9 @@ class WaveTable {
   /// The one time after `from` and up to `to` at which it jumps; nothing when there is none, or
   /// more than one.
   std::optional<double> JumpIn(double from, double to) const;
+  /// Of a table that is played anew each period, seconds: the fractions of a period at which it
+  /// jumps, where it begins anew too.
+  std::vector<double> EdgesIn(double period) const;
 
  private:
   std::string name_;

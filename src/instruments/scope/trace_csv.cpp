@@ -203,7 +203,8 @@ class TraceReader {
 
 TraceText ParseTraces(std::string_view text, const ZelScope& scope) {
   TraceReader reader(scope);
-  LineReader lines(WithoutByteOrderMark(text));
+  const std::string plain = TableText(text);
+  LineReader lines(plain);
   for (std::string line; lines.Next(line);) {
     std::string fault = reader.Take(line, lines.Number());
     if (!fault.empty()) return {{}, {}, std::move(fault)};

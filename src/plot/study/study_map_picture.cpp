@@ -251,6 +251,11 @@ class SlicePainter {
     painter_.setRenderHint(QPainter::Antialiasing, false);
   }
 
+  // Of the contours, which the scale names.
+  std::vector<double> Levels() const {
+    return map_.Levels.empty() ? range_.Ticks(ScaleTicks) : map_.Levels;
+  }
+
   // White beside it a line is seen on any colour.
   void PaintLines(const QVector<QLineF>& lines, const QColor& colour, double width) {
     painter_.setPen(QPen(Qt::white, (width + 2.0) * ratio_));
@@ -263,7 +268,7 @@ class SlicePainter {
     if (!std::ranges::all_of(corners, [](const auto* run) { return run->Value.has_value(); })) {
       return;
     }
-    for (const double level : range_.Ticks(ScaleTicks)) {
+    for (const double level : Levels()) {
       std::vector<QPointF> ends;
       for (std::size_t a = 0; a < 3; ++a) {
         const StudyMap::Run& from = *corners.at(a);
@@ -297,8 +302,12 @@ class SlicePainter {
     }
     painter_.setPen(colours_.Text);
     const int height = QFontMetrics(Font()).height();
-    for (const double tick : range_.Ticks(ScaleTicks)) {
-      const int y = plate.bottom() - qRound(range_.ShareOf(tick) * plate.height());
+    int above = plate.bottom() + height;
+    for (const double tick : Levels()) {
+      const double share = range_.ShareOf(tick);
+      const int y = plate.bottom() - qRound(share * plate.height());
+      if (share < 0.0 || share > 1.0 || above - y < height) continue;  // no room for its number
+      above = y;
       painter_.drawLine(left + width, y, left + width + qRound(3 * ratio_), y);
       painter_.drawText(
           QRect(left + width + qRound(6 * ratio_), y - height, 10 * height, 2 * height),

@@ -25,6 +25,14 @@ void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Supervisor
   if (options.WithTheory) NoteLoop(model);
 }
 
+std::vector<std::string> UnitsOfMeasures(const ZelModel& model, const MeasureOptions& options,
+                                         const MeasureSet& set) {
+  const auto unitOf = [&](const std::string& name) {
+    return name.empty() ? std::string() : NamedSignal(model.Bench(), name).Unit();
+  };
+  return MeasureUnits(set, unitOf(options.Bode.Response.Input), unitOf(options.Peak));
+}
+
 void CheckMeasured(const std::string& option, const RunMeasure& measure, const MeasureSet& set) {
   if (set.Has(measure.Needs)) return;
   const char* needed = "--require";

@@ -33,6 +33,10 @@ struct MeasureOptions {
 /// are there, and the analyser takes its settings.
 void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Supervisor& supervisor);
 
+/// The units of what is measured of the model, in the order of MeasureCaptions.
+std::vector<std::string> UnitsOfMeasures(const ZelModel& model, const MeasureOptions& options,
+                                         const MeasureSet& set);
+
 /// Wrong usage, of an option that asks for a measure: one that takes other options that were not
 /// given.
 void CheckMeasured(const std::string& option, const RunMeasure& measure, const MeasureSet& set);

@@ -5,6 +5,7 @@
 
 #include "core/messages.h"
 #include "core/text.h"
+#include "workbench/model/assignment.h"
 #include "workbench/model/model_options.h"
 #include "workbench/model/scope_run.h"
 #include "workbench/unknown_name.h"
@@ -36,15 +37,41 @@ void ShowTraces(ZelScope& scope, const std::string& list) {
   for (ZelChannel* channel : shown) scope.SetDisplayed(*channel, true);
 }
 
+struct TraceNumber {
+  ZelChannel& Channel;
+  double Number;
+};
+
+TraceNumber TraceNumberOf(ZelScope& scope, const std::string& option, const std::string& text) {
+  const Assignment assignment = SplitAssignment(option, text);
+  const auto number = ParseNumber(assignment.Value);
+  if (!number) throw UsageError(option + " needs SIGNAL=NUMBER, not \"" + text + "\"");
+  return {NamedChannel(scope, assignment.Name), *number};
+}
+
+void PlaceTraces(ZelScope& scope, const ScopeSettings& settings) {
+  for (const std::string& text : settings.Scales) {
+    const auto [channel, scale] = TraceNumberOf(scope, "--scale", text);
+    if (scale == 0.0) throw UsageError("--scale must not be 0: \"" + text + "\"");
+    scope.SetVerticalScale(channel, scale);
+  }
+  for (const std::string& text : settings.Shifts) {
+    const auto [channel, shift] = TraceNumberOf(scope, "--shift", text);
+    scope.SetVerticalOffset(channel, shift);
+  }
+}
+
 }  // namespace
 
 void Apply(const ZelBenchTop& bench, const ScopeSettings& settings) {
-  const bool texts = !(settings.Show.empty() && settings.TrigMode.empty() &&
-                       settings.TrigSource.empty() && settings.TrigSlope.empty());
+  const bool texts =
+      !(settings.Show.empty() && settings.Scales.empty() && settings.Shifts.empty() &&
+        settings.TrigMode.empty() && settings.TrigSource.empty() && settings.TrigSlope.empty());
   if (!texts && !settings.TimeBase && !settings.TrigLevel && !settings.TrigPosition) return;
   ZelScope& scope = FirstScope(bench);
   ZelTrigger& trigger = scope.Trigger();
   if (!settings.Show.empty()) ShowTraces(scope, settings.Show);
+  PlaceTraces(scope, settings);
   if (settings.TimeBase) scope.SetHorizontalScale(scope.TimeChannel(), *settings.TimeBase);
   if (!settings.TrigSource.empty()) trigger.SetSource(NamedChannel(scope, settings.TrigSource));
   if (!settings.TrigMode.empty()) {

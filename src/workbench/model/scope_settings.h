@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/bench.h"
 
@@ -11,6 +12,8 @@ namespace torvane {
 struct ScopeSettings {
   std::optional<double> TimeBase;
   std::string Show;
+  std::vector<std::string> Scales;  ///< SIGNAL=NUMBER, display units a division
+  std::vector<std::string> Shifts;  ///< SIGNAL=NUMBER, display units
   std::string TrigMode;
   std::string TrigSource;
   std::string TrigSlope;

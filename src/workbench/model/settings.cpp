@@ -1,6 +1,11 @@
 #include "workbench/model/settings.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "core/messages.h"
+#include "core/names.h"
+#include "instruments/generator/wave.h"
 #include "study/setting.h"
 #include "workbench/model/assignment.h"
 #include "workbench/model/wave_files.h"
@@ -11,9 +16,22 @@ namespace {
 
 constexpr const char* FileKey = "File";
 
+// A file's name may hold "=" too, as long as what is before it is no setting's.
+bool IsFile(const std::string& text) {
+  const auto equals = text.find('=');
+  if (equals == std::string::npos) return true;
+  const std::string name = text.substr(0, equals);
+  const std::string key = name.substr(name.rfind(':') + 1);
+  const auto& numbers = ZelWave::Numbers();
+  const bool known = key == FileKey || key == "Waveform" ||
+                     std::ranges::any_of(numbers, [&](const auto& one) { return key == one.Name; });
+  std::error_code failure;
+  const std::string file = WaveFiles::Split(text).first;
+  return !known && (std::filesystem::exists(file, failure) || Lower(file).ends_with(".csv"));
+}
+
 Assignment SplitWave(const std::string& text) {
-  const bool named = text.find('=') != std::string::npos;
-  return named ? SplitAssignment("--wave", text) : Assignment{FileKey, text};
+  return IsFile(text) ? Assignment{FileKey, text} : SplitAssignment("--wave", text);
 }
 
 void Apply(ModelSetting setting, const Assignment& assignment) {

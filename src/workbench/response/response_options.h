@@ -12,6 +12,7 @@ namespace torvane {
 /// is the model's analyser's own.
 struct ResponseOptions {
   ModelOptions Model;
+  std::string Setup;  ///< a pair of signals that the model offers, in place of Input and Output
   std::string Input;
   std::string Output;
   std::optional<double> TSample;
@@ -28,7 +29,7 @@ inline constexpr int OverlaySlot = 1;
 void CheckChannels(const ResponseOptions& options);
 
 /// The model's first analyser of that kind with its channels chosen; a model without one, or an
-/// unknown signal, is wrong usage.
+/// unknown signal or pair, is wrong usage.
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options);
 

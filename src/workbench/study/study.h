@@ -49,6 +49,8 @@ class Study {
   Study(StudyOptions options, Supervisor& supervisor);
 
   MeasureSet Measures() const;
+  const StudyDesign& Design() const { return design_; }
+  const MeasureOptions& Measured() const { return options_.Measure; }
   const StudyIdentity& Identity() const { return identity_; }
   /// The model as it is set up for the measurement.
   ZelModel& First() { return *first_; }

@@ -80,9 +80,13 @@ void TuningRun::Check() {
     throw UsageError("--vary: each constant or generator setting once");
   }
   for (const std::string& name : ends.Names) {
-    if (!ModelSetting::Named(model->Bench(), name).IsChoice()) continue;
+    const ModelSetting setting = ModelSetting::Named(model->Bench(), name);
+    units_.push_back(setting.Unit());
+    if (!setting.IsChoice()) continue;
     throw UsageError("--vary " + name + ": a choice cannot be searched; \"study\" tries each");
   }
+  Append(units_, UnitsOfMeasures(*model, options_.Measure, options_.Measure.Measured()));
+  units_.emplace_back();  // of the reason
   Limit(&StudyRange::From, ApplyRun(model->Bench(), ends, 0));
   Limit(&StudyRange::To, ApplyRun(model->Bench(), ends, 1));
 }

@@ -44,6 +44,8 @@ class TuningRun {
   /// Values, measures and remarks of a tuning, as fields of a table.
   std::vector<std::string> Captions() const;
   std::vector<std::string> Fields(const Tuning& best) const;
+  /// Of each of those fields; empty where it has none.
+  const std::vector<std::string>& Units() const { return units_; }
 
   /// The response of the last run.
   const StudyTrace& LastResponse() const { return response_; }
@@ -66,6 +68,7 @@ class TuningRun {
   Supervisor& supervisor_;
   TuningSearch search_;
   StudyTrace response_;
+  std::vector<std::string> units_;
 };
 
 }  // namespace torvane
