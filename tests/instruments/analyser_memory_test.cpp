@@ -251,12 +251,17 @@ TEST_F(ResponseCursors, AreMovedToWhatIsSearched) {
 TEST_F(AnalyserMemory, SaysWhenAndWithWhichConstantsItWasTaken) {
   Constant gain(Model.Bench(), "KP", "", 1.0, 0.0, 10.0);
   Constant other(Model.Bench(), "KI", "", 7.0, 0.0, 10.0);
-  Model.Bench().AdvanceTime(1.25);
-  const TraceOrigin one = OriginNow(Model.Bench());
+  TraceOrigin one = OriginNow(Model.Bench());
   gain.Set(2.0);
   const TraceOrigin two = OriginNow(Model.Bench());
-  EXPECT_EQ(OriginText(one, {&one, &two}), "at 1.25 s, KP = 1");
-  EXPECT_EQ(OriginText(two, {&two}), "at 1.25 s");
+  EXPECT_EQ(OriginText(one, {&one, &two}), "KP = 1");
+  EXPECT_EQ(OriginText(two, {&two}), "");
+  for (const auto& [time, text] : {std::pair{70e-6, "at 70 us, KP = 1"},
+                                   {0.0025, "at 2.5 ms, KP = 1"},
+                                   {1.25, "at 1.25 s, KP = 1"}}) {
+    one.Time = time;
+    EXPECT_EQ(OriginText(one, {&one, &two}), text);
+  }
 }
 
 }  // namespace

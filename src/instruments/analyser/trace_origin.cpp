@@ -1,12 +1,29 @@
 #include "instruments/analyser/trace_origin.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/bench.h"
 #include "core/constant.h"
 #include "core/text.h"
 
 namespace torvane {
+
+namespace {
+
+constexpr double Micro = 1e-6;
+constexpr double Milli = 1e-3;
+constexpr double Tenth = 0.1;
+
+// "70 us", "2.5 ms", "1.25 s"
+std::string TimeText(double seconds) {
+  const double size = std::abs(seconds);
+  if (size == 0.0 || size >= Tenth) return FormatEdit(seconds) + " s";
+  if (size >= Milli) return FormatEdit(seconds / Milli) + " ms";
+  return FormatEdit(seconds / Micro) + " us";
+}
+
+}  // namespace
 
 TraceOrigin OriginNow(const ZelBenchTop& bench) {
   TraceOrigin origin{bench.Time(), {}};
@@ -17,12 +34,17 @@ TraceOrigin OriginNow(const ZelBenchTop& bench) {
 }
 
 std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrigin*>& all) {
-  std::string text = "at " + FormatEdit(one.Time) + " s";
+  std::string text;
+  const auto add = [&](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
+  const auto differs = [&](const auto& isOther) { return std::ranges::any_of(all, isOther); };
+  if (differs([&](const TraceOrigin* other) { return other->Time != one.Time; }))
+    add("at " + TimeText(one.Time));
   for (std::size_t i = 0; i < one.Constants.size(); ++i) {
-    const bool differs = std::any_of(all.begin(), all.end(), [&](const TraceOrigin* other) {
+    const auto& [name, value] = one.Constants[i];
+    const bool isTold = differs([&](const TraceOrigin* other) {
       return i < other->Constants.size() && other->Constants[i] != one.Constants[i];
     });
-    if (differs) text += ", " + one.Constants[i].first + " = " + one.Constants[i].second;
+    if (isTold) add(name + " = " + value);
   }
   return text;
 }

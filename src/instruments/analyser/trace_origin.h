@@ -20,8 +20,8 @@ struct TraceOrigin {
 /// Of a measurement that begins now.
 TraceOrigin OriginNow(const ZelBenchTop& bench);
 
-/// What tells one of several measurements from the others: "at 1.25 s, KP = 2", with the constants
-/// whose values are not the same in all of them.
+/// What tells one of several measurements from the others: "at 1.25 s, KP = 2", the time and the
+/// constants that are not the same in all of them; empty where nothing differs.
 std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrigin*>& all);
 
 }  // namespace torvane

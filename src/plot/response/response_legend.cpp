@@ -73,7 +73,8 @@ std::string ResponseLegend::TraceText(int slot) const {
     if (analyser_.HasData(other) && analyser_.Origin(other).Known())
       origins.push_back(&analyser_.Origin(other));
   }
-  return from + " " + OriginText(origin, origins) + trust;
+  const std::string told = OriginText(origin, origins);
+  return from + (told.empty() ? "" : " ") + told + trust;
 }
 
 std::string ResponseLegend::PairText() const {
