@@ -240,6 +240,7 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
       return true;
     }
     QCoreApplication::processEvents();
+    Bench().RefreshInstruments();  // what the next tick of the clock would paint
     auto& widget = Find<QWidget>(rest.toStdString());
     looks_[rest.toStdString()] = {PictureOf(widget), WindowOf(widget).geometry()};
   } else if (verb == "pick") {
