@@ -47,7 +47,9 @@ WaveGenWindow::WaveGenWindow(ZelWave& wave) try
   connect(ui_->CmBWaveform, &QComboBox::currentIndexChanged, this, [this](int index) {
     if (index < ZelWave::WaveformCount) wave_.SetWaveform(index);
   });
-  connect(ui_->BPlayFile, &QAbstractButton::clicked, this, [this] { PlayFile(wave_, *this); });
+  connect(
+      ui_->BPlayFile, &QAbstractButton::clicked, this, [this] { PlayFile(wave_, *this); },
+      Qt::QueuedConnection);
   for (const WaveNumber& number : ZelWave::Numbers()) Bind(number);
   ConnectButtons();
   SettingsChanged();

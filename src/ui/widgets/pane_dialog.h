@@ -9,7 +9,8 @@ namespace torvane {
 /// Opens a dialog over a pane and hands its answer to `read` while it stands. False when the user
 /// cancels, or when the pane went meanwhile: another model may come while a dialog closes, and
 /// takes the panes of the one before and their dialogs with it. After a no, nothing of the pane is
-/// there for certain.
+/// there for certain; so a button that opens one does it by a queued connection, as it cannot go
+/// within its own click.
 bool AskOver(
     const QWidget& pane, std::unique_ptr<QDialog> dialog,
     const std::function<void()>& read = [] {});

@@ -86,8 +86,9 @@ ScopeWindow::ScopeWindow(ZelScope& scope, ZelBenchTop& bench)
   FillChannelLists();
   ConnectVertical();
   for (QAbstractButton* button : {ui_->BVertAdd, ui_->BVertRemove}) {
-    connect(button, &QAbstractButton::clicked, this,
-            [this, &bench] { ChooseChannels(bench.History()); });
+    connect(
+        button, &QAbstractButton::clicked, this,
+        [this, &bench] { ChooseChannels(bench.History()); }, Qt::QueuedConnection);
   }
   ConnectHorizontal();
   ConnectTriggerSource();
@@ -218,7 +219,9 @@ void ScopeWindow::ConnectExport(const ZelBenchTop& bench) {
   auto* menu = new ExportMenu(
       *ui_->PBScreen, {heading.arg(model, windowTitle()), QStringLiteral("scope"), picture, csv});
   ui_->BExport->setMenu(menu);
-  connect(ui_->PrintB, &QAbstractButton::clicked, menu, &ExportMenu::Print);
+  // Its dialog opens after the click: when another model comes meanwhile the button goes, and may
+  // not be in the middle of one.
+  connect(ui_->PrintB, &QAbstractButton::clicked, menu, &ExportMenu::Print, Qt::QueuedConnection);
 }
 
 void ScopeWindow::ScaleX() {
