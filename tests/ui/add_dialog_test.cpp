@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QListWidget>
 #include <QTimer>
+#include <algorithm>
 
 #include "desktop.h"
 #include "instruments/scope/scope.h"
@@ -68,14 +69,20 @@ TEST_F(ChooseChannelsTest, TheScopeShowsWhatWasChosen) {
   auto& scope = static_cast<ZelScope&>(*Bench().Instruments(InstrumentKind::Scope).front());
   for (const char* button : {"BVertAdd", "BVertRemove"}) {
     const bool showAll = std::string(button) == "BVertAdd";
-    QTimer::singleShot(0, [this, showAll] {
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, qApp, [&] {
+      if (!QApplication::activeModalWidget()) return;
+      answer.stop();
       Click(showAll ? "BSelectAll" : "BUnshowAll");
       Click("BOkay");
     });
+    answer.start(1);
     Click(button);
-    int shown = 0;
-    for (const auto& channel : scope.Channels()) shown += channel->Colour() >= 0;
-    EXPECT_EQ(shown, showAll ? 8 : 0);  // a ninth trace is refused
+    const auto shown = [&] {
+      return std::ranges::count_if(scope.Channels(), [](auto& one) { return one->Colour() >= 0; });
+    };
+    // A ninth trace is refused.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == (showAll ? 8 : 0); })) << shown();
   }
   Reports.Take();
 }
