@@ -1,6 +1,5 @@
 #include "ui/session/experiments.h"
 
-#include <QCheckBox>
 #include <QDir>
 #include <QMenu>
 #include <QProcess>
@@ -101,7 +100,7 @@ TEST_F(ExperimentsTest, EachRunsAsItsFileDoesOnTheCommandLine) {
       ASSERT_TRUE(WaitFor([&] { return loaded.count() > 0; }));
       EXPECT_TRUE(RunForRows() == Reference(experiments[k].File))
           << experiments[k].File.toStdString();
-      EXPECT_TRUE(Find<QCheckBox>("CBVertShow").isChecked());
+      Play("-> CBVertShow on; InstrumentArea apart");
     }
   }
 }

@@ -33,7 +33,7 @@ TEST_F(ScopeWindowTest, TheScreenGetsTheRoomOfWhatIsHidden) {
   const int before = Height();
   Click("SBHide");
   EXPECT_GT(Height(), before);
-  Click("PageTrigger");
+  Click("PageScales");
   EXPECT_EQ(Height(), before);
   const int plate = Screen().Pixels().Height();
   Play("click PageMeasure; click SBScaleDisplay ->");

@@ -107,6 +107,17 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
          Trigger("MIPoles");
        }},
       {"guide", [this] { Trigger("MIGuide"); }},
+      {"diagram beside the analyser",
+       [this] {
+         Area().Toggle(InstrumentKind::FftAnalyser);
+         Trigger("MIDiagramPane");
+       }},
+      {"Math with kept traces beside the analyser",
+       [this] {
+         Area().Toggle(InstrumentKind::FftAnalyser);
+         RunFor(0.05);
+         Play("click SBMath; click BKeep; click TZelScopeF/SBTwoCursors");
+       }},
       {"experiment", [this] { Begin(0); }},
       {"experiment with analyser", [this] { Begin(3); }}};
   std::vector<std::string> lines{

@@ -23,7 +23,8 @@ class KeptTraces {
   void Keep(ScopeScreen screen);
   /// In place of those that are shown, which no undo brings back then.
   void Renew(ScopeScreen screen);
-  void Clear() { state_.Shown = 0; }
+  /// One that was kept before, from 1; 0 for none.
+  void Show(int number) { state_.Shown = number; }
 
   const State& Present() const { return state_; }
   /// Goes back, or forward, to a state that was.

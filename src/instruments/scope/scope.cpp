@@ -183,12 +183,12 @@ void ZelScope::RenewKeptTraces(const ScopeScreen& screen) {
   needsRedraw_ = true;
 }
 
-void ZelScope::ClearKeptTraces() {
-  const auto clear = [&] {
-    kept_.Clear();
+void ZelScope::ShowKeptTraces(int number) {
+  const auto show = [&] {
+    kept_.Show(number);
     needsRedraw_ = true;
   };
-  Change(clear, [] { return "Clear Kept Traces"; });
+  Change(show, [&] { return number > 0 ? "Keep Traces" : "Clear Kept Traces"; });
 }
 
 }  // namespace torvane

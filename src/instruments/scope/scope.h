@@ -150,7 +150,9 @@ class ZelScope final : public Instrument {
   int KeptNumber() const { return kept_.Present().Shown; }
   /// Has other traces in the place of the kept ones: no change of its own to undo.
   void RenewKeptTraces(const ScopeScreen& screen);
-  void ClearKeptTraces();
+  /// The screen that was kept as that number, in place of the present one; 0 for none.
+  void ShowKeptTraces(int number);
+  void ClearKeptTraces() { ShowKeptTraces(0); }
 
   /// Copies the points of a sweep into a screen, whose storage is used again.
   void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const { memory_.CopyScreen(sweep, into); }

@@ -51,15 +51,16 @@ std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
   std::vector<LegendEntry> entries;
   for (const auto& channel : scope.Channels()) {
     if (!channel->Displayed()) continue;
-    entries.push_back({WithOffset(*channel, channel->Vertical()), channel->Colour()});
+    entries.push_back(
+        {WithOffset(*channel, channel->Vertical()), channel->Colour(), channel->Name()});
   }
   if (const ZelChannel* horizontal = scope.HorizontalChannel()) {
     const AxisScale& axis = horizontal->Horizontal();
     const std::string text =
         scope.XYMode() ? WithOffset(*horizontal, axis) : PerDivision(*horizontal, axis);
-    entries.push_back({"[Horiz]: " + text, -1});
+    entries.push_back({"[Horiz]: " + text, -1, {}});
   }
-  if (scope.Kept()) entries.push_back({"Thin: kept", -1});
+  if (scope.Kept()) entries.push_back({"Thin: kept", -1, "Thin: kept"});
   return entries;
 }
 

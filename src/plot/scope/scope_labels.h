@@ -11,7 +11,8 @@ namespace torvane {
 /// What one trace is: "Command  20 RPM/div (Off: 0)" and the colour it is drawn in.
 struct LegendEntry {
   std::string Text;
-  int Colour = -1;  ///< of the trace; -1 for what has none
+  int Colour = -1;   ///< of the trace; -1 for what has none
+  std::string Name;  ///< alone, where there is little room; empty for what is left out then
 
   bool operator==(const LegendEntry&) const = default;
 };

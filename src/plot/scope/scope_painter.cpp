@@ -21,7 +21,6 @@ constexpr int WidestLeftLabel = 7;         // characters of the left labels that
 constexpr double LegendTakesAtMost = 0.3;  // of the picture's height
 constexpr double NamesTakeAtMost = 0.15;   // of the screen's width
 constexpr double WidePlate = 400.0;        // that names leave
-constexpr double HighPlate = 250.0;        // that a legend below leaves
 
 // From a point to the line between two points of a trace.
 double Distance(const QPointF& from, const TracePoint& a, const TracePoint& b) {
@@ -32,6 +31,12 @@ double Distance(const QPointF& from, const TracePoint& a, const TracePoint& b) {
       length > 0.0 ? std::clamp(QPointF::dotProduct(from - start, along) / length, 0.0, 1.0) : 0.0;
   const QPointF nearest = start + part * along - from;
   return std::hypot(nearest.x(), nearest.y());
+}
+
+// Of the traces; which scale the X axis has, its labels tell.
+void UseNamesAlone(std::vector<LegendEntry>& legend) {
+  std::erase_if(legend, [](const LegendEntry& entry) { return entry.Name.empty(); });
+  for (LegendEntry& entry : legend) entry.Text = entry.Name;
 }
 
 }  // namespace
@@ -47,19 +52,24 @@ void ScopePainter::Layout(const QSize& size, double pixelRatio, const ScopeLabel
   markFont_ = ScaledFont(QGuiApplication::font(), ratio_, 0.85);
   markFont_.setBold(true);
   const int margin = Scaled(PlotMargin);
-  PlaceLegend(size.width() - 2 * margin);
-  PlacePlate(0);
-  if (LegendFitsBelow()) {
+  for (const bool scales : {true, false}) {
+    if (!scales) UseNamesAlone(labels_.Legend);
+    PlaceLegend(size.width() - 2 * margin);
     PlacePlate(LegendHeight());
-    const int numbers = QFontMetrics(numberFont_).height();
-    const QPoint below(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
-    for (QRect& place : legendPlaces_) place.translate(below);
-  } else {
-    PlaceLegendWithin();
+    if (LegendFitsBelow()) break;
+    if (!scales) legendPlaces_.clear();
   }
+  if (legendPlaces_.empty()) PlacePlate(0);
+  const int numbers = QFontMetrics(numberFont_).height();
+  const QPoint below(margin, plate_.bottom() + numbers + Scaled(LabelGap) + margin);
+  for (QRect& place : legendPlaces_) place.translate(below);
   drawn_ = 0;
   traces_.clear();
   touched_.Clear(plate_.size());
+}
+
+int ScopePainter::LegendRow() const {
+  return QFontMetrics(textFont_).height() + Scaled(2.0);
 }
 
 int ScopePainter::LegendHeight() const {
@@ -68,22 +78,8 @@ int ScopePainter::LegendHeight() const {
 
 // The legend's rows leave the screen most of the picture, and enough height.
 bool ScopePainter::LegendFitsBelow() const {
-  const int height = LegendHeight();
-  return height <= LegendTakesAtMost * size_.height() &&
-         plate_.height() - height >= Scaled(HighPlate);
-}
-
-// From the lower left corner of the screen upwards, as many entries as its lower half takes.
-void ScopePainter::PlaceLegendWithin() {
-  if (legendPlaces_.empty()) return;
-  const int height = legendPlaces_.front().height();
-  const int rows = (plate_.bottom() - Scaled(LabelGap) - plate_.center().y()) / height;
-  legendPlaces_.resize(std::min(legendPlaces_.size(), static_cast<std::size_t>(std::max(rows, 0))));
-  int bottom = plate_.bottom() - Scaled(LabelGap);
-  for (auto place = legendPlaces_.rbegin(); place != legendPlaces_.rend(); ++place) {
-    place->moveBottomLeft({plate_.left() + Scaled(LabelGap), bottom});
-    bottom -= height;
-  }
+  return LegendHeight() <= LegendTakesAtMost * size_.height() &&
+         plate_.height() >= Scaled(leastHeight_);
 }
 
 // Tags have names where these leave the screen nearly all of its width.
@@ -103,7 +99,8 @@ void ScopePainter::PlacePlate(int legendHeight) {
   const int room = size_.width() - left;
   const bool names = right(true) - right(false) < NamesTakeAtMost * room &&
                      room - right(true) >= Scaled(WidePlate);
-  around_ = QSize(left + right(false), top + bottom - legendHeight);
+  const int row = labels_.Legend.empty() ? 0 : LegendRow();
+  around_ = QSize(left + right(false), top + bottom - legendHeight + row);
   plate_ = QRect(left, top, std::max(SmallestPlate, size_.width() - left - right(names)),
                  std::max(SmallestPlate, size_.height() - top - bottom));
   marks_.Layout(plate_, labels_, names, markFont_, ratio_);
@@ -112,7 +109,7 @@ void ScopePainter::PlacePlate(int legendHeight) {
 // Entries stand in rows from the left; one that does not fit begins the next row.
 void ScopePainter::PlaceLegend(int width) {
   const QFontMetrics metrics(textFont_);
-  const int height = metrics.height() + Scaled(2.0);
+  const int height = LegendRow();
   legendPlaces_.clear();
   int x = 0;
   int y = 0;

@@ -23,11 +23,15 @@ class ScopePainter {
   explicit ScopePainter(const ZelScope& scope, PaintTime time = PaintTime::Frame)
       : scope_(scope), time_(time) {}
 
-  /// Room that labels take around the screen, without a legend below it, in the pixels of widgets.
+  /// Room that labels take around the screen, with one row of the legend, in the pixels of widgets.
   QSize Around() const { return around_ / ratio_; }
 
+  /// The screen keeps so much height, in the pixels of widgets, beside the legend.
+  void SetLeastHeight(int height) { leastHeight_ = height; }
+
   /// Area of the whole picture. Finds room for labels and marks; what is left is the screen's. The
-  /// legend stands below it or, where that would make it low, in its lower left corner.
+  /// legend stands below it, with names alone where it would make it too low with the scales; there
+  /// is none where these have no room either.
   void Layout(const QSize& size, double pixelRatio, const ScopeLabels& labels,
               const TraceLook& look = {});
   /// The part of the picture in which traces are drawn.
@@ -75,9 +79,9 @@ class ScopePainter {
   };
 
   void PlacePlate(int legendHeight);
+  int LegendRow() const;
   int LegendHeight() const;
   bool LegendFitsBelow() const;
-  void PlaceLegendWithin();
   void PlaceLegend(int width);
   void PaintGrid(QPainter& painter, const ScopeColours& colours) const;
   void PaintTicks(QPainter& painter, const ScopeColours& colours) const;
@@ -104,6 +108,7 @@ class ScopePainter {
   QSize size_;
   QRect plate_;
   QSize around_;
+  int leastHeight_ = 180;
   QFont textFont_;
   QFont numberFont_;
   QFont markFont_;

@@ -102,6 +102,7 @@ class ControlPanel : public QMainWindow, private UndoItems {
   void CopyCapture(const QSize& proportions);
   void ResetVariables();
   void RestoreDefaults();
+  void OpenDiagramPane();
   void ShowGuide();
   void ShowTune();
   void ShowAbout();

@@ -30,6 +30,10 @@ InstrumentPane& InstrumentFrame::Pane() const {
   return *static_cast<InstrumentPane*>(widget());
 }
 
+bool InstrumentFrame::IsMeter() const {
+  return Pane().Engine().Kind() == InstrumentKind::Meter;
+}
+
 TileRole InstrumentFrame::Role() const {
   switch (Pane().Engine().Kind()) {
     case InstrumentKind::Scope:

@@ -18,6 +18,7 @@ class InstrumentFrame : public QMdiSubWindow {
   explicit InstrumentFrame(std::unique_ptr<InstrumentPane> pane);
 
   InstrumentPane& Pane() const;
+  bool IsMeter() const;
   TileRole Role() const;
   /// The sizes that the workspace gives it.
   Tile Sizes() const;

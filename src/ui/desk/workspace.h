@@ -71,6 +71,9 @@ class Workspace : public QMdiArea {
   /// Whether the sub-windows fill the area, as long as the user moves none.
   bool IsFilled() const { return filling_; }
 
+  /// What the scopes that are shown need.
+  int LeastHeight() const;
+
   /// Tiles the area with the instruments that are shown (TileArea).
   void FillScreen();
 

@@ -18,6 +18,7 @@ namespace torvane {
 namespace {
 
 constexpr QSize LeastText(180, 80);
+constexpr double Indent = 20.0;    // of the steps, so that what is read keeps to its line
 constexpr int ColumnsFrom = 640;   // from which its text has columns, pixels of the usual font
 constexpr int ButtonsBelow = 240;  // below which its buttons stand beside it
 const QString SetMark = QStringLiteral("\u2713\u00a0");
@@ -77,6 +78,7 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
   text_->setOpenLinks(false);
   text_->setUndoRedoEnabled(false);
   text_->setMinimumSize(LeastText);
+  text_->document()->setIndentWidth(Indent);
   connect(text_, &QTextBrowser::anchorClicked, this,
           [this](const QUrl& link) { SetValue(link.toString()); });
   auto* body = new QWidget;

@@ -11,6 +11,7 @@
 #include <QStackedWidget>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "core/model.h"
@@ -23,8 +24,9 @@ namespace torvane {
 
 namespace {
 
-constexpr int FrameWidth = 4;    // around a diagram in a window of its own, pixels
-constexpr int TitleHeight = 24;  // above it
+constexpr int FrameWidth = 4;        // around a diagram in a window of its own, pixels
+constexpr int TitleHeight = 24;      // above it
+constexpr double MostHeight = 0.36;  // of the display, for a diagram in a window of its own
 constexpr QSize TextWindow(680, 560);
 constexpr QSize SmallestPicture(240, 160);
 
@@ -107,19 +109,21 @@ void ModelPictureWindow::OpenWindow() {
   activateWindow();
 }
 
+// At the lower edge, where it leaves sight of the scope's graph.
 void ModelPictureWindow::FitWindow() {
   const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
-  const QSize room = screen()->availableSize() - frame;
+  const QSize whole = screen()->availableSize();
+  const QSize room = QSize(whole.width(), qRound(whole.height() * MostHeight)) - frame;
   const QSize wanted = diagram_->sizeHint();
   const bool fits = wanted.boundedTo(room) == wanted;
   resize((fits ? wanted : wanted.scaled(room, Qt::KeepAspectRatio)) + frame);
   move(OnDisplay(window_.geometry().bottomLeft(), *this));
 }
 
-void ModelPictureWindow::OpenPane() {
+void ModelPictureWindow::OpenPane(int most) {
   setFloating(false);
   show();
-  window_.resizeDocks({this}, {window_.height() * 2 / 5}, Qt::Vertical);
+  window_.resizeDocks({this}, {std::min(window_.height() * 2 / 5, most)}, Qt::Vertical);
 }
 
 void ModelPictureWindow::ShowPicture(const QString& file, const DataFolder& folder) {

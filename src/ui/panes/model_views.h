@@ -30,7 +30,8 @@ class ModelPictureWindow : public QDockWidget {
   DiagramView& Diagram() { return *diagram_; }
 
   void OpenWindow();
-  void OpenPane();
+  /// At most so many pixels high.
+  void OpenPane(int most);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

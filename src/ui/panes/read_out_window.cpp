@@ -69,14 +69,29 @@ void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>
 
 void ReadOutWindow::OpenIn(QMainWindow& dock, int leave) {
   if (isVisible()) return;
-  if (dock.dockWidgetArea(this) == Qt::NoDockWidgetArea) {
-    const bool beside = dock.width() - wanted_.width() >= leave;
-    dock.addDockWidget(beside ? Qt::RightDockWidgetArea : Qt::BottomDockWidgetArea, this);
-  }
+  FollowRoom(dock, leave);
   show();
-  if (isFloating()) return;
+  TakeRoom(dock);
+}
+
+void ReadOutWindow::FollowRoom(QMainWindow& dock, int leave) {
+  const Qt::DockWidgetArea now = dock.dockWidgetArea(this);
+  if (isFloating() || now != placed_) return;
+  const bool beside = dock.width() - wanted_.width() >= leave;
+  placed_ = beside ? Qt::RightDockWidgetArea : Qt::BottomDockWidgetArea;
+  if (now == placed_) return;
+  dock.addDockWidget(placed_, this);
+  TakeRoom(dock);
+}
+
+void ReadOutWindow::TakeRoom(QMainWindow& dock) {
+  if (isFloating() || isHidden()) return;
   dock.resizeDocks({this}, {wanted_.width()}, Qt::Horizontal);
   dock.resizeDocks({this}, {wanted_.height()}, Qt::Vertical);
+}
+
+void ReadOutWindow::GiveRoom(QMainWindow& dock) {
+  if (!isFloating() && !isHidden()) dock.resizeDocks({this}, {1}, Qt::Vertical);
 }
 
 void ReadOutWindow::Want(int width) {

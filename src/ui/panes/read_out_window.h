@@ -23,9 +23,16 @@ class ReadOutWindow : public QDockWidget {
   /// The room that it would like to have, where it is docked.
   QSize Wanted() const { return wanted_; }
 
-  /// Shows it in the dock, at first beside the middle where that leaves it so many pixels of width,
-  /// else below; then where the user has put it.
+  /// Shows it in the dock: beside the middle where that leaves it so many pixels of width, else
+  /// below, or where the user has put it.
   void OpenIn(QMainWindow& dock, int leave);
+  /// The dock has more room, or less: moves to where it now belongs, unless the user has put it
+  /// elsewhere.
+  void FollowRoom(QMainWindow& dock, int leave);
+  /// Has the size that it wants, as far as the middle leaves it.
+  void TakeRoom(QMainWindow& dock);
+  /// Is as low as can be, where it is docked.
+  void GiveRoom(QMainWindow& dock);
 
  protected:
   /// Texts of all rows; figures stand at the right of their columns, the first column is of names.
@@ -42,6 +49,7 @@ class ReadOutWindow : public QDockWidget {
   QTableWidget* table_;
   QVBoxLayout* body_;
   QSize wanted_;
+  Qt::DockWidgetArea placed_ = Qt::NoDockWidgetArea;  ///< not by the user
 };
 
 /// Puts a widget, in its place, into the middle of a window of its own around which panels can be

@@ -22,8 +22,9 @@ namespace torvane {
 
 namespace {
 
+constexpr int ShortUnit = 3;         // characters that values are in line before
 constexpr int ValueEdges = 8;        // beside a value in its cell
-constexpr int LargestMinimum = 165;  // pixels of width that a narrow window must spare
+constexpr int LargestMinimum = 150;  // pixels of width that a narrow window must spare
 
 bool IsEnter(const QEvent& event) {
   if (event.type() != QEvent::KeyPress) return false;
@@ -39,8 +40,8 @@ bool IsOpen(const QWidget& editor) {
 // Edits a value as text, or by a list of choices when the constant has one.
 class ValueDelegate : public QStyledItemDelegate {
  public:
-  ValueDelegate(QObject* parent, const ZelBenchTop& bench)
-      : QStyledItemDelegate(parent), bench_(bench) {}
+  ValueDelegate(QTableWidget& table, const ZelBenchTop& bench)
+      : QStyledItemDelegate(&table), table_(table), bench_(bench) {}
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const override {
@@ -84,6 +85,19 @@ class ValueDelegate : public QStyledItemDelegate {
   }
 
  protected:
+  // Where units have no column, each stands behind its value.
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (!table_.isColumnHidden(ConstantsGrid::UnitColumn)) return;
+    const QString unit = QString::fromStdString(bench_.ConstAt(index.row())->Unit());
+    for (const QString& behind : {unit.leftJustified(ShortUnit), unit}) {
+      const QString text = option->text + u' ' + behind;
+      if (option->fontMetrics.horizontalAdvance(text) + ValueEdges > option->rect.width()) continue;
+      option->text = text;
+      return;
+    }
+  }
+
   // Enter counts at once: what waited for the message loop would find the editor closed when
   // another key or a click comes first.
   bool eventFilter(QObject* watched, QEvent* event) override {
@@ -104,6 +118,7 @@ class ValueDelegate : public QStyledItemDelegate {
     emit closeEditor(&editor);
   }
 
+  const QTableWidget& table_;
   const ZelBenchTop& bench_;
 };
 
@@ -131,7 +146,7 @@ QString Hint(const Constant& constant) {
 
 ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
     : QObject(&table), table_(table), viewport_(*table.viewport()), bench_(bench) {
-  table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(&table, bench));
+  table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(table, bench));
   Fill();
   connect(&table, &QTableWidget::cellChanged, this, &ConstantsGrid::CommitCell);
   // The whole row stands for its value.
@@ -227,7 +242,7 @@ void ConstantsGrid::Fill() {
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }
 
-// In a narrow window the hints tell the units, and the values' column has their room.
+// In a narrow window the values' column has the room of the units', which stand in it then.
 void ConstantsGrid::ShowUnitsIfRoom() {
   const int others = table_.columnWidth(NameColumn) + values_;
   const bool hide = table_.viewport()->width() < others + units_;

@@ -11,6 +11,7 @@ namespace torvane {
 ConstantsSplitter::ConstantsSplitter(QSplitter& splitter, QTableWidget& constants, ZelScope& scope,
                                      int width, QObject* parent)
     : QObject(parent), splitter_(splitter), constants_(constants), scope_(scope), width_(width) {
+  splitter.setCollapsible(0, false);
   splitter.setStretchFactor(0, 1);
   splitter.setStretchFactor(1, 0);
   splitter.setSizes({3 * width, width});
@@ -49,16 +50,9 @@ void ConstantsSplitter::Show() {
   }
 }
 
-void ConstantsSplitter::SetLeast(int width) {
-  if (least_ == width) return;
-  least_ = width;
-  Divide();
-}
-
 void ConstantsSplitter::Divide() {
   const ConstantsPanel& panel = scope_.ConstForm();
-  const int own = !panel.Shown ? 0 : panel.Width > 0 ? panel.Width : width_;
-  const int width = std::max(own, least_);
+  const int width = !panel.Shown ? 0 : panel.Width > 0 ? panel.Width : width_;
   const int room = splitter_.isVisible() ? splitter_.width() - splitter_.handleWidth() : 4 * width_;
   constants_.setVisible(panel.Shown);
   splitter_.setSizes({std::max(room - width, 0), width});

@@ -19,19 +19,16 @@ class ConstantsSplitter : public QObject {
 
   /// Brings splitter and column to what is on record.
   void Show();
-
-  /// The constants' side has at least so much width, for what else stands there; 0 for nothing.
-  void SetLeast(int width);
+  /// The constants have the width that is on record, as far as there is room.
+  void Divide();
 
  private:
   void Record();
-  void Divide();
 
   QSplitter& splitter_;
   QTableWidget& constants_;
   ZelScope& scope_;
   int width_;
-  int least_ = 0;
   ConstantsPanel shown_;
   bool showing_ = false;  // sizes are being set from the record
 };

@@ -27,6 +27,7 @@ void ScopePaintBox::SetScope(ZelScope& scope) {
 }
 
 void ScopePaintBox::SetLeastGraph(const QSize& least) {
+  painter_->SetLeastHeight(least.height());
   setMinimumSize(least + painter_->Around());
 }
 

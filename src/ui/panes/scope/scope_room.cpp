@@ -1,9 +1,10 @@
 // How a scope's window shares its room between the graph, the pages of controls and what is docked.
 
 #include <QBoxLayout>
+#include <QLayout>
+#include <QMainWindow>
 #include <QRegularExpression>
 #include <algorithm>
-#include <initializer_list>
 
 #include "ui/panes/constants/constants_splitter.h"
 #include "ui/panes/scope/cursors_window.h"
@@ -15,11 +16,12 @@ namespace torvane {
 
 namespace {
 
-// The least graph, where the workspace has that room and where it has not.
+// The least graph, where the main window has that room and where it has not.
 constexpr QSize LeastGraph(400, 250);
 constexpr QSize SmallGraph(300, 180);
-constexpr QSize RoomForLeastGraph(960, 540);
-constexpr int LowScreen = 160;  // pixels that the screen keeps beside an opened page
+constexpr QSize RoomForLeastGraph(1180, 680);
+constexpr int LowScreen = 160;    // pixels that the screen keeps beside an opened page
+constexpr int NarrowPanel = 190;  // width of a panel beside the constants
 
 QRegularExpression PanelNames() {
   return QRegularExpression(QStringLiteral("Panel$"));
@@ -51,7 +53,7 @@ void ScopeWindow::ConnectPages() {
                                                          {ui_->PageMeasure, ui_->MeasurePage}};
   for (const auto& [button, page] : pages) {
     connect(button, &QAbstractButton::clicked, this, [this, page = page] {
-      ui_->Pages->setCurrentWidget(page);
+      ShowPage(*page);
       folding_ = Folding::Opened;
       FoldPages();
     });
@@ -63,21 +65,63 @@ void ScopeWindow::ConnectPages() {
   connect(ui_->SBScaleDisplay, &QAbstractButton::toggled, ui_->PBScreen,
           &ScopePaintBox::SetScalesShown);
   ui_->Pages->setMinimumWidth(PanelWidth(*ui_->Pages));
+  ShowPage(*ui_->Pages->currentWidget());
 }
 
-// What is docked below the constants makes their side wider.
-void ScopeWindow::FitSide() {
-  int least = 0;
-  for (const ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
-    if (!panel->isHidden() && !panel->isFloating())
-      least = std::max(least, panel->Wanted().width());
+// The pages need no more height than the one that is shown.
+void ScopeWindow::ShowPage(QWidget& page) {
+  for (int i = 0; i < ui_->Pages->count(); ++i) {
+    const bool shown = ui_->Pages->widget(i) == &page;
+    ui_->Pages->widget(i)->setSizePolicy(QSizePolicy::Preferred,
+                                         shown ? QSizePolicy::Preferred : QSizePolicy::Ignored);
   }
-  splitter_->SetLeast(least);
+  ui_->Pages->setCurrentWidget(&page);
 }
 
-void ScopeWindow::SetRoom(const QSize& workspace) {
-  const bool ample = workspace.width() >= RoomForLeastGraph.width() &&
-                     workspace.height() >= RoomForLeastGraph.height();
+std::array<ReadOutWindow*, 2> ScopeWindow::Panels() const {
+  return {math_, cursors_};
+}
+
+// The least width of all but what is docked.
+int ScopeWindow::WidthWithout() const {
+  const QMargins margins = ui_->Column->contentsMargins();
+  const int widest = std::max({ui_->Splitter1->minimumSizeHint().width(),
+                               ui_->Bar->minimumSize().width(), ui_->Pages->minimumWidth()});
+  return margins.left() + widest + margins.right();
+}
+
+// A narrow panel can be scrolled.
+int ScopeWindow::LeaveFor(const ReadOutWindow& panel) const {
+  const int scrolled = std::max(panel.Wanted().width() - NarrowPanel, 0);
+  return ui_->Splitter1->minimumSizeHint().width() - scrolled;
+}
+
+// A page that the user has opened before gives way to it.
+void ScopeWindow::OpenPanel(ReadOutWindow& panel) {
+  if (panel.isHidden() && folding_ == Folding::Opened) folding_ = Folding::AsRoomAllows;
+  panel.OpenIn(*dock_, LeaveFor(panel));
+}
+
+// The constants, which may have given way to it, have their width again.
+void ScopeWindow::HidePanel(ReadOutWindow& panel) {
+  if (panel.isHidden()) return;
+  panel.hide();
+  dock_->layout()->activate();
+  splitter_->Divide();
+}
+
+void ScopeWindow::PlacePanels() {
+  for (ReadOutWindow* panel : Panels()) {
+    if (!panel->isHidden()) panel->FollowRoom(*dock_, LeaveFor(*panel));
+  }
+  FoldPages();
+}
+
+// Whatever stands beside the workspace.
+void ScopeWindow::SetRoom(const QSize& /*workspace*/) {
+  const QSize whole = window()->size();
+  const bool ample =
+      whole.width() >= RoomForLeastGraph.width() && whole.height() >= RoomForLeastGraph.height();
   ui_->PBScreen->SetLeastGraph(ample ? LeastGraph : SmallGraph);
   leastScreen_ = ui_->PBScreen->minimumHeight();
 }
@@ -85,7 +129,7 @@ void ScopeWindow::SetRoom(const QSize& workspace) {
 void ScopeWindow::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
   ArrangePages();
-  FoldPages();
+  PlacePanels();
 }
 
 void ScopeWindow::ArrangePages() {
@@ -112,19 +156,35 @@ int ScopeWindow::HeightWithout() const {
          margins.bottom();
 }
 
+int ScopeWindow::HeightBelow(bool least) const {
+  int height = 0;
+  for (ReadOutWindow* panel : Panels()) {
+    const bool below = dock_->dockWidgetArea(panel) == Qt::BottomDockWidgetArea;
+    if (panel->isHidden() || panel->isFloating() || !below) continue;
+    const int own = least ? panel->minimumSizeHint().height() : panel->Wanted().height();
+    height = std::max(height, own + ui_->Column->spacing());
+  }
+  return height;
+}
+
 void ScopeWindow::FoldPages() {
   const int page = ui_->Pages->minimumSizeHint().height() + ui_->Column->spacing();
-  const bool room = height() >= HeightWithout() + page;
+  const bool room = height() >= HeightWithout() + page + HeightBelow(false);
   if (folding_ == Folding::Opened && room) folding_ = Folding::AsRoomAllows;
   const bool fold = folding_ == Folding::Folded || (folding_ == Folding::AsRoomAllows && !room);
   // Where there is no room, a page that the user has opened takes some of the graph's.
-  ui_->PBScreen->setMinimumHeight(fold || room ? leastScreen_ : LowScreen);
+  const bool takes = !fold && height() < HeightWithout() + page + HeightBelow(true);
+  ui_->PBScreen->setMinimumHeight(takes ? LowScreen : leastScreen_);
+  const bool turned = fold != ui_->Pages->isHidden();
   ui_->SBHide->setChecked(fold);
   ui_->Pages->setVisible(!fold);
+  if (!turned || HeightBelow(true) == 0) return;
+  ui_->Column->activate();
+  for (ReadOutWindow* panel : Panels()) fold ? panel->TakeRoom(*dock_) : panel->GiveRoom(*dock_);
 }
 
 QSize ScopeWindow::minimumSizeHint() const {
-  return {InstrumentPane::minimumSizeHint().width(), HeightWithout()};
+  return {WidthWithout(), HeightWithout() + HeightBelow(true)};
 }
 
 }  // namespace torvane

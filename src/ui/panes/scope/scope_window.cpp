@@ -73,15 +73,16 @@ ScopeWindow::ScopeWindow(ZelScope& scope, ZelBenchTop& bench)
   if (scope.Name() != "MainScope") setWindowTitle(QString::fromStdString(scope.Name()));
   ui_->PBScreen->SetScope(scope);
   constants_ = new ConstantsGrid(*ui_->SGConsts, bench);
-  side_ = &MakeDockAround(*ui_->SGConsts);
+  dock_ = &MakeDockAround(*ui_->Splitter1);
+  dock_->lower();  // the constants come first for who goes through the panes by keys
   splitter_ = new ConstantsSplitter(*ui_->Splitter1, *ui_->SGConsts, scope,
                                     constants_->FittingWidth(), this);
   cursors_ = new CursorsWindow(scope, this);
   math_ = new MathWindow(scope, this);
-  for (ReadOutWindow* panel : std::initializer_list<ReadOutWindow*>{math_, cursors_}) {
-    side_->addDockWidget(Qt::BottomDockWidgetArea, panel);
+  for (ReadOutWindow* panel : Panels()) {
     panel->hide();
-    connect(panel, &QDockWidget::topLevelChanged, this, &ScopeWindow::FitSide);
+    connect(panel, &QDockWidget::topLevelChanged, this, &ScopeWindow::FoldPages);
+    connect(panel, &QDockWidget::dockLocationChanged, this, &ScopeWindow::FoldPages);
   }
   FillChannelLists();
   ConnectVertical();
@@ -313,8 +314,8 @@ void ScopeWindow::ShowCursors() {
   ui_->PBScreen->update();
   const bool shown = scope_.Cursors().Mode > 0 && !scope_.XYMode() && isVisible();
   ShowReading();
-  shown ? cursors_->OpenIn(*side_, 0) : cursors_->hide();
-  FitSide();
+  shown ? OpenPanel(*cursors_) : HidePanel(*cursors_);
+  PlacePanels();
 }
 
 void ScopeWindow::ShowMath() {
@@ -327,11 +328,11 @@ void ScopeWindow::ShowMath() {
       kept = MeasureScreen(scope_, OnTimeAxisOf(scope_, *scope_.Kept(), live), pixels);
     }
     math_->ShowMeasures(MeasureScreen(scope_, live, pixels), kept);
-    math_->OpenIn(*side_, 0);
+    OpenPanel(*math_);
   } else {
-    math_->hide();
+    HidePanel(*math_);
   }
-  FitSide();
+  PlacePanels();
 }
 
 void ScopeWindow::ShowReading() {

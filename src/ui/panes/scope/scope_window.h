@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -19,6 +20,7 @@ class TriggerWord;
 class ConstantsSplitter;
 class CursorsWindow;
 class MathWindow;
+class ReadOutWindow;
 
 namespace Ui {
 class ScopeWindow;
@@ -64,10 +66,18 @@ class ScopeWindow : public InstrumentPane {
   void ConnectMath();
   void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
-  void FitSide();
+  std::array<ReadOutWindow*, 2> Panels() const;
+  int WidthWithout() const;
+  int LeaveFor(const ReadOutWindow& panel) const;
+  void OpenPanel(ReadOutWindow& panel);
+  void HidePanel(ReadOutWindow& panel);
+  void PlacePanels();
+  void ShowPage(QWidget& page);
   void ArrangePages();
   void FoldPages();
   int HeightWithout() const;
+  /// Of the panels that are docked below the graph and the constants.
+  int HeightBelow(bool least) const;
   void ConnectTriggerSource();
   void FillChannelLists();
   void FillList(QComboBox& list, int selected);
@@ -98,7 +108,7 @@ class ScopeWindow : public InstrumentPane {
   Folding folding_ = Folding::AsRoomAllows;
   bool opened_ = false;
   int leastScreen_ = 0;          // height of the screen with its least graph
-  QMainWindow* side_ = nullptr;  // of the constants, and of what is docked there
+  QMainWindow* dock_ = nullptr;  // around the graph and the constants
   CursorsWindow* cursors_ = nullptr;
   MathWindow* math_ = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "ui/panes/tune/tune_tables.h"
 
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -140,19 +141,18 @@ void VaryTable::ShowConstants(const ZelBenchTop& bench) {
   for (const Constant* constant : bench.Constants()) {
     if (constant->IsList() || constant->Lower() >= constant->Upper()) continue;
     const int row = rowCount();
-    const StudyRange range = Proposed(*constant);
     setRowCount(row + 1);
     QTableWidgetItem& name = AddCell(row, Name, constant->Name(), false);
     name.setFlags(name.flags() | Qt::ItemIsUserCheckable);
     name.setCheckState(Qt::Unchecked);
     name.setToolTip(QString::fromStdString(constant->Description()));
     AddCell(row, Present, constant->DisplayText(), false);
-    AddCell(row, From, FormatEdit(range.From), true);
-    AddCell(row, To, FormatEdit(range.To), true);
+    AddCell(row, From, {}, true);
+    AddCell(row, To, {}, true);
     QTableWidgetItem& log = AddCell(row, Log, {}, false);
     log.setFlags(log.flags() | Qt::ItemIsUserCheckable);
-    log.setCheckState(range.Log ? Qt::Checked : Qt::Unchecked);
     AddCell(row, Found, {}, false);
+    Propose(row, Proposed(*constant));
   }
   if (rowCount() > 0) setCurrentCell(0, 0);
   filling_ = false;
@@ -180,10 +180,29 @@ void VaryTable::FollowText(const ZelBenchTop& bench) {
   filling_ = false;
 }
 
+// A limit remembers what was proposed for it.
+void VaryTable::Propose(int row, const StudyRange& range) {
+  const QScopedValueRollback filling(filling_, true);
+  for (const auto& [column, limit] : {std::pair{From, range.From}, std::pair{To, range.To}}) {
+    SetText(row, column, FormatEdit(limit));
+    item(row, column)->setData(Qt::UserRole, item(row, column)->text());
+  }
+  item(row, Log)->setCheckState(range.Log ? Qt::Checked : Qt::Unchecked);
+}
+
+bool VaryTable::IsProposed(int row) const {
+  const auto isProposed = [&](int column) {
+    return item(row, column)->text() == item(row, column)->data(Qt::UserRole).toString();
+  };
+  return item(row, Name)->checkState() != Qt::Checked && isProposed(From) && isProposed(To);
+}
+
 void VaryTable::ShowPresent(const ZelBenchTop& bench) {
   for (int row = 0; row < rowCount(); ++row) {
     const Constant* const constant = bench.FindConst(Text(row, Name));
-    if (constant) SetText(row, Present, constant->DisplayText());
+    if (!constant || Text(row, Present) == constant->DisplayText()) continue;
+    SetText(row, Present, constant->DisplayText());
+    if (IsProposed(row)) Propose(row, Proposed(*constant));
   }
 }
 

@@ -55,7 +55,7 @@ class VaryTable : public TuneTable {
   /// Those of another text of the loop: what is switched on stays so, with its limits, and what has
   /// been found stays.
   void FollowText(const ZelBenchTop& bench);
-  /// The present values once more.
+  /// The present values once more, and limits about them where nobody has typed any.
   void ShowPresent(const ZelBenchTop& bench);
   void ShowBest(const std::map<std::string, std::string>& values);
 
@@ -64,6 +64,8 @@ class VaryTable : public TuneTable {
 
  private:
   StudyRange RangeOf(int row) const;
+  void Propose(int row, const StudyRange& range);
+  bool IsProposed(int row) const;
 
   bool filling_ = false;
 };

@@ -116,12 +116,11 @@ TuneWindow::TuneWindow(Session& session, AskFile askFile, QWidget* parent)
   connect(&run_, &TuningRun::ResponseFound, this, &TuneWindow::ShowResponse);
   connect(&run_, &TuningRun::Ended, this, &TuneWindow::ShowEnd);
   connect(&session, &Session::ModelAboutToChange, this, [this] {
-    if (!session_.IsApplying()) close();
+    if (session_.IsApplying()) return;
+    close();
+    prepared_ = false;
   });
-  connect(&session, &Session::AboutToApply, this, [this] {
-    const ZelScope* const scope = Scope();
-    isKept_ = scope && kept_ > 0 && scope->KeptNumber() == kept_;
-  });
+  connect(&session, &Session::AboutToApply, this, [this] { isKept_ = prepared_ && IsOnScope(); });
   connect(&session, &Session::Applied, this, &TuneWindow::FollowText);
 }
 
@@ -211,24 +210,34 @@ void TuneWindow::Open() {
     const QSize room = screen()->availableSize();
     resize(WindowSize.boundedTo({room.width(), static_cast<int>(room.height() * MostHeight)}));
     move(OnDisplay(parentWidget()->geometry().bottomRight(), *this));
-    progress_.reset();
-    kept_ = 0;
-    vary_->ShowConstants(session_.Model()->Bench());
-    ProposeSignals();
-    until_->setText(QStringLiteral("10"));
-    runs_->setText(QString::number(TuningTask().MostRuns));
-    best_->setCurrentIndex(0);
-    require_->Clear();
-    bar_->setRange(0, TuningTask().MostRuns);
-    bar_->setValue(0);
-    told_.clear();
-    state_->setText(QStringLiteral(
-        "Switch on constants to vary, type bounds, choose what is to be best, and press Start."));
-    ShowButtons();
+    if (!prepared_) Prepare();
   }
   show();
+  Refresh();
   raise();
   activateWindow();
+}
+
+void TuneWindow::Prepare() {
+  prepared_ = true;
+  progress_.reset();
+  kept_ = 0;
+  vary_->ShowConstants(session_.Model()->Bench());
+  ProposeSignals();
+  until_->setText(QStringLiteral("10"));
+  runs_->setText(QString::number(TuningTask().MostRuns));
+  best_->setCurrentIndex(0);
+  require_->Clear();
+  bar_->setRange(0, TuningTask().MostRuns);
+  bar_->setValue(0);
+  told_.clear();
+  state_->setText(QStringLiteral(
+      "Switch on constants to vary, type bounds, choose what is to be best, and press Start."));
+  ShowButtons();
+}
+
+void TuneWindow::Refresh() {
+  if (isVisible() && session_.Model()) vary_->ShowPresent(session_.Model()->Bench());
 }
 
 // Those of the first analyser's closed loop.
@@ -255,7 +264,8 @@ void TuneWindow::ProposeSignals() {
 // begun with.
 void TuneWindow::FollowText() {
   kept_ = isKept_ && Scope() ? Scope()->KeptNumber() : 0;
-  if (!isVisible()) return;
+  before_ = 0;
+  if (!prepared_) return;
   vary_->FollowText(session_.Model()->Bench());
   const QString chosen[] = {command_->currentText(), response_->currentText()};
   ProposeSignals();
@@ -344,12 +354,22 @@ void TuneWindow::ShowResponse(const QString& file) {
   if (!scope) return;
   const TraceText traces = ReadTraceFile(file.toStdString(), *scope);
   if (!traces.Fault.empty()) return;
-  if (kept_ > 0 && scope->KeptNumber() == kept_) {
+  if (IsOnScope()) {
     scope->RenewKeptTraces(traces.Screen);
   } else {
+    before_ = scope->KeptNumber();
     scope->KeepTraces(traces.Screen);
     kept_ = scope->KeptNumber();
   }
+}
+
+bool TuneWindow::IsOnScope() const {
+  const ZelScope* const scope = Scope();
+  return scope && kept_ > 0 && scope->KeptNumber() == kept_;
+}
+
+void TuneWindow::TakeOffScope() {
+  if (IsOnScope()) Scope()->ShowKeptTraces(before_);
 }
 
 void TuneWindow::ShowEnd(const QString& fault) {
@@ -363,8 +383,10 @@ void TuneWindow::ShowEnd(const QString& fault) {
                    : QStringLiteral("Done after %1: the best meets all."))
              .arg(runs));
   } else {
-    Tell(fault.isEmpty() || cut ? QStringLiteral("Stopped after %1.").arg(runs)
-                                : fault.left(1).toUpper() + fault.mid(1));
+    const QString why = fault.isEmpty() || cut ? QStringLiteral("Stopped after %1.").arg(runs)
+                                               : fault.left(1).toUpper() + fault.mid(1);
+    Tell(IsOnScope() ? why + QStringLiteral(" The scope's thin traces are of what comes nearest.")
+                     : why);
   }
   ShowButtons();
 }
@@ -411,16 +433,15 @@ void TuneWindow::SaveAs() {
   if (!path.isEmpty()) SaveAtomically(path.toStdString(), WithValues(task_.Model, Found()));
 }
 
+// What meets nothing is not left on the scope, where nobody would know what it is.
 void TuneWindow::hideEvent(QHideEvent* event) {
   QDialog::hideEvent(event);
-  if (!event->spontaneous()) run_.Abandon();
-}
-
-// Other windows set constants, too.
-bool TuneWindow::event(QEvent* event) {
-  if (event->type() == QEvent::WindowActivate && session_.Model())
-    vary_->ShowPresent(session_.Model()->Bench());
-  return QDialog::event(event);
+  if (event->spontaneous()) return;
+  const bool running = run_.IsRunning();
+  run_.Abandon();
+  if (!progress_ || !progress_->Met) TakeOffScope();
+  stopped_ = stopped_ || running;
+  if (running) ShowEnd({});
 }
 
 }  // namespace torvane

@@ -23,8 +23,9 @@ class ZelScope;
 
 /// Looks for the constants with which the session's model does best: which to vary, what is
 /// required and what is to be best; then the best so far in figures and as kept traces on the
-/// scope, while the model itself goes on. It begins anew each time that it is opened, and closing
-/// it ends the search; another model closes it, another text of the same loop does not.
+/// scope, while the model itself goes on. Closing it ends the search; what was typed and found is
+/// there when it is opened again. Another model closes it and has it begin anew, another text of
+/// the same loop does not.
 class TuneWindow : public QDialog {
   Q_OBJECT
 
@@ -37,12 +38,14 @@ class TuneWindow : public QDialog {
 
   /// For the session's model as it is.
   void Open();
+  /// Whoever sets constants: their present values.
+  void Refresh();
 
  protected:
   void hideEvent(QHideEvent* event) override;
-  bool event(QEvent* event) override;
 
  private:
+  void Prepare();
   QWidget* MakeSignals();
   QWidget* MakeGoal();
   QWidget* MakeButtons();
@@ -56,6 +59,9 @@ class TuneWindow : public QDialog {
   void ShowProgress(const TuningProgress& progress);
   void ShowResponse(const QString& file);
   void ShowEnd(const QString& fault);
+  /// Whether the scope's kept traces are those of the search.
+  bool IsOnScope() const;
+  void TakeOffScope();
   void ShowButtons();
   std::map<std::string, double> Found() const;
   void Apply();
@@ -82,8 +88,10 @@ class TuneWindow : public QDialog {
   std::optional<TuningProgress> progress_;
   QString told_;  ///< of the search, empty before the first
   bool stopped_ = false;
-  int kept_ = 0;         ///< which of the scope's kept traces are those of the search
-  bool isKept_ = false;  ///< these are the present ones, while a loop is given another text
+  bool prepared_ = false;  ///< for the present model
+  int before_ = 0;         ///< which traces the scope had kept before the search
+  int kept_ = 0;           ///< which of the scope's kept traces are those of the search
+  bool isKept_ = false;    ///< these are the present ones, while a loop is given another text
 };
 
 }  // namespace torvane
