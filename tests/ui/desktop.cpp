@@ -369,6 +369,16 @@ std::string Desktop::Shown(const std::string& name) {
   return found->property(property.empty() ? usual : property.c_str()).toString().toStdString();
 }
 
+// Where a widget is kept that does not look as before.
+std::string Desktop::KeptPictures(const std::string& seen) {
+  const std::string name = seen.substr(0, seen.find(' '));
+  if (!seen.ends_with(" unchanged") || name == "clipboard") return {};
+  const std::string folder = testing::TempDir();
+  looks_.at(name).first.save(QString::fromStdString(folder + "look-then.png"));
+  PictureOf(Find<QWidget>(name)).save(QString::fromStdString(folder + "look-now.png"));
+  return "\nPictures: " + folder + "look-then.png, look-now.png";
+}
+
 bool Desktop::Looks(const std::string& name, const QString& how) {
   if (name == "clipboard") return QApplication::clipboard()->image() == looks_.at(name).first;
   auto& widget = Find<QWidget>(name);
@@ -484,7 +494,7 @@ void Desktop::Play(const std::string& script) {
         QCoreApplication::processEvents();
         ExpectLines("ui/" + words[2].toStdString() + ".look", Sheet(words[0].toStdString()));
       } else if (!QTest::qWaitFor([&] { return Missing(seen).empty(); }, LongestWait)) {
-        ADD_FAILURE() << where << "\n" << seen << ": " << Missing(seen);
+        ADD_FAILURE() << where << "\n" << seen << ": " << Missing(seen) << KeptPictures(seen);
         return;
       }
     }

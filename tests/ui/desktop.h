@@ -124,6 +124,7 @@ class Desktop : public testing::Test {
   void DoAt(const std::string& verb, const Target& target, const QString& text);
   std::string Shown(const std::string& name);
   std::string Missing(const std::string& seen);
+  std::string KeptPictures(const std::string& seen);
   bool Looks(const std::string& name, const QString& how);
   std::vector<std::string> Sheet(const std::string& name);
 
