@@ -82,11 +82,12 @@ TEST(Threads, AModelGoesOnInAnother) {
 // Without a memory of its own a model goes on from what its class has seen in this thread alone.
 TEST(Threads, EachHasItsClassMemory) {
   const auto run = [] { return Outcome(*LoadModel(FindModel("5-1 Aliasing")), 0.003); };
-  const auto first = run();
-  EXPECT_NE(run(), first);
-  std::vector<double> elsewhere;
-  InThread([&] { elsewhere = run(); });
-  EXPECT_EQ(elsewhere, first);
+  std::vector<double> first;
+  InThread([&] {
+    first = run();
+    EXPECT_NE(run(), first);
+  });
+  InThread([&] { EXPECT_EQ(run(), first); });
 }
 
 TEST(Threads, EachHasItsReports) {
