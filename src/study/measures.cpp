@@ -68,7 +68,9 @@ std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& 
       if (!unit.starts_with(words)) return;
       const std::string more = unit.substr(words.size());
       const bool quotient = !more.empty() && by.find('/') != std::string::npos;
-      unit = quotient ? "(" + by + ")" + more : by + more;
+      unit = by;
+      if (quotient) unit.insert(0, "(").append(")");
+      unit += more;
       if (by.empty() && !more.empty()) unit = "s";
     };
     say("the command's unit", commandUnit);

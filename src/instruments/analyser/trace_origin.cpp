@@ -44,7 +44,7 @@ std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrig
     const bool isTold = differs([&](const TraceOrigin* other) {
       return i < other->Constants.size() && other->Constants[i] != one.Constants[i];
     });
-    if (isTold) add(name + " = " + value);
+    if (isTold) add(std::string(name).append(" = ").append(value));
   }
   return text;
 }
