@@ -242,6 +242,7 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
     QCoreApplication::processEvents();
     Bench().RefreshInstruments();  // what the next tick of the clock would paint
     auto& widget = Find<QWidget>(rest.toStdString());
+    widget.window()->repaint();  // at once: the platform gathers updates for some milliseconds
     looks_[rest.toStdString()] = {PictureOf(widget), WindowOf(widget).geometry()};
   } else if (verb == "pick") {
     auto& menu = Find<QMenu>(rest.section(u' ', 0, 0).toStdString());
