@@ -346,7 +346,7 @@ std::string Desktop::Shown(const std::string& name) {
   }
   QObject* found = Named(text.section(u'.', 0, 0).toStdString());
   const std::string property = text.section(u'.', 1).toStdString();
-  if (property == "items" || property == "cells" || property == "header") {
+  if (property == "items" || property == "cells" || property == "header" || property == "rows") {
     return Texts(*found, text.section(u'.', 1)).join(u'|').toStdString();
   }
   if (property == "ambiguous") {

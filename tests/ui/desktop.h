@@ -52,7 +52,7 @@ struct Target {
 ///   look NAME             remembers how it looks, and where its window stands; "clipboard" too
 ///
 ///   NAME=TEXT             of an edit, list, label, button, command or cell; NAME[2,1]: by numbers
-///   NAME.PROPERTY=TEXT; NAME.items, NAME.cells, NAME.header of what is listed; NAME.place
+///   NAME.PROPERTY=TEXT; NAME.items, .cells, .header, .rows of what is listed; NAME.place
 ///   and NAME.corner of its window; NAME.cursor; NAME.ambiguous: letters in its menus
 ///   NAME has TEXT         of a rich text, whose links are NAME[KVP=3]
 ///   NAME on|off|enabled|disabled|shown|hidden|focused|repainted|unchanged

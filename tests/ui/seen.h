@@ -45,6 +45,10 @@ inline bool IsWhole(const QWidget& window) {
 
 inline QStringList Texts(const QTableWidget& table, const QString& part) {
   QStringList lines;
+  for (int row = 0; part == "rows" && row < table.rowCount(); ++row) {
+    lines << table.verticalHeaderItem(row)->text();
+  }
+  if (part == "rows") return lines;
   for (int row = part == "header" ? -1 : 0; row < (part == "header" ? 0 : table.rowCount());
        ++row) {
     QStringList cells;

@@ -42,21 +42,33 @@ ScopeScreen CutTo(const ScopeScreen& screen, double from, double to) {
 }  // namespace
 
 const ScopeScreen* KeptTraces::Shown() const {
-  return state_.Shown == 0 ? nullptr : &screens_[static_cast<std::size_t>(state_.Shown - 1)];
+  return state_.Shown == 0 ? nullptr : &screens_[static_cast<std::size_t>(state_.Shown - 1)].Traces;
 }
 
 // Screens beyond the count are of changes that were undone; those older than the history's depth
 // are out of its reach.
 void KeptTraces::Keep(ScopeScreen screen) {
   screens_.resize(static_cast<std::size_t>(state_.Count));
-  screens_.push_back(std::move(screen));
+  screens_.push_back({std::move(screen), ++made_});
   state_.Shown = ++state_.Count;
   const int unreachable = state_.Count - ZelUndo::Depth - 1;
   if (unreachable > 0) screens_[static_cast<std::size_t>(unreachable - 1)] = {};
 }
 
 void KeptTraces::Renew(ScopeScreen screen) {
-  if (Shown()) screens_[static_cast<std::size_t>(state_.Shown - 1)] = std::move(screen);
+  if (Shown()) screens_[static_cast<std::size_t>(state_.Shown - 1)].Traces = std::move(screen);
+}
+
+int KeptTraces::Identity() const {
+  return Shown() ? screens_[static_cast<std::size_t>(state_.Shown - 1)].Identity : 0;
+}
+
+// Those beyond the count are of changes that were undone.
+void KeptTraces::Show(int identity) {
+  state_.Shown = 0;
+  for (int i = 0; identity > 0 && i < state_.Count; ++i) {
+    if (screens_[static_cast<std::size_t>(i)].Identity == identity) state_.Shown = i + 1;
+  }
 }
 
 void KeptTraces::Restore(const State& state) {

@@ -14,7 +14,7 @@ class KeptTraces {
  public:
   /// What identifies a state to the history.
   struct State {
-    int Count = 0;  ///< of screens kept so far
+    int Count = 0;  ///< of screens kept so far and not undone
     int Shown = 0;  ///< which one, from 1; 0 for none
   };
 
@@ -23,16 +23,24 @@ class KeptTraces {
   void Keep(ScopeScreen screen);
   /// In place of those that are shown, which no undo brings back then.
   void Renew(ScopeScreen screen);
-  /// One that was kept before, from 1; 0 for none.
-  void Show(int number) { state_.Shown = number; }
+  /// By which the one that is shown is known among all that ever were kept; 0 for none.
+  int Identity() const;
+  /// One that was kept before, by its identity; none where there is no such one any more.
+  void Show(int identity);
 
   const State& Present() const { return state_; }
   /// Goes back, or forward, to a state that was.
   void Restore(const State& state);
 
  private:
+  struct Screen {
+    ScopeScreen Traces;
+    int Identity = 0;
+  };
+
   State state_;
-  std::vector<ScopeScreen> screens_;
+  int made_ = 0;  ///< goes on through undo
+  std::vector<Screen> screens_;
 };
 
 /// Kept traces as they stand on the time axis of a live screen: event upon event where both sweeps

@@ -183,12 +183,12 @@ void ZelScope::RenewKeptTraces(const ScopeScreen& screen) {
   needsRedraw_ = true;
 }
 
-void ZelScope::ShowKeptTraces(int number) {
+void ZelScope::ShowKeptTraces(int identity) {
   const auto show = [&] {
-    kept_.Show(number);
+    kept_.Show(identity);
     needsRedraw_ = true;
   };
-  Change(show, [&] { return number > 0 ? "Keep Traces" : "Clear Kept Traces"; });
+  Change(show, [&] { return kept_.Shown() ? "Keep Traces" : "Clear Kept Traces"; });
 }
 
 }  // namespace torvane

@@ -146,12 +146,12 @@ class ZelScope final : public Instrument {
   const ScopeScreen* Kept() const { return kept_.Shown(); }
   /// Keeps a screen's traces in place of any kept before; one without points is not kept.
   void KeepTraces(const ScopeScreen& screen);
-  /// Which of the screens that were kept is the present one, from 1; 0 for none.
-  int KeptNumber() const { return kept_.Present().Shown; }
+  /// By which the kept traces are known among all that ever were kept, undone or not; 0 for none.
+  int KeptIdentity() const { return kept_.Identity(); }
   /// Has other traces in the place of the kept ones: no change of its own to undo.
   void RenewKeptTraces(const ScopeScreen& screen);
-  /// The screen that was kept as that number, in place of the present one; 0 for none.
-  void ShowKeptTraces(int number);
+  /// Those with that identity in place of the present ones; 0 for none.
+  void ShowKeptTraces(int identity);
   void ClearKeptTraces() { ShowKeptTraces(0); }
 
   /// Copies the points of a sweep into a screen, whose storage is used again.

@@ -109,14 +109,16 @@ void ModelPictureWindow::OpenWindow() {
   activateWindow();
 }
 
-// At the lower edge, where it leaves sight of the scope's graph.
+// At the lower edge, where it leaves sight of the scope's graph; but nothing of the diagram is out
+// of sight where the display has room for it.
 void ModelPictureWindow::FitWindow() {
   const QSize frame(2 * FrameWidth, 2 * FrameWidth + TitleHeight);
   const QSize whole = screen()->availableSize();
   const QSize room = QSize(whole.width(), qRound(whole.height() * MostHeight)) - frame;
   const QSize wanted = diagram_->sizeHint();
   const bool fits = wanted.boundedTo(room) == wanted;
-  resize((fits ? wanted : wanted.scaled(room, Qt::KeepAspectRatio)) + frame);
+  const QSize size = fits ? wanted : wanted.scaled(room, Qt::KeepAspectRatio);
+  resize((size.expandedTo(diagram_->minimumSize()) + frame).boundedTo(whole));
   move(OnDisplay(window_.geometry().bottomLeft(), *this));
 }
 

@@ -13,7 +13,7 @@ namespace torvane {
 
 namespace {
 
-constexpr int MostRows = 14;  // without scrolling
+constexpr int MostRows = 18;  // without scrolling
 constexpr int LeastRows = 3;  // that are always seen
 constexpr int LeastWidth = 120;
 constexpr int Edge = 4;
@@ -58,13 +58,23 @@ void ReadOutWindow::SetCells(const QStringList& header, const QList<QStringList>
       QTableWidgetItem* item = table_->item(row, column);
       if (!item) {
         item = new QTableWidgetItem;
-        if (column > 0) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        if (column > 0 || rowsAreNamed_) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         table_->setItem(row, column, item);
       }
       if (item->text() != rows[row][column]) item->setText(rows[row][column]);
     }
   }
   if (QSize(table_->columnCount(), table_->rowCount()) != before) FitTable();
+}
+
+void ReadOutWindow::NameRows(const QStringList& names) {
+  rowsAreNamed_ = true;
+  table_->setRowCount(static_cast<int>(names.size()));
+  table_->setVerticalHeaderLabels(names);
+  QHeaderView& header = *table_->verticalHeader();
+  header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  header.setSectionsClickable(false);
+  header.show();
 }
 
 void ReadOutWindow::OpenIn(QMainWindow& dock, int leave) {
@@ -106,7 +116,7 @@ void ReadOutWindow::FitTable() {
   const int edges = 2 * table_->frameWidth();
   const auto highWith = [&](int rows) { return columns.sizeHint().height() + rows * row + edges; };
   table_->setMinimumHeight(highWith(std::min(table_->rowCount(), LeastRows)));
-  int wide = edges + 2 * Edge;
+  int wide = edges + 2 * Edge + (rowsAreNamed_ ? table_->verticalHeader()->sizeHint().width() : 0);
   const QAbstractItemView& view = *table_;
   for (int column = 0; column < table_->columnCount(); ++column) {
     const int content = std::max(columns.sectionSizeHint(column), view.sizeHintForColumn(column));

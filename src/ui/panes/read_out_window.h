@@ -35,8 +35,11 @@ class ReadOutWindow : public QDockWidget {
   void GiveRoom(QMainWindow& dock);
 
  protected:
-  /// Texts of all rows; figures stand at the right of their columns, the first column is of names.
+  /// Texts of all rows; figures stand at the right of their columns. The first column is of names,
+  /// unless the rows have theirs.
   void SetCells(const QStringList& header, const QList<QStringList>& rows);
+  /// Names that stay in sight while the columns scroll.
+  void NameRows(const QStringList& names);
   QTableWidget& Table() { return *table_; }
   /// Where the table and what belongs to it stand, one below the other.
   QVBoxLayout& Body() { return *body_; }
@@ -49,6 +52,7 @@ class ReadOutWindow : public QDockWidget {
   QTableWidget* table_;
   QVBoxLayout* body_;
   QSize wanted_;
+  bool rowsAreNamed_ = false;
   Qt::DockWidgetArea placed_ = Qt::NoDockWidgetArea;  ///< not by the user
 };
 

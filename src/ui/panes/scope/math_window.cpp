@@ -16,14 +16,43 @@ constexpr int BesideText = 12;  // in a cell, pixels
 
 using TraceFigure = double (*)(const TraceMeasures&);
 
-QString Text(const std::optional<TraceMeasures>& measures, TraceFigure figure) {
-  if (!measures) return ReadOutWindow::Unavailable;
-  return QString::fromStdString(FormatGeneral(figure(*measures), 4, 1));
+struct TraceRow {
+  const char* Name;
+  TraceFigure Figure;
+};
+constexpr std::array<TraceRow, 5> TraceRows{{
+    {"Mean", [](const TraceMeasures& of) { return of.Mean; }},
+    {"RMS", [](const TraceMeasures& of) { return of.Rms; }},
+    {"Minimum", [](const TraceMeasures& of) { return of.Minimum; }},
+    {"Maximum", [](const TraceMeasures& of) { return of.Maximum; }},
+    {"Peak to peak", [](const TraceMeasures& of) { return of.PeakToPeak(); }},
+}};
+
+struct StepRow {
+  const char* Name;
+  StepFigure StepMeasures::*Figure;
+};
+constexpr std::array<StepRow, 4> StepRows{{{"Overshoot", &StepMeasures::Overshoot},
+                                           {"Rise", &StepMeasures::Rise},
+                                           {"Settling", &StepMeasures::Settling},
+                                           {"Delay", &StepMeasures::Delay}}};
+
+/// A figure, or why there is none.
+struct Cell {
+  QString Text;
+  QString Why;
+};
+
+Cell CellOf(const ChannelMeasures& of, const TraceRow& row) {
+  if (!of.Trace) return {ReadOutWindow::Unavailable, {}};
+  return {QString::fromStdString(FormatGeneral(row.Figure(*of.Trace), 4, 1)), {}};
 }
 
-QString Text(const StepFigure& figure) {
-  if (figure.Gap != StepGap::None) return QString::fromLatin1(ShortReason(figure.Gap));
-  return QString::fromStdString(figure.Text());
+Cell CellOf(const ChannelMeasures& of, const StepRow& row) {
+  if (!of.Step) return {ReadOutWindow::Unavailable, {}};
+  const StepFigure& figure = (*of.Step).*row.Figure;
+  if (figure.Gap == StepGap::None) return {QString::fromStdString(figure.Text()), {}};
+  return {QString::fromLatin1(ShortReason(figure.Gap)), QString::fromLatin1(Reason(figure.Gap))};
 }
 
 }  // namespace
@@ -32,65 +61,66 @@ MathWindow::MathWindow(const ZelScope& scope, QWidget* parent)
     : ReadOutWindow(QStringLiteral("Scope Math"), QStringLiteral("SGMath"),
                     QStringLiteral("Measures of the displayed channels over the screen, or between "
                                    "two cursors, and of their responses to a step of the trigger's "
-                                   "source"),
+                                   "source; below them those of the kept traces"),
                     parent),
       timeUnit_(QString::fromStdString(scope.TimeChannel().Signal().Unit())) {
   setObjectName(QStringLiteral("TZelMathF"));
 }
 
+void MathWindow::ShowNames(bool withKept) {
+  QStringList names;
+  const auto add = [&](const QString& name) {
+    names << name;
+    if (withKept) names << QStringLiteral("   kept");
+  };
+  for (const TraceRow& row : TraceRows) add(QLatin1String(row.Name));
+  for (const StepRow& row : StepRows) {
+    const QString unit = &row == StepRows.data() ? QStringLiteral("%") : timeUnit_;
+    add(QStringLiteral("%1 (%2)").arg(QLatin1String(row.Name), unit));
+  }
+  NameRows(names);
+}
+
 void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
                               const std::vector<ChannelMeasures>& kept) {
-  QStringList header{QStringLiteral("Measure")};
-  std::vector<ChannelMeasures> measures;
-  for (std::size_t i = 0; i < live.size(); ++i) {
-    header << QString::fromStdString(live[i].Channel->Name());
-    measures.push_back(live[i]);
-    if (i >= kept.size()) continue;
-    header << header.back() + QStringLiteral(" kept");
-    measures.push_back(kept[i]);
-  }
+  QStringList header;
+  for (const ChannelMeasures& of : live) header << QString::fromStdString(of.Channel->Name());
   QList<QStringList> rows;
-  const auto traceRow = [&](const char* name, TraceFigure figure) {
-    rows << QStringList{QLatin1String(name)};
-    for (const ChannelMeasures& of : measures) rows.back() << Text(of.Trace, figure);
-  };
-  traceRow("Mean", [](const TraceMeasures& of) { return of.Mean; });
-  traceRow("RMS", [](const TraceMeasures& of) { return of.Rms; });
-  traceRow("Minimum", [](const TraceMeasures& of) { return of.Minimum; });
-  traceRow("Maximum", [](const TraceMeasures& of) { return of.Maximum; });
-  traceRow("Peak to peak", [](const TraceMeasures& of) { return of.PeakToPeak(); });
-  const auto firstOfStep = static_cast<int>(rows.size());
-  const std::array<const char*, 4> names{"Overshoot", "Rise", "Settling", "Delay"};
-  const std::array parts{&StepMeasures::Overshoot, &StepMeasures::Rise, &StepMeasures::Settling,
-                         &StepMeasures::Delay};
-  for (std::size_t k = 0; k < parts.size(); ++k) {
-    const QString unit = k == 0 ? QStringLiteral("%") : timeUnit_;
-    rows << QStringList{QStringLiteral("%1 (%2)").arg(QLatin1String(names.at(k)), unit)};
-    for (const ChannelMeasures& of : measures) {
-      rows.back() << (of.Step ? Text((*of.Step).*parts.at(k)) : Unavailable);
+  QList<QStringList> reasons;
+  const auto addLine = [&](const std::vector<ChannelMeasures>& traces, const auto& row) {
+    QStringList texts;
+    QStringList why;
+    for (const ChannelMeasures& of : traces) {
+      const Cell cell = CellOf(of, row);
+      texts << cell.Text;
+      why << cell.Why;
     }
-  }
-  const bool otherChannels = Table().columnCount() != header.size();
+    rows << texts;
+    reasons << why;
+  };
+  const auto add = [&](const auto& row) {
+    addLine(live, row);
+    if (!kept.empty()) addLine(kept, row);
+  };
+  for (const TraceRow& row : TraceRows) add(row);
+  for (const StepRow& row : StepRows) add(row);
+  const QSize before(Table().columnCount(), Table().rowCount());
+  const QSize now(static_cast<int>(header.size()), static_cast<int>(rows.size()));
+  if (now.height() != before.height()) ShowNames(!kept.empty());
   SetCells(header, rows);
-  for (std::size_t k = 0; k < parts.size(); ++k) {
-    for (std::size_t i = 0; i < measures.size(); ++i) {
-      const auto& step = measures[i].Step;
-      const StepGap gap = step ? ((*step).*parts.at(k)).Gap : StepGap::None;
-      Table()
-          .item(firstOfStep + static_cast<int>(k), static_cast<int>(i) + 1)
-          ->setToolTip(QString::fromLatin1(Reason(gap)));
+  for (int row = 0; row < now.height(); ++row) {
+    for (int column = 0; column < now.width(); ++column) {
+      Table().item(row, column)->setToolTip(reasons[row][column]);
     }
   }
-  if (!otherChannels) return;
-  const auto widthOf = [&](const QString& text) {
-    return Table().fontMetrics().horizontalAdvance(text) + BesideText;
-  };
-  int nameWidth = 0;
-  for (const QStringList& row : rows) nameWidth = std::max(nameWidth, widthOf(row.front()));
-  int width = 2 * Table().frameWidth();
-  for (int column = 0; column < header.size(); ++column) {
+  if (now != before) FitColumns();
+}
+
+void MathWindow::FitColumns() {
+  const int text = Table().fontMetrics().horizontalAdvance(Unavailable) + BesideText;
+  int width = 2 * Table().frameWidth() + Table().verticalHeader()->sizeHint().width();
+  for (int column = 0; column < Table().columnCount(); ++column) {
     const int titled = Table().horizontalHeader()->sectionSizeHint(column);
-    const int text = column == 0 ? nameWidth : widthOf(Unavailable);
     Table().setColumnWidth(column, std::max(text, titled));
     width += Table().columnWidth(column);
   }

@@ -5,14 +5,15 @@
 
 namespace torvane {
 
-/// Means, extremes and step responses of a scope's displayed channels, a column each.
+/// Means, extremes and step responses of a scope's displayed channels, a column each; below each
+/// figure of a live trace stands that of the kept one.
 class MathWindow : public ReadOutWindow {
   Q_OBJECT
 
  public:
   MathWindow(const ZelScope& scope, QWidget* parent);
 
-  /// Of the live traces and, beside each of them, of the kept one; `kept` is empty without any.
+  /// Of the live traces and of those kept of the same channels; `kept` is empty without any.
   void ShowMeasures(const std::vector<ChannelMeasures>& live,
                     const std::vector<ChannelMeasures>& kept);
 
@@ -23,6 +24,9 @@ class MathWindow : public ReadOutWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void ShowNames(bool withKept);
+  void FitColumns();
+
   QString timeUnit_;
 };
 

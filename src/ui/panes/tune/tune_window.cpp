@@ -263,7 +263,7 @@ void TuneWindow::ProposeSignals() {
 // What was typed of what the loop still has stays, and the search goes on with the text that it was
 // begun with.
 void TuneWindow::FollowText() {
-  kept_ = isKept_ && Scope() ? Scope()->KeptNumber() : 0;
+  kept_ = isKept_ && Scope() ? Scope()->KeptIdentity() : 0;
   before_ = 0;
   if (!prepared_) return;
   vary_->FollowText(session_.Model()->Bench());
@@ -357,15 +357,15 @@ void TuneWindow::ShowResponse(const QString& file) {
   if (IsOnScope()) {
     scope->RenewKeptTraces(traces.Screen);
   } else {
-    before_ = scope->KeptNumber();
+    before_ = scope->KeptIdentity();
     scope->KeepTraces(traces.Screen);
-    kept_ = scope->KeptNumber();
+    kept_ = scope->KeptIdentity();
   }
 }
 
 bool TuneWindow::IsOnScope() const {
   const ZelScope* const scope = Scope();
-  return scope && kept_ > 0 && scope->KeptNumber() == kept_;
+  return scope && kept_ > 0 && scope->KeptIdentity() == kept_;
 }
 
 void TuneWindow::TakeOffScope() {
