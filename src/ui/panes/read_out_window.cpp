@@ -75,6 +75,7 @@ void ReadOutWindow::NameRows(const QStringList& names) {
   header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   header.setSectionsClickable(false);
   header.show();
+  FitTable();
 }
 
 void ReadOutWindow::OpenIn(QMainWindow& dock, int leave) {
