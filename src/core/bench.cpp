@@ -1,7 +1,6 @@
 #include "core/bench.h"
 
 #include <algorithm>
-#include <span>
 
 #include "core/constant.h"
 #include "core/instrument.h"
@@ -12,10 +11,6 @@
 namespace torvane {
 
 namespace {
-
-// Those that ask for stop times and are serviced: all but the generators, which the solver drives.
-constexpr std::span ServicedKinds = std::span(AllInstrumentKinds).first<4>();
-static_assert(AllInstrumentKinds[4] == InstrumentKind::WaveGenerator);
 
 // How far the solver may run when no instrument asks for an earlier time, seconds.
 constexpr double LongestChunk = 1e6;
@@ -128,6 +123,12 @@ bool ZelBenchTop::ServiceInstruments() {
 bool ZelBenchTop::AnyScopeBusy() const {
   const auto& scopes = Instruments(InstrumentKind::Scope);
   return std::any_of(scopes.begin(), scopes.end(), [](const Instrument* s) { return s->Busy(); });
+}
+
+bool ZelBenchTop::MetersExcite() const {
+  const auto& meters = Instruments(InstrumentKind::Meter);
+  return std::any_of(meters.begin(), meters.end(),
+                     [](const Instrument* m) { return m->Excites(); });
 }
 
 double ZelBenchTop::MeterExcitation(double now) const {

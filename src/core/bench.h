@@ -73,6 +73,8 @@ class ZelBenchTop {
 
   bool AnyScopeBusy() const;
 
+  /// Whether a meter may add to the model's command.
+  bool MetersExcite() const;
   /// Sum of what the meters add to the model's command at time `now`.
   double MeterExcitation(double now) const;
 

@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "core/instrument_kind.h"
 #include "core/placement.h"
+#include "core/sample_tape.h"
 #include "core/undo.h"
 
 namespace torvane {
@@ -48,11 +50,28 @@ class Instrument : public Undoable {
   /// Processes the model's signals at the present time; false asks for the run to stop.
   virtual bool Service(double /*t*/) { return true; }
 
+  // Samples may be taken on a tape within a run and read after it, where that changes nothing that
+  // anybody sees. An instrument that takes part does with a row what Service does at its time.
+
+  /// A run begins, with a tape: the next sample. NextTime at once, unless overridden. An instrument
+  /// that asks for no time is not told of the others' samples.
+  virtual NextSample BeginTape(const SampleTape& /*tape*/) { return {NextTime(), true}; }
+  /// The sample that it awaited is on the tape, taken at t: the one after it. What the model is to
+  /// feel from t on has to be done here.
+  virtual NextSample AwaitOnTape(double /*t*/) { return {}; }
+  /// The run is done: the rows of the tape that the instrument awaited, at least one.
+  virtual void ReadTape(const SampleTape& /*tape*/, std::span<const int> /*rows*/) {}
+  /// The run is undone, and with it what AwaitOnTape did.
+  virtual void DropTape() {}
+
   /// Work is pending that must finish before the simulation may run on.
   virtual bool Busy() const { return false; }
 
   /// A measurement of the instrument's own is in progress.
   virtual bool Measuring() const { return false; }
+
+  /// Whether Excitation can be anything but 0; it changes between runs only.
+  virtual bool Excites() const { return true; }
 
   /// What the instrument adds to the model's command at the given bench time.
   virtual double Excitation(double /*now*/) const { return 0.0; }

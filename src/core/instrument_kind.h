@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 namespace torvane {
@@ -13,6 +14,10 @@ enum class InstrumentKind { Scope, FftAnalyser, SweptSine, Meter, WaveGenerator 
 inline constexpr std::array AllInstrumentKinds{InstrumentKind::Scope, InstrumentKind::FftAnalyser,
                                                InstrumentKind::SweptSine, InstrumentKind::Meter,
                                                InstrumentKind::WaveGenerator};
+
+/// Those that ask for times and are served then: all but the generators, which the solver drives.
+inline constexpr std::span ServicedKinds = std::span(AllInstrumentKinds).first<4>();
+static_assert(AllInstrumentKinds[4] == InstrumentKind::WaveGenerator);
 
 /// Position of the kind in AllInstrumentKinds.
 constexpr std::size_t IndexOf(InstrumentKind kind) {

@@ -18,13 +18,15 @@ PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp, double 
   for (int chunk = 0; chunk < ChunksPerPass; ++chunk) {
     if (bench.AnyScopeBusy()) return PassResult::Paused;
     if (bench.Time() >= until) return PassResult::Running;
-    const double stop = bench.NextStopTime();
-    while (bench.Time() < stop) {
-      model.Solver().RunUntil(std::min(stop, nextLook));
-      if (bench.Time() < nextLook) break;
+    double stop = 0.0;
+    do {
+      const auto ahead = model.Solver().RunAhead(nextLook, ChunksPerPass - 1 - chunk);
+      chunk += ahead.Samples;
+      stop = ahead.Stop;
+      if (bench.Time() < nextLook) continue;
       if (bench.Time() >= until || (timeUp && timeUp())) return PassResult::Running;
       nextLook = std::min(bench.Time() + span, until);
-    }
+    } while (bench.Time() < stop);
     if (!bench.ServiceInstruments()) return PassResult::Stopped;
   }
   return PassResult::Running;

@@ -9,7 +9,8 @@ namespace torvane {
 class SolverOverflow;
 class ZelModel;
 
-/// Chunks in one pass of the run loop: after them control goes back to the message loop.
+/// Chunks in one pass of the run loop, each with a sample of some instrument: after them control
+/// goes back to the message loop.
 inline constexpr int ChunksPerPass = 25;
 
 /// How a pass has ended.

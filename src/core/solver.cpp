@@ -1,5 +1,6 @@
 #include "core/solver.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -58,6 +59,12 @@ void ZelSolver::RunUntil(double tEnd) {
       EndStep(t);
     }
   }
+}
+
+ZelSolver::Ahead ZelSolver::RunAhead(double tEnd, int /*mostSamples*/) {
+  const double stop = bench_.NextStopTime();
+  RunUntil(std::min(stop, tEnd));
+  return {stop, 0};
 }
 
 void ZelSolver::WatchedStep(double t) {

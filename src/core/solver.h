@@ -33,6 +33,15 @@ class ZelSolver {
   /// values are watched one by one: they are the ones that can tell what overflows first.
   virtual void RunUntil(double tEnd);
 
+  /// What RunAhead has done.
+  struct Ahead {
+    double Stop = 0.0;  ///< at this time an instrument is to be served; may lie beyond the end
+    int Samples = 0;    ///< that were taken on the way, by tape
+  };
+  /// Steps as RunUntil to the next time at which an instrument must be served at once, at most to
+  /// tEnd. On the way the instruments may take at most so many samples.
+  virtual Ahead RunAhead(double tEnd, int mostSamples);
+
   double Step() const { return h_; }
   std::int32_t Count() const { return count_; }
   /// In the order of registration.

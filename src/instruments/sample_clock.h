@@ -20,6 +20,9 @@ class SampleClock {
     return true;
   }
 
+  /// Time t was handed to others as well, when no sample was due.
+  void Pass(double t) { serviced_ = t; }
+
   /// When the next sample is due; may lie in the past.
   double Next() const { return next_; }
   void SetNext(double next) { next_ = next; }

@@ -16,6 +16,7 @@ class CommandSource {
 
   /// Asks whether an instrument has a part in the command; nothing changes that within a run.
   void BeginRun() {
+    metersExcite_ = bench_.MetersExcite();
     excited_ = analysers_.Fft.Measuring() || analysers_.Swept.Measuring() ||
                !bench_.Instruments(InstrumentKind::Meter).empty();
   }
@@ -32,7 +33,7 @@ class CommandSource {
 
  private:
   double Excited(double now) const {
-    const double meters = bench_.MeterExcitation(now);
+    const double meters = metersExcite_ ? bench_.MeterExcitation(now) : 0.0;
     if (analysers_.Fft.Measuring()) return analysers_.Fft.Excitation(now) + meters;
     if (analysers_.Swept.Measuring()) return analysers_.Swept.Excitation(now) + meters;
     return generator_.Output() + meters;
@@ -42,6 +43,7 @@ class CommandSource {
   const ZelWave& generator_;
   const Analysers& analysers_;
   bool excited_ = false;
+  bool metersExcite_ = false;
   double value_ = 0.0;
 };
 

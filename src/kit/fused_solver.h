@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -20,6 +21,7 @@
 #include "core/model.h"
 #include "core/number_faults.h"
 #include "core/overflow.h"
+#include "core/sample_tape.h"
 #include "core/solver.h"
 #include "core/time_driven.h"
 #include "core/variable.h"
@@ -49,7 +51,7 @@ class FusedSolver final : public ZelSolver {
 
   /// The model may still be under construction; it is used from the first run on.
   FusedSolver(ZelBenchTop& bench, double h, ZelModel& model)
-      : ZelSolver(bench, h, model, MaxOrder) {}
+      : ZelSolver(bench, h, model, MaxOrder), tape_(bench) {}
 
   void RunUntil(double tEnd) override {
     if (!checked_) CheckRegistration();
@@ -58,9 +60,22 @@ class FusedSolver final : public ZelSolver {
       if (NearOverflow() || AnyPending(TheModel().Parts(TheModel().loop_))) [[unlikely]] {
         WatchedStep(bench_.Time());
       } else {
-        Run(tEnd, bench_.Time() < oneByOneUntil_ ? 1 : MostSteps);
+        Run(tEnd, bench_.Time() < oneByOneUntil_ ? 1 : MostSteps, nullptr);
       }
     }
+  }
+
+  Ahead RunAhead(double tEnd, int mostSamples) override {
+    if (!checked_) CheckRegistration();
+    ClearOverflowFlag();
+    const bool watched = NearOverflow() || bench_.Time() < oneByOneUntil_ ||
+                         AnyPending(TheModel().Parts(TheModel().loop_));
+    if (watched || !tape_.Begin(mostSamples)) return ZelSolver::RunAhead(tEnd, mostSamples);
+    if (!Run(std::min(tEnd, tape_.Stop()), MostSteps, &tape_)) {
+      tape_.Drop();
+      return ZelSolver::RunAhead(tEnd, mostSamples);
+    }
+    return {tape_.Stop(), tape_.Deliver()};
   }
 
   /// The model's Derivatives: the equations on the loop itself, for whoever evaluates the model
@@ -83,11 +98,12 @@ class FusedSolver final : public ZelSolver {
   // Takes steps from the present time on, at most that many, up to the first boundary at or after
   // tEnd. To look for an overflow after each of them would cost a third of a small loop's time: it
   // is looked for at the end, and where something was raised the steps are undone, to be taken
-  // again one by one. A single one is EndStep's to judge.
+  // again one by one; the result then is false. A single one is EndStep's to judge. With a tape,
+  // samples that are due on the way are taken off the loop itself, whose signals the bench shows.
   //
   // flatten: without it the equations are called four times a step rather than inlined, and the
   // copy would have to lie in memory for them.
-  [[gnu::flatten]] void Run(double tEnd, int most) {
+  [[gnu::flatten]] bool Run(double tEnd, int most, SampleTape* tape) {
     Model& model = TheModel();
     const double h = h_;
     const Combine combine(h);
@@ -97,6 +113,8 @@ class FusedSolver final : public ZelSolver {
     auto moved = std::tuple_cat(std::tie(model.memory_), Moved(parts));
     const auto before = std::apply([](const auto&... what) { return std::tuple(what...); }, moved);
     for (Past& past : past_) past.Note();
+    std::optional<typename Model::Loop> first;
+    if (tape) first = model.loop_;
     auto loop = model.loop_;
     static_assert(std::is_trivially_copyable_v<decltype(loop)>);
     // Said once more for the compiler, which then sees which states the equations never set.
@@ -105,22 +123,33 @@ class FusedSolver final : public ZelSolver {
     });
     double t = bench_.Time();
     ClearNumberFaults();
-    const double end = std::min(tEnd, t + most * h);
-    Step(model, loop, t, h, combine);
-    while (t + h < end) {
-      t += h;
+    double end = std::min(tEnd, t + most * h);
+    for (;;) {
+      const double pause = tape ? std::min(end, tape->Next()) : end;
       Step(model, loop, t, h, combine);
+      while (t + h < pause) {
+        t += h;
+        Step(model, loop, t, h, combine);
+      }
+      if (!tape || t + h >= end) break;
+      model.loop_ = loop;
+      tape->Take(t, t + h);
+      end = std::min(end, tape->Stop());
+      t += h;
     }
-    if (most > 1 && (NumberFaultRaisedAnywhere() || !AllFinite(model.Parts(loop)))) [[unlikely]] {
+    if (most > 1 && (NumberFaultRaisedAnywhere() || !AllFinite(model.Parts(loop)) ||
+                     (tape && !tape->Fits()))) [[unlikely]] {
       moved = before;
+      if (first) model.loop_ = *first;
       for (Past& past : past_) past.Restore();
       oneByOneUntil_ = t + h;
-      return;
+      return false;
     }
     model.loop_ = loop;
     model.GiveMemory();
     bench_.SetTime(t);
     EndStep(t);
+    return true;
   }
 
   template <class Loop>
@@ -333,6 +362,7 @@ class FusedSolver final : public ZelSolver {
   };
 
   bool checked_ = false;
+  SampleTape tape_;
   std::vector<Past> past_;
   double oneByOneUntil_ = 0.0;  // what was raised lies before that time
 };

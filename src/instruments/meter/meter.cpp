@@ -16,8 +16,40 @@ double ZelMeter::NextTime() const {
 }
 
 bool ZelMeter::Service(double t) {
-  if (clock_.TakeDue(t, tSample_)) Update(t);
+  if (!clock_.TakeDue(t, tSample_)) return true;
+  for (Source* source : Sources()) {
+    source->Now = source->Signal ? source->Signal->DisplayValue() : 0.0;
+  }
+  Update(t);
   return true;
+}
+
+NextSample ZelMeter::BeginTape(const SampleTape& tape) {
+  onTape_ = clock_;
+  bool atOnce = false;
+  for (const Source* source : Sources()) {
+    atOnce = atOnce || !source->Signal || !tape.Has(*source->Signal);
+  }
+  return {onTape_.Request(), atOnce};
+}
+
+NextSample ZelMeter::AwaitOnTape(double t) {
+  onTape_.TakeDue(t, tSample_);
+  return {onTape_.Request(), false};
+}
+
+void ZelMeter::ReadTape(const SampleTape& tape, std::span<const int> rows) {
+  clock_ = onTape_;
+  clock_.Pass(tape.LastTime());
+  const auto sources = Sources();
+  std::array<const double*, sources.size()> values{};
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = tape.Values(*sources[i]->Signal);
+  for (const int row : rows) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      sources[i]->Now = values[i][row] * sources[i]->Signal->Multiplier();
+    }
+    Update(tape.Time(row));
+  }
 }
 
 double ZelMeter::Excitation(double now) const {
@@ -30,7 +62,7 @@ double ZelMeter::AngleDeg() const {
 }
 
 double ZelMeter::Read(Source& source) const {
-  const double x = source.Signal ? source.Signal->DisplayValue() : 0.0;
+  const double x = source.Now;
   if (!ac_) return x;
   // The signal less its slow part; started at the signal, so that switching to AC makes no step.
   source.Slow = source.Primed ? highPole_ * source.Slow + (1.0 - highPole_) * x : x;
@@ -77,7 +109,7 @@ void ZelMeter::UpdateHarmonic(double t, double x) {
 }
 
 void ZelMeter::Restart() {
-  for (Source* source : {&measured_, &correlated_, &transfer_}) source->Primed = false;
+  for (Source* source : Sources()) source->Primed = false;
   rms_ = {};
   average_ = {};
   correlation_ = {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <span>
 #include <string>
 
 #include "core/bench.h"
@@ -29,12 +31,16 @@ class ZelMeter final : public Instrument {
 
   double NextTime() const override;
   bool Service(double t) override;
+  NextSample BeginTape(const SampleTape& tape) override;
+  NextSample AwaitOnTape(double t) override;
+  void ReadTape(const SampleTape& tape, std::span<const int> rows) override;
   void Restart() override;
 
   /// What the meter adds to the model's command while its excitation is on: a sine at the harmonic
   /// frequency times the multiplier, which sets which multiple of the excited frequency is measured
   /// (1 measures the response itself, 1/2 the second harmonic).
   double Excitation(double now) const override;
+  bool Excites() const override { return useExcitation_; }
 
   void SaveRecords(RecordWriter& writer) const override;
   void LoadRecord(const Record& record) override;
@@ -105,6 +111,7 @@ class ZelMeter final : public Instrument {
   /// A signal read by the meter, with the slow part that AC coupling removes.
   struct Source {
     const Variable* Signal = nullptr;
+    double Now = 0.0;  ///< its display value at the sample
     double Slow = 0.0;
     bool Primed = false;
   };
@@ -125,6 +132,7 @@ class ZelMeter final : public Instrument {
   void SetNumber(double& setting, double value, bool good, const char* message, const char* name,
                  double limit);
   void SetExcitation(double& setting, double value, const char* name);
+  std::array<Source*, 3> Sources() { return {&measured_, &correlated_, &transfer_}; }
   void Update(double t);
   void UpdateHarmonic(double t, double x);
   bool Finite() const;
@@ -151,6 +159,7 @@ class ZelMeter final : public Instrument {
   double lowPole_ = 0.0;
   double highPole_ = 0.0;
   SampleClock clock_;
+  SampleClock onTape_;  // the clock as of the last sample on the tape
   RmsMeasurement rms_;
   AverageMeasurement average_;
   HarmonicMeasurement harmonic_;

@@ -45,10 +45,7 @@ ZelScope::ZelScope(ZelBenchTop& bench, std::string name, int screenLength, int r
 
 bool ZelScope::Sample(double t) {
   if (!clock_.TakeDue(t, interval_)) return true;
-  if (!singleShot_ && state_ == Capture::Stopped) state_ = Capture::Waiting;
-  if (trigger_->Mode() == SweepMode::Cont && state_ == Capture::Waiting) {
-    StartScreen(ContinuousPosition, SweepCause::Automatic);
-  }
+  BeginSample();
   // The very first screen starts at once, without a trigger and without history.
   if (t == 0.0 && trigger_->Mode() == SweepMode::Auto && state_ != Capture::Filling) {
     memory_.ClearScreen();
@@ -66,8 +63,52 @@ bool ZelScope::Sample(double t) {
   return true;
 }
 
+void ZelScope::BeginSample() {
+  if (!singleShot_ && state_ == Capture::Stopped) state_ = Capture::Waiting;
+  if (trigger_->Mode() == SweepMode::Cont && state_ == Capture::Waiting) {
+    StartScreen(ContinuousPosition, SweepCause::Automatic);
+  }
+}
+
+// A screen that may stop the run is sampled at once, and so is what the tape cannot follow: a
+// trigger that others step too, a ring that it would go round.
+NextSample ZelScope::BeginTape(const SampleTape& tape) {
+  onTape_ = clock_;
+  const bool noRoom = state_ == Capture::Filling && memory_.FreePoints() == 0;
+  const bool atOnce = singleShot_ || stopsModel_ || !ownTrigger_ || noRoom ||
+                      memory_.SpareHistory() < SampleTape::Most ||
+                      !tape.Has(trigger_->Source().Signal());
+  return {onTape_.Request(), atOnce};
+}
+
+NextSample ZelScope::AwaitOnTape(double t) {
+  onTape_.TakeDue(t, interval_);
+  return {onTape_.Request(), false};
+}
+
+void ZelScope::ReadTape(const SampleTape& tape, std::span<const int> rows) {
+  clock_ = onTape_;
+  clock_.Pass(tape.LastTime());
+  while (!rows.empty()) {
+    BeginSample();
+    std::size_t count = rows.size();
+    if (state_ == Capture::Filling) {
+      count = std::min(count, static_cast<std::size_t>(memory_.FreePoints()));
+      if (memory_.Advance(tape, rows.first(count), true)) EndScreen();
+    } else {
+      count = Wait(tape, rows);
+    }
+    rows = rows.subspan(count);
+  }
+}
+
 bool ZelScope::Fill() {
   if (!memory_.Advance(true)) return true;
+  return EndScreen();
+}
+
+// False when it stops the run.
+bool ZelScope::EndScreen() {
   screenCompleted_ = true;
   if (singleShot_) {
     state_ = Capture::Stopped;
@@ -84,15 +125,31 @@ bool ZelScope::Fill() {
 
 void ZelScope::Wait() {
   memory_.Advance(false);
-  if (trigger_->Step()) {
-    trigger_->Rearm();
-    StartScreen(std::trunc(trigger_->Position()), SweepCause::Event);
-    memory_.MarkEvent();
+  if (trigger_->Step()) StartTriggered(SweepCause::Event);
+  if (trigger_->AutoTimeout()) StartTriggered(SweepCause::Automatic);
+}
+
+// Takes samples up to the one that starts a screen; gives how many.
+std::size_t ZelScope::Wait(const SampleTape& tape, std::span<const int> rows) {
+  const Variable& source = trigger_->Source().Signal();
+  const double* const values = tape.Values(source);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const double now = tape.TimeShown()[rows[i]];
+    const bool event = trigger_->Step(now, values[rows[i]] * source.Multiplier());
+    if (!event && !trigger_->AutoTimeout(now)) continue;
+    memory_.Advance(tape, rows.first(i + 1), false);
+    StartTriggered(event ? SweepCause::Event : SweepCause::Automatic);
+    return i + 1;
   }
-  if (trigger_->AutoTimeout()) {
-    trigger_->Rearm();
-    StartScreen(AutomaticPosition, SweepCause::Automatic);
-  }
+  memory_.Advance(tape, rows, false);
+  return rows.size();
+}
+
+void ZelScope::StartTriggered(SweepCause cause) {
+  const bool event = cause == SweepCause::Event;
+  trigger_->Rearm();
+  StartScreen(event ? std::trunc(trigger_->Position()) : AutomaticPosition, cause);
+  if (event) memory_.MarkEvent();
 }
 
 void ZelScope::StartScreen(double percent, SweepCause cause) {

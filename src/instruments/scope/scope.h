@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,9 @@ class ZelScope final : public Instrument {
 
   double NextTime() const override { return clock_.Request(); }
   bool Service(double t) override { return Sample(t); }
+  NextSample BeginTape(const SampleTape& tape) override;
+  NextSample AwaitOnTape(double t) override;
+  void ReadTape(const SampleTape& tape, std::span<const int> rows) override;
   /// Takes a sample when one is due; false only when a screen has just completed that stops the
   /// run. Throws SolverOverflow when a signal is not finite in single precision.
   bool Sample(double t);
@@ -164,9 +168,13 @@ class ZelScope final : public Instrument {
   };
 
   ZelChannel* FindHorizontal() const;
-  bool Fill();
-  void Wait();
   enum class SweepCause { Event, Automatic };
+  void BeginSample();
+  bool Fill();
+  bool EndScreen();
+  void Wait();
+  std::size_t Wait(const SampleTape& tape, std::span<const int> rows);
+  void StartTriggered(SweepCause cause);
   void StartScreen(double percent, SweepCause cause);
   void BeginSweep(SweepCause cause);
   void AssignColours();
@@ -183,6 +191,7 @@ class ZelScope final : public Instrument {
   std::unique_ptr<TimeVariable> missingTimeVar_;  // stands in on a bench that has none
   ScopeMemory memory_;
   SampleClock clock_;
+  SampleClock onTape_;  // the clock as of the last sample on the tape
   double interval_ = 0.0;
   Capture state_ = Capture::Waiting;
   bool singleShot_ = false;

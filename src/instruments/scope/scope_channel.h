@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,19 @@ class RecordedChannel : public ZelChannel {
   /// Stores the signal's present value, and gives what is stored.
   Sample Store(int ringIndex) {
     return ring_[Slot(ringIndex)] = static_cast<Sample>(Signal().Value);
+  }
+  /// Stores values that were sampled before, those of the given rows, from ringIndex on round the
+  /// ring; into a screen as well, from index on round it, unless that is negative.
+  void StoreAll(const double* values, std::span<const int> rows, int ringIndex, std::size_t screen,
+                int index) {
+    for (const int row : rows) {
+      const auto sample = static_cast<Sample>(values[row]);
+      ring_[Slot(ringIndex)] = sample;
+      if (++ringIndex == static_cast<int>(ring_.size())) ringIndex = 0;
+      if (index < 0) continue;
+      screens_[screen][Slot(index)] = sample;
+      if (++index == static_cast<int>(screens_[screen].size())) index = 0;
+    }
   }
   void CopyToScreen(int ringIndex, std::size_t screen, int index) {
     screens_[screen][Slot(index)] = ring_[Slot(ringIndex)];

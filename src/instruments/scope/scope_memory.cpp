@@ -72,10 +72,36 @@ bool ScopeMemory::Advance(bool fill) {
   Extent& extent = extents_[present_];
   extent.Fill = extent.Fill < 0 ? extent.Start : Next(extent.Fill, screenLength_);
   CopyPoint(ringIndex_);
+  return Filled();
+}
+
+bool ScopeMemory::Filled() {
   if (!ScreenFull()) return false;
   whole_ = present_;
   anyWhole_ = true;
   return true;
+}
+
+int ScopeMemory::FreePoints() const {
+  const Extent& extent = Present();
+  if (extent.Fill < 0) return screenLength_;
+  return (extent.Start - extent.Fill - 1 + screenLength_) % screenLength_;
+}
+
+bool ScopeMemory::Advance(const SampleTape& tape, std::span<const int> rows, bool fill) {
+  const int ringIndex = Next(ringIndex_, ringLength_);
+  Extent& extent = extents_[present_];
+  const int index = extent.Fill < 0 ? extent.Start : Next(extent.Fill, screenLength_);
+  const auto store = [&](auto& channel, const double* values) {
+    channel.StoreAll(values, rows, ringIndex, present_, fill ? index : -1);
+  };
+  store(*timeChannel_, tape.TimeShown());
+  for (const auto& channel : channels_) store(*channel, tape.Values(channel->Signal()));
+  const int more = static_cast<int>(rows.size()) - 1;
+  ringIndex_ = (ringIndex + more) % ringLength_;
+  if (!fill) return true;
+  extent.Fill = (index + more) % screenLength_;
+  return Filled();
 }
 
 // The last complete screen stays as it is.

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "core/bench.h"
+#include "core/sample_tape.h"
 #include "instruments/scope/scope_channel.h"
 
 namespace torvane {
@@ -65,6 +67,14 @@ class ScopeMemory {
   /// Throws SolverOverflow when a value is not finite in single precision; nothing is stored then.
   bool Advance(bool fill);
 
+  /// The same with samples that a tape has of a run, as many as rows: with each, when filling, the
+  /// screen has room for it. The result is that of the last one.
+  bool Advance(const SampleTape& tape, std::span<const int> rows, bool fill);
+  /// Points that the screen has room for.
+  int FreePoints() const;
+  /// Samples that the ring can take before it loses what a new screen may begin with.
+  int SpareHistory() const { return ringLength_ - screenLength_; }
+
   void ClearScreen();
 
   /// Starts a screen with the most recent samples, the last one newest. They take the given part of
@@ -87,6 +97,7 @@ class ScopeMemory {
 
   static int Next(int index, int length) { return index + 1 == length ? 0 : index + 1; }
   const Extent& Present() const { return extents_[present_]; }
+  bool Filled();
   void StoreHistory();
   void CopyPoint(int ringIndex);
   void BeginScreen();

@@ -39,22 +39,22 @@ void ZelTrigger::Disarm() {
   state_ = Detection::Idle;
 }
 
-bool ZelTrigger::Step() {
-  if (Now() < holdOff_) return false;
+bool ZelTrigger::Step(double now, double value) {
+  if (now < holdOff_) return false;
   switch (state_) {
     case Detection::InitialDelay:
-      if (Now() < initialDelayTime_) return false;
+      if (now < initialDelayTime_) return false;
       eventsRemaining_ = EventsWanted();
       state_ = Detection::Arming;
       [[fallthrough]];
     case Detection::Arming:
       // A crossing is never found by the step that arms.
-      if (OnStartingSide()) state_ = Detection::Armed;
+      if (OnStartingSide(value)) state_ = Detection::Armed;
       return false;
     case Detection::Armed:
-      return Crossed() && CountEvent();
+      return Crossed(value) && CountEvent(now);
     case Detection::DelayAfter:
-      return FireWhenDelayed();
+      return FireWhenDelayed(now);
     case Detection::Unused:
     case Detection::Idle:
       break;
@@ -62,50 +62,40 @@ bool ZelTrigger::Step() {
   return false;
 }
 
-bool ZelTrigger::OnStartingSide() const {
-  const double value = source_->Signal().DisplayValue();
-  return positiveSlope_ ? value <= level_ : value >= level_;
-}
-
-bool ZelTrigger::Crossed() const {
-  const double value = source_->Signal().DisplayValue();
-  return positiveSlope_ ? value > level_ : value < level_;
-}
-
-bool ZelTrigger::CountEvent() {
+bool ZelTrigger::CountEvent(double now) {
   --eventsRemaining_;
   if (eventsRemaining_ > 0) {
     // The signal must return to the starting side before the next event counts.
     state_ = Detection::Arming;
     return false;
   }
-  eventTime_ = Now();
+  eventTime_ = now;
   if (!delayAfter_) {
-    Fire();
+    Fire(now);
     return true;
   }
   state_ = Detection::DelayAfter;
-  return FireWhenDelayed();
+  return FireWhenDelayed(now);
 }
 
-bool ZelTrigger::FireWhenDelayed() {
-  if (eventTime_ + delayAfterTime_ > Now()) return false;
-  Fire();
+bool ZelTrigger::FireWhenDelayed(double now) {
+  if (eventTime_ + delayAfterTime_ > now) return false;
+  Fire(now);
   return true;
 }
 
-void ZelTrigger::Fire() {
+void ZelTrigger::Fire(double now) {
   state_ = Detection::Idle;
-  fireTime_ = Now();
+  fireTime_ = now;
   fired_ = true;
-  autoDeadline_ = Now() + AutoPeriod();
-  holdOff_ = Now() + ScreenTime();
+  autoDeadline_ = now + AutoPeriod();
+  holdOff_ = now + ScreenTime();
 }
 
-bool ZelTrigger::AutoTimeout() {
+bool ZelTrigger::AutoTimeout(double now) {
   if (mode_ != SweepMode::Auto) return false;
-  if (Now() <= autoDeadline_) return false;
-  autoDeadline_ = Now() + AutoPeriod();
+  if (now <= autoDeadline_) return false;
+  autoDeadline_ = now + AutoPeriod();
   return true;
 }
 

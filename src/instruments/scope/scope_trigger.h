@@ -35,11 +35,14 @@ class ZelTrigger {
   /// Detection from the beginning, initial delay and event count included.
   void Rearm();
   void Disarm();
-  /// One detection step; true when the trigger fires. No further event is looked for until ten
+  /// One detection step, at the present time or with what the time reference and the source had as
+  /// display value then; true when the trigger fires. No further event is looked for until ten
   /// divisions of time have passed.
-  bool Step();
+  bool Step() { return Step(Now(), source_->Signal().DisplayValue()); }
+  bool Step(double now, double value);
   /// True when an automatic sweep is due: 20.5 divisions of time after the last sweep or event.
-  bool AutoTimeout();
+  bool AutoTimeout() { return AutoTimeout(Now()); }
+  bool AutoTimeout(double now);
   /// Whether the trigger fired since the last call.
   bool ConsumeFired();
 
@@ -88,11 +91,13 @@ class ZelTrigger {
   double ScreenTime() const;
   double AutoPeriod() const;
   std::int32_t EventsWanted() const { return countEvents_ ? numberOfEvents_ : 1; }
-  bool OnStartingSide() const;
-  bool Crossed() const;
-  bool CountEvent();
-  bool FireWhenDelayed();
-  void Fire();
+  bool OnStartingSide(double value) const {
+    return positiveSlope_ ? value <= level_ : value >= level_;
+  }
+  bool Crossed(double value) const { return positiveSlope_ ? value > level_ : value < level_; }
+  bool CountEvent(double now);
+  bool FireWhenDelayed(double now);
+  void Fire(double now);
 
   std::function<void(const Change&, const Caption&)> makeChange_;
   const ZelChannel& timeReference_;

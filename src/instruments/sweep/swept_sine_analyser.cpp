@@ -86,6 +86,11 @@ double ZelSweptDSA::NextTick() const {
   return InProgress() ? clock_.Request() : -1.0;
 }
 
+// Between two points the samples of others tell when to step.
+NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
+  return {state_ == State::Advance ? bench_.Time() : NextTime(), true};
+}
+
 bool ZelSweptDSA::Service(double t) {
   if (!InProgress() || !clock_.TakeDue(t, tSample_)) return true;
   if (state_ == State::Start) {

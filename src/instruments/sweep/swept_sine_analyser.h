@@ -34,6 +34,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   /// step comes with the first call after the tick.
   double NextTime() const override;
   bool Service(double t) override;
+  NextSample BeginTape(const SampleTape& tape) override;
   void Restart() override;
   void KeepOwnMemory() override { ownPhase_ = 0.0; }
 

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <limits>
+#include <span>
+#include <vector>
+
+namespace torvane {
+
+class Instrument;
+class Variable;
+class ZelBenchTop;
+
+/// When an instrument wants to see the model next.
+struct NextSample {
+  double At = -1.0;    ///< simulated seconds; the step boundary at or after it is meant
+  bool AtOnce = true;  ///< the run ends there; otherwise the sample may wait on the tape
+};
+
+/// What a bench's offered signals were at the instants at which instruments sample them, taken
+/// within a run and handed over after it: to end a run for each sample would cost more than the
+/// steps between two of them. By signal, so that an instrument goes through one after the other.
+class SampleTape {
+ public:
+  static constexpr int Most = 24;  ///< samples
+
+  explicit SampleTape(const ZelBenchTop& bench) : bench_(bench) {}
+
+  /// Asks the bench's instruments what they want to see, for a run from the present time with at
+  /// most so many samples on the tape. False when the next thing must be seen at once.
+  bool Begin(int most);
+
+  /// The time at which the next sample is due, and that at which the run has to end.
+  double Next() const { return next_; }
+  double Stop() const { return stop_; }
+
+  /// Takes the sample that is due at the boundary t, of a step that began at `began`.
+  void Take(double began, double t);
+
+  /// Whether the signals fit what instruments store, single precision and sums over a record.
+  bool Fits() const { return sum_ <= most_; }
+
+  /// Hands the samples to those who asked for them; gives how many there were.
+  int Deliver();
+  /// The run is undone: nobody gets them.
+  void Drop();
+
+  // For the instruments. Rows run from 0, in the order of time.
+  bool Has(const Variable& signal) const;
+  /// A signal's value in each row, without the display multiplier; of a signal that it has.
+  const double* Values(const Variable& signal) const;
+  double Time(int row) const { return times_[static_cast<std::size_t>(row)]; }
+  /// When the step began that ended at Time: what the time variable shows there.
+  const double* TimeShown() const { return began_.data(); }
+  /// The last sample of anybody.
+  double LastTime() const { return Time(count_ - 1); }
+
+ private:
+  struct Reader {
+    Instrument* Who = nullptr;
+    double Next = 0.0;
+    int Count = 0;
+    std::array<int, Most> Rows{};
+  };
+
+  void ListSignals();
+  void Await(Reader& reader, const NextSample& next);
+  std::size_t IndexOf(const Variable& signal) const;
+
+  static constexpr double Never = std::numeric_limits<double>::infinity();
+
+  const ZelBenchTop& bench_;
+  std::vector<const Variable*> signals_;
+  std::vector<const double*> sources_;
+  std::size_t listed_ = 0;  // variables of the bench that have been looked at
+  double most_ = 0.0;
+  double sum_ = 0.0;  // of all magnitudes
+  int room_ = 0;
+  int count_ = 0;
+  double next_ = Never;
+  double stop_ = Never;
+  std::array<double, Most> times_{};
+  std::array<double, Most> began_{};
+  std::vector<double> values_;  // Most of each signal
+  std::vector<Reader> readers_;
+};
+
+}  // namespace torvane
