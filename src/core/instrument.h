@@ -59,7 +59,8 @@ class Instrument : public Undoable {
   /// The sample that it awaited is on the tape, taken at t: the one after it. What the model is to
   /// feel from t on has to be done here.
   virtual NextSample AwaitOnTape(double /*t*/) { return {}; }
-  /// The run is done: the rows of the tape that the instrument awaited, at least one.
+  /// The run is done: the rows of the tape that the instrument awaited. It is
+  /// told of a tape without any, too: time has gone on.
   virtual void ReadTape(const SampleTape& /*tape*/, std::span<const int> /*rows*/) {}
   /// The run is undone, and with it what AwaitOnTape did.
   virtual void DropTape() {}

@@ -12,7 +12,7 @@ namespace torvane {
 namespace {
 
 // Far below what single precision holds, and a record's sum of it.
-constexpr double Largest = 1e30;
+constexpr double LargestOnTape = 1e30;
 
 }  // namespace
 
@@ -28,7 +28,7 @@ void SampleTape::ListSignals() {
   }
   listed_ = bench_.Variables().size();
   values_.resize(signals_.size() * Most);
-  most_ = Largest / multiplier;
+  most_ = LargestOnTape / multiplier;
 }
 
 bool SampleTape::Begin(int most) {
@@ -41,13 +41,12 @@ bool SampleTape::Begin(int most) {
   readers_.clear();
   for (const InstrumentKind kind : ServicedKinds) {
     for (Instrument* instrument : bench_.Instruments(kind)) {
+      const NextSample next = instrument->BeginTape(*this);
+      if (next.At < 0.0) continue;
       readers_.push_back({.Who = instrument});
-      Await(readers_.back(), instrument->BeginTape(*this));
+      Await(readers_.back(), next);
       if (stop_ <= bench_.Time()) return false;
-      if (readers_.back().Next == Never)
-        readers_.pop_back();
-      else
-        next_ = std::min(next_, readers_.back().Next);
+      next_ = std::min(next_, readers_.back().Next);
     }
   }
   return next_ > bench_.Time() && next_ < stop_;
@@ -89,8 +88,8 @@ void SampleTape::Take(double began, double t) {
 }
 
 int SampleTape::Deliver() {
+  if (count_ == 0) return 0;
   for (const Reader& reader : readers_) {
-    if (reader.Count == 0) continue;
     reader.Who->ReadTape(*this,
                          std::span(reader.Rows).first(static_cast<std::size_t>(reader.Count)));
   }

@@ -57,7 +57,7 @@ void RecordWatch::SeeExcitation(double now) {
                     std::ranges::any_of(bench_.Instruments(InstrumentKind::FftAnalyser),
                                         [](const Instrument* fft) { return fft->Measuring(); });
   }
-  if (bench_.Instruments(InstrumentKind::Meter).empty()) return;
+  if (!bench_.MetersExcite()) return;
   meterExcites_ = meterExcites_ || bench_.MeterExcitation(now) != 0.0;
 }
 

@@ -51,7 +51,10 @@ class LimitWatch {
       greatest_ = least_ = {last_, run_};
       return;
     }
-    if (last_ < greatest_.Value && last_ > least_.Value && run_ > between_) between_ = run_;
+    if (last_ < greatest_.Value && last_ > least_.Value) {
+      if (run_ > between_) between_ = run_;
+      return;
+    }
     Take(greatest_, last_ > greatest_.Value);
     Take(least_, last_ < least_.Value);
   }

@@ -88,7 +88,49 @@ double ZelSweptDSA::NextTick() const {
 
 // Between two points the samples of others tell when to step.
 NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
-  return {state_ == State::Advance ? bench_.Time() : NextTime(), true};
+  if (state_ == State::Advance) return {bench_.Time(), true};
+  if (state_ != State::Measuring) return {NextTime(), true};
+  onTape_ = clock_;
+  unsettledOnTape_ = 0;
+  excitationBefore_ = excitation_;
+  return NextOnTape();
+}
+
+// A tick that may end a window is taken at once. A clock that has fallen behind ticks with the next
+// step, whatever its instant.
+NextSample ZelSweptDSA::NextOnTape() const {
+  const double step = bench_.Solver()->Step();
+  const double next = std::max(onTape_.Next(), onTape_.Elapsed() + step);
+  return {onTape_.Request(), next + 2.0 * step >= measurementEnd_};
+}
+
+NextSample ZelSweptDSA::AwaitOnTape(double t) {
+  onTape_.TakeDue(t, tSample_);
+  Excite(t);
+  if (!onTape_.Reached(settleEnd_)) ++unsettledOnTape_;
+  return NextOnTape();
+}
+
+void ZelSweptDSA::ReadTape(const SampleTape& tape, std::span<const int> rows) {
+  clock_ = onTape_;
+  if (rows.empty() || tape.Time(rows.back()) < tape.LastTime()) {
+    clock_.TakeDue(tape.LastTime(), tSample_);
+    if (rows.empty()) return;
+  }
+  const auto seen = bench_.MetersExcite() ? rows : rows.last(1);
+  for (const int row : seen) watch_.SeeExcitation(tape.Time(row));
+  rows = rows.subspan(unsettledOnTape_);
+  if (rows.empty() || points_.empty()) return;
+  const SweepTicks ticks(f_, tape, rows);
+  const SweepSums shared = ticks.Shared(points_.front()->FirstCycles(ticks));
+  std::array<double, SampleTape::Most> values{};
+  const auto used = std::span(values).first(rows.size());
+  for (ZelSweptDSAChannel* channel : points_) {
+    const Variable& signal = channel->Signal();
+    const double* const raw = tape.Values(signal);
+    for (std::size_t i = 0; i < rows.size(); ++i) used[i] = raw[rows[i]] * signal.Multiplier();
+    channel->Accumulate(ticks, used, shared);
+  }
 }
 
 bool ZelSweptDSA::Service(double t) {
@@ -100,13 +142,17 @@ bool ZelSweptDSA::Service(double t) {
     StepFrequency(t);
     BeginPoint();
   }
-  excitation_ = std::sin(TwoPi * f_ * t + Phase()) * amplitude_ + offset_;
+  Excite(t);
   watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
     for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
     if (clock_.Reached(measurementEnd_)) CompletePoint();
   }
   return true;
+}
+
+void ZelSweptDSA::Excite(double t) {
+  excitation_ = std::sin(TwoPi * f_ * t + Phase()) * amplitude_ + offset_;
 }
 
 void ZelSweptDSA::BeginSweep() {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double NextTime() const override;
   bool Service(double t) override;
   NextSample BeginTape(const SampleTape& tape) override;
+  NextSample AwaitOnTape(double t) override;
+  void ReadTape(const SampleTape& tape, std::span<const int> rows) override;
+  void DropTape() override { excitation_ = excitationBefore_; }
   void Restart() override;
   void KeepOwnMemory() override { ownPhase_ = 0.0; }
 
@@ -113,6 +117,8 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   SweepSetup PlottedSetup() const;
   bool InProgress() const;
   double& Phase() { return ownPhase_ ? *ownPhase_ : sharedPhase_; }
+  NextSample NextOnTape() const;
+  void Excite(double t);
   void BeginSweep();
   void BeginPoint();
   void StepFrequency(double t);
@@ -139,6 +145,11 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double measurementEnd_ = 0.0;
   int windows_ = 0;  ///< windows of the point that are whole
   double excitation_ = 0.0;
+
+  // As of the last sample on the tape.
+  StepClock onTape_;
+  std::size_t unsettledOnTape_ = 0;  ///< ticks on it that belong to no window
+  double excitationBefore_ = 0.0;    ///< the tape
 
   /// Keeps the sine continuous when the frequency changes. One value serves every analyser of the
   /// thread, on purpose: a new model's sweep goes on from the phase of the last.

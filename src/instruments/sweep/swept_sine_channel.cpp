@@ -42,7 +42,7 @@ void ZelSweptDSAChannel::ResetSums() {
 // The slope of what is left of the signal without its sine and its mean. Of n periods of a ramp the
 // sine has taken 6 / (pi n)^2 of the slope.
 double ZelSweptDSAChannel::UnsettledShare(const Phasor& phasor) const {
-  const Sums& s = sums_;
+  const SweepSums& s = sums_;
   const double amplitude = std::hypot(phasor.Sin, phasor.Cos);
   const double periods = last_.Cycles - firstCycles_;
   const double left = 1.0 - 6.0 / (Pi * Pi * periods * periods);
@@ -72,24 +72,6 @@ void ZelSweptDSAChannel::NextWindow() {
   firstCycles_ = last_.Cycles;
 }
 
-void ZelSweptDSAChannel::Sums::Add(const Tick& tick, double firstCycles) {
-  const double t = tick.Cycles - firstCycles;
-  T += t;
-  TT += t * t;
-  TS += t * tick.Sin;
-  TC += t * tick.Cos;
-  TX += t * tick.X;
-  N += 1.0;
-  S += tick.Sin;
-  C += tick.Cos;
-  X += tick.X;
-  SS += tick.Sin * tick.Sin;
-  SC += tick.Sin * tick.Cos;
-  CC += tick.Cos * tick.Cos;
-  XS += tick.X * tick.Sin;
-  XC += tick.X * tick.Cos;
-}
-
 void ZelSweptDSAChannel::Accumulate(double f, double t) {
   if (pending_) sums_.Add(last_, firstCycles_);
   const double angle = TwoPi * f * t;
@@ -99,8 +81,19 @@ void ZelSweptDSAChannel::Accumulate(double f, double t) {
   pending_ = true;
 }
 
+void ZelSweptDSAChannel::Accumulate(const SweepTicks& ticks, std::span<const double> values,
+                                    const SweepSums& shared) {
+  firstCycles_ = FirstCycles(ticks);
+  if (pending_) sums_.Add(last_, firstCycles_);
+  sums_.AddTicks(shared);
+  ticks.AddSignal(sums_, values, firstCycles_);
+  for (const double value : values) limit_.See(value);
+  last_ = ticks.At(ticks.Count() - 1, values.back());
+  pending_ = true;
+}
+
 ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::Solve() const {
-  Sums sums = sums_;
+  SweepSums sums = sums_;
   if (sums.N == 0.0 && pending_) sums.Add(last_, firstCycles_);
   if (sums.N == 0.0) return {};
   // Taking the means off each product removes the constant from the equations.

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <vector>
 
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/sweep/limit_watch.h"
+#include "instruments/sweep/sweep_ticks.h"
 
 namespace torvane {
 
@@ -21,12 +23,22 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   /// Room for `capacity` points a slot.
   ZelSweptDSAChannel(const Variable& variable, int capacity);
 
+  using AnalyserChannel::Signal;
+
   /// Forgets slot 0's points, for a new sweep.
   void ClearPoints();
   void ResetSums();
   /// Adds the signal's present value at f Hz. The last tick of a point belongs to the period after
   /// it, so a value counts only once another one has followed.
   void Accumulate(double f, double t);
+  /// The same with the values of ticks that a tape has; `shared` are their sums without the signal,
+  /// from FirstCycles on.
+  void Accumulate(const SweepTicks& ticks, std::span<const double> values, const SweepSums& shared);
+  /// f t of the first tick of the window under way, to which these ticks belong or whose first they
+  /// are.
+  double FirstCycles(const SweepTicks& ticks) const {
+    return pending_ ? firstCycles_ : ticks.Cycles(0);
+  }
   /// The sums are whole and go into the point's average; a new window follows at once.
   void NextWindow();
   /// Stores the point's gain and phase in slot 0; an index beyond the capacity is reported and
@@ -53,22 +65,6 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
     std::vector<double> Phases;
     std::vector<double> Unsettled;
   };
-  struct Tick {
-    double Sin = 0.0;
-    double Cos = 0.0;
-    double X = 0.0;
-    double Cycles = 0.0;  ///< f t
-  };
-  /// Sums over the ticks of products of sine, cosine, one and the signal.
-  struct Sums {
-    double N = 0.0;
-    double S = 0.0, C = 0.0, X = 0.0;
-    double SS = 0.0, SC = 0.0, CC = 0.0;
-    double XS = 0.0, XC = 0.0;
-    double T = 0.0, TT = 0.0, TS = 0.0, TC = 0.0, TX = 0.0;  ///< T in cycles from the first tick
-
-    void Add(const Tick& tick, double firstCycles);
-  };
   /// What the point's windows have given so far.
   struct Average {
     int Windows = 0;
@@ -89,10 +85,10 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   bool Readable(int slot, int index, const char* message) const;
 
   std::size_t capacity_;
-  Sums sums_;
+  SweepSums sums_;
   bool pending_ = false;
   double firstCycles_ = 0.0;  ///< at the window's first tick
-  Tick last_;
+  SweepTick last_;
   LimitWatch limit_;
   int pointsAtLimit_ = 0;
   Average average_;
