@@ -10,21 +10,21 @@ program=${1:-build/bench/bin}/torvane_count
 short=20000
 long=60000
 
-# Prints the totals "instructions data-references" of one run.
+# Prints the totals "instructions data-references" of one run of a program.
 total() {
   local out
   out=$(mktemp)
-  valgrind --tool=cachegrind --cache-sim=yes --cachegrind-out-file="$out" "$program" "$@" \
+  valgrind --tool=cachegrind --cache-sim=yes --cachegrind-out-file="$out" "$@" \
     >/dev/null 2>&1
   awk '/^summary:/ { print $2, $5 + $8 }' "$out"
   rm "$out"
 }
 
-# Prints "instructions data-references" a step.
+# Prints "instructions data-references" a step of what the program and its arguments name.
 count() {
   local few many
-  few=$(total "$1" "$2" "$short")
-  many=$(total "$1" "$2" "$long")
+  few=$(total "$@" "$short")
+  many=$(total "$@" "$long")
   echo "$few $many" | awk -v steps=$((long - short)) \
     '{ printf "%.1f %.1f\n", ($3 - $1) / steps, ($4 - $2) / steps }'
 }
@@ -44,12 +44,12 @@ compare() {
 
 printf '%-34s %8s %8s %7s %7s\n' 'a step' engine peer ratio bound
 while read -r figure instruction_bound reference_bound; do
-  read -r own_instructions own_references <<<"$(count engine "$figure")"
-  read -r instructions references <<<"$(count fused "$figure")"
+  read -r own_instructions own_references <<<"$(count "$program" engine "$figure")"
+  read -r instructions references <<<"$(count "$program" fused "$figure")"
   compare "$figure instructions" "$own_instructions" "$instructions" "$instruction_bound"
   compare "$figure data references" "$own_references" "$references" "$reference_bound"
   [[ $figure == 3-1 ]] || continue
-  read -r instructions references <<<"$(count odeint "$figure")"
+  read -r instructions references <<<"$(count "$program" odeint "$figure")"
   compare '3-1 instructions, Boost.odeint' "$own_instructions" "$instructions" 1
 done <<'BOUNDS'
 2-1 1.4 1.55
@@ -60,8 +60,8 @@ BOUNDS
 
 # Loops as texts beside the models that they are twins of.
 while read -r figure twin bound; do
-  read -r own_instructions _ <<<"$(count text "share/loops/$twin.mo")"
-  read -r instructions _ <<<"$(count engine "$figure")"
+  read -r own_instructions _ <<<"$(count "$program" text "share/loops/$twin.mo")"
+  read -r instructions _ <<<"$(count "$program" engine "$figure")"
   compare "$figure as a text, instructions" "$own_instructions" "$instructions" "$bound"
 done <<'TWINS'
 2-1 PIPlus 2.6
@@ -69,4 +69,25 @@ done <<'TWINS'
 6-1 DigitalPID 2.55
 15-1 Resonance 2.55
 TWINS
+
+# What watching adds to a step, in instructions: FIGURE, the row of bench/watchers.h, the one that it
+# is more than, how many instruments that is, and the bound.
+printf '%-34s %8s %8s\n' 'watching, instructions a step' more bound
+declare -A watched
+for row in nothing scope_1_trace scope_and_swept_sine scope_and_15_meters; do
+  read -r watched[$row] _ <<<"$(count "${program}_watch" "$row")"
+done
+while read -r title row beside number bound; do
+  more=$(awk -v all="${watched[$row]}" -v rest="${watched[$beside]}" -v number="$number" \
+    'BEGIN { printf "%.1f", (all - rest) / number }')
+  printf '%-34s %8s %8s\n' "$title" "$more" "$bound"
+  if awk -v more="$more" -v bound="$bound" 'BEGIN { exit (more > 0 && more <= bound) }'; then
+    echo "  not within its bound"
+    failed=1
+  fi
+done <<'WATCHERS'
+scope scope_1_trace nothing 1 115
+swept_sine scope_and_swept_sine scope_1_trace 1 1100
+a_meter_of_15 scope_and_15_meters scope_1_trace 15 13
+WATCHERS
 exit "$failed"

@@ -11,7 +11,6 @@
 #include "loops/own_loops.h"
 #include "models/catalogue.h"
 #include "odeint_pi.h"
-#include "watchers.h"
 
 namespace torvane::bench {
 namespace {
@@ -42,17 +41,6 @@ double RunText(const std::string& file, long steps) {
   return model->Time();
 }
 
-// Under the instruments that a row names.
-double RunWatched(const std::string& name, long steps) {
-  for (const Watchers& row : WatchRows) {
-    if (row.Name != name) continue;
-    Watched watched(row);
-    for (; steps > 0; steps -= Watched::StepsPerTurn) watched.Turn();
-    return watched.Time();
-  }
-  return 0.0;
-}
-
 template <class Loop>
 double Run(bool engine, long steps) {
   return engine ? RunEngine<Loop>(steps) : RunLoop<Loop>(steps);
@@ -63,8 +51,6 @@ int Count(const std::string& side, const std::string& figure, long steps) {
   double result = 0.0;
   if (side == "text") {
     result = RunText(figure, steps);
-  } else if (side == "watch") {
-    result = RunWatched(figure, steps);
   } else if (side == "odeint") {
     result = RunLoop<OdeintAnalogPI>(steps);
   } else if (figure == "2-1") {
@@ -76,8 +62,7 @@ int Count(const std::string& side, const std::string& figure, long steps) {
   } else if (figure == "15-1") {
     result = Run<FusedResonance>(engine, steps);
   } else {
-    std::fprintf(stderr,
-                 "usage: torvane_count engine|fused|odeint|text|watch FIGURE|FILE|ROW STEPS\n");
+    std::fprintf(stderr, "usage: torvane_count engine|fused|odeint|text FIGURE|FILE STEPS\n");
     return 2;
   }
   std::printf("%.17g\n", result);

@@ -34,12 +34,6 @@ struct Taken {
   std::string Fault;
 };
 
-void AddScreen(std::vector<double>& values, const ScopeScreen& screen) {
-  values.insert(values.end(), screen.Time.begin(), screen.Time.end());
-  for (const auto& trace : screen.Values) values.insert(values.end(), trace.begin(), trace.end());
-  values.push_back(screen.EventTime.value_or(-1.0));
-}
-
 Taken AllTaken(Loop& loop) {
   Taken outcome;
   auto& exact = outcome.Exact = test::Values(loop.Model());
@@ -47,7 +41,9 @@ Taken AllTaken(Loop& loop) {
   ScopeScreen screen;
   for (const auto sweep : {ScopeSweep::Present, ScopeSweep::Whole}) {
     scope.CopyScreen(sweep, screen);
-    AddScreen(exact, screen);
+    exact.insert(exact.end(), screen.Time.begin(), screen.Time.end());
+    for (const auto& trace : screen.Values) exact.insert(exact.end(), trace.begin(), trace.end());
+    exact.push_back(screen.EventTime.value_or(-1.0));
   }
   exact.push_back(static_cast<double>(scope.SweepCount() * 4 + scope.AutomaticSweeps()));
   for (const auto kind : ServicedKinds) {
@@ -59,6 +55,7 @@ Taken AllTaken(Loop& loop) {
       }
     }
   }
+  exact.push_back(loop.Fft().SampleCount());
   auto& sweep = loop.The<ZelSweptDSA>(InstrumentKind::SweptSine);
   for (int i = 0; i < sweep.PointCount(); ++i) {
     for (const auto& channel : sweep.Channels()) {
@@ -114,8 +111,8 @@ void ChangeConstant(Loop& loop) {
 
 const std::vector<TapeCase> TapeCases = {
     {"as it opens", [](Loop&) {}, ChangeConstant},
-    {"rolling", [](Loop& loop) { ScopeUnderTape(loop).Trigger().SetRoll(true); }},
-    {"continuous", [](Loop& loop) { ScopeUnderTape(loop).Trigger().SetMode(SweepMode::Cont); }},
+    {"rolling, then continuous", [](Loop& loop) { ScopeUnderTape(loop).Trigger().SetRoll(true); },
+     [](Loop& loop) { ScopeUnderTape(loop).Trigger().SetMode(SweepMode::Cont); }},
     {"events only, late and counted",
      [](Loop& loop) {
        ZelTrigger& trigger = ScopeUnderTape(loop).Trigger();
@@ -132,12 +129,11 @@ const std::vector<TapeCase> TapeCases = {
      [](Loop& loop) { SetScale(loop, 2e-3); }},
     {"screens that stop", [](Loop& loop) { ScopeUnderTape(loop).SetStopsModel(true); },
      [](Loop& loop) { ScopeUnderTape(loop).SetSingleShot(true); }},
-    {"meters", AddMeters, ChangeConstant},
-    {"a meter that excites", AddMeters,
+    {"meters, then one that excites", AddMeters,
      [](Loop& loop) { loop.The<ZelMeter>(InstrumentKind::Meter, 1).SetUseExcitation(true); }},
-    {"sweep", BeginSweep, [](Loop& loop) { SetScale(loop, 2e-5); }},
-    {"sweep, every tick but one late", BeginSweep,
+    {"sweep, then every tick but one late", BeginSweep,
      [](Loop& loop) {
+       SetScale(loop, 2e-5);
        loop.The<ZelSweptDSA>(InstrumentKind::SweptSine).SetTSample(3.3e-5);
        AddMeters(loop);
      }},
