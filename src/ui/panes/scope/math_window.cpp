@@ -3,6 +3,8 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyle>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <array>
 
@@ -118,7 +120,10 @@ void MathWindow::ShowMeasures(const std::vector<ChannelMeasures>& live,
 
 void MathWindow::FitColumns() {
   const int text = Table().fontMetrics().horizontalAdvance(Unavailable) + BesideText;
-  int width = 2 * Table().frameWidth() + Table().verticalHeader()->sizeHint().width();
+  const QMargins around = Body().contentsMargins();
+  const int frame = style()->pixelMetric(QStyle::PM_DockWidgetFrameWidth, nullptr, this);
+  int width = around.left() + around.right() + 2 * (frame + Table().frameWidth()) +
+              Table().verticalHeader()->sizeHint().width();
   for (int column = 0; column < Table().columnCount(); ++column) {
     const int titled = Table().horizontalHeader()->sectionSizeHint(column);
     Table().setColumnWidth(column, std::max(text, titled));
