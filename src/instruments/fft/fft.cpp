@@ -210,20 +210,19 @@ unsigned ReverseBits(unsigned x, int bits) {
   return reversed;
 }
 
-Fft::Fft(int maxOrder)
-    : maxOrder_(maxOrder),
-      cos_(std::size_t{1} << (maxOrder - 1)),
-      sin_(std::size_t{1} << (maxOrder - 1)),
-      naturalCos_(std::size_t{1} << maxOrder),
-      naturalSin_(std::size_t{1} << maxOrder) {
-  const int points = 1 << maxOrder;
+void Fft::FillTables() const {
+  const int points = 1 << maxOrder_;
+  cos_.resize(static_cast<std::size_t>(points) / 2);
+  sin_.resize(cos_.size());
+  naturalCos_.resize(static_cast<std::size_t>(points));
+  naturalSin_.resize(naturalCos_.size());
   for (std::size_t group = 0; group < cos_.size(); ++group) {
-    const double m = ReverseBits(static_cast<unsigned>(group), maxOrder - 1);
+    const double m = ReverseBits(static_cast<unsigned>(group), maxOrder_ - 1);
     const double angle = m * TwoPi / points;
     cos_[group] = std::cos(angle);
     sin_[group] = std::sin(angle);
   }
-  for (int bits = 0; bits < maxOrder; ++bits) {
+  for (int bits = 0; bits < maxOrder_; ++bits) {
     const std::size_t groups = std::size_t{1} << bits;
     for (std::size_t m = 0; m < groups; ++m) {
       const std::size_t group = ReverseBits(static_cast<unsigned>(m), bits);
@@ -234,6 +233,7 @@ Fft::Fft(int maxOrder)
 }
 
 void Fft::Transform(float* re, float* im, int order) const {
+  if (naturalSin_.empty()) FillTables();
   const Twiddles twiddles{cos_.data(), sin_.data()};
   if (order >= 2 * TileBits) {
     TransformLong(re, im, order, twiddles, {naturalCos_.data(), naturalSin_.data()});

@@ -10,11 +10,12 @@ namespace torvane {
 /// Butterflies are computed in double precision and rounded to single precision after every stage;
 /// natural order goes in, the stages leave bit-reversed order, and a permutation puts it right. All
 /// butterflies of a group share one twiddle, and the angle of group g is the same number at every
-/// stage and for every order: tables filled at construction serve all of them.
+/// stage and for every order: one pair of tables serves all of them. The first transform fills
+/// them, as most models never measure one; so one thread at a time may transform.
 class Fft {
  public:
-  /// Fills the tables for records of up to 2^maxOrder points; maxOrder >= 1.
-  explicit Fft(int maxOrder);
+  /// For records of up to 2^maxOrder points; maxOrder >= 1.
+  explicit Fft(int maxOrder) : maxOrder_(maxOrder) {}
 
   int MaxOrder() const { return maxOrder_; }
 
@@ -22,15 +23,17 @@ class Fft {
   void Transform(float* re, float* im, int order) const;
 
  private:
+  void FillTables() const;
+
   int maxOrder_;
   // Cosine and sine of each group's angle, in order of groups, which is bit-reversed order of
   // angles.
-  std::vector<double> cos_;
-  std::vector<double> sin_;
+  mutable std::vector<double> cos_;
+  mutable std::vector<double> sin_;
   // The same numbers in natural order of angles, for stages that take several groups side by side:
   // from index n on those of a stage of n groups.
-  std::vector<double> naturalCos_;
-  std::vector<double> naturalSin_;
+  mutable std::vector<double> naturalCos_;
+  mutable std::vector<double> naturalSin_;
 };
 
 /// The lowest `bits` bits of x in reverse order.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 #include <span>
+#include <utility>
 
 #include "core/text.h"
 #include "instruments/generator/wave.h"
@@ -57,10 +58,10 @@ StepRun WithoutStep(const std::string& reason) {
 /// A model whose command makes one step, by one of its generators.
 class OneStep {
  public:
-  OneStep(const MakeModel& make, std::size_t generator, const StepOptions& options,
+  OneStep(std::unique_ptr<ZelModel> model, std::size_t generator, const StepOptions& options,
           Supervisor& supervisor)
       : options_(options),
-        model_(MakeFirst(make)),
+        model_(std::move(model)),
         command_(NamedSignal(model_->Bench(), options.Command)),
         response_(NamedSignal(model_->Bench(), options.Response)),
         watched_(options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak)),
@@ -176,15 +177,17 @@ StepMeasures Measured(const StepRun& run) {
 }
 
 StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Supervisor& supervisor) {
-  const auto model = MakeFirst(make);
+  auto model = MakeFirst(make);
   const auto& generators = model->Bench().Instruments(InstrumentKind::WaveGenerator);
+  const std::size_t count = generators.size();
   const bool plays = std::ranges::any_of(generators, [](const Instrument* generator) {
     return dynamic_cast<const ZelWave&>(*generator).Played() != nullptr;
   });
   StepRun without = WithoutStep(plays ? "a generator plays a file; a step is measured of a waveform"
                                       : Reason(StepGap::NoStep));
-  for (std::size_t k = 0; k < generators.size(); ++k) {
-    auto run = OneStep(make, k, options, supervisor).Run();
+  for (std::size_t k = 0; k < count; ++k) {
+    if (k > 0) model = MakeFirst(make);
+    auto run = OneStep(std::move(model), k, options, supervisor).Run();
     if (!run) continue;
     if (run->Reason.empty()) return std::move(*run);
     without = std::move(*run);
