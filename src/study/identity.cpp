@@ -80,6 +80,7 @@ std::string StudyIdentity::Difference(const StudyIdentity& other, bool sharesDif
       const std::string mine = Value(name);
       const std::string its = other.Value(name);
       if (mine == its || (name == SharePart && !sharesDiffer)) continue;
+      if (name == UnitsPart) continue;  // they follow from the rest
       if (!value.starts_with(SumMark)) return name + " is " + Told(its) + ", not " + Told(mine);
       if (sums.empty()) sums.append("another ").append(name);
     }

@@ -40,5 +40,7 @@ class StudyIdentity {
 inline constexpr const char* SharePart = "share";
 /// The number of its runs.
 inline constexpr const char* RunsPart = "runs";
+/// The units of its settings and then of its measures, a CSV line.
+inline constexpr const char* UnitsPart = "units";
 
 }  // namespace torvane

@@ -82,7 +82,9 @@ std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& 
 
 std::string MeasureUnit(const std::string& caption) {
   for (const RunMeasure& measure : Measures()) {
-    if (caption == measure.Caption) return measure.Unit;
+    if (caption != measure.Caption) continue;
+    const std::string unit = measure.Unit;
+    return unit.starts_with("the ") ? std::string() : unit;
   }
   return {};
 }

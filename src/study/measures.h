@@ -72,7 +72,7 @@ std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
 std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& commandUnit,
                                       const std::string& peakUnit);
 
-/// The unit of the measure of that caption; empty of none.
+/// The unit of the measure of that caption; empty of none, and where a signal's unit decides.
 std::string MeasureUnit(const std::string& caption);
 
 }  // namespace torvane

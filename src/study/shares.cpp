@@ -35,6 +35,21 @@ void CheckWhole(const std::string& path, std::string_view text) {
   }
 }
 
+constexpr std::string_view PartEnding = ".part";
+
+// What stands of a study or a share that has not come to its end.
+void CheckFinished(const std::string& path, std::string_view text, const StudyIdentity& identity) {
+  const bool part = path.ends_with(PartEnding);
+  if (!part && !identity.Value(SharePart).empty()) return;
+  const auto lines = std::count(text.begin(), text.end(), '\n');
+  const auto runs = std::max<std::ptrdiff_t>(lines - 2, 0);
+  std::string fault = path + " is unfinished: " + std::to_string(runs);
+  fault += runs == 1 ? " run stands in it; " : " runs stand in it; ";
+  fault += "the command that began it goes on with it, with --out ";
+  fault += part ? path.substr(0, path.size() - PartEnding.size()) : "as it was";
+  throw StudyFault(fault);
+}
+
 }  // namespace
 
 void Shares::Add(const std::string& path) {
@@ -60,6 +75,7 @@ void Shares::Add(const std::string& path) {
 
 void Shares::AddShare(const std::string& path, std::string_view text,
                       const StudyIdentity& identity) {
+  CheckFinished(path, text, identity);
   WholeLines lines(text);
   lines.Next();
   const std::string head = HeadOf(lines.Next());
@@ -105,6 +121,13 @@ std::string Shares::Table() const {
   std::string table = head_;
   for (const auto& row : rows_) table += row.second;
   return table;
+}
+
+std::vector<std::string> Shares::Units() const {
+  const std::string units = identity_ ? identity_->Value(UnitsPart) : "";
+  CsvRow row;
+  CsvReader(units).Next(row);
+  return row.Fields;
 }
 
 }  // namespace torvane

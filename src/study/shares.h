@@ -19,6 +19,10 @@ class Shares {
   /// The whole table.
   std::string Table() const;
 
+  /// The units of its settings and then of its measures; none of a whole result, which does not
+  /// say them.
+  std::vector<std::string> Units() const;
+
  private:
   void AddShare(const std::string& path, std::string_view text, const StudyIdentity& identity);
   void CheckThatNoneIsMissing() const;

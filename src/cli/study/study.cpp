@@ -118,14 +118,15 @@ void RunStudy(const StudyCommand& command, Console& console) {
 
 namespace {
 
-void WriteTable(const std::string& text, const TableForm& form, ResultFile& file) {
+void WriteTable(const std::string& text, const std::vector<std::string>& units,
+                const TableForm& form, ResultFile& file) {
   if (form.IsPlain()) {
     file.Write(text);
   } else {
     CsvReader rows(text);
     CsvRow row;
     rows.Next(row);
-    TableWriter table(TableColumns(text), form, file);
+    TableWriter table(TableColumns(text, units), form, file);
     while (rows.Next(row)) table.Write(row.Fields);
     table.End();
   }
@@ -150,7 +151,7 @@ void MergeStudies(const StudyCommand& command) {
   }
   CheckStudyPicture(command, table);
   ResultFile file(command.Out);
-  WriteTable(table, command.Form, file);
+  WriteTable(table, shares.Units(), command.Form, file);
   TellStudyBest(command, table);
   if (!command.Picture.empty()) WriteStudyPicture(command, table, {});
 }

@@ -41,7 +41,7 @@ std::vector<Column> StudyColumns(Study& study) {
   return columns;
 }
 
-std::vector<Column> TableColumns(const std::string& table) {
+std::vector<Column> TableColumns(const std::string& table, const std::vector<std::string>& units) {
   CsvReader rows(table);
   CsvRow head;
   rows.Next(head);
@@ -50,6 +50,12 @@ std::vector<Column> TableColumns(const std::string& table) {
     column.Unit = MeasureUnit(column.Caption);
     column.IsText = column.Caption == ReasonCaption;
   }
+  // All but Run, Measures and Reason; a setting may have a name of theirs.
+  if (units.size() + 3 != columns.size()) return columns;
+  std::size_t mark = columns.size() - 1;
+  while (columns[mark].Caption != MeasuresCaption) --mark;
+  for (std::size_t k = 0; k < units.size(); ++k)
+    columns[k + 1 + (k + 1 < mark ? 0 : 1)].Unit = units[k];
   return columns;
 }
 

@@ -17,7 +17,8 @@ std::vector<Column> SettingColumns(const ZelModel& model, const std::vector<std:
 /// The columns of a study's table.
 std::vector<Column> StudyColumns(Study& study);
 
-/// Those of a table that is there, whose model is not: units of measures alone.
-std::vector<Column> TableColumns(const std::string& table);
+/// Those of a table that is there, whose model is not. Without the units of its settings and
+/// measures those alone have one whose unit is always the same.
+std::vector<Column> TableColumns(const std::string& table, const std::vector<std::string>& units);
 
 }  // namespace torvane::cli

@@ -28,6 +28,7 @@ Study::Study(StudyOptions options, Supervisor& supervisor)
   CheckStudyBest(options_, Measures());
   identity_ = IdentityOf(options_, design_, *first_);
   CheckDesign(design_, *first_);
+  identity_.Add(UnitsPart, UnitsOfStudy(options_, design_, Measures(), *first_));
 }
 
 MeasureSet Study::Measures() const {

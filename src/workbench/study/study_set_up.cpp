@@ -10,6 +10,8 @@
 #include "core/text.h"
 #include "core/version.h"
 #include "loops/own_loop.h"
+#include "study/setting.h"
+#include "workbench/measure/measurement.h"
 #include "workbench/model/assignment.h"
 #include "workbench/work_fault.h"
 
@@ -121,6 +123,18 @@ StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
   identity.AddSum("table of runs", table);
   if (!options.Shard.empty()) identity.Add(SharePart, options.Shard);
   return identity;
+}
+
+std::string UnitsOfStudy(const StudyOptions& options, const StudyDesign& design,
+                         const MeasureSet& measures, const ZelModel& model) {
+  std::vector<std::string> units;
+  for (const std::string& name : design.Names) {
+    units.push_back(ModelSetting::Named(model.Bench(), name).Unit());
+  }
+  for (const std::string& unit : UnitsOfMeasures(model, options.Measure, measures)) {
+    units.push_back(unit);
+  }
+  return CsvLine(units);
 }
 
 // Each Nth run from the Kth on, so that a share that is missing shows.

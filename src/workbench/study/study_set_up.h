@@ -2,6 +2,7 @@
 
 #include "study/design.h"
 #include "study/identity.h"
+#include "study/measures.h"
 #include "workbench/study/study.h"
 
 namespace torvane {
@@ -13,6 +14,11 @@ StudyDesign MakeDesign(const StudyOptions& options);
 /// settings are on it yet.
 StudyIdentity IdentityOf(const StudyOptions& options, const StudyDesign& design,
                          const ZelModel& model);
+
+/// The units of a study's settings and then of its measures, as UnitsPart has them; the settings
+/// are known to be the model's.
+std::string UnitsOfStudy(const StudyOptions& options, const StudyDesign& design,
+                         const MeasureSet& measures, const ZelModel& model);
 
 /// Who says which values of a range are taken: a grid's or a list's count does, samples and a
 /// search go without.
