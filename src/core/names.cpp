@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace torvane {
 namespace {
@@ -34,6 +35,22 @@ int FormOf(const std::string& text, const std::string& name) {
   return position == 0 ? 0 : position != std::string::npos ? 1 : 2;
 }
 
+constexpr std::size_t FewNames = 8;
+
+// Without the dashes that all options begin with.
+std::size_t LettersOf(const std::string& name) {
+  return name.size() - std::min(name.size(), name.find_first_not_of('-'));
+}
+
+bool IsNear(const std::string& wanted, const std::string& name, const Rank& rank) {
+  const auto& [form, distance] = rank;
+  if (form < 2) return true;
+  const std::size_t letters = std::max(LettersOf(wanted), LettersOf(name));
+  if (distance <= std::max<std::size_t>(1, letters * 2 / 5)) return letters > 1;
+  return distance == 2 &&
+         std::is_permutation(wanted.begin(), wanted.end(), name.begin(), name.end());
+}
+
 }  // namespace
 
 std::string Lower(std::string text) {
@@ -63,14 +80,21 @@ std::string NearestName(const std::string& text, const std::vector<std::string>&
     nearest = &candidate;
     best = rank;
   }
-  return nearest ? *nearest : std::string();
+  return nearest && IsNear(wanted, Lower(*nearest), best) ? *nearest : std::string();
 }
 
 std::string UnknownNameText(const std::string& what, const std::string& text,
                             const std::vector<std::string>& names) {
   const std::string nearest = NearestName(text, names);
-  return "unknown " + what + " \"" + text + "\"" +
-         (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?");
+  std::string fault = "unknown " + what + " \"" + text + "\"";
+  if (!nearest.empty()) return fault.append("; did you mean \"").append(nearest).append("\"?");
+  if (names.size() > FewNames) return fault;
+  std::string separator = "; known: ";
+  for (auto name = names.begin(); name != names.end(); ++name) {
+    if (std::find(names.begin(), name, *name) != name) continue;
+    fault.append(std::exchange(separator, ", ")).append(*name);
+  }
+  return fault;
 }
 
 int IndexOfName(const std::string& text, const std::vector<std::string>& names) {
