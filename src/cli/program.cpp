@@ -56,6 +56,7 @@ void AddCommands(CLI::App& app, Console& console) {
   AddSignalsCommand(app, console);
   AddPairsCommand(app, console);
   AddRunCommand(app, console);
+  AddDrawCommand(app);
   AddScopeCommand(app, console);
   AddSpeedCommand(app, console);
   AddBodeCommand(app, console);

@@ -15,6 +15,7 @@ void AddConstantsCommand(CLI::App& app, Console& console);
 void AddSignalsCommand(CLI::App& app, Console& console);
 void AddPairsCommand(CLI::App& app, Console& console);
 void AddRunCommand(CLI::App& app, Console& console);
+void AddDrawCommand(CLI::App& app);
 void AddScopeCommand(CLI::App& app, Console& console);
 void AddSpeedCommand(CLI::App& app, Console& console);
 void AddBodeCommand(CLI::App& app, Console& console);

@@ -5,6 +5,7 @@
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
 #include "cli/io/number_options.h"
+#include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
 #include "cli/io/table.h"
 #include "core/text.h"
@@ -21,6 +22,7 @@ struct RunOptions {
   double Every = 0.0;
   std::string Record;
   std::string Out;
+  std::string Picture;
   TableForm Form;
 };
 
@@ -30,20 +32,30 @@ std::vector<Column> ColumnsOf(const ZelBenchTop& bench, const std::vector<Variab
   return columns;
 }
 
+std::vector<RecordedRun::Signal> SignalsOf(const std::vector<Variable*>& signals) {
+  std::vector<RecordedRun::Signal> named;
+  for (const Variable* signal : signals) named.push_back({signal->Name(), signal->Unit()});
+  return named;
+}
+
 class Recording {
  public:
-  Recording(const ZelBenchTop& bench, const RunOptions& options)
-      : bench_(bench),
-        signals_(ListedSignals(bench, options.Record)),
+  Recording(const ZelModel& model, const RunOptions& options)
+      : bench_(model.Bench()),
+        signals_(ListedSignals(bench_, options.Record)),
         file_(options.Out, Delivery::Streamed),
-        table_(ColumnsOf(bench, signals_), options.Form, file_),
-        row_(signals_.size() + 1) {}
+        table_(ColumnsOf(bench_, signals_), options.Form, file_),
+        row_(signals_.size() + 1) {
+    if (options.Picture.empty()) return;
+    drawn_.emplace(model.Name(), bench_.TimeVar()->Unit(), SignalsOf(signals_));
+  }
 
   void WriteRow() {
     row_.front() = bench_.Time();
     std::transform(signals_.begin(), signals_.end(), row_.begin() + 1,
                    [](const Variable* signal) { return signal->DisplayValue(); });
     table_.Write(row_);
+    if (drawn_) drawn_->Add(row_.front(), std::span(row_).subspan(1));
   }
 
   bool IsStandardOutput() const { return file_.IsStandardOutput(); }
@@ -51,6 +63,7 @@ class Recording {
     table_.End();
     file_.Close();
   }
+  RecordedRun Drawn() { return std::move(*drawn_); }
   /// Of an end before time: what a message about it ends with.
   std::string KeepRows() {
     table_.End();
@@ -63,6 +76,7 @@ class Recording {
   ResultFile file_;
   TableWriter table_;
   std::vector<double> row_;
+  std::optional<RecordedRun> drawn_;
 };
 
 void Record(ZelModel& model, const RunOptions& options, Recording& recording, Console& console) {
@@ -72,13 +86,16 @@ void Record(ZelModel& model, const RunOptions& options, Recording& recording, Co
 }
 
 void Run(const RunOptions& options, Console& console) {
+  CheckPictureFile(options.Picture);
+  CheckOutputs(options.Out, options.Picture, "");
   const auto model = OpenModel(options.Model, console);
-  Recording recording(model->Bench(), options);
+  Recording recording(*model, options);
   try {
     Record(*model, options, recording, console);
   } catch (const WorkFault& error) {
     throw WorkFault(error.What(), error.what() + recording.KeepRows());
   }
+  if (!options.Picture.empty()) WritePicture(recording.Drawn(), options.Picture);
 }
 
 }  // namespace
@@ -101,6 +118,11 @@ void AddRunCommand(CLI::App& app, Console& console) {
                    "File to write; standard output without it. Until the end its rows stand in "
                    "FILE.part, and stay there after an end before time")
       ->type_name("FILE");
+  command
+      ->add_option("--picture", options->Picture,
+                   "Draw the signals on time into this file as well, those of very different size "
+                   "below each other")
+      ->type_name("FILE.png|svg|pdf");
   AddTableForm(*command, options->Form);
   command->callback([options, &console] { Run(*options, console); });
 }

@@ -7,6 +7,7 @@
 
 #ifdef TORVANE_PICTURES
 #include "plot/picture_export.h"
+#include "plot/run/run_picture.h"
 #include "plot/study/study_picture.h"
 #endif
 
@@ -39,6 +40,10 @@ void WritePicture(FrequencyAnalyser& analyser, const std::string& file) {
   WritePicture(ResponsePicture(analyser), file);
 }
 
+void WritePicture(RecordedRun run, const std::string& file) {
+  WritePicture(RunPicture(std::move(run)), file);
+}
+
 void WritePicture(StudyResponses responses, const std::string& file) {
   WritePicture(StudyResponsesPicture(std::move(responses)), file);
 }
@@ -52,6 +57,10 @@ void WritePicture(const ZelScope&, const ScopeScreen&, const std::string& file) 
 }
 
 void WritePicture(FrequencyAnalyser&, const std::string& file) {
+  CheckPictureFile(file);
+}
+
+void WritePicture(RecordedRun, const std::string& file) {
   CheckPictureFile(file);
 }
 

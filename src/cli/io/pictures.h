@@ -3,6 +3,7 @@
 #include <string>
 
 #include "instruments/analyser/analyser.h"
+#include "instruments/recorded_run.h"
 #include "instruments/scope/scope.h"
 #include "study/study_pictures.h"
 
@@ -17,6 +18,9 @@ void CheckPictureFile(const std::string& file);
 void WritePicture(const ZelScope& scope, const ScopeScreen& screen, const std::string& file);
 /// The same of an analyser's gain and phase.
 void WritePicture(FrequencyAnalyser& analyser, const std::string& file);
+
+/// The signals of a run on time.
+void WritePicture(RecordedRun run, const std::string& file);
 
 /// The responses of a study's runs, or a map of them.
 void WritePicture(StudyResponses responses, const std::string& file);
