@@ -17,12 +17,13 @@ from . import _engine
 from ._model import Constant, Generator, Meter, Model, Signal, merge, study
 from ._pictures import Picture
 from ._reports import StoppedError, TorvaneWarning
-from ._results import (Linear, Margins, Measures, Reading, Response, Run, Screen, Study, Theory)
+from ._results import (Linear, Margins, Measures, Overlay, Reading, Response, Run, Screen, Study,
+                       Theory)
 
 __version__: str = _engine.version
-__all__ = ["Constant", "Generator", "Linear", "Margins", "Measures", "Meter", "Model", "Picture",
-           "Reading", "Response", "Run", "Screen", "Signal", "StoppedError", "Study", "Theory",
-           "TorvaneWarning", "check", "merge", "models", "study"]
+__all__ = ["Constant", "Generator", "Linear", "Margins", "Measures", "Meter", "Model", "Overlay",
+           "Picture", "Reading", "Response", "Run", "Screen", "Signal", "StoppedError", "Study",
+           "Theory", "TorvaneWarning", "check", "merge", "models", "study"]
 
 
 def models() -> List[str]:

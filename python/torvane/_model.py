@@ -168,7 +168,7 @@ class Model:
         _above_zero(until=until, every=every)
         listed = record if isinstance(record, str) else ",".join(record or ())
         rows = self._engine.run(until, every, listed, resume, on_progress)
-        return None if rows is None else Run(*rows)
+        return None if rows is None else Run(*rows, title=self.name)
 
     def restart(self) -> None:
         """Goes back to time 0."""
@@ -310,6 +310,23 @@ class Model:
         """The block diagram as SVG, drawn by torvane-cli; None where that cannot be had."""
         source = self._source if self._source.endswith(".mo") else self.name
         return _pictures.svg([source], "diagram", [])
+
+    def diagram_dot(self) -> str:
+        """The diagram of a loop of your own in the language DOT; a built-in model is a
+        ValueError. torvane-cli writes it; without one a StoppedError."""
+        return _pictures.answer(["diagram", self._source, "--format", "dot"])
+
+    def speed(self, seconds: float = 3.0, instruments: bool = True) -> Dict[str, float]:
+        """How fast torvane-cli runs the model with these settings, for so many seconds of wall
+        time: ``simulated_s``, ``wall_s``, their ``ratio`` and ``ns_per_step``; without
+        ``instruments`` solver and model alone."""
+        _above_zero(seconds=seconds)
+        with tempfile.TemporaryDirectory() as folder:
+            file = str(Path(folder) / "model.tvf")
+            self.save(file)
+            alone = [] if instruments else ["--no-instruments"]
+            told = _pictures.answer(["speed", file, "--for", repr(float(seconds)), *alone])
+        return {name: float(value) for name, value in (one.split("=") for one in told.split())}
 
     def _repr_svg_(self) -> Optional[str]:
         return self.diagram()

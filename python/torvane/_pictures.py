@@ -67,6 +67,28 @@ def drawing_of_study(table: bytes, options: List[str]) -> str:
         raise ValueError(reason)
 
 
+def answer(arguments: List[str]) -> str:
+    """What torvane-cli prints. What it says against it is a ValueError, that there is none a
+    StoppedError."""
+    program = _program()
+    if program is None:
+        raise StoppedError("torvane-cli is not on the search path")
+    done = subprocess.run([program, *arguments], stdin=subprocess.DEVNULL, capture_output=True,
+                          check=False)
+    if done.returncode == 0:
+        return done.stdout.decode("utf-8")
+    lines = done.stderr.decode("utf-8", "replace").splitlines() or ["torvane-cli failed"]
+    raise ValueError(lines[-1].replace("Error: ", "", 1).replace("--", ""))
+
+
+def drawing_of_run(rows: str, title: str) -> Optional[str]:
+    """The signals of a table on time; None where torvane-cli draws no pictures."""
+    with tempfile.TemporaryDirectory() as folder:
+        file = Path(folder) / "run.csv"
+        file.write_bytes(rows.encode("utf-8"))
+        return svg([str(file)], "draw", [f"--title={title}"])
+
+
 def svg(arguments: List[str], command: str, options: List[str]) -> Optional[str]:
     """The picture that a command of torvane-cli draws; None where there is none."""
     program = _program()
@@ -75,7 +97,8 @@ def svg(arguments: List[str], command: str, options: List[str]) -> Optional[str]
     with tempfile.TemporaryDirectory() as folder:
         picture = Path(folder) / "picture.svg"
         drawn = ["--out" if command == "diagram" else "--picture", str(picture)]
-        rows = [] if command == "diagram" else ["--out", str(Path(folder) / "rows.csv")]
+        makes_rows = command not in ("diagram", "draw")
+        rows = ["--out", str(Path(folder) / "rows.csv")] if makes_rows else []
         done = subprocess.run([program, command, *arguments, *options, *drawn, *rows],
                               env={**os.environ, "QT_QPA_PLATFORM": "offscreen"},
                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,

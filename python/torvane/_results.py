@@ -10,7 +10,7 @@ from typing import (Any, Callable, Dict, Iterator, List, Mapping, NamedTuple, Op
 
 import numpy as np
 
-from ._pictures import Picture, drawing_of_study, options_of
+from ._pictures import Picture, drawing_of_run, drawing_of_study, options_of
 
 Array = np.ndarray
 
@@ -48,6 +48,21 @@ class Columns(Mapping[str, Array]):
 
 class Run(Columns):
     """What a run recorded: a row at the time 0 and then every so many seconds."""
+
+    def __init__(self, names: List[str], units: List[str], arrays: List[Array],
+                 title: str = "Run") -> None:
+        super().__init__(names, units, arrays)
+        self._title, self._time_unit = title, units[0]
+
+    def _repr_svg_(self) -> Optional[str]:
+        if not len(self.time):
+            return None
+        captions = [f"{name} ({self.units[name]})" if self.units[name] else name for name in self]
+        rows = io.StringIO(newline="")
+        writer = csv.writer(rows)
+        writer.writerow([f"Time ({self._time_unit})", *captions])
+        writer.writerows(zip(self.time.tolist(), *(self[name].tolist() for name in self)))
+        return drawing_of_run(rows.getvalue(), self._title)
 
 
 class Screen(Columns):
@@ -96,6 +111,23 @@ def _nearest_to_0(readings: List[Reading]) -> Optional[Reading]:
     return min(readings, key=lambda one: abs(one.value)) if readings else None
 
 
+def _margins_of(read: Dict[str, Any]) -> Margins:
+    for name in ("peaking", "sensitivity"):
+        read[name] = read[name] and Reading(*read[name])
+    for name in ("phase_margins", "gain_margins"):
+        read[name] = [Reading(*one) for one in read[name]]
+    return Margins(**read)
+
+
+class Overlay(NamedTuple):
+    """A file's response: float64 arrays of shape (points,), NaN beyond its frequencies."""
+
+    frequency: Array  #: Hz, of the response that it is laid over
+    gain_db: Array
+    phase_deg: Array
+    margins: Margins  #: read off the file's own points
+
+
 class Response:
     """A frequency response; all arrays are float64 of shape (points,).
 
@@ -127,12 +159,18 @@ class Response:
 
         ``read_as``: "open" loop, "closed" loop, "unity" (closed, its output fed back), or "auto".
         """
-        read = self._measured.margins(read_as)
-        for name in ("peaking", "sensitivity"):
-            read[name] = read[name] and Reading(*read[name])
-        for name in ("phase_margins", "gain_margins"):
-            read[name] = [Reading(*one) for one in read[name]]
-        return Margins(**read)
+        return _margins_of(self._measured.margins(read_as))
+
+    def overlay(self, path: Union[str, Path], *, overlay_columns: str = "",
+                overlay_units: str = "", read_as: str = "auto") -> "Overlay":
+        """A file's response, from a bench or ``torvane-cli``, at the frequencies of this one.
+
+        ``overlay_columns`` ("F,G,P", captions or numbers) says which are frequency, gain and
+        phase, ``overlay_units`` ("Hz,dB,deg") theirs where the file does not.
+        """
+        gain, phase = self._measured.overlay(str(path), overlay_columns, overlay_units)
+        return Overlay(self.frequency, gain, phase,
+                       _margins_of(self._measured.margins(read_as, 1)))
 
     def to_control(self) -> Any:
         """An ``FRD`` of python-control, of the excited points; ImportError where it is missing."""

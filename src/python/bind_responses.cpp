@@ -1,6 +1,7 @@
 #include <pybind11/stl.h>
 
 #include <cstdint>
+#include <limits>
 
 #include "core/messages.h"
 #include "instruments/analyser/margins.h"
@@ -8,6 +9,7 @@
 #include "python/bindings.h"
 #include "workbench/measure/loop_findings.h"
 #include "workbench/response/bode_measurement.h"
+#include "workbench/response/file_overlay.h"
 #include "workbench/response/sweep_measurement.h"
 
 namespace torvane::python {
@@ -49,17 +51,32 @@ class MeasuredResponse {
   std::string Input() const { return analyser_.Input()->Name(); }
   std::string Output() const { return analyser_.Output()->Name(); }
 
-  py::dict Read(const std::string& as) const {
+  /// Gain and phase of a file's response at the same frequencies, NaN beyond its ends; margins can
+  /// be read off it from then on.
+  py::tuple Overlay(const std::string& path, const std::string& columns, const std::string& units) {
+    Do(py::none(), [&](PythonSupervisor&) { LayFile(analyser_, path, columns, units); });
+    constexpr double None = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> gain;
+    std::vector<double> phase;
+    for (int index = 0; index < analyser_.ResponseAt(0).End(); ++index) {
+      const double hz = FrequencyOf(index);
+      gain.push_back(analyser_.GainRead(OverlaySlot, hz).value_or(None));
+      phase.push_back(analyser_.PhaseRead(OverlaySlot, hz).value_or(None));
+    }
+    return py::make_tuple(ArrayOf(std::move(gain)), ArrayOf(std::move(phase)));
+  }
+
+  py::dict Read(const std::string& as, int slot) const {
     std::optional<int> choice;
     Keywords(py::dict(py::arg("read_as") = as))
         .TakeChoice("read_as", choice, {ReadAsNames.begin(), ReadAsNames.end()});
     MarginReader reader;
-    const Margins margins = reader.Read(analyser_, 0, static_cast<ReadAs>(choice.value_or(0)));
+    const Margins margins = reader.Read(analyser_, slot, static_cast<ReadAs>(choice.value_or(0)));
     Do(py::none(), [&](PythonSupervisor&) {
-      const double accurate = analyser_.ResponseAt(0).Subject().AccurateUpTo;
+      const double accurate = analyser_.ResponseAt(slot).Subject().AccurateUpTo;
       if (margins.HighestHz() > accurate) Warning(SampleTimeWarning(accurate));
       const auto* const xfer = dynamic_cast<const ZelXfer*>(&analyser_);
-      const auto warning = xfer ? LoopSampleWarning(*xfer) : std::nullopt;
+      const auto warning = xfer && slot == 0 ? LoopSampleWarning(*xfer) : std::nullopt;
       if (warning) Warning(*warning);
     });
     const auto optional = [](const std::optional<Margins::Reading>& one) {
@@ -78,7 +95,7 @@ class MeasuredResponse {
     read["gain_margins"] = all(margins.GainMargins);
     read["sensitivity"] = optional(margins.Sensitivity);
     read["missing"] = margins.Missing;
-    read["accurate_up_to"] = analyser_.ResponseAt(0).Subject().AccurateUpTo;
+    read["accurate_up_to"] = analyser_.ResponseAt(slot).Subject().AccurateUpTo;
     return read;
   }
 
@@ -165,7 +182,8 @@ void BindResponses(py::module_& module, py::class_<ScriptModel>& model) {
       .def("doubts", &MeasuredResponse::Doubts)
       .def_property_readonly("input", &MeasuredResponse::Input)
       .def_property_readonly("output", &MeasuredResponse::Output)
-      .def("margins", &MeasuredResponse::Read);
+      .def("overlay", &MeasuredResponse::Overlay)
+      .def("margins", &MeasuredResponse::Read, py::arg("read_as"), py::arg("slot") = 0);
   model.def("bode", &Bode).def("sweep", &SweptResponse);
 }
 

@@ -154,10 +154,19 @@ def test_pictures_where_torvane_cli_draws_them():
         pytest.skip("torvane-cli draws no pictures here")
     pictures = [drawn, m.bode("Command", "Response", order=9)._repr_svg_(),
                 m.sweep("Command", "Response", from_=50, to=100)._repr_svg_(),
-                m.scope(0.1)._repr_svg_()]
+                m.scope(0.1)._repr_svg_(), m.run(0.1, 0.01)._repr_svg_()]
     table = tv.study(m, {"KP": [0.5, 1], "KI": [50, 100]}, command="Command",
                      response="Response")
     pictures.append(table.map("Overshoot", levels=[20, 30])._repr_svg_())
     assert all("<svg" in picture for picture in pictures)
     with pytest.raises(ValueError, match="unknown measure"):
         table.map("Overshot")
+
+
+def test_a_file_laid_over_a_response(tmp_path):
+    b = tv.Model("3-1").bode("Command", "Response", order=8)
+    rows = zip(b.frequency[1:9] * 2 * np.pi, 10 ** (b.gain_db[1:9] / 20), b.phase_deg[1:9])
+    (tmp_path / "o.csv").write_text("".join(f"{w!r},{g!r},{p!r}\n" for w, g, p in rows))
+    over = b.overlay(tmp_path / "o.csv", overlay_units="rad/s,abs,deg")
+    np.testing.assert_allclose(over.gain_db[2:8], b.gain_db[2:8], atol=1e-9)
+    assert np.isnan(over.phase_deg[20]) and over.margins.bandwidth is None

@@ -1,43 +1,15 @@
 #include "cli/arguments/response_arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <utility>
 
 #include "cli/arguments/model_arguments.h"
 #include "cli/io/number_options.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
-#include "core/messages.h"
 #include "instruments/analyser/read_as.h"
-#include "instruments/analyser/response_csv.h"
-#include "workbench/work_fault.h"
+#include "workbench/response/file_overlay.h"
 
 namespace torvane::cli {
-namespace {
-
-ResponseHints Hints(const ResponseOutput& options) {
-  const auto hints = ParseResponseHints(options.OverlayColumns, options.OverlayUnits);
-  if (hints) return *hints;
-  throw UsageError(
-      "--overlay-columns needs three captions or numbers, --overlay-units three units "
-      "(Hz, kHz, MHz or rad/s, dB or abs, deg or rad)");
-}
-
-void LoadOverlay(FrequencyAnalyser& analyser, const ResponseOutput& options) {
-  ResponseText text = ReadResponseFile(options.Overlay, Hints(options));
-  if (!text.Fault.empty()) {
-    const char* const help = text.UnitsMissing ? "; --overlay-units tells, as in Hz,dB,deg" : "";
-    throw FileError("--overlay " + text.Fault + help);
-  }
-  if (!text.Note.empty()) Note("--overlay \"" + options.Overlay + "\": " + text.Note);
-  if (text.Responses.size() > 1) {
-    Note("--overlay \"" + options.Overlay + "\": the first of " +
-         std::to_string(text.Responses.size()) + " responses is taken; --overlay-columns chooses");
-  }
-  analyser.LoadMemory(OverlaySlot, std::move(text.Responses.front().Curve), options.Overlay);
-}
-
-}  // namespace
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output) {
   AddModelOptions(command, options.Model);
@@ -116,7 +88,9 @@ FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
   CheckPictureFile(output.Picture);
   CheckOutputs(output.Out, output.Picture, output.Overlay);
   FrequencyAnalyser& analyser = ChooseAnalyser(bench, kind, options);
-  if (!output.Overlay.empty()) LoadOverlay(analyser, output);
+  if (!output.Overlay.empty()) {
+    LayFile(analyser, output.Overlay, output.OverlayColumns, output.OverlayUnits);
+  }
   return analyser;
 }
 
