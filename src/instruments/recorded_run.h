@@ -18,6 +18,7 @@ class RecordedRun {
     double High = 0.0;
     double Last = 0.0;
   };
+  /// A signal and its columns, in its display's unit.
   struct Signal {
     std::string Name;
     std::string Unit;
