@@ -189,6 +189,8 @@ class RunPainter {
       }
       if (!columns.empty()) add(XOf(run_.End(), strip.Plate), columns.back().Last);
       painter_.drawPolyline(Simplified(line));
+      // A line of a single row has no length.
+      if (line.size() == 1) painter_.drawEllipse(line.front(), 2.0 * ratio_, 2.0 * ratio_);
     }
     painter_.restore();
   }
