@@ -37,6 +37,7 @@ QString DescriptionIn(const QString& text) {
 
 NewLoopDialog::NewLoopDialog(const QString& templates, const QString& folder, QWidget* parent)
     : QDialog(parent),
+      templates_(templates),
       folder_(folder),
       list_(new QListWidget),
       name_(new QLineEdit(QStringLiteral("MyLoop"))),
@@ -56,6 +57,7 @@ NewLoopDialog::NewLoopDialog(const QString& templates, const QString& folder, QW
   fault_->setWordWrap(true);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
   auto* create = buttons->addButton(QStringLiteral("C&reate"), QDialogButtonBox::AcceptRole);
+  create->setObjectName(QStringLiteral("BCreateLoop"));
   create_ = create;
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -71,20 +73,21 @@ NewLoopDialog::NewLoopDialog(const QString& templates, const QString& folder, QW
   column->addWidget(buttons);
   create->setDefault(true);
   resize(NewLoopSize);
-  Fill(templates);
+  Fill();
   name_->selectAll();
   name_->setFocus();
   Check();
 }
 
 // The commented one first.
-void NewLoopDialog::Fill(const QString& templates) {
-  const QDir folder(templates);
+void NewLoopDialog::Fill() {
+  const QDir folder(templates_);
   QStringList files = folder.entryList({QStringLiteral("*.mo")}, QDir::Files, QDir::Name);
-  if (templates.isEmpty()) files.clear();
+  if (templates_.isEmpty()) files.clear();
   if (files.removeOne(FirstTemplate)) files.prepend(FirstTemplate);
   for (const QString& file : files) {
     const QString text = TemplateText(folder.filePath(file));
+    if (text.isEmpty()) continue;
     auto* item = new QListWidgetItem(
         QStringLiteral("%1: %2").arg(QFileInfo(file).baseName(), DescriptionIn(text)));
     item->setData(Qt::UserRole, text);
@@ -121,6 +124,11 @@ void NewLoopDialog::Check() {
     fault = QStringLiteral("\"%1\" is a word of the language.").arg(name);
   } else if (QFileInfo::exists(Path())) {
     fault = QStringLiteral("There is a file %1 already.").arg(Path());
+  } else if (list_->count() == 0) {
+    fault = QStringLiteral(
+                "There is nothing that it could begin as: the loops that come with the program are "
+                "missing%1. Open Loop... in the File menu takes a file that was written elsewhere.")
+                .arg(templates_.isEmpty() ? QString() : QStringLiteral(" from ") + templates_);
   } else if (!list_->currentItem()) {
     fault = QStringLiteral("Choose what it begins as.");
   }

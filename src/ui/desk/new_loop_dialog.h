@@ -14,7 +14,7 @@ class NewLoopDialog : public QDialog {
   Q_OBJECT
 
  public:
-  /// The new file goes into `folder`.
+  /// The new file goes into `folder`. Without a loop in `templates` it says so and creates none.
   NewLoopDialog(const QString& templates, const QString& folder, QWidget* parent);
 
   /// The new loop's text and file.
@@ -22,9 +22,10 @@ class NewLoopDialog : public QDialog {
   QString Path() const;
 
  private:
-  void Fill(const QString& templates);
+  void Fill();
   void Check();
 
+  QString templates_;
   QString folder_;
   QListWidget* list_;
   QLineEdit* name_;
