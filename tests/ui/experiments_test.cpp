@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 
 #include "core/csv.h"
 #include "core/instrument.h"
@@ -83,6 +84,23 @@ TEST_F(ExperimentsTest, AFileThatIsGoneCostsNothingAndNoFolderIsNotThePresentOne
   QDir::setCurrent(QFileInfo(file).path());
   const DataFolder none("/nowhere");
   EXPECT_TRUE(OfferedExperiments(none).Of("2-1 PI+ Controller").empty());
+}
+
+// In a step of two values the second is to be where it was when the first has been clicked.
+TEST_F(ExperimentsTest, WhatIsReadMovesNoLink) {
+  ChooseModel("16-1 Cascade Position Loop");
+  Begin(1);
+  Play("size 1280,800 -> MExperiment has Maximum of pE:\\n");
+  const auto& document = *Find<QTextBrowser>("MExperiment").document();
+  const double height = document.size().height();
+  for (const char* line :
+       {"click SBExperimentRun -> MExperiment has 0.00053 Revs",
+        "click MExperiment[KVI=250] -> MExperiment has 0.00053 Revs before",
+        "click MExperiment[KVFR=65] -> MExperiment has 0.00065 Revs\\nWhat it shows",
+        "set KP 300 -> MExperiment has , not 0.00065 Revs"}) {
+    Play(line);
+    EXPECT_EQ(document.size().height(), height) << line;
+  }
 }
 
 // One after the other, as a user does them, so that each meets what the one before has left.

@@ -18,8 +18,10 @@ namespace torvane {
 namespace {
 
 constexpr QSize LeastText(180, 80);
-constexpr double Indent = 20.0;    // of the steps, so that what is read keeps to its line
-constexpr int ColumnsFrom = 640;   // from which its text has columns, pixels of the usual font
+constexpr double Indent = 20.0;   // of the steps, so that what is read keeps to its line
+constexpr int ColumnsFrom = 640;  // from which its text has columns, pixels of the usual font
+constexpr int Columns = 3;
+constexpr int ColumnMargin = 10;   // between them and around their texts
 constexpr int ButtonsBelow = 240;  // below which its buttons stand beside it
 const QString SetMark = QStringLiteral("\u2713\u00a0");
 // As wide as the mark, so that no line breaks elsewhere and no link moves when it is set.
@@ -43,6 +45,14 @@ QString ReadingText(const ExperimentReading& read, const ExperimentAnswer& answe
   if (!read.Present) return QStringLiteral("%1 before").arg(value);
   if (answer.IsMetBy(*read.Value)) return value;
   return QStringLiteral("%1, not %2").arg(value, RoundedFor(answer.Value, answer));
+}
+
+// Of what is nearly as expected.
+QString LongestText(const ExperimentAnswer& answer) {
+  ExperimentReading other;
+  other.Value = answer.Value + 2 * answer.Tolerance;
+  other.Present = true;
+  return ReadingText(other, answer);
 }
 
 ZelXfer* AnalyserOf(const ZelModel& model) {
@@ -79,6 +89,7 @@ ExperimentPanel::ExperimentPanel(QWidget* parent)
   text_->setUndoRedoEnabled(false);
   text_->setMinimumSize(LeastText);
   text_->document()->setIndentWidth(Indent);
+  text_->installEventFilter(this);
   connect(text_, &QTextBrowser::anchorClicked, this,
           [this](const QUrl& link) { SetValue(link.toString()); });
   auto* body = new QWidget;
@@ -133,11 +144,23 @@ void ExperimentPanel::Forget() {
   trial_.reset();
 }
 
+// A line that broke with what is read would move the links below it from under the mouse.
+bool ExperimentPanel::Fits(const ExperimentAnswer& answer) const {
+  const QString longest =
+      QStringLiteral("%1 %2: %3").arg(UnmetMark, QtText(answer.Name()), LongestText(answer));
+  const QScrollBar& bar = *text_->verticalScrollBar();
+  const int beside = 2 * text_->frameWidth() + (bar.isVisible() ? bar.width() : 0);
+  const double text = text_->width() - beside - 2 * text_->document()->documentMargin();
+  const double column = wide_ ? text / Columns - ColumnMargin : text;
+  return text_->fontMetrics().horizontalAdvance(longest) <= column - Indent;
+}
+
 // Anew, where it was scrolled to.
 void ExperimentPanel::Write() {
   if (!trial_) return;
   const int place = text_->verticalScrollBar()->value();
-  text_->setHtml(ExperimentHtml(trial_->Record, wide_));
+  text_->setHtml(ExperimentHtml(trial_->Record, wide_,
+                                [this](const ExperimentAnswer& answer) { return Fits(answer); }));
   Refresh();
   text_->verticalScrollBar()->setValue(place);
 }
@@ -202,8 +225,12 @@ void ExperimentPanel::resizeEvent(QResizeEvent* event) {
   layout_->setDirection(low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   buttons_->setDirection(low ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
   const bool wide = width() >= ColumnsFrom;
-  if (wide == std::exchange(wide_, wide)) return;
-  Write();
+  if (wide != std::exchange(wide_, wide)) Write();
+}
+
+bool ExperimentPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == text_ && event->type() == QEvent::Resize) Write();
+  return QDockWidget::eventFilter(watched, event);
 }
 
 // The colours of links are those of the theme in which they were written.

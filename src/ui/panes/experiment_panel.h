@@ -50,12 +50,14 @@ class ExperimentPanel : public QDockWidget {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:
   struct Trial;
 
   void AddButtons();
+  bool Fits(const ExperimentAnswer& answer) const;
   void Write();
   void SetValue(const QString& place);
   void PressRun();

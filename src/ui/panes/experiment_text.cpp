@@ -14,6 +14,8 @@ namespace torvane {
 namespace {
 
 const QString UnreadMark = QStringLiteral("\u2610");
+const QString OwnLine =
+    QStringLiteral("<br>\u00a0\u00a0\u00a0\u00a0\u00a0");  // as far in as the name
 
 /// A line breaks behind a generator's name only: within a link with no-break signs.
 QString LinkText(const ExperimentSetting& setting) {
@@ -27,6 +29,9 @@ QString LinkText(const ExperimentSetting& setting) {
 /// Writes links and spans, and numbers them.
 class ExperimentWriter {
  public:
+  explicit ExperimentWriter(const std::function<bool(const ExperimentAnswer&)>& fits)
+      : fits_(fits) {}
+
   QString Link(const ExperimentSetting& setting) {
     const QString place = QString::number(places_++);
     return QStringLiteral("<a name=\"tick%1\">\u200b</a><a href=\"%1\">%2</a>")
@@ -43,10 +48,13 @@ class ExperimentWriter {
     QString html = QStringLiteral("<li>") + Links(step.Settings);
     if (step.WhileRunning) html += QStringLiteral(", while it runs");
     for (std::size_t i = 0; i < step.Answers.size(); ++i) {
-      html += QStringLiteral("<br><a name=\"met%1.%2\">%3</a> %4: <a name=\"read%1.%2\">\u2026</a>")
-                  .arg(number)
-                  .arg(i)
-                  .arg(UnreadMark, QtText(step.Answers[i].Name()).toHtmlEscaped());
+      const ExperimentAnswer& answer = step.Answers[i];
+      html +=
+          QStringLiteral("<br><a name=\"met%1.%2\">%3</a> %4:%5<a name=\"read%1.%2\">\u2026</a>")
+              .arg(number)
+              .arg(i)
+              .arg(UnreadMark, QtText(answer.Name()).toHtmlEscaped(),
+                   fits_(answer) ? QStringLiteral(" ") : OwnLine);
     }
     return html + QStringLiteral("</li>");
   }
@@ -66,6 +74,7 @@ class ExperimentWriter {
   }
 
  private:
+  const std::function<bool(const ExperimentAnswer&)>& fits_;
   int places_ = 0;
 };
 
@@ -108,8 +117,9 @@ std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment) {
   return proposed;
 }
 
-QString ExperimentHtml(const Experiment& experiment, bool wide) {
-  ExperimentWriter writer;
+QString ExperimentHtml(const Experiment& experiment, bool wide,
+                       const std::function<bool(const ExperimentAnswer&)>& fits) {
+  ExperimentWriter writer(fits);
   QString asks = QStringLiteral("<h3 style=\"margin-top:0\">%1. %2</h3>")
                      .arg(experiment.Number)
                      .arg(QtText(experiment.Title).toHtmlEscaped());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "models/experiment.h"
 
@@ -11,8 +12,11 @@ namespace torvane {
 /// An experiment as rich text: its question first, then its steps with what they read, what it
 /// shows, and what it costs. Where there is width enough these stand side by side. Each
 /// value that is proposed is a link, whose address is its place in ProposedBy, behind a span
-/// "tick<place>"; each answer has spans "met<step>.<answer>" and "read<step>.<answer>".
-QString ExperimentHtml(const Experiment& experiment, bool wide);
+/// "tick<place>"; each answer has spans "met<step>.<answer>" and "read<step>.<answer>", the latter
+/// on a line of its own where `fits` says that the longest that is read does not fit behind the
+/// name.
+QString ExperimentHtml(const Experiment& experiment, bool wide,
+                       const std::function<bool(const ExperimentAnswer&)>& fits);
 
 /// All values that the experiment proposes, in the order of its text's links.
 std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment);
