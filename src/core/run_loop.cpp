@@ -20,7 +20,7 @@ PassResult RunPass(ZelModel& model, const std::function<bool()>& timeUp, double 
     if (bench.Time() >= until) return PassResult::Running;
     double stop = 0.0;
     do {
-      const auto ahead = model.Solver().RunAhead(nextLook, ChunksPerPass - 1 - chunk);
+      const auto ahead = model.Solver().RunAhead(nextLook, ChunksPerPass - 1 - chunk, nullptr);
       chunk += ahead.Samples;
       stop = ahead.Stop;
       if (bench.Time() < nextLook) continue;

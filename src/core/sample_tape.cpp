@@ -31,7 +31,7 @@ void SampleTape::ListSignals() {
   most_ = LargestOnTape / multiplier;
 }
 
-bool SampleTape::Begin(int most) {
+bool SampleTape::Begin(int most, Instrument* only) {
   if (most < 1) return false;
   if (listed_ != bench_.Variables().size()) ListSignals();
   room_ = std::min(most, Most);
@@ -39,17 +39,25 @@ bool SampleTape::Begin(int most) {
   sum_ = 0.0;
   next_ = stop_ = Never;
   readers_.clear();
-  for (const InstrumentKind kind : ServicedKinds) {
-    for (Instrument* instrument : bench_.Instruments(kind)) {
-      const NextSample next = instrument->BeginTape(*this);
-      if (next.At < 0.0) continue;
-      readers_.push_back({.Who = instrument});
-      Await(readers_.back(), next);
-      if (stop_ <= bench_.Time()) return false;
-      next_ = std::min(next_, readers_.back().Next);
+  if (only) {
+    Ask(*only);
+  } else {
+    for (const InstrumentKind kind : ServicedKinds) {
+      for (Instrument* instrument : bench_.Instruments(kind)) {
+        Ask(*instrument);
+        if (stop_ <= bench_.Time()) return false;
+      }
     }
   }
   return next_ > bench_.Time() && next_ < stop_;
+}
+
+void SampleTape::Ask(Instrument& instrument) {
+  const NextSample next = instrument.BeginTape(*this);
+  if (next.At < 0.0) return;
+  readers_.push_back({.Who = &instrument});
+  Await(readers_.back(), next);
+  next_ = std::min(next_, readers_.back().Next);
 }
 
 void SampleTape::Await(Reader& reader, const NextSample& next) {
@@ -66,6 +74,8 @@ void SampleTape::Take(double began, double t) {
   const auto row = static_cast<std::size_t>(count_++);
   times_[row] = t;
   began_[row] = began;
+  // It stands still within a run.
+  if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = began;
   double sum = 0.0;
   double* value = values_.data() + row;
   for (const double* const source : sources_) {

@@ -27,9 +27,10 @@ class SampleTape {
 
   explicit SampleTape(const ZelBenchTop& bench) : bench_(bench) {}
 
-  /// Asks the bench's instruments what they want to see, for a run from the present time with at
-  /// most so many samples on the tape. False when the next thing must be seen at once.
-  bool Begin(int most);
+  /// Asks the bench's instruments what they want to see, or the only one that is served, for a run
+  /// from the present time with at most so many samples on the tape. False when the next thing must
+  /// be seen at once.
+  bool Begin(int most, Instrument* only = nullptr);
 
   /// The time at which the next sample is due, and that at which the run has to end.
   double Next() const { return next_; }
@@ -65,6 +66,7 @@ class SampleTape {
   };
 
   void ListSignals();
+  void Ask(Instrument& instrument);
   void Await(Reader& reader, const NextSample& next);
   std::size_t IndexOf(const Variable& signal) const;
 

@@ -6,6 +6,7 @@
 
 #include "core/bench.h"
 #include "core/combine.h"
+#include "core/instrument.h"
 #include "core/messages.h"
 #include "core/model.h"
 #include "core/text.h"
@@ -61,8 +62,8 @@ void ZelSolver::RunUntil(double tEnd) {
   }
 }
 
-ZelSolver::Ahead ZelSolver::RunAhead(double tEnd, int /*mostSamples*/) {
-  const double stop = bench_.NextStopTime();
+ZelSolver::Ahead ZelSolver::RunAhead(double tEnd, int /*mostSamples*/, Instrument* only) {
+  const double stop = only ? only->NextTime() : bench_.NextStopTime();
   RunUntil(std::min(stop, tEnd));
   return {stop, 0};
 }

@@ -9,6 +9,7 @@
 
 namespace torvane {
 
+class Instrument;
 class ZelBenchTop;
 class ZelModel;
 
@@ -39,8 +40,9 @@ class ZelSolver {
     int Samples = 0;    ///< that were taken on the way, by tape
   };
   /// Steps as RunUntil to the next time at which an instrument must be served at once, at most to
-  /// tEnd. On the way the instruments may take at most so many samples.
-  virtual Ahead RunAhead(double tEnd, int mostSamples);
+  /// tEnd. On the way the bench's instruments, or the only one that is served, may take at most so
+  /// many samples.
+  virtual Ahead RunAhead(double tEnd, int mostSamples, Instrument* only);
 
   double Step() const { return h_; }
   std::int32_t Count() const { return count_; }

@@ -6,6 +6,8 @@ namespace torvane {
 
 Analysers::Analysers(ZelBenchTop& bench, int maxOrder, const Sweep& sweep)
     : Fft(bench, maxOrder), Swept(bench, "MainSweptDSA") {
+  // To note each change for undo would be most of the work of building a model.
+  bench.History().Suspend();
   Swept.SetTSample(sweep.TSample);
   Swept.SetStartFreq(5.0);
   Swept.SetEndFreq(sweep.To);
@@ -13,6 +15,7 @@ Analysers::Analysers(ZelBenchTop& bench, int maxOrder, const Sweep& sweep)
   Swept.SetSettleTime(sweep.SettleTime);
   Swept.SetMeasurementTime(1.0);
   Swept.SetAmplitude(sweep.Amplitude);
+  bench.History().Resume();
 }
 
 void Analysers::AddSetup(const std::string& name, const std::string& input,

@@ -65,15 +65,17 @@ class FusedSolver final : public ZelSolver {
     }
   }
 
-  Ahead RunAhead(double tEnd, int mostSamples) override {
+  Ahead RunAhead(double tEnd, int mostSamples, Instrument* only) override {
     if (!checked_) CheckRegistration();
     ClearOverflowFlag();
     const bool watched = NearOverflow() || bench_.Time() < oneByOneUntil_ ||
                          AnyPending(TheModel().Parts(TheModel().loop_));
-    if (watched || !tape_.Begin(mostSamples)) return ZelSolver::RunAhead(tEnd, mostSamples);
+    if (watched || !tape_.Begin(mostSamples, only)) {
+      return ZelSolver::RunAhead(tEnd, mostSamples, only);
+    }
     if (!Run(std::min(tEnd, tape_.Stop()), MostSteps, &tape_)) {
       tape_.Drop();
-      return ZelSolver::RunAhead(tEnd, mostSamples);
+      return ZelSolver::RunAhead(tEnd, mostSamples, only);
     }
     return {tape_.Stop(), tape_.Deliver()};
   }

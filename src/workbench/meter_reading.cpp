@@ -89,11 +89,7 @@ ZelMeter& SetUpMeter(ZelModel& model, const MeterOptions& options, Supervisor& s
 
 // The meter alone asks for times.
 void Measure(ZelModel& model, ZelMeter& meter, double until, Supervisor& supervisor) {
-  LongRun run(model, supervisor, until);
-  while (run.Time() < until) {
-    run.StepTo(std::min(meter.NextTime(), until));
-    run.Service(meter);
-  }
+  LongRun(model, supervisor, until).Serve(meter, until);
 }
 
 }  // namespace torvane

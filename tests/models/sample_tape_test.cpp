@@ -84,7 +84,7 @@ void AddMeters(Loop& loop) {
   for (const auto kind : {Rms, Average, Harmonic, Correlation}) {
     ZelMeter& meter = *AddMeter(loop.Model(), "Meter");
     meter.SetKind(kind);
-    meter.SetVariable(loop.Bench().VarAt(2)->Name());
+    meter.SetVariable(loop.Bench().VarAt(kind == Average ? 0 : 2)->Name());  // the time, too
     meter.SetTWindow(0.01);
     meter.SetHarmonicFreq(100.0);
     meter.SetHarmonicXfer(true);

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <span>
 #include <utility>
 
+#include "core/instrument.h"
+#include "core/sample_tape.h"
 #include "core/text.h"
 #include "instruments/generator/wave.h"
 #include "workbench/model/long_run.h"
@@ -55,6 +58,61 @@ StepRun WithoutStep(const std::string& reason) {
   return run;
 }
 
+/// Takes a row of the step at the end of each of the solver's steps.
+class RowTaker final : public Instrument {
+ public:
+  /// The largest magnitude of `watched` is noted, if anything is.
+  RowTaker(const Variable& command, const Variable& response, const Variable* watched, double step,
+           StepRun& rows)
+      : Instrument(InstrumentKind::Scope, "Rows"),
+        command_(command),
+        response_(response),
+        watched_(watched),
+        step_(step),
+        rows_(rows) {}
+
+  double NextTime() const override { return next_; }
+
+  bool Service(double t) override {
+    Take(t, command_.Value, response_.Value, watched_ ? watched_->Value : 0.0);
+    return true;
+  }
+
+  NextSample BeginTape(const SampleTape& tape) override {
+    const bool all =
+        tape.Has(command_) && tape.Has(response_) && (!watched_ || tape.Has(*watched_));
+    return {next_, !all};
+  }
+  NextSample AwaitOnTape(double t) override { return {After(t), false}; }
+  void ReadTape(const SampleTape& tape, std::span<const int> rows) override {
+    const double* const command = tape.Values(command_);
+    const double* const response = tape.Values(response_);
+    const double* const watched = watched_ ? tape.Values(*watched_) : command;
+    for (const int row : rows) Take(tape.Time(row), command[row], response[row], watched[row]);
+  }
+
+ private:
+  double After(double t) const { return t + 0.5 * step_; }
+
+  // Of values without their display multipliers.
+  void Take(double t, double command, double response, double watched) {
+    rows_.Times.push_back(t);
+    rows_.Command.push_back(command * command_.Multiplier());
+    rows_.Response.push_back(response * response_.Multiplier());
+    if (watched_) {
+      rows_.Peak = std::max(rows_.Peak.value_or(0.0), std::abs(watched * watched_->Multiplier()));
+    }
+    next_ = After(t);
+  }
+
+  const Variable& command_;
+  const Variable& response_;
+  const Variable* watched_;
+  double step_;
+  StepRun& rows_;
+  double next_ = 0.0;  // the first one at once
+};
+
 /// A model whose command makes one step, by one of its generators.
 class OneStep {
  public:
@@ -64,10 +122,12 @@ class OneStep {
         model_(std::move(model)),
         command_(NamedSignal(model_->Bench(), options.Command)),
         response_(NamedSignal(model_->Bench(), options.Response)),
-        watched_(options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak)),
         wave_(dynamic_cast<ZelWave&>(
             *model_->Bench().Instruments(InstrumentKind::WaveGenerator).at(generator))),
-        run_(*model_, supervisor, LongestWait) {}
+        run_(*model_, supervisor, LongestWait),
+        taker_(command_, response_,
+               options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak), Step(),
+               rows_) {}
 
   /// Nothing where the generator does not move the command.
   std::optional<StepRun> Run() {
@@ -93,8 +153,7 @@ class OneStep {
     wave_.SetPhaseDeg(settings.PhaseDeg);
     rows_.SolverStep = Step();
     rows_.SameUnit = command_.Unit() == response_.Unit();
-    Row();
-    Record(jump + around);
+    TakeRows(jump + around);
     wave_.SetFreqHz(0.0);
     hold(*edge + BesideEdge);
     Respond(jump);
@@ -119,19 +178,12 @@ class OneStep {
     return false;
   }
 
-  void Record(double until) {
-    while (run_.Time() < until) {
-      run_.StepTo(run_.Time() + 0.5 * Step());
-      Row();
-    }
-  }
-
   void Respond(double edge) {
     const auto before = rows_.Before();
     const double jump = before ? rows_.Times[*before + 1] : edge;
     const double longest = options_.Window.value_or(options_.Until.value_or(LongestWait));
     for (double look = options_.Window.value_or(FirstLook);; look *= LookLater) {
-      Record(jump + std::min(look, longest) - 0.5 * Step());
+      TakeRows(jump + std::min(look, longest) - 0.5 * Step());
       if (look >= longest || HasSettled()) break;
       // Another generator's signal.
       if (look > LatestJump && !rows_.Before()) break;
@@ -144,23 +196,16 @@ class OneStep {
            (!rows_.Before() || Measured(rows_).Gap() != StepGap::NotSettled);
   }
 
-  void Row() {
-    rows_.Times.push_back(run_.Time());
-    rows_.Command.push_back(command_.DisplayValue());
-    rows_.Response.push_back(response_.DisplayValue());
-    if (watched_) {
-      rows_.Peak = std::max(rows_.Peak.value_or(0.0), std::abs(watched_->DisplayValue()));
-    }
-  }
+  void TakeRows(double until) { run_.Serve(taker_, until, std::numeric_limits<double>::max()); }
 
   const StepOptions& options_;
   std::unique_ptr<ZelModel> model_;
   const Variable& command_;
   const Variable& response_;
-  const Variable* watched_;
   ZelWave& wave_;
   LongRun run_;
   StepRun rows_;
+  RowTaker taker_;
 };
 
 }  // namespace

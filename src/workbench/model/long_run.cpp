@@ -5,6 +5,7 @@
 
 #include "core/instrument.h"
 #include "core/run_loop.h"
+#include "core/sample_tape.h"
 #include "workbench/work_fault.h"
 
 namespace torvane {
@@ -40,11 +41,23 @@ void LongRun::StepTo(double time) {
   });
 }
 
-bool LongRun::Service(Instrument& instrument) {
+bool LongRun::Service(Instrument& instrument, double largest) {
   return Guarded([&] {
-    CheckSignals(model_.Bench());
+    CheckSignals(model_.Bench(), largest);
     return instrument.Service(Time());
   });
+}
+
+void LongRun::Serve(Instrument& instrument, double until, double largest) {
+  const double span = StepsPerSpan * model_.Solver().Step();
+  while (Time() < until && instrument.NextTime() >= 0.0) {
+    const double end = std::min(until, Time() + span);
+    const double stop = Guarded([&] {
+      watch_->CheckIn(Time());
+      return model_.Solver().RunAhead(end, SampleTape::Most, &instrument).Stop;
+    });
+    if (Time() >= std::min(stop, until)) Service(instrument, largest);
+  }
 }
 
 bool LongRun::ServiceInstruments() {

@@ -1,5 +1,7 @@
 #include "workbench/response/sweep_measurement.h"
 
+#include <limits>
+
 #include "core/text.h"
 #include "workbench/model/long_run.h"
 #include "workbench/work_fault.h"
@@ -33,6 +35,9 @@ void MeasureResponse(ZelModel& model, ZelSweptDSA& analyser, Supervisor& supervi
   LongRun run(model, supervisor, analyser.ExpectedPlan().Seconds);
   analyser.Run();
   while (analyser.Measuring()) {
+    run.Serve(analyser, std::numeric_limits<double>::infinity());
+    // Between two points it asks for no time of its own.
+    if (!analyser.Measuring()) break;
     run.StepTo(analyser.NextTick());
     run.Service(analyser);
   }
