@@ -1,8 +1,11 @@
 #include "ui/panes/scope/scope_window.h"
 
 #include <QAbstractItemView>
+#include <QDockWidget>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMdiArea>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QTemporaryFile>
@@ -103,6 +106,24 @@ TEST_F(ScopeWindowTest, KeptTracesOutliveFilesButNotTheModel) {
   Play("-> BClearKept enabled");
   Play("click BClearKept -> SGMath.rowCount=9");
   Play("run 0.05; click BKeep; model 3-1 PI Controller -> BClearKept disabled");
+}
+
+// Some displays frame a window by themselves; on others a panel that is one draws its own edges, as
+// it does with a title of its own.
+TEST_F(ScopeWindowTest, MathTakenOutShowsAllItsRowsAndColumns) {
+  Play("run 0.05; click PageMeasure; click SBMath; click BKeep -> SGMath.rowCount=18");
+  auto& math = Find<QDockWidget>("TZelMathF");
+  const auto& table = Find<QTableWidget>("SGMath");
+  for (const bool itself : {false, true}) {
+    math.setFloating(false);
+    if (itself) math.setTitleBarWidget(new QLabel(math.windowTitle()));
+    QCoreApplication::processEvents();
+    math.setFloating(true);
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+    EXPECT_EQ(table.verticalScrollBar()->maximum(), 0) << itself;
+    EXPECT_EQ(table.horizontalScrollBar()->maximum(), 0) << itself;
+    EXPECT_GE(table.viewport()->height(), table.verticalHeader()->length()) << itself;
+  }
 }
 
 }  // namespace

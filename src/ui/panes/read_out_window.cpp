@@ -40,6 +40,7 @@ ReadOutWindow::ReadOutWindow(const QString& title, const QString& table, const Q
   middle->setLayout(body_);
   setWidget(middle);
   connect(this, &QDockWidget::topLevelChanged, this, [this](bool alone) {
+    FitTable();  // a window of its own has edges, which a docked one has not
     if (alone) resize(wanted_);
   });
 }
@@ -106,9 +107,8 @@ void ReadOutWindow::GiveRoom(QMainWindow& dock) {
 }
 
 void ReadOutWindow::Want(int width) {
-  if (wanted_.width() >= width) return;
-  wanted_.setWidth(width);
-  if (isFloating()) resize(wanted_.expandedTo(size()));
+  asked_ = width;
+  FitTable();
 }
 
 void ReadOutWindow::FitTable() {
@@ -125,8 +125,8 @@ void ReadOutWindow::FitTable() {
     wide += std::max(content, fixed ? table_->columnWidth(column) : 0);
   }
   const int more = highWith(std::min(table_->rowCount(), MostRows)) - table_->minimumHeight();
-  wanted_ = {wide, minimumSizeHint().height() + more};
-  if (isFloating()) resize(std::max(width(), wide), wanted_.height());
+  wanted_ = {std::max(wide, asked_), minimumSizeHint().height() + more};
+  if (isFloating()) resize(wanted_.expandedTo({width(), 0}));
 }
 
 QMainWindow& MakeDockAround(QWidget& widget) {

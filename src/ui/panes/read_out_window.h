@@ -52,6 +52,7 @@ class ReadOutWindow : public QDockWidget {
   QTableWidget* table_;
   QVBoxLayout* body_;
   QSize wanted_;
+  int asked_ = 0;  ///< the width that Want has been told
   bool rowsAreNamed_ = false;
   Qt::DockWidgetArea placed_ = Qt::NoDockWidgetArea;  ///< not by the user
 };
