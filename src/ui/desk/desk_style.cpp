@@ -1,5 +1,6 @@
 #include "ui/desk/desk_style.h"
 
+#include <QHeaderView>
 #include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
@@ -67,6 +68,17 @@ void DeskStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
     return;
   }
   QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void DeskStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                            const QWidget* widget) const {
+  const auto* header = qobject_cast<const QHeaderView*>(widget);
+  const bool ground = element == CE_HeaderSection || element == CE_HeaderEmptyArea;
+  if (ground && header && header->orientation() == Qt::Vertical) {
+    painter->fillRect(option->rect, option->palette.base());
+    return;
+  }
+  QProxyStyle::drawControl(element, option, painter, widget);
 }
 
 // The base style has black buttons on the title bar of a window that is not active; one that is
