@@ -231,16 +231,26 @@ class Model:
               trig_level: Optional[float] = None, trig_position: Optional[float] = None,
               scale: Optional[Mapping[str, float]] = None,
               shift: Optional[Mapping[str, float]] = None,
+              overlay: Optional[Union[str, "os.PathLike[str]"]] = None,
+              keep: Optional[Mapping[str, Value]] = None,
               on_progress: Progress = None) -> Screen:
         """Runs the model with its scope to the time ``until``, seconds, and gives the last
         complete screen: ten divisions of ``time_base`` seconds. ``scale`` has the units a
-        division of signals' traces, ``shift`` by how many units they are moved up."""
+        division of signals' traces, ``shift`` by how many units they are moved up. Behind the
+        traces of its picture lie, as thin lines, those of the file ``overlay`` or those with
+        other constants, ``keep``, which the legend then tells."""
         _above_zero(until=until)
+        if overlay is not None and keep is not None:
+            raise ValueError("overlay and keep both lie behind the picture: one of them")
+        behind = {"overlay": os.fspath(Path(overlay).resolve(strict=True)) if overlay else None,
+                  "keep": [f"{name}={_text(value)}" for name, value in (keep or {}).items()]}
+        if not self.constants.keys() >= (keep or {}).keys():
+            raise KeyError(f"{self.name} does not have all constants of {', '.join(keep or {})}")
         if show is not None and not isinstance(show, str):
             show = ",".join(show)
         scale, shift = _each(scale), _each(shift)
-        given = _given(locals(), "self", "on_progress")
-        draw = self._draws("scope", given)
+        given = _given(locals(), "self", "on_progress", "overlay", "keep", "behind")
+        draw = self._draws("scope", {**given, **behind})
         given.pop("until")
         return Screen(*self._engine.scope(until, given, on_progress), draw)
 

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "core/constant.h"
+#include "instruments/analyser/trace_origin.h"
 #include "scope_bench.h"
 
 namespace torvane {
@@ -74,6 +76,55 @@ TEST(KeptTraces, KeepingAndClearingAreUndone) {
   for (int i = 0; i < 2 * ZelUndo::Depth; ++i) keep(10 + i);
   for (int i = 0; i < ZelUndo::Depth; ++i) history.Undo();
   EXPECT_EQ(last(), 10.0 + ZelUndo::Depth - 1);
+}
+
+// A sweep is told by the constants that it began with, not by those at which it is kept; and two
+// changes between sweeps, a scrolled screen and what an undo brings back are told like any other.
+TEST(KeptTraces, TellTheConstantsThatDiffer) {
+  test::ScopeBench set;
+  Constant gain(set.Bench, "KP", "", 1.0, 0.0, 10.0);
+  Constant reset(set.Bench, "KI", "", 5.0, 0.0, 10.0);
+  set.Scope.Trigger().SetMode(SweepMode::Cont);
+  const auto told = [&] {
+    const ScopeScreen* const kept = set.Scope.Kept();
+    return kept && kept->Origin ? KeptOriginText(*kept->Origin, *set.Scope.Origin()) : "none";
+  };
+  int at = 0;
+  while (!set.Scope.TakeScreenCompleted()) set.Ramp(at, at), ++at;
+  gain.Set(2.0);
+  set.Scope.KeepTraces(set.Screen(ScopeSweep::Whole));
+  EXPECT_EQ(told(), "");  // nothing has been measured with the new one yet
+  reset.Set(6.0);
+  set.Ramp(at, at + 2);
+  EXPECT_EQ(told(), "KP = 1 (now 2), KI = 5 (now 6)");
+  EXPECT_EQ(OnTimeAxisOf(set.Scope, *set.Scope.Kept(), set.Screen()).Origin,
+            set.Scope.Kept()->Origin);
+  set.Scope.KeepTraces(set.Screen());
+  EXPECT_EQ(told(), "");
+  set.Bench.History().Undo();
+  EXPECT_EQ(told(), "KP = 1 (now 2), KI = 5 (now 6)");
+  set.Bench.History().Redo();
+  gain.Set(3.0);
+  set.Scope.Trigger().SetRoll(true);
+  set.Ramp(at + 3, at + 900);  // it scrolls by now
+  EXPECT_EQ(told(), "KP = 2 (now 3)");
+  gain.Set(4.0);
+  set.Ramp(at + 901, at + 910);
+  EXPECT_EQ(told(), "KP = 2 (now 4)");
+  ScopeScreen elsewhere = set.Screen();
+  elsewhere.Origin.reset();
+  set.Scope.KeepTraces(elsewhere);
+  EXPECT_EQ(told(), "none");
+}
+
+TEST(KeptTraces, TellThreeConstantsAtMostByName) {
+  const TraceOrigin kept{0.0, {{"A", "1"}, {"B", "1"}, {"Gone", "1"}, {"C", "1"}, {"D", "1"}}};
+  const TraceOrigin now{0.0, {{"D", "2"}, {"C", "2"}, {"New", "2"}, {"B", "1"}, {"A", "2"}}};
+  EXPECT_EQ(KeptOriginText(kept, now), "A = 1 (now 2), C = 1 (now 2), D = 1 (now 2)");
+  TraceOrigin more = now;
+  more.Constants.emplace_back("Gone", "2");
+  EXPECT_EQ(KeptOriginText(kept, more),
+            "A = 1 (now 2), Gone = 1 (now 2), C = 1 (now 2) and 1 more");
 }
 
 }  // namespace

@@ -163,6 +163,21 @@ def test_pictures_where_torvane_cli_draws_them():
         table.map("Overshot")
 
 
+def test_what_lies_behind_a_scopes_picture(tmp_path):
+    m = tv.Model("3-1")
+    if m._repr_svg_() is None:
+        pytest.skip("torvane-cli draws no pictures here")
+    (tmp_path / "o.csv").write_text("Time,Response\n0,0\n0.01,20\n")
+    drawn = [m.scope(0.1, **behind)._repr_svg_() for behind in
+             ({}, {"overlay": tmp_path / "o.csv"}, {"keep": {"KP": 0.5, "KI": 50}})]
+    told = ["Thin" in drawn[0], "Thin: kept<" in drawn[1], "KP = 0.5 (now " in drawn[2]]
+    assert told == [False, True, True]
+    for wrong, fault in (({"overlay": "gone.csv"}, OSError), ({"keep": {"KX": 1}}, KeyError),
+                         ({"overlay": tmp_path / "o.csv", "keep": {"KP": 1}}, ValueError)):
+        with pytest.raises(fault):
+            m.scope(0.1, **wrong)
+
+
 def test_a_file_laid_over_a_response(tmp_path):
     b = tv.Model("3-1").bode("Command", "Response", order=8)
     rows = zip(b.frequency[1:9] * 2 * np.pi, 10 ** (b.gain_db[1:9] / 20), b.phase_deg[1:9])

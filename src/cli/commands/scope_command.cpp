@@ -12,6 +12,7 @@
 #include "core/messages.h"
 #include "instruments/scope/scope_csv.h"
 #include "instruments/scope/trace_csv.h"
+#include "study/run.h"
 #include "workbench/model/model_options.h"
 #include "workbench/model/scope_run.h"
 #include "workbench/model/scope_settings.h"
@@ -27,6 +28,7 @@ struct ScopeOptions {
   std::string Out;
   std::string Picture;
   std::string Overlay;
+  std::vector<std::string> Keep;
   TableForm Form;
 };
 
@@ -51,6 +53,16 @@ void KeepOverlay(ZelScope& scope, const std::string& path) {
   scope.KeepTraces(traces.Screen);
 }
 
+// Built as the first of its kind, like the one that it lies behind.
+void KeepWith(const ScopeOptions& options, ZelScope& scope, Console& console) {
+  ModelOptions with = options.Model;
+  with.Settings.insert(with.Settings.end(), options.Keep.begin(), options.Keep.end());
+  const auto model = MakeFirst([&] { return OpenModel(with, console); });
+  ZelScope& other = FirstScope(model->Bench());
+  Apply(model->Bench(), options.Scope);
+  scope.KeepTraces(LastCompleteScreen(*model, other, options.Until, console));
+}
+
 void ShowScope(const ScopeOptions& options, Console& console) {
   CheckPictureFile(options.Picture);
   CheckOutputs(options.Out, options.Picture, options.Overlay);
@@ -64,6 +76,7 @@ void ShowScope(const ScopeOptions& options, Console& console) {
   WriteScreen(scope, screen, options.Form, file);
   file.Close();
   if (options.Picture.empty()) return;
+  if (!options.Keep.empty()) KeepWith(options, scope, console);
   WritePicture(scope, screen, options.Picture);
 }
 
@@ -83,12 +96,18 @@ void AddScopeCommand(CLI::App& app, Console& console) {
   CLI::Option* const picture =
       command->add_option("--picture", options->Picture, "Draw the screen into this file as well")
           ->type_name("FILE.png|svg|pdf");
+  CLI::Option* const overlay = command->add_option(
+      "--overlay", options->Overlay,
+      "Lay the traces of this file, from a bench or --out, behind those of the picture");
+  overlay->type_name("FILE.csv")->needs(picture);
   command
-      ->add_option(
-          "--overlay", options->Overlay,
-          "Lay the traces of this file, from a bench or --out, behind those of the picture")
-      ->type_name("FILE.csv")
-      ->needs(picture);
+      ->add_option("--keep", options->Keep,
+                   "Lay what the scope shows with this constant behind the picture's traces; the "
+                   "legend tells what differs. Repeatable")
+      ->allow_extra_args(false)
+      ->type_name("NAME=VALUE")
+      ->needs(picture)
+      ->excludes(overlay);
   AddTableForm(*command, options->Form);
   command->callback([options, &console] { ShowScope(*options, console); });
 }

@@ -49,4 +49,19 @@ std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrig
   return text;
 }
 
+std::string KeptOriginText(const TraceOrigin& kept, const TraceOrigin& now) {
+  constexpr int mostTold = 3;  // a legend's entry stands on one row
+  std::string text;
+  int count = 0;
+  for (const auto& [name, value] : kept.Constants) {
+    const auto other =
+        std::ranges::find(now.Constants, name, [](const auto& c) { return c.first; });
+    if (other == now.Constants.end() || other->second == value || ++count > mostTold) continue;
+    text.append(text.empty() ? "" : ", ").append(name).append(" = ").append(value);
+    text.append(" (now ").append(other->second).append(")");
+  }
+  if (count > mostTold) text += " and " + std::to_string(count - mostTold) + " more";
+  return text;
+}
+
 }  // namespace torvane

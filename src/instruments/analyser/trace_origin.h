@@ -24,4 +24,9 @@ TraceOrigin OriginNow(const ZelBenchTop& bench);
 /// constants that are not the same in all of them; empty where nothing differs.
 std::string OriginText(const TraceOrigin& one, const std::vector<const TraceOrigin*>& all);
 
+/// The constants of what was kept that differ from those of what is shown beside it: "KP = 2 (now
+/// 3)", at most three of them and how many more. Constants are found by name; one that is not in
+/// both is not told.
+std::string KeptOriginText(const TraceOrigin& kept, const TraceOrigin& now);
+
 }  // namespace torvane

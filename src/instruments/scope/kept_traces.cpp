@@ -14,6 +14,7 @@ namespace {
 /// screen has no trace of get none.
 ScopeScreen CutTo(const ScopeScreen& screen, double from, double to) {
   ScopeScreen cut;
+  cut.Origin = screen.Origin;
   cut.Values.resize(screen.Values.size());
   // A part of the way from one point to the next.
   const auto append = [&](std::size_t point, double part) {

@@ -158,6 +158,9 @@ class ZelScope final : public Instrument {
   void ShowKeptTraces(int identity);
   void ClearKeptTraces() { ShowKeptTraces(0); }
 
+  /// The constants of the present sweep; nullptr before the first.
+  const TraceOrigin* Origin() const { return memory_.Origin(); }
+
   /// Copies the points of a sweep into a screen, whose storage is used again.
   void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const { memory_.CopyScreen(sweep, into); }
 

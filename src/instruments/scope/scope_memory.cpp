@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/constant.h"
 #include "core/messages.h"
 #include "core/overflow.h"
+#include "instruments/analyser/trace_origin.h"
 
 namespace torvane {
 
@@ -40,6 +42,7 @@ void ScopeMemory::CopyScreen(ScopeSweep sweep, ScopeScreen& into) const {
   };
   into.Sweep = extent.Sweep;
   into.EventTime = extent.EventTime;
+  into.Origin = extent.Origin;
   copy(*timeChannel_, into.Time);
   into.Left = count > 0 ? into.Time.front() : 0.0;
   into.Values.resize(channels_.size());
@@ -109,6 +112,19 @@ void ScopeMemory::BeginScreen() {
   const std::uint64_t sweep = SweepCount() + 1;
   if (anyWhole_ && whole_ == present_) present_ = 1 - present_;
   extents_[present_] = {.Sweep = sweep};
+  TakeOrigin();
+}
+
+// Sweeps share what they have in common: one that begins with the constants of the last allocates
+// nothing.
+void ScopeMemory::TakeOrigin() {
+  const auto value = [](const Constant* constant) { return constant->Value(); };
+  if (!origin_ || !std::ranges::equal(bench_.Constants(), constants_, {}, value)) {
+    origin_ = std::make_shared<const TraceOrigin>(OriginNow(bench_));
+    constants_.clear();
+    for (const Constant* constant : bench_.Constants()) constants_.push_back(constant->Value());
+  }
+  extents_[present_].Origin = origin_;
 }
 
 void ScopeMemory::ClearScreen() {
@@ -138,6 +154,7 @@ void ScopeMemory::ClearPostTrigger(double fraction) {
   const int wanted = static_cast<int>(std::ceil(screenLength_ * fraction));
   const int leaving = std::clamp(wanted, FewestPoints, screenLength_ - 2);
   extents_[present_].EventTime.reset();
+  TakeOrigin();
   extents_[present_].Start =
       (FillIndex() - (screenLength_ - leaving) + screenLength_ + 1) % screenLength_;
 }

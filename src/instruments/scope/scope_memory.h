@@ -13,6 +13,8 @@
 
 namespace torvane {
 
+struct TraceOrigin;
+
 /// Which sweep of a scope is meant.
 enum class ScopeSweep {
   Present,  ///< the one being captured, or the last one when none is
@@ -25,6 +27,8 @@ struct ScopeScreen {
   std::uint64_t Sweep = 0;          ///< which one, counted from 1; 0 before the first
   double Left = 0.0;                ///< the time at the left edge, where the first point stands
   std::optional<double> EventTime;  ///< of the event that the sweep began with
+  /// The constants with which the sweep began, or scrolled last; nullptr for traces from elsewhere.
+  std::shared_ptr<const TraceOrigin> Origin;
   std::vector<double> Time;
   std::vector<std::vector<float>> Values;  ///< by channel, in the scope's channel order
 
@@ -58,6 +62,9 @@ class ScopeMemory {
 
   /// Sweeps begun.
   std::uint64_t SweepCount() const { return Present().Sweep; }
+
+  /// Of the present sweep; nullptr before the first.
+  const TraceOrigin* Origin() const { return Present().Origin.get(); }
 
   /// Copies a sweep's points into a screen, whose storage is used again.
   void CopyScreen(ScopeSweep sweep, ScopeScreen& into) const;
@@ -93,6 +100,7 @@ class ScopeMemory {
     int Start = 0;
     int Fill = -1;
     std::optional<double> EventTime{};
+    std::shared_ptr<const TraceOrigin> Origin{};
   };
 
   static int Next(int index, int length) { return index + 1 == length ? 0 : index + 1; }
@@ -101,6 +109,7 @@ class ScopeMemory {
   void StoreHistory();
   void CopyPoint(int ringIndex);
   void BeginScreen();
+  void TakeOrigin();
 
   const ZelBenchTop& bench_;
   int screenLength_;
@@ -110,6 +119,8 @@ class ScopeMemory {
   std::size_t present_ = 0;  // screen of the present sweep
   std::size_t whole_ = 0;    // and of the last complete one
   bool anyWhole_ = false;
+  std::vector<double> constants_;  // with which origin_ was taken
+  std::shared_ptr<const TraceOrigin> origin_;
   std::unique_ptr<ZelTimeChannel> timeChannel_;
   std::vector<std::unique_ptr<SignalChannel>> channels_;
 };

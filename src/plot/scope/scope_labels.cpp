@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/text.h"
+#include "instruments/analyser/trace_origin.h"
 
 namespace torvane {
 
@@ -45,6 +46,14 @@ const ZelChannel* LeftAxisChannel(const ZelScope& scope, const ZelChannel* refer
   return first.Displayed() ? &first : nullptr;
 }
 
+// Where there is little room, the constants go before the word does.
+LegendEntry KeptEntry(const ZelScope& scope, const ScopeScreen& kept) {
+  const std::string name = "Thin: kept";
+  const bool known = kept.Origin && scope.Origin();
+  const std::string differs = known ? KeptOriginText(*kept.Origin, *scope.Origin()) : "";
+  return {differs.empty() ? name : name + ", " + differs, -1, name};
+}
+
 }  // namespace
 
 std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
@@ -60,7 +69,7 @@ std::vector<LegendEntry> ScopeLegend(const ZelScope& scope) {
         scope.XYMode() ? WithOffset(*horizontal, axis) : PerDivision(*horizontal, axis);
     entries.push_back({"[Horiz]: " + text, -1, {}});
   }
-  if (scope.Kept()) entries.push_back({"Thin: kept", -1, "Thin: kept"});
+  if (const ScopeScreen* const kept = scope.Kept()) entries.push_back(KeptEntry(scope, *kept));
   return entries;
 }
 

@@ -18,7 +18,7 @@ struct LegendEntry {
 };
 
 /// One entry a displayed trace, in channel order, then the horizontal axis, and last what thin
-/// lines are when traces are kept.
+/// lines are when traces are kept, with the constants that differ from those of the live ones.
 std::vector<LegendEntry> ScopeLegend(const ZelScope& scope);
 
 /// A displayed trace and where its zero is.

@@ -139,8 +139,8 @@ constexpr Entry Entries[] = {
     {"SBScaleDisplay", "Shows the scales and offsets of the traces under the screen."},
     {"BKeep",
      "Keeps the present traces as thin lines behind the live ones, so that two tunings can be "
-     "compared. Math shows the measures of both. Its arrow loads traces that a bench has measured, "
-     "from a CSV file of time and signals."},
+     "compared; the legend tells the constants that differ. Math shows the measures of both. Its "
+     "arrow loads traces that a bench has measured, from a CSV file of time and signals."},
     {"BClearKept", "Takes the kept traces off the screen."},
     {"BExport",
      "Saves the picture as PNG, SVG or PDF or the data as CSV, or copies either to the clipboard."},
