@@ -8,8 +8,8 @@
 #   torvane-cli study --merge OUT.csv.[0-9]* --out OUT.csv
 #
 # makes the whole of them. A task that is requeued, or submitted again after its time was up, goes
-# on where it stopped. Its log tells each minute how many of its runs are done; SIGTERM, which comes
-# before its time is up, ends it with all of them on the disk.
+# on where it stopped. Its log tells each minute, or as often as PROGRESS_EVERY has seconds, how many
+# of its runs are done; SIGTERM, which comes before its time is up, ends it with all of them on the disk.
 #SBATCH --job-name=torvane-study
 #SBATCH --cpus-per-task=1
 #SBATCH --time=1-00:00:00
@@ -19,15 +19,25 @@
 set -euo pipefail
 out=$1.$SLURM_ARRAY_TASK_ID
 shift
+study=
+ended=
+# Before the study begins, so that no signal is missed.
+trap 'ended=1; [[ -z $study ]] || kill -TERM "$study" 2>/dev/null || true' TERM INT
 torvane-cli study "$@" --jobs "${SLURM_CPUS_PER_TASK:-1}" \
   --shard "$SLURM_ARRAY_TASK_ID/$SLURM_ARRAY_TASK_COUNT" --out "$out" &
 study=$!
-trap 'kill -TERM "$study" 2>/dev/null || true' TERM INT
+if [[ -n $ended ]]; then kill -TERM "$study" 2>/dev/null || true; fi
 
 # The part file has a line for the study, one for the captions and one a run.
 progress() {
-  while sleep 60; do
-    if [[ -e $out.part ]]; then echo "$(($(wc -l <"$out.part") - 2)) runs are done"; fi
+  local pause="" rows
+  trap 'kill $pause 2>/dev/null || true; exit' TERM
+  while :; do
+    sleep "${PROGRESS_EVERY:-60}" &
+    pause=$!
+    wait "$pause"
+    rows=$(wc -l 2>/dev/null <"$out.part") || continue
+    if ((rows > 2)); then echo "$((rows - 2)) runs are done"; fi
   done
 }
 progress &
