@@ -65,21 +65,21 @@ void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOut
   AddTableForm(command, output.Form);
 }
 
-void AddExcitationOptions(CLI::App& command, ResponseOptions& options) {
-  AddNumber(command, "--tsample", options.TSample, NumberRange::Positive,
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options, const std::string& prefix) {
+  AddNumber(command, prefix + "tsample", options.TSample, NumberRange::Positive,
             "The analyser's sample time, seconds");
-  AddNumber(command, "--amplitude", options.Amplitude, NumberRange::NotNegative,
+  AddNumber(command, prefix + "amplitude", options.Amplitude, NumberRange::NotNegative,
             "Amplitude of the excitation, in the command's units");
-  AddNumber(command, "--offset", options.Offset, NumberRange::Any, "Mean of the excitation");
-  AddInteger(command, "--average", options.Average,
+  AddNumber(command, prefix + "offset", options.Offset, NumberRange::Any, "Mean of the excitation");
+  AddInteger(command, prefix + "average", options.Average,
              "Measurements to average, with the coherence; one without it");
 }
 
-void AddRecordOptions(CLI::App& command, BodeOptions& options) {
-  AddInteger(command, "--order", options.Order, "Samples of the record, as a power of two");
-  AddNumber(command, "--start-delay", options.StartDelay, NumberRange::NotNegative,
+void AddRecordOptions(CLI::App& command, BodeOptions& options, const std::string& prefix) {
+  AddInteger(command, prefix + "order", options.Order, "Samples of the record, as a power of two");
+  AddNumber(command, prefix + "start-delay", options.StartDelay, NumberRange::NotNegative,
             "Time before the first sample, seconds");
-  AddNumber(command, "--end-delay", options.EndDelay, NumberRange::NotNegative,
+  AddNumber(command, prefix + "end-delay", options.EndDelay, NumberRange::NotNegative,
             "Last part of the record without excitation, seconds");
 }
 

@@ -27,11 +27,12 @@ struct ResponseOutput {
 
 void AddResponseOptions(CLI::App& command, ResponseOptions& options, ResponseOutput& output);
 
-/// How the model is excited and how often that is measured.
-void AddExcitationOptions(CLI::App& command, ResponseOptions& options);
+/// How the model is excited and how often that is measured; the prefix begins the options' names.
+void AddExcitationOptions(CLI::App& command, ResponseOptions& options,
+                          const std::string& prefix = "--");
 
 /// Those of the record that is taken.
-void AddRecordOptions(CLI::App& command, BodeOptions& options);
+void AddRecordOptions(CLI::App& command, BodeOptions& options, const std::string& prefix = "--");
 
 /// The analyser, with the overlay in its memory. Refuses before that what cannot be written.
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,

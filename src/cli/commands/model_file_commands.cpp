@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 
+#include "cli/arguments/instrument_arguments.h"
 #include "cli/arguments/model_arguments.h"
 #include "cli/arguments/scope_arguments.h"
 #include "cli/commands/commands.h"
@@ -23,11 +24,14 @@ void Check(const std::string& path, Console& console) {
 struct ConvertOptions {
   ModelOptions Model;
   ScopeSettings Scope;
+  InstrumentSettings Instruments;
 };
 
-void Convert(const ConvertOptions& options, const std::string& path, Console& console) {
+void Convert(const CLI::App& command, const ConvertOptions& options, const std::string& path,
+             Console& console) {
   const auto model = OpenModel(options.Model, console);
   Apply(model->Bench(), options.Scope);
+  Apply(command, *model, options.Instruments, console);
   if (!SaveModelFile(*model, path)) throw FileError("");
 }
 
@@ -50,8 +54,10 @@ void AddConvertCommand(CLI::App& app, Console& console) {
   const auto path = std::make_shared<std::string>();
   AddModelOptions(*command, options->Model);
   AddScopeSettings(*command, options->Scope);
+  AddInstrumentSettings(*command, options->Instruments);
   command->add_option("OUT", *path, "Model file to write")->required()->type_name("");
-  command->callback([options, path, &console] { Convert(*options, *path, console); });
+  command->callback(
+      [command, options, path, &console] { Convert(*command, *options, *path, console); });
 }
 
 }  // namespace torvane::cli

@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 
+#include "cli/arguments/instrument_arguments.h"
 #include "cli/arguments/response_arguments.h"
 #include "cli/commands/commands.h"
 #include "cli/io/console.h"
-#include "cli/io/number_options.h"
 #include "cli/io/pictures.h"
 #include "cli/io/result_file.h"
 #include "cli/io/table.h"
@@ -68,14 +68,7 @@ void AddSweepCommand(CLI::App& app, Console& console) {
       "sweep", "Measure a frequency response with the swept-sine analyser, as CSV");
   const auto options = std::make_shared<SweepCommand>();
   AddResponseOptions(*command, options->Sweep.Response, options->Output);
-  AddNumber(*command, "--from", options->Sweep.From, NumberRange::Positive, "First frequency, Hz");
-  AddNumber(*command, "--to", options->Sweep.To, NumberRange::Positive,
-            "The sweep ends at the first point at or above it, Hz");
-  AddInteger(*command, "--per-decade", options->Sweep.PerDecade, "Points per decade");
-  AddNumber(*command, "--settle", options->Sweep.Settle, NumberRange::NotNegative,
-            "Time to settle at each frequency, seconds");
-  AddNumber(*command, "--measure", options->Sweep.Measure, NumberRange::NotNegative,
-            "Divided by the frequency it gives the periods measured at each point, at least one");
+  AddSweepOptions(*command, options->Sweep);
   command->callback([options, &console] { MeasureSweep(*options, console); });
 }
 
