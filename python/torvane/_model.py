@@ -174,8 +174,8 @@ class Model:
         """Goes back to time 0."""
         self._engine.restart()
 
-    def step_measures(self, command: str, response: str, *, until: Optional[float] = None,
-                      window: Optional[float] = None, time_base: Optional[float] = None,
+    def step_measures(self, command: Optional[str] = None, response: Optional[str] = None, *,
+                      until: Optional[float] = None, window: Optional[float] = None, time_base: Optional[float] = None,
                       peak: Optional[str] = None, bode: bool = False, theory: bool = False,
                       loop: Optional[Tuple[str, str]] = None, order: Optional[int] = None,
                       start_delay: Optional[float] = None, end_delay: Optional[float] = None,
@@ -184,7 +184,8 @@ class Model:
                       on_progress: Progress = None) -> Measures:
         """Measures how a signal follows a step of another one: overshoot (per cent), rise,
         settling and delay (seconds), errors; with ``bode`` or ``theory`` bandwidth (Hz), peaking
-        and margins (dB, degrees) too. The options are those of ``torvane-cli measure``."""
+        and margins (dB, degrees) too. Without the two signals the model's closed loop is
+        measured, as ``study`` and ``tune`` do. The options are those of ``torvane-cli measure``."""
         given = _given(locals(), "self", "on_progress")
         return measures_of(self._engine.step_measures(given, on_progress))
 
@@ -287,9 +288,9 @@ class Model:
             told[name] = told[name] and Reading(*told[name])
         return told
 
-    def tune(self, vary: Mapping[str, Any], *, command: str, response: str,
-             require: Sequence[str] = (), best: Optional[str] = None,
-             runs: Optional[int] = None, on_progress: Progress = None,
+    def tune(self, vary: Mapping[str, Any], *, command: Optional[str] = None,
+             response: Optional[str] = None, require: Sequence[str] = (),
+             best: Optional[str] = None, runs: Optional[int] = None, on_progress: Progress = None,
              **measure: Any) -> Dict[str, Union[float, str, None]]:
         """Looks for the constants with which the model meets requirements ("Overshoot<10").
 
@@ -367,8 +368,9 @@ class Model:
 
 
 def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = None, *,
-          command: str, response: str, table: Optional[str] = None,
-          sample: Optional[int] = None, seed: Optional[int] = None, jobs: Optional[int] = None,
+          command: Optional[str] = None, response: Optional[str] = None,
+          table: Optional[str] = None, sample: Optional[int] = None,
+          seed: Optional[int] = None, jobs: Optional[int] = None,
           require: Sequence[str] = (), best: Optional[str] = None,
           shard: Optional[Tuple[int, int]] = None, on_progress: Progress = None,
           **measure: Any) -> Study:

@@ -17,7 +17,7 @@ namespace {
 py::tuple StepMeasures(ScriptModel& model, const py::dict& given, const py::object& onProgress) {
   const ScriptModel::Use use(model);
   Keywords keywords(given);
-  const MeasureOptions options = MeasureOptionsOf(model, keywords);
+  MeasureOptions options = MeasureOptionsOf(model, keywords);
   const RunReadings readings = Do(onProgress, [&](PythonSupervisor& supervisor) {
     CheckMeasurement(*model.Make(supervisor), options, supervisor);
     RunReadings read = [&] {

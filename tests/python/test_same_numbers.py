@@ -75,6 +75,19 @@ def test_a_study_has_the_bytes_of_the_commands(tools, tmp_path):
     assert np.isnan(table["Overshoot"][table["Measures"] == 0]).all()
 
 
+def test_a_loop_needs_no_signals_where_the_model_names_it(tools):
+    cli, _ = tools
+    table = tv.study("6-1 PID Controller", vary={"KVP": np.linspace(.4, 1.4, 20)}, jobs=2)
+    captions, rows = cli("study", "6-1", "--vary", "KVP=0.4:1.4:20", "--command", "vC",
+                         "--response", "vF")
+    assert table.csv.decode() == "".join(",".join(row) + "\n" for row in [captions, *rows])
+    m = tv.Model("3-1")
+    assert dict(m.step_measures()) == dict(m.step_measures("Command", "Response"))
+    assert m.tune({"KP": (1, 2)}, best="Rise", runs=2)["KP"] >= 1
+    with pytest.raises(ValueError, match="command is required"):
+        tv.Model("5-1").step_measures()
+
+
 def test_shares_make_the_whole_and_differ_where_studies_do(tools, tmp_path):
     def share(k, until=0.05):
         path = tmp_path / f"{k}.{until}"

@@ -10,7 +10,10 @@ namespace torvane::cli {
 
 void AddMeasureOptions(CLI::App& command, MeasureOptions& options) {
   BodeOptions& bode = options.Bode;
-  command.add_option("--command", bode.Response.Input, "Signal that is to be followed")
+  command
+      .add_option(
+          "--command", bode.Response.Input,
+          "Signal that is to be followed; without it and --response the closed loop is measured")
       ->type_name("SIGNAL");
   command.add_option("--response", bode.Response.Output, "Signal that follows it")
       ->type_name("SIGNAL");

@@ -15,7 +15,7 @@
 namespace torvane::cli {
 namespace {
 
-void Measure(const MeasureOptions& options, const TableForm& form, Console& console) {
+void Measure(MeasureOptions options, const TableForm& form, Console& console) {
   auto model = OpenModel(options.Bode.Response.Model, console);
   CheckMeasurement(*model, options, console);
   ResultFile output("");

@@ -91,7 +91,7 @@ class TuneAndTell {
     const StudyTrace& response = search_.LastResponse();
     if (options_.Trace.empty() || response.Times.empty()) return;
     ResultFile file(options_.Trace);
-    file.Write(CsvLine({"Time", options_.Tune.Measure.Bode.Response.Output}));
+    file.Write(CsvLine({"Time", search_.ResponseSignal()}));
     for (std::size_t i = 0; i < response.Times.size(); ++i) {
       file.Write(CsvLine(
           {FormatShortestSingle(response.Times[i]), FormatShortestSingle(response.Values[i])}));

@@ -111,7 +111,7 @@ void RunStudy(const StudyCommand& command, Console& console) {
   result.Close();
   TellStudyBest(command, rows);
   if (command.Picture.empty()) return;
-  responses.Signal = options.Measure.Bode.Response.Output;
+  responses.Signal = study.Measured().Bode.Response.Output;
   responses.TimeUnit = study.First().Bench().TimeVar()->Unit();
   WriteStudyPicture(command, rows, std::move(responses));
 }

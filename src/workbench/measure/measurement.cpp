@@ -1,5 +1,8 @@
 #include "workbench/measure/measurement.h"
 
+#include <algorithm>
+
+#include "core/messages.h"
 #include "instruments/scope/scope.h"
 #include "workbench/measure/theory_measurement.h"
 #include "workbench/work_fault.h"
@@ -14,10 +17,23 @@ StepOptions Step(const MeasureOptions& options) {
   return {response.Input, response.Output, options.Until, window, options.Peak};
 }
 
+// Those of the first analyser's pair of that name, if it has one.
+void TakeClosedLoop(const ZelBenchTop& bench, ResponseOptions& response) {
+  const auto& analysers = bench.Instruments(InstrumentKind::FftAnalyser);
+  if (analysers.empty()) return;
+  const auto& setups = dynamic_cast<const FrequencyAnalyser&>(*analysers.front()).Setups();
+  const auto closed = std::ranges::find(setups, "Closed", &AnalyserSetup::Name);
+  if (closed == setups.end()) return;
+  response.Input = closed->Input;
+  response.Output = closed->Output;
+  Note("What is measured is the closed loop, " + closed->Input + " to " + closed->Output + ".");
+}
+
 }  // namespace
 
-void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Supervisor& supervisor) {
-  const ResponseOptions& response = options.Bode.Response;
+void CheckMeasurement(ZelModel& model, MeasureOptions& options, Supervisor& supervisor) {
+  ResponseOptions& response = options.Bode.Response;
+  if (response.Input.empty() && response.Output.empty()) TakeClosedLoop(model.Bench(), response);
   if (response.Input.empty()) throw UsageError("--command is required");
   if (response.Output.empty()) throw UsageError("--response is required");
   CheckStep(model, Step(options));

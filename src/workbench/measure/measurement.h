@@ -30,8 +30,9 @@ struct MeasureOptions {
 };
 
 /// Wrong usage if the options do not fit the model, which is set up for a measurement: the signals
-/// are there, and the analyser takes its settings.
-void CheckMeasurement(ZelModel& model, const MeasureOptions& options, Supervisor& supervisor);
+/// are there, and the analyser takes its settings. Where neither signal is named they become those
+/// of the model's closed loop, which is noted.
+void CheckMeasurement(ZelModel& model, MeasureOptions& options, Supervisor& supervisor);
 
 /// The units of what is measured of the model, in the order of MeasureCaptions.
 std::vector<std::string> UnitsOfMeasures(const ZelModel& model, const MeasureOptions& options,

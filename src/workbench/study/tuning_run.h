@@ -49,6 +49,8 @@ class TuningRun {
 
   /// The response of the last run.
   const StudyTrace& LastResponse() const { return response_; }
+  /// The signal that it is of.
+  const std::string& ResponseSignal() const { return options_.Measure.Bode.Response.Output; }
 
   /// Writes the model with the tuning as a model file.
   void Save(Tuning best, const std::string& path) const;
