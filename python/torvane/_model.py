@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import csv
+import io
 import itertools
 import os
 import tempfile
@@ -11,7 +13,8 @@ from typing import (Any, Callable, Dict, Iterable, List, Mapping, NamedTuple, Op
 
 import numpy as np
 
-from . import _engine, _pictures
+from . import _engine
+from ._pictures import Draw, answer, drawing, options_of, svg_or_none
 from ._results import (Array, Columns, Linear, Margins, Measures, Reading, Response, Run, Screen,
                        Study, Theory, measures_of, study_of)
 
@@ -175,7 +178,8 @@ class Model:
         self._engine.restart()
 
     def step_measures(self, command: Optional[str] = None, response: Optional[str] = None, *,
-                      until: Optional[float] = None, window: Optional[float] = None, time_base: Optional[float] = None,
+                      until: Optional[float] = None, window: Optional[float] = None,
+                      time_base: Optional[float] = None,
                       peak: Optional[str] = None, bode: bool = False, theory: bool = False,
                       loop: Optional[Tuple[str, str]] = None, order: Optional[int] = None,
                       start_delay: Optional[float] = None, end_delay: Optional[float] = None,
@@ -247,9 +251,7 @@ class Model:
                   "keep": [f"{name}={_text(value)}" for name, value in (keep or {}).items()]}
         if not self.constants.keys() >= (keep or {}).keys():
             raise KeyError(f"{self.name} does not have all constants of {', '.join(keep or {})}")
-        if show is not None and not isinstance(show, str):
-            show = ",".join(show)
-        scale, shift = _each(scale), _each(shift)
+        show, scale, shift = _listed(show), _each(scale), _each(shift)
         given = _given(locals(), "self", "on_progress", "overlay", "keep", "behind")
         draw = self._draws("scope", {**given, **behind})
         given.pop("until")
@@ -307,9 +309,24 @@ class Model:
         """As ``torvane.study`` of this model."""
         return study(self, vary, **options)
 
-    def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
-        """Writes the model's set-up as a model file."""
-        self._engine.save(os.fspath(path))
+    def save(self, path: Union[str, "os.PathLike[str]"], *,
+             scope: Optional[Mapping[str, Any]] = None, bode: Optional[Mapping[str, Any]] = None,
+             sweep: Optional[Mapping[str, Any]] = None,
+             meter: Optional[Mapping[str, Any]] = None) -> None:
+        """Writes the model's set-up as a model file. What the scope, the analysers and the first
+        meter are to be set to in it are the keywords of the calls of these names; torvane-cli sets
+        them, without one they are a StoppedError."""
+        if not (scope or bode or sweep or meter):
+            return self._engine.save(os.fspath(path))
+        told = dict(scope or {})
+        told.update(show=_listed(told.get("show")), scale=_each(told.get("scale")),
+                    shift=_each(told.get("shift")))
+        for prefix, settings in (("bode", bode), ("sweep", sweep), ("meter", meter)):
+            told.update({f"{prefix}_{name}": value for name, value in (settings or {}).items()})
+        with tempfile.TemporaryDirectory() as folder:
+            file = str(Path(folder) / "model.tvf")
+            self._engine.save(file)
+            answer(["convert", file, *options_of(told), os.fspath(path)])
 
     def copy(self) -> "Model":
         """Another model with the same settings, at time 0."""
@@ -319,40 +336,51 @@ class Model:
 
     def diagram(self) -> Optional[str]:
         """The block diagram as SVG, drawn by torvane-cli; None where that cannot be had."""
-        source = self._source if self._source.endswith(".mo") else self.name
-        return _pictures.svg([source], "diagram", [])
+        return svg_or_none(lambda: self._diagram([]))
 
     def diagram_dot(self) -> str:
         """The diagram of a loop of your own in the language DOT; a built-in model is a
         ValueError. torvane-cli writes it; without one a StoppedError."""
-        return _pictures.answer(["diagram", self._source, "--format", "dot"])
+        return self._diagram(["--format", "dot"])
 
-    def speed(self, seconds: float = 3.0, instruments: bool = True) -> Dict[str, float]:
+    def _diagram(self, options: List[str]) -> str:
+        with tempfile.TemporaryDirectory() as folder:
+            _, loop = _written(self._engine.freeze(), folder)
+            return answer(["diagram", loop or self.name, *options])
+
+    def speed(self, seconds: float = 3.0, instruments: bool = True, *,
+              time_base: Optional[float] = None,
+              show: Union[str, Iterable[str], None] = None, trig_mode: Optional[str] = None,
+              trig_source: Optional[str] = None, trig_slope: Optional[str] = None,
+              trig_level: Optional[float] = None, trig_position: Optional[float] = None,
+              scale: Optional[Mapping[str, float]] = None,
+              shift: Optional[Mapping[str, float]] = None) -> Dict[str, float]:
         """How fast torvane-cli runs the model with these settings, for so many seconds of wall
         time: ``simulated_s``, ``wall_s``, their ``ratio`` and ``ns_per_step``; without
-        ``instruments`` solver and model alone."""
+        ``instruments`` solver and model alone. The scope is set as for ``scope``."""
         _above_zero(seconds=seconds)
+        show, scale, shift = _listed(show), _each(scale), _each(shift)
+        scope = options_of(_given(locals(), "self", "seconds", "instruments"))
         with tempfile.TemporaryDirectory() as folder:
-            file = str(Path(folder) / "model.tvf")
-            self.save(file)
+            file, _ = _written(self._engine.freeze(), folder)
             alone = [] if instruments else ["--no-instruments"]
-            told = _pictures.answer(["speed", file, "--for", repr(float(seconds)), *alone])
+            told = answer(["speed", file, "--for", repr(float(seconds)), *alone, *scope])
         return {name: float(value) for name, value in (one.split("=") for one in told.split())}
 
     def _repr_svg_(self) -> Optional[str]:
         return self.diagram()
 
-    def _draws(self, command: str, given: Mapping[str, Any]) -> Callable[[], Optional[str]]:
-        frozen = self.__getstate__()
-        options = _pictures.options_of(given)
+    def _draws(self, command: str, given: Mapping[str, Any],
+               table: Optional[bytes] = None) -> Draw:
+        """How a command draws the model as it is now; a study of its runs' table, if it has one."""
+        frozen = self._engine.freeze()
+        options = options_of(given)
 
-        def draw() -> Optional[str]:
-            model = Model.__new__(Model)
-            model.__setstate__(frozen)
+        def draw(format: str, more: List[str]) -> bytes:
             with tempfile.TemporaryDirectory() as folder:
-                file = str(Path(folder) / "model.tvf")
-                model.save(file)
-                return _pictures.svg([file], command, options)
+                file, _ = _written(frozen, folder)
+                runs = {} if table is None else {"runs.csv": table}
+                return drawing([command, *runs, file, *options, *more], format, runs)
 
         return draw
 
@@ -400,7 +428,13 @@ def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = Non
         runs = list(itertools.product(*columns))
         if not runs:
             raise ValueError("a study needs a value of each constant that it varies")
-    return study_of(*model._engine.study(names, runs, given, on_progress))
+    made = study_of(*model._engine.study(names, runs, given, on_progress))
+    if table is not None:
+        design: Optional[bytes] = Path(table).read_bytes()
+    else:
+        design = _table(names, runs) if runs else None
+    made._draw = model._draws("study", {**given, "table": None}, design)
+    return made
 
 
 def merge(paths: Iterable[Union[str, "os.PathLike[str]"]], best: Optional[str] = None) -> Study:
@@ -410,6 +444,22 @@ def merge(paths: Iterable[Union[str, "os.PathLike[str]"]], best: Optional[str] =
     ValueError that names them.
     """
     return study_of(*_engine.merge([os.fspath(path) for path in paths], best or ""))
+
+
+def _written(frozen: Tuple[str, Optional[str], str], folder: str) -> Tuple[str, Optional[str]]:
+    """The model file, and that of an own loop, written for torvane-cli into a folder: a loop as it
+    was read, whatever became of its file."""
+    text, loop, path = frozen
+    file, beside = Path(folder) / "model.tvf", Path(folder) / Path(path).name
+    if loop is not None:
+        beside.write_bytes(loop.encode("utf-8"))
+        text = text.replace(f"Loop,{path}\n", f"Loop,{beside}\n", 1)
+    file.write_bytes(text.encode("utf-8"))
+    return str(file), None if loop is None else str(beside)
+
+
+def _listed(names: Union[str, Iterable[str], None]) -> Optional[str]:
+    return names if names is None or isinstance(names, str) else ",".join(names)
 
 
 def _each(numbers: Any) -> Any:
@@ -426,6 +476,12 @@ def _design(value: Value) -> str:
 
 def _range(of: Any) -> str:
     return ":".join(_text(one) for one in of)
+
+
+def _table(names: List[str], runs: List[Tuple[str, ...]]) -> bytes:
+    text = io.StringIO(newline="")
+    csv.writer(text, lineterminator="\n").writerows([names, *runs])
+    return text.getvalue().encode("utf-8")
 
 
 def _told(caption: str, field: str) -> Union[float, str, None]:

@@ -5,12 +5,12 @@ from __future__ import annotations
 import csv
 import io
 from pathlib import Path
-from typing import (Any, Callable, Dict, Iterator, List, Mapping, NamedTuple, Optional, Sequence,
+from typing import (Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Sequence,
                     Tuple, Union)
 
 import numpy as np
 
-from ._pictures import Picture, drawing_of_run, drawing_of_study, options_of
+from ._pictures import Draw, Drawn, Picture, drawing, options_of
 
 Array = np.ndarray
 
@@ -46,7 +46,7 @@ class Columns(Mapping[str, Array]):
         return pandas.DataFrame(self._columns, index=pandas.Index(self.time, name="Time"))
 
 
-class Run(Columns):
+class Run(Columns, Drawn):
     """What a run recorded: a row at the time 0 and then every so many seconds."""
 
     def __init__(self, names: List[str], units: List[str], arrays: List[Array],
@@ -54,27 +54,23 @@ class Run(Columns):
         super().__init__(names, units, arrays)
         self._title, self._time_unit = title, units[0]
 
-    def _repr_svg_(self) -> Optional[str]:
-        if not len(self.time):
-            return None
+    def _draw(self, format: str, options: List[str]) -> bytes:  # type: ignore[override]
         captions = [f"{name} ({self.units[name]})" if self.units[name] else name for name in self]
         rows = io.StringIO(newline="")
         writer = csv.writer(rows)
         writer.writerow([f"Time ({self._time_unit})", *captions])
         writer.writerows(zip(self.time.tolist(), *(self[name].tolist() for name in self)))
-        return drawing_of_run(rows.getvalue(), self._title)
+        return drawing(["draw", "run.csv", f"--title={self._title}", *options], format,
+                       {"run.csv": rows.getvalue().encode("utf-8")}, rows=False)
 
 
-class Screen(Columns):
+class Screen(Columns, Drawn):
     """The last complete screen of a scope, whose samples are single-precision numbers."""
 
     def __init__(self, names: List[str], units: List[str], arrays: List[Array],
-                 draw: Callable[[], Optional[str]]) -> None:
+                 draw: Draw) -> None:
         super().__init__(names, units, arrays)
         self._draw = draw
-
-    def _repr_svg_(self) -> Optional[str]:
-        return self._draw()
 
 
 class Reading(NamedTuple):
@@ -128,7 +124,7 @@ class Overlay(NamedTuple):
     margins: Margins  #: read off the file's own points
 
 
-class Response:
+class Response(Drawn):
     """A frequency response; all arrays are float64 of shape (points,).
 
     ``frequency`` is in Hz, ``gain_db`` in dB, ``phase_deg`` in degrees, wrapped to (-270, 90];
@@ -136,7 +132,7 @@ class Response:
     ``coherence`` is None unless several measurements were averaged.
     """
 
-    def __init__(self, measured: Any, draw: Callable[[], Optional[str]]) -> None:
+    def __init__(self, measured: Any, draw: Draw) -> None:
         hz, gain, phase, excited, coherence = measured.columns()
         self.frequency: Array = hz
         self.gain_db: Array = gain
@@ -184,8 +180,15 @@ class Response:
     def __repr__(self) -> str:
         return f"<Response: {self.output} to {self.input}, {len(self)} points>"
 
-    def _repr_svg_(self) -> Optional[str]:
-        return self._draw()
+    def picture(self, *, theory: bool = False, overlay: Union[str, Path, None] = None,
+                overlay_columns: Optional[str] = None,
+                overlay_units: Optional[str] = None) -> Picture:
+        """Gain and phase, and over them what theory says or the response of a file, as ``overlay``
+        reads it; a StoppedError where torvane-cli, which draws it, is not on the search path or
+        draws no pictures."""
+        told = {"theory": theory, "overlay": overlay and str(overlay),
+                "overlay_columns": overlay_columns, "overlay_units": overlay_units}
+        return Picture(self._draw, options_of(told))
 
 
 class Measures(Mapping[str, Optional[float]]):
@@ -264,11 +267,13 @@ class Study(np.ndarray):
     csv: bytes = b""
     best: Optional[int] = None
     file: bytes = b""
+    _draw: Optional[Draw] = None
 
     def __array_finalize__(self, other: Any) -> None:
         self.csv = getattr(other, "csv", b"")
         self.best = getattr(other, "best", None)
         self.file = getattr(other, "file", b"")
+        self._draw = getattr(other, "_draw", None)
 
     def write(self, path: Union[str, Path]) -> None:
         """Writes the whole table, or the share, as torvane-cli does, byte for byte."""
@@ -284,7 +289,20 @@ class Study(np.ndarray):
                 "limits": limits and ":".join(repr(float(one)) for one in limits),
                 "levels": levels and ",".join(repr(float(one)) for one in levels),
                 "best": best}
-        return Picture(drawing_of_study(self.csv, options_of(told)))
+
+        def draw(format: str, options: List[str]) -> bytes:
+            return drawing(["study", "--merge", "study.csv", *options], format,
+                           {"study.csv": self.csv})
+
+        return Picture(draw, options_of(told))
+
+    def picture(self, *, chosen: Optional[int] = None) -> Picture:
+        """The responses of all runs as thin lines, which torvane-cli draws: it makes all runs once
+        more. The run ``chosen``, or else the best if one was asked for, is set off. A study that
+        was put together of files has no model, and is a ValueError."""
+        if self._draw is None:
+            raise ValueError("responses are drawn of a study that was made here; map() draws any")
+        return Picture(self._draw, options_of({"chosen": chosen}))
 
 
 def study_of(table: bytes, best: Optional[int], file: bytes) -> Study:

@@ -130,7 +130,28 @@ def test_generators_files_and_loops(tools, tmp_path):
     frozen = pickle.dumps(own)
     loop.unlink()  # the loop goes along
     thawed = pickle.loads(frozen)
+    assert "digraph" in thawed.diagram_dot()
+    assert thawed.speed(0.05)["ratio"] > 0
     assert thawed.run(until=0.02, every=0.01)["y"][-1] == pytest.approx(1 - np.exp(-1), abs=1e-6)
+
+
+def test_what_is_saved_of_instruments_is_what_convert_saves(tools, tmp_path):
+    m = tv.Model("3-1")
+    m["KP"] = 1.1
+    m.save(tmp_path / "m.tvf", scope={"show": ["Response"], "scale": {"Response": 2}},
+           bode={"setup": "Open", "order": 10, "spectrum": False}, sweep={"from_": 5, "average": 2},
+           meter={"variable": "Response", "kind": "harmonic", "with_": "Command", "ac": False,
+                  "db": False})
+    tools[0]("convert", "3-1", "--set", "KP=1.1", "--show", "Response", "--scale", "Response=2",
+             "--bode-setup", "Open", "--bode-order", 10, "--bode-no-spectrum", "--sweep-from", 5,
+             "--sweep-average", 2, "--meter-variable", "Response", "--meter-kind", "harmonic",
+             "--meter-with", "Command", "--meter-dc", "--meter-no-db", tmp_path / "c.tvf")
+    assert (tmp_path / "m.tvf").read_bytes() == (tmp_path / "c.tvf").read_bytes()
+    assert len(tv.Model(tmp_path / "m.tvf").bode().frequency) == 513
+    for wrong in ({"bode": {"ordr": 9}}, {"scope": {"show": "Respons"}}):
+        with pytest.raises(ValueError, match="ordr|Respons"):
+            m.save(tmp_path / "no.tvf", **wrong)
+    assert not (tmp_path / "no.tvf").exists()
 
 
 def _last(name):

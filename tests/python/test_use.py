@@ -3,6 +3,7 @@
 import gc
 import os
 import signal
+import subprocess
 import threading
 import time
 
@@ -161,6 +162,51 @@ def test_pictures_where_torvane_cli_draws_them():
     assert all("<svg" in picture for picture in pictures)
     with pytest.raises(ValueError, match="unknown measure"):
         table.map("Overshot")
+
+
+def _commands_picture(folder, *arguments):
+    subprocess.run([os.environ["TORVANE_CLI"], *map(str, arguments), "--picture", "p.svg", "--out",
+                    "p.csv"], cwd=folder, check=True, capture_output=True,
+                   env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
+    return (folder / "p.svg").read_text(encoding="utf-8")
+
+
+def test_pictures_are_those_of_the_command_in_every_format(tmp_path):
+    m = tv.Model("3-1")
+    if m._repr_svg_() is None:
+        pytest.skip("torvane-cli draws no pictures here")
+    m["KP"] = 1.1
+    m.save(tmp_path / "m.tvf")
+    file, pair = tmp_path / "m.tvf", ("--input", "Command", "--output", "Response", "--order", 9)
+    response = m.bode("Command", "Response", order=9)
+    m["KP"] = 0.6  # they are of the model as it was
+    assert response.picture(theory=True).svg == _commands_picture(tmp_path, "bode", file, *pair,
+                                                                  "--theory")
+    response.picture().save(tmp_path / "b.PNG")
+    assert (tmp_path / "b.PNG").read_bytes().startswith(b"\x89PNG")
+    with pytest.raises(ValueError, match="svg"):
+        response.picture().save(tmp_path / "b.bmp")
+
+    ranges = ["--vary", "KVP=0.4:1.4:3", "--vary", "KVI=20:200:2", "--until", 0.1]
+    table = tv.study("6-1", {"KVP": np.linspace(0.4, 1.4, 3), "KVI": [20, 200]}, until=0.1,
+                     best="Settling")
+    for drawn, chosen in ((table.picture(), ("--best", "Settling")),
+                          (table[:2].picture(chosen=4), ("--chosen", 4))):
+        assert drawn.svg == _commands_picture(tmp_path, "study", "6-1", *ranges, *chosen)
+    table.write(tmp_path / "t.csv")
+    with pytest.raises(ValueError, match="made here"):
+        tv.merge([tmp_path / "t.csv"]).picture()
+    for rest in ({"sample": 3}, {"sample": 3, "shard": (2, 2)}):
+        some = tv.study("6-1", {"KVP": (0.4, 1.4)}, until=0.1, **rest)
+        assert f"{len(some)} run" in some.picture().svg
+
+
+def test_the_speed_is_that_with_the_scope_as_set():
+    m = tv.Model("3-1")
+    assert m.speed(0.05, time_base=0.01, show=["Response"], scale={"Response": 2})["ratio"] > 0
+    for wrong in ({"trig_mode": "Never"}, {"show": ["Respons"]}, {"shift": {"Response": np.inf}}):
+        with pytest.raises(ValueError, match="Never|Respons|inf"):
+            m.speed(0.05, **wrong)
 
 
 def test_what_lies_behind_a_scopes_picture(tmp_path):

@@ -100,6 +100,7 @@ void AddInstrumentSettings(CLI::App& command, InstrumentSettings& settings) {
   AddPair(command, settings.Bode.Response, BodePrefix);
   AddExcitationOptions(command, settings.Bode.Response, BodePrefix);
   AddRecordOptions(command, settings.Bode, BodePrefix);
+  AddSpectrum(command, settings.Bode, BodePrefix);
   AddPair(command, settings.Sweep.Response, SweepPrefix);
   AddExcitationOptions(command, settings.Sweep.Response, SweepPrefix);
   AddSweepOptions(command, settings.Sweep, SweepPrefix);

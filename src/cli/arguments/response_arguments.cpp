@@ -83,6 +83,13 @@ void AddRecordOptions(CLI::App& command, BodeOptions& options, const std::string
             "Last part of the record without excitation, seconds");
 }
 
+void AddSpectrum(CLI::App& command, BodeOptions& options, const std::string& prefix) {
+  command.add_flag_function(
+      prefix + "spectrum,!" + prefix + "no-spectrum",
+      [&options](std::int64_t count) { options.Spectrum = count > 0; },
+      "Give the output's spectrum alone, under a triangular window, or the response");
+}
+
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options, const ResponseOutput& output) {
   CheckPictureFile(output.Picture);

@@ -34,6 +34,9 @@ void AddExcitationOptions(CLI::App& command, ResponseOptions& options,
 /// Those of the record that is taken.
 void AddRecordOptions(CLI::App& command, BodeOptions& options, const std::string& prefix = "--");
 
+/// Whether a response is measured or the output's spectrum.
+void AddSpectrum(CLI::App& command, BodeOptions& options, const std::string& prefix = "--");
+
 /// The analyser, with the overlay in its memory. Refuses before that what cannot be written.
 FrequencyAnalyser& ChooseAnalyser(ZelBenchTop& bench, InstrumentKind kind,
                                   const ResponseOptions& options, const ResponseOutput& output);

@@ -81,10 +81,7 @@ void AddBodeCommand(CLI::App& app, Console& console) {
   const auto options = std::make_shared<BodeCommand>();
   AddResponseOptions(*command, options->Bode.Response, options->Output);
   AddRecordOptions(*command, options->Bode);
-  command->add_flag_function(
-      "--spectrum,!--no-spectrum",
-      [options](std::int64_t count) { options->Bode.Spectrum = count > 0; },
-      "Give the output's spectrum alone, under a triangular window, or the response");
+  AddSpectrum(*command, options->Bode);
   command->add_flag("--between-samples", options->Bode.BetweenSamples,
                     "Begin between two samples of the model's loop with a start delay, too");
   command->callback([options, &console] { MeasureBode(*options, console); });
