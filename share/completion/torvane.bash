@@ -19,10 +19,11 @@ _torvane_offer_files() {
   COMPREPLY+=("${files[@]}")
 }
 
-# A model: its name, or a model file.
+# A model: its name, a model file or a loop.
 _torvane_offer_models() {
   _torvane_offer "$1" < <(torvane-cli models 2>/dev/null | cut -f 2)
   _torvane_offer_files -f -X '!*.[tT][vV][fF]' -- "$1"
+  _torvane_offer_files -f -X '!*.[mM][oO]' -- "$1"
   _torvane_offer_files -d -- "$1"
 }
 
@@ -76,7 +77,7 @@ _torvane_offer_values() {
 }
 
 _torvane_cli() {
-  local current before kept words options='' values='' value='' pair
+  local current before kept words options='' values='' argument='' value='' pair
   _torvane_words
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -102,7 +103,11 @@ _torvane_cli() {
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
       else
-        _torvane_offer_models "$current"
+        case $argument in
+          file) _torvane_offer_files -f -- "$current" ;;
+          model | study) _torvane_offer_models "$current" ;;
+        esac
+        [[ $argument != study ]] || _torvane_offer_files -f -X '!*.[cC][sS][vV]' -- "$current"
       fi
       ;;
   esac

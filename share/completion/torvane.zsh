@@ -8,6 +8,12 @@ _torvane_models() {
   _alternative "models:model:compadd -a names" 'files:model file or loop:_files -g "*.((#i)tvf|mo)"'
 }
 
+# The same, or a table of a study or of its share.
+_torvane_studies() {
+  _torvane_models
+  _files -g '*.(#i)csv'
+}
+
 # Words of a kind that torvane-cli knows of the model that the line names, a table of a study before
 # it passed over.
 _torvane_values() {

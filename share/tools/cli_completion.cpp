@@ -55,6 +55,17 @@ std::string Action(const std::string& value) {
   return "(" + choices + ")";
 }
 
+// What stands without an option: "model", "study", a table or a model, or "file".
+std::string ArgumentOf(const CLI::App& command) {
+  for (const CLI::Option* option : command.get_options()) {
+    if (!IsPositional(*option)) continue;
+    const std::string name = option->get_name(true);
+    if (name == "MODEL") return "model";
+    return name.ends_with("MODEL") ? "study" : "file";
+  }
+  return "none";
+}
+
 // The options that have a value, as OPTION=KIND.
 std::string Values(const CLI::App& command) {
   std::string values;
@@ -93,7 +104,7 @@ std::string BashCommands(const CLI::App& app) {
       for (const std::string& name : Names(*option)) options += name + " ";
     }
     text += "    " + command->get_name() + ") options=" + Quoted(options) +
-            " values=" + Quoted(Values(*command)) + " ;;\n";
+            " values=" + Quoted(Values(*command)) + " argument=" + ArgumentOf(*command) + " ;;\n";
   }
   return text;
 }
@@ -114,8 +125,12 @@ std::string ZshCommands(const CLI::App& app) {
     for (const CLI::Option* option : command->get_options()) {
       if (IsPositional(*option)) {
         const std::string name = option->get_name(true);
-        const char* action = name == "MODEL" ? ":_torvane_models" : ":_files";
-        text += " \\\n        " + Quoted(":" + name + action);
+        const bool model = name.ends_with("MODEL");
+        const std::string action = model && name != "MODEL"
+                                       ? ":_torvane_studies"
+                                       : (model ? ":_torvane_models" : ":_files");
+        text += " \\\n        " +
+                Quoted((option->get_expected_max() > 1 ? "*:" : ":") + Escaped(name) + action);
       }
       for (const std::string& name : Names(*option)) {
         text += " \\\n        " + Quoted(ZshOption(*option, name));

@@ -45,10 +45,11 @@ const std::string& Folder() {
 
 // Into files rather than pipes, so that no side ever waits for the other.
 Process::Process(const std::string& line) {
-  const std::string shell =
-      "cd '" + Folder() +
-      "'; PATH=$(dirname '" TORVANE_CLI "'):$PATH; DATA='" TORVANE_TEST_DATA "/cli'; exec >'" +
-      StreamFile("out", 0) + "'$$ 2>'" + StreamFile("err", 0) + "'$$; " + line;
+  const std::string shell = "cd '" + Folder() +
+                            "'; PATH=$(dirname '" TORVANE_CLI "'):$PATH; DATA='" TORVANE_TEST_DATA
+                            "/cli'; COMPLETE='" TORVANE_COMPLETE "'; exec >'" +
+                            StreamFile("out", 0) + "'$$ 2>'" + StreamFile("err", 0) + "'$$; " +
+                            line;
   id_ = fork();
   if (id_ != 0) return;
   execl("/bin/sh", "sh", "-c", shell.c_str(), nullptr);

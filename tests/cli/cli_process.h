@@ -15,7 +15,7 @@ struct Outcome {
 };
 
 /// A running command line of the shell, which finds torvane-cli, works in Folder() and knows
-/// tests/data/cli as $DATA.
+/// tests/data/cli as $DATA, and as $COMPLETE what tells bash's completion of lines.
 class Process {
  public:
   explicit Process(const std::string& line);

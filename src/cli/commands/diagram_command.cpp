@@ -40,7 +40,7 @@ void AddDiagramCommand(CLI::App& app, Console& console) {
   command
       ->add_option("--format", options->Format,
                    "svg, or dot: the diagram of a loop of your own in Graphviz's language")
-      ->type_name("FORMAT");
+      ->type_name("svg|dot");
   command->callback([options, &console] { Draw(*options, console); });
 }
 
