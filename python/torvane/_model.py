@@ -64,6 +64,8 @@ def _setting(key: str, what: str) -> Any:
 class Generator:
     """A waveform generator of a model: its settings are read and set as attributes."""
 
+    __slots__ = ("_engine", "name")  # what is misspelt is no setting
+
     def __init__(self, engine: Any, name: str) -> None:
         self._engine = engine
         self.name = name

@@ -1,5 +1,6 @@
 """What the engines report, as warnings and exceptions."""
 
+import inspect
 import logging
 import warnings
 
@@ -20,4 +21,13 @@ def report(label: str, text: str) -> None:
         _log.info(text)
     else:
         words = text if label in ("Warning", "Error") else f"{label}: {text}"
-        warnings.warn(words, TorvaneWarning, stacklevel=4)
+        warnings.warn(words, TorvaneWarning, stacklevel=_callers_level())
+
+
+def _callers_level() -> int:
+    """How far above ``report`` the line stands that called into this package."""
+    level, frame = 1, inspect.currentframe()
+    frame = frame and frame.f_back
+    while frame is not None and frame.f_globals.get("__package__") == __package__:
+        level, frame = level + 1, frame.f_back
+    return level

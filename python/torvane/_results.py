@@ -275,6 +275,15 @@ class Study(np.ndarray):
         self.file = getattr(other, "file", b"")
         self._draw = getattr(other, "_draw", None)
 
+    def __reduce__(self) -> Any:
+        array: Any = super().__reduce__()
+        make, arguments, state = array
+        return make, arguments, (state, self.csv, self.best, self.file)
+
+    def __setstate__(self, state: Any) -> None:
+        array, self.csv, self.best, self.file = state
+        super().__setstate__(array)
+
     def write(self, path: Union[str, Path]) -> None:
         """Writes the whole table, or the share, as torvane-cli does, byte for byte."""
         Path(path).write_bytes(self.file)

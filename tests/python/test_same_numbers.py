@@ -73,6 +73,8 @@ def test_a_study_has_the_bytes_of_the_commands(tools, tmp_path):
     assert (tmp_path / "module.csv").read_bytes() == file.read_bytes()
     assert len(table) == 14 and table.best is not None
     assert np.isnan(table["Overshoot"][table["Measures"] == 0]).all()
+    carried = pickle.loads(pickle.dumps(table))
+    assert (carried.csv, carried.best) == (table.csv, table.best) and carried["KVP"][1] == 0.4
 
 
 def test_a_loop_needs_no_signals_where_the_model_names_it(tools):

@@ -34,6 +34,7 @@ REFUSED = [
                                             response="Response", best="Setling")),
     (tv.StoppedError, "meets", lambda m: m.tune({"KP": (1, 2)}, command="Command", runs=2,
                                                 response="Response", require=["Rise<1e-9"])),
+    (AttributeError, "freqency", lambda m: setattr(m.generator(), "freqency", 5)),
     (ValueError, "two arrays of one length", lambda m: m.generator().play([0, 1], [0])),
     (ValueError, "", lambda m: m.generator().play([1, 0], [0, 1])),
 ]
@@ -132,8 +133,10 @@ def test_what_is_not_installed_is_said(package, ask, monkeypatch):
 
 
 def test_doubts_are_warnings():
-    with pytest.warns(tv.TorvaneWarning):
+    with pytest.warns(tv.TorvaneWarning) as told:
         tv.Model("13-1").bode("vC", "vF", order=9)
+        tv.Model("4-1").study({"KVP": [1]}, bode=True, tsample=0.0005)
+    assert {one.filename for one in told} == {__file__}  # the line that asked for it
 
 
 def test_margins_beyond_what_the_sample_time_is_short_enough_for_are_warned_of():
