@@ -356,13 +356,16 @@ class Model:
               trig_source: Optional[str] = None, trig_slope: Optional[str] = None,
               trig_level: Optional[float] = None, trig_position: Optional[float] = None,
               scale: Optional[Mapping[str, float]] = None,
-              shift: Optional[Mapping[str, float]] = None) -> Dict[str, float]:
+              shift: Optional[Mapping[str, float]] = None,
+              meter: Optional[Mapping[str, Any]] = None) -> Dict[str, float]:
         """How fast torvane-cli runs the model with these settings, for so many seconds of wall
         time: ``simulated_s``, ``wall_s``, their ``ratio`` and ``ns_per_step``; without
-        ``instruments`` solver and model alone. The scope is set as for ``scope``."""
+        ``instruments`` solver and model alone. The scope is set as for ``scope``; ``meter``, the
+        keywords of that call, puts a meter beside it."""
         _above_zero(seconds=seconds)
         show, scale, shift = _listed(show), _each(scale), _each(shift)
-        scope = options_of(_given(locals(), "self", "seconds", "instruments"))
+        scope = options_of(_given(locals(), "self", "seconds", "instruments", "meter"))
+        scope += options_of({f"meter_{name}": value for name, value in (meter or {}).items()})
         with tempfile.TemporaryDirectory() as folder:
             file, _ = _written(self._engine.freeze(), folder)
             alone = [] if instruments else ["--no-instruments"]

@@ -104,7 +104,11 @@ void AddInstrumentSettings(CLI::App& command, InstrumentSettings& settings) {
   AddPair(command, settings.Sweep.Response, SweepPrefix);
   AddExcitationOptions(command, settings.Sweep.Response, SweepPrefix);
   AddSweepOptions(command, settings.Sweep, SweepPrefix);
-  AddMeterOptions(command, settings.Meter, MeterPrefix);
+  AddMeterSettings(command, settings.Meter);
+}
+
+void AddMeterSettings(CLI::App& command, MeterOptions& options) {
+  AddMeterOptions(command, options, MeterPrefix);
 }
 
 void Apply(const CLI::App& command, ZelModel& model, const InstrumentSettings& settings,

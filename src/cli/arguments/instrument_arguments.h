@@ -27,6 +27,9 @@ void AddMeterOptions(CLI::App& command, MeterOptions& options, const std::string
 /// before each: --bode-order, --sweep-from, --meter-kind.
 void AddInstrumentSettings(CLI::App& command, InstrumentSettings& settings);
 
+/// Those of the meter alone: --meter-kind.
+void AddMeterSettings(CLI::App& command, MeterOptions& options);
+
 /// Those that are given; a setting without an instrument, or which it refuses, is wrong usage.
 void Apply(const CLI::App& command, ZelModel& model, const InstrumentSettings& settings,
            Supervisor& supervisor);

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <functional>
 
+#include "cli/arguments/instrument_arguments.h"
 #include "cli/arguments/model_arguments.h"
 #include "cli/arguments/scope_arguments.h"
 #include "cli/commands/commands.h"
@@ -20,6 +21,7 @@ namespace {
 struct SpeedOptions {
   ModelOptions Model;
   ScopeSettings Scope;
+  InstrumentSettings Instruments;  ///< of the meter; analysers stand still here
   double Seconds = 3.0;
   bool NoInstruments = false;
 };
@@ -48,9 +50,10 @@ std::string Figures(const ZelModel& model, double step, double wall) {
          " ns_per_step=" + FormatShortest(wall * 1e9 / (simulated / step)) + "\n";
 }
 
-void MeasureSpeed(const SpeedOptions& options, Console& console) {
+void MeasureSpeed(const CLI::App& command, const SpeedOptions& options, Console& console) {
   const auto model = OpenModel(options.Model, console);
   Apply(model->Bench(), options.Scope);
+  Apply(command, *model, options.Instruments, console);
   model->Bench().StartScopes();
   ResultFile output("");
   const InterruptGuard guard;
@@ -81,10 +84,11 @@ void AddSpeedCommand(CLI::App& app, Console& console) {
   const auto options = std::make_shared<SpeedOptions>();
   AddModelOptions(*command, options->Model);
   AddScopeSettings(*command, options->Scope);
+  AddMeterSettings(*command, options->Instruments.Meter);
   AddNumber(*command, "--for", options->Seconds, NumberRange::Positive,
             "Wall time to run, seconds (3 without it)");
   command->add_flag("--no-instruments", options->NoInstruments, "Leave only solver and model");
-  command->callback([options, &console] { MeasureSpeed(*options, console); });
+  command->callback([command, options, &console] { MeasureSpeed(*command, *options, console); });
 }
 
 }  // namespace torvane::cli
