@@ -86,6 +86,23 @@ std::vector<std::string> LongOptions(const CLI::App& command) {
   return names;
 }
 
+// What makes an argument that is one too many a likely slip; empty without an idea.
+std::string SlipBehind(const CLI::App& command, const std::string& argument) {
+  if (command.get_option_no_throw("--set") && argument.find('=') != std::string::npos) {
+    return "; a constant is set by --set " + argument;
+  }
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->count() == 0) continue;
+    const std::string last = option->results().back();
+    const std::string type = option->get_type_name();
+    if (type == "NAME=VALUE" && last.find('=') == std::string::npos) {
+      return "; " + option->get_name() + " needs NAME=VALUE, not \"" + last + "\"";
+    }
+    if (last.ends_with(',')) return "; what " + option->get_name() + " lists stands without blanks";
+  }
+  return "";
+}
+
 // What is left on the command line explains a failure better than what is missing because of it.
 WorkFault ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
   const auto commands = app.get_subcommands();
@@ -93,7 +110,9 @@ WorkFault ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
   if (leftOver.starts_with("-")) {
     return UnknownName("option", leftOver.substr(0, leftOver.find('=')), LongOptions(command));
   }
-  if (!commands.empty()) return UsageError("unexpected argument \"" + leftOver + "\"");
+  if (!commands.empty()) {
+    return UsageError("unexpected argument \"" + leftOver + "\"" + SlipBehind(command, leftOver));
+  }
   std::vector<std::string> names;
   for (const CLI::App* known : app.get_subcommands([](const CLI::App*) { return true; })) {
     names.push_back(known->get_name());

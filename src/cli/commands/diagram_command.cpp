@@ -5,6 +5,7 @@
 #include "cli/io/console.h"
 #include "cli/io/diagrams.h"
 #include "cli/io/result_file.h"
+#include "core/names.h"
 #include "workbench/model/model_options.h"
 #include "workbench/unknown_name.h"
 #include "workbench/work_fault.h"
@@ -21,6 +22,10 @@ struct DiagramOptions {
 void Draw(const DiagramOptions& options, Console& console) {
   const bool dot = options.Format == "dot";
   if (!dot && options.Format != "svg") throw UnknownName("format", options.Format, {"svg", "dot"});
+  for (const char* const ending : {".png", ".pdf"}) {
+    if (!Lower(options.Out).ends_with(ending)) continue;
+    throw UsageError("a diagram is written as svg or dot; \"" + options.Out + "\" names neither");
+  }
   const auto model = OpenModel(options.Model, console);
   ResultFile output(options.Out);
   output.Write(dot ? DotOf(*model) : DiagramOf(*model));

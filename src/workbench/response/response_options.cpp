@@ -9,6 +9,10 @@ namespace torvane {
 void CheckChannels(const ResponseOptions& options) {
   if (NamesModelFile(options.Model.Model)) return;
   if (!options.Setup.empty()) return;
+  if (options.Input.empty() && options.Output.empty()) {
+    throw UsageError(
+        "--input and --output are required, or --setup, which names a pair of the model");
+  }
   if (options.Input.empty()) throw UsageError("--input is required");
   if (options.Output.empty()) throw UsageError("--output is required");
 }
