@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import csv
+import difflib
 import io
 import itertools
 import os
@@ -134,12 +135,16 @@ class Model:
     def __getitem__(self, name: str) -> Value:
         value = self._engine.value(name)
         if value is None:
-            raise KeyError(f"{self.name} has no constant or signal {name!r}")
+            known = self._ipython_key_completions_()
+            raise KeyError(f"{self.name} has no constant or signal {name!r}{_near(name, known)}")
         return value
+
+    def _ipython_key_completions_(self) -> List[str]:
+        return [*self.constants, *self.signals]
 
     def __setitem__(self, name: str, value: Value) -> None:
         if name not in self.constants:
-            raise KeyError(f"{self.name} has no constant {name!r}")
+            raise KeyError(f"{self.name} has no constant {name!r}{_near(name, self.constants)}")
         self._engine.set_constant(name, _text(value))
 
     @property
@@ -487,6 +492,13 @@ def _table(names: List[str], runs: List[Tuple[str, ...]]) -> bytes:
     text = io.StringIO(newline="")
     csv.writer(text, lineterminator="\n").writerows([names, *runs])
     return text.getvalue().encode("utf-8")
+
+
+def _near(name: str, known: Iterable[str]) -> str:
+    """The name that was likely meant, as the end of a message."""
+    folded = {one.lower(): one for one in known}
+    near = difflib.get_close_matches(str(name).lower(), folded, 1)
+    return f"; did you mean {folded[near[0]]!r}?" if near else ""
 
 
 def _told(caption: str, field: str) -> Union[float, str, None]:

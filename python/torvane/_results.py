@@ -37,6 +37,9 @@ class Columns(Mapping[str, Array]):
     def __len__(self) -> int:
         return len(self._columns)
 
+    def _ipython_key_completions_(self) -> List[str]:
+        return list(self._columns)
+
     def __repr__(self) -> str:
         return f"<{type(self).__name__}: {len(self.time)} rows of {', '.join(self)}>"
 
@@ -219,6 +222,9 @@ class Measures(Mapping[str, Optional[float]]):
 
     def __len__(self) -> int:
         return len(self._values)
+
+    def _ipython_key_completions_(self) -> List[str]:
+        return list(self._values)
 
     def __repr__(self) -> str:
         return f"Measures({self._values})"

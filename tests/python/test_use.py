@@ -14,8 +14,10 @@ import torvane as tv
 REFUSED = [
     (ValueError, "KP is limited to", lambda m: m.__setitem__("KP", 1e12)),
     (ValueError, "KP needs a number", lambda m: m.__setitem__("KP", "much")),
+    (KeyError, "no constant 'kp'; did you mean 'KP'?", lambda m: m.__setitem__("kp", 1)),
     (KeyError, "no constant 'KPX'", lambda m: m.__setitem__("KPX", 1)),
-    (KeyError, "no constant or signal", lambda m: m["Nothing"]),
+    (KeyError, "no constant or signal 'Nothing'\"", lambda m: m["Nothing"]),
+    (KeyError, "'Respons'; did you mean 'Response'?", lambda m: m["Respons"]),
     (ValueError, "model", lambda m: tv.Model("33-3")),
     (OSError, "nowhere.tvf", lambda m: tv.Model("nowhere.tvf")),
     (ValueError, "until must be above 0", lambda m: m.run(until=-1)),
