@@ -58,24 +58,26 @@ std::vector<std::optional<double>> MeasureValues(const RunReadings& readings,
   return values;
 }
 
+// The unit in which a signal's own takes the place of the words.
+static std::string UnitFor(const std::string& unit, std::string_view words,
+                           const std::string& own) {
+  if (!unit.starts_with(words)) return unit;
+  const std::string more = unit.substr(words.size());
+  if (own.empty()) return more.empty() ? more : std::string("s");
+  const bool quotient = !more.empty() && own.find('/') != std::string::npos;
+  std::string whole(quotient ? "(" : "");
+  whole += own;
+  if (quotient) whole += ')';
+  return whole + more;
+}
+
 std::vector<std::string> MeasureUnits(const MeasureSet& set, const std::string& commandUnit,
                                       const std::string& peakUnit) {
   std::vector<std::string> units;
   for (const RunMeasure& measure : Measures()) {
     if (!set.Has(measure.Needs)) continue;
-    std::string unit = measure.Unit;
-    const auto say = [&unit](std::string_view words, const std::string& by) {
-      if (!unit.starts_with(words)) return;
-      const std::string more = unit.substr(words.size());
-      const bool quotient = !more.empty() && by.find('/') != std::string::npos;
-      unit = by;
-      if (quotient) unit.insert(0, "(").append(")");
-      unit += more;
-      if (by.empty() && !more.empty()) unit = "s";
-    };
-    say("the command's unit", commandUnit);
-    say("the signal's unit", peakUnit);
-    units.push_back(unit);
+    const std::string unit = UnitFor(measure.Unit, "the command's unit", commandUnit);
+    units.push_back(UnitFor(unit, "the signal's unit", peakUnit));
   }
   return units;
 }
