@@ -120,11 +120,25 @@ WorkFault ExplainLeftOver(const CLI::App& app, const std::string& leftOver) {
   return UnknownName("command", leftOver, names);
 }
 
+// An option with too many values, or with none.
+std::string ExplainMismatch(const CLI::App& app, const std::string& said) {
+  const auto commands = app.get_subcommands();
+  const std::string name = said.substr(0, said.find(':'));
+  const CLI::Option* const option =
+      commands.empty() ? nullptr : commands.front()->get_option_no_throw(name);
+  if (!option) return said;
+  if (option->results().size() > 1) return name + " is given more than once";
+  return name + " needs a value, " + option->get_type_name();
+}
+
 WorkFault ExplainParseError(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> leftOver = app.remaining(true);
   if (!leftOver.empty()) return ExplainLeftOver(app, leftOver.front());
   if (app.get_subcommands().empty()) {
     return UsageError("a command is needed; --help lists them");
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
+    return UsageError(ExplainMismatch(app, error.what()));
   }
   return UsageError(error.what());
 }

@@ -78,9 +78,9 @@ void AddExcitationOptions(CLI::App& command, ResponseOptions& options, const std
 void AddRecordOptions(CLI::App& command, BodeOptions& options, const std::string& prefix) {
   AddInteger(command, prefix + "order", options.Order, "Samples of the record, as a power of two");
   AddNumber(command, prefix + "start-delay", options.StartDelay, NumberRange::NotNegative,
-            "Time before the first sample, seconds");
+            "Time before the first sample, the start zero time, seconds");
   AddNumber(command, prefix + "end-delay", options.EndDelay, NumberRange::NotNegative,
-            "Last part of the record without excitation, seconds");
+            "Last part of the record without excitation, the end zero time, seconds");
 }
 
 void AddSpectrum(CLI::App& command, BodeOptions& options, const std::string& prefix) {

@@ -20,6 +20,17 @@ bool NamesModelFile(const std::string& text) {
 
 namespace {
 
+// A file whose ending was left out is nearer than any name.
+[[noreturn]] void ThrowUnknown(const std::string& text, const Catalogue& catalogue) {
+  std::error_code failure;
+  for (const char* const ending : {".mo", ".tvf"}) {
+    if (!std::filesystem::exists(text + ending, failure)) continue;
+    throw UsageError("unknown model \"" + text + "\"; did you mean the file " + text + ending +
+                     "?");
+  }
+  throw UnknownName("model", text, catalogue.Names());
+}
+
 // Of a name, what only one name begins with, or an index.
 std::string ModelName(const Catalogue& catalogue, const std::string& text) {
   if (catalogue.Find(text)) return text;
@@ -27,7 +38,7 @@ std::string ModelName(const Catalogue& catalogue, const std::string& text) {
   if (!number) {
     const std::vector<std::string> meant = catalogue.NamesFrom(text);
     if (meant.size() == 1) return meant.front();
-    if (meant.empty()) throw UnknownName("model", text, catalogue.Names());
+    if (meant.empty()) ThrowUnknown(text, catalogue);
     throw UsageError("\"" + text + "\" may be " + meant[0] + " or " + meant[1] +
                      (meant.size() > 2 ? ", and others" : ""));
   }
