@@ -14,7 +14,7 @@ import os
 import warnings as _warnings
 
 from . import _engine
-from ._model import Constant, Generator, Meter, Model, Signal, merge, study
+from ._model import Constant, Generator, Meter, Model, Pair, Signal, merge, study
 from ._pictures import Picture
 from ._reports import StoppedError, TorvaneWarning
 from ._results import (Linear, Margins, Measures, Overlay, Reading, Response, Run, Screen, Study,
@@ -22,7 +22,7 @@ from ._results import (Linear, Margins, Measures, Overlay, Reading, Response, Ru
 
 __version__: str = _engine.version
 __all__ = ["Constant", "Generator", "Linear", "Margins", "Measures", "Meter", "Model", "Overlay",
-           "Picture", "Reading", "Response", "Run", "Screen", "Signal", "StoppedError", "Study",
+           "Pair", "Picture", "Reading", "Response", "Run", "Screen", "Signal", "StoppedError", "Study",
            "Theory", "TorvaneWarning", "check", "merge", "models", "study"]
 
 

@@ -45,6 +45,13 @@ class Signal(NamedTuple):
     description: str
 
 
+class Pair(Tuple[str, str]):
+    """Two signals, input and output; ``phase_add`` degrees are added to what is measured between
+    them when the pair is chosen by its name."""
+
+    phase_add: float = 0.0
+
+
 class Meter(NamedTuple):
     """What a meter reads; the angle, degrees, is of a harmonic alone."""
 
@@ -148,9 +155,13 @@ class Model:
         self._engine.set_constant(name, _text(value))
 
     @property
-    def pairs(self) -> Dict[str, Tuple[str, str]]:
-        """The pairs of signals that the model offers its analysers, input and output by name."""
-        return {name: (input, output) for name, input, output in self._engine.pairs()}
+    def pairs(self) -> Dict[str, Pair]:
+        """The pairs of signals that the model offers its analysers, by name."""
+        pairs = {}
+        for name, input, output, phase_add in self._engine.pairs():
+            pairs[name] = Pair((input, output))
+            pairs[name].phase_add = phase_add
+        return pairs
 
     @property
     def generators(self) -> List[str]:

@@ -10,6 +10,7 @@ from typing import (Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Se
 
 import numpy as np
 
+from . import _engine
 from ._pictures import Draw, Drawn, Picture, drawing, options_of
 
 Array = np.ndarray
@@ -197,13 +198,14 @@ class Response(Drawn):
 class Measures(Mapping[str, Optional[float]]):
     """Figures under their captions, "Overshoot"; None where one cannot be told.
 
-    Each is an attribute too: ``measures.rms_error``. ``reasons`` says why some are missing,
-    ``warnings`` what makes some less trustworthy.
+    Each is an attribute too: ``measures.rms_error``. ``units`` has their units, ``reasons`` says
+    why some are missing, ``warnings`` what makes some less trustworthy.
     """
 
     def __init__(self, names: List[str], values: List[Optional[float]], reasons: List[str],
-                 warnings: List[str]) -> None:
+                 warnings: List[str], units: List[str]) -> None:
         self._values = dict(zip(names, values))
+        self.units = dict(zip(names, units))
         self.reasons = reasons
         self.warnings = warnings
 
@@ -265,29 +267,32 @@ class Study(np.ndarray):
     """The rows of a study: a structured array with a field for each column.
 
     ``Run`` and ``Measures`` are integers, settings float64 (or texts, of choices), measures
-    float64 with NaN for what a run has none of, ``Reason`` text. ``csv`` is the table as
-    torvane-cli writes it, ``best`` the position of the best row, if one was asked for, and
-    ``file`` what ``write`` writes: the table, or of a share its sealed rows.
+    float64 with NaN for what a run has none of, ``Reason`` text. ``units`` has the units of
+    settings and measures by their captions, but not a signal's where a file does not tell it;
+    ``csv`` is the table as torvane-cli writes it, ``best`` the position of the best row, if one
+    was asked for, and ``file`` what ``write`` writes: the table, or of a share its sealed rows.
     """
 
     csv: bytes = b""
     best: Optional[int] = None
     file: bytes = b""
+    units: Mapping[str, str] = {}
     _draw: Optional[Draw] = None
 
     def __array_finalize__(self, other: Any) -> None:
         self.csv = getattr(other, "csv", b"")
         self.best = getattr(other, "best", None)
         self.file = getattr(other, "file", b"")
+        self.units = getattr(other, "units", {})
         self._draw = getattr(other, "_draw", None)
 
     def __reduce__(self) -> Any:
         array: Any = super().__reduce__()
         make, arguments, state = array
-        return make, arguments, (state, self.csv, self.best, self.file)
+        return make, arguments, (state, self.csv, self.best, self.file, self.units)
 
     def __setstate__(self, state: Any) -> None:
-        array, self.csv, self.best, self.file = state
+        array, self.csv, self.best, self.file, self.units = state
         super().__setstate__(array)
 
     def write(self, path: Union[str, Path]) -> None:
@@ -296,14 +301,16 @@ class Study(np.ndarray):
 
     def map(self, measure: str, *, axes: Optional[Tuple[str, str]] = None,
             limits: Optional[Tuple[float, float]] = None, contours: bool = False,
-            levels: Optional[Sequence[float]] = None, best: Optional[str] = None) -> Picture:
+            levels: Optional[Sequence[float]] = None, best: Optional[str] = None,
+            chosen: Optional[int] = None) -> Picture:
         """A measure over two settings as a picture, which torvane-cli draws: a map for each
         value of the other settings. ``limits`` are the values at the ends of the colours,
-        ``levels`` those of the contours; ``best`` sets off the run with the best of a measure."""
+        ``levels`` those of the contours; the run ``chosen``, or the one with the ``best`` of a
+        measure, is set off."""
         told = {"map": measure, "axes": axes and ",".join(axes), "contours": contours,
                 "limits": limits and ":".join(repr(float(one)) for one in limits),
                 "levels": levels and ",".join(repr(float(one)) for one in levels),
-                "best": best}
+                "best": best, "chosen": chosen}
 
         def draw(format: str, options: List[str]) -> bytes:
             return drawing(["study", "--merge", "study.csv", *options], format,
@@ -320,8 +327,8 @@ class Study(np.ndarray):
         return Picture(self._draw, options_of({"chosen": chosen}))
 
 
-def study_of(table: bytes, best: Optional[int], file: bytes) -> Study:
-    """The structured array of a table."""
+def study_of(table: bytes, best: Optional[int], file: bytes, units: List[str]) -> Study:
+    """The structured array of a table; a file of no share has no units of signals and settings."""
     captions, *rows = csv.reader(io.StringIO(table.decode("utf-8"), newline=""))
     mark = len(captions) - 1 - captions[::-1].index("Measures")
     fields = []
@@ -332,6 +339,8 @@ def study_of(table: bytes, best: Optional[int], file: bytes) -> Study:
     for place, (caption, kind) in enumerate(fields):
         array[caption] = [_number(row[place]) if kind == "f8" else row[place] for row in rows]
     array.csv, array.best, array.file = table, best, file
+    named = [one for place, one in enumerate(captions[:-1]) if place not in (0, mark)]
+    array.units = dict(zip(named, units or map(_engine.measure_unit, named)))
     return array
 
 
@@ -356,7 +365,8 @@ def _number(text: str) -> float:
     return float(text) if text else float("nan")
 
 
-def measures_of(told: Tuple[List[str], List[Optional[float]], List[str], List[str]]) -> Measures:
+def measures_of(told: Tuple[List[str], List[Optional[float]], List[str], List[str],
+                            List[str]]) -> Measures:
     """The figures that were told."""
     return Measures(*told)
 

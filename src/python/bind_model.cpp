@@ -47,7 +47,7 @@ py::list Pairs(ScriptModel& model) {
   const auto& analysers = model.Live().Bench().Instruments(InstrumentKind::FftAnalyser);
   if (analysers.empty()) return pairs;
   for (const auto& setup : dynamic_cast<FrequencyAnalyser&>(*analysers.front()).Setups()) {
-    pairs.append(py::make_tuple(setup.Name, setup.Input, setup.Output));
+    pairs.append(py::make_tuple(setup.Name, setup.Input, setup.Output, setup.PhaseAdd));
   }
   return pairs;
 }

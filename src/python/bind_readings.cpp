@@ -18,8 +18,11 @@ py::tuple StepMeasures(ScriptModel& model, const py::dict& given, const py::obje
   const ScriptModel::Use use(model);
   Keywords keywords(given);
   MeasureOptions options = MeasureOptionsOf(model, keywords);
+  std::vector<std::string> units;
   const RunReadings readings = Do(onProgress, [&](PythonSupervisor& supervisor) {
-    CheckMeasurement(*model.Make(supervisor), options, supervisor);
+    const auto first = model.Make(supervisor);
+    CheckMeasurement(*first, options, supervisor);
+    units = UnitsOfMeasures(*first, options, options.Measured());
     RunReadings read = [&] {
       const Quiet quiet;
       return ReadRun([&] { return OpenModel(options.Bode.Response.Model, supervisor); }, options,
@@ -30,7 +33,7 @@ py::tuple StepMeasures(ScriptModel& model, const py::dict& given, const py::obje
   });
   return py::make_tuple(MeasureCaptions(options.Measured()),
                         MeasureValues(readings, options.Measured()), readings.Reasons,
-                        readings.Warnings);
+                        readings.Warnings, units);
 }
 
 py::object Meter(ScriptModel& model, const py::dict& given, const py::object& onProgress) {

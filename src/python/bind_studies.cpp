@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "core/csv_table.h"
 #include "core/text.h"
 #include "python/bindings.h"
 #include "study/result_table.h"
@@ -63,6 +64,14 @@ void TakeGiven(const py::dict& given, StudyOptions& options) {
   }
 }
 
+// Of settings and measures, as the study's identity has them.
+std::vector<std::string> UnitsIn(const std::string& line) {
+  CsvReader reader(line);
+  CsvRow row;
+  reader.Next(row);
+  return row.Fields;
+}
+
 // The table as text, which of its rows is the best, if that was asked for, and what a file of it
 // has: of a share with what --merge tells it by.
 py::tuple RunStudy(ScriptModel& model, const std::vector<std::string>& names, const Runs& runs,
@@ -73,9 +82,11 @@ py::tuple RunStudy(ScriptModel& model, const std::vector<std::string>& names, co
   TakeGiven(given, options);
   std::string table;
   std::string file;
+  std::vector<std::string> units;
   Do(onProgress, [&](PythonSupervisor& supervisor) {
     Study study(options, supervisor);
     table = study.Head();
+    units = UnitsIn(study.Identity().Value(UnitsPart));
     const bool share = !options.Shard.empty();
     const SealedRows seals(study.Identity(), table);
     if (share) file = seals.Begin();
@@ -92,20 +103,22 @@ py::tuple RunStudy(ScriptModel& model, const std::vector<std::string>& names, co
     study.Run(course, false);
   });
   return py::make_tuple(py::bytes(table), BestRow(table, options.Best),
-                        py::bytes(options.Shard.empty() ? table : file));
+                        py::bytes(options.Shard.empty() ? table : file), units);
 }
 
 // The same of the files of shares, or of a whole result.
 py::tuple Merge(const std::vector<std::string>& paths, const std::string& best) {
   std::string table;
   std::optional<std::size_t> row;
+  std::vector<std::string> units;
   Do(py::none(), [&](PythonSupervisor&) {
     Shares shares;
     for (const std::string& path : paths) shares.Add(path);
     table = shares.Table();
+    units = shares.Units();
     row = BestRow(table, best);
   });
-  return py::make_tuple(py::bytes(table), row, py::bytes(table));
+  return py::make_tuple(py::bytes(table), row, py::bytes(table), units);
 }
 
 // Captions and fields of the best that was found, and what is in its way, if anything is.
@@ -136,6 +149,7 @@ py::tuple RunTuning(ScriptModel& model, const py::dict& given, const py::object&
 
 void BindStudies(py::module_& module, py::class_<ScriptModel>& model) {
   module.def("merge", &Merge);
+  module.def("measure_unit", &MeasureUnit);
   model.def("study", &RunStudy).def("tune", &RunTuning);
   // Values of a study have as many digits as those of a range.
   model.def_static("design_text", [](double value) { return FormatGeneral(value, 12, 2); });

@@ -24,6 +24,8 @@ def test_every_measurement_of_every_model(name, tools):
     r = m.run(until=0.05, every=7e-5)
     assert captions == ["Time", *r] and same(rows, r.time, *r.values())
 
+    assert [[name, *pair, str(int(pair.phase_add))] for name, pair in m.pairs.items()] == cli(
+        "pairs", name)[1]
     if m.pairs:
         _, rows = cli("bode", name, *pair, "--order", 9, "--average", 2,
                       "--end-delay", 0.02)
@@ -80,6 +82,12 @@ def test_a_study_has_the_bytes_of_the_commands(tools, tmp_path):
 def test_a_loop_needs_no_signals_where_the_model_names_it(tools):
     cli, _ = tools
     table = tv.study("6-1 PID Controller", vary={"KVP": np.linspace(.4, 1.4, 20)}, jobs=2)
+    for told, command in ((table, ("study", "6-1", "--vary", "KVP=1:1:1")),
+                          (tv.Model("6-1").step_measures(peak="iC", theory=True),
+                           ("measure", "6-1", "--peak", "iC", "--theory"))):
+        captions = [f"{name} ({unit})" if unit else name for name, unit in told.units.items()]
+        assert captions == [one for one in cli(*command, "--units")[0]
+                            if one not in ("Run", "Measures", "Reason")]
     captions, rows = cli("study", "6-1", "--vary", "KVP=0.4:1.4:20", "--command", "vC",
                          "--response", "vF")
     assert table.csv.decode() == "".join(",".join(row) + "\n" for row in [captions, *rows])
@@ -103,6 +111,9 @@ def test_shares_make_the_whole_and_differ_where_studies_do(tools, tmp_path):
     assert whole.csv == alone.csv and whole.best == np.nanargmin(whole["Rise"])
     captions, rows = tools[0]("study", "--merge", share(1), share(2))
     assert captions == list(whole.dtype.names) and len(rows) == 5
+    assert (whole.units["RMS Error"], alone.units["RMS Error"]) == ("RPM", "RPM")
+    alone.write(tmp_path / "alone.csv")  # which tells no units of signals
+    assert tv.merge([tmp_path / "alone.csv"]).units["Rise"] == "s"
     with pytest.raises(ValueError, match="another study.*until"):
         tv.merge([share(1), share(2, 0.06)])
 

@@ -210,7 +210,8 @@ def test_the_speed_is_that_with_the_scope_as_set():
     m = tv.Model("3-1")
     assert m.speed(0.05, time_base=0.01, show=["Response"], scale={"Response": 2})["ratio"] > 0
     assert m.speed(0.05, meter={"variable": "Response", "kind": "rms"})["ratio"] > 0
-    for wrong in ({"trig_mode": "Never"}, {"meter": {"variable": "Respons", "kind": "rms"}}, {"show": ["Respons"]}, {"shift": {"Response": np.inf}}):
+    for wrong in ({"trig_mode": "Never"}, {"meter": {"variable": "Respons", "kind": "rms"}},
+                  {"show": ["Respons"]}, {"shift": {"Response": np.inf}}):
         with pytest.raises(ValueError, match="Never|Respons|inf"):
             m.speed(0.05, **wrong)
 
