@@ -37,6 +37,8 @@ filters, aliasing and limit cycles, resonance, cascaded position loops. The
 package has the desktop program, torvane, and torvane-cli for scripts.")
 
 set(CPACK_DEBIAN_CLI_PACKAGE_NAME torvane-cli)
+# For the diagrams of own loops, and for studies that are shared out.
+set(CPACK_DEBIAN_CLI_PACKAGE_SUGGESTS "graphviz, parallel")
 set(CPACK_DEBIAN_CLI_DESCRIPTION
 "${PROJECT_DESCRIPTION}, for scripts
 torvane-cli simulates the feedback control loops that motion control is taught
@@ -68,6 +70,8 @@ if(TORVANE_PYTHON)
   math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3-numpy, python3 (>= 3.${Python3_VERSION_MINOR}), \
 python3 (<< 3.${next_minor})")
+  # What draws its pictures, and what it hands its results to.
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "torvane-cli, python3-matplotlib, python3-pandas")
   # They compile its modules for that, and remove what comes of it.
   set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/cmake/package/python/postinst ${PROJECT_SOURCE_DIR}/cmake/package/python/prerm)
