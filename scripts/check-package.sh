@@ -102,9 +102,12 @@ check_libraries() {
   # What the command line says of the same loop, to the bit.
   build/unity/bin/torvane-cli run "3-1 PI Controller" --set KP=1.2 --until 0.04 --every 0.001 \
     --record Command,Response | diff - <(grep -v margin build/package/embedded)
-  "${inside[@]}" /tmp/embed/build/measured_loop | cut -d: -f2 | cut -d' ' -f2 | paste -sd, >build/package/embedded
-  build/unity/bin/torvane-cli measure 6-1 --set KVP=1 --command vC --response vF --bode |
-    sed -n '2s/,$//p' | diff - build/package/embedded
+  "${inside[@]}" /tmp/embed/build/measured_loop >build/package/embedded
+  build/unity/bin/torvane-cli measure 6-1 --set KVP=1 --bode --units >build/package/measured
+  sed -n '1s/,Reason$//p' build/package/measured |
+    diff - <(sed -E 's/: [^ ]+ (.*)/ (\1)/; s/ \(\)$//' build/package/embedded | paste -sd,)
+  sed -n '2s/,$//p' build/package/measured |
+    diff - <(cut -d: -f2 build/package/embedded | cut -d' ' -f2 | paste -sd,)
 }
 
 # The module gives the numbers of the command line, to the bit. NumPy's own libraries are found by links

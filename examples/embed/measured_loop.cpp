@@ -9,6 +9,9 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -39,12 +42,14 @@ class Desk final : public torvane::Supervisor {
   torvane::MessageSink* previous_;
 };
 
-void Print(const torvane::RunReadings& readings) {
-  for (const torvane::RunMeasure& measure : torvane::Measures()) {
-    if (const auto& value = readings.*measure.Value) {
-      std::cout << measure.Caption << ": " << torvane::FormatShortest(*value) << ' ' << measure.Unit
-                << '\n';
-    }
+void Print(const torvane::RunReadings& readings, const torvane::MeasureSet& set,
+           const std::vector<std::string>& units) {
+  const std::vector<std::string> captions = torvane::MeasureCaptions(set);
+  const std::vector<std::optional<double>> values = torvane::MeasureValues(readings, set);
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    if (!values[k]) continue;
+    std::cout << captions[k] << ": " << torvane::FormatShortest(*values[k]) << ' ' << units[k]
+              << '\n';
   }
   for (const std::string& reason : readings.Reasons) std::cout << "Missing: " << reason << '\n';
 }
@@ -57,14 +62,17 @@ int main() {
   torvane::ResponseOptions& response = options.Bode.Response;
   response.Model.Model = "6-1 PID Controller";
   response.Model.Settings = {"KVP=1"};
-  response.Input = "vC";
+  response.Input = "vC";  // the model's closed loop without the two
   response.Output = "vF";
   options.WithBode = true;
   // Step, closed and open response are measured in a model of its own each.
   const torvane::MakeModel make = [&] { return torvane::OpenModel(response.Model, desk); };
   try {
-    torvane::CheckMeasurement(*make(), options, desk);
-    Print(torvane::ReadRun(make, options, desk));
+    const auto first = make();
+    torvane::CheckMeasurement(*first, options, desk);
+    const torvane::MeasureSet set = options.Measured();
+    Print(torvane::ReadRun(make, options, desk), set,
+          torvane::UnitsOfMeasures(*first, options, set));
   } catch (const torvane::WorkFault& fault) {
     std::cerr << fault.what() << '\n';
     return EXIT_FAILURE;
