@@ -29,7 +29,8 @@ pack() {
   (cd "$folder" && cpack -B "$out/work")
   mv "$out"/work/*.deb "$out"
 }
-pack build/unity -DTORVANE_PYTHON=OFF \
+# Whatever the folder was configured for before.
+pack build/unity -DTORVANE_DESKTOP=ON -DTORVANE_PYTHON=OFF \
   "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
 pack build/module -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 -DTORVANE_DESKTOP=OFF
 rm -rf "$out/work"

@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install-packages.sh build desktop
 
 # The tests are left out: they are half of the building time.
-cmake --preset unity -DTORVANE_TESTS=OFF
+cmake --preset unity -DTORVANE_DESKTOP=ON -DTORVANE_TESTS=OFF
 cmake --build --preset unity
 programs=build/unity/bin
 

@@ -7,7 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install-packages.sh build desktop test python
 
 # The module is for the system's Python, whatever other one comes first on the path.
-cmake --preset unity -DTORVANE_TESTS=ON -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3
+cmake --preset unity -DTORVANE_DESKTOP=ON -DTORVANE_TESTS=ON -DTORVANE_PYTHON=ON \
+  -DPython3_EXECUTABLE=/usr/bin/python3
 cmake --build --preset unity
 
 # The tests drive real windows, which stay in memory whatever display there is.
