@@ -75,6 +75,24 @@ TEST(StudyDrawing, MapOfSlices) {
   Expect("study-slices", StudyMapPicture(map));
 }
 
+// Of sixteen cells most are 0, and one far beyond the others must not take their colours.
+TEST(StudyDrawing, MapOfMostlyOneValue) {
+  StudyMap map{"KVP", "KVI", "Overshoot (%)", {{}}, {}, {}, false};
+  auto& runs = map.Slices.front().Runs;
+  for (int k = 0; k < 16; ++k) {
+    runs.push_back({1.0 + k % 4, 1.0 + k / 4, k < 11 ? 0.0 : 5.0 * (k - 10), runs.size()});
+  }
+  const auto drawn = [&] {
+    std::string lines;
+    const auto paint = [&](QPainter& to) { StudyMapPicture(map).Paint(to, QSize(420, 300), 1.0); };
+    for (const std::string& line : test::Drawn(paint)) lines += line + "\n";
+    return lines;
+  };
+  EXPECT_NE(drawn().find("'0' '5' '10' '15' '20'"), std::string::npos) << drawn();
+  runs.back().Value = 1e6;
+  EXPECT_NE(drawn().find("'0' '5' '10' '15' '20'"), std::string::npos) << drawn();
+}
+
 TEST(StudyDrawing, MapOfSamples) {
   Expect("study-samples", StudyMapPicture({"KVP",
                                            "J",

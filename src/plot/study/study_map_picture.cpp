@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <set>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "core/text.h"
@@ -48,6 +51,12 @@ std::vector<double> Distinct(const StudyMap::Slice& slice, double StudyMap::Run:
 // What lies so many times the middle half's spread beyond it takes no colours from the others.
 constexpr double FarAway = 10.0;
 
+// The ends of the middle half of sorted values.
+std::pair<double, double> MiddleHalf(const std::vector<double>& sorted) {
+  const std::size_t quarter = sorted.size() / 4;
+  return {sorted[quarter], sorted[sorted.size() - 1 - quarter]};
+}
+
 /// The axis of the colours; none of a map in which nothing was measured.
 std::optional<NumberAxis> ColourAxis(const StudyMap& map) {
   if (map.Limits) return NumberAxis(map.Limits->first, map.Limits->second);
@@ -59,11 +68,18 @@ std::optional<NumberAxis> ColourAxis(const StudyMap& map) {
   }
   if (values.empty()) return std::nullopt;
   std::sort(values.begin(), values.end());
-  const double low = values[values.size() / 4];
-  const double high = values[values.size() - 1 - values.size() / 4];
+  auto [low, high] = MiddleHalf(values);
+  // Where most are the same, as an overshoot of 0, the others tell how far they spread.
+  if (low == high) {
+    std::vector<double> distinct;
+    std::ranges::unique_copy(values, std::back_inserter(distinct));
+    std::tie(low, high) = MiddleHalf(distinct);
+  }
   const double room = FarAway * (high - low);
   if (room > 0.0) {
-    std::erase_if(values, [&](double v) { return v < low - room || v > high + room; });
+    const double least = low - room;
+    const double most = high + room;
+    std::erase_if(values, [&](double v) { return v < least || v > most; });
   }
   return NumberAxis(values.front(), values.back());
 }
