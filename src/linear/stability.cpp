@@ -12,6 +12,7 @@ namespace {
 
 using Eigen::MatrixXcd;
 using Eigen::MatrixXd;
+using Eigen::VectorXcd;
 
 constexpr double Undamped = 1e-6;  // a damping within it is none
 constexpr double Same = 1e-5;      // of poles, relative to their size
@@ -24,12 +25,19 @@ bool Grows(const Root& pole) {
   return !Lasts(pole) && pole.Damping < 0.0;
 }
 
+VectorXcd LargestColumn(const MatrixXcd& m) {
+  Eigen::Index largest = 0;
+  m.colwise().squaredNorm().maxCoeff(&largest);
+  return m.col(largest).normalized();
+}
+
 // Whether two poles that lie close together are two. `kept` has no more than what they last in, in
 // which `off`, the system less one of them, is a matrix of two by two: how far apart they are is
 // its discriminant, in which rounding is far smaller than in poles that were found one by one.
 bool AreDistinct(const MatrixXcd& off, const MatrixXcd& kept) {
-  const Eigen::ColPivHouseholderQR<MatrixXcd> parts(kept);
-  const MatrixXcd q = MatrixXcd(parts.householderQ()).leftCols(2);
+  const VectorXcd first = LargestColumn(kept);
+  MatrixXcd q(kept.rows(), 2);
+  q << first, LargestColumn(kept - first * (first.adjoint() * kept).eval());
   const MatrixXcd both = q.adjoint() * off * q;
   const std::complex<double> half = 0.5 * (both(0, 0) - both(1, 1));
   const double apart = std::abs(half * half + both(0, 1) * both(1, 0));
