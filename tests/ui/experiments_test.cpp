@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QMenu>
 #include <QProcess>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTextBrowser>
@@ -11,6 +12,7 @@
 #include "core/instrument.h"
 #include "desktop.h"
 #include "instruments/step_clock.h"
+#include "ui/panes/experiment_text.h"
 
 namespace torvane::test {
 namespace {
@@ -100,6 +102,30 @@ TEST_F(ExperimentsTest, WhatIsReadMovesNoLink) {
         "set KP 300 -> MExperiment has , not 0.00065 Revs"}) {
     Play(line);
     EXPECT_EQ(document.size().height(), height) << line;
+  }
+}
+
+TEST_F(ExperimentsTest, WhatIsReadOfAStepComesIntoSight) {
+  ChooseModel("3-1 PI Controller");
+  Begin(3);
+  Play("size 1280,800 -> MExperiment has Phase Margin Frequency");
+  auto& text = Find<QTextBrowser>("MExperiment");
+  text.setFixedHeight(90);
+  QCoreApplication::processEvents();
+  QScrollBar& bar = *text.verticalScrollBar();
+  const auto sees = [&](const char* span) {
+    QTextCursor cursor(text.document());
+    cursor.setPosition(SpanNamed(*text.document(), span).position());
+    return text.viewport()->rect().contains(text.cursorRect(cursor));
+  };
+  for (const auto& [line, span, from] :
+       {std::tuple("click SBExperimentRun ->", "met0.0", bar.maximum()),
+        std::tuple("click MExperiment[KI=200] ->", "met1.0", 0),
+        std::tuple("click SBExperimentRun ->", "met1.0", 0)}) {
+    bar.setValue(from);
+    EXPECT_FALSE(sees(span)) << line;
+    Play(line);
+    EXPECT_TRUE(sees(span)) << line;
   }
 }
 

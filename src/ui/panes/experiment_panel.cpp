@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QScrollBar>
 #include <QTextBrowser>
+#include <QTextCursor>
 #include <QToolButton>
 #include <QUrl>
 #include <algorithm>
@@ -128,6 +129,7 @@ void ExperimentPanel::ShowExperiment(const Experiment& experiment, ZelModel& mod
                                      const Neighbours& neighbours) {
   setWindowTitle(QStringLiteral("Experiment with \"%1\"").arg(QtText(experiment.Model)));
   trial_ = std::make_unique<Trial>(experiment, model);
+  step_ = 0;
   previous_->setEnabled(neighbours.Previous);
   next_->setEnabled(neighbours.Next);
   SetRunning(running_);
@@ -204,6 +206,7 @@ void ExperimentPanel::PressRun() {
                           ? AnalyserOf(trial_->Model)
                           : nullptr;
   if (analyser) analyser->Run();
+  ShowReadings();
   emit RunWanted(analyser || !running_);
 }
 
@@ -212,6 +215,36 @@ void ExperimentPanel::SetValue(const QString& place) {
   if (!trial_ || index >= trial_->Proposed.size()) return;
   Apply(trial_->Proposed[index], trial_->Model);
   Refresh();
+  const auto& steps = trial_->Record.Steps;
+  std::size_t end = trial_->Record.SetUp.size();
+  if (index < end) return;
+  for (std::size_t k = 0; k < steps.size(); ++k) {
+    end += steps[k].Settings.size();
+    if (index >= end) continue;
+    step_ = k;
+    ShowReadings();
+    return;
+  }
+}
+
+// Those of the step that the user is at, in a panel too low for the whole text.
+void ExperimentPanel::ShowReadings() {
+  if (!trial_ || step_ >= trial_->Record.Steps.size()) return;
+  const std::size_t answers = trial_->Record.Steps[step_].Answers.size();
+  if (answers == 0) return;
+  const auto place = [&](const char* name, std::size_t answer) {
+    const QTextFragment span =
+        SpanNamed(*text_->document(),
+                  QStringLiteral("%1%2.%3").arg(QLatin1String(name)).arg(step_).arg(answer));
+    QTextCursor cursor(text_->document());
+    cursor.setPosition(span.position() + span.length());
+    return text_->cursorRect(cursor);
+  };
+  const int above = place("met", 0).top();
+  const int below = place("read", answers - 1).bottom() + 1 - text_->viewport()->height();
+  QScrollBar& bar = *text_->verticalScrollBar();
+  if (above < 0 || below > 0)
+    bar.setValue(bar.value() + (above < 0 ? above : std::min(above, below)));
 }
 
 void ExperimentPanel::closeEvent(QCloseEvent* event) {

@@ -60,6 +60,7 @@ class ExperimentPanel : public QDockWidget {
   bool Fits(const ExperimentAnswer& answer) const;
   void Write();
   void SetValue(const QString& place);
+  void ShowReadings();
   void PressRun();
 
   QTextBrowser* text_;
@@ -69,6 +70,7 @@ class ExperimentPanel : public QDockWidget {
   QToolButton* previous_;
   QToolButton* next_;
   std::unique_ptr<Trial> trial_;  // while an experiment is on
+  std::size_t step_ = 0;          // the last that the user has set a value of
   bool running_ = false;
   bool wide_ = false;
 };

@@ -144,23 +144,27 @@ QString ExperimentHtml(const Experiment& experiment, bool wide,
       .arg(asks, steps, shows);
 }
 
-void ShowSpan(QTextDocument& document, const QString& name, const QString& text, bool faint) {
+QTextFragment SpanNamed(const QTextDocument& document, const QString& name) {
   for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
     for (auto at = block.begin(); !at.atEnd(); ++at) {
-      const QTextFragment fragment = at.fragment();
-      if (!fragment.charFormat().anchorNames().contains(name)) continue;
-      QTextCharFormat format = fragment.charFormat();
-      const QColor colour =
-          QGuiApplication::palette().color(faint ? QPalette::PlaceholderText : QPalette::Text);
-      if (fragment.text() == text && format.foreground().color() == colour) return;
-      format.setForeground(colour);
-      QTextCursor span(&document);
-      span.setPosition(fragment.position());
-      span.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
-      span.insertText(text, format);
-      return;
+      if (at.fragment().charFormat().anchorNames().contains(name)) return at.fragment();
     }
   }
+  return {};
+}
+
+void ShowSpan(QTextDocument& document, const QString& name, const QString& text, bool faint) {
+  const QTextFragment fragment = SpanNamed(document, name);
+  if (!fragment.isValid()) return;
+  QTextCharFormat format = fragment.charFormat();
+  const QColor colour =
+      QGuiApplication::palette().color(faint ? QPalette::PlaceholderText : QPalette::Text);
+  if (fragment.text() == text && format.foreground().color() == colour) return;
+  format.setForeground(colour);
+  QTextCursor span(&document);
+  span.setPosition(fragment.position());
+  span.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+  span.insertText(text, format);
 }
 
 }  // namespace torvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextFragment>
 #include <functional>
 
 #include "models/experiment.h"
@@ -24,9 +25,11 @@ std::vector<ExperimentSetting> ProposedBy(const Experiment& experiment);
 /// Text with the marks of experiments (models/experiment.h) for indices and exponents as HTML.
 QString WithNotation(const QString& text);
 
-/// A span of a document, written <a name="...">; its text may not be empty. Shows another text in
-/// it; everything else, what is selected and where it is scrolled to stay. `faint` is for what is
-/// over.
+/// A span of a document, written <a name="...">; its text may not be empty. Not valid without one.
+QTextFragment SpanNamed(const QTextDocument& document, const QString& name);
+
+/// Shows another text in a span; everything else, what is selected and where it is scrolled to
+/// stay. `faint` is for what is over.
 void ShowSpan(QTextDocument& document, const QString& name, const QString& text, bool faint);
 
 }  // namespace torvane
