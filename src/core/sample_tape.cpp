@@ -70,20 +70,16 @@ void SampleTape::Await(Reader& reader, const NextSample& next) {
   }
 }
 
-void SampleTape::Take(double began, double t) {
+// It stands still within a run.
+void SampleTape::SetTime(double shown) {
+  if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = shown;
+}
+
+// Asks whose sample it is when they want the next one.
+void SampleTape::Note(double began, double t) {
   const auto row = static_cast<std::size_t>(count_++);
   times_[row] = t;
   began_[row] = began;
-  // It stands still within a run.
-  if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = began;
-  double sum = 0.0;
-  double* value = values_.data() + row;
-  for (const double* const source : sources_) {
-    *value = *source;
-    sum += std::abs(*source);
-    value += Most;
-  }
-  sum_ += sum;
   next_ = Never;
   for (Reader& reader : readers_) {
     if (t >= reader.Next) {

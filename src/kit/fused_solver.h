@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
-#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -60,7 +59,7 @@ class FusedSolver final : public ZelSolver {
       if (NearOverflow() || AnyPending(TheModel().Parts(TheModel().loop_))) [[unlikely]] {
         WatchedStep(bench_.Time());
       } else {
-        Run(tEnd, bench_.Time() < oneByOneUntil_ ? 1 : MostSteps, nullptr);
+        Run<false>(tEnd, bench_.Time() < oneByOneUntil_ ? 1 : MostSteps);
       }
     }
   }
@@ -73,7 +72,7 @@ class FusedSolver final : public ZelSolver {
     if (watched || !tape_.Begin(mostSamples, only)) {
       return ZelSolver::RunAhead(tEnd, mostSamples, only);
     }
-    if (!Run(std::min(tEnd, tape_.Stop()), MostSteps, &tape_)) {
+    if (!Run<true>(std::min(tEnd, tape_.Stop()), MostSteps)) {
       tape_.Drop();
       return ZelSolver::RunAhead(tEnd, mostSamples, only);
     }
@@ -100,12 +99,14 @@ class FusedSolver final : public ZelSolver {
   // Takes steps from the present time on, at most that many, up to the first boundary at or after
   // tEnd. To look for an overflow after each of them would cost a third of a small loop's time: it
   // is looked for at the end, and where something was raised the steps are undone, to be taken
-  // again one by one; the result then is false. A single one is EndStep's to judge. With a tape,
-  // samples that are due on the way are taken off the loop itself, whose signals the bench shows.
+  // again one by one; the result then is false. A single one is EndStep's to judge. With the tape,
+  // samples that are due on the way are taken off the copy. Who takes none has code of its own:
+  // where the copy is read at places that only the bench knows, it lies in memory.
   //
   // flatten: without it the equations are called four times a step rather than inlined, and the
   // copy would have to lie in memory for them.
-  [[gnu::flatten]] bool Run(double tEnd, int most, SampleTape* tape) {
+  template <bool Taped>
+  [[gnu::flatten]] bool Run(double tEnd, int most) {
     Model& model = TheModel();
     const double h = h_;
     const Combine combine(h);
@@ -115,8 +116,6 @@ class FusedSolver final : public ZelSolver {
     auto moved = std::tuple_cat(std::tie(model.memory_), Moved(parts));
     const auto before = std::apply([](const auto&... what) { return std::tuple(what...); }, moved);
     for (Past& past : past_) past.Note();
-    std::optional<typename Model::Loop> first;
-    if (tape) first = model.loop_;
     auto loop = model.loop_;
     static_assert(std::is_trivially_copyable_v<decltype(loop)>);
     // Said once more for the compiler, which then sees which states the equations never set.
@@ -127,22 +126,20 @@ class FusedSolver final : public ZelSolver {
     ClearNumberFaults();
     double end = std::min(tEnd, t + most * h);
     for (;;) {
-      const double pause = tape ? std::min(end, tape->Next()) : end;
+      const double pause = Taped ? std::min(end, tape_.Next()) : end;
       Step(model, loop, t, h, combine);
       while (t + h < pause) {
         t += h;
         Step(model, loop, t, h, combine);
       }
-      if (!tape || t + h >= end) break;
-      model.loop_ = loop;
-      tape->Take(t, t + h);
-      end = std::min(end, tape->Stop());
+      if (!Taped || t + h >= end) break;
+      tape_.Take(t, t + h, model.loop_, loop);
+      end = std::min(end, tape_.Stop());
       t += h;
     }
     if (most > 1 && (NumberFaultRaisedAnywhere() || !AllFinite(model.Parts(loop)) ||
-                     (tape && !tape->Fits()))) [[unlikely]] {
+                     (Taped && !tape_.Fits()))) [[unlikely]] {
       moved = before;
-      if (first) model.loop_ = *first;
       for (Past& past : past_) past.Restore();
       oneByOneUntil_ = t + h;
       return false;
