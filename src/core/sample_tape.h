@@ -38,20 +38,20 @@ class SampleTape {
   double Next() const { return next_; }
   double Stop() const { return stop_; }
 
-  /// Takes the sample that is due at the boundary t, of a step that began at `began`. What the run
-  /// works on is a copy of what the bench's signals refer to, `shown`: they are read off that.
+  /// Takes the sample that is due at the boundary t, of a step that began at `began`. Signals that
+  /// lie in the bench's loop are read off the copy on which the run works.
   ///
   /// In the header, where the compiler sees that nobody else gets hold of the copy.
   template <class Loop>
-  void Take(double began, double t, const Loop& shown, const Loop& present) {
+  void Take(double began, double t, const Loop& ofBench, const Loop& copy) {
     SetTime(began);
-    const std::size_t start = reinterpret_cast<std::uintptr_t>(&shown);
+    const std::size_t start = reinterpret_cast<std::uintptr_t>(&ofBench);
     double sum = 0.0;
     double* value = values_.data() + count_;
     for (const double* source : sources_) {
       const std::size_t offset = reinterpret_cast<std::uintptr_t>(source) - start;
       if (offset < sizeof(Loop)) {
-        source = reinterpret_cast<const double*>(reinterpret_cast<const char*>(&present) + offset);
+        source = reinterpret_cast<const double*>(reinterpret_cast<const char*>(&copy) + offset);
       }
       *value = *source;
       sum += std::abs(*source);

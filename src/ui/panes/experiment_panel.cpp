@@ -243,8 +243,11 @@ void ExperimentPanel::ShowReadings() {
   const int above = place("met", 0).top();
   const int below = place("read", answers - 1).bottom() + 1 - text_->viewport()->height();
   QScrollBar& bar = *text_->verticalScrollBar();
-  if (above < 0 || below > 0)
-    bar.setValue(bar.value() + (above < 0 ? above : std::min(above, below)));
+  if (above < 0) {
+    bar.setValue(bar.value() + above);
+  } else if (below > 0) {
+    bar.setValue(bar.value() + std::min(above, below));
+  }
 }
 
 void ExperimentPanel::closeEvent(QCloseEvent* event) {
