@@ -20,14 +20,21 @@ bool NamesModelFile(const std::string& text) {
 
 namespace {
 
-// A file whose ending was left out is nearer than any name.
-[[noreturn]] void ThrowUnknown(const std::string& text, const Catalogue& catalogue) {
+// The file whose ending was left out; empty: none.
+std::string FileMeant(const std::string& text) {
   std::error_code failure;
   for (const char* const ending : {".mo", ".tvf"}) {
-    if (!std::filesystem::exists(text + ending, failure)) continue;
-    throw UsageError("unknown model \"" + text + "\"; did you mean the file " + text + ending +
-                     "?");
+    std::string file = text + ending;
+    if (std::filesystem::exists(file, failure)) return file;
   }
+  return {};
+}
+
+// A file is nearer than any name.
+[[noreturn]] void ThrowUnknown(const std::string& text, const Catalogue& catalogue) {
+  const std::string file = FileMeant(text);
+  if (!file.empty())
+    throw UsageError("unknown model \"" + text + "\"; did you mean the file " + file + "?");
   throw UnknownName("model", text, catalogue.Names());
 }
 
