@@ -239,7 +239,8 @@ bool Desktop::DoToWindow(const std::string& verb, const QString& rest) {
       looks_["clipboard"].first = QApplication::clipboard()->image();
       return true;
     }
-    QCoreApplication::processEvents();
+    // A row that turns asks the window around it for another layout, which moves the plot.
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
     Bench().RefreshInstruments();  // what the next tick of the clock would paint
     auto& widget = Find<QWidget>(rest.toStdString());
     widget.window()->repaint();  // at once: the platform gathers updates for some milliseconds

@@ -92,6 +92,25 @@ TEST_F(ScopeWindowTest, TheConstantsPanelIsRecordedAndRestored) {
   EXPECT_EQ(Find<QTableWidget>("SGConsts").columnWidth(0), 120);
   Scope().SetConstForm({false, 300, 120});
   EXPECT_EQ(Find<QSplitter>("Splitter1").sizes().value(1), 0);
+  // In a narrow window they stand below the screen, with as much height as it leaves or they are
+  // given; their width is for a wide one.
+  Scope().SetConstForm({true, 300, 120});
+  QWidget& frame = *Find<QWidget>("TZelScopeF").parentWidget();
+  frame.resize(460, 600);
+  QCoreApplication::processEvents();
+  EXPECT_GT(constants.width(), 400);
+  const int high = constants.height();
+  frame.resize(460, 460);
+  QCoreApplication::processEvents();
+  EXPECT_LT(constants.height(), high);
+  EXPECT_GE(Find<ScopePaintBox>("PBScreen").Pixels().Height(), 180);
+  QTest::mousePress(&handle, Qt::LeftButton, {}, grip);
+  for (const int y : {10, 20}) QTest::mouseMove(&handle, grip + QPoint(0, y));
+  QTest::mouseRelease(&handle, Qt::LeftButton, {}, grip);
+  EXPECT_EQ(Scope().ConstForm().Width, 300);
+  frame.resize(900, 600);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(constants.width(), 300);
 }
 
 TEST_F(ScopeWindowTest, KeptTracesOutliveFilesButNotTheModel) {

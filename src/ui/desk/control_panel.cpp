@@ -123,6 +123,8 @@ void ControlPanel::ShowModel() {
       });
       connect(analyser, &AnalyserWindow::PutAway, ui_->InstrumentArea,
               [this, analyser] { ui_->InstrumentArea->SetShown(analyser->Engine(), false); });
+      connect(analyser, &AnalyserWindow::NeedsChanged, ui_->InstrumentArea,
+              &Workspace::FollowNeeds);
     }
     WatchMeter(*pane);
   }

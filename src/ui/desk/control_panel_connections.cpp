@@ -96,6 +96,14 @@ void ControlPanel::AddKeyboard() {
                    return ui_->InstrumentArea->findChild<QAbstractButton*>(QLatin1String(button));
                  });
   }
+  AddPressItem(
+      *ui_->MView, QStringLiteral("Hide or Show Controls of the Analyser"), "MIHideRows",
+      Qt::CTRL | Qt::Key_9, [this]() -> QAbstractButton* {
+        for (auto* button : ui_->InstrumentArea->findChildren<QAbstractButton*>("SBHideRows")) {
+          if (button->isVisible()) return button;
+        }
+        return nullptr;
+      });
 }
 
 void ControlPanel::ConnectControls() {

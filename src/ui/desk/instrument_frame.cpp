@@ -48,8 +48,10 @@ TileRole InstrumentFrame::Role() const {
 
 Tile InstrumentFrame::Sizes() const {
   const QSize edges = sizeHint() - Pane().sizeHint();
-  const QSize flat = Pane().FlatSize();
-  return {Role(), minimumSizeHint(), sizeHint(), flat.isEmpty() ? QSize() : flat + edges};
+  const auto framed = [&](const QSize& pane) { return pane.isEmpty() ? QSize() : pane + edges; };
+  const QSize unfolded = framed(Pane().UnfoldedSize());
+  return {Role(), unfolded.isEmpty() ? minimumSizeHint() : unfolded, sizeHint(),
+          framed(Pane().FlatSize()), framed(Pane().FoldedSize())};
 }
 
 // The placement stays what was asked for: where there is more room later the window can have it.
@@ -74,7 +76,7 @@ QRect InstrumentFrame::Fitted(const WindowPlacement& placement) const {
   const QSize asked = QSize(placement.Width, placement.Height).boundedTo(room);
   const Tile tile = Sizes();
   const bool flat = !tile.Flat.isEmpty() && asked.width() >= tile.Flat.width();
-  const QSize size = asked.expandedTo(flat ? tile.Flat : tile.Least);
+  const QSize size = asked.expandedTo(flat ? tile.Flat : minimumSizeHint());
   return {{Within(placement.Left, size.width(), room.width()),
            Within(placement.Top, size.height(), room.height())},
           size};

@@ -177,6 +177,25 @@ Places PlaceBothKinds(const Tiles& tiles, const QSize& area) {
   return places;
 }
 
+// Those of some kinds with their controls folded.
+Tiles Folded(Tiles tiles, const std::vector<TileRole>& folding) {
+  for (Tile& tile : tiles) {
+    const bool folds = std::find(folding.begin(), folding.end(), tile.Role) != folding.end();
+    if (folds && !tile.Folded.isEmpty()) tile.Least = tile.Folded;
+  }
+  return tiles;
+}
+
+// Controls are not folded to bring one window more to the screen.
+bool NeedsFolding(const Tiles& tiles, const QSize& area) {
+  Tiles pair;
+  for (const TileRole role : {TileRole::Scope, TileRole::Analyser}) {
+    pair.push_back(*std::find_if(tiles.begin(), tiles.end(),
+                                 [&](const Tile& tile) { return tile.Role == role; }));
+  }
+  return !AreApart(PlaceBothKinds(pair, area), area);
+}
+
 // The analysers cover the others.
 Places PlaceInFront(const Tiles& tiles, const QSize& area) {
   Tiles behind;
@@ -205,10 +224,18 @@ bool AreApart(const std::vector<QRect>& places, const QSize& area) {
 
 std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area) {
   if (CountOf(tiles, TileRole::Analyser) == 0) return PlaceOneKind(tiles, TileRole::Scope, area);
-  Places places = CountOf(tiles, TileRole::Scope) == 0
-                      ? PlaceOneKind(tiles, TileRole::Analyser, area)
-                      : PlaceBothKinds(tiles, area);
-  return AreApart(places, area) ? places : PlaceInFront(tiles, area);
+  if (CountOf(tiles, TileRole::Scope) == 0) {
+    Places places = PlaceOneKind(tiles, TileRole::Analyser, area);
+    return AreApart(places, area) ? places : PlaceInFront(tiles, area);
+  }
+  std::vector<std::vector<TileRole>> foldings{{}};
+  if (NeedsFolding(tiles, area))
+    foldings = {{TileRole::Analyser}, {TileRole::Analyser, TileRole::Scope}};
+  for (const std::vector<TileRole>& folding : foldings) {
+    Places places = PlaceBothKinds(Folded(tiles, folding), area);
+    if (AreApart(places, area)) return places;
+  }
+  return PlaceInFront(tiles, area);
 }
 
 bool HasAmpleRoom(const std::vector<Tile>& tiles, const QSize& area) {

@@ -14,13 +14,16 @@ struct Tile {
   TileRole Role;
   QSize Least;
   QSize Wanted;
-  QSize Flat{};  ///< a small one that is given this width needs no more than this height
+  QSize Flat{};    ///< a small one that is given this width needs no more than this height
+  QSize Folded{};  ///< a plot that folds some of its controls makes do with this
 };
 
 /// Places of the windows on an area, in their order. Plots stand one above the other or, where that
 /// is too low for them, side by side; analysers to the right of the scopes. The small ones stand in
 /// lines below the scopes, or in a column to the right of them where that leaves these more room
-/// and there are no analysers. Where all together find no room, the analysers cover the whole area.
+/// and there are no analysers. Where not even a scope and one analyser find room, the analysers
+/// fold their controls, then the scopes too; where that does not help, the analysers cover the
+/// area.
 std::vector<QRect> TileArea(const std::vector<Tile>& tiles, const QSize& area);
 
 /// Whether each place is within the area and covers no other.

@@ -134,6 +134,11 @@ void Workspace::FitHeight(const Instrument& instrument) {
   frame->raise();
 }
 
+void Workspace::FollowNeeds() {
+  const QScopedValueRollback arranging(arranging_, true);
+  if (filling_) FillScreen();
+}
+
 void Workspace::SetShown(const Instrument& instrument, bool shown) {
   InstrumentFrame* frame = FrameOf(instrument);
   if (!frame) return;
@@ -220,7 +225,8 @@ void Workspace::ShowOnly(const std::function<bool(InstrumentKind)>& shown) {
   for (InstrumentFrame* frame : frames_) {
     const bool show = shown(frame->Pane().Engine().Kind());
     if (frame->IsShown() != show || frame->HasYielded()) frame->SetShown(show);
-    frame->SetChosen(true);
+    // A generator that is shown anyway goes where it would cover the plots.
+    frame->SetChosen(frame->Role() != TileRole::Small);
   }
   FillScreen();
 }

@@ -36,6 +36,9 @@ class Workspace : public QMdiArea {
   void Remove(const Instrument& instrument);
   /// The pane wants another height than it had.
   void FitHeight(const Instrument& instrument);
+  /// The user has made a pane need more or less room: as long as the sub-windows fill the area,
+  /// they share it anew.
+  void FollowNeeds();
   /// What the user wants to see, in front. A hidden pane keeps its place; while the sub-windows
   /// fill the area, the others share it.
   void SetShown(const Instrument& instrument, bool shown);
@@ -95,6 +98,7 @@ class Workspace : public QMdiArea {
   InstrumentFrame* FrameOf(const Instrument& instrument) const;
   std::vector<InstrumentFrame*> ShownFrames() const;
   std::vector<Tile> Tiles() const;
+  bool FitWithoutSmall(const QSize& area, const std::vector<InstrumentFrame*>& frames) const;
   std::vector<QRect> PlacesOn(const QSize& area, const std::vector<InstrumentFrame*>& frames) const;
   void TileOver(const QSize& area);
   QSize TileOverArea(const QSize& proportions);
@@ -106,7 +110,7 @@ class Workspace : public QMdiArea {
   const InstrumentFrame* FrontAnalyser() const;
   bool IsCovered(const InstrumentFrame& frame) const;
   void MakeRoomFor(const InstrumentFrame& wanted);
-  void MakeRoomForMeters();
+  void MakeRoomForPlots();
   void MakeRoomForScope();
   void PlaceAsAsked(InstrumentFrame& frame);
   QRect FreePlace(const InstrumentFrame& frame) const;

@@ -28,8 +28,8 @@ void LayOut(InstrumentFrame& frame) {
   QCoreApplication::sendPostedEvents(&frame, QEvent::LayoutRequest);
 }
 
-// Meters that a tiling has no room for stand over the other windows, column by column from the
-// right, so that all of them can be read.
+// Small windows that a tiling has no room for stand over the other windows, column by column from
+// the right, so that all of them can be read.
 class Overflow {
  public:
   /// The small ones that have a column at the right edge are not covered, where they are in sight.
@@ -81,7 +81,7 @@ int Workspace::LeastHeight() const {
   int height = 0;
   for (const InstrumentFrame* frame : ShownFrames()) {
     if (frame->Role() == TileRole::Scope)
-      height = std::max(height, frame->minimumSizeHint().height() + Around);
+      height = std::max(height, frame->Sizes().Least.height() + Around);
   }
   return height;
 }
@@ -133,28 +133,33 @@ void Workspace::MakeRoomFor(const InstrumentFrame& wanted) {
   }
 }
 
-// Where a display is too small for meters and generators, the scope keeps its room and the meters
-// are seen; a generator that the user has asked for stays.
-void Workspace::MakeRoomForMeters() {
+// Where a display is too small for all, the plots keep their room and meters are seen; a generator
+// that the user has asked for stays. Analysers that cover the others leave these their places.
+void Workspace::MakeRoomForPlots() {
+  const auto fit = [this](const std::vector<Tile>& tiles) {
+    return AreApart(TileArea(tiles, size()), size());
+  };
+  std::vector<Tile> plots;
+  for (const InstrumentFrame* frame : ShownFrames()) {
+    if (frame->Role() != TileRole::Small) plots.push_back(frame->Sizes());
+  }
+  const bool beside = fit(plots);
   std::vector<Tile> all;
   std::vector<Tile> without;
   std::vector<InstrumentFrame*> generators;
   for (InstrumentFrame* frame : ShownFrames()) {
-    if (frame->Role() == TileRole::Analyser) continue;
+    if (frame->Role() == TileRole::Analyser && !beside) continue;
     all.push_back(frame->Sizes());
     const bool yields = frame->Role() == TileRole::Small && !frame->IsMeter() && !frame->IsChosen();
     yields ? generators.push_back(frame) : without.push_back(all.back());
   }
-  const bool metered = std::any_of(frames_.begin(), frames_.end(),
-                                   [](const InstrumentFrame* frame) { return frame->IsMeter(); });
-  if (!metered || AreApart(TileArea(all, size()), size()) ||
-      !AreApart(TileArea(without, size()), size()))
-    return;
+  if (fit(all) || !fit(without)) return;
   for (InstrumentFrame* frame : generators) frame->Yield();
 }
 
-// Analysers first, then generators that the user has not asked for.
+// Generators that the user has not asked for, where that is enough; else analysers first.
 void Workspace::MakeRoomForScope() {
+  MakeRoomForPlots();
   for (const TileRole role : {TileRole::Analyser, TileRole::Small}) {
     for (InstrumentFrame* frame : frames_) {
       const bool asked = role == TileRole::Small && (frame->IsMeter() || frame->IsChosen());
@@ -173,15 +178,29 @@ void Workspace::TileOver(const QSize& area) {
   for (std::size_t i = 0; i < shown.size(); ++i) shown[i]->PlaceAt(places[i]);
 }
 
+// The small ones stand over the plots where these find room without them.
+bool Workspace::FitWithoutSmall(const QSize& area,
+                                const std::vector<InstrumentFrame*>& frames) const {
+  std::vector<Tile> plots;
+  std::vector<Tile> all;
+  for (const InstrumentFrame* frame : frames) {
+    if (frame->IsMeter()) continue;
+    all.push_back(frame->Sizes());
+    if (frame->Role() != TileRole::Small) plots.push_back(all.back());
+  }
+  return !AreApart(TileArea(all, area), area) && AreApart(TileArea(plots, area), area);
+}
+
 // Meters have a part in the tiling as long as it has room for them, the first ones first.
 std::vector<QRect> Workspace::PlacesOn(const QSize& area,
                                        const std::vector<InstrumentFrame*>& frames) const {
+  const bool plotsAlone = FitWithoutSmall(area, frames);
   std::vector<Tile> tiles;
   std::vector<std::size_t> tiled;  // which frames the tiles are of
-  std::vector<std::size_t> meters;
+  std::vector<std::size_t> others;
   for (std::size_t i = 0; i < frames.size(); ++i) {
-    if (frames[i]->IsMeter()) {
-      meters.push_back(i);
+    if (frames[i]->IsMeter() || (plotsAlone && frames[i]->Role() == TileRole::Small)) {
+      others.push_back(i);
     } else {
       tiles.push_back(frames[i]->Sizes());
       tiled.push_back(i);
@@ -189,25 +208,25 @@ std::vector<QRect> Workspace::PlacesOn(const QSize& area,
   }
   std::vector<QRect> found = TileArea(tiles, area);
   std::size_t fitting = 0;
-  for (; fitting < meters.size(); ++fitting) {
-    tiles.push_back(frames[meters[fitting]]->Sizes());
+  for (; fitting < others.size(); ++fitting) {
+    tiles.push_back(frames[others[fitting]]->Sizes());
     std::vector<QRect> more = TileArea(tiles, area);
     if (!AreApart(more, area)) break;
-    tiled.push_back(meters[fitting]);
+    tiled.push_back(others[fitting]);
     found = std::move(more);
   }
   std::vector<QRect> places(frames.size());
   for (std::size_t i = 0; i < tiled.size(); ++i) places[tiled[i]] = found[i];
   Overflow overflow(area, found, tiles);
-  for (; fitting < meters.size(); ++fitting) {
-    places[meters[fitting]] = overflow.Take(frames[meters[fitting]]->sizeHint());
+  for (; fitting < others.size(); ++fitting) {
+    places[others[fitting]] = overflow.Take(frames[others[fitting]]->sizeHint());
   }
   return places;
 }
 
 void Workspace::FillScreen() {
   BringBack();
-  MakeRoomForMeters();
+  MakeRoomForPlots();
   TileOver(size());
   filling_ = true;
   apart_ = HaveRoom();

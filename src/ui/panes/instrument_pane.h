@@ -32,6 +32,11 @@ class InstrumentPane : public QWidget, public InstrumentView {
   enum class AtFirst { Shown, ShownWithRoom, Hidden };
   virtual AtFirst ShownAtFirst() const { return AtFirst::Shown; }
 
+  /// What a pane that folds some of its controls where room is short needs with and without them;
+  /// empty of one that folds none.
+  virtual QSize UnfoldedSize() const { return {}; }
+  virtual QSize FoldedSize() const { return {}; }
+
   /// What the pane needs where it can be flat: from this width on no more than this height.
   virtual QSize FlatSize() const { return {}; }
 

@@ -219,6 +219,8 @@ constexpr Entry Entries[] = {
     {"CBBinary",
      "Excites the model with a sequence of two levels in place of evenly spread values."},
     {"CBUseGenFilter", "Leaves out the filter that smoothes the excitation."},
+    {"SBHideRows",
+     "Hides the controls of traces, cursors and axes, so that the plot has the window to itself."},
     {"CmBInput", "The signal that the response starts from."},
     {"CmBOutput", "The signal whose response is measured."},
     {"SBButton1", "Measures the pair of signals that the button names."},

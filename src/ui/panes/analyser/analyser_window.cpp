@@ -32,15 +32,12 @@ namespace {
 using CursorMode = FrequencyAnalyser::CursorMode;
 
 constexpr int ComfortablePlot = 400;  // pixels of width that a panel beside it leaves
+
 // To a whole number, below ten to one digit.
 double Rounded(double seconds) {
   const double digit = std::pow(10.0, std::min(std::floor(std::log10(seconds)), 0.0));
   return digit < 1.0 ? std::round(seconds / digit) / std::round(1.0 / digit) : std::round(seconds);
 }
-
-constexpr int LowRoom = 460;      // height of a workspace where plots make do with less
-constexpr int LeastHeight = 280;  // of the plots
-constexpr int LowHeight = 230;
 
 }  // namespace
 
@@ -69,6 +66,7 @@ AnalyserWindow::AnalyserWindow(FrequencyAnalyser& analyser, ZelBenchTop& bench, 
   ConnectSignals();
   ConnectTraces();
   ConnectCursors(bench.History());
+  ConnectFolding();
   SettingsChanged();
   ArrangeRows();  // tells how narrow the window may be
 }
@@ -344,40 +342,6 @@ void AnalyserWindow::showEvent(QShowEvent* event) {
   axes_->Show();
   ShowCursors();
   ShowMargins();
-}
-
-void AnalyserWindow::SetRoom(const QSize& workspace) {
-  lowRoom_ = workspace.height() < LowRoom;
-  FitPlot();
-}
-
-// Above a panel the plot gives way before the panel's figures are covered.
-void AnalyserWindow::FitPlot() {
-  const auto below = [this](QDockWidget* panel) {
-    return !panel->isHidden() && !panel->isFloating() &&
-           dock_->dockWidgetArea(panel) == Qt::BottomDockWidgetArea;
-  };
-  const bool low = lowRoom_ || below(margins_) || below(cursors_);
-  ui_->PBPlot->setMinimumHeight(low ? LowHeight : LeastHeight);
-}
-
-void AnalyserWindow::resizeEvent(QResizeEvent* event) {
-  InstrumentPane::resizeEvent(event);
-  ArrangeRows();
-}
-
-// The two groups of a row stand side by side where there is room, else one below the other.
-void AnalyserWindow::ArrangeRows() {
-  const QMargins margins = ui_->Column->contentsMargins();
-  const int room = width() - margins.left() - margins.right();
-  for (QBoxLayout* groups :
-       {ui_->TopRowGroups, ui_->TraceRowGroups, ui_->AxisRowGroups, ui_->ScaleRowGroups}) {
-    const int left = groups->itemAt(0)->minimumSize().width();
-    const int right = groups->itemAt(1)->minimumSize().width();
-    groups->parentWidget()->setMinimumWidth(std::max(left, right));
-    const bool wide = left + groups->spacing() + right <= room;
-    groups->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-  }
 }
 
 }  // namespace torvane

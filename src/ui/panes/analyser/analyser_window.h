@@ -37,6 +37,11 @@ class AnalyserWindow : public InstrumentPane {
   void Redraw() override;
   void SettingsChanged() override;
   void ShownChanged(bool shown) override;
+  /// Where there is no room for all rows of controls and the plot, all rows but the first are
+  /// folded, unless the user has opened them.
+  QSize minimumSizeHint() const override;
+  QSize UnfoldedSize() const override;
+  QSize FoldedSize() const override;
   void SetLook(const TraceLook& look) override;
 
  signals:
@@ -44,6 +49,8 @@ class AnalyserWindow : public InstrumentPane {
   void MeasurementBegun();
   /// The user has closed the window: it is to be hidden, its engine keeps all it has.
   void PutAway();
+  /// The user has folded or opened the controls: the window needs more or less room.
+  void NeedsChanged();
 
  protected:
   /// How the window of a kind of analyser is called.
@@ -68,6 +75,7 @@ class AnalyserWindow : public InstrumentPane {
 
   Ui::AnalyserForm& Form() { return *ui_; }
 
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void showEvent(QShowEvent* event) override;
@@ -92,8 +100,15 @@ class AnalyserWindow : public InstrumentPane {
   void Find();
   void ShowTrace(int slot, bool shown);
   void ChooseCursorTrace(int slot);
+  void ConnectFolding();
   void ArrangeRows();
+  void FoldRows();
   void FitPlot();
+  bool HasRoomUnfolded() const;
+  bool HasPanelBelow() const;
+  /// With all rows of controls or the first alone, in a window of the width where it is wide
+  /// enough.
+  QSize LeastSize(bool folded, int width) const;
 
   FrequencyAnalyser& analyser_;
   std::unique_ptr<Ui::AnalyserForm> ui_;
@@ -104,6 +119,9 @@ class AnalyserWindow : public InstrumentPane {
   MarginsWindow* margins_ = nullptr;
   QMainWindow* dock_ = nullptr;  // around the plot
   bool lowRoom_ = false;
+  /// What the user wants of the rows of controls that can be folded.
+  enum class Folding { AsRoomAllows, Folded, Opened };
+  Folding folding_ = Folding::AsRoomAllows;
   std::array<QToolButton*, FrequencyAnalyser::MaxSetups> setups_{};
   std::array<QCheckBox*, FrequencyAnalyser::SlotCount> traces_{};
 };

@@ -1,5 +1,6 @@
 #include "ui/panes/constants/constants_splitter.h"
 
+#include <QEvent>
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <algorithm>
@@ -8,6 +9,12 @@
 
 namespace torvane {
 
+namespace {
+
+constexpr int RowsBelow = 2;  // of constants that stand below the screen, at least
+
+}  // namespace
+
 ConstantsSplitter::ConstantsSplitter(QSplitter& splitter, QTableWidget& constants, ZelScope& scope,
                                      int width, QObject* parent)
     : QObject(parent), splitter_(splitter), constants_(constants), scope_(scope), width_(width) {
@@ -15,11 +22,13 @@ ConstantsSplitter::ConstantsSplitter(QSplitter& splitter, QTableWidget& constant
   splitter.setStretchFactor(0, 1);
   splitter.setStretchFactor(1, 0);
   splitter.setSizes({3 * width, width});
+  splitter.installEventFilter(this);
   connect(&splitter, &QSplitter::splitterMoved, this, [this] {
-    shown_.Width = splitter_.sizes().value(1);
-    shown_.Shown = shown_.Width > 0;
+    const int extent = splitter_.sizes().value(1);
+    shown_.Shown = extent > 0;
     // A panel folded away keeps its width for later.
-    if (!shown_.Shown) shown_.Width = scope_.ConstForm().Width;
+    shown_.Width = shown_.Shown && !IsBelow() ? extent : scope_.ConstForm().Width;
+    if (shown_.Shown && IsBelow()) height_ = extent;
     constants_.setVisible(shown_.Shown);
     Record();
   });
@@ -29,6 +38,12 @@ ConstantsSplitter::ConstantsSplitter(QSplitter& splitter, QTableWidget& constant
             shown_.NameWidth = size;
             Record();
           });
+}
+
+// Below the screen the constants give way to it, and take what it leaves.
+bool ConstantsSplitter::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize && IsBelow()) Divide();
+  return QObject::eventFilter(watched, event);
 }
 
 void ConstantsSplitter::Record() {
@@ -50,12 +65,38 @@ void ConstantsSplitter::Show() {
   }
 }
 
-void ConstantsSplitter::Divide() {
+int ConstantsSplitter::HeightOf(int rows) const {
+  return constants_.horizontalHeader()->sizeHint().height() +
+         rows * constants_.verticalHeader()->defaultSectionSize() + 2 * constants_.frameWidth();
+}
+
+QSize ConstantsSplitter::Least() const {
+  if (!scope_.ConstForm().Shown) return {0, 0};
+  const int handle = splitter_.handleWidth();
+  return {handle + constants_.minimumWidth(), handle + HeightOf(RowsBelow)};
+}
+
+void ConstantsSplitter::SetBelow(bool below) {
+  if (below == IsBelow()) return;
+  splitter_.setOrientation(below ? Qt::Vertical : Qt::Horizontal);
+  constants_.setMinimumHeight(below ? HeightOf(RowsBelow) : 0);
+  Divide();
+}
+
+// Of the constants along the splitter.
+int ConstantsSplitter::Extent() const {
   const ConstantsPanel& panel = scope_.ConstForm();
-  const int width = !panel.Shown ? 0 : panel.Width > 0 ? panel.Width : width_;
-  const int room = splitter_.isVisible() ? splitter_.width() - splitter_.handleWidth() : 4 * width_;
-  constants_.setVisible(panel.Shown);
-  splitter_.setSizes({std::max(room - width, 0), width});
+  if (!panel.Shown) return 0;
+  if (IsBelow()) return height_ > 0 ? height_ : HeightOf(constants_.rowCount());
+  return panel.Width > 0 ? panel.Width : width_;
+}
+
+void ConstantsSplitter::Divide() {
+  constants_.setVisible(scope_.ConstForm().Shown);
+  const int along = IsBelow() ? splitter_.height() : splitter_.width();
+  const int room = splitter_.isVisible() ? along - splitter_.handleWidth() : 4 * width_;
+  const int extent = Extent();
+  splitter_.setSizes({std::max(room - extent, 0), extent});
 }
 
 }  // namespace torvane

@@ -82,18 +82,24 @@ std::array<ReadOutWindow*, 2> ScopeWindow::Panels() const {
   return {math_, cursors_};
 }
 
+// The least width of screen and constants.
+int ScopeWindow::DividedWidth(Constants place) const {
+  const int screen = ui_->PBScreen->minimumWidth();
+  return screen + (place == Constants::Beside ? splitter_->Least().width() : 0);
+}
+
 // The least width of all but what is docked.
-int ScopeWindow::WidthWithout() const {
+int ScopeWindow::WidthWithout(Constants place) const {
   const QMargins margins = ui_->Column->contentsMargins();
-  const int widest = std::max({ui_->Splitter1->minimumSizeHint().width(),
-                               ui_->Bar->minimumSize().width(), ui_->Pages->minimumWidth()});
+  const int widest =
+      std::max({DividedWidth(place), ui_->Bar->minimumSize().width(), ui_->Pages->minimumWidth()});
   return margins.left() + widest + margins.right();
 }
 
 // A narrow panel can be scrolled.
 int ScopeWindow::LeaveFor(const ReadOutWindow& panel) const {
   const int scrolled = std::max(panel.Wanted().width() - NarrowPanel, 0);
-  return ui_->Splitter1->minimumSizeHint().width() - scrolled;
+  return DividedWidth(Constants::Beside) - scrolled;
 }
 
 // A page that the user has opened before gives way to it.
@@ -128,6 +134,7 @@ void ScopeWindow::SetRoom(const QSize& /*workspace*/) {
 
 void ScopeWindow::resizeEvent(QResizeEvent* event) {
   InstrumentPane::resizeEvent(event);
+  splitter_->SetBelow(width() < WidthWithout(Constants::Beside));
   ArrangePages();
   PlacePanels();
 }
@@ -150,10 +157,15 @@ bool ScopeWindow::event(QEvent* event) {
 }
 
 // The height of all but the page, with the least graph.
-int ScopeWindow::HeightWithout() const {
+int ScopeWindow::HeightWithout(Constants place) const {
   const QMargins margins = ui_->Column->contentsMargins();
-  return margins.top() + leastScreen_ + ui_->Column->spacing() + ui_->Bar->minimumSize().height() +
-         margins.bottom();
+  return margins.top() + leastScreen_ +
+         (place == Constants::Below ? splitter_->Least().height() : 0) + ui_->Column->spacing() +
+         ui_->Bar->minimumSize().height() + margins.bottom();
+}
+
+int ScopeWindow::HeightWithout() const {
+  return HeightWithout(splitter_->IsBelow() ? Constants::Below : Constants::Beside);
 }
 
 int ScopeWindow::HeightBelow(bool least) const {
@@ -184,7 +196,15 @@ void ScopeWindow::FoldPages() {
 }
 
 QSize ScopeWindow::minimumSizeHint() const {
-  return {WidthWithout(), HeightWithout() + HeightBelow(true)};
+  return {WidthWithout(Constants::Below), HeightWithout() + HeightBelow(true)};
+}
+
+QSize ScopeWindow::UnfoldedSize() const {
+  return {WidthWithout(Constants::Beside), HeightWithout(Constants::Beside) + HeightBelow(true)};
+}
+
+QSize ScopeWindow::FoldedSize() const {
+  return {WidthWithout(Constants::Below), HeightWithout(Constants::Below) + HeightBelow(true)};
 }
 
 }  // namespace torvane

@@ -44,8 +44,10 @@ class ScopeWindow : public InstrumentPane {
   /// The graph has the first claim to room: what it needs there.
   void SetRoom(const QSize& workspace) override;
   /// With the page below the graph folded, which it is where there is no room for both, unless the
-  /// user has opened it.
+  /// user has opened it; with the constants beside the graph, where they have room.
   QSize minimumSizeHint() const override;
+  QSize UnfoldedSize() const override;
+  QSize FoldedSize() const override;
 
  protected:
   bool event(QEvent* event) override;
@@ -67,7 +69,9 @@ class ScopeWindow : public InstrumentPane {
   void ConnectExport(const ZelBenchTop& bench);
   void ShowMath();
   std::array<ReadOutWindow*, 2> Panels() const;
-  int WidthWithout() const;
+  enum class Constants { Beside, Below };
+  int DividedWidth(Constants place) const;
+  int WidthWithout(Constants place) const;
   int LeaveFor(const ReadOutWindow& panel) const;
   void OpenPanel(ReadOutWindow& panel);
   void HidePanel(ReadOutWindow& panel);
@@ -75,6 +79,7 @@ class ScopeWindow : public InstrumentPane {
   void ShowPage(QWidget& page);
   void ArrangePages();
   void FoldPages();
+  int HeightWithout(Constants place) const;
   int HeightWithout() const;
   /// Of the panels that are docked below the graph and the constants.
   int HeightBelow(bool least) const;
