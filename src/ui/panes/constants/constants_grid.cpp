@@ -22,14 +22,34 @@ namespace torvane {
 
 namespace {
 
-constexpr int ShortUnit = 3;         // characters that values are in line before
-constexpr int ValueEdges = 8;        // beside a value in its cell
-constexpr int LargestMinimum = 150;  // pixels of width that a narrow window must spare
+constexpr int ShortUnit = 3;            // characters that values are in line before
+constexpr int CellEdges = 8;            // beside a text in its cell
+constexpr int LargestMinimum = 150;     // pixels of width that a narrow window must spare
+constexpr double NarrowLetters = 0.75;  // of the usual width: are read as easily
+constexpr double LeastLetters = 0.55;   // of it, the last of them by smaller ones
+constexpr double LettersStep = 0.05;
 
 bool IsEnter(const QEvent& event) {
   if (event.type() != QEvent::KeyPress) return false;
   const int key = static_cast<const QKeyEvent&>(event).key();
   return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+bool Fits(const QStyleOptionViewItem& cell, const QString& text) {
+  return cell.fontMetrics.horizontalAdvance(text) + CellEdges <= cell.rect.width();
+}
+
+// Narrower letters, then smaller ones, until the cell holds its text.
+void NarrowToFit(QStyleOptionViewItem& cell) {
+  if (cell.rect.isEmpty()) return;
+  const double size = cell.font.pointSizeF();
+  for (double part = 1.0; part > LeastLetters && !Fits(cell, cell.text);) {
+    part -= LettersStep;
+    const double width = std::max(part, NarrowLetters);
+    cell.font.setStretch(static_cast<int>(width * 100.0));
+    cell.font.setPointSizeF(part / width * size);
+    cell.fontMetrics = QFontMetrics(cell.font);
+  }
 }
 
 // A closed editor is hidden until it is deleted.
@@ -88,12 +108,14 @@ class ValueDelegate : public QStyledItemDelegate {
   // Where units have no column, each stands behind its value.
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (!table_.isColumnHidden(ConstantsGrid::UnitColumn)) return;
+    // What the column needs is asked without a place, and is the values' own.
+    if (!table_.isColumnHidden(ConstantsGrid::UnitColumn) || option->rect.isEmpty()) return;
     const QString unit = QString::fromStdString(bench_.ConstAt(index.row())->Unit());
     for (const QString& behind : {unit.leftJustified(ShortUnit), unit}) {
       const QString text = option->text + u' ' + behind;
-      if (option->fontMetrics.horizontalAdvance(text) + ValueEdges > option->rect.width()) continue;
+      if (behind != unit && !Fits(*option, text)) continue;
       option->text = text;
+      NarrowToFit(*option);
       return;
     }
   }
@@ -122,6 +144,18 @@ class ValueDelegate : public QStyledItemDelegate {
   const ZelBenchTop& bench_;
 };
 
+// Units in a column that may be narrow.
+class UnitDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    NarrowToFit(*option);
+  }
+};
+
 QString Range(const Constant& constant) {
   if (constant.IsList()) {
     QStringList choices;
@@ -147,6 +181,7 @@ QString Hint(const Constant& constant) {
 ConstantsGrid::ConstantsGrid(QTableWidget& table, ZelBenchTop& bench)
     : QObject(&table), table_(table), viewport_(*table.viewport()), bench_(bench) {
   table.setItemDelegateForColumn(ValueColumn, new ValueDelegate(table, bench));
+  table.setItemDelegateForColumn(UnitColumn, new UnitDelegate(&table));
   Fill();
   connect(&table, &QTableWidget::cellChanged, this, &ConstantsGrid::CommitCell);
   // The whole row stands for its value.
@@ -226,7 +261,7 @@ void ConstantsGrid::Fill() {
   }
   table_.resizeColumnsToContents();
   // Values to come may be longer than these.
-  const int value = QFontMetrics(digits).horizontalAdvance(QStringLiteral("0.00000")) + ValueEdges;
+  const int value = QFontMetrics(digits).horizontalAdvance(QStringLiteral("0.00000")) + CellEdges;
   values_ = std::max(table_.columnWidth(ValueColumn), value);
   table_.setColumnWidth(ValueColumn, values_);
   const int namesAndValues = table_.columnWidth(NameColumn) + values_;
@@ -242,21 +277,29 @@ void ConstantsGrid::Fill() {
   if (table_.rowCount() > 0) table_.setCurrentCell(0, ValueColumn);
 }
 
-// In a narrow window the values' column has the room of the units', which stand in it then.
+// In a narrow window values have no room to spare, and units smaller letters; where these could
+// not be read, the values' column has the room of the units', which stand in it then.
 void ConstantsGrid::ShowUnitsIfRoom() {
-  const int others = table_.columnWidth(NameColumn) + values_;
-  const bool hide = table_.viewport()->width() < others + units_;
-  if (hide == table_.isColumnHidden(UnitColumn)) return;
-  table_.setColumnHidden(UnitColumn, hide);
-  table_.horizontalHeader()->setSectionResizeMode(
-      ValueColumn, hide ? QHeaderView::Stretch : QHeaderView::Interactive);
-  if (!hide) table_.setColumnWidth(ValueColumn, values_);
+  const QAbstractItemView& view = table_;
+  const int room = table_.viewport()->width() - table_.columnWidth(NameColumn);
+  const int values = room < values_ + units_ ? view.sizeHintForColumn(ValueColumn) : values_;
+  const int widest = std::max(view.sizeHintForColumn(UnitColumn) - CellEdges, 1);
+  const double letters = 1.0 * (room - values - CellEdges) / widest;
+  const bool hide = letters < LeastLetters;
+  if (hide != table_.isColumnHidden(UnitColumn)) {
+    table_.setColumnHidden(UnitColumn, hide);
+    table_.horizontalHeader()->setSectionResizeMode(
+        ValueColumn, hide ? QHeaderView::Stretch : QHeaderView::Interactive);
+  }
+  if (!hide && table_.columnWidth(ValueColumn) != values)
+    table_.setColumnWidth(ValueColumn, values);
 }
 
 void ConstantsGrid::ConstantChanged(const Constant& constant) {
   const auto& constants = bench_.Constants();
   const auto row = std::find(constants.begin(), constants.end(), &constant) - constants.begin();
   ShowValue(static_cast<int>(row));
+  ShowUnitsIfRoom();
 }
 
 void ConstantsGrid::ShowValue(int row) {
