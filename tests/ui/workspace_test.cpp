@@ -99,6 +99,11 @@ TEST_F(WorkspaceTest, TheGraphHasTheFirstClaimToRoom) {
   const std::pair<const char*, std::function<void()>> states[] = {
       {"nothing", [] {}},
       {"analyser", [this] { Area().Toggle(InstrumentKind::FftAnalyser); }},
+      {"opened page beside the analyser",
+       [this] {
+         Area().Toggle(InstrumentKind::FftAnalyser);
+         Play("click PageScales");
+       }},
       {"both analysers",
        [this] {
          Area().Toggle(InstrumentKind::FftAnalyser);

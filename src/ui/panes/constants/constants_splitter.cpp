@@ -84,10 +84,13 @@ void ConstantsSplitter::SetBelow(bool below) {
 }
 
 // Of the constants along the splitter.
-int ConstantsSplitter::Extent() const {
+int ConstantsSplitter::Extent(int room) const {
   const ConstantsPanel& panel = scope_.ConstForm();
   if (!panel.Shown) return 0;
-  if (IsBelow()) return height_ > 0 ? height_ : HeightOf(constants_.rowCount());
+  if (IsBelow() && height_ > 0) return height_;
+  if (IsBelow()) {
+    return std::max(HeightOf(RowsBelow), std::min(HeightOf(constants_.rowCount()), room - screen_));
+  }
   return panel.Width > 0 ? panel.Width : width_;
 }
 
@@ -95,7 +98,7 @@ void ConstantsSplitter::Divide() {
   constants_.setVisible(scope_.ConstForm().Shown);
   const int along = IsBelow() ? splitter_.height() : splitter_.width();
   const int room = splitter_.isVisible() ? along - splitter_.handleWidth() : 4 * width_;
-  const int extent = Extent();
+  const int extent = Extent(room);
   splitter_.setSizes({std::max(room - extent, 0), extent});
 }
 

@@ -25,6 +25,8 @@ class ConstantsSplitter : public QObject {
   void Divide();
   /// Whether the constants stand below the screen, and not beside it.
   void SetBelow(bool below);
+  /// The height that the constants below the screen leave it before they have rows to spare.
+  void LeaveScreen(int height) { screen_ = height; }
   bool IsBelow() const { return splitter_.orientation() == Qt::Vertical; }
   /// What the constants need with the splitter's handle, beside the screen and below it.
   QSize Least() const;
@@ -35,13 +37,14 @@ class ConstantsSplitter : public QObject {
  private:
   void Record();
   int HeightOf(int rows) const;
-  int Extent() const;
+  int Extent(int room) const;
 
   QSplitter& splitter_;
   QTableWidget& constants_;
   ZelScope& scope_;
   int width_;
   int height_ = 0;  // below the screen, where the user has chosen it
+  int screen_ = 0;
   ConstantsPanel shown_;
   bool showing_ = false;  // sizes are being set from the record
 };

@@ -130,6 +130,7 @@ void ScopeWindow::SetRoom(const QSize& /*workspace*/) {
       whole.width() >= RoomForLeastGraph.width() && whole.height() >= RoomForLeastGraph.height();
   ui_->PBScreen->SetLeastGraph(ample ? LeastGraph : SmallGraph);
   leastScreen_ = ui_->PBScreen->minimumHeight();
+  splitter_->LeaveScreen(leastScreen_);
 }
 
 void ScopeWindow::resizeEvent(QResizeEvent* event) {
