@@ -98,6 +98,20 @@ TEST_F(FftAnalyser, RepeatsItsSequenceButKeepsTheFiltersMemory) {
   EXPECT_EQ(record()[2], fresh[2]);
 }
 
+TEST_F(FftAnalyser, ReadsNothingOfARecordThatWasNeverTaken) {
+  EXPECT_EQ(Xfer.Output()->Gain(0, 3), -200.0);
+  const Fft transform(4);
+  ZelXferChannel channel(Out, transform);
+  EXPECT_TRUE(channel.StoreData(1));
+  EXPECT_EQ(channel.Gain(1, 15), -200.0);
+  EXPECT_EQ(Reports.Take(), Messages{});
+  channel.Exchange();
+  Out.Value = 1.0;
+  channel.Sample(0);
+  EXPECT_EQ(channel.Gain(0, 5), 20.0 * std::log10(2.0));
+  EXPECT_EQ(Reports.Take(), Messages{});
+}
+
 TEST_F(FftAnalyser, ReadsGainAndPhaseOfABin) {
   TakeRecord(Impulse, ImpulseAt(4, 0.5));
   // The multiplier of 2 makes a unit impulse of the output; four samples late it turns a quarter

@@ -10,15 +10,22 @@ constexpr double LeastShare = 1e-4;  // 40 dB
 
 }  // namespace
 
-ExcitationRecord::ExcitationRecord(const Fft& fft)
-    : fft_(fft), re_(std::size_t{1} << fft.MaxOrder()), im_(re_.size()) {}
+void ExcitationRecord::MakeRoom() {
+  if (!re_.empty()) [[likely]] {
+    return;
+  }
+  re_.resize(std::size_t{1} << fft_.MaxOrder());
+  im_.resize(re_.size());
+}
 
 void ExcitationRecord::Sample(int index, double value) {
+  MakeRoom();
   re_[static_cast<std::size_t>(index)] = static_cast<float>(value);
   im_[static_cast<std::size_t>(index)] = 0.0F;
 }
 
 void ExcitationRecord::Transform(int order) {
+  MakeRoom();
   fft_.Transform(re_.data(), im_.data(), order);
 }
 

@@ -11,7 +11,7 @@ namespace torvane {
 class ExcitationRecord {
  public:
   /// The transform must outlive the record.
-  explicit ExcitationRecord(const Fft& fft);
+  explicit ExcitationRecord(const Fft& fft) : fft_(fft) {}
 
   void Sample(int index, double value);
   /// Transforms 2^order samples.
@@ -25,6 +25,8 @@ class ExcitationRecord {
   void AddPowerTo(std::vector<double>& sums) const;
 
  private:
+  void MakeRoom();  ///< at the first use: most models are built and gone without a record
+
   const Fft& fft_;
   std::vector<float> re_;
   std::vector<float> im_;

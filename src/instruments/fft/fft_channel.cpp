@@ -22,8 +22,10 @@ double TriangularWindow(int index, int length) {
 }  // namespace
 
 ZelXferChannel::ZelXferChannel(const Variable& variable, const Fft& fft)
-    : AnalyserChannel(variable), fft_(fft), order_(fft.MaxOrder()) {
-  const std::size_t length = std::size_t{1} << fft.MaxOrder();
+    : AnalyserChannel(variable), fft_(fft), order_(fft.MaxOrder()) {}
+
+void ZelXferChannel::MakeArrays() {
+  const std::size_t length = std::size_t{1} << fft_.MaxOrder();
   slots_[0].Re.resize(length);
   slots_[0].Im.resize(length);
 }
@@ -41,7 +43,7 @@ void ZelXferChannel::Sample(int index) {
     Error("ZelXferChannel:  Attempt to sample outside range");
     return;
   }
-  Slot& slot = slots_[0];
+  Slot& slot = Present();
   slot.State = SlotState::Samples;
   double x = Signal().DisplayValue();
   if (window_) x *= TriangularWindow(index, Length());
@@ -50,7 +52,7 @@ void ZelXferChannel::Sample(int index) {
 }
 
 void ZelXferChannel::RunFFT(int slot) {
-  Slot& record = slots_[static_cast<std::size_t>(slot)];
+  Slot& record = slot == 0 ? Present() : slots_[static_cast<std::size_t>(slot)];
   if (record.State != SlotState::Samples) {
     Error("Attempt to execute RunFFT in illegal state");
     return;
@@ -64,12 +66,12 @@ void ZelXferChannel::RunFFT(int slot) {
 }
 
 void ZelXferChannel::MarkNewSamples() {
-  slots_[0].State = SlotState::Samples;
+  Present().State = SlotState::Samples;
   Coherences(0).clear();
 }
 
 void ZelXferChannel::ReadSamples(int excited) {
-  Slot& slot = slots_[0];
+  Slot& slot = Present();
   const SignalRecord now =
       ReadSignal(std::span(slot.Re).first(static_cast<std::size_t>(Length())), excited);
   SignalRecord& kept = slot.Samples;
@@ -81,8 +83,6 @@ void ZelXferChannel::ReadSamples(int excited) {
 void ZelXferChannel::Exchange() {
   std::swap(slots_[0], aside_);
   std::swap(Coherences(0), coherencesAside_);
-  slots_[0].Re.resize(aside_.Re.size());
-  slots_[0].Im.resize(aside_.Im.size());
 }
 
 void ZelXferChannel::BeginMeasurement(bool averages) {
@@ -96,7 +96,7 @@ void ZelXferChannel::AddToAverage(const ExcitationRecord& excitation) {
 }
 
 void ZelXferChannel::TakeAverage(int records, const std::vector<double>* excitationPower) {
-  Slot& slot = slots_[0];
+  Slot& slot = Present();
   if (excitationPower) {
     average_.TakeResponse(*excitationPower, records, slot.Re, slot.Im, Coherences(0));
   } else {

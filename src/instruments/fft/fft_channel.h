@@ -69,6 +69,14 @@ class ZelXferChannel final : public AnalyserChannel {
     std::vector<float> Im;
     SignalRecord Samples;
   };
+  /// Slot 0 with its arrays: most models are built, run and gone without a record.
+  Slot& Present() {
+    if (slots_[0].Re.empty()) [[unlikely]] {
+      MakeArrays();
+    }
+    return slots_[0];
+  }
+  void MakeArrays();
   const Slot& SlotOf(int slot) const { return slots_[static_cast<std::size_t>(slot)]; }
 
   bool Readable(int slot, int index, const char* message);
