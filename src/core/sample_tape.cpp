@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 
 #include "core/bench.h"
 #include "core/instrument.h"
@@ -16,27 +18,36 @@ constexpr double LargestOnTape = 1e30;
 
 }  // namespace
 
-void SampleTape::ListSignals() {
+void SampleTape::ListSignals(std::span<const std::byte> loop) {
   double multiplier = 1.0;
   signals_.clear();
-  sources_.clear();
+  offsets_.clear();
+  elsewhere_.clear();
+  std::vector<const Variable*> others;
   for (const Variable* variable : bench_.Variables()) {
     if (variable->Internal()) continue;
-    signals_.push_back(variable);
-    sources_.push_back(&variable->Value);
     multiplier = std::max(multiplier, std::abs(variable->Multiplier()));
+    const std::size_t offset = reinterpret_cast<std::uintptr_t>(&variable->Value) -
+                               reinterpret_cast<std::uintptr_t>(loop.data());
+    if (offset < loop.size()) {
+      signals_.push_back(variable);
+      offsets_.push_back(offset);
+    } else {
+      others.push_back(variable);
+      elsewhere_.push_back(&variable->Value);
+    }
   }
+  signals_.insert(signals_.end(), others.begin(), others.end());
   listed_ = bench_.Variables().size();
   values_.resize(signals_.size() * Most);
   most_ = LargestOnTape / multiplier;
 }
 
-bool SampleTape::Begin(int most, Instrument* only) {
+bool SampleTape::Begin(int most, std::span<const std::byte> loop, Instrument* only) {
   if (most < 1) return false;
-  if (listed_ != bench_.Variables().size()) ListSignals();
+  if (listed_ != bench_.Variables().size()) ListSignals(loop);
   room_ = std::min(most, Most);
   count_ = 0;
-  sum_ = 0.0;
   next_ = stop_ = Never;
   readers_.clear();
   if (only) {
@@ -70,11 +81,6 @@ void SampleTape::Await(Reader& reader, const NextSample& next) {
   }
 }
 
-// It stands still within a run.
-void SampleTape::SetTime(double shown) {
-  if (Variable* const timeVar = bench_.TimeVar()) timeVar->Value = shown;
-}
-
 // Asks whose sample it is when they want the next one.
 void SampleTape::Note(double began, double t) {
   const auto row = static_cast<std::size_t>(count_++);
@@ -91,6 +97,23 @@ void SampleTape::Note(double began, double t) {
   if (count_ < room_) return;
   stop_ = std::min(stop_, next_);
   next_ = Never;
+}
+
+// In four sums: additions need not wait for one another.
+bool SampleTape::Fits() const {
+  constexpr std::size_t Lanes = 4;
+  static_assert(Most % Lanes == 0);
+  const auto count = static_cast<std::size_t>(count_);
+  std::array<double, Lanes> sums{};
+  for (std::size_t signal = 0; signal < signals_.size(); ++signal) {
+    const double* const values = values_.data() + signal * Most;
+    std::size_t row = 0;
+    for (; row + Lanes <= count; row += Lanes) {
+      for (std::size_t lane = 0; lane < Lanes; ++lane) sums[lane] += std::abs(values[row + lane]);
+    }
+    for (; row < count; ++row) sums[0] += std::abs(values[row]);
+  }
+  return std::accumulate(sums.begin(), sums.end(), 0.0) <= most_;
 }
 
 int SampleTape::Deliver() {

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <array>
-#include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <span>
 #include <vector>
@@ -30,9 +28,9 @@ class SampleTape {
   explicit SampleTape(const ZelBenchTop& bench) : bench_(bench) {}
 
   /// Asks the bench's instruments what they want to see, or the only one that is served, for a run
-  /// from the present time with at most so many samples on the tape. False when the next thing must
-  /// be seen at once.
-  bool Begin(int most, Instrument* only = nullptr);
+  /// from the present time with at most so many samples on the tape, of a loop whose numbers lie
+  /// there. False when the next thing must be seen at once.
+  bool Begin(int most, std::span<const std::byte> loop, Instrument* only = nullptr);
 
   /// The time at which the next sample is due, and that at which the run has to end.
   double Next() const { return next_; }
@@ -43,26 +41,22 @@ class SampleTape {
   ///
   /// In the header, where the compiler sees that nobody else gets hold of the copy.
   template <class Loop>
-  void Take(double began, double t, const Loop& ofBench, const Loop& copy) {
-    SetTime(began);
-    const std::size_t start = reinterpret_cast<std::uintptr_t>(&ofBench);
-    double sum = 0.0;
+  void Take(double began, double t, const Loop& copy) {
+    const char* const start = reinterpret_cast<const char*>(&copy);
     double* value = values_.data() + count_;
-    for (const double* source : sources_) {
-      const std::size_t offset = reinterpret_cast<std::uintptr_t>(source) - start;
-      if (offset < sizeof(Loop)) {
-        source = reinterpret_cast<const double*>(reinterpret_cast<const char*>(&copy) + offset);
-      }
-      *value = *source;
-      sum += std::abs(*source);
+    for (const std::size_t offset : offsets_) {
+      *value = *reinterpret_cast<const double*>(start + offset);
       value += Most;
     }
-    sum_ += sum;
+    for (const double* source : elsewhere_) {
+      *value = *source;
+      value += Most;
+    }
     Note(began, t);
   }
 
   /// Whether the signals fit what instruments store, single precision and sums over a record.
-  bool Fits() const { return sum_ <= most_; }
+  bool Fits() const;
 
   /// Hands the samples to those who asked for them; gives how many there were.
   int Deliver();
@@ -87,8 +81,7 @@ class SampleTape {
     std::array<int, Most> Rows{};
   };
 
-  void ListSignals();
-  void SetTime(double shown);
+  void ListSignals(std::span<const std::byte> loop);
   void Note(double began, double t);
   void Ask(Instrument& instrument);
   void Await(Reader& reader, const NextSample& next);
@@ -97,11 +90,11 @@ class SampleTape {
   static constexpr double Never = std::numeric_limits<double>::infinity();
 
   const ZelBenchTop& bench_;
-  std::vector<const Variable*> signals_;
-  std::vector<const double*> sources_;
+  std::vector<const Variable*> signals_;  // those in the loop, then the others
+  std::vector<std::size_t> offsets_;      // bytes from the loop's beginning
+  std::vector<const double*> elsewhere_;
   std::size_t listed_ = 0;  // variables of the bench that have been looked at
   double most_ = 0.0;
-  double sum_ = 0.0;  // of all magnitudes
   int room_ = 0;
   int count_ = 0;
   double next_ = Never;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
+
+#include "core/numeric.h"
 
 namespace torvane {
 
@@ -36,7 +37,9 @@ class StepClock {
 
   /// True when an instant is due at the bench's time t; the next one then is an interval later.
   bool TakeDue(double t, double interval) {
-    const double steps = std::round((t - serviced_) / Stride());
+    const double gone = t - serviced_;
+    const double stride = Stride();
+    const double steps = gone == stride ? 1.0 : Floor(gone / stride + 0.5);
     serviced_ = t;
     elapsed_ += steps;
     ahead_ -= steps;
@@ -65,7 +68,7 @@ class StepClock {
 
  private:
   double TimeOf(double ahead) const {
-    return serviced_ + (std::max(1.0, std::ceil(ahead - slack_)) - 0.25) * Stride();
+    return serviced_ + (std::max(1.0, -Floor(slack_ - ahead)) - 0.25) * Stride();
   }
   /// What one step adds to the bench's time as it stands, with its rounding.
   double Stride() const { return (serviced_ + step_) - serviced_; }

@@ -69,7 +69,8 @@ class FusedSolver final : public ZelSolver {
     ClearOverflowFlag();
     const bool watched = NearOverflow() || bench_.Time() < oneByOneUntil_ ||
                          AnyPending(TheModel().Parts(TheModel().loop_));
-    if (watched || !tape_.Begin(mostSamples, only)) {
+    if (watched ||
+        !tape_.Begin(mostSamples, std::as_bytes(std::span(&TheModel().loop_, 1)), only)) {
       return ZelSolver::RunAhead(tEnd, mostSamples, only);
     }
     if (!Run<true>(std::min(tEnd, tape_.Stop()), MostSteps)) {
@@ -133,7 +134,7 @@ class FusedSolver final : public ZelSolver {
         Step(model, loop, t, h, combine);
       }
       if (!Taped || t + h >= end) break;
-      tape_.Take(t, t + h, model.loop_, loop);
+      tape_.Take(t, t + h, loop);
       end = std::min(end, tape_.Stop());
       t += h;
     }

@@ -60,7 +60,7 @@ void Accumulate(ZelSweptDSAChannel& channel, Variable& signal, double hz, double
                 const std::function<double(double)>& x) {
   for (double t = start; t < end; t += 1.0 / 512.0) {
     signal.Value = x(t);
-    channel.Accumulate(hz, t);
+    channel.Accumulate(SweepTick::At(hz, t));
   }
 }
 
@@ -94,7 +94,7 @@ TEST_F(SweptSine, ReadsAFinitePointFromTooFewTicks) {
   EXPECT_EQ(channel.Gain(0, 0), -200.0);
   X.Value = 1.0;
   for (const int tick : {1, 2}) {
-    channel.Accumulate(256.0, tick * 0.001);
+    channel.Accumulate(SweepTick::At(256.0, tick * 0.001));
     channel.Measure(tick);
     EXPECT_TRUE(std::isfinite(channel.Gain(0, tick)));
   }

@@ -12,6 +12,11 @@ constexpr double SameDistance = 1e-6;  // of two ticks, as a part of it
 
 }  // namespace
 
+SweepTick SweepTick::At(double f, double t) {
+  const double angle = TwoPi * f * t;
+  return {std::sin(angle), std::cos(angle), 0.0, f * t};
+}
+
 void SweepSums::Add(const SweepTick& tick, double firstCycles) {
   const double t = tick.Cycles - firstCycles;
   T += t;

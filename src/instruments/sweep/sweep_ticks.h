@@ -14,6 +14,9 @@ struct SweepTick {
   double Cos = 0.0;
   double X = 0.0;
   double Cycles = 0.0;
+
+  /// That of any tick, without the signal.
+  static SweepTick At(double f, double t);
 };
 
 /// Sums over the ticks of products of sine, cosine, one and the signal.

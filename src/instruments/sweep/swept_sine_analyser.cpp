@@ -91,6 +91,7 @@ NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
   if (state_ == State::Advance) return {bench_.Time(), true};
   if (state_ != State::Measuring) return {NextTime(), true};
   onTape_ = clock_;
+  settledOnTape_ = false;
   unsettledOnTape_ = 0;
   excitationBefore_ = excitation_;
   return NextOnTape();
@@ -107,7 +108,10 @@ NextSample ZelSweptDSA::NextOnTape() const {
 NextSample ZelSweptDSA::AwaitOnTape(double t) {
   onTape_.TakeDue(t, tSample_);
   Excite(t);
-  if (!onTape_.Reached(settleEnd_)) ++unsettledOnTape_;
+  if (!settledOnTape_) {
+    settledOnTape_ = onTape_.Reached(settleEnd_);
+    if (!settledOnTape_) ++unsettledOnTape_;
+  }
   return NextOnTape();
 }
 
@@ -145,7 +149,8 @@ bool ZelSweptDSA::Service(double t) {
   Excite(t);
   watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
-    for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(f_, t);
+    const SweepTick tick = SweepTick::At(f_, t);
+    for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(tick);
     if (clock_.Reached(measurementEnd_)) CompletePoint();
   }
   return true;

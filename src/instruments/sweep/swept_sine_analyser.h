@@ -148,6 +148,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
 
   // As of the last sample on the tape.
   StepClock onTape_;
+  bool settledOnTape_ = false;       ///< ticks belong to a window
   std::size_t unsettledOnTape_ = 0;  ///< ticks on it that belong to no window
   double excitationBefore_ = 0.0;    ///< the tape
 

@@ -72,10 +72,10 @@ void ZelSweptDSAChannel::NextWindow() {
   firstCycles_ = last_.Cycles;
 }
 
-void ZelSweptDSAChannel::Accumulate(double f, double t) {
+void ZelSweptDSAChannel::Accumulate(const SweepTick& tick) {
   if (pending_) sums_.Add(last_, firstCycles_);
-  const double angle = TwoPi * f * t;
-  last_ = {std::sin(angle), std::cos(angle), Signal().DisplayValue(), f * t};
+  last_ = tick;
+  last_.X = Signal().DisplayValue();
   if (!pending_) firstCycles_ = last_.Cycles;
   limit_.See(last_.X);
   pending_ = true;

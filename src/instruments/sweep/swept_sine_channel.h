@@ -28,9 +28,9 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   /// Forgets slot 0's points, for a new sweep.
   void ClearPoints();
   void ResetSums();
-  /// Adds the signal's present value at f Hz. The last tick of a point belongs to the period after
-  /// it, so a value counts only once another one has followed.
-  void Accumulate(double f, double t);
+  /// Adds the signal's present value at a tick, which comes without it. The last tick of a point
+  /// belongs to the period after it, so a value counts only once another one has followed.
+  void Accumulate(const SweepTick& tick);
   /// The same with the values of ticks that a tape has; `shared` are their sums without the signal,
   /// from FirstCycles on.
   void Accumulate(const SweepTicks& ticks, std::span<const double> values, const SweepSums& shared);
