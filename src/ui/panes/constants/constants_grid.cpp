@@ -282,7 +282,9 @@ void ConstantsGrid::Fill() {
 void ConstantsGrid::ShowUnitsIfRoom() {
   const QAbstractItemView& view = table_;
   const int room = table_.viewport()->width() - table_.columnWidth(NameColumn);
-  const int values = room < values_ + units_ ? view.sizeHintForColumn(ValueColumn) : values_;
+  const int least = std::max(view.sizeHintForColumn(ValueColumn),
+                             table_.horizontalHeader()->sectionSizeHint(ValueColumn));
+  const int values = std::clamp(room - units_, least, std::max(values_, least));
   const int widest = std::max(view.sizeHintForColumn(UnitColumn) - CellEdges, 1);
   const double letters = 1.0 * (room - values - CellEdges) / widest;
   const bool hide = letters < LeastLetters;
