@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QDockWidget>
 #include <QElapsedTimer>
 #include <QMenu>
 #include <QMenuBar>
@@ -124,6 +125,21 @@ TEST_F(ControlPanelTest, AModelThatCannotBeBuiltIsReported) {
   EXPECT_TRUE(Reports.Ended);
   EXPECT_EQ(Panel->Model(), nullptr);
   EXPECT_TRUE(Panel->close());
+}
+
+// As at the end of a session of the display, or on a signal.
+TEST_F(ControlPanelTest, EndsWithItsWindowAndADockedPaneOpen) {
+  Panel->show();
+  Trigger("MIDiagramPane");
+  const QWidget* const panel = Panel.get();
+  int hidden = 0;
+  QObject::connect(&Find<QDockWidget>("ModelPictureF"), &QDockWidget::visibilityChanged, qApp,
+                   [&](bool visible) {
+                     hidden += visible ? 0 : 1;
+                     EXPECT_TRUE(visible || qobject_cast<const ControlPanel*>(panel));
+                   });
+  Panel.reset();
+  EXPECT_GT(hidden, 0);
 }
 
 TEST_F(ControlPanelTest, AnOverflowStopsTheRunAndOffersAReset) {

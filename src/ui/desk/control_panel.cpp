@@ -101,6 +101,8 @@ ControlPanel::ControlPanel(DataFolder folder, const std::string& startModel, Win
 }
 
 ControlPanel::~ControlPanel() {
+  // The program may end with its window open. What panes tell as they are hidden is heard here.
+  hide();
   LeaveModel();
 }
 
