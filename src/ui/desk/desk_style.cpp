@@ -82,15 +82,18 @@ void DeskStyle::drawControl(ControlElement element, const QStyleOption* option, 
 }
 
 // The base style has black buttons on the title bar of a window that is not active; one that is
-// active in the colour of the ground has bright ones. Those of a panel are black on any ground.
+// active in the colour of the ground has bright ones. A title's shadow has the colour of texts, and
+// on a dark ground would be a second title. A panel's buttons are black on any ground.
 void DeskStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                    QPainter* painter, const QWidget* widget) const {
   const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
   const QColor ground = option->palette.color(QPalette::Window);
-  if (control == CC_TitleBar && bar && !(bar->titleBarState & State_Active) &&
-      ground.lightness() < Dark) {
-    QStyleOptionTitleBar changed = WithColour(*bar, QPalette::Highlight, ground);
-    changed.titleBarState |= State_Active;
+  if (control == CC_TitleBar && bar && ground.lightness() < Dark) {
+    QStyleOptionTitleBar changed = WithColour(*bar, QPalette::Text, Qt::black);
+    if (!(bar->titleBarState & State_Active)) {
+      changed.palette.setColor(QPalette::Highlight, ground);
+      changed.titleBarState |= State_Active;
+    }
     QProxyStyle::drawComplexControl(control, &changed, painter, widget);
     return;
   }
