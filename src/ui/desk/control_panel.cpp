@@ -172,6 +172,7 @@ bool ControlPanel::Running() const {
 void ControlPanel::RunToggled(bool down) {
   ui_->MIRunStop->setText(down ? QStringLiteral("Stop") : QStringLiteral("Run"));
   experiments_->SetRunning(down);
+  for (InstrumentFrame* frame : ui_->InstrumentArea->Frames()) frame->Pane().SetRunning(down);
   // Text that can be selected takes long to set, and nobody selects it while it changes.
   ui_->LTime->setTextInteractionFlags(down ? Qt::NoTextInteraction : Qt::TextSelectableByMouse);
   if (!Model()) return;

@@ -22,6 +22,9 @@ class InstrumentPane : public QWidget, public InstrumentView {
   /// New data may be there to paint; called at most once a frame while the model runs.
   virtual void ShowFrame() {}
 
+  /// Whether the simulation runs from now on; at first it does not.
+  virtual void SetRunning(bool /*running*/) {}
+
   /// The workspace has so much room for all panes.
   virtual void SetRoom(const QSize& /*workspace*/) {}
 

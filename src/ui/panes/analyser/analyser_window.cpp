@@ -300,9 +300,15 @@ void AnalyserWindow::ShowFrame() {
   if (ui_->PBPlot->Refresh() && margins_->isVisible()) ShowMargins();
 }
 
+void AnalyserWindow::SetRunning(bool running) {
+  running_ = running;
+  ShowFrame();
+}
+
 // What to press where nothing has been measured yet.
 QString AnalyserWindow::EmptyText() const {
-  bool anything = analyser_.Measuring() || !analyser_.Input() || !analyser_.Output();
+  const bool measuring = analyser_.Measuring();
+  bool anything = (measuring && running_) || !analyser_.Input() || !analyser_.Output();
   for (int slot = 0; slot < FrequencyAnalyser::SlotCount; ++slot) {
     anything = anything || analyser_.HasData(slot);
   }
@@ -310,6 +316,10 @@ QString AnalyserWindow::EmptyText() const {
   const auto name = [](const AnalyserChannel& channel) { return QtText(channel.Name()); };
   QString what = name(*analyser_.Output());
   if (!analyser_.OutputOnly()) what += QStringLiteral(" over ") + name(*analyser_.Input());
+  if (measuring) {
+    return QStringLiteral("%1 is measured while the simulation runs: press Run at the top (Ctrl+R)")
+        .arg(what);
+  }
   return QStringLiteral("Run measures %1: about %2 s of simulated time")
       .arg(what, QtText(FormatShortest(Rounded(analyser_.ExpectedSeconds()))));
 }

@@ -33,6 +33,7 @@ class AnalyserWindow : public InstrumentPane {
   ~AnalyserWindow() override;
 
   void ShowFrame() override;
+  void SetRunning(bool running) override;
   void SetRoom(const QSize& workspace) override;
   void Redraw() override;
   void SettingsChanged() override;
@@ -119,6 +120,7 @@ class AnalyserWindow : public InstrumentPane {
   MarginsWindow* margins_ = nullptr;
   QMainWindow* dock_ = nullptr;  // around the plot
   bool lowRoom_ = false;
+  bool running_ = false;  // the simulation
   /// What the user wants of the rows of controls that can be folded.
   enum class Folding { AsRoomAllows, Folded, Opened };
   Folding folding_ = Folding::AsRoomAllows;
