@@ -141,6 +141,13 @@ TEST_F(SweptSine, MeasuresALowPassAt26Points) {
   EXPECT_TRUE(Sweep.TraceAt(1).Enabled);
   Sweep.SetVisible(false);
   EXPECT_FALSE(Sweep.TraceAt(0).Enabled || Sweep.TraceAt(1).Enabled || Sweep.HasData(1));
+  // Shown again, the window has what it had, and no memory that is empty.
+  Sweep.SetVisible(true);
+  Sweep.SetShown(0, false);
+  for (const bool visible : {false, false, true}) Sweep.SetVisible(visible);
+  EXPECT_TRUE(Sweep.TraceAt(0).Enabled && !Sweep.TraceAt(0).Shown);
+  EXPECT_TRUE(Sweep.TraceAt(1).Shown && !Sweep.TraceAt(2).Enabled);
+  EXPECT_EQ(*Sweep.GainRead(1, 2.0), stored);
   EXPECT_EQ(Reports.Take(), Messages{});
   EXPECT_FALSE(Sweep.StoreData(0));
   EXPECT_EQ(Reports.Take(), Messages{"Error: Fault in ZelSweptDSAChannel :: StoreData"});

@@ -181,8 +181,18 @@ void FrequencyAnalyser::EnableTrace(int slot) {
   TellSettingsChanged();
 }
 
-void FrequencyAnalyser::DisableTrace(int slot) {
-  SlotOf(slot).Enabled = SlotOf(slot).Shown = false;
+void FrequencyAnalyser::PutAwayTraces(bool away) {
+  for (ResponseSlot& trace : slots_) {
+    if (away && trace.Enabled) {
+      trace.ShownBefore = trace.Shown;
+      trace.Enabled = trace.Shown = false;
+    } else if (!away && trace.ShownBefore) {
+      // What has been measured meanwhile is shown anyhow.
+      trace.Shown = trace.Enabled ? trace.Shown : *trace.ShownBefore;
+      trace.Enabled = true;
+      trace.ShownBefore.reset();
+    }
+  }
 }
 
 double FrequencyAnalyser::LimitExcitation(double value, double amplitude, double offset) {

@@ -187,9 +187,10 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   void TakeOrigin();
   /// A trace that got its first data is shown.
   void EnableTrace(int slot);
+  /// Takes all traces off the plot and disables their boxes, or brings them back as they were.
+  void PutAwayTraces(bool away);
   /// Stores the current measurement in a memory whose number is checked.
   virtual bool StoreSlot(int slot) = 0;
-  void DisableTrace(int slot);
   /// Settings or data have changed: repaint, and the view re-reads the settings.
   void Changed();
   /// Stores a setting, a number as a file keeps it; one that is not finite is ignored. `name` is

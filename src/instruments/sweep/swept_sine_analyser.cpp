@@ -247,9 +247,7 @@ double ZelSweptDSA::Progress() const {
 }
 
 void ZelSweptDSA::SetVisible(bool visible) {
-  if (!visible) {
-    for (int slot = 0; slot < SlotCount; ++slot) DisableTrace(slot);
-  }
+  PutAwayTraces(!visible);
   FrequencyAnalyser::SetVisible(visible);
 }
 

@@ -100,7 +100,7 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double AccurateUpTo() const override { return 0.01 / tSample_; }
   double SampleTime() const override { return tSample_; }
 
-  /// Hiding the window also takes all traces off the plot.
+  /// A hidden window's traces are off the plot; shown again, it has them as they were.
   void SetVisible(bool visible) override;
 
  protected:

@@ -89,7 +89,7 @@ void ControlPanel::AddKeyboard() {
       {"Sc&ales of the Scope", "MIScales", "Ctrl+1", "PageScales"},
       {"&Trigger of the Scope", "MITrigger", "Ctrl+2", "PageTrigger"},
       {"&Measurements of the Scope", "MIMeasure", "Ctrl+3", "PageMeasure"},
-      {"&Hide or Show These", "MIHidePage", "Ctrl+0", "SBHide"}};
+      {"&Hide or Show Controls of the Scope", "MIHidePage", "Ctrl+0", "SBHide"}};
   for (const auto& [text, name, key, button] : pages) {
     AddPressItem(*ui_->MView, QLatin1String(text), name, QKeySequence(QLatin1String(key)),
                  [this, button = button] {
