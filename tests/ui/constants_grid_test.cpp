@@ -61,5 +61,20 @@ TEST_F(ConstantsGridTest, InputAfterATextThatIsNoNumberFindsTheEditorClosed) {
   EXPECT_EQ(warnings, QStringList());
 }
 
+TEST_F(ConstantsGridTest, EnterCountsAtOnceInTheTablesOfASearchToo) {
+  Trigger("MITune");
+  for (const auto& [name, row] : {std::pair("SGVary", 0), std::pair("SGRequire", 6)}) {
+    auto& table = Find<QTableWidget>(name);
+    QTableWidgetItem* const cell = table.item(row, 2);
+    table.editItem(cell);
+    auto* const editor = table.findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr) << name;
+    editor->setText("60");
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_EQ(cell->text(), "60") << name;
+    EXPECT_TRUE(editor->isHidden()) << name;
+  }
+}
+
 }  // namespace
 }  // namespace torvane

@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
 #include <algorithm>
 
 #include "core/constant.h"
@@ -14,6 +13,7 @@
 #include "core/text.h"
 #include "ui/panes/constants/adjust_dialog.h"
 #include "ui/panes/constants/value_knob.h"
+#include "ui/widgets/cell_delegate.h"
 #include "ui/widgets/constant_entry.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/edit_shortcuts.h"
@@ -28,12 +28,6 @@ constexpr int LargestMinimum = 150;     // pixels of width that a narrow window 
 constexpr double NarrowLetters = 0.75;  // of the usual width: are read as easily
 constexpr double LeastLetters = 0.55;   // of it, the last of them by smaller ones
 constexpr double LettersStep = 0.05;
-
-bool IsEnter(const QEvent& event) {
-  if (event.type() != QEvent::KeyPress) return false;
-  const int key = static_cast<const QKeyEvent&>(event).key();
-  return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
 
 bool Fits(const QStyleOptionViewItem& cell, const QString& text) {
   return cell.fontMetrics.horizontalAdvance(text) + CellEdges <= cell.rect.width();
@@ -58,10 +52,10 @@ bool IsOpen(const QWidget& editor) {
 }
 
 // Edits a value as text, or by a list of choices when the constant has one.
-class ValueDelegate : public QStyledItemDelegate {
+class ValueDelegate : public CellDelegate {
  public:
   ValueDelegate(QTableWidget& table, const ZelBenchTop& bench)
-      : QStyledItemDelegate(&table), table_(table), bench_(bench) {}
+      : CellDelegate(table), table_(table), bench_(bench) {}
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const override {
@@ -120,26 +114,15 @@ class ValueDelegate : public QStyledItemDelegate {
     }
   }
 
-  // Enter counts at once: what waited for the message loop would find the editor closed when
-  // another key or a click comes first.
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (IsEnter(*event)) {
-      Settle(*static_cast<QWidget*>(watched));
-      return true;
-    }
     if (auto* editor = qobject_cast<QLineEdit*>(watched)) {
       const auto commit = [this, editor] { emit commitData(editor); };
       if (SettleShortcut(*editor, *event, editor->isModified(), commit)) return true;
     }
-    return QStyledItemDelegate::eventFilter(watched, event);
+    return CellDelegate::eventFilter(watched, event);
   }
 
  private:
-  void Settle(QWidget& editor) {
-    emit commitData(&editor);
-    emit closeEditor(&editor);
-  }
-
   const QTableWidget& table_;
   const ZelBenchTop& bench_;
 };

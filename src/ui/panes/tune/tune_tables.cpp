@@ -10,6 +10,7 @@
 #include "core/constant.h"
 #include "core/text.h"
 #include "study/measures.h"
+#include "ui/widgets/cell_delegate.h"
 #include "ui/widgets/digits.h"
 #include "ui/widgets/notice.h"
 #include "ui/widgets/typed_number.h"
@@ -59,6 +60,7 @@ const RunMeasure& MeasureAt(int row) {
 
 TuneTable::TuneTable(const char* name, const QString& title, const QStringList& columns)
     : QTableWidget(0, static_cast<int>(columns.size())) {
+  setItemDelegate(new CellDelegate(*this));
   setObjectName(QLatin1String(name));
   setAccessibleName(title);
   setHorizontalHeaderLabels(columns);
