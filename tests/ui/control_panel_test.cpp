@@ -53,6 +53,21 @@ TEST_F(ControlPanelTest, AListThatIsOpenStaysWhereItIsWhenALoopComes) {
   QFile::remove(LoopShelf::Folder() + "/aaa.mo");
 }
 
+// The key that chooses a model may be that of a window that goes with the model.
+TEST_F(ControlPanelTest, AModelIsChosenWhenTheKeyThatChoseItIsDone) {
+  Play("click SGConsts[KVP]; key SGConsts Return -> TZelAdjustF shown");
+  const QPointer<QWidget> adjust = &Find<QWidget>("TZelAdjustF");
+  auto& list = Find<QComboBox>("ModelCmB");
+  list.showPopup();
+  list.view()->setCurrentIndex(list.model()->index(7, 0));
+  bool stayed = false;
+  QObject::connect(&list, &QComboBox::activated, &list, [&] { stayed = !adjust.isNull(); });
+  QTest::keyPress(adjust->windowHandle(), Qt::Key_Return);
+  EXPECT_TRUE(stayed);
+  EXPECT_TRUE(WaitFor([&] { return !adjust; }));
+  EXPECT_EQ(Panel->Model()->Name(), list.itemText(7).toStdString());
+}
+
 // It shows where it stopped, six digits of it, and paints at most thirty frames a second and one.
 TEST_F(ControlPanelTest, TheTimeIsShownAtMostOnceAFrame) {
   QElapsedTimer wall;

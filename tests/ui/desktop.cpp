@@ -191,6 +191,7 @@ bool Desktop::DoToAll(const std::string& verb, const QString& rest) {
     auto& list = Find<QComboBox>("ModelCmB");
     list.setCurrentText(rest);
     emit list.activated(list.currentIndex());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
   } else if (verb == "run") {
     const double until = Panel->Model()->Time() + ParseNumber(rest.toStdString()).value();
     Click("SBRun");

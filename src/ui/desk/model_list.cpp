@@ -18,7 +18,12 @@ ModelList::ModelList(QComboBox& list, Session& session, LoopShelf& shelf)
     : QObject(&list), list_(list), session_(session), shelf_(shelf) {
   Fill();
   connect(&shelf_, &LoopShelf::Changed, this, &ModelList::Fill);
-  connect(&list_, &QComboBox::activated, this, &ModelList::Choose);
+  connect(&list_, &QComboBox::activated, this, [this](int index) {
+    // The open list takes the keys of every window, and a window that is in the midst of handing
+    // one on may go with the model: the choice is made after that.
+    QMetaObject::invokeMethod(
+        this, [this, chosen = At(index)] { Choose(chosen); }, Qt::QueuedConnection);
+  });
   connect(&session_, &Session::ModelChanged, this, [this] {
     const loops::LoopFile* const loop = session_.Loop();
     if (loop) shelf_.Add({QtText(session_.Model()->Name()), QtText(loop->Path)});
@@ -45,15 +50,12 @@ std::vector<ModelList::Item> ModelList::Offered() const {
 // What stays keeps its place in a list that is open.
 void ModelList::Fill() {
   const std::vector<Item> offered = Offered();
-  const auto at = [this](int row) {
-    return Item{list_.itemText(row), list_.itemData(row).toString()};
-  };
   int row = 0;
   for (const Item& item : offered) {
-    while (row < list_.count() && std::ranges::find(offered, at(row)) == offered.end()) {
+    while (row < list_.count() && std::ranges::find(offered, At(row)) == offered.end()) {
       list_.removeItem(row);
     }
-    if (row == list_.count() || at(row) != item) {
+    if (row == list_.count() || At(row) != item) {
       item.Text.isEmpty() ? list_.insertSeparator(row)
                           : list_.insertItem(row, item.Text, item.Path);
       if (!item.Path.isEmpty()) list_.setItemData(row, item.Path, Qt::ToolTipRole);
@@ -75,13 +77,16 @@ void ModelList::ShowPresent() {
   if (list_.currentIndex() != index) list_.setCurrentIndex(index);
 }
 
-void ModelList::Choose(int index) {
-  const QString loop = list_.itemData(index).toString();
-  const std::string name = list_.itemText(index).toStdString();
-  if (index == IndexOfPresent()) {
+ModelList::Item ModelList::At(int row) const {
+  return {list_.itemText(row), list_.itemData(row).toString()};
+}
+
+void ModelList::Choose(const Item& chosen) {
+  const std::string name = chosen.Text.toStdString();
+  if (chosen == At(IndexOfPresent())) {
     if (session_.MayDiscard()) session_.BuildAnew();
-  } else if (!loop.isEmpty()) {
-    session_.Open(loop);
+  } else if (!chosen.Path.isEmpty()) {
+    session_.Open(chosen.Path);
   } else if (session_.MayDiscard()) {
     if (session_.Models().Find(name)) {
       session_.Choose(name);

@@ -31,7 +31,8 @@ class ModelList : public QObject {
 
   std::vector<Item> Offered() const;
   void Fill();
-  void Choose(int index);
+  Item At(int row) const;
+  void Choose(const Item& chosen);
   int IndexOfPresent() const;
 
   QComboBox& list_;
