@@ -75,7 +75,7 @@ TWINS
 printf '%-34s %8s %8s\n' 'watching, instructions a step' more bound
 declare -A watched
 for row in nothing scope_1_trace scope_and_swept_sine scope_and_15_meters; do
-  read -r watched[$row] _ <<<"$(count "${program}_watch" "$row")"
+  read -r watched[$row] _ <<<"$(count "${program}_watch" 2-1 "$row")"
 done
 while read -r title row beside number bound; do
   more=$(awk -v all="${watched[$row]}" -v rest="${watched[$beside]}" -v number="$number" \

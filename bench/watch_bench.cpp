@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include <cstring>
 #include <string>
 
 #include "watchers.h"
@@ -10,8 +11,8 @@ namespace torvane::bench {
 
 namespace {
 
-void RunWatched(benchmark::State& state, const Watchers& watchers) {
-  Watched watched(watchers);
+void RunWatched(benchmark::State& state, const char* model, const Watchers& watchers) {
+  Watched watched(model, watchers);
   for (auto _ : state) watched.Turn();
   state.counters["step"] =
       benchmark::Counter(Watched::StepsPerTurn, benchmark::Counter::kIsIterationInvariantRate |
@@ -19,8 +20,12 @@ void RunWatched(benchmark::State& state, const Watchers& watchers) {
 }
 
 const bool registered = [] {
-  for (const Watchers& row : WatchRows) {
-    benchmark::RegisterBenchmark((std::string("Watch/") + row.Name).c_str(), RunWatched, row);
+  for (const char* model : WatchedModels) {
+    const std::string figure(model, std::strcspn(model, " "));
+    for (const Watchers& row : WatchRows) {
+      const std::string name = "Watch/" + figure + "/" + row.Name;
+      benchmark::RegisterBenchmark(name.c_str(), RunWatched, model, row);
+    }
   }
   return true;
 }();

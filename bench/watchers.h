@@ -14,7 +14,11 @@
 
 namespace torvane::bench {
 
-/// The instruments of one row: what watching costs is 2-1's run loop with these and no others.
+/// Whose run loops are watched.
+inline constexpr const char* WatchedModels[] = {"2-1 PI+ Controller", "3-1 PI Controller",
+                                                "6-1 PID Controller", "15-1 Resonance"};
+
+/// The instruments of one row: what watching costs is a model's run loop with these and no others.
 /// Analysers and meters stand beside a scope, as on the desktop: between two points a sweep leaves
 /// it to the others when to stop.
 struct Watchers {
@@ -43,8 +47,8 @@ class Watched {
  public:
   static constexpr int StepsPerTurn = 20000;
 
-  explicit Watched(const Watchers& watchers)
-      : watchers_(watchers), model_(LoadModel(FindModel("2-1 PI+ Controller"))) {
+  Watched(const char* model, const Watchers& watchers)
+      : watchers_(watchers), model_(LoadModel(FindModel(model))) {
     SetUpScope();
     for (int i = 0; i < watchers.Meters; ++i) {
       meters_.push_back(std::make_unique<ZelMeter>(model_->Bench(), "Meter " + std::to_string(i)));
