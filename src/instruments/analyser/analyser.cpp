@@ -181,20 +181,6 @@ void FrequencyAnalyser::EnableTrace(int slot) {
   TellSettingsChanged();
 }
 
-void FrequencyAnalyser::PutAwayTraces(bool away) {
-  for (ResponseSlot& trace : slots_) {
-    if (away && trace.Enabled) {
-      trace.ShownBefore = trace.Shown;
-      trace.Enabled = trace.Shown = false;
-    } else if (!away && trace.ShownBefore) {
-      // What has been measured meanwhile is shown anyhow.
-      trace.Shown = trace.Enabled ? trace.Shown : *trace.ShownBefore;
-      trace.Enabled = true;
-      trace.ShownBefore.reset();
-    }
-  }
-}
-
 double FrequencyAnalyser::LimitExcitation(double value, double amplitude, double offset) {
   const double upper = offset + amplitude / 2.0;
   const double lower = offset - amplitude / 2.0;

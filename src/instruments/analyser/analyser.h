@@ -187,8 +187,8 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   void TakeOrigin();
   /// A trace that got its first data is shown.
   void EnableTrace(int slot);
-  /// Takes all traces off the plot and disables their boxes, or brings them back as they were.
-  void PutAwayTraces(bool away);
+  /// While they are put away, no trace is on the plot and all boxes are disabled.
+  void PutAwayTraces(bool away) { away_ = away; }
   /// Stores the current measurement in a memory whose number is checked.
   virtual bool StoreSlot(int slot) = 0;
   /// Settings or data have changed: repaint, and the view re-reads the settings.
@@ -273,6 +273,7 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   std::string theoryFault_;
   int averages_ = 1;
   bool visible_;
+  bool away_ = false;
   bool needsRedraw_ = false;
 };
 

@@ -52,7 +52,7 @@ std::string FrequencyAnalyser::SlotName(int slot) {
 FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
   if (slot == TheorySlot) return {ShowsTheory(), ShowsTheory()};
   const ResponseSlot& trace = SlotAt(slot);
-  if (trace.Dropped && slot > 0) return {};
+  if (away_ || (trace.Dropped && slot > 0)) return {};
   return {trace.Enabled, trace.Shown};
 }
 

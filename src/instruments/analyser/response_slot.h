@@ -36,7 +36,6 @@ struct MeasuredRecord {
 struct ResponseSlot {
   bool Enabled = false;  ///< there has been something to show
   bool Shown = false;
-  std::optional<bool> ShownBefore;  ///< while it is put away with its window
   /// Measured with a set-up that is no longer in force; undoing that change takes it up again.
   bool Dropped = false;
   MeasuredRecord Record;
