@@ -59,12 +59,13 @@ class Meter(NamedTuple):
     angle_deg: Optional[float]
 
 
-def _setting(key: str, what: str) -> Any:
+def _setting(key: str, what: str, signed: bool = True) -> Any:
     def get(self: "Generator") -> Any:
         return self._engine.generator_setting(f"{self.name}:{key}")
 
     def put(self: "Generator", value: Value) -> None:
-        self._engine.set_generator(f"{self.name}:{key}", _text(value))
+        told = value if signed or isinstance(value, str) else abs(value)
+        self._engine.set_generator(f"{self.name}:{key}", _text(told))
 
     return property(get, put, doc=what)
 
@@ -79,7 +80,7 @@ class Generator:
         self.name = name
 
     waveform = _setting("Waveform", "the waveform's name; set by name or index")
-    frequency = _setting("FreqHz", "Hz; stored without its sign")
+    frequency = _setting("FreqHz", "Hz; stored without its sign", signed=False)
     amplitude = _setting("Amplitude", "in the command's unit")
     offset = _setting("Offset", "in the command's unit")
     phase = _setting("PhaseDeg", "degrees")
@@ -187,6 +188,8 @@ class Model:
         called with the time and ``until`` ten times a second; an exception ends the run.
         """
         _above_zero(until=until, every=every)
+        if record and every is None:
+            raise ValueError("record needs every: without it nothing is recorded")
         listed = record if isinstance(record, str) else ",".join(record or ())
         rows = self._engine.run(until, every, listed, resume, on_progress)
         return None if rows is None else Run(*rows, title=self.name)
@@ -309,7 +312,7 @@ class Model:
         return told
 
     def tune(self, vary: Mapping[str, Any], *, command: Optional[str] = None,
-             response: Optional[str] = None, require: Sequence[str] = (),
+             response: Optional[str] = None, require: Union[str, Sequence[str]] = (),
              best: Optional[str] = None, runs: Optional[int] = None, on_progress: Progress = None,
              **measure: Any) -> Dict[str, Union[float, str, None]]:
         """Looks for the constants with which the model meets requirements ("Overshoot<10").
@@ -318,8 +321,9 @@ class Model:
         what was found is given by captions, the values first. StoppedError when nothing does.
         """
         ranges = [f"{name}={_range(of)}" for name, of in vary.items()]
-        given = _given({**measure, "command": command, "response": response, "vary": ranges,
-                        "require": list(require), "best": best, "runs": runs})
+        given = _given({**_measure(measure), "command": command, "response": response,
+                        "vary": ranges, "require": _requirements(require), "best": best,
+                        "runs": runs})
         captions, fields = self._engine.tune(given, on_progress)
         return dict(zip(captions, map(_told, captions, fields)))
 
@@ -420,7 +424,7 @@ def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = Non
           command: Optional[str] = None, response: Optional[str] = None,
           table: Optional[str] = None, sample: Optional[int] = None,
           seed: Optional[int] = None, jobs: Optional[int] = None,
-          require: Sequence[str] = (), best: Optional[str] = None,
+          require: Union[str, Sequence[str]] = (), best: Optional[str] = None,
           shard: Optional[Tuple[int, int]] = None, on_progress: Progress = None,
           **measure: Any) -> Study:
     """Measures many runs of a model, in processes of their own, a row each.
@@ -435,11 +439,14 @@ def study(model: Union[Model, str, int], vary: Optional[Mapping[str, Any]] = Non
     model = model if isinstance(model, Model) else Model(model)
     names: List[str] = []
     runs: List[Tuple[str, ...]] = []
-    given = _given({**measure, "command": command, "response": response, "table": table,
-                    "sample": sample, "seed": seed, "jobs": jobs, "require": list(require),
-                    "best": best, "shard": "{}/{}".format(*shard) if shard else None})
-    if (vary is None) == (table is None):
+    given = _given({**_measure(measure), "command": command, "response": response, "table": table,
+                    "sample": sample, "seed": seed, "jobs": jobs,
+                    "require": _requirements(require), "best": best,
+                    "shard": "{}/{}".format(*shard) if shard else None})
+    if (vary is None) == (table is None) or (vary is not None and not vary):
         raise ValueError("a study needs vary, or a table")
+    if seed is not None and sample is None:
+        raise ValueError("seed needs sample")
     if vary is not None and sample is not None:
         given["vary"] = [f"{name}={_range(of)}" for name, of in vary.items()]
     elif vary is not None:
@@ -488,7 +495,11 @@ def _each(numbers: Any) -> Any:
 
 
 def _text(value: Value) -> str:
-    return value if isinstance(value, str) else repr(float(value))
+    if isinstance(value, str):
+        return value
+    # A choice's index has no point.
+    text = repr(float(value))
+    return text[:-2] if text.endswith(".0") else text
 
 
 def _design(value: Value) -> str:
@@ -496,7 +507,10 @@ def _design(value: Value) -> str:
 
 
 def _range(of: Any) -> str:
-    return ":".join(_text(one) for one in of)
+    ends = list(of)
+    if len(ends) != 2 and ends[2:] != ["log"]:
+        raise ValueError('a range is (from, to) or (from, to, "log")')
+    return ":".join(_text(one) for one in ends)
 
 
 def _table(names: List[str], runs: List[Tuple[str, ...]]) -> bytes:
@@ -526,15 +540,23 @@ def _above_zero(**numbers: Optional[float]) -> None:
 
 _MEASURE = frozenset(
     "until window time_base peak bode theory loop order start_delay end_delay tsample amplitude "
-    "offset average command response table sample seed jobs require best runs vary shard".split())
+    "offset average".split())
+
+
+def _measure(values: Mapping[str, Any]) -> Mapping[str, Any]:
+    """Keyword arguments for what is measured of each run; others are a TypeError."""
+    for name in values:
+        if name not in _MEASURE:
+            raise TypeError(f"unexpected keyword argument {name!r}")
+    return values
+
+
+def _requirements(require: Union[str, Sequence[str]]) -> List[str]:
+    return [require] if isinstance(require, str) else list(require)
 
 
 def _given(values: Mapping[str, Any], *without: str) -> Dict[str, Any]:
     """Keyword arguments that were given, under the engine's names."""
-    if not without:
-        for name in values:
-            if name not in _MEASURE:
-                raise TypeError(f"unexpected keyword argument {name!r}")
     given = {name.rstrip("_"): value for name, value in values.items()
              if name not in without and value is not None}
     if isinstance(given.get("loop"), tuple):

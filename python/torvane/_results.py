@@ -12,6 +12,7 @@ import numpy as np
 
 from . import _engine
 from ._pictures import Draw, Drawn, Picture, drawing, options_of
+from ._reports import StoppedError
 
 Array = np.ndarray
 
@@ -68,7 +69,36 @@ class Run(Columns, Drawn):
                        {"run.csv": rows.getvalue().encode("utf-8")}, rows=False)
 
 
-class Screen(Columns, Drawn):
+def _drawn_elsewhere(format: str, options: List[str]) -> bytes:
+    raise StoppedError("a picture is drawn in the process that made the measurement")
+
+
+class _MeasuredElsewhere:
+    """In place of the measurement, which stays in the process that made it."""
+
+    def margins(self, *_: Any) -> Any:
+        raise StoppedError("a response is read in the process that measured it")
+
+    overlay = margins
+
+
+class _Measured(Drawn):
+    """What is drawn, and read further, in the process that measured it: pickled, it has its arrays
+    alone."""
+
+    def __getstate__(self) -> Dict[str, Any]:
+        state: Dict[str, Any] = {**self.__dict__, "_draw": _drawn_elsewhere}
+        if "_measured" in state:
+            state["_measured"] = _MeasuredElsewhere()
+        return state
+
+    def __copy__(self) -> Any:
+        copied = type(self).__new__(type(self))
+        copied.__dict__.update(self.__dict__)
+        return copied
+
+
+class Screen(Columns, _Measured):
     """The last complete screen of a scope, whose samples are single-precision numbers."""
 
     def __init__(self, names: List[str], units: List[str], arrays: List[Array],
@@ -128,7 +158,7 @@ class Overlay(NamedTuple):
     margins: Margins  #: read off the file's own points
 
 
-class Response(Drawn):
+class Response(_Measured):
     """A frequency response; all arrays are float64 of shape (points,).
 
     ``frequency`` is in Hz, ``gain_db`` in dB, ``phase_deg`` in degrees, wrapped to (-270, 90];
@@ -271,6 +301,7 @@ class Study(np.ndarray):
     settings and measures by their captions, but not a signal's where a file does not tell it;
     ``csv`` is the table as torvane-cli writes it, ``best`` the position of the best row, if one
     was asked for, and ``file`` what ``write`` writes: the table, or of a share its sealed rows.
+    Some of the rows, or rows in another order, have fields and units alone.
     """
 
     csv: bytes = b""
@@ -280,11 +311,26 @@ class Study(np.ndarray):
     _draw: Optional[Draw] = None
 
     def __array_finalize__(self, other: Any) -> None:
-        self.csv = getattr(other, "csv", b"")
-        self.best = getattr(other, "best", None)
-        self.file = getattr(other, "file", b"")
+        # Which rows these are is not known here: a slice and a copy look the same.
         self.units = getattr(other, "units", {})
-        self._draw = getattr(other, "_draw", None)
+
+    def copy(self, order: Any = "C") -> "Study":
+        """All rows, with all that belongs to them."""
+        copied: Study = super().copy(order)
+        copied.csv, copied.best, copied.file = self.csv, self.best, self.file
+        copied._draw = self._draw
+        return copied
+
+    def sort(self, *arguments: Any, **keywords: Any) -> None:
+        """Sorts the rows in place: they are some rows from then on."""
+        super().sort(*arguments, **keywords)
+        self.csv, self.best, self.file, self._draw = b"", None, b"", None
+
+    def __copy__(self) -> "Study":
+        return self.copy()
+
+    def __deepcopy__(self, memo: Any) -> "Study":
+        return self.copy()
 
     def __reduce__(self) -> Any:
         array: Any = super().__reduce__()
@@ -297,7 +343,12 @@ class Study(np.ndarray):
 
     def write(self, path: Union[str, Path]) -> None:
         """Writes the whole table, or the share, as torvane-cli does, byte for byte."""
+        self._needs_table()
         Path(path).write_bytes(self.file)
+
+    def _needs_table(self) -> None:
+        if not self.csv:
+            raise ValueError("these are rows of a study, not the study")
 
     def map(self, measure: str, *, axes: Optional[Tuple[str, str]] = None,
             limits: Optional[Tuple[float, float]] = None, contours: bool = False,
@@ -307,6 +358,7 @@ class Study(np.ndarray):
         value of the other settings. ``limits`` are the values at the ends of the colours,
         ``levels`` those of the contours; the run ``chosen``, or the one with the ``best`` of a
         measure, is set off."""
+        self._needs_table()
         told = {"map": measure, "axes": axes and ",".join(axes), "contours": contours,
                 "limits": limits and ":".join(repr(float(one)) for one in limits),
                 "levels": levels and ",".join(repr(float(one)) for one in levels),
@@ -322,6 +374,7 @@ class Study(np.ndarray):
         """The responses of all runs as thin lines, which torvane-cli draws: it makes all runs once
         more. The run ``chosen``, or else the best if one was asked for, is set off. A study that
         was put together of files has no model, and is a ValueError."""
+        self._needs_table()
         if self._draw is None:
             raise ValueError("responses are drawn of a study that was made here; map() draws any")
         return Picture(self._draw, options_of({"chosen": chosen}))

@@ -67,6 +67,9 @@ class MeasuredResponse {
   }
 
   py::dict Read(const std::string& as, int slot) const {
+    if (slot == 0 && analyser_.OutputOnly()) {
+      throw py::value_error("margins need a response; spectrum=False measures one");
+    }
     std::optional<int> choice;
     Keywords(py::dict(py::arg("read_as") = as))
         .TakeChoice("read_as", choice, {ReadAsNames.begin(), ReadAsNames.end()});

@@ -117,6 +117,7 @@ void Shares::CheckThatNoneIsMissing() const {
 
 std::string Shares::Table() const {
   if (!whole_.empty()) return whole_;
+  if (!identity_) throw StudyFault("there is no result of a share to put together");
   CheckThatNoneIsMissing();
   std::string table = head_;
   for (const auto& row : rows_) table += row.second;

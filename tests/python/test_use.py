@@ -1,7 +1,9 @@
 """Limits, misuse, and what ends a run."""
 
+import copy
 import gc
 import os
+import pickle
 import signal
 import subprocess
 import threading
@@ -39,7 +41,51 @@ REFUSED = [
     (AttributeError, "freqency", lambda m: setattr(m.generator(), "freqency", 5)),
     (ValueError, "two arrays of one length", lambda m: m.generator().play([0, 1], [0])),
     (ValueError, "", lambda m: m.generator().play([1, 0], [0, 1])),
+    (ValueError, "no result of a share", lambda m: tv.merge([])),
+    (ValueError, "spectrum=False",
+     lambda m: m.bode("Command", "Response", spectrum=True).margins()),
+    (ValueError, "record needs every", lambda m: m.run(until=0.01, record=["Response"])),
+    (ValueError, "seed needs sample", lambda m: m.study({"KP": [1]}, seed=3)),
+    (TypeError, "'runs'", lambda m: m.study({"KP": [1]}, runs=3)),
+    (TypeError, "'jobs'", lambda m: m.tune({"KP": (1, 2)}, best="Settling", jobs=2)),
+    (ValueError, "a range is", lambda m: m.tune({"KP": (1, 2, 3)}, best="Settling")),
+    (ValueError, "needs vary", lambda m: tv.study(m, {})),
 ]
+
+
+def test_numbers_are_taken_as_the_settings_need_them():
+    m = tv.Model("6-1")
+    m["Feedback"] = 1
+    m["Use Res?"] = True
+    m.generator().waveform = 2
+    m.generator().frequency = -5
+    assert (m.constants["Feedback"].value, m.constants["Use Res?"].value) == (1, 1)
+    assert m.generator().waveform == "Triangle" and m.generator().frequency == 5
+
+
+def test_some_rows_of_a_study_are_not_taken_for_all():
+    study = tv.Model("3-1").study({"KP": [0.4, 0.7, 1.4]}, require="Overshoot<30", best="Rise")
+    for whole in (study, study.copy(), copy.copy(study), pickle.loads(pickle.dumps(study))):
+        assert whole.best == 1 and whole.file == study.file
+    for rows in (study[::-1], study[1:], study[study["KP"] > 1], np.sort(study, order="Rise")):
+        assert rows.best is None and rows.units == study.units
+        with pytest.raises(ValueError, match="not the study"):
+            rows.write("rows.csv")
+    assert list(study["Meets"]) == [int(row < 30) for row in study["Overshoot"]]
+
+
+def test_what_was_measured_goes_to_another_process_without_its_model():
+    m = tv.Model("3-1")
+    screen, response = m.scope(until=0.1), m.bode("Command", "Response")
+    for measured in (screen, response):
+        gone = pickle.loads(pickle.dumps(measured))
+        with pytest.raises(tv.StoppedError, match="process"):
+            gone.picture()
+        assert gone._repr_svg_() is None
+    assert np.array_equal(gone.gain_db, response.gain_db)
+    with pytest.raises(tv.StoppedError, match="process"):
+        gone.margins()
+    assert copy.copy(response).margins() == response.margins()
 
 
 @pytest.mark.parametrize("kind,text,wrong", REFUSED)
@@ -196,7 +242,7 @@ def test_pictures_are_those_of_the_command_in_every_format(tmp_path):
     table = tv.study("6-1", {"KVP": np.linspace(0.4, 1.4, 3), "KVI": [20, 200]}, until=0.1,
                      best="Settling")
     for drawn, chosen in ((table.picture(), ("--best", "Settling")),
-                          (table[:2].picture(chosen=4), ("--chosen", 4))):
+                          (table.picture(chosen=4), ("--chosen", 4))):
         assert drawn.svg == _commands_picture(tmp_path, "study", "6-1", *ranges, *chosen)
     table.write(tmp_path / "t.csv")
     with pytest.raises(ValueError, match="made here"):
