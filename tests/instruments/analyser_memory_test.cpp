@@ -29,6 +29,10 @@ TEST_F(AnalyserMemory, IsKeptUntilTheRecordChangesItsMeasure) {
   Xfer.SetShown(2, false);
   EXPECT_TRUE(Xfer.StoreData(2));
   EXPECT_TRUE(Xfer.TraceAt(2).Shown);
+  Xfer.SetShown(0, false);
+  EXPECT_TRUE(Xfer.StoreData(1));
+  EXPECT_TRUE(Xfer.TraceAt(1).Shown) << "of a measurement that is not shown";
+  Xfer.SetShown(0, true);
   TakeRecord(Impulse, Zero);
   EXPECT_EQ(Xfer.ResponseGain(0, 0.0), -200.0);
   EXPECT_EQ(Xfer.ResponseGain(2, 0.0), before);

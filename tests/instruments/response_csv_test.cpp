@@ -70,6 +70,9 @@ TEST(ResponseText, ReadsTheLayoutsOfOtherTools) {
   const auto hints = ParseResponseHints("1,b,a", "rad/s,abs,rad");
   ASSERT_TRUE(hints);
   EXPECT_NE(ParseResponse("x,a,b\n1,2,10\n", *ParseResponseHints("1,b,3", "")).Fault, "");
+  const ResponseText inHz = ParseResponse("x,a,b\n2,-20,-45\n", *ParseResponseHints("1,2,3", ""));
+  ASSERT_EQ(inHz.Responses.size(), 1U) << inHz.Fault;
+  EXPECT_EQ(inHz.Responses[0].Curve[0].Hz, 2.0);
   const ResponseText hinted = ParseResponse("x,a,b\n1,2,10\n", *hints);
   ASSERT_EQ(hinted.Responses.size(), 1U) << hinted.Fault;
   EXPECT_NEAR(hinted.Responses[0].Curve[0].Hz, 0.15915494309189535, 1e-15);

@@ -38,6 +38,16 @@ TEST(Margins, AreReadBetweenThePointsThatCanBeTrusted) {
   EXPECT_NEAR(*closed.GainBandwidth, std::pow(10.0, 4.0 / 6.0), 1e-9);
   EXPECT_NEAR(*closed.PhaseBandwidth, std::pow(10.0, 0.8), 1e-9);
   EXPECT_TRUE(closed.PhaseMargins.empty() && closed.GainMargins.empty());
+  EXPECT_EQ(closed.HighestHz(), *closed.PhaseBandwidth);
+  Margins read;  // of each kind the highest, one after the other
+  EXPECT_EQ(read.HighestHz(), 0.0);
+  for (auto* const readings : {&read.GainMargins, &read.PhaseMargins}) {
+    const double hz = read.HighestHz() + 10.0;
+    *readings = {{1.0, 0.0}, {hz, 0.0}, {2.0, 0.0}};
+    EXPECT_EQ(read.HighestHz(), hz);
+  }
+  read.Sensitivity = {30.0, 0.0};
+  EXPECT_EQ(read.HighestHz(), 30.0);
 }
 
 TEST(Margins, TakeACurveThatScattersAboutALevelForOneCrossing) {

@@ -103,6 +103,11 @@ TEST(StepMeasures, WhatCannotBeMeasuredSaysWhy) {
       {StepOf([](double t) { return 1.0 - std::exp(-t / 1e-2); }), StepGap::NotSettled},
       {StepOf([](double t) { return 1.0 + 0.3 * std::sin(5000.0 * t); }), StepGap::NotSettled},
       {StepOf([](double t) { return 2e3 * t * std::exp(-t / 5e-4); }), StepGap::Returns},
+      // Of the peak, 0.37, what stays is 0.8 %, and 1.5 %, which is passed in less than a sample.
+      {StepOf([](double t) { return (2e3 * t - 0.003) * std::exp(-t / 5e-4) + 0.003; }),
+       StepGap::Returns},
+      {StepOf([](double t) { return (2e3 * t - 0.0055) * std::exp(-t / 5e-4) + 0.0055; }),
+       StepGap::Coarse},
       {StepOf([](double t) { return 1.0 - (1.0 + 8e3 * t) * std::exp(-t / 1e-3); }),
        StepGap::OtherWay},
       {StepOf([](double t) { return 1.0 + std::exp(-t / 1e-4); }), StepGap::Coarse}};
