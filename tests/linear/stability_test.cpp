@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <complex>
+#include <numbers>
+
+#include "linear/linear_model.h"
+
 namespace torvane::test {
 namespace {
 
@@ -42,6 +47,49 @@ TEST(StabilityOf, TellsIntegratorsInAChainFromThoseBesideEachOther) {
     const Stability found = StabilityOf(system);
     EXPECT_EQ(found.Is, one.Is) << one.Loop << ": " << found.Text;
   }
+}
+
+TEST(LinearModel, HasAResponseUnlessSomethingGrowsOrRingsOn) {
+  const auto answers = [](const Eigen::Matrix2d& a) {
+    const Eigen::Vector2d ones(1.0, 1.0);
+    const LinearSystem system{a, ones, ones.transpose(), Eigen::VectorXd::Zero(1)};
+    return LinearModel({"y"}, system).HasResponse();
+  };
+  EXPECT_TRUE(answers(Eigen::Matrix2d{{-1, 0}, {0, -2}}));
+  EXPECT_TRUE(answers(Eigen::Matrix2d{{0, 0}, {0, -2}})) << "an integrator";
+  EXPECT_FALSE(answers(Eigen::Matrix2d{{0, 3}, {-3, 0}})) << "rings on";
+  EXPECT_FALSE(answers(Eigen::Matrix2d{{0.1, 0}, {0, -2}})) << "grows";
+}
+
+// Three steps a sample, driven step by step until what was there in the beginning has died away:
+// 0.28^60 of it is left. The signals are read at the end of each step.
+TEST(LinearModel, AnswersASineAsItsStepsDo) {
+  const auto map = [](double a, double b) {
+    return LinearModel::StepMap{Eigen::MatrixXd::Constant(1, 1, a),
+                                Eigen::VectorXd::Constant(1, b)};
+  };
+  const std::vector<LinearModel::StepMap> steps{map(0.5, 1.0), map(0.8, 0.3), map(0.7, -0.2)};
+  constexpr double step = 1e-3;
+  const LinearModel linear({"y"}, steps, Eigen::MatrixXd::Constant(1, 1, 2.0), step);
+  for (const double hz : {3.0, 40.0, 130.0}) {
+    const std::complex<double> turn = std::polar(1.0, 2.0 * std::numbers::pi * hz * step);
+    std::complex<double> x = 0.0;
+    std::complex<double> command = 1.0;
+    std::complex<double> mean = 0.0;
+    for (int sample = 0; sample <= 60; ++sample) {
+      mean = 0.0;
+      for (const auto& one : steps) {
+        x = one.A(0, 0) * x + one.B[0] * command;
+        command *= turn;
+        mean += 2.0 * x / command / 3.0;
+      }
+    }
+    EXPECT_NEAR(std::abs(linear.ToSine(hz, {0})[0] - mean), 0.0, 1e-12) << hz;  // rounding
+  }
+  EXPECT_TRUE(linear.Moves(0));
+  EXPECT_FALSE(
+      LinearModel({"y"}, {map(0.5, 1.0), map(1.0, 0.0)}, Eigen::MatrixXd::Constant(1, 1, 2.0), step)
+          .Moves(0));
 }
 
 }  // namespace
