@@ -61,17 +61,12 @@ TEST(TableLines, SayWhatTheirColumnsAre) {
 TEST(Names, ThatAreNearAreTold) {
   const std::vector<std::string> names{"Velocity", "Position", "KVI", "KVP", "--until", "KP"};
   const char* const told[][2] = {
-      {"velo", "Velocity"},
-      {"SITION", "Position"},
-      {"Zelocity", "Velocity"},
-      {"Vleocity", "Velocity"},
-      {"KVO", "KVI"},
-      {"--untill", "--until"},
-      {"x", ""},
-      {"--u", "--until"},
-      {"PK", "KP"},
-      {"Current", ""},
-      {"Postion", "Position"},
+      {"velo", "Velocity"},     {"SITION", "Position"},
+      {"Zelocity", "Velocity"}, {"Vleocity", "Velocity"},
+      {"KVO", "KVI"},           {"KVIX", "KVI"},
+      {"--untill", "--until"},  {"x", ""},
+      {"--u", "--until"},       {"PK", "KP"},
+      {"Current", ""},          {"Postion", "Position"},
       {"xxxxcity", ""},
   };
   for (const auto& [text, nearest] : told) EXPECT_EQ(NearestName(text, names), nearest) << text;
