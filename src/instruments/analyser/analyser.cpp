@@ -150,7 +150,7 @@ bool FrequencyAnalyser::StoreData(int slot) {
 
 void FrequencyAnalyser::SetShown(int slot, bool shown) {
   ResponseSlot& trace = SlotOf(slot);
-  if (TraceAt(slot).Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
+  if (KeptTrace(slot).Enabled) Store(trace.Shown, shown, slot == 0 ? "Current" : "Memory");
 }
 
 void FrequencyAnalyser::SetSetting(double& setting, double value, const char* name) {

@@ -152,7 +152,10 @@ class FrequencyAnalyser : public Instrument, public ResponseAxes {
   /// changed while it was measured."
   std::vector<std::string> ShownDoubts() const;
 
+  /// As the boxes of its window show it.
   Trace TraceAt(int slot) const;
+  /// As they do, or will when a hidden window is shown again.
+  Trace KeptTrace(int slot) const;
   /// When and with which constants the slot's measurement was taken; not known of one from a file.
   const TraceOrigin& Origin(int slot) const { return SlotAt(slot).Record.Origin; }
   void SetShown(int slot, bool shown);

@@ -51,8 +51,12 @@ std::string FrequencyAnalyser::SlotName(int slot) {
 
 FrequencyAnalyser::Trace FrequencyAnalyser::TraceAt(int slot) const {
   if (slot == TheorySlot) return {ShowsTheory(), ShowsTheory()};
+  return away_ ? Trace() : KeptTrace(slot);
+}
+
+FrequencyAnalyser::Trace FrequencyAnalyser::KeptTrace(int slot) const {
   const ResponseSlot& trace = SlotAt(slot);
-  if (away_ || (trace.Dropped && slot > 0)) return {};
+  if (trace.Dropped && slot > 0) return {};
   return {trace.Enabled, trace.Shown};
 }
 

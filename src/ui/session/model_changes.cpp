@@ -130,7 +130,7 @@ void ModelChanges::TakeMemories(const FrequencyAnalyser& analyser) {
     const std::string name =
         held.Name().empty() ? of.Output + " / " + of.Input + when : held.Name();
     memories_.push_back({analyser.Kind(), analyser.Name(), slot, held.Loaded(name),
-                         analyser.Origin(slot), analyser.TraceAt(slot).Shown});
+                         analyser.Origin(slot), analyser.KeptTrace(slot).Shown});
   }
 }
 
