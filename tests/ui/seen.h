@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QTableWidget>
 #include <map>
+#include <stdexcept>
 
 namespace torvane::test {
 
@@ -59,6 +60,17 @@ inline QStringList Texts(const QTableWidget& table, const QString& part) {
     lines << cells.join(u',');
   }
   return lines;
+}
+
+/// A table's cell by line and column, or the value of the line with that name.
+inline QTableWidgetItem& Cell(const QTableWidget& table, const QString& place) {
+  const QStringList numbers = place.split(u',');
+  const auto named = table.findItems(place, Qt::MatchExactly);
+  QTableWidgetItem* item = numbers.size() == 2 ? table.item(numbers[0].toInt(), numbers[1].toInt())
+                           : named.isEmpty()   ? nullptr
+                                               : table.item(named.front()->row(), 1);
+  if (!item) throw std::runtime_error("no cell " + place.toStdString());
+  return *item;
 }
 
 /// Items that are on with a "*" before them, disabled ones in brackets.
