@@ -313,13 +313,10 @@ QString AnalyserWindow::EmptyText() const {
     anything = anything || analyser_.HasData(slot);
   }
   if (anything) return {};
+  if (measuring) return QStringLiteral("Waits for the simulation: Run at the top (Ctrl+R)");
   const auto name = [](const AnalyserChannel& channel) { return QtText(channel.Name()); };
   QString what = name(*analyser_.Output());
   if (!analyser_.OutputOnly()) what += QStringLiteral(" over ") + name(*analyser_.Input());
-  if (measuring) {
-    return QStringLiteral("%1 is measured while the simulation runs: press Run at the top (Ctrl+R)")
-        .arg(what);
-  }
   return QStringLiteral("Run measures %1: about %2 s of simulated time")
       .arg(what, QtText(FormatShortest(Rounded(analyser_.ExpectedSeconds()))));
 }
