@@ -83,26 +83,34 @@ SweepSums SweepTicks::Shared(double firstCycles) const {
   return sums;
 }
 
-// Even and odd ticks by themselves: an addition need not wait for the one before it.
+// Even and odd ticks by themselves, side by side: an addition need not wait for the one before it,
+// and one instruction adds for both.
 void SweepTicks::AddSignal(SweepSums& sums, std::span<const double> values,
                            double firstCycles) const {
-  struct Lane {
-    double X = 0.0, XS = 0.0, XC = 0.0, TX = 0.0;
+  constexpr std::size_t Lanes = 2;
+  static_assert(Most % Lanes == 0);
+  std::array<double, Lanes> x{};
+  std::array<double, Lanes> xs{};
+  std::array<double, Lanes> xc{};
+  std::array<double, Lanes> tx{};
+  const auto add = [&](std::size_t i, std::size_t lane) {
+    const double value = values[i];
+    x[lane] += value;
+    xs[lane] += value * sin_[i];
+    xc[lane] += value * cos_[i];
+    tx[lane] += value * (cycles_[i] - firstCycles);
   };
-  std::array<Lane, 2> lanes;
-  for (std::size_t i = 0; i + 1 < values.size(); ++i) {
-    Lane& lane = lanes[i % 2];
-    const double x = values[i];
-    lane.X += x;
-    lane.XS += x * sin_[i];
-    lane.XC += x * cos_[i];
-    lane.TX += x * (cycles_[i] - firstCycles);
+  const std::size_t count = values.size() - 1;
+  std::size_t i = 0;
+  for (; i + Lanes <= count; i += Lanes) {
+    for (std::size_t lane = 0; lane < Lanes; ++lane) add(i + lane, lane);
   }
-  for (const Lane& lane : lanes) {
-    sums.X += lane.X;
-    sums.XS += lane.XS;
-    sums.XC += lane.XC;
-    sums.TX += lane.TX;
+  if (i < count) add(i, 0);
+  for (std::size_t lane = 0; lane < Lanes; ++lane) {
+    sums.X += x[lane];
+    sums.XS += xs[lane];
+    sums.XC += xc[lane];
+    sums.TX += tx[lane];
   }
 }
 
