@@ -3,14 +3,9 @@
 #include <cmath>
 
 #include "core/angle.h"
+#include "instruments/sweep/turning_sine.h"
 
 namespace torvane {
-
-namespace {
-
-constexpr double SameDistance = 1e-6;  // of two ticks, as a part of it
-
-}  // namespace
 
 SweepTick SweepTick::At(double f, double t) {
   const double angle = TwoPi * f * t;
@@ -62,7 +57,7 @@ SweepTicks::SweepTicks(double f, const SampleTape& tape, std::span<const int> ro
       turnSin = std::sin(TwoPi * f * distance);
       turnCos = std::cos(TwoPi * f * distance);
     }
-    if (i > 0 && std::abs(gone - distance) <= SameDistance * distance) {
+    if (i > 0 && std::abs(gone - distance) <= TurningSine::SameDistance * distance) {
       sin_[i] = sin_[i - 1] * turnCos + cos_[i - 1] * turnSin;
       cos_[i] = cos_[i - 1] * turnCos - sin_[i - 1] * turnSin;
     } else {

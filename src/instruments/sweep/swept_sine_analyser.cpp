@@ -94,6 +94,7 @@ NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
   settledOnTape_ = false;
   unsettledOnTape_ = 0;
   excitationBefore_ = excitation_;
+  sineBefore_ = sine_;
   return NextOnTape();
 }
 
@@ -157,7 +158,7 @@ bool ZelSweptDSA::Service(double t) {
 }
 
 void ZelSweptDSA::Excite(double t) {
-  excitation_ = std::sin(TwoPi * f_ * t + Phase()) * amplitude_ + offset_;
+  excitation_ = sine_.At(f_, Phase(), t) * amplitude_ + offset_;
 }
 
 void ZelSweptDSA::BeginSweep() {
@@ -182,6 +183,7 @@ void ZelSweptDSA::BeginPoint() {
   settleEnd_ = clock_.Elapsed() + settleTime_;
   measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
   windows_ = 0;
+  sine_.Start();
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
 }
 

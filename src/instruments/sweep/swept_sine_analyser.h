@@ -11,6 +11,7 @@
 #include "instruments/step_clock.h"
 #include "instruments/sweep/sweep_setup.h"
 #include "instruments/sweep/swept_sine_channel.h"
+#include "instruments/sweep/turning_sine.h"
 
 namespace torvane {
 
@@ -38,7 +39,10 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   NextSample BeginTape(const SampleTape& tape) override;
   NextSample AwaitOnTape(double t) override;
   void ReadTape(const SampleTape& tape, std::span<const int> rows) override;
-  void DropTape() override { excitation_ = excitationBefore_; }
+  void DropTape() override {
+    excitation_ = excitationBefore_;
+    sine_ = sineBefore_;
+  }
   void Restart() override;
   void KeepOwnMemory() override { ownPhase_ = 0.0; }
 
@@ -145,12 +149,14 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double measurementEnd_ = 0.0;
   int windows_ = 0;  ///< windows of the point that are whole
   double excitation_ = 0.0;
+  TurningSine sine_;
 
   // As of the last sample on the tape.
   StepClock onTape_;
   bool settledOnTape_ = false;       ///< ticks belong to a window
   std::size_t unsettledOnTape_ = 0;  ///< ticks on it that belong to no window
   double excitationBefore_ = 0.0;    ///< the tape
+  TurningSine sineBefore_;
 
   /// Keeps the sine continuous when the frequency changes. One value serves every analyser of the
   /// thread, on purpose: a new model's sweep goes on from the phase of the last.

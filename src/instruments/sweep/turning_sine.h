@@ -1,0 +1,49 @@
+#pragma once
+
+namespace torvane {
+
+/// sin(2 pi f t + phase) at ticks that are equally far apart, as sine and cosine that are turned on
+/// from tick to tick.
+///
+/// They are computed anew every few ticks, and where frequency, phase or the distance of ticks are
+/// others. In between they are off by some 1e-14, beside the rounding of 2 pi f t. What comes out
+/// depends on the ticks since the start alone, not on how a run is divided.
+class TurningSine {
+ public:
+  /// By which part of it the distances of ticks may differ that count as equal.
+  static constexpr double SameDistance = 1e-6;
+
+  /// The next tick is computed anew.
+  void Start() { left_ = 0; }
+
+  /// The sine at the tick at t seconds, for a frequency in Hz and a phase in radians.
+  double At(double f, double phase, double t) {
+    const double gone = t - time_;
+    time_ = t;
+    if (left_ > 0 && f == f_ && phase == phase_ && gone > shortest_ && gone < longest_) [[likely]] {
+      --left_;
+      const double sine = sin_ * turnCos_ + cos_ * turnSin_;
+      cos_ = cos_ * turnCos_ - sin_ * turnSin_;
+      sin_ = sine;
+    } else {
+      Compute(f, phase, gone);
+    }
+    return sin_;
+  }
+
+ private:
+  void Compute(double f, double phase, double gone);
+
+  int left_ = 0;  ///< ticks until they are computed anew
+  double f_ = 0.0;
+  double phase_ = 0.0;
+  double time_ = 0.0;  ///< of the last tick
+  double sin_ = 0.0;
+  double cos_ = 1.0;
+  double shortest_ = 0.0;  ///< the distance of ticks to which the turn belongs
+  double longest_ = 0.0;
+  double turnSin_ = 0.0;
+  double turnCos_ = 1.0;
+};
+
+}  // namespace torvane
