@@ -10,6 +10,8 @@
 #include "core/instrument.h"
 #include "core/sample_tape.h"
 #include "core/text.h"
+#include "instruments/analyser/analyser.h"
+#include "instruments/analyser/model_loop.h"
 #include "instruments/generator/wave.h"
 #include "workbench/model/long_run.h"
 #include "workbench/model/model_options.h"
@@ -27,6 +29,7 @@ constexpr double MostRipple = 0.02;     // the same of how far it is from its me
 constexpr double BesideEdge = 1e-6;     // of a cycle
 constexpr double StepsAround = 4.0;     // of the edge, in which the generator runs
 constexpr double MostAround = 0.05;     // the same in cycles
+constexpr double AheadOfSample = 0.75;  // steps, of a loop that samples: see JumpAt
 constexpr std::size_t StepsApart = 16;  // of the rows before the step, where shape does not matter
 
 struct Part {
@@ -139,18 +142,16 @@ class OneStep {
     hold(*edge - BesideEdge);
     if (!Rest()) return WithoutStep("the response does not come to rest before the step");
 
-    const double start = *edge - settings.PhaseDeg / 360.0;
-    const double soonest = run_.Time() + 2.0 * StepsAround * Step();
-    const double jump = (std::ceil(soonest * settings.FreqHz - start) + start) / settings.FreqHz;
+    const double due = NextEdge(*edge, settings);
+    const double jump = JumpAt(due);
     if (jump > run_.Time() + LatestEdge) {
       return WithoutStep("the command makes no step within " + FormatShortest(LatestEdge) + " s");
     }
-    // Around its edge the generator runs as ever, so that the step meets the loop's samples as any
-    // other one does.
+    // Around its edge the generator runs as ever: the step has its shape.
     const double around = std::min(StepsAround * Step(), MostAround / settings.FreqHz);
     run_.StepTo(jump - around);
     wave_.SetFreqHz(settings.FreqHz);
-    wave_.SetPhaseDeg(settings.PhaseDeg);
+    wave_.SetPhaseDeg(settings.PhaseDeg + 360.0 * settings.FreqHz * (due - jump));
     rows_.SolverStep = Step();
     rows_.SameUnit = command_.Unit() == response_.Unit();
     TakeRows(jump + around);
@@ -163,6 +164,26 @@ class OneStep {
 
  private:
   double Step() const { return model_->Solver().Step(); }
+
+  double Soonest() const { return run_.Time() + 2.0 * StepsAround * Step(); }
+
+  // When the generator, with these settings, next comes to that fraction of its cycle.
+  double NextEdge(double edge, const WaveSettings& settings) const {
+    const double start = edge - settings.PhaseDeg / 360.0;
+    return (std::ceil(Soonest() * settings.FreqHz - start) + start) / settings.FreqHz;
+  }
+
+  // An edge that is due between two samples of the loop, or at one, is seen up to a sample later,
+  // and which of a generator's edges a run meets is chance. So each comes just ahead of a sample,
+  // the nearest one. Three quarters of a step: a sample that lies on the solver's steps or in the
+  // middle of one sees it whichever way its time is rounded.
+  double JumpAt(double due) const {
+    const auto loop = LoopOnBench(model_->Bench());
+    if (!loop || !(loop->SampleTime > 0.0)) return due;
+    const double samples = std::round((due - loop->NextSample) / loop->SampleTime);
+    const double nearest = loop->NextSample + samples * loop->SampleTime - AheadOfSample * Step();
+    return nearest < Soonest() ? nearest + loop->SampleTime : nearest;
+  }
 
   // What stands still has come to rest as well.
   bool Rest() {

@@ -38,9 +38,9 @@ struct StepRun {
 StepMeasures Measured(const StepRun& run);
 
 /// Runs one step of the command. The generator that it comes from is held before its rising edge
-/// until the response stands, jumps when its own edge is next due, and is held behind it until the
-/// response stands again or the window is over. An overflow or an interrupt is a WorkFault of
-/// WorkFault::Kind::Stopped.
+/// until the response stands, jumps when its own edge is next due, in a loop that samples just
+/// ahead of the nearest sample, and is held behind it until the response stands again or the window
+/// is over. An overflow or an interrupt is a WorkFault of WorkFault::Kind::Stopped.
 StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Supervisor& supervisor);
 
 }  // namespace torvane
