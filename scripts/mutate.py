@@ -282,20 +282,21 @@ def faults_of(folder, pattern):
 
 
 def saved_faults(folder, file, only_survivors):
-    """Those of a report that can still be made."""
-    present = {}
+    """Those of a report that can still be made; of lines that are the same, where the nearest is."""
+    present = collections.defaultdict(list)
     for fault in faults_of(folder, None):
-        present.setdefault(fault.key(), fault)
+        present[fault.key()].append(fault)
     chosen = []
     for line in pathlib.Path(file).read_text().splitlines():
-        match = re.match(r"\s*(caught|survived)\s+(\S+):\d+  (.*)  ->  (.*)$", line)
+        match = re.match(r"\s*(caught|survived)\s+(\S+):(\d+)  (.*)  ->  (.*)$", line)
         if not match or not match.group(2).startswith(f"src/{folder}/"):
             continue
         if only_survivors and match.group(1) != "survived":
             continue
-        fault = present.get(match.groups()[1:])
-        if fault:
-            chosen.append(fault)
+        _, file, number, before, after = match.groups()
+        same = present.get((file, before, after))
+        if same:
+            chosen.append(min(same, key=lambda fault: abs(fault.line - int(number))))
         else:
             print(f"  no longer there: {line}")
     return chosen
