@@ -104,6 +104,16 @@ TEST(RunningLoopTest, StartsWhereItsConstantsSayUntilItMoves) {
   EXPECT_EQ(told->Bench().FindVar("x")->Value, x + Step);
 }
 
+TEST(RunningLoopTest, HasItsPictureAndTermsThatBeginWithAPlus) {
+  const auto model = Loop(
+      "model R Real x; Real y = +x - (+3 * x); equation der(x) = +1;"
+      "annotation(experiment(Interval = 1/1024), __Torvane(picture = \"loop.png\")); end R;");
+  EXPECT_EQ(model->PictureFile(), "loop.png");
+  RowsOf(*model, 1);
+  EXPECT_EQ(model->Bench().FindVar("y")->Value, -2 * model->Bench().FindVar("x")->Value);
+  EXPECT_EQ(model->Bench().FindVar("x")->Value, Step);
+}
+
 TEST(RunningLoopTest, ADeadTimeThatChangesKeepsToWhatWasRecorded) {
   const auto model = Loop(
       "model R parameter Real T = 8/1024; Real y = delay(1 + time, T);"
