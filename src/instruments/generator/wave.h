@@ -73,7 +73,7 @@ class ZelWave final : public TimeDriven, public Instrument {
 
   // Both states keep a derivative of 0: they move only by what is published here.
   void AtTime(double t) override {
-    if (t != computedAt_) Recompute(t);
+    if (t != computedAt_) ComputeAt(t);
     next_.SetPending(computed_);
     delayed_.SetPending(next_);
   }
@@ -81,7 +81,7 @@ class ZelWave final : public TimeDriven, public Instrument {
   /// Does at once what the four evaluations of a step that ends at t come to: what is published
   /// within a step never shows, as the last evaluation, at its end, has the final word.
   void AtEndOfStep(double t) {
-    Recompute(t);
+    ComputeAt(t);
     delayed_.Value = next_.Value;
     next_.Value = computed_;
   }
@@ -90,7 +90,9 @@ class ZelWave final : public TimeDriven, public Instrument {
   auto HeldStates() { return std::tie(next_, delayed_); }
 
   /// The numbers that a step moves.
-  auto Moved() { return std::tie(computed_, fraction_, computedAt_, next_.Value, delayed_.Value); }
+  auto Moved() {
+    return std::tie(computed_, fraction_, computedAt_, steadyUntil_, next_.Value, delayed_.Value);
+  }
 
   bool OverflowsAt(double t) const override;
 
@@ -135,9 +137,10 @@ class ZelWave final : public TimeDriven, public Instrument {
 
  private:
   double CyclesAt(double t) const;
+  void ComputeAt(double t);
   void Recompute(double t);
+  double SteadyUntil(double cycles) const;
   double ValueAt(double x, double t) const;
-  double CurveAt(double x, double t) const;
   double PlayedAt(double x, double t) const;
   void Take(std::shared_ptr<const WaveTable> table);
   void SaveNumbers(RecordWriter& writer) const;
@@ -168,9 +171,11 @@ class ZelWave final : public TimeDriven, public Instrument {
   std::optional<Loading> loading_;
   double gain_;
   double computed_ = 0.0;
-  double fraction_ = 1.0;  // of the cycle, at the computed value
+  double fraction_ = 1.0;  // of the cycle, when the value was computed
   // The time that the computed value stands for; not-a-number asks for a new one.
   double computedAt_ = std::numeric_limits<double>::quiet_NaN();
+  // The value holds until then, and so does the half of the cycle; not-a-number where it does not.
+  double steadyUntil_ = std::numeric_limits<double>::quiet_NaN();
   // The last time at which other settings were in force.
   double changedAt_ = -std::numeric_limits<double>::infinity();
   State next_;
@@ -179,24 +184,14 @@ class ZelWave final : public TimeDriven, public Instrument {
   StateVariable delayedOnBench_;
 };
 
-// In the header, as a step inlines them.
-inline double ZelWave::CyclesAt(double t) const {
-  constexpr double CyclesPerDegree = 0.002777777777777778;
-  return t * settings_.FreqHz + settings_.PhaseDeg * CyclesPerDegree;
-}
-
-inline void ZelWave::Recompute(double t) {
-  const double cycles = CyclesAt(t);
-  fraction_ = cycles - Floor(cycles);
-  computed_ = gain_ * ValueAt(fraction_, t);
-  computedAt_ = t;
-}
-
-// The value at the fraction x of a cycle, 0 <= x < 1, at time t. The square wave, which most loops
-// are first shown with, needs no call.
-inline double ZelWave::ValueAt(double x, double t) const {
-  if (shape_ != static_cast<int>(Waveform::Square)) return CurveAt(x, t);
-  return x < 0.5 ? settings_.Offset + settings_.Amplitude : settings_.Offset - settings_.Amplitude;
+// In the header, as a step inlines it: a square wave, which most loops are first shown with, is
+// computed at its edges alone.
+inline void ZelWave::ComputeAt(double t) {
+  if (t >= computedAt_ && t < steadyUntil_) [[likely]] {
+    computedAt_ = t;
+  } else {
+    Recompute(t);
+  }
 }
 
 }  // namespace torvane
