@@ -60,10 +60,9 @@ Torvane's engines as static libraries with their headers, for programs that
 simulate feedback control loops: the loops and what they are built with, the
 solver, scope, analysers and meters, linear models, and studies of many runs.")
 
-# The module is packed from a build of its own, as its engines are position independent.
 if(TORVANE_PYTHON)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  set(CPACK_COMPONENTS_ALL python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-torvane)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
   # An extension is for the Python that it was built with.

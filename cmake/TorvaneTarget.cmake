@@ -13,8 +13,8 @@ function(torvane_library folder)
     list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${file})
   endforeach()
   add_library(${target} STATIC ${sources})
-  if(TORVANE_PYTHON AND NOT folder MATCHES "^(plot|ui|app|cli)$")
-    # The engines become part of a shared library too. Hidden names keep the code as it is otherwise.
+  if(NOT folder MATCHES "^(plot|ui|app|cli)$")
+    # The engines become part of shared libraries too. Hidden names keep the code as it is otherwise.
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
       CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   endif()

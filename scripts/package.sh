@@ -20,19 +20,12 @@ out=$PWD/build/package
 rm -rf "$out"
 mkdir -p "$out"
 
-# Of what a folder's build is to pack.
-pack() {
-  local folder=$1
-  shift
-  cmake --preset unity -B "$folder" -DTORVANE_TESTS=OFF -DTORVANE_PACKAGES=ON "$@"
-  cmake --build "$folder"
-  (cd "$folder" && cpack -B "$out/work")
-  mv "$out"/work/*.deb "$out"
-}
 # Whatever the folder was configured for before.
-pack build/unity -DTORVANE_DESKTOP=ON -DTORVANE_PYTHON=OFF \
-  "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
-pack build/module -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 -DTORVANE_DESKTOP=OFF
+cmake --preset unity -DTORVANE_DESKTOP=ON -DTORVANE_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 \
+  -DTORVANE_TESTS=OFF -DTORVANE_PACKAGES=ON "-DCMAKE_INSTALL_LIBDIR=lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)"
+cmake --build --preset unity
+(cd build/unity && cpack -B "$out/work")
+mv "$out"/work/*.deb "$out"
 rm -rf "$out/work"
 
 if tracked; then
