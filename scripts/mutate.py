@@ -293,10 +293,10 @@ def saved_faults(folder, file, only_survivors):
             continue
         if only_survivors and match.group(1) != "survived":
             continue
-        _, file, number, before, after = match.groups()
-        same = present.get((file, before, after))
+        number = int(match.group(3))
+        same = present.get((match.group(2), *match.groups()[3:]))
         if same:
-            chosen.append(min(same, key=lambda fault: abs(fault.line - int(number))))
+            chosen.append(min(same, key=lambda fault: abs(fault.line - number)))
         else:
             print(f"  no longer there: {line}")
     return chosen

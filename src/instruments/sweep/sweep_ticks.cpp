@@ -8,8 +8,8 @@
 namespace torvane {
 
 SweepTick SweepTick::At(double f, double t) {
-  const double angle = TwoPi * f * t;
-  return {std::sin(angle), std::cos(angle), 0.0, f * t};
+  const auto [sine, cosine] = SineCosine::Of(TwoPi * f * t);
+  return {sine, cosine, 0.0, f * t};
 }
 
 void SweepSums::Add(const SweepTick& tick, double firstCycles) {
@@ -46,24 +46,20 @@ void SweepSums::AddTicks(const SweepSums& other) {
 SweepTicks::SweepTicks(double f, const SampleTape& tape, std::span<const int> rows)
     : count_(static_cast<int>(rows.size())) {
   double distance = 0.0;
-  double turnSin = 0.0;
-  double turnCos = 1.0;
+  SineCosine turn;
+  SineCosine now;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const double t = tape.Time(rows[i]);
     cycles_[i] = f * t;
     const double gone = i > 0 ? t - tape.Time(rows[i - 1]) : 0.0;
     if (i == 1) {
       distance = gone;
-      turnSin = std::sin(TwoPi * f * distance);
-      turnCos = std::cos(TwoPi * f * distance);
+      turn = SineCosine::Of(TwoPi * f * distance);
     }
-    if (i > 0 && std::abs(gone - distance) <= TurningSine::SameDistance * distance) {
-      sin_[i] = sin_[i - 1] * turnCos + cos_[i - 1] * turnSin;
-      cos_[i] = cos_[i - 1] * turnCos - sin_[i - 1] * turnSin;
-    } else {
-      sin_[i] = std::sin(TwoPi * f * t);
-      cos_[i] = std::cos(TwoPi * f * t);
-    }
+    const bool even = i > 0 && std::abs(gone - distance) <= TurningSine::SameDistance * distance;
+    now = even ? now.TurnedBy(turn) : SineCosine::Of(TwoPi * f * t);
+    sin_[i] = now.Sin;
+    cos_[i] = now.Cos;
   }
 }
 

@@ -12,17 +12,18 @@ constexpr int Turns = 31;
 
 }  // namespace
 
+SineCosine SineCosine::Of(double angle) {
+  return {std::sin(angle), std::cos(angle)};
+}
+
 // The turn is kept where the distance is as before: a tick that comes a step late costs a sine
 // only.
 void TurningSine::Compute(double f, double phase, double gone) {
-  const double angle = TwoPi * f * time_ + phase;
-  sin_ = std::sin(angle);
-  cos_ = std::cos(angle);
+  now_ = SineCosine::Of(TwoPi * f * time_ + phase);
   if (!(f == f_ && gone > shortest_ && gone < longest_)) {
     shortest_ = gone * (1.0 - SameDistance);
     longest_ = gone * (1.0 + SameDistance);
-    turnSin_ = std::sin(TwoPi * f * gone);
-    turnCos_ = std::cos(TwoPi * f * gone);
+    turn_ = SineCosine::Of(TwoPi * f * gone);
   }
   f_ = f;
   phase_ = phase;

@@ -2,6 +2,18 @@
 
 namespace torvane {
 
+/// Sine and cosine of one angle.
+struct SineCosine {
+  double Sin = 0.0;
+  double Cos = 1.0;
+
+  static SineCosine Of(double angle);
+  /// Of the sum of the angles.
+  SineCosine TurnedBy(const SineCosine& by) const {
+    return {Sin * by.Cos + Cos * by.Sin, Cos * by.Cos - Sin * by.Sin};
+  }
+};
+
 /// sin(2 pi f t + phase) at ticks that are equally far apart, as sine and cosine that are turned on
 /// from tick to tick.
 ///
@@ -22,13 +34,11 @@ class TurningSine {
     time_ = t;
     if (left_ > 0 && f == f_ && phase == phase_ && gone > shortest_ && gone < longest_) [[likely]] {
       --left_;
-      const double sine = sin_ * turnCos_ + cos_ * turnSin_;
-      cos_ = cos_ * turnCos_ - sin_ * turnSin_;
-      sin_ = sine;
+      now_ = now_.TurnedBy(turn_);
     } else {
       Compute(f, phase, gone);
     }
-    return sin_;
+    return now_.Sin;
   }
 
  private:
@@ -38,12 +48,10 @@ class TurningSine {
   double f_ = 0.0;
   double phase_ = 0.0;
   double time_ = 0.0;  ///< of the last tick
-  double sin_ = 0.0;
-  double cos_ = 1.0;
+  SineCosine now_;
   double shortest_ = 0.0;  ///< the distance of ticks to which the turn belongs
   double longest_ = 0.0;
-  double turnSin_ = 0.0;
-  double turnCos_ = 1.0;
+  SineCosine turn_;
 };
 
 }  // namespace torvane
