@@ -87,7 +87,7 @@ while read -r title row beside number bound; do
   fi
 done <<'WATCHERS'
 scope scope_1_trace nothing 1 165
-swept_sine scope_and_swept_sine scope_1_trace 1 850
+swept_sine scope_and_swept_sine scope_1_trace 1 590
 a_meter_of_15 scope_and_15_meters scope_1_trace 15 13
 WATCHERS
 exit "$failed"

@@ -37,6 +37,10 @@ void SampleTape::ListSignals(std::span<const std::byte> loop) {
       elsewhere_.push_back(&variable->Value);
     }
   }
+  while (offsets_.size() % AtOnce != 0) {
+    signals_.push_back(nullptr);
+    offsets_.push_back(offsets_.back());
+  }
   signals_.insert(signals_.end(), others.begin(), others.end());
   listed_ = bench_.Variables().size();
   values_.resize(signals_.size() * Most);
@@ -72,13 +76,8 @@ void SampleTape::Ask(Instrument& instrument) {
 }
 
 void SampleTape::Await(Reader& reader, const NextSample& next) {
-  reader.Next = Never;
-  if (next.At < 0.0) return;
-  if (next.AtOnce) {
-    stop_ = std::min(stop_, next.At);
-  } else {
-    reader.Next = next.At;
-  }
+  reader.Next = next.At < 0.0 || next.AtOnce ? Never : next.At;
+  if (next.AtOnce && next.At >= 0.0) stop_ = std::min(stop_, next.At);
 }
 
 // Asks whose sample it is when they want the next one.
@@ -86,17 +85,19 @@ void SampleTape::Note(double began, double t) {
   const auto row = static_cast<std::size_t>(count_++);
   times_[row] = t;
   began_[row] = began;
-  next_ = Never;
+  double next = Never;
   for (Reader& reader : readers_) {
     if (t >= reader.Next) {
       reader.Rows[static_cast<std::size_t>(reader.Count++)] = static_cast<int>(row);
       Await(reader, reader.Who->AwaitOnTape(t));
     }
-    next_ = std::min(next_, reader.Next);
+    next = std::min(next, reader.Next);
   }
-  if (count_ < room_) return;
-  stop_ = std::min(stop_, next_);
-  next_ = Never;
+  if (count_ == room_) {
+    stop_ = std::min(stop_, next);
+    next = Never;
+  }
+  next_ = next;
 }
 
 // In four sums: additions need not wait for one another.
@@ -106,6 +107,7 @@ bool SampleTape::Fits() const {
   const auto count = static_cast<std::size_t>(count_);
   std::array<double, Lanes> sums{};
   for (std::size_t signal = 0; signal < signals_.size(); ++signal) {
+    if (!signals_[signal]) continue;
     const double* const values = values_.data() + signal * Most;
     std::size_t row = 0;
     for (; row + Lanes <= count; row += Lanes) {
@@ -129,8 +131,11 @@ void SampleTape::Drop() {
   for (const Reader& reader : readers_) reader.Who->DropTape();
 }
 
+// Most ask for one after the other.
 std::size_t SampleTape::IndexOf(const Variable& signal) const {
-  return static_cast<std::size_t>(std::ranges::find(signals_, &signal) - signals_.begin());
+  if (++found_ < signals_.size() && signals_[found_] == &signal) return found_;
+  found_ = static_cast<std::size_t>(std::ranges::find(signals_, &signal) - signals_.begin());
+  return found_;
 }
 
 bool SampleTape::Has(const Variable& signal) const {

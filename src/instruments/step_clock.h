@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "core/numeric.h"
 
 namespace torvane {
@@ -28,8 +26,8 @@ class StepClock {
   /// Begins at the bench's time `now` on a solver that makes steps of the given length, seconds;
   /// the first instant is due so many steps later.
   void Start(double now, double step, double wait = 0.0) {
-    serviced_ = now;
     step_ = step;
+    Serve(now);
     elapsed_ = 0.0;
     ahead_ = wait;
     fresh_ = wait == 0.0;
@@ -38,9 +36,8 @@ class StepClock {
   /// True when an instant is due at the bench's time t; the next one then is an interval later.
   bool TakeDue(double t, double interval) {
     const double gone = t - serviced_;
-    const double stride = Stride();
-    const double steps = gone == stride ? 1.0 : Floor(gone / stride + 0.5);
-    serviced_ = t;
+    const double steps = gone == stride_ ? 1.0 : Floor(gone / stride_ + 0.5);
+    Serve(t);
     elapsed_ += steps;
     ahead_ -= steps;
     fresh_ = false;
@@ -53,11 +50,17 @@ class StepClock {
   double Elapsed() const { return elapsed_ * step_; }
   double Next() const { return (elapsed_ + ahead_) * step_; }
 
+  /// The next instant, and one a step later than the last where that is passed, in steps from the
+  /// start.
+  double NextStep() const { return elapsed_ + (ahead_ > 1.0 ? ahead_ : 1.0); }
+  /// Seconds as steps.
+  double Steps(double seconds) const { return seconds / step_; }
+
   /// Whether so many seconds have passed since the start.
   bool Reached(double seconds) const { return elapsed_ >= seconds / step_ - slack_; }
 
   /// What the bench's time gains until so many seconds more count as reached.
-  double Span(double seconds) const { return (seconds / step_ - slack_) * Stride(); }
+  double Span(double seconds) const { return (seconds / step_ - slack_) * stride_; }
 
   /// The time to ask the bench for, a little ahead of the step that takes the next instant. The
   /// first is asked for at the start itself if it is due there; any other is at least one step
@@ -67,15 +70,19 @@ class StepClock {
   double RequestAt(double seconds) const { return TimeOf(seconds / step_ - elapsed_); }
 
  private:
-  double TimeOf(double ahead) const {
-    return serviced_ + (std::max(1.0, -Floor(slack_ - ahead)) - 0.25) * Stride();
+  void Serve(double t) {
+    serviced_ = t;
+    stride_ = (t + step_) - t;
   }
-  /// What one step adds to the bench's time as it stands, with its rounding.
-  double Stride() const { return (serviced_ + step_) - serviced_; }
+  double TimeOf(double ahead) const {
+    const double steps = ahead - slack_ <= 1.0 ? 1.0 : -Floor(slack_ - ahead);
+    return serviced_ + (steps - 0.25) * stride_;
+  }
 
   double slack_;
   double serviced_ = 0.0;
   double step_ = 1.0;
+  double stride_ = 1.0;   ///< what a step adds to the bench's time there, with its rounding
   double elapsed_ = 0.0;  ///< whole steps
   double ahead_ = 0.0;    ///< steps to the next instant; negative behind it
   bool fresh_ = true;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <span>
 
 #include "core/angle.h"
 #include "core/constant.h"
@@ -57,9 +58,17 @@ TEST(SignalRecord, TellsALimitFromWhatOnlyLooksLikeOne) {
 
 TEST(LimitWatch, TellsACutSineFromOneThatIsHeldOrQuantised) {
   const auto atLimit = [](auto shape) {
-    LimitWatch watch;
-    for (int i = 0; i < 450; ++i) watch.See(shape(std::sin(TwoPi * (i + 0.3) / 150.0), i));
-    return watch.AtLimit();
+    std::vector<double> values;
+    for (int i = 0; i < 450; ++i) values.push_back(shape(std::sin(TwoPi * (i + 0.3) / 150.0), i));
+    const auto seenBy = [&](std::size_t block) {
+      LimitWatch watch;
+      for (std::size_t i = 0; i < values.size(); i += block) {
+        watch.See(std::span(values).subspan(i, std::min(block, values.size() - i)));
+      }
+      return watch.AtLimit();
+    };
+    EXPECT_EQ(seenBy(24), seenBy(1));
+    return seenBy(7);
   };
   EXPECT_TRUE(atLimit([](double x, int) { return std::clamp(x, -0.9, 0.9); }));
   EXPECT_TRUE(atLimit([](double x, int) { return std::min(x, 0.5); }));

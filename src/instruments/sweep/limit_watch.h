@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 namespace torvane {
 
 /// Whether a signal that follows a sine stands at a limit: at its greatest or least value for far
@@ -7,25 +9,10 @@ namespace torvane {
 /// its turning points as beside them.
 class LimitWatch {
  public:
-  void See(double value) {
-    if (run_ > 0 && value == last_) {
-      ++run_;
-      return;
-    }
-    EndRun();
-    last_ = value;
-    run_ = 1;
-  }
+  /// The next values; how they are divided makes no difference.
+  void See(std::span<const double> values);
 
-  bool AtLimit() const {
-    LimitWatch whole = *this;
-    whole.EndRun();
-    const bool moves = whole.greatest_.Value > whole.least_.Value;
-    const auto far = [&](const Extreme& extreme) {
-      return extreme.Longest > FarLonger * (whole.between_ > 1 ? whole.between_ : 1);
-    };
-    return moves && (far(whole.greatest_) || far(whole.least_));
-  }
+  bool AtLimit() const;
 
  private:
   static constexpr int FarLonger = 8;
@@ -35,29 +22,9 @@ class LimitWatch {
     int Longest = 0;
   };
 
-  // A run at what was an extreme until now lies between them.
-  void Take(Extreme& extreme, bool beyond) {
-    if (beyond) {
-      between_ = extreme.Longest > between_ ? extreme.Longest : between_;
-      extreme = {last_, run_};
-    } else if (last_ == extreme.Value) {
-      extreme.Longest = run_ > extreme.Longest ? run_ : extreme.Longest;
-    }
-  }
-
-  void EndRun() {
-    if (run_ == 0) return;
-    if (greatest_.Longest == 0) {
-      greatest_ = least_ = {last_, run_};
-      return;
-    }
-    if (last_ < greatest_.Value && last_ > least_.Value) {
-      if (run_ > between_) between_ = run_;
-      return;
-    }
-    Take(greatest_, last_ > greatest_.Value);
-    Take(least_, last_ < least_.Value);
-  }
+  void See(double value);
+  void Take(Extreme& extreme, double value, int run, bool beyond);
+  void EndRun();
 
   Extreme greatest_;
   Extreme least_;

@@ -91,6 +91,7 @@ NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
   if (state_ == State::Advance) return {bench_.Time(), true};
   if (state_ != State::Measuring) return {NextTime(), true};
   onTape_ = clock_;
+  endOnTape_ = clock_.Steps(measurementEnd_);
   settledOnTape_ = false;
   unsettledOnTape_ = 0;
   excitationBefore_ = excitation_;
@@ -101,9 +102,7 @@ NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
 // A tick that may end a window is taken at once. A clock that has fallen behind ticks with the next
 // step, whatever its instant.
 NextSample ZelSweptDSA::NextOnTape() const {
-  const double step = bench_.Solver()->Step();
-  const double next = std::max(onTape_.Next(), onTape_.Elapsed() + step);
-  return {onTape_.Request(), next + 2.0 * step >= measurementEnd_};
+  return {onTape_.Request(), onTape_.NextStep() + 2.0 >= endOnTape_};
 }
 
 NextSample ZelSweptDSA::AwaitOnTape(double t) {
@@ -125,17 +124,23 @@ void ZelSweptDSA::ReadTape(const SampleTape& tape, std::span<const int> rows) {
   const auto seen = bench_.MetersExcite() ? rows : rows.last(1);
   for (const int row : seen) watch_.SeeExcitation(tape.Time(row));
   rows = rows.subspan(unsettledOnTape_);
-  if (rows.empty() || points_.empty()) return;
-  const SweepTicks ticks(f_, tape, rows);
-  const SweepSums shared = ticks.Shared(points_.front()->FirstCycles(ticks));
-  std::array<double, SampleTape::Most> values{};
-  const auto used = std::span(values).first(rows.size());
+  if (rows.empty()) return;
+  const SweepTicks ticks(f_, tape, rows, window_);
+  // Where nobody else has samples in between, a signal's values lie side by side.
+  const auto first = static_cast<std::size_t>(rows.front());
+  const bool inARow = rows.size() == static_cast<std::size_t>(rows.back()) - first + 1;
+  std::array<double, SampleTape::Most> some{};
   for (ZelSweptDSAChannel* channel : points_) {
-    const Variable& signal = channel->Signal();
-    const double* const raw = tape.Values(signal);
-    for (std::size_t i = 0; i < rows.size(); ++i) used[i] = raw[rows[i]] * signal.Multiplier();
-    channel->Accumulate(ticks, used, shared);
+    const double* values = tape.Values(channel->Signal());
+    if (inARow) {
+      values += first;
+    } else {
+      std::ranges::transform(rows, some.begin(), [&](int row) { return values[row]; });
+      values = some.data();
+    }
+    channel->Accumulate(window_, ticks, std::span(values, rows.size()));
   }
+  window_.Add(ticks);
 }
 
 bool ZelSweptDSA::Service(double t) {
@@ -150,15 +155,15 @@ bool ZelSweptDSA::Service(double t) {
   Excite(t);
   watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
-    const SweepTick tick = SweepTick::At(f_, t);
-    for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(tick);
+    for (ZelSweptDSAChannel* channel : points_) channel->Accumulate(window_);
+    window_.Add(SweepTick::At(f_, t));
     if (clock_.Reached(measurementEnd_)) CompletePoint();
   }
   return true;
 }
 
 void ZelSweptDSA::Excite(double t) {
-  excitation_ = sine_.At(f_, Phase(), t) * amplitude_ + offset_;
+  excitation_ = sine_.At(t) * amplitude_ + offset_;
 }
 
 void ZelSweptDSA::BeginSweep() {
@@ -183,19 +188,21 @@ void ZelSweptDSA::BeginPoint() {
   settleEnd_ = clock_.Elapsed() + settleTime_;
   measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
   windows_ = 0;
-  sine_.Start();
+  window_.Reset();
+  sine_.Start(f_, Phase());
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
 }
 
 void ZelSweptDSA::CompletePoint() {
   ++windows_;
   if (windows_ < Averages()) {
-    for (ZelSweptDSAChannel* channel : points_) channel->NextWindow();
+    for (ZelSweptDSAChannel* channel : points_) channel->NextWindow(window_);
+    window_.Next();
     measurementEnd_ += WholePeriods(measurementTime_ / f_) / f_;
     return;
   }
   for (ZelSweptDSAChannel* channel : points_) {
-    if (channel->Measure(pointIndex_)) continue;
+    if (channel->Measure(pointIndex_, window_)) continue;
     Finish(State::Done);
     return;
   }

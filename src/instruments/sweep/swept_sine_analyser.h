@@ -148,11 +148,13 @@ class ZelSweptDSA final : public FrequencyAnalyser {
   double settleEnd_ = 0.0;
   double measurementEnd_ = 0.0;
   int windows_ = 0;  ///< windows of the point that are whole
+  SweepWindow window_;
   double excitation_ = 0.0;
   TurningSine sine_;
 
   // As of the last sample on the tape.
   StepClock onTape_;
+  double endOnTape_ = 0.0;           ///< steps to the end of the measurement
   bool settledOnTape_ = false;       ///< ticks belong to a window
   std::size_t unsettledOnTape_ = 0;  ///< ticks on it that belong to no window
   double excitationBefore_ = 0.0;    ///< the tape

@@ -34,87 +34,89 @@ void ZelSweptDSAChannel::ClearPoints() {
 
 void ZelSweptDSAChannel::ResetSums() {
   sums_ = {};
-  pending_ = false;
   average_ = {};
   limit_ = {};
 }
 
 // The slope of what is left of the signal without its sine and its mean. Of n periods of a ramp the
 // sine has taken 6 / (pi n)^2 of the slope.
-double ZelSweptDSAChannel::UnsettledShare(const Phasor& phasor) const {
-  const SweepSums& s = sums_;
+double ZelSweptDSAChannel::UnsettledShare(const SweepWindow& window, const Phasor& phasor) const {
+  const TickSums& s = window.Sums();
   const double amplitude = std::hypot(phasor.Sin, phasor.Cos);
-  const double periods = last_.Cycles - firstCycles_;
+  const double periods = window.Cycles();
   const double left = 1.0 - 6.0 / (Pi * Pi * periods * periods);
   const double spread = s.TT - s.T * s.T / s.N;
   if (!(amplitude > 0.0 && left > 0.2 && spread > 0.0)) return 0.0;
   const auto withTime = [&](double product, double sum) { return product - s.T * sum / s.N; };
-  const double slope =
-      (withTime(s.TX, s.X) - phasor.Sin * withTime(s.TS, s.S) - phasor.Cos * withTime(s.TC, s.C)) /
-      (spread * left);
+  const double slope = (withTime(sums_.TX, sums_.X) - phasor.Sin * withTime(s.TS, s.S) -
+                        phasor.Cos * withTime(s.TC, s.C)) /
+                       (spread * left);
   return std::abs(slope) / (Pi * amplitude);
 }
 
-ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow() {
-  const Phasor phasor = Solve();
+ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::AddWindow(const SweepWindow& window) {
+  Phasor phasor = Solve(window);
+  average_.Unsettled = std::max(average_.Unsettled, UnsettledShare(window, phasor));
+  phasor.Sin *= Signal().Multiplier();
+  phasor.Cos *= Signal().Multiplier();
   ++average_.Windows;
   average_.Sin += phasor.Sin;
   average_.Cos += phasor.Cos;
   average_.Power += phasor.Sin * phasor.Sin + phasor.Cos * phasor.Cos;
-  average_.Unsettled = std::max(average_.Unsettled, UnsettledShare(phasor));
   return phasor;
 }
 
-// The last tick belongs to the window that begins.
-void ZelSweptDSAChannel::NextWindow() {
-  AddWindow();
+void ZelSweptDSAChannel::NextWindow(const SweepWindow& window) {
+  AddWindow(window);
   sums_ = {};
-  firstCycles_ = last_.Cycles;
 }
 
-void ZelSweptDSAChannel::Accumulate(const SweepTick& tick) {
-  if (pending_) sums_.Add(last_, firstCycles_);
-  last_ = tick;
-  last_.X = Signal().DisplayValue();
-  if (!pending_) firstCycles_ = last_.Cycles;
-  limit_.See(last_.X);
-  pending_ = true;
+void ZelSweptDSAChannel::AddLast(const SweepWindow& window, SignalSums& sums) const {
+  if (window.Begun()) sums.Add(last_, window.Last(), window.Cycles());
 }
 
-void ZelSweptDSAChannel::Accumulate(const SweepTicks& ticks, std::span<const double> values,
-                                    const SweepSums& shared) {
-  firstCycles_ = FirstCycles(ticks);
-  if (pending_) sums_.Add(last_, firstCycles_);
-  sums_.AddTicks(shared);
-  ticks.AddSignal(sums_, values, firstCycles_);
-  for (const double value : values) limit_.See(value);
-  last_ = ticks.At(ticks.Count() - 1, values.back());
-  pending_ = true;
+void ZelSweptDSAChannel::Accumulate(const SweepWindow& window) {
+  AddLast(window, sums_);
+  last_ = Signal().Value;
+  limit_.See(std::span(&last_, 1));
 }
 
-ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::Solve() const {
-  SweepSums sums = sums_;
-  if (sums.N == 0.0 && pending_) sums.Add(last_, firstCycles_);
-  if (sums.N == 0.0) return {};
+void ZelSweptDSAChannel::Accumulate(const SweepWindow& window, const SweepTicks& ticks,
+                                    std::span<const double> values) {
+  AddLast(window, sums_);
+  sums_.Add(ticks.Sums(values));
+  last_ = values.back();
+  limit_.See(values);
+}
+
+// A window of one tick, which nothing follows, has that one.
+ZelSweptDSAChannel::Phasor ZelSweptDSAChannel::Solve(const SweepWindow& window) const {
+  TickSums ticks = window.Sums();
+  SignalSums signal = sums_;
+  if (ticks.N == 0.0) {
+    if (!window.Begun()) return {};
+    ticks.Add(window.Last(), window.Cycles());
+    AddLast(window, signal);
+  }
   // Taking the means off each product removes the constant from the equations.
-  const double ss = sums.SS - sums.S * sums.S / sums.N;
-  const double sc = sums.SC - sums.S * sums.C / sums.N;
-  const double cc = sums.CC - sums.C * sums.C / sums.N;
-  const double xs = sums.XS - sums.X * sums.S / sums.N;
-  const double xc = sums.XC - sums.X * sums.C / sums.N;
+  const double ss = ticks.SS - ticks.S * ticks.S / ticks.N;
+  const double sc = ticks.SC - ticks.S * ticks.C / ticks.N;
+  const double cc = ticks.CC - ticks.C * ticks.C / ticks.N;
+  const double xs = signal.XS - signal.X * ticks.S / ticks.N;
+  const double xc = signal.XC - signal.X * ticks.C / ticks.N;
   const double determinant = ss * cc - sc * sc;
-  if (!(determinant > LeastDeterminant * sums.N * sums.N)) {
-    return {2.0 * sums.XS / sums.N, 2.0 * sums.XC / sums.N};
+  if (!(determinant > LeastDeterminant * ticks.N * ticks.N)) {
+    return {2.0 * signal.XS / ticks.N, 2.0 * signal.XC / ticks.N};
   }
   return {(xs * cc - xc * sc) / determinant, (xc * ss - xs * sc) / determinant};
 }
 
-bool ZelSweptDSAChannel::Measure(int index) {
+bool ZelSweptDSAChannel::Measure(int index, const SweepWindow& window) {
   if (index < 0 || static_cast<std::size_t>(index) >= capacity_) {
     Error("Index overrun in ZelSweptDSAChannel :: Measure");
     return false;
   }
-  Phasor phasor = AddWindow();
+  Phasor phasor = AddWindow(window);
   const double windows = average_.Windows;
   if (average_.Windows > 1) phasor = {average_.Sin / windows, average_.Cos / windows};
   const std::size_t point = static_cast<std::size_t>(index);

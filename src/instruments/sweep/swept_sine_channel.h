@@ -7,6 +7,7 @@
 #include "instruments/analyser/analyser_channel.h"
 #include "instruments/sweep/limit_watch.h"
 #include "instruments/sweep/sweep_ticks.h"
+#include "instruments/sweep/sweep_window.h"
 
 namespace torvane {
 
@@ -14,7 +15,7 @@ namespace torvane {
 /// the gain and phase of every point.
 ///
 /// The signal is correlated with sine and cosine at f, and the correlations are solved with those
-/// of sine, cosine and constant among each other over the same ticks:
+/// of sine, cosine and constant among each other over the same ticks, which are the window's:
 ///   x = A sin + B cos + D, gain 20 log10 sqrt(A^2 + B^2), phase atan2(B, A).
 /// Over whole periods of ticks this is A = 2/N sum x sin, B = 2/N sum x cos. It reads a sine at f
 /// on a constant exactly whether or not the period is a whole number of ticks.
@@ -28,22 +29,17 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
   /// Forgets slot 0's points, for a new sweep.
   void ClearPoints();
   void ResetSums();
-  /// Adds the signal's present value at a tick, which comes without it. The last tick of a point
-  /// belongs to the period after it, so a value counts only once another one has followed.
-  void Accumulate(const SweepTick& tick);
-  /// The same with the values of ticks that a tape has; `shared` are their sums without the signal,
-  /// from FirstCycles on.
-  void Accumulate(const SweepTicks& ticks, std::span<const double> values, const SweepSums& shared);
-  /// f t of the first tick of the window under way, to which these ticks belong or whose first they
-  /// are.
-  double FirstCycles(const SweepTicks& ticks) const {
-    return pending_ ? firstCycles_ : ticks.Cycles(0);
-  }
-  /// The sums are whole and go into the point's average; a new window follows at once.
-  void NextWindow();
+  /// Takes the signal's present value at a tick, which the window is given after it.
+  void Accumulate(const SweepWindow& window);
+  /// The same of ticks that a tape has, with the values of the signal that it has, without the
+  /// display multiplier.
+  void Accumulate(const SweepWindow& window, const SweepTicks& ticks,
+                  std::span<const double> values);
+  /// The window is whole and goes into the point's average; a new one follows at once.
+  void NextWindow(const SweepWindow& window);
   /// Stores the point's gain and phase in slot 0; an index beyond the capacity is reported and
   /// gives false.
-  bool Measure(int index);
+  bool Measure(int index, const SweepWindow& window);
 
   double Gain(int slot, int index) override;
   double Phase(int slot, int index) override;
@@ -79,16 +75,15 @@ class ZelSweptDSAChannel final : public AnalyserChannel {
     double Cos = 0.0;
   };
 
-  Phasor Solve() const;
-  Phasor AddWindow();
-  double UnsettledShare(const Phasor& phasor) const;
+  void AddLast(const SweepWindow& window, SignalSums& sums) const;
+  Phasor Solve(const SweepWindow& window) const;
+  Phasor AddWindow(const SweepWindow& window);
+  double UnsettledShare(const SweepWindow& window, const Phasor& phasor) const;
   bool Readable(int slot, int index, const char* message) const;
 
   std::size_t capacity_;
-  SweepSums sums_;
-  bool pending_ = false;
-  double firstCycles_ = 0.0;  ///< at the window's first tick
-  SweepTick last_;
+  SignalSums sums_;    ///< without the display multiplier, and so is what follows
+  double last_ = 0.0;  ///< at the window's last tick
   LimitWatch limit_;
   int pointsAtLimit_ = 0;
   Average average_;

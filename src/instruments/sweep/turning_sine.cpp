@@ -18,16 +18,13 @@ SineCosine SineCosine::Of(double angle) {
 
 // The turn is kept where the distance is as before: a tick that comes a step late costs a sine
 // only.
-void TurningSine::Compute(double f, double phase, double gone) {
-  now_ = SineCosine::Of(TwoPi * f * time_ + phase);
-  if (!(f == f_ && gone > shortest_ && gone < longest_)) {
-    shortest_ = gone * (1.0 - SameDistance);
-    longest_ = gone * (1.0 + SameDistance);
-    turn_ = SineCosine::Of(TwoPi * f * gone);
-  }
-  f_ = f;
-  phase_ = phase;
+void TurningSine::Compute(double gone) {
+  now_ = SineCosine::Of(TwoPi * f_ * time_ + phase_);
   left_ = Turns;
+  if (gone > shortest_ && gone < longest_) return;
+  shortest_ = gone * (1.0 - SameDistance);
+  longest_ = gone * (1.0 + SameDistance);
+  turn_ = SineCosine::Of(TwoPi * f_ * gone);
 }
 
 }  // namespace torvane

@@ -17,32 +17,37 @@ struct SineCosine {
 /// sin(2 pi f t + phase) at ticks that are equally far apart, as sine and cosine that are turned on
 /// from tick to tick.
 ///
-/// They are computed anew every few ticks, and where frequency, phase or the distance of ticks are
-/// others. In between they are off by some 1e-14, beside the rounding of 2 pi f t. What comes out
-/// depends on the ticks since the start alone, not on how a run is divided.
+/// They are computed anew every few ticks, and where the distance of ticks is another. In between
+/// they are off by some 1e-14, beside the rounding of 2 pi f t. What comes out depends on the ticks
+/// since the start alone, not on how a run is divided.
 class TurningSine {
  public:
   /// By which part of it the distances of ticks may differ that count as equal.
   static constexpr double SameDistance = 1e-6;
 
-  /// The next tick is computed anew.
-  void Start() { left_ = 0; }
+  /// From now on of that frequency in Hz and phase in radians; the next tick is computed.
+  void Start(double f, double phase) {
+    f_ = f;
+    phase_ = phase;
+    left_ = 0;
+    longest_ = 0.0;
+  }
 
-  /// The sine at the tick at t seconds, for a frequency in Hz and a phase in radians.
-  double At(double f, double phase, double t) {
+  /// The sine at the tick at t seconds.
+  double At(double t) {
     const double gone = t - time_;
     time_ = t;
-    if (left_ > 0 && f == f_ && phase == phase_ && gone > shortest_ && gone < longest_) [[likely]] {
+    if (left_ > 0 && gone > shortest_ && gone < longest_) [[likely]] {
       --left_;
       now_ = now_.TurnedBy(turn_);
     } else {
-      Compute(f, phase, gone);
+      Compute(gone);
     }
     return now_.Sin;
   }
 
  private:
-  void Compute(double f, double phase, double gone);
+  void Compute(double gone);
 
   int left_ = 0;  ///< ticks until they are computed anew
   double f_ = 0.0;
