@@ -70,6 +70,14 @@ done <<'TWINS'
 15-1 Resonance 2.95
 TWINS
 
+# A run of a study, with its model and all that is read off it, beside its steps alone.
+steps=$("${program}_study" 1)
+read -r few _ <<<"$(total "${program}_study" 5)"
+read -r many _ <<<"$(total "${program}_study" 15)"
+read -r step _ <<<"$(count "$program" engine 6-1)"
+compare 'a run of a study of 6-1' "$(((many - few) / 10))" \
+  "$(awk -v step="$step" -v steps="$steps" 'BEGIN { print step * steps }')" 2.75
+
 # What watching adds to a step, in instructions: FIGURE, the row of bench/watchers.h, the one that it
 # is more than, how many instruments that is, and the bound.
 printf '%-34s %8s %8s\n' 'watching, instructions a step' more bound

@@ -18,14 +18,14 @@ constexpr double LargestOnTape = 1e30;
 
 }  // namespace
 
-void SampleTape::ListSignals(std::span<const std::byte> loop) {
+void SampleTape::ListSignals(std::span<const std::byte> loop, const Instrument* only) {
   double multiplier = 1.0;
   signals_.clear();
   offsets_.clear();
   elsewhere_.clear();
   std::vector<const Variable*> others;
   for (const Variable* variable : bench_.Variables()) {
-    if (variable->Internal()) continue;
+    if (variable->Internal() || (only && !only->SeesOnTape(*variable))) continue;
     multiplier = std::max(multiplier, std::abs(variable->Multiplier()));
     const std::size_t offset = reinterpret_cast<std::uintptr_t>(&variable->Value) -
                                reinterpret_cast<std::uintptr_t>(loop.data());
@@ -43,13 +43,15 @@ void SampleTape::ListSignals(std::span<const std::byte> loop) {
   }
   signals_.insert(signals_.end(), others.begin(), others.end());
   listed_ = bench_.Variables().size();
+  alone_ = only != nullptr;
   values_.resize(signals_.size() * Most);
   most_ = LargestOnTape / multiplier;
 }
 
 bool SampleTape::Begin(int most, std::span<const std::byte> loop, Instrument* only) {
   if (most < 1) return false;
-  if (listed_ != bench_.Variables().size()) ListSignals(loop);
+  // Who is served alone may be another one each time.
+  if (only || alone_ || listed_ != bench_.Variables().size()) ListSignals(loop, only);
   room_ = std::min(most, Most);
   count_ = 0;
   next_ = stop_ = Never;

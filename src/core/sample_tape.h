@@ -69,6 +69,7 @@ class SampleTape {
   bool Has(const Variable& signal) const;
   /// A signal's value in each row, without the display multiplier; of a signal that it has.
   const double* Values(const Variable& signal) const;
+  const double* Times() const { return times_.data(); }
   double Time(int row) const { return times_[static_cast<std::size_t>(row)]; }
   /// When the step began that ended at Time: what the time variable shows there.
   const double* TimeShown() const { return began_.data(); }
@@ -83,7 +84,7 @@ class SampleTape {
     std::array<int, Most> Rows{};
   };
 
-  void ListSignals(std::span<const std::byte> loop);
+  void ListSignals(std::span<const std::byte> loop, const Instrument* only);
   void Note(double began, double t);
   void Ask(Instrument& instrument);
   void Await(Reader& reader, const NextSample& next);
@@ -99,6 +100,7 @@ class SampleTape {
   std::vector<const double*> elsewhere_;
   mutable std::size_t found_ = 0;  // the signal that was asked for last
   std::size_t listed_ = 0;         // variables of the bench that have been looked at
+  bool alone_ = false;             // they are those of one who was served alone
   double most_ = 0.0;
   int room_ = 0;
   int count_ = 0;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
+#include "core/extremes.h"
 #include "core/text.h"
 #include "instruments/scope/step_tail.h"
 
@@ -39,10 +41,13 @@ class Shares {
  public:
   Shares(const StepTraces& traces, const StepStretch& stretch, const StepEnds& ends,
          const JumpTime& jump)
-      : times_(traces.Times.subspan(stretch.Before, stretch.End - stretch.Before)),
-        response_(traces.Response.subspan(stretch.Before, stretch.End - stretch.Before)),
-        ends_(ends),
-        jump_(jump) {}
+      : times_(traces.Times.subspan(stretch.Before, stretch.End - stretch.Before)), jump_(jump) {
+    const auto response = traces.Response.subspan(stretch.Before, times_.size());
+    share_.reserve(response.size());
+    for (const double value : response) {
+      share_.push_back((value - ends.From) / (ends.To - ends.From));
+    }
+  }
 
   StepMeasures Measured() const {
     if (LeavesOtherWay()) return StepMeasures::Without(StepGap::OtherWay);
@@ -61,7 +66,7 @@ class Shares {
   }
 
  private:
-  double At(std::size_t i) const { return (response_[i] - ends_.From) / (ends_.To - ends_.From); }
+  double At(std::size_t i) const { return share_[i]; }
 
   bool EveryStep() const { return times_[1] - times_[0] <= 1.001 * jump_.SolverStep; }
 
@@ -153,8 +158,7 @@ class Shares {
   }
 
   std::span<const double> times_;
-  std::span<const double> response_;
-  StepEnds ends_;
+  std::vector<double> share_;
   JumpTime jump_;
 };
 
@@ -200,8 +204,8 @@ StepGap StepMeasures::Gap() const {
 
 std::optional<StepStretch> FindStep(std::span<const double> command) {
   if (command.empty()) return std::nullopt;
-  const auto [least, most] = std::minmax_element(command.begin(), command.end());
-  const double jump = 0.5 * (*most - *least);
+  const Extremes extremes = ExtremesOf(command);
+  const double jump = 0.5 * (extremes.Greatest - extremes.Least);
   if (!(jump > 0.0)) return std::nullopt;
   const auto next = [&](std::size_t from) {
     std::size_t i = from;

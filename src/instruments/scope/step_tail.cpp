@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "core/extremes.h"
+
 namespace torvane {
 
 namespace {
@@ -26,8 +28,8 @@ double MeanOf(Trace values) {
 }
 
 double RangeOf(Trace values) {
-  const auto [least, most] = std::minmax_element(values.begin(), values.end());
-  return *most - *least;
+  const Extremes extremes = ExtremesOf(values);
+  return extremes.Greatest - extremes.Least;
 }
 
 /// Means of the last three eighths of a trace, oldest first.
@@ -101,6 +103,7 @@ StepTail FindTail(const StepTraces& traces, const StepStretch& stretch, double b
 
   const StepEnds command{traces.Command[stretch.Before], traces.Command[stretch.End - 1]};
   std::vector<double> share;
+  share.reserve(response.size());
   for (const double value : response) {
     share.push_back((value - command.From) / (command.To - command.From));
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <span>
+#include <vector>
 
 #include "core/text.h"
 #include "instruments/scope/screen_measures.h"
@@ -22,32 +24,29 @@ std::optional<double> Known(const StepFigure& figure) {
   return ParseNumber(figure.Text());
 }
 
-// Of a trace that is drawn straight from row to row.
-double Integral(const std::vector<double>& values, const std::vector<double>& times) {
+// Of a function of a trace that is drawn straight from row to row.
+template <class Of>
+double Integral(std::span<const double> values, std::span<const double> times, Of of) {
   double sum = 0.0;
   for (std::size_t i = 1; i < values.size(); ++i) {
-    sum += 0.5 * (values[i - 1] + values[i]) * (times[i] - times[i - 1]);
+    sum += 0.5 * (of(values[i - 1]) + of(values[i])) * (times[i] - times[i - 1]);
   }
   return sum;
 }
 
 // Of command less response, from the jump on, and over how long.
 void ReadError(const StepRun& run, RunReadings& readings) {
-  const std::size_t jump = *run.Before() + 1;
-  const auto from = static_cast<std::ptrdiff_t>(jump);
-  std::vector<double> error;
-  std::transform(run.Command.begin() + from, run.Command.end(), run.Response.begin() + from,
-                 std::back_inserter(error), std::minus());
+  const std::size_t jump = run.Before + 1;
+  const auto times = std::span(run.Times).subspan(jump);
+  std::vector<double> error(times.size());
+  std::transform(run.Command.end() - std::ssize(error), run.Command.end(),
+                 run.Response.end() - std::ssize(error), error.begin(), std::minus());
   if (const auto of = MeasureTrace(error)) readings.RmsError = Rounded(of->Rms, ErrorDigits);
-  const std::vector<double> times(run.Times.begin() + from, run.Times.end());
-  std::vector<double> squares;
-  for (double& value : error) {
-    value = std::abs(value);
-    squares.push_back(value * value);
-  }
-  readings.Iae = Rounded(Integral(error, times), ErrorDigits);
-  readings.Ise = Rounded(Integral(squares, times), ErrorDigits);
-  readings.Window = Rounded(run.Times.back() - run.Times[jump], ErrorDigits);
+  const auto magnitude = [](double value) { return std::abs(value); };
+  const auto square = [](double value) { return value * value; };
+  readings.Iae = Rounded(Integral(error, times, magnitude), ErrorDigits);
+  readings.Ise = Rounded(Integral(error, times, square), ErrorDigits);
+  readings.Window = Rounded(times.back() - times.front(), ErrorDigits);
 }
 
 }  // namespace
@@ -65,7 +64,7 @@ StepRun ReadStep(const MakeModel& make, const StepOptions& options, Supervisor& 
     readings.Reasons.push_back(run.Reason);
     return run;
   }
-  const StepMeasures of = Measured(run);
+  const StepMeasures& of = run.Measures;
   readings.Overshoot = Known(of.Overshoot);
   readings.Rise = Known(of.Rise);
   readings.Settling = Known(of.Settling);

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "core/extremes.h"
 #include "core/instrument.h"
 #include "core/sample_tape.h"
 #include "core/text.h"
@@ -46,8 +47,8 @@ struct Part {
 /// Whether the last two quarters of a trace show the same rest. What has not moved at all may still
 /// have it to come.
 bool Stands(std::span<const double> values) {
-  const auto [least, most] = std::minmax_element(values.begin(), values.end());
-  const double range = *most - *least;
+  const Extremes extremes = ExtremesOf(values);
+  const double range = extremes.Greatest - extremes.Least;
   const std::size_t quarter = values.size() / 4;
   const Part before(values.last(2 * quarter).first(quarter));
   const Part last(values.last(quarter));
@@ -77,7 +78,8 @@ class RowTaker final : public Instrument {
   double NextTime() const override { return next_; }
 
   bool Service(double t) override {
-    Take(t, command_.Value, response_.Value, watched_ ? watched_->Value : 0.0);
+    const double watched = watched_ ? watched_->Value : 0.0;
+    Take({&t, 1}, &command_.Value, &response_.Value, &watched);
     return true;
   }
 
@@ -88,24 +90,35 @@ class RowTaker final : public Instrument {
   }
   NextSample AwaitOnTape(double t) override { return {After(t), false}; }
   void ReadTape(const SampleTape& tape, std::span<const int> rows) override {
-    const double* const command = tape.Values(command_);
-    const double* const response = tape.Values(response_);
-    const double* const watched = watched_ ? tape.Values(*watched_) : command;
-    for (const int row : rows) Take(tape.Time(row), command[row], response[row], watched[row]);
+    if (rows.empty()) return;
+    const int first = rows.front();  // and each row after it, as nobody else is served
+    Take({tape.Times() + first, rows.size()}, tape.Values(command_) + first,
+         tape.Values(response_) + first, watched_ ? tape.Values(*watched_) + first : nullptr);
+  }
+  bool SeesOnTape(const Variable& signal) const override {
+    return &signal == &command_ || &signal == &response_ || &signal == watched_;
   }
 
  private:
   double After(double t) const { return t + 0.5 * step_; }
 
-  // Of values without their display multipliers.
-  void Take(double t, double command, double response, double watched) {
-    rows_.Times.push_back(t);
-    rows_.Command.push_back(command * command_.Multiplier());
-    rows_.Response.push_back(response * response_.Multiplier());
+  // The values are those of these times, without their display multipliers.
+  void Take(std::span<const double> times, const double* command, const double* response,
+            const double* watched) {
+    rows_.Times.insert(rows_.Times.end(), times.begin(), times.end());
+    Append(rows_.Command, {command, times.size()}, command_);
+    Append(rows_.Response, {response, times.size()}, response_);
     if (watched_) {
-      rows_.Peak = std::max(rows_.Peak.value_or(0.0), std::abs(watched * watched_->Multiplier()));
+      for (const double value : std::span(watched, times.size())) {
+        const double shown = std::abs(value * watched_->Multiplier());
+        rows_.Peak = std::max(rows_.Peak.value_or(0.0), shown);
+      }
     }
-    next_ = After(t);
+    next_ = After(times.back());
+  }
+  static void Append(std::vector<double>& rows, std::span<const double> values,
+                     const Variable& signal) {
+    for (const double value : values) rows.push_back(value * signal.Multiplier());
   }
 
   const Variable& command_;
@@ -130,7 +143,9 @@ class OneStep {
         run_(*model_, supervisor, LongestWait),
         taker_(command_, response_,
                options.Peak.empty() ? nullptr : &NamedSignal(model_->Bench(), options.Peak), Step(),
-               rows_) {}
+               rows_) {
+    model_->Bench().History().Suspend();  // nobody takes back what is set on it
+  }
 
   /// Nothing where the generator does not move the command.
   std::optional<StepRun> Run() {
@@ -157,8 +172,7 @@ class OneStep {
     TakeRows(jump + around);
     wave_.SetFreqHz(0.0);
     hold(*edge + BesideEdge);
-    Respond(jump);
-    if (!rows_.Before()) return {};
+    if (!Respond(jump)) return {};
     return std::move(rows_);
   }
 
@@ -199,22 +213,34 @@ class OneStep {
     return false;
   }
 
-  void Respond(double edge) {
-    const auto before = rows_.Before();
-    const double jump = before ? rows_.Times[*before + 1] : edge;
+  // Until the response stands or the window is over; false where the command has made no step. What
+  // stands is measured again until its drift makes no difference.
+  bool Respond(double edge) {
+    const double jump = FindJump() ? rows_.Times[rows_.Before + 1] : edge;
     const double longest = options_.Window.value_or(options_.Until.value_or(LongestWait));
     for (double look = options_.Window.value_or(FirstLook);; look *= LookLater) {
       TakeRows(jump + std::min(look, longest) - 0.5 * Step());
-      if (look >= longest || HasSettled()) break;
+      const bool last = look >= longest;
+      if (last || Stands(rows_.Response)) {
+        if (!FindJump()) return false;
+        Measure();
+        if (last || rows_.Measures.Gap() != StepGap::NotSettled) return true;
+      }
       // Another generator's signal.
-      if (look > LatestJump && !rows_.Before()) break;
+      if (look > LatestJump && !FindJump()) return false;
     }
   }
 
-  // What stands is measured again until its drift makes no difference.
-  bool HasSettled() const {
-    return Stands(rows_.Response) &&
-           (!rows_.Before() || Measured(rows_).Gap() != StepGap::NotSettled);
+  bool FindJump() {
+    const auto step = FindStep(rows_.Command);
+    if (step) rows_.Before = step->Before;
+    return step.has_value();
+  }
+
+  void Measure() {
+    rows_.Measures = MeasureStep({rows_.Times, rows_.Command, rows_.Response, rows_.SameUnit},
+                                 {rows_.Before, rows_.Times.size()},
+                                 {rows_.Times[rows_.Before + 1], 0.0, rows_.SolverStep});
   }
 
   void TakeRows(double until) { run_.Serve(taker_, until, std::numeric_limits<double>::max()); }
@@ -230,17 +256,6 @@ class OneStep {
 };
 
 }  // namespace
-
-std::optional<std::size_t> StepRun::Before() const {
-  const auto step = FindStep(Command);
-  return step ? std::optional(step->Before) : std::nullopt;
-}
-
-StepMeasures Measured(const StepRun& run) {
-  const std::size_t before = *run.Before();
-  return MeasureStep({run.Times, run.Command, run.Response, run.SameUnit},
-                     {before, run.Times.size()}, {run.Times[before + 1], 0.0, run.SolverStep});
-}
 
 StepRun RunOneStep(const MakeModel& make, const StepOptions& options, Supervisor& supervisor) {
   auto model = MakeFirst(make);

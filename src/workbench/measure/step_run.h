@@ -30,12 +30,9 @@ struct StepRun {
   std::optional<double> Peak;  ///< the largest magnitude of what is watched, of all rows
   std::string Reason;
 
-  /// The last row before the command's jump; nothing where it does not jump.
-  std::optional<std::size_t> Before() const;
+  std::size_t Before = 0;  ///< the last row before the command's jump
+  StepMeasures Measures;
 };
-
-/// The measures of a step that came.
-StepMeasures Measured(const StepRun& run);
 
 /// Runs one step of the command. The generator that it comes from is held before its rising edge
 /// until the response stands, jumps when its own edge is next due, in a loop that samples just
