@@ -22,9 +22,9 @@ import time
 import faults
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ["core", "library", "instruments", "kit", "models", "loops", "linear", "study", "cli", "plot",
-           "ui"]
-# Whose tests are run after the folder's own when those have noticed nothing.
+FOLDERS = ["core", "library", "instruments", "kit", "models", "loops", "drawing", "linear", "study",
+           "workbench", "cli", "plot", "ui"]
+# Whose tests are run after the folder's own, if it has some, when those have noticed nothing.
 USERS = {
     "core": ["models", "cli"],
     "library": ["models", "cli"],
@@ -32,8 +32,10 @@ USERS = {
     "kit": ["models", "cli"],
     "models": ["cli"],
     "loops": ["cli"],
+    "drawing": ["plot", "cli"],
     "linear": ["cli"],
     "study": ["cli"],
+    "workbench": ["study", "cli", "ui"],
     "plot": ["cli"],
 }
 # Models keep some memory a class for the life of the program: each of their tests has its own.
@@ -216,7 +218,8 @@ class Trial:
     def __init__(self, build, folder, tests, without):
         self.build = build
         self.folder = folder
-        self.tests = [Tests(build, name, without) for name in tests or [folder, *USERS.get(folder, [])]]
+        own = [folder] if (ROOT / "tests" / folder).is_dir() else []
+        self.tests = [Tests(build, name, without) for name in tests or own + USERS.get(folder, [])]
         self.results = []
 
     def prepare(self):

@@ -4,6 +4,7 @@
 
 namespace torvane {
 
+/// The ends of a range.
 struct Extremes {
   double Least;
   double Greatest;
