@@ -76,7 +76,7 @@ read -r few _ <<<"$(total "${program}_study" 5)"
 read -r many _ <<<"$(total "${program}_study" 15)"
 read -r step _ <<<"$(count "$program" engine 6-1)"
 compare 'a run of a study of 6-1' "$(((many - few) / 10))" \
-  "$(awk -v step="$step" -v steps="$steps" 'BEGIN { print step * steps }')" 2.75
+  "$(awk -v step="$step" -v steps="$steps" 'BEGIN { printf "%.0f", step * steps }')" 2.75
 
 # What watching adds to a step, in instructions: FIGURE, the row of bench/watchers.h, the one that it
 # is more than, how many instruments that is, and the bound.

@@ -38,8 +38,9 @@ USERS = {
     "workbench": ["study", "cli", "ui"],
     "plot": ["cli"],
 }
-# Models keep some memory a class for the life of the program: each of their tests has its own.
-ALONE = ["models"]
+# Models keep some memory a class for the life of the program, and a desktop the loops that it has
+# opened: each of their tests has a program of its own.
+ALONE = ["models", "ui"]
 
 
 class Build:

@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "core/pair.h"
+#include "core/double_pair.h"
 
 namespace torvane {
 
 Extremes ExtremesOf(std::span<const double> values) {
-  Pair least{values.front(), values.front()};
-  Pair greatest = least;
+  DoublePair least{values.front(), values.front()};
+  DoublePair greatest = least;
   std::size_t i = 0;
   for (; i + 2 <= values.size(); i += 2) {
-    const Pair pair = PairAt(&values[i]);
+    const DoublePair pair = DoublePairAt(&values[i]);
     least = pair < least ? pair : least;
     greatest = pair > greatest ? pair : greatest;
   }

@@ -14,7 +14,6 @@ namespace torvane {
 
 struct Record;
 class RecordWriter;
-class Variable;
 
 /// What an instrument tells the window that shows it, when there is one.
 class InstrumentView {
@@ -57,8 +56,6 @@ class Instrument : public Undoable {
   /// A run begins, with a tape: the next sample. NextTime at once, unless overridden. An instrument
   /// that asks for no time is not told of the others' samples.
   virtual NextSample BeginTape(const SampleTape& /*tape*/) { return {NextTime(), true}; }
-  /// Whether it wants that signal on a tape that serves it alone.
-  virtual bool SeesOnTape(const Variable& /*signal*/) const { return true; }
   /// The sample that it awaited is on the tape, taken at t: the one after it. What the model is to
   /// feel from t on has to be done here.
   virtual NextSample AwaitOnTape(double /*t*/) { return {}; }

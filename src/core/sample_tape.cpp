@@ -18,14 +18,14 @@ constexpr double LargestOnTape = 1e30;
 
 }  // namespace
 
-void SampleTape::ListSignals(std::span<const std::byte> loop, const Instrument* only) {
+void SampleTape::ListSignals(std::span<const std::byte> loop) {
   double multiplier = 1.0;
   signals_.clear();
   offsets_.clear();
   elsewhere_.clear();
   std::vector<const Variable*> others;
   for (const Variable* variable : bench_.Variables()) {
-    if (variable->Internal() || (only && !only->SeesOnTape(*variable))) continue;
+    if (variable->Internal()) continue;
     multiplier = std::max(multiplier, std::abs(variable->Multiplier()));
     const std::size_t offset = reinterpret_cast<std::uintptr_t>(&variable->Value) -
                                reinterpret_cast<std::uintptr_t>(loop.data());
@@ -37,21 +37,19 @@ void SampleTape::ListSignals(std::span<const std::byte> loop, const Instrument* 
       elsewhere_.push_back(&variable->Value);
     }
   }
-  while (offsets_.size() % AtOnce != 0) {
+  while (offsets_.size() % PerTurn != 0) {
     signals_.push_back(nullptr);
     offsets_.push_back(offsets_.back());
   }
   signals_.insert(signals_.end(), others.begin(), others.end());
   listed_ = bench_.Variables().size();
-  alone_ = only != nullptr;
   values_.resize(signals_.size() * Most);
   most_ = LargestOnTape / multiplier;
 }
 
 bool SampleTape::Begin(int most, std::span<const std::byte> loop, Instrument* only) {
   if (most < 1) return false;
-  // Who is served alone may be another one each time.
-  if (only || alone_ || listed_ != bench_.Variables().size()) ListSignals(loop, only);
+  if (listed_ != bench_.Variables().size()) ListSignals(loop);
   room_ = std::min(most, Most);
   count_ = 0;
   next_ = stop_ = Never;
@@ -78,8 +76,9 @@ void SampleTape::Ask(Instrument& instrument) {
 }
 
 void SampleTape::Await(Reader& reader, const NextSample& next) {
-  reader.Next = next.At < 0.0 || next.AtOnce ? Never : next.At;
-  if (next.AtOnce && next.At >= 0.0) stop_ = std::min(stop_, next.At);
+  const bool asks = next.At >= 0.0;
+  reader.Next = asks && !next.AtOnce ? next.At : Never;
+  if (asks && next.AtOnce) stop_ = std::min(stop_, next.At);
 }
 
 // Asks whose sample it is when they want the next one.

@@ -44,8 +44,8 @@ class SampleTape {
   void Take(double began, double t, const Loop& copy) {
     const char* const start = reinterpret_cast<const char*>(&copy);
     double* value = values_.data() + count_;
-    for (std::size_t first = 0; first < offsets_.size(); first += AtOnce) {
-      for (std::size_t i = first; i < first + AtOnce; ++i) {
+    for (std::size_t first = 0; first < offsets_.size(); first += PerTurn) {
+      for (std::size_t i = first; i < first + PerTurn; ++i) {
         *value = *reinterpret_cast<const double*>(start + offsets_[i]);
         value += Most;
       }
@@ -84,23 +84,21 @@ class SampleTape {
     std::array<int, Most> Rows{};
   };
 
-  void ListSignals(std::span<const std::byte> loop, const Instrument* only);
+  void ListSignals(std::span<const std::byte> loop);
   void Note(double began, double t);
   void Ask(Instrument& instrument);
   void Await(Reader& reader, const NextSample& next);
   std::size_t IndexOf(const Variable& signal) const;
 
   static constexpr double Never = std::numeric_limits<double>::infinity();
+  static constexpr std::size_t PerTurn = 4;  // signals that a turn of the loop copies
 
   const ZelBenchTop& bench_;
-  static constexpr std::size_t AtOnce = 4;  // signals that a turn copies
-
   std::vector<const Variable*> signals_;  // those in the loop and none, by whole turns; the others
   std::vector<std::size_t> offsets_;      // bytes from the loop's beginning
   std::vector<const double*> elsewhere_;
   mutable std::size_t found_ = 0;  // the signal that was asked for last
   std::size_t listed_ = 0;         // variables of the bench that have been looked at
-  bool alone_ = false;             // they are those of one who was served alone
   double most_ = 0.0;
   int room_ = 0;
   int count_ = 0;

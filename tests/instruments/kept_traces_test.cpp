@@ -61,7 +61,11 @@ TEST(KeptTraces, KeepingAndClearingAreUndone) {
   const auto last = [&] { return set.Scope.Kept() ? set.Scope.Kept()->Time.back() : -1.0; };
   ZelUndo& history = set.Bench.History();
   keep(6);
+  const int first = set.Scope.KeptIdentity();
   keep(7);
+  set.Scope.ShowKeptTraces(first);
+  EXPECT_EQ(last(), 6.0);
+  history.Undo();
   set.Scope.ClearKeptTraces();
   EXPECT_EQ(last(), -1.0);
   for (const auto& [undo, then] : {std::pair{true, 7.0}, {true, 6.0}, {false, 7.0}, {true, 6.0}}) {

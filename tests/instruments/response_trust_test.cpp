@@ -72,6 +72,9 @@ TEST(LimitWatch, TellsACutSineFromOneThatIsHeldOrQuantised) {
   };
   EXPECT_TRUE(atLimit([](double x, int) { return std::clamp(x, -0.9, 0.9); }));
   EXPECT_TRUE(atLimit([](double x, int) { return std::min(x, 0.5); }));
+  // Nine times, the least that counts, from the last but one of a block on.
+  EXPECT_TRUE(atLimit([](double x, int i) { return i % 96 >= 70 && i % 96 < 79 ? 2.0 : x; }));
+  EXPECT_FALSE(atLimit([](double x, int i) { return i % 96 >= 70 && i % 96 < 78 ? 2.0 : x; }));
   EXPECT_FALSE(atLimit([](double x, int) { return x; }));
   for (const double step : {0.01, 0.1, 0.4}) {
     EXPECT_FALSE(atLimit([=](double x, int) { return step * std::floor(x / step); })) << step;

@@ -70,6 +70,19 @@ TEST(RunningLoopTest, BeginsAnewAsOneThatWasJustMade) {
   }
 }
 
+TEST(RunningLoopTest, TorquesOfTwoInertiasAreInBalance) {
+  const auto model = Loop(R"(model R
+  Torvane.Mechanics.TwoInertia two(tau = 1, JM = 1, JL = 2, KS = 3, KCV = 0.4);
+  Real offMotor = 1 - two.tauShaft - two.aM; Real offLoad = two.tauShaft - 2 * two.aL;
+  annotation(experiment(Interval = 1/1024));
+end R;)");
+  RowsOf(*model, 2000);
+  for (const Variable* signal : model->Bench().Variables()) {
+    if (!signal->Name().starts_with("off")) continue;
+    EXPECT_NEAR(signal->Value, 0.0, 1e-12) << signal->Name();
+  }
+}
+
 TEST(RunningLoopTest, KeepsItsPastWhenConstantsChange) {
   const auto untouched = Loop(AllSorts);
   const auto touched = Loop(AllSorts);

@@ -51,6 +51,10 @@ TEST_F(ConstantsGridTest, InputAfterATextThatIsNoNumberFindsTheEditorClosed) {
     SCOPED_TRACE(more);
     Play(std::string("box OK; click SGConsts[KVP]; keys focus abc; key focus Return; ") + more +
          " -> box=Message Box|Cannot convert \"abc\" to a Number|; SGConsts[KVP]=0.72");
+    // The second report's box must not be left to whoever comes after this test.
+    if (std::string_view(more).find("keys focus x") != std::string_view::npos) {
+      Play("box OK -> box=Message Box|Cannot convert \"x\" to a Number|");
+    }
     Play("click SBStop -> SBStop on");
     if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) box->accept();
     for (auto* dialog : Panel->findChildren<AdjustDialog*>()) dialog->hide();

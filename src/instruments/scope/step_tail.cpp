@@ -102,20 +102,20 @@ StepTail FindTail(const StepTraces& traces, const StepStretch& stretch, double b
   if (settled && !(std::abs(height) > LeastHeight * range)) return {StepGap::Returns, {}};
 
   const StepEnds command{traces.Command[stretch.Before], traces.Command[stretch.End - 1]};
-  std::vector<double> share;
-  share.reserve(response.size());
-  for (const double value : response) {
-    share.push_back((value - command.From) / (command.To - command.From));
-  }
+  const auto share = [&](double value) {
+    return (value - command.From) / (command.To - command.From);
+  };
   if (!settled) {
-    if (traces.SameUnit && Follows(share)) return {StepGap::None, {command}};
+    std::vector<double> shares(response.size());
+    std::ranges::transform(response, shares.begin(), share);
+    if (traces.SameUnit && Follows(shares)) return {StepGap::None, {command}};
     return {StepGap::NotSettled, {}};
   }
   StepTail found{StepGap::None, {{start, tail.Mean[2]}}};
   if (left == 0.0) return found;
   found.Ends.push_back({start, tail.Mean[2] + left});
-  const bool near =
-      std::abs(share.front()) <= NearCommand && std::abs(share.back() - 1.0) <= NearCommand;
+  const bool near = std::abs(share(start)) <= NearCommand &&
+                    std::abs(share(response.back()) - 1.0) <= NearCommand;
   if (traces.SameUnit && near) found.Ends.push_back(command);
   return found;
 }

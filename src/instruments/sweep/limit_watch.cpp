@@ -2,52 +2,38 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
-#include "core/pair.h"
+#include "core/double_pair.h"
+#include "core/extremes.h"
 
 namespace torvane {
 
 namespace {
 
-struct Extremes {
-  double Greatest;
-  double Least;
-};
-
-// Of all but the last, which belongs to what comes. Nothing where one is like the one after it, and
-// of few. The last pair may have one that the pair before it had.
-std::optional<Extremes> ExtremesOfMoving(std::span<const double> values) {
-  if (values.size() < 3) return std::nullopt;
-  const std::size_t count = values.size() - 1;
-  Pair greatest = PairAt(values.data());
-  Pair least = greatest;
-  auto stands = greatest == PairAt(&values[1]);
-  const auto see = [&](std::size_t i) {
-    const Pair pair = PairAt(&values[i]);
-    greatest = pair > greatest ? pair : greatest;
-    least = pair < least ? pair : least;
-    stands |= pair == PairAt(&values[i + 1]);
-  };
-  for (std::size_t i = 2; i + 2 <= count; i += 2) see(i);
-  see(count - 2);
-  if ((stands[0] | stands[1]) != 0) return std::nullopt;
-  return Extremes{std::max(greatest[0], greatest[1]), std::min(least[0], least[1])};
+// Whether each of two values or more is another than the one after it.
+bool AllMove(std::span<const double> values) {
+  auto stand = DoublePair{} != DoublePair{};
+  std::size_t i = 0;
+  for (; i + 3 <= values.size(); i += 2) {
+    stand |= DoublePairAt(&values[i]) == DoublePairAt(&values[i + 1]);
+  }
+  const bool lastStands = values[values.size() - 2] == values.back();
+  return (stand[0] | stand[1]) == 0 && !lastStands;
 }
 
 }  // namespace
 
-// Of values that move, the extremes are all that counts.
+// Of values that move, all that counts are the extremes; the last may stand from now on.
 void LimitWatch::See(std::span<const double> values) {
-  const bool moves = run_ > 0 && values.front() != last_;
-  const auto extremes = moves ? ExtremesOfMoving(values) : std::nullopt;
-  if (!extremes) {
+  const bool moves = values.size() > 1 && run_ > 0 && values.front() != last_ && AllMove(values);
+  if (!moves) {
     for (const double value : values) See(value);
     return;
   }
   EndRun();
-  Take(greatest_, extremes->Greatest, 1, extremes->Greatest > greatest_.Value);
-  Take(least_, extremes->Least, 1, extremes->Least < least_.Value);
+  const Extremes extremes = ExtremesOf(values.first(values.size() - 1));
+  Take(greatest_, extremes.Greatest, 1, extremes.Greatest > greatest_.Value);
+  Take(least_, extremes.Least, 1, extremes.Least < least_.Value);
   last_ = values.back();
   run_ = 1;
 }

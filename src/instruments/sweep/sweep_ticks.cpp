@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/angle.h"
-#include "core/pair.h"
+#include "core/double_pair.h"
 #include "instruments/sweep/sweep_window.h"
 #include "instruments/sweep/turning_sine.h"
 
@@ -42,17 +42,17 @@ TickSums SweepTicks::Sums() const {
 
 // Even and odd ticks by themselves: one instruction adds for both.
 SignalSums SweepTicks::Sums(std::span<const double> values) const {
-  Pair x{};
-  Pair xs{};
-  Pair xc{};
-  Pair tx{};
+  DoublePair x{};
+  DoublePair xs{};
+  DoublePair xc{};
+  DoublePair tx{};
   std::size_t i = 0;
   for (; i + 2 <= count_; i += 2) {
-    const Pair value = PairAt(&values[i]);
+    const DoublePair value = DoublePairAt(&values[i]);
     x += value;
-    xs += value * PairAt(&sin_[i]);
-    xc += value * PairAt(&cos_[i]);
-    tx += value * PairAt(&gone_[i]);
+    xs += value * DoublePairAt(&sin_[i]);
+    xc += value * DoublePairAt(&cos_[i]);
+    tx += value * DoublePairAt(&gone_[i]);
   }
   SignalSums sums{x[0] + x[1], xs[0] + xs[1], xc[0] + xc[1], tx[0] + tx[1]};
   if (i < count_) sums.Add(values[i], {sin_[i], cos_[i]}, gone_[i]);

@@ -95,6 +95,7 @@ NextSample ZelSweptDSA::BeginTape(const SampleTape& /*tape*/) {
   settledOnTape_ = false;
   unsettledOnTape_ = 0;
   excitationBefore_ = excitation_;
+  sine_.SetPhase(Phase());
   sineBefore_ = sine_;
   return NextOnTape();
 }
@@ -152,6 +153,7 @@ bool ZelSweptDSA::Service(double t) {
     StepFrequency(t);
     BeginPoint();
   }
+  sine_.SetPhase(Phase());  // which another analyser may have moved since
   Excite(t);
   watch_.SeeExcitation(t);
   if (clock_.Reached(settleEnd_)) {
@@ -189,7 +191,7 @@ void ZelSweptDSA::BeginPoint() {
   measurementEnd_ = settleEnd_ + WholePeriods(measurementTime_ / f_) / f_;
   windows_ = 0;
   window_.Reset();
-  sine_.Start(f_, Phase());
+  sine_.Start(f_);
   for (ZelSweptDSAChannel* channel : points_) channel->ResetSums();
 }
 

@@ -17,20 +17,25 @@ struct SineCosine {
 /// sin(2 pi f t + phase) at ticks that are equally far apart, as sine and cosine that are turned on
 /// from tick to tick.
 ///
-/// They are computed anew every few ticks, and where the distance of ticks is another. In between
-/// they are off by some 1e-14, beside the rounding of 2 pi f t. What comes out depends on the ticks
-/// since the start alone, not on how a run is divided.
+/// They are computed anew every few ticks, and where phase or distance of ticks are others. In
+/// between they are off by some 1e-14, beside the rounding of 2 pi f t. What comes out depends on
+/// the ticks since the start alone, not on how a run is divided.
 class TurningSine {
  public:
   /// By which part of it the distances of ticks may differ that count as equal.
   static constexpr double SameDistance = 1e-6;
 
-  /// From now on of that frequency in Hz and phase in radians; the next tick is computed.
-  void Start(double f, double phase) {
+  /// From now on of that frequency in Hz.
+  void Start(double f) {
     f_ = f;
-    phase_ = phase;
     left_ = 0;
     longest_ = 0.0;
+  }
+  /// From now on with that phase in radians.
+  void SetPhase(double phase) {
+    if (phase == phase_) return;
+    phase_ = phase;
+    left_ = 0;
   }
 
   /// The sine at the tick at t seconds.

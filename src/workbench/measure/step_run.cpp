@@ -95,9 +95,6 @@ class RowTaker final : public Instrument {
     Take({tape.Times() + first, rows.size()}, tape.Values(command_) + first,
          tape.Values(response_) + first, watched_ ? tape.Values(*watched_) + first : nullptr);
   }
-  bool SeesOnTape(const Variable& signal) const override {
-    return &signal == &command_ || &signal == &response_ || &signal == watched_;
-  }
 
  private:
   double After(double t) const { return t + 0.5 * step_; }
@@ -118,7 +115,10 @@ class RowTaker final : public Instrument {
   }
   static void Append(std::vector<double>& rows, std::span<const double> values,
                      const Variable& signal) {
-    for (const double value : values) rows.push_back(value * signal.Multiplier());
+    const double multiplier = signal.Multiplier();
+    rows.resize(rows.size() + values.size());
+    std::transform(values.begin(), values.end(), rows.end() - std::ssize(values),
+                   [multiplier](double value) { return value * multiplier; });
   }
 
   const Variable& command_;

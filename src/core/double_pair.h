@@ -5,11 +5,11 @@
 namespace torvane {
 
 /// Two doubles that one instruction computes with, each as by itself.
-using Pair [[gnu::vector_size(2 * sizeof(double))]] = double;
+using DoublePair [[gnu::vector_size(2 * sizeof(double))]] = double;
 
 /// The two from there on.
-inline Pair PairAt(const double* values) {
-  Pair pair;
+inline DoublePair DoublePairAt(const double* values) {
+  DoublePair pair;
   std::memcpy(&pair, values, sizeof(pair));
   return pair;
 }
